@@ -1,0 +1,19 @@
+// The version that a loaded libCommonStowraapi reports about itself.
+
+#ifndef COMMON_STOWRAAPI_VERSION_H_
+#define COMMON_STOWRAAPI_VERSION_H_
+
+#include "common_stowraapi/export.h"
+
+extern "C" {
+
+// NUL-terminated text that `what` finds in the binary: "@(#)", the library's name, the project's
+// name and the build number.
+STOWRA_EXPORT extern const unsigned char CommonStowraapiVersionString[];
+
+// The build number of the text above.
+STOWRA_EXPORT extern const double CommonStowraapiVersionNumber;
+
+}  // extern "C"
+
+#endif  // COMMON_STOWRAAPI_VERSION_H_
