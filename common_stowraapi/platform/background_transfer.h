@@ -1,0 +1,57 @@
+// One exchange in the background, and who is to hear of its end.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_BACKGROUND_TRANSFER_H_
+#define COMMON_STOWRAAPI_PLATFORM_BACKGROUND_TRANSFER_H_
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+#include "common_stowraapi/platform/delivery_gate.h"
+#include "common_stowraapi/platform/http_exchange.h"
+#include "common_stowraapi/platform/http_message.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+
+namespace ovrant::internet {
+
+// Shared by the transport that it belongs to, the worker that runs it and the completion that is on
+// its way to the host. Transport and delegate may die at any moment: each closes its gate, and no
+// delivery passes a closed gate.
+class BackgroundTransfer {
+ public:
+  // `publish` stores the reply in the transport. It is called at most once, and not after Abandon
+  // has been called.
+  BackgroundTransfer(HttpRequest request, std::shared_ptr<TransferListener> listener,
+                     const InternetDataDelegate& delegate,
+                     std::shared_ptr<DeliveryGate> delegate_gate,
+                     std::function<void(HttpReply)> publish);
+
+  // For the worker's thread alone.
+  HttpExchange& exchange() { return exchange_; }
+
+  // Whether nobody is left to hear of the end. Safe from any thread.
+  bool IsAbandoned();
+
+  // The transport is going: on return nothing of this transfer is posted, or being posted, any
+  // more, except that inside a delivery it does not wait for a post under way. Any thread.
+  void Abandon();
+
+  // Stores the reply in the transport and posts the delegate's name for it. To be called once,
+  // after the exchange has ended; any thread. A second call does nothing. Passes on what an
+  // observer throws.
+  void Deliver();
+
+ private:
+  HttpExchange exchange_;
+  const std::shared_ptr<DeliveryGate> delegate_gate_;
+  DeliveryGate transport_gate_;
+  const std::function<void(HttpReply)> publish_;
+  void* const context_;
+  const char* const returned_notification_;
+  const char* const failed_notification_;
+  std::atomic<bool> delivered_{false};
+};
+
+}  // namespace ovrant::internet
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_BACKGROUND_TRANSFER_H_

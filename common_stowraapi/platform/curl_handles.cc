@@ -1,0 +1,48 @@
+#include "common_stowraapi/platform/curl_handles.h"
+
+#include <curl/curl.h>
+
+#include <new>
+
+namespace ovrant::internet {
+
+namespace {
+
+template <typename Handle>
+Handle Checked(typename Handle::pointer handle) {
+  if (handle == nullptr) throw std::bad_alloc();
+  return Handle(handle);
+}
+
+}  // namespace
+
+void EasyDeleter::operator()(void* easy) const {
+  curl_easy_cleanup(easy);
+}
+void MultiDeleter::operator()(void* multi) const {
+  curl_multi_cleanup(multi);
+}
+void HeaderListDeleter::operator()(void* list) const {
+  curl_slist_free_all(static_cast<curl_slist*>(list));
+}
+
+void EnsureCurl() {
+  static const CURLcode result = curl_global_init(CURL_GLOBAL_ALL);
+  if (result != CURLE_OK) throw std::bad_alloc();
+}
+
+EasyHandle MakeEasyHandle() {
+  return Checked<EasyHandle>(curl_easy_init());
+}
+MultiHandle MakeMultiHandle() {
+  return Checked<MultiHandle>(curl_multi_init());
+}
+
+void AppendHeaderLine(const char* line, HeaderList& list) {
+  curl_slist* const longer = curl_slist_append(static_cast<curl_slist*>(list.get()), line);
+  if (longer == nullptr) throw std::bad_alloc();
+  static_cast<void>(list.release());
+  list.reset(longer);
+}
+
+}  // namespace ovrant::internet

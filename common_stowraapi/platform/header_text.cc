@@ -1,0 +1,50 @@
+#include "common_stowraapi/platform/header_text.h"
+
+#include <algorithm>
+
+namespace ovrant::internet {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kTokenSymbols = "!#$%&'*+-.^_`|~";
+
+bool IsLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+char ToLower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool IsTokenCharacter(char c) {
+  return IsLetter(c) || (c >= '0' && c <= '9') || kTokenSymbols.find(c) != std::string_view::npos;
+}
+
+}  // namespace
+
+std::string_view TrimHeaderText(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && StartsWithIgnoringCase(a, b);
+}
+
+bool StartsWithIgnoringCase(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() &&
+         std::equal(prefix.begin(), prefix.end(), text.begin(),
+                    [](char a, char b) { return ToLower(a) == ToLower(b); });
+}
+
+bool IsHeaderName(std::string_view name) {
+  return !name.empty() && std::all_of(name.begin(), name.end(), IsTokenCharacter);
+}
+
+bool IsHeaderValue(std::string_view value) {
+  return value.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+}
+
+}  // namespace ovrant::internet

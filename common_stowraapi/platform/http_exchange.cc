@@ -1,0 +1,209 @@
+#include "common_stowraapi/platform/http_exchange.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "common_stowraapi/platform/header_text.h"
+
+namespace ovrant::internet {
+
+using ovrant::utils::ovrant_ustring;
+
+namespace {
+
+// A length that a server announces is believed up to here before the bytes have come.
+constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
+
+constexpr char kNoMemory[] = "out of memory";
+constexpr char kTooLarge[] = "the response's body is too large";
+
+constexpr int kFirstRedirect = 300;
+constexpr int kLastRedirect = 399;
+
+}  // namespace
+
+HttpExchange::HttpExchange(HttpRequest request, std::shared_ptr<TransferListener> listener)
+    : request_(std::move(request)), listener_(std::move(listener)) {}
+
+bool HttpExchange::Begin(void* easy) noexcept {
+  easy_ = easy;
+  NoteProgress();
+  began_ = true;
+  Tell(TransferEvent::Kind::kStarted);
+  try {
+    refused_ = SetExchangeOptions(request_, *this, listener_ != nullptr, error_buffer_, easy,
+                                  header_list_);
+  } catch (const std::bad_alloc&) {
+    refused_ = kNoMemory;
+  }
+  return refused_ == nullptr;
+}
+
+void HttpExchange::End(int curl_code) noexcept {
+  if (ended_) return;
+  const bool received =
+      refused_ == nullptr && IsReplyWhole() && (curl_code == CURLE_OK || IsAnsweredEarly());
+  Conclude(received, received ? "" : WhyNotReceived(curl_code));
+}
+
+void HttpExchange::EndDropped() noexcept {
+  EndFailed("dropped by the host");
+}
+
+void HttpExchange::EndFailed(const char* why) noexcept {
+  if (!ended_) Conclude(false, why);
+}
+
+void HttpExchange::EndTimedOut() noexcept {
+  if (ended_) return;
+  const std::chrono::duration<double> seconds = request_.inactivity_timeout;
+  std::snprintf(error_buffer_.data(), error_buffer_.size(), "no data for %.3g seconds",
+                seconds.count());
+  Conclude(false, error_buffer_.data());
+}
+
+bool HttpExchange::IsAnsweredEarly() const {
+  if (!request_.is_upload || request_.body == nullptr || !head_.complete()) return false;
+  curl_off_t sent = 0;
+  curl_easy_getinfo(easy_, CURLINFO_SIZE_UPLOAD_T, &sent);
+  if (static_cast<std::size_t>(sent) >= request_.body->size() || WillFollowRedirect()) return false;
+  const bool has_whole_body =
+      head_.HasNoBody() || (head_.content_length() && encoded_bytes_ == *head_.content_length());
+  return has_whole_body && IsReplyWhole();
+}
+
+bool HttpExchange::OnHeaderLine(std::string_view line) noexcept {
+  try {
+    TakeHeaderLine(line);
+  } catch (const std::bad_alloc&) {
+    Refuse(kNoMemory);
+  }
+  return refused_ == nullptr;
+}
+
+bool HttpExchange::OnBody(const void* data, std::size_t length) noexcept {
+  try {
+    TakeBody(data, length);
+  } catch (const std::bad_alloc&) {
+    Refuse(kNoMemory);
+  }
+  return refused_ == nullptr;
+}
+
+bool HttpExchange::OnConnected() noexcept {
+  NoteProgress();
+  const char* url = nullptr;
+  curl_easy_getinfo(easy_, CURLINFO_EFFECTIVE_URL, &url);
+  const bool is_https = url != nullptr && StartsWithIgnoringCase(url, "https:");
+  if (was_https_ && !is_https) Refuse("a redirect leads from https to http");
+  was_https_ = is_https;
+  return refused_ == nullptr;
+}
+
+void HttpExchange::OnSent(std::size_t bytes_in_all) noexcept {
+  if (bytes_in_all == sent_bytes_) return;
+  sent_bytes_ = bytes_in_all;
+  Tell(TransferEvent::Kind::kProgress);
+}
+
+void HttpExchange::TakeHeaderLine(std::string_view line) {
+  NoteProgress();
+  if (head_.BeginsResponse(line)) {
+    reply_.body.Clear();
+    gzip_.reset();
+    encoded_bytes_ = 0;
+  }
+  if (const char* why = head_.AddLine(line)) Refuse(why);
+}
+
+void HttpExchange::TakeBody(const void* data, std::size_t length) {
+  NoteProgress();
+  if (encoded_bytes_ == 0 && head_.content_length() && !head_.is_gzip()) {
+    reply_.body.Reserve(std::min({*head_.content_length(), request_.body_cap, kMaxReserve}));
+  }
+  encoded_bytes_ += length;
+  Decode(data, length);
+  Tell(TransferEvent::Kind::kProgress);
+}
+
+void HttpExchange::Decode(const void* data, std::size_t length) {
+  if (!head_.is_gzip()) {
+    if (length > request_.body_cap - reply_.body.size()) {
+      Refuse(kTooLarge);
+    } else {
+      reply_.body.Append(data, length);
+    }
+    return;
+  }
+  if (!gzip_) gzip_.emplace();
+  switch (gzip_->Decode(data, length, request_.body_cap, reply_.body)) {
+    case GzipDecoder::Result::kOk:
+      break;
+    case GzipDecoder::Result::kCorrupt:
+      Refuse("the response's gzip encoding is corrupt");
+      break;
+    case GzipDecoder::Result::kTooLarge:
+      Refuse(kTooLarge);
+      break;
+  }
+}
+
+void HttpExchange::Refuse(const char* why) {
+  if (refused_ == nullptr) refused_ = why;
+}
+
+void HttpExchange::Conclude(bool received, const char* error) noexcept {
+  ended_ = true;
+  reply_.received = received;
+  reply_.status = head_.status();
+  if (received) {
+    reply_.headers = std::move(head_.headers());
+  } else {
+    reply_.body.Clear();
+  }
+  if (began_) Tell(TransferEvent::Kind::kEnded, error);
+  header_list_.reset();
+}
+
+bool HttpExchange::IsReplyWhole() const {
+  return head_.complete() && (!gzip_ || gzip_->AtEnd());
+}
+
+bool HttpExchange::WillFollowRedirect() const {
+  return request_.redirect_limit > 0 && head_.status() >= kFirstRedirect &&
+         head_.status() <= kLastRedirect;
+}
+
+const char* HttpExchange::WhyNotReceived(int curl_code) const {
+  if (refused_ != nullptr) return refused_;
+  if (curl_code == CURLE_OUT_OF_MEMORY) return kNoMemory;
+  if (curl_code != CURLE_OK) {
+    return error_buffer_[0] != '\0' ? error_buffer_.data()
+                                    : curl_easy_strerror(static_cast<CURLcode>(curl_code));
+  }
+  return head_.complete() ? "the response's gzip encoding breaks off"
+                          : "the connection closed inside the response's headers";
+}
+
+void HttpExchange::Tell(TransferEvent::Kind kind, const char* error) noexcept {
+  if (!listener_) return;
+  try {
+    TransferEvent event;
+    event.kind = kind;
+    event.url = request_.url;
+    event.status = head_.status();
+    event.bytes_received = reply_.body.size();
+    if (!head_.is_gzip()) event.bytes_expected = head_.content_length().value_or(0);
+    event.bytes_sent = sent_bytes_;
+    event.bytes_to_send = request_.body ? request_.body->size() : 0;
+    event.error = error;
+    listener_->Call(event);
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the transfer goes on untold
+  }
+}
+
+}  // namespace ovrant::internet

@@ -1,0 +1,103 @@
+// One HTTP request on its way to a reply.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_
+#define COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "common_stowraapi/platform/curl_handles.h"
+#include "common_stowraapi/platform/exchange_options.h"
+#include "common_stowraapi/platform/gzip_decoder.h"
+#include "common_stowraapi/platform/http_message.h"
+#include "common_stowraapi/platform/response_head.h"
+#include "common_stowraapi/platform/transfer_settings.h"
+
+namespace ovrant::internet {
+
+// Decides what the outcome of a transfer is. It sets an easy handle up for its request, takes what
+// arrives while somebody else (TransferLoop) drives the handle, and turns it into a reply. Refuses
+// what libcurl lets pass: a connection that closes inside the headers, a truncated gzip stream, a
+// body beyond the cap, an encoding that was not offered, a redirect away from https.
+//
+// For one thread at a time. Nothing throws into libcurl.
+class HttpExchange {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // `listener`, if any, is told of the start, progress and end.
+  HttpExchange(HttpRequest request, std::shared_ptr<TransferListener> listener);
+
+  HttpExchange(const HttpExchange&) = delete;
+  HttpExchange& operator=(const HttpExchange&) = delete;
+
+  // Sets every option of `easy`, which is fresh or reset and stays the caller's, and starts the
+  // clock. False when the request cannot be made: End follows.
+  bool Begin(void* easy) noexcept;
+
+  // Ends the exchange with libcurl's result for it, or as dropped, failed or timed out. Only the
+  // first counts.
+  void End(int curl_code) noexcept;
+  void EndDropped() noexcept;
+  void EndFailed(const char* why) noexcept;
+  void EndTimedOut() noexcept;
+
+  bool ended() const { return ended_; }
+
+  // REQUIRES: ended().
+  HttpReply TakeReply() { return std::move(reply_); }
+
+  // Bytes have moved in either direction.
+  void NoteProgress() { last_progress_ = Clock::now(); }
+
+  // When the exchange times out unless there is progress.
+  Clock::time_point deadline() const { return last_progress_ + request_.inactivity_timeout; }
+
+  // Whether the whole reply is here though the upload has not ended: nothing more is to be waited
+  // for.
+  bool IsAnsweredEarly() const;
+
+  // What libcurl reports. False refuses the transfer.
+  bool OnHeaderLine(std::string_view line) noexcept;
+  bool OnBody(const void* data, std::size_t length) noexcept;
+  bool OnConnected() noexcept;
+  void OnSent(std::size_t bytes_in_all) noexcept;
+
+ private:
+  void TakeHeaderLine(std::string_view line);
+  void TakeBody(const void* data, std::size_t length);
+  void Decode(const void* data, std::size_t length);
+  void Refuse(const char* why);
+  void Conclude(bool received, const char* error) noexcept;
+  bool IsReplyWhole() const;
+  bool WillFollowRedirect() const;
+  const char* WhyNotReceived(int curl_code) const;
+  void Tell(TransferEvent::Kind kind, const char* error = "") noexcept;
+
+  const HttpRequest request_;
+  const std::shared_ptr<TransferListener> listener_;
+  void* easy_ = nullptr;
+  HeaderList header_list_;
+  std::array<char, kErrorBufferSize> error_buffer_{};
+  Clock::time_point last_progress_;
+
+  ResponseHead head_;
+  std::optional<GzipDecoder> gzip_;
+  std::size_t encoded_bytes_ = 0;
+  std::size_t sent_bytes_ = 0;
+  const char* refused_ = nullptr;
+  bool was_https_ = false;
+  bool began_ = false;
+  bool ended_ = false;
+  HttpReply reply_;
+};
+
+}  // namespace ovrant::internet
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_

@@ -1,0 +1,152 @@
+#include "common_stowraapi/platform/internet_data.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include "common_stowraapi/platform/background_transfer.h"
+#include "common_stowraapi/platform/background_worker.h"
+#include "common_stowraapi/platform/http_message.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/synchronous_transfers.h"
+#include "common_stowraapi/platform/transfer_settings.h"
+
+namespace ovrant::internet {
+
+using ovrant::utils::ovrant_ustring;
+using ovrant::utils::StringMap;
+
+namespace {
+
+// Longer than any transfer, and what the clock can add to any moment.
+constexpr float kLongestTimeout = 1e6F;
+
+// Header names are equal whatever their letter case.
+void SetHeader(const ovrant_ustring& name, const ovrant_ustring& value, StringMap& headers) {
+  for (auto entry = headers.begin(); entry != headers.end();) {
+    entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
+  }
+  headers[name] = value;
+}
+
+void SetHeaders(const StringMap& added, StringMap& headers) {
+  for (const auto& [name, value] : added) SetHeader(name, value, headers);
+}
+
+std::chrono::milliseconds ToTimeout(float wanted, float otherwise) {
+  const float seconds = wanted > 0 && std::isfinite(wanted) ? wanted : otherwise;
+  return std::chrono::milliseconds(
+      static_cast<long>(std::ceil(std::fmin(seconds, kLongestTimeout) * 1000)));
+}
+
+}  // namespace
+
+InternetData::~InternetData() {
+  if (transfer_) DropTransfer();
+  std::free(received_data_);
+}
+
+bool InternetData::Download() {
+  return Perform(MakeRequest(url_, false, nullptr));
+}
+
+bool InternetData::DownloadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
+  return StartInBackground(delegate, false);
+}
+
+bool InternetData::UploadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
+  return StartInBackground(delegate, true);
+}
+
+void InternetData::set_send_data(const unsigned char* data, unsigned long length) {
+  send_data_ = length > 0 ? std::make_shared<RequestBody>(data, length) : nullptr;
+}
+
+void InternetData::SetValueForHTTPSendHeaders(ovrant_ustring name, ovrant_ustring value) {
+  SetHeader(name, value, send_headers_);
+}
+
+bool InternetData::SendAndRead(ovrant_ustring url, unsigned char** data, unsigned long* data_length,
+                               int* status, StringMap* send_headers, bool /*flag1*/, bool /*flag2*/,
+                               bool /*flag3*/, ovrant_ustring /*text1*/, ovrant_ustring /*text2*/,
+                               StringMap* received_headers) {
+  const bool received = Perform(MakeRequest(url, true, send_headers));
+  if (data != nullptr) *data = received_data_;
+  if (data_length != nullptr) *data_length = received_data_length_;
+  if (status != nullptr) *status = status_code_;
+  if (received_headers != nullptr) *received_headers = received_headers_;
+  return received;
+}
+
+void InternetData::SetDefaults(const TransferDefaults& defaults) {
+  TransferSettings::Instance().SetDefaults(defaults);
+}
+
+void InternetData::SetTransferListener(std::function<void(const TransferEvent&)> listener) {
+  TransferSettings::Instance().listener().Replace(std::move(listener));
+}
+
+void InternetData::SetCompletionExecutor(
+    std::function<void(std::function<void()> completion)> executor) {
+  TransferSettings::Instance().executor().Replace(std::move(executor));
+}
+
+HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
+                                      const StringMap* send_headers) const {
+  const auto defaults = TransferSettings::Instance().defaults();
+  HttpRequest request;
+  request.url = url;
+  request.headers = defaults->extra_request_headers;
+  SetHeaders(send_headers_, request.headers);
+  if (send_headers != nullptr) SetHeaders(*send_headers, request.headers);
+  request.is_upload = is_upload;
+  if (is_upload) request.body = send_data_;
+  request.inactivity_timeout = ToTimeout(defaults->inactivity_timeout, inactivity_timeout_);
+  if (defaults->body_cap > 0) request.body_cap = defaults->body_cap;
+  if (redirect_limit_ >= 0) request.redirect_limit = redirect_limit_;
+  request.ca_file = defaults->ca_file.utf8();
+  request.proxy = defaults->proxy.utf8();
+  request.user_agent = defaults->user_agent.utf8();
+  return request;
+}
+
+bool InternetData::Perform(HttpRequest request) {
+  Reset();
+  Publish(PerformSynchronously(std::move(request)));
+  return responded_;
+}
+
+bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upload) {
+  if (delegate == nullptr) return false;
+  HttpRequest request = MakeRequest(url_, is_upload, nullptr);
+  auto transfer = std::make_shared<BackgroundTransfer>(
+      std::move(request), TransferSettings::Instance().listener().Current(), *delegate,
+      delegate->gate_, [this](HttpReply reply) { Publish(std::move(reply)); });
+  Reset();
+  transfer_ = transfer;
+  return BackgroundWorker::Submit(std::move(transfer));
+}
+
+void InternetData::Reset() {
+  if (transfer_) DropTransfer();
+  Publish(HttpReply());
+  started_ = true;
+}
+
+void InternetData::DropTransfer() {
+  transfer_->Abandon();
+  BackgroundWorker::NoteAbandoned();
+  transfer_.reset();
+}
+
+void InternetData::Publish(HttpReply reply) {
+  std::free(received_data_);
+  received_data_length_ = reply.body.size();
+  received_data_ = reply.body.Release();
+  status_code_ = reply.status;
+  received_headers_ = std::move(reply.headers);
+  responded_ = reply.received;
+}
+
+}  // namespace ovrant::internet

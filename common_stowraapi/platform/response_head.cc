@@ -1,0 +1,100 @@
+#include "common_stowraapi/platform/response_head.h"
+
+#include <charconv>
+
+#include "common_stowraapi/platform/header_text.h"
+
+namespace ovrant::internet {
+
+using ovrant::utils::ovrant_ustring;
+
+namespace {
+
+constexpr std::string_view kStatusLineStart = "HTTP/";
+constexpr int kFirstFinalStatus = 200;
+constexpr int kNoContent = 204;
+constexpr int kNotModified = 304;
+
+int ReadStatus(std::string_view line) {
+  const std::size_t space = line.find(' ');
+  int status = 0;
+  if (space != std::string_view::npos) {
+    const std::string_view digits = TrimHeaderText(line.substr(space));
+    std::from_chars(digits.data(), digits.data() + digits.size(), status);
+  }
+  return status;
+}
+
+ovrant_ustring ToText(std::string_view bytes) {
+  return ovrant_ustring(bytes.data(), bytes.size());
+}
+
+void AppendText(std::string_view separator, std::string_view text, ovrant_ustring& value) {
+  if (!value.empty()) value += ToText(separator);
+  value += ToText(text);
+}
+
+}  // namespace
+
+bool ResponseHead::BeginsResponse(std::string_view line) const {
+  return (status_ == 0 || complete_ || status_ < kFirstFinalStatus) &&
+         StartsWithIgnoringCase(line, kStatusLineStart);
+}
+
+const char* ResponseHead::AddLine(std::string_view line) {
+  if (BeginsResponse(line)) {
+    *this = ResponseHead();
+    last_ = headers_.end();
+    status_ = ReadStatus(line);
+  }
+  bytes_ += line.size();
+  if (bytes_ > kMaxBytes) return "the response's headers are too long";
+
+  const std::string_view text = TrimHeaderText(line);
+  if (complete_) return nullptr;  // a trailer after the body
+  if (text.empty()) {
+    complete_ = status_ >= kFirstFinalStatus;
+    return nullptr;
+  }
+  if (line.front() == ' ' || line.front() == '\t') {
+    if (last_ != headers_.end()) AppendText(" ", text, last_->second);
+    return nullptr;
+  }
+  const std::size_t colon = text.find(':');
+  if (colon == std::string_view::npos) return nullptr;
+  return AddHeader(TrimHeaderText(text.substr(0, colon)), TrimHeaderText(text.substr(colon + 1)));
+}
+
+bool ResponseHead::HasNoBody() const {
+  return status_ == kNoContent || status_ == kNotModified;
+}
+
+const char* ResponseHead::AddHeader(std::string_view name, std::string_view value) {
+  last_ = headers_.try_emplace(ToText(name)).first;
+  AppendText(", ", value, last_->second);
+  return TakeMeaning(name, value);
+}
+
+const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view value) {
+  if (EqualsIgnoringCase(name, "Content-Encoding")) {
+    if (value.empty() || EqualsIgnoringCase(value, "identity")) return nullptr;
+    const bool known = EqualsIgnoringCase(value, "gzip") || EqualsIgnoringCase(value, "x-gzip");
+    if (!known || is_gzip_) return "the response has a content encoding that was not offered";
+    is_gzip_ = true;
+  } else if (EqualsIgnoringCase(name, "Transfer-Encoding")) {
+    if (!EqualsIgnoringCase(value, "chunked") && !EqualsIgnoringCase(value, "identity")) {
+      return "the response has a transfer encoding that was not offered";
+    }
+  } else if (EqualsIgnoringCase(name, "Content-Length")) {
+    std::size_t length = 0;
+    const auto end = std::from_chars(value.data(), value.data() + value.size(), length);
+    if (end.ec != std::errc() || end.ptr != value.data() + value.size()) return nullptr;
+    if (content_length_ && *content_length_ != length) {
+      return "the response gives two different lengths";
+    }
+    content_length_ = length;
+  }
+  return nullptr;
+}
+
+}  // namespace ovrant::internet

@@ -1,0 +1,201 @@
+#include "common_stowraapi/platform/transfer_loop.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "common_stowraapi/platform/socket_set.h"
+
+namespace ovrant::internet {
+
+namespace {
+
+// While it connects, one transfer may have a socket for each address family and one for the name
+// look-up.
+constexpr std::size_t kSocketsPerTransfer = 4;
+
+int OnSocketChange(CURL* easy, curl_socket_t socket, int what, void* sockets, void* /*own*/) {
+  auto& set = *static_cast<SocketSet*>(sockets);
+  if (what == CURL_POLL_REMOVE) {
+    set.Forget(socket);
+    return 0;
+  }
+  const int events =
+      ((what & CURL_POLL_IN) != 0 ? POLLIN : 0) | ((what & CURL_POLL_OUT) != 0 ? POLLOUT : 0);
+  return set.Watch(socket, static_cast<short>(events), easy) ? 0 : -1;
+}
+
+int OnTimerChange(CURLM* /*multi*/, long milliseconds, void* timer) {
+  auto& time = *static_cast<std::optional<TransferLoop::Clock::time_point>*>(timer);
+  if (milliseconds < 0) {
+    time.reset();
+  } else {
+    time = TransferLoop::Clock::now() + std::chrono::milliseconds(milliseconds);
+  }
+  return 0;
+}
+
+int ToCurlEvents(short events) {
+  int result = 0;
+  if ((events & (POLLIN | POLLHUP)) != 0) result |= CURL_CSELECT_IN;
+  if ((events & POLLOUT) != 0) result |= CURL_CSELECT_OUT;
+  if ((events & (POLLERR | POLLNVAL)) != 0) result |= CURL_CSELECT_ERR;
+  return result;
+}
+
+}  // namespace
+
+TransferLoop::TransferLoop(int wake_socket) : sockets_(std::make_unique<SocketSet>(wake_socket)) {
+  EnsureCurl();
+  multi_ = MakeMultiHandle();
+  curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, OnSocketChange);
+  curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, sockets_.get());
+  curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, OnTimerChange);
+  curl_multi_setopt(multi_.get(), CURLMOPT_TIMERDATA, &timer_);
+}
+
+TransferLoop::~TransferLoop() {
+  while (!slots_.empty()) Drop(*slots_.back().exchange);
+}
+
+void TransferLoop::Start(HttpExchange& exchange) {
+  MakeRoom();
+  EasyHandle easy = TakeEasy();
+  if (!exchange.Begin(easy.get())) {
+    exchange.End(CURLE_FAILED_INIT);
+    curl_easy_reset(easy.get());
+    idle_.push_back(std::move(easy));
+    ended_.insert(ended_.begin(), &exchange);
+    return;
+  }
+  const CURLMcode added = curl_multi_add_handle(multi_.get(), easy.get());
+  slots_.push_back({std::move(easy), &exchange});
+  if (added != CURLM_OK) {
+    exchange.EndFailed(curl_multi_strerror(added));
+    Finish(slots_.size() - 1);
+  }
+}
+
+void TransferLoop::Drop(HttpExchange& exchange) {
+  const auto slot = std::find_if(slots_.begin(), slots_.end(), [&exchange](const Slot& each) {
+    return each.exchange == &exchange;
+  });
+  if (slot != slots_.end()) {
+    idle_.push_back(Detach(static_cast<std::size_t>(slot - slots_.begin())));
+  } else {
+    ended_.erase(std::remove(ended_.begin(), ended_.end(), &exchange), ended_.end());
+  }
+  exchange.EndDropped();
+}
+
+void TransferLoop::Turn() {
+  HandleSockets();
+  HandleTimer();
+  TakeResults();
+  EndOverdue();
+}
+
+HttpExchange* TransferLoop::NextEnded() {
+  if (ended_.empty()) return nullptr;
+  HttpExchange* const exchange = ended_.back();
+  ended_.pop_back();
+  return exchange;
+}
+
+// Whatever is done to the exchanges from here on needs no more memory of this object.
+void TransferLoop::MakeRoom() {
+  const std::size_t count = size() + 1;
+  slots_.reserve(count);
+  ended_.reserve(count);
+  idle_.reserve(count + idle_.size());
+  sockets_->Reserve((count + idle_.size()) * kSocketsPerTransfer);
+}
+
+EasyHandle TransferLoop::TakeEasy() {
+  if (idle_.empty()) return MakeEasyHandle();
+  EasyHandle easy = std::move(idle_.back());
+  idle_.pop_back();
+  return easy;
+}
+
+EasyHandle TransferLoop::Detach(std::size_t index) {
+  EasyHandle easy = std::move(slots_[index].easy);
+  if (index + 1 != slots_.size()) slots_[index] = std::move(slots_.back());
+  slots_.pop_back();
+  curl_multi_remove_handle(multi_.get(), easy.get());
+  sockets_->ForgetOwner(easy.get());
+  curl_easy_reset(easy.get());
+  return easy;
+}
+
+// The exchange has ended, or ends with its handle.
+void TransferLoop::Finish(std::size_t index) {
+  ended_.insert(ended_.begin(), slots_[index].exchange);
+  idle_.push_back(Detach(index));
+}
+
+std::size_t TransferLoop::IndexOf(const void* easy) const {
+  const auto slot = std::find_if(slots_.begin(), slots_.end(),
+                                 [easy](const Slot& each) { return each.easy.get() == easy; });
+  return static_cast<std::size_t>(slot - slots_.begin());
+}
+
+HttpExchange* TransferLoop::ExchangeOf(const void* easy) const {
+  const std::size_t index = IndexOf(easy);
+  return index < slots_.size() ? slots_[index].exchange : nullptr;
+}
+
+int TransferLoop::MillisecondsToWait() const {
+  if (!ended_.empty()) return 0;
+  Clock::time_point until = timer_.value_or(Clock::time_point::max());
+  for (const Slot& slot : slots_) until = std::min(until, slot.exchange->deadline());
+  if (until == Clock::time_point::max()) return -1;
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
+  return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, std::numeric_limits<int>::max()));
+}
+
+void TransferLoop::HandleSockets() {
+  int running = 0;
+  for (const SocketSet::Ready& ready : sockets_->Wait(MillisecondsToWait())) {
+    if (HttpExchange* exchange = ExchangeOf(ready.owner)) exchange->NoteProgress();
+    curl_multi_socket_action(multi_.get(), ready.socket, ToCurlEvents(ready.events), &running);
+  }
+}
+
+void TransferLoop::HandleTimer() {
+  if (!timer_ || *timer_ > Clock::now()) return;
+  timer_.reset();
+  int running = 0;
+  curl_multi_socket_action(multi_.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+}
+
+void TransferLoop::TakeResults() {
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    if (message->msg != CURLMSG_DONE) continue;
+    const std::size_t index = IndexOf(message->easy_handle);
+    slots_[index].exchange->End(message->data.result);
+    Finish(index);
+  }
+}
+
+void TransferLoop::EndOverdue() {
+  const Clock::time_point now = Clock::now();
+  // Backwards: Finish puts the last slot in the place of the one that it takes out.
+  for (std::size_t i = slots_.size(); i > 0; --i) {
+    HttpExchange& exchange = *slots_[i - 1].exchange;
+    if (exchange.IsAnsweredEarly()) {
+      exchange.End(CURLE_OK);
+    } else if (exchange.deadline() <= now) {
+      exchange.EndTimedOut();
+    } else {
+      continue;
+    }
+    Finish(i - 1);
+  }
+}
+
+}  // namespace ovrant::internet
