@@ -1,0 +1,170 @@
+#include "common_stowraapi/services/extension_store_status.h"
+
+#include <cstring>
+#include <string>
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/services/json_fields.h"
+
+const unsigned int kExtensionStoreStatusRequestReturnedMessage = 28002;
+const unsigned int kExtensionStoreStatusRequestFailedMessage = 28003;
+const char* const kExtensionStoreStatusRequestReturnedNotification =
+    "ExtensionStoreStatusRequestReturned";
+const char* const kExtensionStoreStatusRequestFailedNotification =
+    "ExtensionStoreStatusRequestFailed";
+const char* const kExtensionStoreAsynchStatusSucceededNotification =
+    "ExtensionStoreAsyncStatusSucceeded";
+const char* const kExtensionStoreAsynchStatusFailedNotification = "ExtensionStoreAsyncStatusFailed";
+
+namespace ovrant::extensionstoreapi {
+
+using ovrant::internet::InternetData;
+using ovrant::internet::InternetDataDelegate;
+using ovrant::json::ReadBool;
+using ovrant::json::ReadString;
+using ovrant::json::Value;
+using ovrant::utils::ovrant_ustring;
+using ovrant::utils::StringMap;
+
+bool ExtensionStoreStatus::status_sync_completed_ = false;
+
+namespace {
+
+constexpr unsigned int kHttpOk = 200;
+constexpr char kContentTypeHeader[] = "Content-Type";
+constexpr char kJsonContentType[] = "application/json";
+
+void Post(const char* name) {
+  CNotificationCenter::Default()->SendNotification(name, nullptr);
+}
+
+void SetSendData(InternetData& transport, const std::string& body) {
+  transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
+}
+
+ovrant_ustring ReceivedText(const InternetData& transport) {
+  return ovrant_ustring(reinterpret_cast<const char*>(transport.received_data()),
+                        transport.received_data_length());
+}
+
+void SetSyncCompleted() {
+  __atomic_store_n(&ExtensionStoreStatus::status_sync_completed_, true, __ATOMIC_RELAXED);
+}
+
+ExtensionStoreItem ReadItem(const Value& element) {
+  ExtensionStoreItem item;
+  ReadString(element, "id", item.id);
+  ovrant_ustring version;
+  ReadString(element, "version", version);
+  item.version = version.to_float();
+  ReadString(element, "file_url", item.file_url);
+  ReadBool(element, "update", item.update);
+  ReadBool(element, "remote_kill", item.remote_kill);
+  ReadString(element, "version_uuid", item.version_uuid);
+  const Value& enabled = element["enabled"];
+  item.enabled = enabled.IsInt() && enabled.GetInt() == 1;
+  return item;
+}
+
+}  // namespace
+
+ExtensionStoreStatus::ExtensionStoreStatus() {
+  AddNotifications();
+}
+
+ExtensionStoreStatus::~ExtensionStoreStatus() {
+  RemoveNotifications();
+  delegate_.reset();
+  internet_data_.reset();
+  RemoveNotifications();
+}
+
+void ExtensionStoreStatus::Init(const ovrant_ustring& url, void* context,
+                                const ovrant_ustring& request_body) {
+  url_ = url;
+  context_ = context;
+  request_body_ = request_body;
+  response_.clear();
+}
+
+bool ExtensionStoreStatus::SynchronousStatus() {
+  InternetData transport(url_);
+  SetSendData(transport, request_body_.utf8());
+  StringMap headers;
+  headers[kContentTypeHeader] = kJsonContentType;
+  int status = 0;
+  if (!transport.SendAndRead(url_, nullptr, nullptr, &status, &headers, false, false, true,
+                             ovrant_ustring(), ovrant_ustring(), nullptr) ||
+      status != static_cast<int>(kHttpOk)) {
+    return false;
+  }
+  SetSyncCompleted();
+  response_ = ReceivedText(transport);
+  return true;
+}
+
+void ExtensionStoreStatus::AsynchronousStatus() {
+  internet_data_.reset();
+  internet_data_ = std::make_unique<InternetData>(url_);
+  delegate_.reset();
+  delegate_ = std::make_unique<InternetDataDelegate>(
+      context_, kExtensionStoreStatusRequestReturnedMessage,
+      kExtensionStoreStatusRequestReturnedNotification, kExtensionStoreStatusRequestFailedMessage,
+      kExtensionStoreStatusRequestFailedNotification);
+  internet_data_->SetValueForHTTPSendHeaders(kContentTypeHeader, kJsonContentType);
+  SetSendData(*internet_data_, request_body_.utf8());
+  internet_data_->UploadWithDelegate(delegate_.get(), nullptr);
+}
+
+void ExtensionStoreStatus::OnNotification(const char* name, void* /*payload*/) {
+  // What is posted may delete this object: nothing follows a post.
+  if (std::strcmp(name, kExtensionStoreStatusRequestReturnedNotification) == 0) {
+    if (internet_data_) {
+      OnReceivedStatusResponse(static_cast<unsigned int>(internet_data_->status_code()));
+    }
+  } else if (std::strcmp(name, kExtensionStoreStatusRequestFailedNotification) == 0) {
+    Post(kExtensionStoreAsynchStatusFailedNotification);
+  }
+}
+
+void ExtensionStoreStatus::OnReceivedStatusResponse(unsigned int status) {
+  if (status != kHttpOk) {
+    Post(kExtensionStoreAsynchStatusFailedNotification);
+    return;
+  }
+  if (!internet_data_) return;
+  SetSyncCompleted();
+  response_ = ReceivedText(*internet_data_);
+  Post(kExtensionStoreAsynchStatusSucceededNotification);
+}
+
+std::map<ovrant_ustring, ExtensionStoreItem> ExtensionStoreStatus::GetItemMapFromResponse() {
+  std::map<ovrant_ustring, ExtensionStoreItem> items;
+  if (response_.empty()) return items;
+  json::Document document;
+  if (!document.Load(response_)) return items;
+  const Value& extensions = document["extensions"];
+  if (!extensions.IsArray()) return items;
+  for (unsigned int i = 0; i < extensions.Size(); ++i) {
+    const Value& element = extensions[i];
+    if (!element.IsObject()) continue;
+    const ExtensionStoreItem item = ReadItem(element);
+    items[item.id] = item;
+  }
+  return items;
+}
+
+void ExtensionStoreStatus::AddNotifications() {
+  CNotificationCenter* center = CNotificationCenter::Default();
+  center->AddObserver(kExtensionStoreStatusRequestReturnedNotification, this);
+  center->AddObserver(kExtensionStoreStatusRequestFailedNotification, this);
+}
+
+void ExtensionStoreStatus::RemoveNotifications() {
+  CNotificationCenter::Default()->RemoveObserver(this);
+}
+
+}  // namespace ovrant::extensionstoreapi

@@ -1,0 +1,94 @@
+#include "common_stowraapi/services/update_query.h"
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/services/json_fields.h"
+
+namespace ovrant::webservices {
+
+using ovrant::json::ReadNumber;
+using ovrant::json::ReadString;
+using ovrant::json::Value;
+using ovrant::utils::ovrant_ustring;
+
+const unsigned int UpdateQuery::kAsyncReturnedMessage;
+const unsigned int UpdateQuery::kAsyncFailedMessage;
+const char* const UpdateQuery::kAsynchReturnedNotification = "UpdateQueryReturned";
+const char* const UpdateQuery::kAsyncFailedNotification = "UpdateQueryFailed";
+const char* const UpdateQuery::kUpdateQuerySucceededNotification = "UpdateQueryAsyncSucceeded";
+const char* const UpdateQuery::kUpdateQueryFailedNotification = "UpdateQueryAsyncFailed";
+
+namespace {
+
+void Post(const char* name) {
+  CNotificationCenter::Default()->SendNotification(name, nullptr);
+}
+
+void ReadMessage(const Value& message, MessageData& result) {
+  ReadNumber(message, "id", result.id);
+  ReadNumber(message, "max_shows", result.max_shows);
+  ReadNumber(message, "width", result.width);
+  ReadNumber(message, "height", result.height);
+  ReadString(message, "title", result.title);
+  ReadString(message, "url", result.url);
+}
+
+void AppendDataFiles(const Value& files, std::vector<DataFileData>& result) {
+  if (!files.IsArray()) return;
+  for (unsigned int i = 0; i < files.Size(); ++i) {
+    const Value& file = files[i];
+    if (!file.IsObject()) continue;
+    DataFileData record;
+    ReadNumber(file, "version", record.version);
+    ReadString(file, "filename", record.filename);
+    ReadString(file, "url", record.url);
+    result.push_back(record);
+  }
+}
+
+}  // namespace
+
+UpdateQuery::UpdateQuery() {
+  returned_notification_ = kAsynchReturnedNotification;
+  returned_message_ = kAsyncReturnedMessage;
+  failed_notification_ = kAsyncFailedNotification;
+  failed_message_ = kAsyncFailedMessage;
+  AddNotifications();
+}
+
+UpdateQuery::~UpdateQuery() {
+  RemoveNotifications();
+}
+
+bool UpdateQuery::ParseResponse(const ovrant_ustring& body) {
+  data_files_.clear();
+  if (body.empty()) return false;
+  json::Document document;
+  if (!document.Load(body)) return false;
+
+  const Value& update = document["update"];
+  ReadString(update, "current_version", current_version_);
+  ReadString(update, "expire_version", expire_version_);
+  // A version kept from an earlier response counts.
+  const bool valid =
+      update.HasMember("expire_version") && !current_version_.empty() && !expire_version_.empty();
+
+  ReadMessage(document["message"], message_);
+  AppendDataFiles(document["datafiles"], data_files_);
+  return valid;
+}
+
+void UpdateQuery::OnSyncResponseSuccess() {
+  Post(kUpdateQuerySucceededNotification);
+}
+void UpdateQuery::OnSyncResponseFail() {
+  Post(kUpdateQueryFailedNotification);
+}
+void UpdateQuery::OnAsyncResponseSuccess() {
+  Post(kUpdateQuerySucceededNotification);
+}
+void UpdateQuery::OnAsyncResponseFail() {
+  Post(kUpdateQueryFailedNotification);
+}
+
+}  // namespace ovrant::webservices
