@@ -27,9 +27,9 @@ class STOWRA_EXPORT Document {
   Document& operator=(const Document&) = delete;
 
   // Replaces the tree by the one that `text`, up to its first NUL, spells. False when it is not
-  // strict JSON with an object or array as root, is nested deeper than kMaxDepth, or has 4 GiB or
-  // more as UTF-8: the root is null then. Fits a 512 KiB stack. std::bad_alloc leaves the root
-  // null.
+  // strict JSON with an object or array as root, is nested deeper than kMaxDepth, has 4 GiB or
+  // more as UTF-8, or has a hundred million zeros or more behind a decimal point: the root is null
+  // then. Fits a 512 KiB stack. std::bad_alloc leaves the root null.
   bool Load(const ovrant::utils::ovrant_ustring& text);
 
   // Replaces `out` by the tree as compact JSON. Numbers that JSON cannot spell (infinities and NaN)

@@ -17,7 +17,8 @@ namespace ovrant::json {
 // may be used after that.
 //
 // A handle keeps every handle that its operator[] gave out, one more for each call, so that the
-// references stay valid until it is destroyed or assigned to.
+// references stay valid until it is destroyed or assigned to. PushBack and AddMember may move the
+// elements or members that are there already: handles to those are without meaning then.
 //
 // A document and its handles belong to one thread at a time. std::bad_alloc is the only exception,
 // and leaves the tree as it was.
@@ -104,16 +105,17 @@ class STOWRA_EXPORT Value {
   // Stores a copy of the text up to its first NUL.
   void SetString(const ovrant::utils::ovrant_ustring& text);
 
-  // Moves the content of `item`'s node to the end of this array; `item` is null afterwards.
-  // Does nothing when this is not an array or the two are the same node.
+  // Moves the content of `item`'s node, null where it has none, to the end of this array; `item` is
+  // null afterwards. Does nothing when this is not an array or the two are the same node.
   void PushBack(const Value& item);
 
   // Makes the array empty. Does nothing when this is not an array.
   void Clear();
 
-  // Moves the content of `item`'s node into a new last member of this object, named by `name` up to
-  // its first NUL; `item` is null afterwards. A member of that name may exist: look-ups find the
-  // first. Does nothing when this is not an object or the two are the same node.
+  // Moves the content of `item`'s node, null where it has none, into a new last member of this
+  // object, named by `name` up to its first NUL; `item` is null afterwards. A member of that name
+  // may exist: look-ups find the first. Does nothing when this is not an object or the two are the
+  // same node.
   void AddMember(const ovrant::utils::ovrant_ustring& name, const Value& item);
 
  private:

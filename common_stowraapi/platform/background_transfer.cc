@@ -39,9 +39,7 @@ bool BackgroundTransfer::IsAbandoned() {
   return transport_gate_.IsClosed() || delegate_gate_->IsClosed();
 }
 
-void BackgroundTransfer::Abandon() {
-  transport_gate_.Close();
-}
+void BackgroundTransfer::Abandon() { transport_gate_.Close(); }
 
 void BackgroundTransfer::Deliver() {
   if (delivered_.exchange(true)) return;
@@ -49,12 +47,12 @@ void BackgroundTransfer::Deliver() {
   const GateLeaver leave_delegate(*delegate_gate_);
 
   HttpReply reply = exchange_.TakeReply();
-  const char* const name = reply.received ? returned_notification_ : failed_notification_;
+  const std::string& name = reply.received ? returned_notification_ : failed_notification_;
   if (!transport_gate_.Enter([this, &reply] { publish_(std::move(reply)); })) return;
   const GateLeaver leave_transport(transport_gate_);
 
   // Either object may be deleted from here on.
-  CNotificationCenter::Default()->SendNotification(name, context_);
+  CNotificationCenter::Default()->SendNotification(name.c_str(), context_);
 }
 
 }  // namespace ovrant::internet

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "common_stowraapi/platform/delivery_gate.h"
 #include "common_stowraapi/platform/http_exchange.h"
@@ -47,8 +48,9 @@ class BackgroundTransfer {
   DeliveryGate transport_gate_;
   const std::function<void(HttpReply)> publish_;
   void* const context_;
-  const char* const returned_notification_;
-  const char* const failed_notification_;
+  // Copies: the code that the names came from may be unloaded while the transfer runs.
+  const std::string returned_notification_;
+  const std::string failed_notification_;
   std::atomic<bool> delivered_{false};
 };
 

@@ -16,12 +16,8 @@ Handle Checked(typename Handle::pointer handle) {
 
 }  // namespace
 
-void EasyDeleter::operator()(void* easy) const {
-  curl_easy_cleanup(easy);
-}
-void MultiDeleter::operator()(void* multi) const {
-  curl_multi_cleanup(multi);
-}
+void EasyDeleter::operator()(void* easy) const { curl_easy_cleanup(easy); }
+void MultiDeleter::operator()(void* multi) const { curl_multi_cleanup(multi); }
 void HeaderListDeleter::operator()(void* list) const {
   curl_slist_free_all(static_cast<curl_slist*>(list));
 }
@@ -31,12 +27,14 @@ void EnsureCurl() {
   if (result != CURLE_OK) throw std::bad_alloc();
 }
 
-EasyHandle MakeEasyHandle() {
-  return Checked<EasyHandle>(curl_easy_init());
+bool MayReuseEasyHandles() {
+  constexpr unsigned int kFirstSafeVersion = 0x080101;
+  static const bool may = curl_version_info(CURLVERSION_NOW)->version_num >= kFirstSafeVersion;
+  return may;
 }
-MultiHandle MakeMultiHandle() {
-  return Checked<MultiHandle>(curl_multi_init());
-}
+
+EasyHandle MakeEasyHandle() { return Checked<EasyHandle>(curl_easy_init()); }
+MultiHandle MakeMultiHandle() { return Checked<MultiHandle>(curl_multi_init()); }
 
 void AppendHeaderLine(const char* line, HeaderList& list) {
   curl_slist* const longer = curl_slist_append(static_cast<curl_slist*>(list.get()), line);

@@ -24,6 +24,11 @@ using HeaderList = std::unique_ptr<void, HeaderListDeleter>;  // curl_slist
 // Sets libcurl up, once for the process; before any handle is made.
 void EnsureCurl();
 
+// Whether an easy handle may make another transfer. Before 8.1.1 libcurl kept a pointer into the
+// headers of the one before, which it freed, and followed it when a response began with a folded
+// header line.
+bool MayReuseEasyHandles();
+
 // std::bad_alloc when there is no memory.
 EasyHandle MakeEasyHandle();
 MultiHandle MakeMultiHandle();

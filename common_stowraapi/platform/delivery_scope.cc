@@ -7,14 +7,8 @@ thread_local int depth = 0;
 
 }  // namespace
 
-DeliveryScope::DeliveryScope() {
-  ++depth;
-}
-DeliveryScope::~DeliveryScope() {
-  --depth;
-}
-bool DeliveryScope::IsInside() {
-  return depth > 0;
-}
+DeliveryScope::DeliveryScope() { ++depth; }
+DeliveryScope::~DeliveryScope() { --depth; }
+bool DeliveryScope::IsInside() { return depth > 0; }
 
 }  // namespace ovrant

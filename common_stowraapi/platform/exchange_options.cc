@@ -19,9 +19,7 @@ namespace {
 constexpr char kSchemes[] = "http,https";
 constexpr long kReceiveBufferSize = 64L << 10;
 
-HttpExchange& ExchangeAt(void* exchange) {
-  return *static_cast<HttpExchange*>(exchange);
-}
+HttpExchange& ExchangeAt(void* exchange) { return *static_cast<HttpExchange*>(exchange); }
 
 std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* exchange) {
   const std::size_t length = size * count;
@@ -92,13 +90,18 @@ const char* MakeHeaderList(const HttpRequest& request, HeaderList& list) {
   bool has_encoding = false;
   bool has_type = false;
   bool has_expect = false;
+  bool has_agent = false;
   for (const auto& [name_text, value] : request.headers) {
     const std::string name = name_text.utf8();
     if (IsOwnHeader(name)) continue;
     has_encoding = has_encoding || EqualsIgnoringCase(name, "Accept-Encoding");
     has_type = has_type || EqualsIgnoringCase(name, "Content-Type");
     has_expect = has_expect || EqualsIgnoringCase(name, "Expect");
+    has_agent = has_agent || EqualsIgnoringCase(name, "User-Agent");
     if (const char* why = AppendHeader(name, value.utf8(), list)) return why;
+  }
+  if (!has_agent && !request.user_agent.empty()) {
+    if (const char* why = AppendHeader("User-Agent", request.user_agent, list)) return why;
   }
   // What libcurl would add by itself is taken out by a name without a value.
   if (!has_encoding) AppendHeaderLine("Accept-Encoding: gzip", list);
@@ -128,7 +131,6 @@ void SetConnection(const HttpRequest& request, EasyOptions& options) {
   options.Set(CURLOPT_BUFFERSIZE, kReceiveBufferSize);
   options.Set(CURLOPT_SOCKOPTFUNCTION, OnSocket);
   options.SetUnlessEmpty(CURLOPT_PROXY, request.proxy);
-  options.SetUnlessEmpty(CURLOPT_USERAGENT, request.user_agent);
 }
 
 void SetBody(const HttpRequest& request, EasyOptions& options) {

@@ -27,9 +27,7 @@ GzipDecoder::GzipDecoder() : stream_(std::make_unique<z_stream_s>()) {
   if (inflateInit2(stream_.get(), MAX_WBITS + kGzipOnly) != Z_OK) throw std::bad_alloc();
 }
 
-GzipDecoder::~GzipDecoder() {
-  inflateEnd(stream_.get());
-}
+GzipDecoder::~GzipDecoder() { inflateEnd(stream_.get()); }
 
 GzipDecoder::Result GzipDecoder::Decode(const void* data, std::size_t length, std::size_t cap,
                                         BodyBuffer& out) {

@@ -11,8 +11,6 @@
 
 namespace ovrant::internet {
 
-using ovrant::utils::ovrant_ustring;
-
 namespace {
 
 // A length that a server announces is believed up to here before the bytes have come.
@@ -46,13 +44,11 @@ bool HttpExchange::Begin(void* easy) noexcept {
 void HttpExchange::End(int curl_code) noexcept {
   if (ended_) return;
   const bool received =
-      refused_ == nullptr && IsReplyWhole() && (curl_code == CURLE_OK || IsAnsweredEarly());
+      refused_ == nullptr && IsReplyWhole() && (curl_code == CURLE_OK || IsAnsweredEarly(false));
   Conclude(received, received ? "" : WhyNotReceived(curl_code));
 }
 
-void HttpExchange::EndDropped() noexcept {
-  EndFailed("dropped by the host");
-}
+void HttpExchange::EndDropped() noexcept { EndFailed("dropped by the host"); }
 
 void HttpExchange::EndFailed(const char* why) noexcept {
   if (!ended_) Conclude(false, why);
@@ -66,14 +62,18 @@ void HttpExchange::EndTimedOut() noexcept {
   Conclude(false, error_buffer_.data());
 }
 
-bool HttpExchange::IsAnsweredEarly() const {
-  if (!request_.is_upload || request_.body == nullptr || !head_.complete()) return false;
+void HttpExchange::NoteUnsent(std::size_t bytes) {
+  if (bytes < unsent_bytes_) NoteProgress();
+  unsent_bytes_ = bytes;
+}
+
+bool HttpExchange::IsAnsweredEarly(bool receiving_is_done) const {
+  if (!is_upload() || !IsReplyWhole() || WillFollowRedirect()) return false;
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_, CURLINFO_SIZE_UPLOAD_T, &sent);
-  if (static_cast<std::size_t>(sent) >= request_.body->size() || WillFollowRedirect()) return false;
-  const bool has_whole_body =
-      head_.HasNoBody() || (head_.content_length() && encoded_bytes_ == *head_.content_length());
-  return has_whole_body && IsReplyWhole();
+  if (static_cast<std::size_t>(sent) >= request_.body->size()) return false;
+  return receiving_is_done || head_.HasNoBody() ||
+         (head_.content_length() && encoded_bytes_ == *head_.content_length());
 }
 
 bool HttpExchange::OnHeaderLine(std::string_view line) noexcept {
@@ -169,9 +169,7 @@ void HttpExchange::Conclude(bool received, const char* error) noexcept {
   header_list_.reset();
 }
 
-bool HttpExchange::IsReplyWhole() const {
-  return head_.complete() && (!gzip_ || gzip_->AtEnd());
-}
+bool HttpExchange::IsReplyWhole() const { return head_.complete() && (!gzip_ || gzip_->AtEnd()); }
 
 bool HttpExchange::WillFollowRedirect() const {
   return request_.redirect_limit > 0 && head_.status() >= kFirstRedirect &&

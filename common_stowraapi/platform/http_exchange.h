@@ -56,12 +56,17 @@ class HttpExchange {
   // Bytes have moved in either direction.
   void NoteProgress() { last_progress_ = Clock::now(); }
 
+  // What the system still holds of the upload: progress when it is less than before.
+  void NoteUnsent(std::size_t bytes);
+
+  bool is_upload() const { return request_.is_upload && request_.body != nullptr; }
+
   // When the exchange times out unless there is progress.
   Clock::time_point deadline() const { return last_progress_ + request_.inactivity_timeout; }
 
-  // Whether the whole reply is here though the upload has not ended: nothing more is to be waited
-  // for.
-  bool IsAnsweredEarly() const;
+  // Whether the whole reply is here though the upload has not ended, so that nothing more is to be
+  // waited for. `receiving_is_done`: libcurl has read all that it means to read.
+  bool IsAnsweredEarly(bool receiving_is_done) const;
 
   // What libcurl reports. False refuses the transfer.
   bool OnHeaderLine(std::string_view line) noexcept;
@@ -91,6 +96,7 @@ class HttpExchange {
   std::optional<GzipDecoder> gzip_;
   std::size_t encoded_bytes_ = 0;
   std::size_t sent_bytes_ = 0;
+  std::size_t unsent_bytes_ = 0;
   const char* refused_ = nullptr;
   bool was_https_ = false;
   bool began_ = false;

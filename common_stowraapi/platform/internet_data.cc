@@ -47,9 +47,7 @@ InternetData::~InternetData() {
   std::free(received_data_);
 }
 
-bool InternetData::Download() {
-  return Perform(MakeRequest(url_, false, nullptr));
-}
+bool InternetData::Download() { return Perform(MakeRequest(url_, false, nullptr)); }
 
 bool InternetData::DownloadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
   return StartInBackground(delegate, false);
@@ -97,7 +95,7 @@ HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
   const auto defaults = TransferSettings::Instance().defaults();
   HttpRequest request;
   request.url = url;
-  request.headers = defaults->extra_request_headers;
+  SetHeaders(defaults->extra_request_headers, request.headers);
   SetHeaders(send_headers_, request.headers);
   if (send_headers != nullptr) SetHeaders(*send_headers, request.headers);
   request.is_upload = is_upload;

@@ -23,8 +23,9 @@ class DeliveryGate;
 // network.
 class STOWRA_EXPORT InternetDataDelegate {
  public:
-  // The names are not copied: they must be texts that are never freed. The context pointer is
-  // handed on and never dereferenced; the message numbers are kept for the host.
+  // The names must be valid as long as the delegate; a transfer takes copies of its own when it
+  // starts. The context pointer is handed on and never dereferenced; the message numbers are kept
+  // for the host.
   InternetDataDelegate(void* context, unsigned int returned_message,
                        const char* returned_notification, unsigned int failed_message,
                        const char* failed_notification);

@@ -1,5 +1,6 @@
 #include "common_stowraapi/platform/response_head.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "common_stowraapi/platform/header_text.h"
@@ -25,9 +26,7 @@ int ReadStatus(std::string_view line) {
   return status;
 }
 
-ovrant_ustring ToText(std::string_view bytes) {
-  return ovrant_ustring(bytes.data(), bytes.size());
-}
+ovrant_ustring ToText(std::string_view bytes) { return ovrant_ustring(bytes.data(), bytes.size()); }
 
 void AppendText(std::string_view separator, std::string_view text, ovrant_ustring& value) {
   if (!value.empty()) value += ToText(separator);
@@ -65,14 +64,31 @@ const char* ResponseHead::AddLine(std::string_view line) {
   return AddHeader(TrimHeaderText(text.substr(0, colon)), TrimHeaderText(text.substr(colon + 1)));
 }
 
-bool ResponseHead::HasNoBody() const {
-  return status_ == kNoContent || status_ == kNotModified;
-}
+bool ResponseHead::HasNoBody() const { return status_ == kNoContent || status_ == kNotModified; }
 
 const char* ResponseHead::AddHeader(std::string_view name, std::string_view value) {
   last_ = headers_.try_emplace(ToText(name)).first;
   AppendText(", ", value, last_->second);
   return TakeMeaning(name, value);
+}
+
+// A list of one number repeated is that number (RFC 9110, 8.6).
+const char* ResponseHead::AddLengths(std::string_view list) {
+  for (std::size_t start = 0; start <= list.size();) {
+    const std::size_t comma = std::min(list.find(',', start), list.size());
+    const std::string_view digits = TrimHeaderText(list.substr(start, comma - start));
+    std::size_t length = 0;
+    const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), length);
+    if (end.ec != std::errc() || end.ptr != digits.data() + digits.size()) {
+      return "the response gives a length that is no number";
+    }
+    if (content_length_ && *content_length_ != length) {
+      return "the response gives two different lengths";
+    }
+    content_length_ = length;
+    start = comma + 1;
+  }
+  return nullptr;
 }
 
 const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view value) {
@@ -86,13 +102,7 @@ const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view va
       return "the response has a transfer encoding that was not offered";
     }
   } else if (EqualsIgnoringCase(name, "Content-Length")) {
-    std::size_t length = 0;
-    const auto end = std::from_chars(value.data(), value.data() + value.size(), length);
-    if (end.ec != std::errc() || end.ptr != value.data() + value.size()) return nullptr;
-    if (content_length_ && *content_length_ != length) {
-      return "the response gives two different lengths";
-    }
-    content_length_ = length;
+    return AddLengths(value);
   }
   return nullptr;
 }

@@ -43,6 +43,7 @@ class ResponseHead {
  private:
   const char* AddHeader(std::string_view name, std::string_view value);
   const char* TakeMeaning(std::string_view name, std::string_view value);
+  const char* AddLengths(std::string_view list);
 
   std::size_t bytes_ = 0;
   int status_ = 0;

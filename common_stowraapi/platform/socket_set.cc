@@ -1,5 +1,8 @@
 #include "common_stowraapi/platform/socket_set.h"
 
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <new>
 
@@ -46,6 +49,12 @@ void SocketSet::ForgetOwner(const void* owner) {
                static_cast<void*>(nullptr));
 }
 
+const pollfd* SocketSet::FindOwned(const void* owner) const {
+  const auto found = std::find(owners_.begin(), owners_.end(), owner);
+  return found == owners_.end() ? nullptr
+                                : &polls_[static_cast<std::size_t>(found - owners_.begin())];
+}
+
 const std::vector<SocketSet::Ready>& SocketSet::Wait(int milliseconds) {
   ready_.clear();
   // An interrupted wait is one in which nothing was ready.
@@ -64,6 +73,17 @@ std::size_t SocketSet::IndexOf(int socket) const {
   const auto found = std::find_if(polls_.begin(), polls_.end(),
                                   [socket](const pollfd& poll) { return poll.fd == socket; });
   return static_cast<std::size_t>(found - polls_.begin());
+}
+
+std::size_t CountUnsentBytes(int socket) {
+  int count = 0;
+#if defined(SO_NWRITE)
+  socklen_t size = sizeof(count);
+  if (getsockopt(socket, SOL_SOCKET, SO_NWRITE, &count, &size) != 0) return 0;
+#elif defined(TIOCOUTQ)
+  if (ioctl(socket, TIOCOUTQ, &count) != 0) return 0;
+#endif
+  return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
 }  // namespace ovrant::internet

@@ -30,6 +30,9 @@ class SocketSet {
   void Forget(int socket);
   void ForgetOwner(const void* owner);
 
+  // A socket of that owner; null when it has none. Valid until the set is next changed.
+  const pollfd* FindOwned(const void* owner) const;
+
   // Waits up to `milliseconds` (-1: without end) until a socket is ready. The result is valid until
   // the next call.
   const std::vector<Ready>& Wait(int milliseconds);
@@ -42,6 +45,10 @@ class SocketSet {
   std::vector<void*> owners_;  // of polls_[i]
   std::vector<Ready> ready_;
 };
+
+// Bytes that have been handed to the system for a connected socket and that the peer has not yet
+// taken; 0 where the system does not tell.
+std::size_t CountUnsentBytes(int socket);
 
 }  // namespace ovrant::internet
 

@@ -17,6 +17,9 @@ namespace {
 // look-up.
 constexpr std::size_t kSocketsPerTransfer = 4;
 
+// How often the system is asked what it has sent of an upload, which no event tells.
+constexpr std::chrono::milliseconds kUploadSample(100);
+
 int OnSocketChange(CURL* easy, curl_socket_t socket, int what, void* sockets, void* /*own*/) {
   auto& set = *static_cast<SocketSet*>(sockets);
   if (what == CURL_POLL_REMOVE) {
@@ -66,8 +69,7 @@ void TransferLoop::Start(HttpExchange& exchange) {
   EasyHandle easy = TakeEasy();
   if (!exchange.Begin(easy.get())) {
     exchange.End(CURLE_FAILED_INIT);
-    curl_easy_reset(easy.get());
-    idle_.push_back(std::move(easy));
+    Recycle(std::move(easy));
     ended_.insert(ended_.begin(), &exchange);
     return;
   }
@@ -84,7 +86,7 @@ void TransferLoop::Drop(HttpExchange& exchange) {
     return each.exchange == &exchange;
   });
   if (slot != slots_.end()) {
-    idle_.push_back(Detach(static_cast<std::size_t>(slot - slots_.begin())));
+    Detach(static_cast<std::size_t>(slot - slots_.begin()));
   } else {
     ended_.erase(std::remove(ended_.begin(), ended_.end(), &exchange), ended_.end());
   }
@@ -95,6 +97,7 @@ void TransferLoop::Turn() {
   HandleSockets();
   HandleTimer();
   TakeResults();
+  NoteWhatUploadsSent();
   EndOverdue();
 }
 
@@ -121,20 +124,25 @@ EasyHandle TransferLoop::TakeEasy() {
   return easy;
 }
 
-EasyHandle TransferLoop::Detach(std::size_t index) {
+void TransferLoop::Detach(std::size_t index) {
   EasyHandle easy = std::move(slots_[index].easy);
   if (index + 1 != slots_.size()) slots_[index] = std::move(slots_.back());
   slots_.pop_back();
   curl_multi_remove_handle(multi_.get(), easy.get());
   sockets_->ForgetOwner(easy.get());
+  Recycle(std::move(easy));
+}
+
+void TransferLoop::Recycle(EasyHandle easy) {
+  if (!MayReuseEasyHandles()) return;
   curl_easy_reset(easy.get());
-  return easy;
+  idle_.push_back(std::move(easy));
 }
 
 // The exchange has ended, or ends with its handle.
 void TransferLoop::Finish(std::size_t index) {
   ended_.insert(ended_.begin(), slots_[index].exchange);
-  idle_.push_back(Detach(index));
+  Detach(index);
 }
 
 std::size_t TransferLoop::IndexOf(const void* easy) const {
@@ -151,7 +159,10 @@ HttpExchange* TransferLoop::ExchangeOf(const void* easy) const {
 int TransferLoop::MillisecondsToWait() const {
   if (!ended_.empty()) return 0;
   Clock::time_point until = timer_.value_or(Clock::time_point::max());
-  for (const Slot& slot : slots_) until = std::min(until, slot.exchange->deadline());
+  for (const Slot& slot : slots_) {
+    until = std::min(until, slot.exchange->deadline());
+    if (slot.exchange->is_upload()) until = std::min(until, Clock::now() + kUploadSample);
+  }
   if (until == Clock::time_point::max()) return -1;
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
   return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, std::numeric_limits<int>::max()));
@@ -187,7 +198,7 @@ void TransferLoop::EndOverdue() {
   // Backwards: Finish puts the last slot in the place of the one that it takes out.
   for (std::size_t i = slots_.size(); i > 0; --i) {
     HttpExchange& exchange = *slots_[i - 1].exchange;
-    if (exchange.IsAnsweredEarly()) {
+    if (IsAnsweredEarly(slots_[i - 1])) {
       exchange.End(CURLE_OK);
     } else if (exchange.deadline() <= now) {
       exchange.EndTimedOut();
@@ -195,6 +206,21 @@ void TransferLoop::EndOverdue() {
       continue;
     }
     Finish(i - 1);
+  }
+}
+
+// libcurl waits only to send: it has read the whole reply.
+bool TransferLoop::IsAnsweredEarly(const Slot& slot) const {
+  if (!slot.exchange->is_upload()) return false;
+  const pollfd* const socket = sockets_->FindOwned(slot.easy.get());
+  return slot.exchange->IsAnsweredEarly(socket != nullptr && socket->events == POLLOUT);
+}
+
+void TransferLoop::NoteWhatUploadsSent() {
+  for (const Slot& slot : slots_) {
+    if (!slot.exchange->is_upload()) continue;
+    const pollfd* const socket = sockets_->FindOwned(slot.easy.get());
+    if (socket != nullptr) slot.exchange->NoteUnsent(CountUnsentBytes(socket->fd));
   }
 }
 

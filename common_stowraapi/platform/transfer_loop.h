@@ -55,7 +55,8 @@ class TransferLoop {
 
   void MakeRoom();
   EasyHandle TakeEasy();
-  EasyHandle Detach(std::size_t index);
+  void Detach(std::size_t index);
+  void Recycle(EasyHandle easy);
   void Finish(std::size_t index);
   std::size_t IndexOf(const void* easy) const;
   HttpExchange* ExchangeOf(const void* easy) const;
@@ -64,6 +65,8 @@ class TransferLoop {
   void HandleTimer();
   void TakeResults();
   void EndOverdue();
+  bool IsAnsweredEarly(const Slot& slot) const;
+  void NoteWhatUploadsSent();
 
   // libcurl reports to these while its handle is destroyed, too.
   std::unique_ptr<SocketSet> sockets_;

@@ -96,7 +96,10 @@ class STOWRA_EXPORT ovrant_ustring {
   // the locale. The arguments' own types decide, so none is ever read as another: an integer for a
   // floating conversion and the reverse are converted, any other argument that does not fit its
   // conversion, or is not there, leaves the conversion's own text in the result. `%s` takes UTF-8,
-  // wide text or an ovrant_ustring. `%n` writes nothing.
+  // wide text or an ovrant_ustring, and its precision counts the units of that, of which no more
+  // are read; a character cut in two is left out. `%c` takes a code unit or a code point. `%n`
+  // writes nothing. Of the length modifiers h and hh narrow an integer and the others do nothing. A
+  // width, and the precision of a number, count up to 4096.
   template <typename... Args>
   void Format(ovrant_ustring format, const Args&... args) {
     // One more element than there are arguments: an array may not be empty.
@@ -116,9 +119,7 @@ inline bool operator==(const ovrant_ustring& a, const ovrant_ustring& b) {
 inline bool operator!=(const ovrant_ustring& a, const ovrant_ustring& b) {
   return a.compare(b) != 0;
 }
-inline bool operator<(const ovrant_ustring& a, const ovrant_ustring& b) {
-  return a.compare(b) < 0;
-}
+inline bool operator<(const ovrant_ustring& a, const ovrant_ustring& b) { return a.compare(b) < 0; }
 
 // A copy of `left` with the NUL-terminated UTF-8 text `right` appended.
 inline ovrant_ustring operator+(const ovrant_ustring& left, const char* right) {

@@ -34,7 +34,7 @@ bool DownloadAndParse(WebServiceRequestBase& request, const ovrant_ustring& url)
 
 // The numbers and names stay unset until the concrete class's constructor sets them.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
-WebServiceRequestBase::WebServiceRequestBase() {}
+WebServiceRequestBase::WebServiceRequestBase() = default;
 
 WebServiceRequestBase::~WebServiceRequestBase() {
   CleanUpRequest();
@@ -60,9 +60,7 @@ void WebServiceRequestBase::Init(const ovrant_ustring& url, void* context) {
   context_ = context;
 }
 
-bool WebServiceRequestBase::ParseResponse(const ovrant_ustring& /*body*/) {
-  return false;
-}
+bool WebServiceRequestBase::ParseResponse(const ovrant_ustring& /*body*/) { return false; }
 
 void WebServiceRequestBase::OnSyncResponseSuccess() {}
 void WebServiceRequestBase::OnSyncResponseFail() {}

@@ -19,8 +19,8 @@ namespace ovrant::webservices {
 // Runs one HTTP GET of one URL, on the calling thread or in the background, hands the body of a
 // response with status 200 to ParseResponse, and ends in exactly one of four hooks. It observes the
 // end of its own background transfers under two names that are its class's alone; a second object
-// of the same class hears them too and ignores them while it has no transfer of its own, so a host
-// keeps one object of a class in flight at a time.
+// of the same class hears them too, takes a failure for its own, and a return while it has a
+// transport, so a host keeps one object of a class in flight at a time.
 //
 // Owns its transport and delegate from AsynchronousRequest until the next one, CleanUpRequest or
 // destruction.

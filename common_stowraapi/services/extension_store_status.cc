@@ -37,9 +37,7 @@ constexpr unsigned int kHttpOk = 200;
 constexpr char kContentTypeHeader[] = "Content-Type";
 constexpr char kJsonContentType[] = "application/json";
 
-void Post(const char* name) {
-  CNotificationCenter::Default()->SendNotification(name, nullptr);
-}
+void Post(const char* name) { CNotificationCenter::Default()->SendNotification(name, nullptr); }
 
 void SetSendData(InternetData& transport, const std::string& body) {
   transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
@@ -71,9 +69,7 @@ ExtensionStoreItem ReadItem(const Value& element) {
 
 }  // namespace
 
-ExtensionStoreStatus::ExtensionStoreStatus() {
-  AddNotifications();
-}
+ExtensionStoreStatus::ExtensionStoreStatus() { AddNotifications(); }
 
 ExtensionStoreStatus::~ExtensionStoreStatus() {
   RemoveNotifications();

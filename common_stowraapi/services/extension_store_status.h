@@ -44,7 +44,7 @@ struct STOWRA_EXPORT ExtensionStoreItem {
 //
 // The transfer's notifications name no sender, and every object observes them: a host keeps one
 // object with an asynchronous request in flight at a time. An object without a transfer of its own
-// ignores its end.
+// ignores a return, but takes a failure for its own.
 //
 // Owns its transport and delegate from AsynchronousStatus until the next one or destruction. For
 // one thread at a time; OnNotification runs on the thread that posts the transfer's end (see

@@ -20,9 +20,7 @@ const char* const UpdateQuery::kUpdateQueryFailedNotification = "UpdateQueryAsyn
 
 namespace {
 
-void Post(const char* name) {
-  CNotificationCenter::Default()->SendNotification(name, nullptr);
-}
+void Post(const char* name) { CNotificationCenter::Default()->SendNotification(name, nullptr); }
 
 void ReadMessage(const Value& message, MessageData& result) {
   ReadNumber(message, "id", result.id);
@@ -56,9 +54,7 @@ UpdateQuery::UpdateQuery() {
   AddNotifications();
 }
 
-UpdateQuery::~UpdateQuery() {
-  RemoveNotifications();
-}
+UpdateQuery::~UpdateQuery() { RemoveNotifications(); }
 
 bool UpdateQuery::ParseResponse(const ovrant_ustring& body) {
   data_files_.clear();
@@ -78,17 +74,9 @@ bool UpdateQuery::ParseResponse(const ovrant_ustring& body) {
   return valid;
 }
 
-void UpdateQuery::OnSyncResponseSuccess() {
-  Post(kUpdateQuerySucceededNotification);
-}
-void UpdateQuery::OnSyncResponseFail() {
-  Post(kUpdateQueryFailedNotification);
-}
-void UpdateQuery::OnAsyncResponseSuccess() {
-  Post(kUpdateQuerySucceededNotification);
-}
-void UpdateQuery::OnAsyncResponseFail() {
-  Post(kUpdateQueryFailedNotification);
-}
+void UpdateQuery::OnSyncResponseSuccess() { Post(kUpdateQuerySucceededNotification); }
+void UpdateQuery::OnSyncResponseFail() { Post(kUpdateQueryFailedNotification); }
+void UpdateQuery::OnAsyncResponseSuccess() { Post(kUpdateQuerySucceededNotification); }
+void UpdateQuery::OnAsyncResponseFail() { Post(kUpdateQueryFailedNotification); }
 
 }  // namespace ovrant::webservices

@@ -41,9 +41,7 @@ UserInfoQuery::UserInfoQuery() {
   AddNotifications();
 }
 
-UserInfoQuery::~UserInfoQuery() {
-  RemoveNotifications();
-}
+UserInfoQuery::~UserInfoQuery() { RemoveNotifications(); }
 
 ovrant_ustring UserInfoQuery::GetUserInfoValue(ovrant_ustring key) const {
   const auto entry = user_info_cache_.find(key);
@@ -68,13 +66,9 @@ bool UserInfoQuery::ParseResponse(const ovrant_ustring& body) {
   return true;
 }
 
-void UserInfoQuery::OnSyncResponseSuccess() {
-  SendCacheUpdateNotification();
-}
+void UserInfoQuery::OnSyncResponseSuccess() { SendCacheUpdateNotification(); }
 void UserInfoQuery::OnSyncResponseFail() {}
-void UserInfoQuery::OnAsyncResponseSuccess() {
-  SendCacheUpdateNotification();
-}
+void UserInfoQuery::OnAsyncResponseSuccess() { SendCacheUpdateNotification(); }
 void UserInfoQuery::OnAsyncResponseFail() {}
 
 }  // namespace ovrant::webservices

@@ -1,0 +1,81 @@
+#include "common_stowraapi/json/document.h"
+
+#include <list>
+#include <memory>
+#include <string>
+
+#include "common_stowraapi/json/node.h"
+#include "common_stowraapi/json/text_check.h"
+#include "common_stowraapi/json/tree_writer.h"
+
+namespace ovrant::json {
+
+using ovrant::utils::ovrant_ustring;
+
+struct Document::Tree {
+  ParsedText text{rapidjson::kObjectType};
+  std::list<Value> handles;
+
+  Node& root() { return text; }
+  Value RootHandle() { return Value(false, &root(), &text.GetAllocator()); }
+  Value& HandOut(Node* node) { return handles.emplace_back(false, node, &text.GetAllocator()); }
+};
+
+Document::Document() : tree_(std::make_unique<Tree>()) {}
+
+Document::~Document() = default;
+
+bool Document::Load(const ovrant_ustring& text) {
+  tree_->root().SetNull();
+  std::string utf8 = text.utf8();
+  if (!PrepareText(utf8, kMaxDepth)) return false;
+  Input input(utf8.c_str());
+  tree_->text.ParseStream<rapidjson::kParseNoFlags>(input);
+  return !tree_->text.HasParseError();
+}
+
+void Document::ToString(ovrant_ustring& out) {
+  Output text;
+  WriteTree(tree_->root(), text);
+  out.assign_utf8(text.GetString());
+}
+
+Value Document::MakeValue() {
+  return Value(true, std::make_unique<Node>().release(), &tree_->text.GetAllocator());
+}
+
+bool Document::HasMember(const ovrant_ustring& name) const {
+  return FindMember(&tree_->root(), name) != nullptr;
+}
+
+void Document::AddMember(const ovrant_ustring& name, const Value& item) {
+  tree_->RootHandle().AddMember(name, item);
+}
+
+Value& Document::operator[](const ovrant_ustring& name) {
+  return static_cast<const Document&>(*this)[name];
+}
+
+Value& Document::operator[](const ovrant_ustring& name) const {
+  return tree_->HandOut(FindMember(&tree_->root(), name));
+}
+
+unsigned int Document::MemberCount() const {
+  return tree_->root().IsObject() ? CountChildren(tree_->root()) : 0;
+}
+
+Value& Document::MemberAt(unsigned int index) {
+  return static_cast<const Document&>(*this).MemberAt(index);
+}
+
+Value& Document::MemberAt(unsigned int index) const {
+  Node::Member* const member = FindMemberAt(tree_->root(), index);
+  return tree_->HandOut(member == nullptr ? nullptr : &member->value);
+}
+
+ovrant_ustring Document::MemberNameAt(unsigned int index) const {
+  const Node::Member* const member = FindMemberAt(tree_->root(), index);
+  return member == nullptr ? ovrant_ustring() : ReadText(member->name);
+}
+
+}  // namespace ovrant::json

@@ -1,0 +1,58 @@
+// Finding the end of the plain part of a JSON string.
+
+#ifndef COMMON_STOWRAAPI_JSON_STRING_SCAN_H_
+#define COMMON_STOWRAAPI_JSON_STRING_SCAN_H_
+
+#include <cstdint>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace ovrant::json {
+
+// A byte that cannot stand for itself inside a string.
+inline bool NeedsEscape(char c) {
+  return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
+}
+
+// Whether FindEscape's step holds such a byte.
+#ifdef __SSE2__
+constexpr int kScanStep = 16;
+
+inline bool StepNeedsEscape(const char* bytes) {
+  const __m128i step = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  const __m128i last_control = _mm_set1_epi8(0x1F);
+  const __m128i controls = _mm_cmpeq_epi8(_mm_max_epu8(step, last_control), last_control);
+  const __m128i quotes = _mm_cmpeq_epi8(step, _mm_set1_epi8('"'));
+  const __m128i backslashes = _mm_cmpeq_epi8(step, _mm_set1_epi8('\\'));
+  return _mm_movemask_epi8(_mm_or_si128(controls, _mm_or_si128(quotes, backslashes))) != 0;
+}
+#else
+constexpr int kScanStep = 8;
+
+inline bool StepNeedsEscape(const char* bytes) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  std::uint64_t step;
+  std::memcpy(&step, bytes, sizeof(step));
+  const std::uint64_t quotes = step ^ kOnes * '"';
+  const std::uint64_t backslashes = step ^ kOnes * '\\';
+  // Subtraction sets a byte's top bit where the byte is too low, and perhaps in bytes above that.
+  const std::uint64_t borrows = ((quotes - kOnes) & ~quotes) |
+                                ((backslashes - kOnes) & ~backslashes) |
+                                ((step - kOnes * 0x20) & ~step);
+  return (borrows & kOnes * 0x80) != 0;
+}
+#endif
+
+// The first byte of [at, end) that needs an escape, or `end`.
+inline const char* FindEscape(const char* at, const char* end) {
+  while (end - at >= kScanStep && !StepNeedsEscape(at)) at += kScanStep;
+  while (at != end && !NeedsEscape(*at)) ++at;
+  return at;
+}
+
+}  // namespace ovrant::json
+
+#endif  // COMMON_STOWRAAPI_JSON_STRING_SCAN_H_

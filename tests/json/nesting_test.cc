@@ -1,0 +1,173 @@
+// Texts, trees and chains of handles that are too deep for recursion.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/value.h"
+#include "tests/json/text.h"
+#include "tests/support/small_stack.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::json::Document;
+using ovrant::json::Value;
+
+constexpr int kMaxDepth = static_cast<int>(Document::kMaxDepth);
+constexpr int kMillion = 1'000'000;
+
+std::string Repeated(const std::string& part, int count) {
+  std::string whole;
+  whole.reserve(part.size() * static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) whole += part;
+  return whole;
+}
+
+std::string Nested(const std::string& open, const std::string& close, int depth) {
+  return Repeated(open, depth) + Repeated(close, depth);
+}
+
+bool LoadsOnSmallStack(const std::string& text) {
+  bool loads = false;
+  RunOnSmallStack([&] { loads = Loads(text); });
+  return loads;
+}
+
+TEST(Nesting, LoadsAsDeepAsAllowed) {
+  EXPECT_EQ(kMaxDepth, 512);
+  EXPECT_TRUE(LoadsOnSmallStack(Nested("[", "]", kMaxDepth)));
+  EXPECT_TRUE(
+      LoadsOnSmallStack(Repeated("{\"a\":", kMaxDepth - 1) + "{}" + Repeated("}", kMaxDepth - 1)));
+  EXPECT_TRUE(
+      LoadsOnSmallStack(Repeated("[{\"a\":", kMaxDepth / 2) + "0" + Repeated("}]", kMaxDepth / 2)));
+}
+
+TEST(Nesting, IsRefusedOneLevelDeeper) {
+  EXPECT_FALSE(LoadsOnSmallStack(Nested("[", "]", kMaxDepth + 1)));
+  EXPECT_FALSE(LoadsOnSmallStack(Repeated("{\"a\":", kMaxDepth) + "{}" + Repeated("}", kMaxDepth)));
+}
+
+TEST(Nesting, CountsLevelsAndNotBrackets) {
+  const std::string pairs = Repeated("[[]],{\"a\":{}},", 10'000);
+  EXPECT_TRUE(LoadsOnSmallStack("[" + pairs + "[]]"));
+}
+
+TEST(Nesting, IsNotCountedInStrings) {
+  const std::string brackets = Repeated("[{", 5000);
+  EXPECT_TRUE(LoadsOnSmallStack("[\"" + brackets + "\"]"));
+  EXPECT_TRUE(LoadsOnSmallStack("{\"" + brackets + "\":1}"));
+  EXPECT_TRUE(LoadsOnSmallStack("[\"\\\"" + brackets + "\\\\\"]"));
+  EXPECT_FALSE(LoadsOnSmallStack("[\"\\\\\"," + brackets + "]"));
+}
+
+TEST(Nesting, IsCountedBehindStringsOfEveryLength) {
+  const std::string deep = Nested("[", "]", kMaxDepth);
+  const std::string allowed = Nested("[", "]", kMaxDepth - 1);
+  for (std::size_t length = 0; length < 40; ++length) {
+    for (const std::string end : {"", "\\\\", "\\\""}) {
+      const std::string start = "[\"" + std::string(length, 'x') + end + "\",";
+      EXPECT_TRUE(LoadsOnSmallStack(start + allowed + "]")) << start;
+      EXPECT_FALSE(LoadsOnSmallStack(start + deep + "]")) << start;
+    }
+  }
+}
+
+TEST(Nesting, OfAHundredThousandIsRefused) {
+  constexpr int kDepth = 100'000;
+  EXPECT_FALSE(LoadsOnSmallStack(Repeated("[", kDepth)));
+  EXPECT_FALSE(LoadsOnSmallStack(Nested("[", "]", kDepth)));
+  EXPECT_FALSE(LoadsOnSmallStack(Repeated("{\"a\":", kDepth)));
+  EXPECT_FALSE(LoadsOnSmallStack(Repeated("[{\"a\":", kDepth)));
+  EXPECT_FALSE(LoadsOnSmallStack(Repeated("]", kDepth)));
+}
+
+TEST(Nesting, LeavesTheRootNullWhereItIsRefused) {
+  Document document;
+  EXPECT_FALSE(document.Load(Text(Nested("[", "]", kMaxDepth + 1))));
+  EXPECT_EQ(Written(document), "null");
+}
+
+// A million arrays, each the only element of the next, as member "deep".
+void BuildDeepTree(Document& document) {
+  Value inner = document.MakeValue();
+  inner.SetArray();
+  for (int i = 1; i < kMillion; ++i) {
+    Value outer = document.MakeValue();
+    outer.SetArray();
+    outer.PushBack(inner);
+    inner = outer;
+  }
+  document.AddMember("deep", inner);
+}
+
+TEST(DeepTree, IsWrittenOnASmallStack) {
+  RunOnSmallStack([] {
+    Document document;
+    BuildDeepTree(document);
+    EXPECT_EQ(Written(document), "{\"deep\":" + Nested("[", "]", kMillion) + "}");
+  });
+}
+
+TEST(DeepTree, OfObjectsIsWrittenOnASmallStack) {
+  constexpr int kDepth = 100'000;
+  RunOnSmallStack([] {
+    Document document;
+    Value inner = document.MakeValue();
+    for (int i = 0; i < kDepth; ++i) {
+      Value outer = document.MakeValue();
+      outer.SetObject();
+      outer.AddMember("a", inner);
+      outer.AddMember("b", Value());
+      inner = outer;
+    }
+    document.AddMember("deep", inner);
+    EXPECT_EQ(Written(document), "{\"deep\":" + Repeated("{\"a\":", kDepth) + "null" +
+                                     Repeated(",\"b\":null}", kDepth) + "}");
+  });
+}
+
+// The innermost handle of a chain in which each one was given out by the one before.
+Value& Descend(Value& handle, int levels) {
+  Value* at = &handle;
+  for (int i = 0; i < levels; ++i) at = &(*at)[0];
+  return *at;
+}
+
+TEST(DeepHandles, AreDestroyedWithTheDocumentOnASmallStack) {
+  RunOnSmallStack([] {
+    Document document;
+    BuildDeepTree(document);
+    Value& innermost = Descend(document["deep"], kMillion - 1);
+    EXPECT_TRUE(innermost.IsArray());
+    EXPECT_EQ(innermost.Size(), 0U);
+  });
+}
+
+TEST(DeepHandles, AreDestroyedWithTheirHandleOnASmallStack) {
+  RunOnSmallStack([] {
+    Document document;
+    Value array = document.MakeValue();
+    Descend(array, kMillion);
+  });
+}
+
+TEST(DeepHandles, AreDestroyedByAnAssignmentOnASmallStack) {
+  RunOnSmallStack([] {
+    Document document;
+    Value array = document.MakeValue();
+    array.SetArray();
+    Value& innermost = Descend(array, kMillion);
+    innermost = document.MakeValue();
+    innermost.SetInt(9);
+    array = innermost;
+    EXPECT_EQ(array.GetInt(), 9);
+    Descend(array, kMillion);
+    array = Value();
+    EXPECT_TRUE(array.IsNull());
+  });
+}
+
+}  // namespace
+}  // namespace stowra_test

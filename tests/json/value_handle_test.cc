@@ -1,0 +1,231 @@
+// Handles: navigation, copies and assignments.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/value.h"
+#include "tests/json/text.h"
+#include "tests/json/value_fields.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::json::Document;
+using ovrant::json::Value;
+using ovrant::utils::ovrant_ustring;
+
+TEST(ValueConstructor, MakesAnEmptyHandle) {
+  const Value value;
+  EXPECT_FALSE(IsOwned(value));
+  EXPECT_EQ(NodeOf(value), nullptr);
+  EXPECT_EQ(AllocatorOf(value), nullptr);
+  EXPECT_EQ(CountHandles(value), 0U);
+}
+
+TEST(ValueConstructor, TakesOwnedNodeAndAllocatorInThisOrder) {
+  Document document;
+  const Value made = document.MakeValue();
+  const Value value(false, NodeOf(made), AllocatorOf(made));
+  EXPECT_FALSE(IsOwned(value));
+  EXPECT_EQ(NodeOf(value), NodeOf(made));
+  EXPECT_EQ(AllocatorOf(value), AllocatorOf(made));
+  EXPECT_EQ(CountHandles(value), 0U);
+}
+
+TEST(ValueConstructor, IgnoresWritesThatNeedAnAllocatorWithoutOne) {
+  Document document;
+  const Value made = document.MakeValue();
+  Value item = document.MakeValue();
+  Value value(false, NodeOf(made), nullptr);
+  value.SetString("text");
+  EXPECT_TRUE(value.IsNull());
+  value.SetArray();
+  value.PushBack(item);
+  EXPECT_EQ(value.Size(), 0U);
+  value.SetObject();
+  value.AddMember("name", item);
+  EXPECT_EQ(value.Size(), 0U);
+}
+
+TEST(ValueIndex, GivesTheElement) {
+  ValueDocument document("[10,11,12]");
+  Value& array = document.value();
+  EXPECT_EQ(array[0].GetInt(), 10);
+  EXPECT_EQ(array[2].GetInt(), 12);
+  array[1].SetString("new");
+  EXPECT_EQ(document.written(), "[10,\"new\",12]");
+}
+
+TEST(ValueIndex, GivesANullHandleWhereThereIsNoElement) {
+  ValueDocument document("[[1],{\"a\":1},\"text\",3]");
+  Value& values = document.value();
+  EXPECT_TRUE(values[4].IsNull());
+  EXPECT_TRUE(values[4294967295U].IsNull());
+  for (unsigned int i = 1; i < 4; ++i) EXPECT_TRUE(values[i][0].IsNull()) << i;
+  values[0][1].SetInt(5);
+  EXPECT_EQ(document.written(), "[[1],{\"a\":1},\"text\",3]");
+}
+
+TEST(ValueName, FindsTheFirstMemberOfThatName) {
+  ValueDocument document("{\"a\":1,\"b\":2,\"a\":3}");
+  EXPECT_EQ(document.value()["a"].GetInt(), 1);
+  EXPECT_EQ(document.value()["b"].GetInt(), 2);
+  document.value()["a"].SetInt(4);
+  EXPECT_EQ(document.written(), "{\"a\":4,\"b\":2,\"a\":3}");
+}
+
+TEST(ValueName, MustHaveTheSameBytesAndLength) {
+  ValueDocument document("{\"name\":1,\"\\u00e9\":2,\"a\\u0000b\":3,\"\":4}");
+  const Value& object = document.value();
+  EXPECT_FALSE(object.HasMember("nam"));
+  EXPECT_FALSE(object.HasMember("names"));
+  EXPECT_FALSE(object.HasMember("Name"));
+  EXPECT_FALSE(object.HasMember("e\u0301"));
+  EXPECT_FALSE(object.HasMember("a"));
+  EXPECT_FALSE(object.HasMember(Text(std::string("a\0c", 3))));
+  EXPECT_TRUE(object.HasMember("name"));
+  EXPECT_TRUE(object.HasMember("\u00e9"));
+  EXPECT_TRUE(object.HasMember(Text(std::string("a\0b", 3))));
+  EXPECT_TRUE(object.HasMember(""));
+  EXPECT_EQ(object[Text(std::string("a\0b", 3))].GetInt(), 3);
+  EXPECT_EQ(object[""].GetInt(), 4);
+}
+
+TEST(ValueName, GivesANullHandleWhereThereIsNoMember) {
+  ValueDocument document("{\"a\":1}");
+  Value& object = document.value();
+  EXPECT_TRUE(object["b"].IsNull());
+  EXPECT_TRUE(object["b"]["c"][0].IsNull());
+  EXPECT_EQ(object.Size(), 1U);
+}
+
+TEST(ValueName, LetsNothingBeWrittenWhereThereIsNoMember) {
+  ValueDocument document("{\"a\":1}");
+  Value& missing = document.value()["b"];
+  missing.SetObject();
+  missing.SetInt(5);
+  missing.SetString("text");
+  EXPECT_TRUE(missing.IsNull());
+  EXPECT_TRUE(document.value()["b"].IsNull());
+  EXPECT_TRUE(document.value()["c"].IsNull());
+  EXPECT_EQ(document.written(), "{\"a\":1}");
+}
+
+TEST(ValueNavigation, GivesHandlesThatDoNotOwnAndShareTheAllocator) {
+  ValueDocument document("{\"a\":[1]}");
+  Value& object = document.value();
+  EXPECT_FALSE(IsOwned(object["a"]));
+  EXPECT_FALSE(IsOwned(object["a"][0]));
+  EXPECT_FALSE(IsOwned(object["b"]));
+  EXPECT_EQ(AllocatorOf(object["a"]), AllocatorOf(object));
+  EXPECT_EQ(AllocatorOf(object["a"][0]), AllocatorOf(object));
+  EXPECT_EQ(AllocatorOf(object["b"]), AllocatorOf(object));
+}
+
+TEST(ValueNavigation, KeepsOneHandleMoreForEachCall) {
+  ValueDocument document("{\"a\":[1]}");
+  Value& object = document.value();
+  const Value& as_const = object;
+  object["a"];
+  object["a"];
+  object["missing"];
+  as_const["a"];
+  EXPECT_EQ(CountHandles(object), 4U);
+  Value& array = as_const["a"];
+  const Value& const_array = array;
+  array[0];
+  const_array[0];
+  array[7];
+  EXPECT_EQ(CountHandles(object), 5U);
+  EXPECT_EQ(CountHandles(array), 3U);
+  EXPECT_FALSE(object.HasMember("b"));
+  EXPECT_EQ(CountHandles(object), 5U);
+}
+
+TEST(ValueNavigation, KeepsReferencesValid) {
+  ValueDocument document("[0,1,2,3,4,5,6,7,8,9]");
+  Value& array = document.value();
+  std::vector<Value*> elements;
+  for (unsigned int i = 0; i < 10'000; ++i) elements.push_back(&array[i % 10]);
+  for (unsigned int i = 0; i < 10'000; ++i) EXPECT_EQ(elements[i]->GetUint(), i % 10);
+  EXPECT_NE(elements[0], elements[10]);
+}
+
+TEST(ValueCopy, OfAHandleThatOwnsNothingOwnsNothing) {
+  ValueDocument document("[1]");
+  const Value copy(document.value());
+  EXPECT_FALSE(IsOwned(copy));
+  EXPECT_EQ(copy[0].GetInt(), 1);
+}
+
+TEST(ValueCopy, LeavesTheHandlesThatWereGivenOutBehind) {
+  ValueDocument document("[1]");
+  Value& array = document.value();
+  Value& element = array[0];
+  const Value copy(array);
+  EXPECT_EQ(CountHandles(copy), 0U);
+  EXPECT_EQ(CountHandles(array), 1U);
+  EXPECT_EQ(element.GetInt(), 1);
+}
+
+TEST(ValueAssignment, RebindsTheHandleAndLeavesTheTreeAlone) {
+  ValueDocument document("[1,2]");
+  Value& first = document.value()[0];
+  first = document.value()[1];
+  EXPECT_EQ(first.GetInt(), 2);
+  first.SetInt(3);
+  EXPECT_EQ(document.written(), "[1,3]");
+}
+
+TEST(ValueAssignment, TakesTheAllocatorToo) {
+  Document document;
+  const Value made = document.MakeValue();
+  Value target;
+  target = made;
+  EXPECT_EQ(AllocatorOf(target), AllocatorOf(made));
+}
+
+TEST(ValueAssignment, ToItselfDoesNothing) {
+  ValueDocument document("[1]");
+  Value owner = document.value();
+  owner[0];
+  Value& same = owner;
+  owner = same;
+  EXPECT_EQ(CountHandles(owner), 1U);
+  EXPECT_EQ(owner[0].GetInt(), 1);
+}
+
+TEST(ValueAssignment, EmptiesTheListOfHandles) {
+  ValueDocument document("[1]");
+  Value array = document.value();
+  array[0];
+  array[0];
+  array = Value();
+  EXPECT_EQ(CountHandles(array), 0U);
+}
+
+TEST(ValueAssignment, LeavesTheHandlesOfTheSourceWithIt) {
+  ValueDocument document("[1]");
+  Value& source = document.value();
+  Value& element = source[0];
+  Value target;
+  target = source;
+  EXPECT_EQ(CountHandles(target), 0U);
+  EXPECT_EQ(CountHandles(source), 1U);
+  EXPECT_EQ(element.GetInt(), 1);
+}
+
+TEST(ValueAssignment, OfAHandleThatItGaveOut) {
+  ValueDocument document("{\"a\":{\"b\":7}}");
+  Value value = document.value();
+  value = value["a"];
+  value = value["b"];
+  EXPECT_EQ(value.GetInt(), 7);
+  EXPECT_EQ(CountHandles(value), 0U);
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,311 @@
+// Types, getters and setters of one node.
+
+#include "common_stowraapi/json/value.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "common_stowraapi/json/document.h"
+#include "tests/json/text.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::json::Document;
+using ovrant::json::Value;
+
+constexpr long long kInt64Min = std::numeric_limits<long long>::min();
+constexpr unsigned long long kUint64Max = std::numeric_limits<unsigned long long>::max();
+
+// The type tests that `value` passes.
+std::string Types(const Value& value) {
+  std::string types;
+  const auto add = [&types](bool passes, const char* name) {
+    if (passes) types += (types.empty() ? "" : " ") + std::string(name);
+  };
+  add(value.IsNull(), "Null");
+  add(value.IsFalse(), "False");
+  add(value.IsTrue(), "True");
+  add(value.IsBool(), "Bool");
+  add(value.IsObject(), "Object");
+  add(value.IsArray(), "Array");
+  add(value.IsString(), "String");
+  add(value.IsNumber(), "Number");
+  add(value.IsInt(), "Int");
+  add(value.IsUint(), "Uint");
+  add(value.IsInt64(), "Int64");
+  add(value.IsUint64(), "Uint64");
+  add(value.IsDouble(), "Double");
+  return types;
+}
+
+std::string TypesOf(const std::string& json) { return Types(ValueDocument(json).value()); }
+
+// The setters' results, on a node that held something else before.
+template <typename Setter, typename Content>
+std::string TypesAfter(Setter setter, Content content) {
+  Document document;
+  Value value = document.MakeValue();
+  value.SetString("something else that is long enough to live in the pool");
+  (value.*setter)(content);
+  return Types(value);
+}
+
+TEST(ValueType, IsThatOfTheText) {
+  EXPECT_EQ(TypesOf("null"), "Null");
+  EXPECT_EQ(TypesOf("false"), "False Bool");
+  EXPECT_EQ(TypesOf("true"), "True Bool");
+  EXPECT_EQ(TypesOf("{}"), "Object");
+  EXPECT_EQ(TypesOf("[]"), "Array");
+  EXPECT_EQ(TypesOf("\"\""), "String");
+  EXPECT_EQ(TypesOf("\"a string that does not fit into the node\""), "String");
+}
+
+TEST(ValueType, OfAParsedNumberTellsWhatCanHoldIt) {
+  EXPECT_EQ(TypesOf("0"), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesOf("-0"), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesOf("-1"), "Number Int Int64");
+  EXPECT_EQ(TypesOf("2147483647"), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesOf("2147483648"), "Number Uint Int64 Uint64");
+  EXPECT_EQ(TypesOf("-2147483648"), "Number Int Int64");
+  EXPECT_EQ(TypesOf("-2147483649"), "Number Int64");
+  EXPECT_EQ(TypesOf("4294967295"), "Number Uint Int64 Uint64");
+  EXPECT_EQ(TypesOf("4294967296"), "Number Int64 Uint64");
+  EXPECT_EQ(TypesOf("9223372036854775807"), "Number Int64 Uint64");
+  EXPECT_EQ(TypesOf("9223372036854775808"), "Number Uint64");
+  EXPECT_EQ(TypesOf("18446744073709551615"), "Number Uint64");
+  EXPECT_EQ(TypesOf("18446744073709551616"), "Number Double");
+  EXPECT_EQ(TypesOf("-9223372036854775808"), "Number Int64");
+  EXPECT_EQ(TypesOf("-9223372036854775809"), "Number Double");
+  EXPECT_EQ(TypesOf("1.0"), "Number Double");
+  EXPECT_EQ(TypesOf("1e0"), "Number Double");
+}
+
+TEST(ValueType, OfTheFourNumbersOfAnArray) {
+  ValueDocument document("[5,-1,4294967295,1.0]");
+  Value& numbers = document.value();
+  EXPECT_EQ(Types(numbers[0]), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(Types(numbers[1]), "Number Int Int64");
+  EXPECT_EQ(Types(numbers[2]), "Number Uint Int64 Uint64");
+  EXPECT_EQ(Types(numbers[3]), "Number Double");
+  EXPECT_EQ(numbers[0].GetDouble(), 5.0);
+}
+
+TEST(ValueType, OfASetNumberTellsWhatCanHoldIt) {
+  EXPECT_EQ(TypesAfter(&Value::SetInt, 0), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt, -1), "Number Int Int64");
+  EXPECT_EQ(TypesAfter(&Value::SetUint, 2147483647U), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetUint, 2147483648U), "Number Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt64, 2147483647LL), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt64, 2147483648LL), "Number Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt64, 4294967295LL), "Number Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt64, 4294967296LL), "Number Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt64, -2147483648LL), "Number Int Int64");
+  EXPECT_EQ(TypesAfter(&Value::SetInt64, -2147483649LL), "Number Int64");
+  EXPECT_EQ(TypesAfter(&Value::SetUint64, 2147483647ULL), "Number Int Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetUint64, 4294967295ULL), "Number Uint Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetUint64, 4294967296ULL), "Number Int64 Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetUint64, 9223372036854775808ULL), "Number Uint64");
+  EXPECT_EQ(TypesAfter(&Value::SetDouble, 1.0), "Number Double");
+}
+
+TEST(ValueSetter, ReplacesWhateverTheNodeHeld) {
+  EXPECT_EQ(TypesAfter(&Value::SetBool, true), "True Bool");
+  EXPECT_EQ(TypesAfter(&Value::SetBool, false), "False Bool");
+
+  ValueDocument document("[1,{\"a\":2}]");
+  Value& value = document.value();
+  value[1].SetNull();
+  EXPECT_EQ(document.written(), "[1,null]");
+  value[1].SetArray();
+  EXPECT_EQ(document.written(), "[1,[]]");
+  value[1].SetObject();
+  EXPECT_EQ(document.written(), "[1,{}]");
+  value[1].SetString("text");
+  EXPECT_EQ(document.written(), "[1,\"text\"]");
+  value.SetInt64(kInt64Min);
+  EXPECT_EQ(document.written(), "-9223372036854775808");
+}
+
+TEST(ValueSetter, StoresItsOwnCopyOfTheText) {
+  Document document;
+  Value value = document.MakeValue();
+  ovrant::utils::ovrant_ustring text("a text that is too long to be kept inside a node");
+  value.SetString(text);
+  text.clear();
+  EXPECT_EQ(value.GetString().utf8(), "a text that is too long to be kept inside a node");
+}
+
+TEST(ValueSetter, StoresATextUpToItsFirstNul) {
+  Document document;
+  Value value = document.MakeValue();
+  value.SetString(Text(std::string("ab\0cd", 5)));
+  document.AddMember("s", value);
+  EXPECT_EQ(Written(document), "{\"s\":\"ab\"}");
+}
+
+TEST(ValueSetter, DoesNothingWithoutANode) {
+  Value empty;
+  empty.SetNull();
+  empty.SetObject();
+  empty.SetArray();
+  empty.SetBool(true);
+  empty.SetInt(1);
+  empty.SetUint(1);
+  empty.SetInt64(1);
+  empty.SetUint64(1);
+  empty.SetDouble(1);
+  empty.SetString("text");
+  empty.PushBack(Value());
+  empty.Clear();
+  empty.AddMember("name", Value());
+  EXPECT_EQ(Types(empty), "Null");
+}
+
+TEST(ValueGetter, ReadsIntegersAsStored) {
+  ValueDocument document("[-7,4294967295,-9223372036854775808,18446744073709551615]");
+  Value& numbers = document.value();
+  EXPECT_EQ(numbers[0].GetInt(), -7);
+  EXPECT_EQ(numbers[0].GetInt64(), -7);
+  EXPECT_EQ(numbers[1].GetUint(), 4294967295U);
+  EXPECT_EQ(numbers[1].GetInt64(), 4294967295LL);
+  EXPECT_EQ(numbers[2].GetInt64(), kInt64Min);
+  EXPECT_EQ(numbers[3].GetUint64(), kUint64Max);
+}
+
+TEST(ValueGetter, ReadsTheLowestBitsOfAnIntegerThatDoesNotFit) {
+  ValueDocument document("[4294967295,4294967303,-1,-4294967289,18446744073709551615]");
+  Value& numbers = document.value();
+  EXPECT_EQ(numbers[0].GetInt(), -1);
+  EXPECT_EQ(numbers[1].GetInt(), 7);
+  EXPECT_EQ(numbers[1].GetUint(), 7U);
+  EXPECT_EQ(numbers[2].GetUint(), 4294967295U);
+  EXPECT_EQ(numbers[2].GetUint64(), kUint64Max);
+  EXPECT_EQ(numbers[3].GetInt(), 7);
+  EXPECT_EQ(numbers[4].GetInt64(), -1);
+}
+
+// What the integer getters make of a double.
+struct Cut {
+  double value;
+  int as_int;
+  unsigned int as_uint;
+  long long as_int64;
+  unsigned long long as_uint64;
+};
+
+TEST(ValueGetter, CutsADoubleTowardZeroAndGivesZeroWhereThatDoesNotFit) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const Cut cuts[] = {
+      {2.9, 2, 2, 2, 2},
+      {-0.9, 0, 0, 0, 0},
+      {-2.9, -2, 0, -2, 0},
+      {2147483647.5, 2147483647, 2147483647, 2147483647, 2147483647},
+      {2147483648.0, 0, 2147483648, 2147483648, 2147483648},
+      {-2147483648.5, -2147483647 - 1, 0, -2147483648, 0},
+      {-2147483649.0, 0, 0, -2147483649, 0},
+      {4294967295.5, 0, 4294967295, 4294967295, 4294967295},
+      {4294967296.0, 0, 0, 4294967296, 4294967296},
+      {9223372036854774784.0, 0, 0, 9223372036854774784, 9223372036854774784},
+      {9223372036854775808.0, 0, 0, 0, 9223372036854775808ULL},
+      {-9223372036854775808.0, 0, 0, kInt64Min, 0},
+      {18446744073709549568.0, 0, 0, 0, 18446744073709549568ULL},
+      {18446744073709551616.0, 0, 0, 0, 0},
+      {infinity, 0, 0, 0, 0},
+      {-infinity, 0, 0, 0, 0},
+      {std::numeric_limits<double>::quiet_NaN(), 0, 0, 0, 0},
+  };
+  Document document;
+  Value number = document.MakeValue();
+  for (const Cut& cut : cuts) {
+    SCOPED_TRACE(cut.value);
+    number.SetDouble(cut.value);
+    EXPECT_EQ(number.GetInt(), cut.as_int);
+    EXPECT_EQ(number.GetUint(), cut.as_uint);
+    EXPECT_EQ(number.GetInt64(), cut.as_int64);
+    EXPECT_EQ(number.GetUint64(), cut.as_uint64);
+  }
+}
+
+TEST(ValueGetter, ReadsAnyNumberAsDouble) {
+  ValueDocument document("[-3,4294967295,-9223372036854775808,18446744073709551615,0.1]");
+  Value& numbers = document.value();
+  EXPECT_EQ(numbers[0].GetDouble(), -3.0);
+  EXPECT_EQ(numbers[1].GetDouble(), 4294967295.0);
+  EXPECT_EQ(numbers[2].GetDouble(), -9223372036854775808.0);
+  EXPECT_EQ(numbers[3].GetDouble(), 18446744073709551616.0);
+  EXPECT_EQ(numbers[4].GetDouble(), 0.1);
+}
+
+TEST(ValueGetter, GivesTrueForTheLiteralTrueAlone) {
+  ValueDocument document("[true,false,1,\"true\",null,[true],{\"true\":true}]");
+  Value& values = document.value();
+  EXPECT_TRUE(values[0].GetBool());
+  for (unsigned int i = 1; i < values.Size(); ++i) EXPECT_FALSE(values[i].GetBool()) << i;
+}
+
+TEST(ValueGetter, ReadsTextUpToItsFirstNul) {
+  ValueDocument document("[\"\",\"ab\\u0000cd\",\"\\u00e9\\ud83d\\ude00\",\"\\u0000\"]");
+  Value& texts = document.value();
+  EXPECT_EQ(texts[0].GetString().utf8(), "");
+  EXPECT_EQ(texts[1].GetString().utf8(), "ab");
+  EXPECT_EQ(texts[2].GetString().utf8(), "\u00e9\U0001F600");
+  EXPECT_EQ(texts[2].GetString().length(), 3U);
+  EXPECT_EQ(texts[3].GetString().utf8(), "");
+}
+
+TEST(ValueGetter, CountsElementsAndMembers) {
+  ValueDocument document("[[],[1,2,3],{},{\"a\":1,\"a\":2},\"four\",5]");
+  Value& values = document.value();
+  EXPECT_EQ(values.Size(), 6U);
+  EXPECT_EQ(values[0].Size(), 0U);
+  EXPECT_EQ(values[1].Size(), 3U);
+  EXPECT_EQ(values[2].Size(), 0U);
+  EXPECT_EQ(values[3].Size(), 2U);
+  EXPECT_EQ(values[4].Size(), 0U);
+  EXPECT_EQ(values[5].Size(), 0U);
+}
+
+// Whatever is asked of it gives zero, false, the empty text or a null handle.
+void ExpectNothingIn(const Value& value) {
+  EXPECT_EQ(value.GetInt(), 0);
+  EXPECT_EQ(value.GetUint(), 0U);
+  EXPECT_EQ(value.GetInt64(), 0);
+  EXPECT_EQ(value.GetUint64(), 0U);
+  EXPECT_EQ(value.GetDouble(), 0.0);
+  EXPECT_FALSE(value.GetBool());
+  EXPECT_TRUE(value.GetString().empty());
+  EXPECT_EQ(value.Size(), 0U);
+  EXPECT_FALSE(value.HasMember("a"));
+  EXPECT_TRUE(value["a"].IsNull());
+  EXPECT_TRUE(value[0].IsNull());
+}
+
+TEST(ValueGetter, FindsNothingInANullOrEmptyHandle) {
+  ExpectNothingIn(Value());
+  ExpectNothingIn(ValueDocument("null").value());
+  ExpectNothingIn(ValueDocument("false").value());
+  ExpectNothingIn(ValueDocument("[]").value());
+  ExpectNothingIn(ValueDocument("{}").value());
+}
+
+TEST(ValueGetter, FindsNothingOfAnotherType) {
+  ValueDocument document("[\"12\",[1],{\"a\":1},7,true]");
+  Value& values = document.value();
+  for (const unsigned int i : {0U, 1U, 2U, 4U}) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(values[i].GetInt(), 0);
+    EXPECT_EQ(values[i].GetUint(), 0U);
+    EXPECT_EQ(values[i].GetInt64(), 0);
+    EXPECT_EQ(values[i].GetUint64(), 0U);
+    EXPECT_EQ(values[i].GetDouble(), 0.0);
+  }
+  for (const unsigned int i : {1U, 2U, 3U, 4U}) EXPECT_TRUE(values[i].GetString().empty()) << i;
+  for (const unsigned int i : {0U, 1U, 3U, 4U}) EXPECT_FALSE(values[i].HasMember("a")) << i;
+}
+
+}  // namespace
+}  // namespace stowra_test
