@@ -1,0 +1,107 @@
+#include "emulator/connection.h"
+
+#include <chrono>
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "emulator/delivery.h"
+#include "emulator/json_reply.h"
+
+namespace stowra_emulator {
+namespace {
+
+constexpr std::chrono::seconds kIdleTimeout(60);
+constexpr int kMaxRequests = 1000;
+
+bool HasBody(const httplib::Request& request) {
+  return request.has_header("Transfer-Encoding") ||
+         request.get_header_value<std::uint64_t>("Content-Length") > 0;
+}
+
+// The methods whose body the engine reads.
+bool MayHaveBody(const std::string& method) {
+  return method == "POST" || method == "PUT" || method == "PATCH" || method == "DELETE";
+}
+
+}  // namespace
+
+Connection::Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher,
+                       RequestLog& log)
+    : socket_(std::move(socket), stop), stream_(socket_), dispatcher_(dispatcher), log_(log) {
+  // Told to the client only: Serve is what holds to it.
+  set_keep_alive_timeout(kIdleTimeout.count());
+  set_keep_alive_max_count(kMaxRequests);
+  set_default_headers({{"Accept-Ranges", "none"}});
+
+  const Handler answer = [this](const httplib::Request& request, httplib::Response& response) {
+    Answer(request, response);
+  };
+  const std::string every_path = R"([\s\S]*)";
+  Get(every_path, answer);
+  Post(every_path, answer);
+  Put(every_path, answer);
+  Patch(every_path, answer);
+  Delete(every_path, answer);
+  Options(every_path, answer);
+
+  // For what the engine refuses by itself.
+  set_error_handler(Handler([](const httplib::Request&, httplib::Response& response) {
+    if (response.body.empty()) SetError(response, response.status, "not a request to be served");
+  }));
+  set_logger([this](const httplib::Request& request, const httplib::Response& response) {
+    log_entry_ = {request.method, request.target, response.status, 0};
+  });
+}
+
+void Connection::Serve() {
+  int served = 1;
+  while (ServeRequest(served == kMaxRequests)) ++served;
+  socket_.Finish();
+}
+
+bool Connection::ServeRequest(bool is_last) {
+  if (!stream_.WaitForInput(kIdleTimeout)) return false;
+  fault_ = Fault();
+  request_was_read_ = false;
+  bool close_was_asked = false;
+  process_request(stream_, is_last, close_was_asked,
+                  [this](httplib::Request& request) { PrepareRequest(request); });
+  const std::string response = stream_.TakeResponse();
+  if (response.empty()) return false;
+
+  const Delivery delivery = Deliver(response, fault_, socket_);
+  log_entry_.body_bytes = delivery.body_bytes;
+  log_.Write(log_entry_);
+  return delivery.may_continue && request_was_read_ && !close_was_asked && !is_last;
+}
+
+void Connection::PrepareRequest(httplib::Request& request) {
+  // Without this the engine would read a request's body until the client closes.
+  if (!HasBody(request)) {
+    request.headers.erase("Content-Length");
+    request.set_header("Content-Length", "0");
+  }
+  request.ranges.clear();
+}
+
+void Connection::Answer(const httplib::Request& request, httplib::Response& response) {
+  // A body that was left unread would be taken for the next request.
+  request_was_read_ = MayHaveBody(request.method) || !HasBody(request);
+  try {
+    const std::optional<Fault> fault =
+        request.has_param("fault") ? ParseFault(request.get_param_value("fault")) : Fault();
+    if (!fault) {
+      SetError(response, 400, "no such fault; there are: " + FaultUsages());
+      return;
+    }
+    fault_ = *fault;
+    if (!AnswerInstead(fault_, request, response)) dispatcher_.Answer(request, response);
+  } catch (const std::exception& error) {
+    SetError(response, 500, error.what());
+  }
+}
+
+}  // namespace stowra_emulator

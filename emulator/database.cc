@@ -1,0 +1,95 @@
+#include "emulator/database.h"
+
+#include "emulator/seed.h"
+
+namespace stowra_emulator {
+namespace {
+
+// What marks a file as ours, and the form of its tables.
+constexpr int kApplicationId = 0x53746577;
+constexpr int kSchemaVersion = 1;
+
+constexpr int kBusyTimeoutMilliseconds = 2000;
+
+void Check(sqlite3* database, int result) {
+  if (result != SQLITE_OK) throw DatabaseError(sqlite3_errmsg(database));
+}
+
+}  // namespace
+
+Statement::Statement(sqlite3* database, std::string_view sql) : database_(database) {
+  sqlite3_stmt* statement = nullptr;
+  Check(database_, sqlite3_prepare_v2(database_, sql.data(), static_cast<int>(sql.size()),
+                                      &statement, nullptr));
+  statement_.reset(statement);
+}
+
+Statement& Statement::Bind(int parameter, std::string_view text) {
+  Check(database_, sqlite3_bind_text64(statement_.get(), parameter, text.data(), text.size(),
+                                       SQLITE_TRANSIENT, SQLITE_UTF8));
+  return *this;
+}
+
+bool Statement::Step() {
+  const int result = sqlite3_step(statement_.get());
+  if (result == SQLITE_ROW) return true;
+  if (result != SQLITE_DONE) throw DatabaseError(sqlite3_errmsg(database_));
+  return false;
+}
+
+bool Statement::IsNull(int column) const {
+  return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
+std::string Statement::Text(int column) const {
+  const unsigned char* text = sqlite3_column_text(statement_.get(), column);
+  if (text == nullptr) return std::string();
+  return std::string(reinterpret_cast<const char*>(text),
+                     static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
+}
+
+int Statement::Int(int column) const { return sqlite3_column_int(statement_.get(), column); }
+
+Database::Database(const std::string& file) {
+  sqlite3* database = nullptr;
+  const int result =
+      sqlite3_open_v2(file.empty() ? ":memory:" : file.c_str(), &database,
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+  database_.reset(database);
+  try {
+    Check(database, result);
+    sqlite3_busy_timeout(database, kBusyTimeoutMilliseconds);
+    SeedIfNew();
+  } catch (const DatabaseError& error) {
+    throw DatabaseError("cannot open the database " + file + ": " + error.what());
+  }
+}
+
+void Database::Execute(const std::string& sql) {
+  Check(database_.get(), sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr));
+}
+
+int Database::Number(std::string_view sql) {
+  Statement statement = Prepare(sql);
+  statement.Step();
+  return statement.Int(0);
+}
+
+void Database::SeedIfNew() {
+  // The lock first: of two programs that find the file empty, one fills it. What is not committed
+  // is undone when the database closes.
+  Execute("BEGIN IMMEDIATE");
+  if (Number("SELECT count(*) FROM sqlite_master") == 0) {
+    Execute(kSchemaSql);
+    Execute(kSeedSql);
+    Execute("PRAGMA application_id = " + std::to_string(kApplicationId));
+    Execute("PRAGMA user_version = " + std::to_string(kSchemaVersion));
+  } else if (Number("PRAGMA application_id") != kApplicationId) {
+    throw DatabaseError("it belongs to another program");
+  } else if (Number("PRAGMA user_version") != kSchemaVersion) {
+    throw DatabaseError("it was made by another version of this program");
+  }
+  Execute("COMMIT");
+}
+
+}  // namespace stowra_emulator

@@ -1,0 +1,31 @@
+// From a request to its answer.
+
+#ifndef EMULATOR_DISPATCHER_H_
+#define EMULATOR_DISPATCHER_H_
+
+#include <httplib.h>
+
+#include <mutex>
+#include <string>
+
+#include "emulator/database.h"
+
+namespace stowra_emulator {
+
+// Owns the database and runs the handlers on it, one at a time. Safe from any thread.
+class Dispatcher {
+ public:
+  // Throws DatabaseError: see Database.
+  explicit Dispatcher(const std::string& database_file) : database_(database_file) {}
+
+  // Answers with the route's handler, or with the error that explains why there is none.
+  void Answer(const httplib::Request& request, httplib::Response& response);
+
+ private:
+  std::mutex mutex_;
+  Database database_;
+};
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_DISPATCHER_H_

@@ -1,0 +1,46 @@
+// The emulator as a whole.
+
+#ifndef EMULATOR_EMULATOR_H_
+#define EMULATOR_EMULATOR_H_
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+
+#include "emulator/dispatcher.h"
+#include "emulator/listener.h"
+#include "emulator/request_log.h"
+#include "emulator/stop_event.h"
+
+namespace stowra_emulator {
+
+struct EmulatorOptions {
+  std::uint16_t port = 0;       // 0 takes any free one.
+  std::string database_file;    // Empty: in memory, gone with the emulator.
+  std::ostream* log = nullptr;  // Gets a line for each request; must outlive the emulator.
+};
+
+// A server on 127.0.0.1 that is ready when its constructor returns and stops in its destructor,
+// which cuts the connections that are still open and soon returns. Requests are served on threads
+// of its own. Makes the whole process ignore SIGPIPE.
+class Emulator {
+ public:
+  // Throws a std::exception whose text says, in one line, why it cannot start.
+  explicit Emulator(const EmulatorOptions& options = EmulatorOptions());
+  ~Emulator() { stop_.Set(); }
+
+  std::uint16_t port() const { return listener_.port(); }
+
+  // Without a slash at the end, such as "http://127.0.0.1:8080".
+  std::string url() const;
+
+ private:
+  StopEvent stop_;
+  Dispatcher dispatcher_;
+  RequestLog log_;
+  Listener listener_;  // Last, as its threads use the others.
+};
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_EMULATOR_H_

@@ -1,0 +1,36 @@
+#include "emulator/engine_stream.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace stowra_emulator {
+
+bool EngineStream::WaitForInput(std::chrono::milliseconds timeout) const {
+  return input_position_ < input_end_ || socket_.WaitReadable(timeout);
+}
+
+std::string EngineStream::TakeResponse() { return std::exchange(response_, std::string()); }
+
+ssize_t EngineStream::read(char* data, std::size_t size) {
+  if (!response_.empty()) {
+    const std::string interim = TakeResponse();
+    if (!socket_.Send(interim.data(), interim.size())) return -1;
+  }
+  if (input_position_ == input_end_) {
+    const ssize_t received = socket_.Receive(input_.data(), input_.size());
+    if (received <= 0) return received;
+    input_position_ = 0;
+    input_end_ = static_cast<std::size_t>(received);
+  }
+  const std::size_t count = std::min(size, input_end_ - input_position_);
+  std::copy_n(input_.data() + input_position_, count, data);
+  input_position_ += count;
+  return static_cast<ssize_t>(count);
+}
+
+ssize_t EngineStream::write(const char* data, std::size_t size) {
+  response_.append(data, size);
+  return static_cast<ssize_t>(size);
+}
+
+}  // namespace stowra_emulator

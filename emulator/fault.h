@@ -1,0 +1,58 @@
+// The faults that a client can ask for with `?fault=...`.
+
+#ifndef EMULATOR_FAULT_H_
+#define EMULATOR_FAULT_H_
+
+#include <httplib.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace stowra_emulator {
+
+struct Fault {
+  enum class Kind {
+    kNone,
+    kStatus,
+    kStall,
+    kTruncate,
+    kReset,
+    kDrip,
+    kBomb,
+    kGarbage,
+    kRedirectLoop
+  };
+
+  Kind kind = Kind::kNone;
+  int status = 0;                      // Of kStatus.
+  std::chrono::milliseconds pause{0};  // Of kStall, before the response; of kDrip, between bytes.
+};
+
+struct FaultDescription {
+  Fault::Kind kind;
+  const char* name;
+  const char* usage;
+  const char* description;
+};
+
+// Every fault there is.
+const std::vector<FaultDescription>& Faults();
+
+// The usages of all faults, separated by commas.
+std::string FaultUsages();
+
+// Reads a fault such as "status:503". Nothing when there is none of that name, or its argument is
+// missing, superfluous or out of range.
+std::optional<Fault> ParseFault(std::string_view text);
+
+// Sets the response of a fault that is a response of its own. False, with nothing set, for the
+// faults that concern only how an ordinary response is sent.
+bool AnswerInstead(const Fault& fault, const httplib::Request& request,
+                   httplib::Response& response);
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_FAULT_H_

@@ -1,0 +1,102 @@
+#include "emulator/listener.h"
+
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace stowra_emulator {
+namespace {
+
+using Outcome = StopEvent::Outcome;
+
+constexpr std::chrono::hours kNoTimeout(24);
+
+// How long to wait when the system has no descriptor or memory for a connection.
+constexpr std::chrono::milliseconds kAcceptRetry(50);
+
+FileDescriptor Listen(std::uint16_t port) {
+  const auto fail = [port](const char* what) {
+    throw std::system_error(errno, std::generic_category(),
+                            what + std::string(" 127.0.0.1:") + std::to_string(port));
+  };
+  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+  if (socket.get() < 0) fail("cannot make a socket for");
+  // Ports that a recent run has used are free; one that another program listens on is not.
+  const int on = 1;
+  ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0 ||
+      ::listen(socket.get(), SOMAXCONN) != 0) {
+    fail("cannot listen on");
+  }
+  socket.SetNonBlocking();
+  return socket;
+}
+
+std::uint16_t PortOf(const FileDescriptor& socket) {
+  sockaddr_in address = {};
+  socklen_t size = sizeof(address);
+  if (::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+    throw std::system_error(errno, std::generic_category(), "getsockname");
+  }
+  return ntohs(address.sin_port);
+}
+
+}  // namespace
+
+Listener::Listener(std::uint16_t port, const StopEvent& stop, Serve serve)
+    : socket_(Listen(port)), port_(PortOf(socket_)), stop_(stop), serve_(std::move(serve)) {
+  // A client that leaves early is then an error from send.
+  std::signal(SIGPIPE, SIG_IGN);
+  accepting_ = std::thread([this] { AcceptAll(); });
+}
+
+Listener::~Listener() {
+  accepting_.join();
+  for (Worker& worker : workers_) worker.thread.join();
+}
+
+void Listener::AcceptAll() {
+  while (stop_.Wait(socket_.get(), POLLIN, kNoTimeout) != Outcome::kStopped) {
+    FileDescriptor client(::accept(socket_.get(), nullptr, nullptr));
+    if (client.get() >= 0) {
+      JoinFinishedWorkers();
+      StartWorker(std::move(client));
+    } else if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
+      stop_.Wait(-1, 0, kAcceptRetry);
+    }
+  }
+}
+
+void Listener::StartWorker(FileDescriptor client) {
+  Worker& worker = workers_.emplace_back();
+  try {
+    worker.thread = std::thread([this, &worker, client = std::move(client)]() mutable {
+      serve_(std::move(client));
+      worker.finished = true;
+    });
+  } catch (const std::system_error&) {
+    // No thread to be had: the client sees its connection closed.
+    workers_.pop_back();
+  }
+}
+
+void Listener::JoinFinishedWorkers() {
+  workers_.remove_if([](Worker& worker) {
+    if (!worker.finished) return false;
+    worker.thread.join();
+    return true;
+  });
+}
+
+}  // namespace stowra_emulator

@@ -1,0 +1,26 @@
+// The handlers of all services: each has a source file of its own.
+
+#ifndef EMULATOR_SERVICES_H_
+#define EMULATOR_SERVICES_H_
+
+#include <httplib.h>
+
+#include "emulator/database.h"
+
+namespace stowra_emulator {
+
+// A plain-text page that lists the routes and the faults.
+void AnswerIndex(const httplib::Request&, Database&, httplib::Response&);
+
+// The signed-in user, or the one with the uid `user`, as one object of texts.
+void AnswerUserInfo(const httplib::Request&, Database&, httplib::Response&);
+
+// The version offered, the message and the data files.
+void AnswerUpdate(const httplib::Request&, Database&, httplib::Response&);
+
+// The state of those extensions in the request that the store knows, in the request's order.
+void AnswerExtensions(const httplib::Request&, Database&, httplib::Response&);
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_SERVICES_H_

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# demo.sh STOWRA EMULATOR: every service of a local emulator, now and in the background.
+set -euo pipefail
+stowra=$1 emulator=$2
+
+work=$(mktemp -d)
+mkfifo "$work/url"
+"$emulator" --quiet >"$work/url" &
+emulator_pid=$!
+trap 'kill "$emulator_pid"; wait "$emulator_pid" 2>/dev/null || true; rm -rf "$work"' EXIT
+read -r url <"$work/url"
+echo "emulator at $url"
+
+# The messages on stderr, notifications among them, in their place between the results.
+exec 2>&1
+show() {
+  echo
+  echo "\$ stowra $*"
+  "$stowra" "$@" --verbose
+}
+
+body='{"extensions":[{"id":"ext-solar-shadow","version":"1.0"},{"id":"ext-stair-maker","version":"9.0"}]}'
+for mode in "" --async; do
+  show user-info "$url/user-info" $mode
+  show update "$url/update" $mode
+  show extensions "$url/extensions" --body - $mode <<<"$body"
+done

@@ -1,0 +1,19 @@
+// What the program's exit status says.
+
+#ifndef HOST_EXIT_STATUS_H_
+#define HOST_EXIT_STATUS_H_
+
+namespace stowra {
+
+enum class ExitStatus {
+  kDone = 0,
+  kCannotRun = 1,  // no memory, or the result could not be written
+  kUsage = 2,
+  kTransferFailed = 3,
+  kHttpStatus = 4,  // a response with any other status than 200
+  kUnusableResponse = 5,
+};
+
+}  // namespace stowra
+
+#endif  // HOST_EXIT_STATUS_H_

@@ -1,0 +1,31 @@
+// Values for a JSON document that is being built.
+
+#ifndef HOST_JSON_VALUES_H_
+#define HOST_JSON_VALUES_H_
+
+#include <string>
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/value.h"
+#include "common_stowraapi/platform/ustring.h"
+
+namespace stowra {
+
+// Each makes a value that PushBack or AddMember moves into `document`.
+ovrant::json::Value MakeObject(ovrant::json::Document& document);
+ovrant::json::Value MakeArray(ovrant::json::Document& document);
+ovrant::json::Value MakeText(ovrant::json::Document& document,
+                             const ovrant::utils::ovrant_ustring& text);
+ovrant::json::Value MakeInt(ovrant::json::Document& document, int number);
+ovrant::json::Value MakeBool(ovrant::json::Document& document, bool value);
+
+// The number as its shortest decimal text says it: 0.9F becomes 0.9 and not 0.89999998.
+// REQUIRES: finite.
+ovrant::json::Value MakeFloat(ovrant::json::Document& document, float number);
+
+// The document as one line.
+std::string ToLine(ovrant::json::Document& document);
+
+}  // namespace stowra
+
+#endif  // HOST_JSON_VALUES_H_

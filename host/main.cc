@@ -1,0 +1,18 @@
+// stowra: the services from the command line.
+
+#include <csignal>
+#include <exception>
+
+#include "host/command_line.h"
+#include "host/terminal.h"
+
+int main(int argc, char** argv) {
+  try {
+    // A peer that is gone is an error of the write, not the end of the program.
+    std::signal(SIGPIPE, SIG_IGN);
+    return static_cast<int>(stowra::RunCommandLine(argc, argv));
+  } catch (const std::exception& error) {
+    stowra::Complain(error.what());
+    return static_cast<int>(stowra::ExitStatus::kCannotRun);
+  }
+}

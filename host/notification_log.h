@@ -1,0 +1,35 @@
+// Which notifications have arrived.
+
+#ifndef HOST_NOTIFICATION_LOG_H_
+#define HOST_NOTIFICATION_LOG_H_
+
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/platform/observer.h"
+
+namespace stowra {
+
+// Observes some names while it lives. For the thread on which they are posted.
+class NotificationLog : public ovrant::IObserver {
+ public:
+  // With `verbose` each one that arrives is a line on stderr.
+  NotificationLog(const std::vector<const char*>& names, bool verbose);
+  ~NotificationLog() override;
+
+  NotificationLog(const NotificationLog&) = delete;
+  NotificationLog& operator=(const NotificationLog&) = delete;
+
+  bool HasArrived(const char* name) const;
+
+  void OnNotification(const char* name, void* payload) override;
+  using IObserver::OnNotification;
+
+ private:
+  const bool verbose_;
+  std::vector<std::string> arrived_;
+};
+
+}  // namespace stowra
+
+#endif  // HOST_NOTIFICATION_LOG_H_

@@ -1,0 +1,101 @@
+#include "host/request_options.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <string_view>
+
+#include "common_stowraapi/version.h"
+
+namespace stowra {
+
+using ovrant::internet::TransferDefaults;
+using ovrant::utils::ovrant_ustring;
+using ovrant::utils::StringMap;
+
+namespace {
+
+constexpr std::string_view kWhiteSpace = " \t";
+
+// Eleven days: more seconds than that are a slip.
+constexpr float kLongestTimeout = 1e6F;
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(kWhiteSpace);
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kWhiteSpace) - begin + 1);
+}
+
+ovrant_ustring ToText(std::string_view utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
+
+// The checks return what is wrong, or nothing.
+std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "empty" : ""; }
+
+std::string CheckHeader(const std::string& header) {
+  const std::size_t colon = header.find(':');
+  const bool good = colon != std::string::npos && !Trim(header.substr(0, colon)).empty();
+  return good ? "" : fmt::format("'{}' is not of the form \"Name: value\"", header);
+}
+
+std::string CheckSeconds(const std::string& text) {
+  float seconds = 0;
+  // Written so that it refuses what is not a number, too.
+  const bool good =
+      CLI::detail::lexical_cast(text, seconds) && seconds > 0 && seconds <= kLongestTimeout;
+  return good ? "" : fmt::format("'{}' is not a number of seconds above 0", text);
+}
+
+// A later header replaces an earlier one of the same name, whatever its letter case.
+StringMap ToHeaders(const std::vector<std::string>& lines) {
+  StringMap headers;
+  for (const std::string_view line : lines) {
+    const std::size_t colon = line.find(':');
+    const ovrant_ustring name = ToText(Trim(line.substr(0, colon)));
+    for (auto entry = headers.begin(); entry != headers.end();) {
+      entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
+    }
+    headers[name] = ToText(Trim(line.substr(colon + 1)));
+  }
+  return headers;
+}
+
+}  // namespace
+
+void AddRequestOptions(CLI::App& command, RequestOptions& options) {
+  const CLI::Validator not_empty(CheckNotEmpty, "");
+  command.add_option("URL", options.url, "Address of the service")
+      ->required()
+      ->option_text(" ")
+      ->check(not_empty);
+  command.add_flag("--async", options.async, "Run in the background and complete on the main loop");
+  command.add_flag("--json", options.json, "Print the result as one line of JSON");
+  command.add_flag("-v,--verbose", options.verbose,
+                   "Print the notifications to stderr as they arrive");
+  command
+      .add_option("--timeout", options.timeout,
+                  "Fail after so long without progress; 30 unless given")
+      ->type_name("SECONDS")
+      ->check(CLI::Validator(CheckSeconds, ""));
+  command
+      .add_option("--header", options.headers,
+                  "Send this header, \"Name: value\", too; may be given again for others")
+      ->option_text("HEADER")
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(CheckHeader, ""));
+  command
+      .add_option("--cacert", options.ca_file,
+                  "PEM file of the certificate authorities to trust instead of the system's")
+      ->type_name("FILE")
+      ->check(CLI::Validator(CLI::ExistingFile).description(""));
+}
+
+TransferDefaults MakeTransferDefaults(const RequestOptions& options) {
+  TransferDefaults defaults;
+  defaults.inactivity_timeout = options.timeout;
+  defaults.ca_file = ToText(options.ca_file);
+  defaults.user_agent = ToText(fmt::format("stowra/{}", CommonStowraapiVersionNumber));
+  defaults.extra_request_headers = ToHeaders(options.headers);
+  return defaults;
+}
+
+}  // namespace stowra

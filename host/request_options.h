@@ -1,0 +1,35 @@
+// What every command that asks a service takes.
+
+#ifndef HOST_REQUEST_OPTIONS_H_
+#define HOST_REQUEST_OPTIONS_H_
+
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/platform/transfer_types.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace stowra {
+
+struct RequestOptions {
+  std::string url;
+  bool async = false;
+  bool json = false;
+  bool verbose = false;
+  float timeout = 0;                 // seconds; 0: the library's own
+  std::vector<std::string> headers;  // "Name: value"
+  std::string ca_file;
+};
+
+// Adds them to `command`; `options` receives them and must live as long.
+void AddRequestOptions(CLI::App& command, RequestOptions& options);
+
+// What holds for the program's transfers.
+ovrant::internet::TransferDefaults MakeTransferDefaults(const RequestOptions& options);
+
+}  // namespace stowra
+
+#endif  // HOST_REQUEST_OPTIONS_H_

@@ -1,0 +1,47 @@
+#include "host/session.h"
+
+#include <fmt/format.h>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "host/terminal.h"
+
+namespace stowra {
+
+using ovrant::internet::InternetData;
+
+namespace {
+
+constexpr int kHttpOk = 200;
+
+}  // namespace
+
+Session::Session(const RequestOptions& options, const std::vector<const char*>& notifications)
+    : options_(options), notifications_(notifications, options.verbose) {
+  InternetData::SetDefaults(MakeTransferDefaults(options));
+}
+
+bool Session::RunInBackground(const std::function<void()>& start, const char* success) {
+  start();
+  loop_.RunNext();
+  return notifications_.HasArrived(success);
+}
+
+ExitStatus Session::Fail(const std::string& unusable) const {
+  const auto end = transfers_.last_end();
+  if (!end) {
+    Complain(fmt::format("{}: no transfer was made", options_.url));
+    return ExitStatus::kTransferFailed;
+  }
+  if (!end->error.empty()) {
+    Complain(fmt::format("{}: {}", options_.url, end->error.utf8()));
+    return ExitStatus::kTransferFailed;
+  }
+  if (end->status != kHttpOk) {
+    Complain(fmt::format("{}: HTTP status {}", options_.url, end->status));
+    return ExitStatus::kHttpStatus;
+  }
+  Complain(fmt::format("{}: the response is not usable: {}", options_.url, unusable));
+  return ExitStatus::kUnusableResponse;
+}
+
+}  // namespace stowra

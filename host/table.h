@@ -1,0 +1,34 @@
+// Text in columns.
+
+#ifndef HOST_TABLE_H_
+#define HOST_TABLE_H_
+
+#include <string>
+#include <vector>
+
+namespace stowra {
+
+// Rows of cells whose columns line up on a terminal, wide characters included.
+class Table {
+ public:
+  // Which cells are labels, and so stand out where colour is possible.
+  enum class Labels { kFirstRow, kFirstColumn };
+
+  explicit Table(Labels labels) : labels_(labels) {}
+
+  // A row may have fewer cells than others. The cells are shown as Printable gives them.
+  void AddRow(const std::vector<std::string>& cells);
+
+  // Each row as a line, two spaces between columns.
+  std::string ToText(bool coloured) const;
+
+ private:
+  bool IsLabel(std::size_t row, std::size_t column) const;
+
+  const Labels labels_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace stowra
+
+#endif  // HOST_TABLE_H_

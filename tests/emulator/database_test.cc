@@ -1,0 +1,161 @@
+#include "emulator/database.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "emulator/emulator.h"
+
+namespace stowra_emulator {
+namespace {
+
+using testing::HasSubstr;
+
+class DatabaseTest : public testing::Test {
+ protected:
+  DatabaseTest() {
+    std::string name = (std::filesystem::temp_directory_path() / "emulator-XXXXXX").string();
+    EXPECT_NE(::mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    file_ = folder_ / "services.db";
+  }
+  ~DatabaseTest() override { std::filesystem::remove_all(folder_); }
+
+  // Changes the file behind the services' back.
+  void Change(const std::string& sql) { Database(file_.string()).Prepare(sql).Step(); }
+
+  std::string ErrorOfOpening() {
+    try {
+      Database database(file_.string());
+      return "no error";
+    } catch (const DatabaseError& error) {
+      return error.what();
+    }
+  }
+
+  httplib::Result Get(const std::string& target) {
+    EmulatorOptions options;
+    options.database_file = file_.string();
+    const Emulator emulator(options);
+    return httplib::Client(emulator.url()).Get(target);
+  }
+
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
+};
+
+int CountUsers(Database& database) {
+  Statement count = database.Prepare("SELECT count(*) FROM users");
+  EXPECT_TRUE(count.Step());
+  return count.Int(0);
+}
+
+TEST_F(DatabaseTest, NewFileIsSeeded) {
+  ASSERT_FALSE(std::filesystem::exists(file_));
+  Database database(file_.string());
+  EXPECT_TRUE(std::filesystem::exists(file_));
+  EXPECT_EQ(CountUsers(database), 5);
+}
+
+TEST_F(DatabaseTest, EmptyFileIsSeeded) {
+  std::ofstream(file_).close();
+  Database database(file_.string());
+  EXPECT_EQ(CountUsers(database), 5);
+}
+
+TEST_F(DatabaseTest, ExistingFileKeepsItsContents) {
+  Change("DELETE FROM users WHERE uid = 'u-1002'");
+  Database database(file_.string());
+  EXPECT_EQ(CountUsers(database), 4);
+}
+
+TEST_F(DatabaseTest, FileThatIsNoDatabaseIsRefused) {
+  std::ofstream(file_) << std::string(4096, 'x');
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr(file_.string()));
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("not a database"));
+}
+
+TEST_F(DatabaseTest, DatabaseOfAnotherProgramIsRefusedAndLeftAlone) {
+  Change("PRAGMA application_id = 1");
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("another program"));
+}
+
+TEST_F(DatabaseTest, DatabaseOfAnotherVersionIsRefused) {
+  Change("PRAGMA user_version = 99");
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("another version"));
+}
+
+TEST_F(DatabaseTest, MissingFolderIsRefused) {
+  file_ = folder_ / "absent" / "services.db";
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("unable to open"));
+}
+
+TEST_F(DatabaseTest, DatabasesInMemoryAreApart) {
+  Database first("");
+  Database second("");
+  first.Prepare("DELETE FROM users").Step();
+  EXPECT_EQ(CountUsers(first), 0);
+  EXPECT_EQ(CountUsers(second), 5);
+}
+
+TEST_F(DatabaseTest, BadSqlAndBrokenConstraintsThrow) {
+  Database database("");
+  EXPECT_THROW(database.Prepare("SELECT nonsense"), DatabaseError);
+  Statement insert = database.Prepare("UPDATE users SET signed_in = 1 WHERE uid = ?");
+  EXPECT_THROW(insert.Bind(2, "u-1002"), DatabaseError);
+  insert.Bind(1, "u-1002");
+  EXPECT_THROW(insert.Step(), DatabaseError) << "only one user is signed in";
+}
+
+TEST_F(DatabaseTest, TextKeepsEveryByte) {
+  Database database("");
+  const std::string text("a\0b\xC3\xA9", 5);
+  Statement echo = database.Prepare("SELECT ?, NULL");
+  echo.Bind(1, text);
+  ASSERT_TRUE(echo.Step());
+  EXPECT_EQ(echo.Text(0), text);
+  EXPECT_FALSE(echo.IsNull(0));
+  EXPECT_TRUE(echo.IsNull(1));
+  EXPECT_EQ(echo.Text(1), "");
+  EXPECT_FALSE(echo.Step());
+}
+
+TEST_F(DatabaseTest, ServicesAnswerFromTheFile) {
+  Change("UPDATE users SET displayname = 'Çelik' WHERE uid = 'u-1001'");
+  const httplib::Result result = Get("/user-info");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(nlohmann::json::parse(result->body).at("displayname"), "Çelik");
+}
+
+TEST_F(DatabaseTest, NobodySignedInIsNotFound) {
+  Change("UPDATE users SET signed_in = 0");
+  const httplib::Result result = Get("/user-info");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->status, 404);
+}
+
+TEST_F(DatabaseTest, UpdateLeavesOutWhatThereIsNot) {
+  Change("DELETE FROM messages");
+  Change("DELETE FROM application_versions");
+  Change("DELETE FROM data_files");
+  const httplib::Result result = Get("/update");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(nlohmann::json::parse(result->body),
+            nlohmann::json({{"datafiles", nlohmann::json::array()}}));
+}
+
+TEST_F(DatabaseTest, HandlerThatThrowsIsAnInternalError) {
+  Change("DROP TABLE users");
+  const httplib::Result result = Get("/user-info");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->status, 500);
+  EXPECT_EQ(nlohmann::json::parse(result->body).at("error"), "no such table: users");
+}
+
+}  // namespace
+}  // namespace stowra_emulator

@@ -1,0 +1,229 @@
+#include "emulator/fault.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <zlib.h>
+
+#include <array>
+#include <chrono>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "emulator/emulator.h"
+#include "emulator/gzip_bomb.h"
+#include "tests/emulator/raw_client.h"
+
+namespace stowra_emulator {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(ParseFaultTest, ReadsArguments) {
+  EXPECT_EQ(ParseFault("status:100")->status, 100);
+  EXPECT_EQ(ParseFault("status:599")->status, 599);
+  EXPECT_EQ(ParseFault("stall:0")->pause, milliseconds(0));
+  EXPECT_EQ(ParseFault("stall:3600")->pause, milliseconds(3600000));
+  EXPECT_EQ(ParseFault("stall:1.5")->pause, milliseconds(1500));
+  EXPECT_EQ(ParseFault("stall:0.05")->pause, milliseconds(50));
+  EXPECT_EQ(ParseFault("drip")->pause, milliseconds(20));
+  EXPECT_EQ(ParseFault("drip:7")->pause, milliseconds(7));
+  EXPECT_EQ(ParseFault("redirect-loop")->kind, Fault::Kind::kRedirectLoop);
+}
+
+TEST(ParseFaultTest, RefusesEverythingElse) {
+  for (const char* text :
+       {"",           "bogus",      "Status:503",  "status",     "status:",      "status:99",
+        "status:600", "status:+50", "status:0503", "status:5x3", "stall",        "stall:",
+        "stall:-1",   "stall:-0.5", "stall:1.",    "stall:.5",   "stall:1.2345", "stall:3601",
+        "stall:1.-5", "stall:1s",   "drip:",       "drip:-1",    "drip:60001",   "drip:1.5",
+        "truncate:1", "truncate:",  "bomb:2",      " bomb",      "reset ",       ":"}) {
+    EXPECT_FALSE(ParseFault(text)) << text;
+  }
+}
+
+class FaultTest : public testing::Test {
+ protected:
+  httplib::Result Get(const std::string& target) {
+    return httplib::Client(emulator_.url()).Get(target);
+  }
+
+  RawResponse Raw(const std::string& target) { return RawGet(emulator_.port(), target); }
+
+  Emulator emulator_;
+};
+
+TEST_F(FaultTest, UnknownFaultIsABadRequestThatNamesThem) {
+  const httplib::Result result = Get("/user-info?fault=bogus");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->status, 400);
+  const std::string error = nlohmann::json::parse(result->body).at("error");
+  for (const FaultDescription& fault : Faults()) EXPECT_THAT(error, HasSubstr(fault.usage));
+  EXPECT_EQ(Get("/user-info?fault=")->status, 400);
+}
+
+TEST_F(FaultTest, StatusAnswersWithAnyStatus) {
+  for (const int status : {200, 201, 299, 302, 400, 404, 418, 500, 503, 599}) {
+    const httplib::Result result = Get("/user-info?fault=status:" + std::to_string(status));
+    ASSERT_TRUE(result) << status;
+    EXPECT_EQ(result->status, status);
+    EXPECT_TRUE(nlohmann::json::parse(result->body).contains("error")) << status;
+  }
+}
+
+TEST_F(FaultTest, StatusThatHasNoBodyIsSentWithout) {
+  for (const char* status : {"204", "304"}) {
+    const RawResponse response = Raw(std::string("/user-info?fault=status:") + status);
+    EXPECT_THAT(response.head, StartsWith(std::string("HTTP/1.1 ") + status + " "));
+    EXPECT_EQ(response.body, "");
+  }
+}
+
+TEST_F(FaultTest, InterimStatusEndsTheConnection) {
+  RawClient client(emulator_.port());
+  client.Send(GetRequest("/user-info?fault=status:102"));
+  const RawResponse response = SplitResponse(client.ReadToEnd());
+  EXPECT_THAT(response.head, StartsWith("HTTP/1.1 102 "));
+  EXPECT_EQ(response.body, "");
+}
+
+TEST_F(FaultTest, StallWaitsBeforeAnythingIsSent) {
+  const RawResponse ordinary = Raw("/user-info");
+  const auto start = steady_clock::now();
+  RawClient client(emulator_.port());
+  client.Send(GetRequest("/user-info?fault=stall:0.3"));
+  const std::string first = client.Read(1);
+  EXPECT_GE(steady_clock::now() - start, milliseconds(300));
+  const RawResponse response = ReadResponse(client);
+  EXPECT_EQ(first + response.head.substr(0, 14), "HTTP/1.1 200 OK");
+  EXPECT_EQ(response.body, ordinary.body);
+}
+
+TEST_F(FaultTest, StallHoldsUpNoOtherRequest) {
+  std::vector<RawClient> stalled;
+  for (int i = 0; i < 40; ++i) {
+    stalled.emplace_back(emulator_.port()).Send(GetRequest("/user-info?fault=stall:600"));
+  }
+  const httplib::Result result = Get("/user-info");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->status, 200);
+}
+
+TEST_F(FaultTest, TruncateSendsHalfOfTheBodyAndCloses) {
+  const RawResponse ordinary = Raw("/user-info");
+  RawClient client(emulator_.port());
+  client.Send(GetRequest("/user-info?fault=truncate"));
+  const RawResponse response = SplitResponse(client.ReadToEnd());
+  EXPECT_FALSE(client.was_reset());
+  EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
+  EXPECT_EQ(response.body, ordinary.body.substr(0, ordinary.body.size() / 2));
+  EXPECT_GT(response.body.size(), 0u);
+}
+
+TEST_F(FaultTest, ResetEndsInTheMiddleOfTheBody) {
+  const RawResponse ordinary = Raw("/user-info");
+  RawClient client(emulator_.port());
+  client.Send(GetRequest("/user-info?fault=reset"));
+  const RawResponse response = SplitResponse(client.ReadToEnd());
+  EXPECT_TRUE(client.was_reset());
+  EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
+  EXPECT_EQ(response.body, ordinary.body.substr(0, ordinary.body.size() / 2));
+}
+
+TEST_F(FaultTest, DripSendsTheBodyByteByByte) {
+  const RawResponse ordinary = Raw("/user-info");
+  const milliseconds interval(4);
+  const auto start = steady_clock::now();
+  RawClient client(emulator_.port());
+  client.Send(GetRequest("/user-info?fault=drip:4"));
+  const std::string head = client.ReadUntil("\r\n\r\n");
+  const std::string body = client.Read(ordinary.body.size());
+  EXPECT_GE(steady_clock::now() - start, interval * (ordinary.body.size() - 1));
+  EXPECT_THAT(head, StartsWith("HTTP/1.1 200 "));
+  EXPECT_THAT(head, HasSubstr("Content-Length: " + std::to_string(ordinary.body.size())));
+  EXPECT_EQ(body, ordinary.body);
+}
+
+TEST_F(FaultTest, DripAndStallLeaveTheConnectionUsable) {
+  RawClient client(emulator_.port());
+  for (const char* fault : {"drip:0", "stall:0", "status:503", "garbage"}) {
+    client.Send(GetRequest(std::string("/user-info?fault=") + fault));
+    EXPECT_THAT(ReadResponse(client).head, StartsWith("HTTP/1.1 ")) << fault;
+  }
+}
+
+TEST_F(FaultTest, BombIsSmallUntilItIsInflated) {
+  RawClient client(emulator_.port());
+  client.Send("GET /user-info?fault=bomb HTTP/1.1\r\nAccept-Encoding: gzip\r\n\r\n");
+  const RawResponse response = ReadResponse(client);
+  EXPECT_THAT(response.head, StartsWith("HTTP/1.1 200 "));
+  EXPECT_EQ(response.Header("Content-Encoding"), "gzip");
+  EXPECT_EQ(response.Header("Content-Length"), std::to_string(response.body.size()));
+  EXPECT_GT(response.body.size(), 100u << 10);
+  EXPECT_LT(response.body.size(), 1100u << 10);
+  EXPECT_EQ(response.body, GzipBomb());
+}
+
+TEST(GzipBombTest, InflatesToOneGibibyteOfBlanks) {
+  const std::string& bomb = GzipBomb();
+  z_stream stream = {};
+  ASSERT_EQ(inflateInit2(&stream, MAX_WBITS + 16), Z_OK);
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bomb.data()));
+  stream.avail_in = static_cast<uInt>(bomb.size());
+  static std::array<Bytef, 1 << 20> output;
+  const std::string blanks(output.size(), ' ');
+  int result = Z_OK;
+  bool all_blank = true;
+  while (result == Z_OK && all_blank) {
+    stream.next_out = output.data();
+    stream.avail_out = static_cast<uInt>(output.size());
+    result = inflate(&stream, Z_NO_FLUSH);
+    all_blank = std::memcmp(output.data(), blanks.data(), output.size() - stream.avail_out) == 0;
+  }
+  // The end is reached only when the checksum and the size in the trailer are right.
+  EXPECT_EQ(result, Z_STREAM_END);
+  EXPECT_TRUE(all_blank);
+  EXPECT_EQ(stream.total_out, 1u << 30);
+  EXPECT_EQ(stream.avail_in, 0u);
+  inflateEnd(&stream);
+}
+
+TEST_F(FaultTest, GarbageIsOkayAndNotJson) {
+  const httplib::Result result = Get("/user-info?fault=garbage");
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->status, 200);
+  EXPECT_FALSE(result->body.empty());
+  EXPECT_FALSE(nlohmann::json::accept(result->body));
+}
+
+TEST_F(FaultTest, RedirectLoopLeadsBackToTheSameAddress) {
+  const std::string target = "/user-info?user=u-1002&fault=redirect-loop";
+  const httplib::Result once = Get(target);
+  ASSERT_TRUE(once);
+  EXPECT_EQ(once->status, 302);
+  EXPECT_EQ(once->get_header_value("Location"), target);
+  httplib::Client client(emulator_.url());
+  client.set_follow_location(true);
+  const httplib::Result followed = client.Get(target);
+  ASSERT_FALSE(followed);
+  EXPECT_EQ(followed.error(), httplib::Error::ExceedRedirectCount);
+}
+
+TEST_F(FaultTest, EveryRouteTakesFaults) {
+  const std::string body = R"({"extensions":[{"id":"roof-tools"}]})";
+  httplib::Client client(emulator_.url());
+  EXPECT_EQ(client.Get("/?fault=status:501")->status, 501);
+  EXPECT_EQ(client.Get("/update?fault=status:502")->status, 502);
+  EXPECT_EQ(client.Post("/extensions?fault=status:503", body, "application/json")->status, 503);
+  EXPECT_FALSE(client.Get("/?fault=truncate"));
+  EXPECT_FALSE(client.Get("/update?fault=reset"));
+  EXPECT_FALSE(client.Post("/extensions?fault=truncate", body, "application/json"));
+}
+
+}  // namespace
+}  // namespace stowra_emulator

@@ -1,0 +1,103 @@
+#include "tests/emulator/raw_client.h"
+
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace stowra_emulator {
+
+RawClient::RawClient(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+  const timeval timeout = {30, 0};
+  ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof(timeout));
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  EXPECT_EQ(::connect(socket_.get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+}
+
+void RawClient::Send(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t sent = ::send(socket_.get(), bytes.data(), bytes.size(), 0);
+    ASSERT_GT(sent, 0);
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+}
+
+std::string RawClient::ReadUntil(std::string_view mark) {
+  std::size_t found = received_.find(mark);
+  while (found == std::string::npos && Receive()) found = received_.find(mark);
+  return Take(found == std::string::npos ? received_.size() : found + mark.size());
+}
+
+std::string RawClient::Read(std::size_t size) {
+  while (received_.size() < size && Receive()) {
+  }
+  return Take(size);
+}
+
+std::string RawClient::ReadToEnd() {
+  while (Receive()) {
+  }
+  return Take(received_.size());
+}
+
+bool RawClient::Receive() {
+  char bytes[4096];
+  const ssize_t count = ::recv(socket_.get(), bytes, sizeof(bytes), 0);
+  if (count > 0) {
+    received_.append(bytes, static_cast<std::size_t>(count));
+    return true;
+  }
+  if (count < 0) {
+    was_reset_ = errno == ECONNRESET;
+    EXPECT_TRUE(was_reset_) << "no byte for 30 seconds";
+  }
+  return false;
+}
+
+std::string RawClient::Take(std::size_t size) {
+  std::string taken = received_.substr(0, size);
+  received_.erase(0, size);
+  return taken;
+}
+
+std::string RawResponse::Header(const std::string& name) const {
+  const std::string start = "\r\n" + name + ": ";
+  const std::size_t found = head.find(start);
+  if (found == std::string::npos) return std::string();
+  const std::size_t value = found + start.size();
+  return head.substr(value, head.find("\r\n", value) - value);
+}
+
+RawResponse SplitResponse(const std::string& bytes) {
+  const std::size_t head_end = bytes.find("\r\n\r\n");
+  EXPECT_NE(head_end, std::string::npos) << "no head in: " << bytes;
+  if (head_end == std::string::npos) return {bytes, std::string()};
+  return {bytes.substr(0, head_end + 4), bytes.substr(head_end + 4)};
+}
+
+RawResponse RawGet(std::uint16_t port, const std::string& target) {
+  RawClient client(port);
+  client.Send("GET " + target + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n");
+  return SplitResponse(client.ReadToEnd());
+}
+
+std::string GetRequest(const std::string& target) {
+  return "GET " + target + " HTTP/1.1\r\nHost: localhost\r\n\r\n";
+}
+
+RawResponse ReadResponse(RawClient& client) {
+  RawResponse response = {client.ReadUntil("\r\n\r\n"), std::string()};
+  const std::string length = response.Header("Content-Length");
+  EXPECT_NE(length, "") << response.head;
+  if (!length.empty()) response.body = client.Read(std::stoul(length));
+  return response;
+}
+
+}  // namespace stowra_emulator

@@ -1,0 +1,254 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "emulator/emulator.h"
+#include "emulator/fault.h"
+#include "emulator/route.h"
+
+namespace stowra_emulator {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+class ServicesTest : public testing::Test {
+ protected:
+  json GetJson(const std::string& target, int status = 200) {
+    const httplib::Result result = client_.Get(target);
+    EXPECT_TRUE(result) << target << ": " << httplib::to_string(result.error());
+    if (!result) return json();
+    EXPECT_EQ(result->status, status) << target;
+    EXPECT_EQ(result->get_header_value("Content-Type"), "application/json");
+    return json::parse(result->body);
+  }
+
+  json PostExtensions(const std::string& body, int status = 200) {
+    const httplib::Result result = client_.Post("/extensions", body, "application/json");
+    EXPECT_TRUE(result) << body << ": " << httplib::to_string(result.error());
+    if (!result) return json();
+    EXPECT_EQ(result->status, status) << body;
+    return json::parse(result->body);
+  }
+
+  // Whether an update is due for `id` in the version that the JSON text `version` gives.
+  bool UpdateIsDue(const std::string& id, const std::string& version) {
+    const json answer =
+        PostExtensions(R"({"extensions":[{"id":")" + id + R"(","version":)" + version + "}]}");
+    return answer.at("extensions").at(0).at("update").get<bool>();
+  }
+
+  Emulator emulator_;
+  httplib::Client client_{emulator_.url()};
+};
+
+TEST_F(ServicesTest, IndexListsEveryRouteAndFault) {
+  const httplib::Result index = client_.Get("/");
+  ASSERT_TRUE(index);
+  EXPECT_EQ(index->status, 200);
+  EXPECT_EQ(index->get_header_value("Content-Type"), "text/plain; charset=utf-8");
+  ASSERT_GE(Routes().size(), 4u);
+  for (const Route& route : Routes()) {
+    EXPECT_THAT(index->body, HasSubstr(std::string("  ") + route.method));
+    EXPECT_THAT(index->body, HasSubstr(std::string(" ") + route.path + " "));
+    EXPECT_THAT(index->body, HasSubstr(route.description));
+  }
+  ASSERT_EQ(Faults().size(), 8u);
+  for (const FaultDescription& fault : Faults()) {
+    EXPECT_THAT(index->body, HasSubstr(std::string("  ") + fault.usage + " "));
+    EXPECT_THAT(index->body, HasSubstr(fault.description));
+  }
+}
+
+TEST_F(ServicesTest, UserInfoIsOfTheSignedInUser) {
+  EXPECT_EQ(GetJson("/user-info"), json({{"uid", "u-1001"},
+                                         {"displayname", "Zoë Ångström"},
+                                         {"email", "zoe@example.com"},
+                                         {"vkr_id", "vkr-7f3a01"},
+                                         {"locale", "sv-SE"}}));
+}
+
+TEST_F(ServicesTest, AnotherUserCanBePicked) {
+  const json user = GetJson("/user-info?user=u-1002");
+  EXPECT_EQ(user.at("uid"), "u-1002");
+  EXPECT_EQ(user.at("displayname"), "山田 花子");
+}
+
+TEST_F(ServicesTest, UserInfoLeavesOutWhatTheUserLacks) {
+  EXPECT_EQ(GetJson("/user-info?user=u-1005"),
+            json({{"uid", "u-1005"}, {"email", "nameless@example.com"}, {"vkr_id", ""}}));
+}
+
+TEST_F(ServicesTest, UnknownUserIsNotFound) {
+  EXPECT_EQ(GetJson("/user-info?user=u-9999", 404), json({{"error", "no user 'u-9999'"}}));
+  EXPECT_TRUE(GetJson("/user-info?user=%FF%00'", 404).contains("error"));
+  EXPECT_TRUE(GetJson("/user-info?user=", 404).contains("error"));
+}
+
+TEST_F(ServicesTest, UpdateHoldsVersionsMessageAndDataFiles) {
+  const json update = GetJson("/update");
+  EXPECT_EQ(update.size(), 3u);
+  EXPECT_EQ(update.at("update"),
+            json({{"current_version", "24.0.484"}, {"expire_version", "22.0.0"}}));
+  EXPECT_EQ(update.at("message"),
+            json({{"id", 42},
+                  {"max_shows", 3},
+                  {"width", 640},
+                  {"height", 480},
+                  {"title", "What’s new: façades, naïve roofs and 屋根"},
+                  {"url", "https://www.stowra.example/messages/42?from=app&lang=en"}}));
+  const json& files = update.at("datafiles");
+  ASSERT_EQ(files.size(), 3u);
+  EXPECT_EQ(files[0].at("filename"), "materials.dat");
+  EXPECT_EQ(files[1], json({{"version", 4},
+                            {"filename", "régions.dat"},
+                            {"url", "https://www.stowra.example/data/r%C3%A9gions-4.dat"}}));
+  EXPECT_EQ(files[2].at("filename"), "content-types.dat");
+}
+
+TEST_F(ServicesTest, ExtensionsAnswersForTheKnownIdsInTheirOrder) {
+  const json answer = PostExtensions(R"({"extensions": [
+      {"id": "gärten-窓", "version": "3.5", "name": "ignored"},
+      {"id": "unheard-of", "version": "1.0"},
+      {"id": "roof-tools", "version": "2.5"}]})");
+  const json& extensions = answer.at("extensions");
+  ASSERT_EQ(extensions.size(), 2u);
+  EXPECT_EQ(extensions[0].at("id"), "gärten-窓");
+  EXPECT_EQ(extensions[0].at("update"), true);
+  EXPECT_EQ(extensions[1],
+            json({{"id", "roof-tools"},
+                  {"version_uuid", "4f1d2c9e-8a53-4c1b-9d0e-2f6a7b8c9d01"},
+                  {"version", "2.5"},
+                  {"file_url", "https://extensions.stowra.example/roof-tools-2.5.zip"},
+                  {"update", false},
+                  {"remote_kill", false},
+                  {"enabled", 1}}));
+}
+
+TEST_F(ServicesTest, ExtensionsTellsWhatIsWithdrawnAndDisabled) {
+  const json answer =
+      PostExtensions(R"({"extensions":[{"id":"old-exporter"},{"id":"sun-study"}]})");
+  EXPECT_EQ(answer.at("extensions").at(0).at("remote_kill"), true);
+  EXPECT_EQ(answer.at("extensions").at(0).at("enabled"), 0);
+  EXPECT_EQ(answer.at("extensions").at(1).at("remote_kill"), false);
+  EXPECT_EQ(answer.at("extensions").at(1).at("enabled"), 0);
+}
+
+TEST_F(ServicesTest, NoKnownIdGivesAnEmptyArray) {
+  EXPECT_EQ(PostExtensions(R"({"extensions":[]})"), json({{"extensions", json::array()}}));
+  EXPECT_EQ(PostExtensions(R"({"extensions":[{"id":""}]})"), json({{"extensions", json::array()}}));
+}
+
+TEST_F(ServicesTest, UpdateIsDueForALowerVersionOnly) {
+  EXPECT_TRUE(UpdateIsDue("roof-tools", R"("2.4")"));
+  EXPECT_TRUE(UpdateIsDue("roof-tools", R"("1")"));
+  EXPECT_TRUE(UpdateIsDue("roof-tools", "2.4"));
+  EXPECT_FALSE(UpdateIsDue("roof-tools", R"("2.5")"));
+  EXPECT_FALSE(UpdateIsDue("roof-tools", R"("2.50")"));
+  EXPECT_FALSE(UpdateIsDue("roof-tools", R"("10.0")"));
+  EXPECT_FALSE(UpdateIsDue("roof-tools", "3"));
+  EXPECT_TRUE(UpdateIsDue("sun-study", R"("9.5")")) << "10.25 is more than 9.5";
+}
+
+TEST_F(ServicesTest, NoUpdateIsDueWhenTheVersionIsUnreadable) {
+  for (const char* version : {R"("")", R"("1.0beta")", R"("1.2.3")", "null", "true", "[]"}) {
+    EXPECT_FALSE(UpdateIsDue("roof-tools", version)) << version;
+  }
+  const json answer = PostExtensions(R"({"extensions":[{"id":"roof-tools"}]})");
+  EXPECT_EQ(answer.at("extensions").at(0).at("update"), false);
+}
+
+TEST_F(ServicesTest, AnyOtherBodyIsABadRequest) {
+  const std::vector<std::string> bodies = {"",
+                                           "not JSON",
+                                           R"({"extensions":[)",
+                                           "[]",
+                                           "{}",
+                                           R"("extensions")",
+                                           R"({"extensions":{}})",
+                                           R"({"extensions":[1]})",
+                                           R"({"extensions":[{"version":"1.0"}]})",
+                                           R"({"extensions":[{"id":7}]})",
+                                           R"({"extensions":[{"id":"roof-tools"},{}]})",
+                                           "{\"extensions\":[{\"id\":\"\xFF\"}]}"};
+  for (const std::string& body : bodies) {
+    EXPECT_TRUE(PostExtensions(body, 400).at("error").is_string()) << body;
+  }
+}
+
+TEST_F(ServicesTest, DeepNestingInARequestIsHarmless) {
+  const std::string deep(500000, '[');
+  const std::string closed = deep + std::string(deep.size(), ']');
+  PostExtensions(deep, 400);
+  const json answer =
+      PostExtensions(R"({"extensions":[{"id":"roof-tools","more":)" + closed + "}]}");
+  EXPECT_EQ(answer.at("extensions").size(), 1u);
+}
+
+TEST_F(ServicesTest, WrongMethodIsRefusedWithTheRightOne) {
+  for (const char* path : {"/", "/user-info", "/update"}) {
+    const httplib::Result result = client_.Post(path, "{}", "application/json");
+    ASSERT_TRUE(result) << path;
+    EXPECT_EQ(result->status, 405) << path;
+    EXPECT_EQ(result->get_header_value("Allow"), "GET, HEAD") << path;
+    EXPECT_TRUE(json::parse(result->body).contains("error"));
+  }
+  const std::vector<httplib::Result> results = [this] {
+    std::vector<httplib::Result> all;
+    all.push_back(client_.Get("/extensions"));
+    all.push_back(client_.Put("/extensions", "{}", "application/json"));
+    all.push_back(client_.Patch("/extensions", "{}", "application/json"));
+    all.push_back(client_.Delete("/extensions"));
+    all.push_back(client_.Options("/extensions"));
+    return all;
+  }();
+  for (const httplib::Result& result : results) {
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 405);
+    EXPECT_EQ(result->get_header_value("Allow"), "POST");
+  }
+}
+
+TEST_F(ServicesTest, UnknownRouteIsNotFound) {
+  for (const char* target : {"/nope", "/user-info/", "/USER-INFO", "/user-info%0A", "//", "/é"}) {
+    const httplib::Result result = client_.Get(target);
+    ASSERT_TRUE(result) << target;
+    EXPECT_EQ(result->status, 404) << target;
+    EXPECT_TRUE(json::parse(result->body).contains("error")) << target;
+  }
+}
+
+TEST_F(ServicesTest, HeadGivesTheLengthOfTheBodyOnly) {
+  const httplib::Result got = client_.Get("/user-info");
+  const httplib::Result head = client_.Head("/user-info");
+  ASSERT_TRUE(got && head);
+  EXPECT_EQ(head->status, 200);
+  EXPECT_EQ(head->body, "");
+  EXPECT_EQ(head->get_header_value("Content-Length"), std::to_string(got->body.size()));
+}
+
+TEST_F(ServicesTest, ResponseIsCompressedForAClientThatTakesIt) {
+  const httplib::Result plain = client_.Get("/update");
+  const httplib::Result packed = client_.Get("/update", {{"Accept-Encoding", "gzip"}});
+  ASSERT_TRUE(plain && packed);
+  EXPECT_FALSE(plain->has_header("Content-Encoding"));
+  EXPECT_EQ(packed->get_header_value("Content-Encoding"), "gzip");
+  EXPECT_EQ(packed->body, plain->body);
+}
+
+TEST_F(ServicesTest, RangeIsIgnored) {
+  const httplib::Result whole = client_.Get("/update");
+  const httplib::Result result = client_.Get("/update", {{"Range", "bytes=0-9"}});
+  ASSERT_TRUE(whole && result);
+  EXPECT_EQ(result->status, 200);
+  EXPECT_EQ(result->body, whole->body);
+  EXPECT_EQ(result->get_header_value("Accept-Ranges"), "none");
+}
+
+}  // namespace
+}  // namespace stowra_emulator

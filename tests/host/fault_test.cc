@@ -1,0 +1,110 @@
+// Every fault that the emulator has, in every command.
+
+#include <tuple>
+
+#include "tests/host/host_test.h"
+
+namespace stowra_test {
+namespace {
+
+struct FaultCase {
+  const char* fault;
+  int status;
+  const char* reason;  // a pattern, as gtest's own matcher reads it
+};
+
+constexpr FaultCase kFaults[] = {
+    {"status:503", 4, "HTTP status 503"},
+    {"status:204", 4, "HTTP status 204"},
+    {"stall:60", 3, "no data for 0\\.3 seconds"},
+    {"truncate", 3, "[^\n]*closed[^\n]*"},
+    {"reset", 3, "[^\n]*reset[^\n]*"},
+    {"drip:1", 0, ""},
+    {"bomb", 3, "the response's body is too large"},
+    {"garbage", 5,
+     "the response is not usable: it (is not JSON that can be read|holds the status of no "
+     "extension)"},
+    {"redirect-loop", 3, "[^\n]*redirects[^\n]*"},
+};
+
+const std::vector<std::string> kCommands[] = {
+    {"user-info", "/user-info"},
+    {"update", "/update"},
+    {"extensions", "/extensions", "--body", "-"},
+};
+
+class FaultTest
+    : public testing::TestWithParam<std::tuple<FaultCase, std::vector<std::string>, const char*>> {
+};
+
+std::string Name(const testing::TestParamInfo<FaultTest::ParamType>& info) {
+  const auto& [fault, command, mode] = info.param;
+  std::string name = command[0] + "_" + fault.fault + (*mode == '\0' ? "" : "_async");
+  for (char& c : name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+  }
+  return name;
+}
+
+TEST_P(FaultTest, EndsWithItsStatusAndOneLine) {
+  const auto& [fault, command, mode] = GetParam();
+  const EmulatorProcess emulator;
+  std::vector<std::string> arguments = command;
+  arguments[1] = emulator.url() + arguments[1] + "?fault=" + fault.fault;
+  const std::string url = arguments[1];
+  if (*mode != '\0') arguments.emplace_back(mode);
+  if (std::string(fault.fault) == "stall:60") {
+    arguments.insert(arguments.end(), {"--timeout", "0.3"});
+  }
+  const Outcome outcome =
+      RunStowra(arguments, R"({"extensions":[{"id":"roof-tools","version":"1.0"}]})");
+  EXPECT_EQ(outcome.status, fault.status);
+  if (fault.status == 0) {
+    EXPECT_NE(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+    return;
+  }
+  EXPECT_EQ(outcome.out, "");
+  const std::string prefix = "stowra: " + url + ": ";
+  ASSERT_THAT(outcome.err, testing::StartsWith(prefix));
+  EXPECT_THAT(outcome.err.substr(prefix.size()),
+              testing::MatchesRegex(std::string(fault.reason) + "\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(, FaultTest,
+                         testing::Combine(testing::ValuesIn(kFaults), testing::ValuesIn(kCommands),
+                                          testing::Values("", "--async")),
+                         Name);
+
+class NoServerTest : public InBothModes {};
+IN_BOTH_MODES(NoServerTest);
+
+TEST_P(NoServerTest, RefusedConnectionIsSaidInOneLine) {
+  std::string url;
+  {
+    const EmulatorProcess emulator;
+    url = emulator.url() + "/user-info";
+  }
+  const Outcome outcome = RunInMode({"user-info", url});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_THAT(outcome.err, testing::MatchesRegex("stowra: " + url + ": [^\n]*connect[^\n]*\n"));
+}
+
+TEST_P(NoServerTest, AddressesThatCannotBeAskedFail) {
+  for (const std::string url : {"ftp://127.0.0.1/x", "file:///etc/passwd", "x", "http://", "-"}) {
+    const Outcome outcome = RunInMode({"user-info", url});
+    EXPECT_EQ(outcome.status, 3) << url;
+    EXPECT_THAT(outcome.err, testing::StartsWith("stowra: " + url + ": "));
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+  }
+}
+
+TEST_P(NoServerTest, LineBreaksInTheAddressStayOnOneLine) {
+  const Outcome outcome = RunInMode({"user-info", "x\ny\x1B[31m"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.err, "stowra: x\uFFFDy\uFFFD[31m: not an http or https URL\n");
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,50 @@
+#include "host/table.h"
+
+#include <gtest/gtest.h>
+
+namespace stowra {
+namespace {
+
+TEST(TableTest, ColumnsLineUpAndLinesEndWithTheirLastCell) {
+  Table table(Table::Labels::kFirstRow);
+  table.AddRow({"a", "long", "c"});
+  table.AddRow({"wider", "b", "much longer"});
+  EXPECT_EQ(table.ToText(false), "a      long  c\nwider  b     much longer\n");
+}
+
+TEST(TableTest, WideCharactersTakeTwoColumns) {
+  Table table(Table::Labels::kFirstRow);
+  table.AddRow({"屋根", "x"});
+  table.AddRow({"roof", "y"});
+  table.AddRow({"é", "z"});
+  EXPECT_EQ(table.ToText(false), "屋根  x\nroof  y\né     z\n");
+}
+
+TEST(TableTest, RowsMayDifferInLength) {
+  Table table(Table::Labels::kFirstColumn);
+  table.AddRow({"a"});
+  table.AddRow({"b", "c", "d"});
+  EXPECT_EQ(table.ToText(false), "a\nb  c  d\n");
+}
+
+TEST(TableTest, CellBeyondTheWidestColumnLeavesTheOtherLinesAlone) {
+  Table table(Table::Labels::kFirstRow);
+  table.AddRow({std::string(70, 'x'), "1"});
+  table.AddRow({"y", "2"});
+  EXPECT_EQ(table.ToText(false),
+            std::string(70, 'x') + "  1\ny" + std::string(59 + 2, ' ') + "2\n");
+}
+
+TEST(TableTest, LabelsStandOutWithoutMovingAnything) {
+  Table rows(Table::Labels::kFirstColumn);
+  rows.AddRow({"a", "b"});
+  rows.AddRow({"cc", "d"});
+  EXPECT_EQ(rows.ToText(true), "\x1B[1ma\x1B[0m   b\n\x1B[1mcc\x1B[0m  d\n");
+  Table columns(Table::Labels::kFirstRow);
+  columns.AddRow({"a", "b"});
+  columns.AddRow({"cc", "d"});
+  EXPECT_EQ(columns.ToText(true), "\x1B[1ma\x1B[0m   \x1B[1mb\x1B[0m\ncc  d\n");
+}
+
+}  // namespace
+}  // namespace stowra

@@ -1,0 +1,100 @@
+#include "tests/host/host_test.h"
+
+namespace stowra_test {
+namespace {
+
+class UpdateTest : public InBothModes {};
+IN_BOTH_MODES(UpdateTest);
+
+constexpr char kReply[] = R"({
+  "update": {"current_version": "24.0", "expire_version": "22.0"},
+  "message": {"id": 42, "max_shows": 3, "width": 640, "height": 480,
+              "title": "façades", "url": "http://m.example/42"},
+  "datafiles": [{"version": 17, "filename": "materials.dat", "url": "http://d.example/m"},
+                {"version": 4, "filename": "屋根.dat", "url": "http://d.example/r"}]})";
+
+TEST_P(UpdateTest, PrintsTheOfferAsATable) {
+  const RawServer server(Replies(kReply));
+  const Outcome outcome = RunInMode({"update", server.Url()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out,
+            "current version  24.0\n"
+            "expire version   22.0\n"
+            "message          42\n"
+            "  title          façades\n"
+            "  url            http://m.example/42\n"
+            "  size           640 x 480\n"
+            "  max shows      3\n"
+            "\n"
+            "data file      version  url\n"
+            "materials.dat  17       http://d.example/m\n"
+            "屋根.dat       4        http://d.example/r\n");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST_P(UpdateTest, PrintsTheOfferAsJson) {
+  const RawServer server(Replies(kReply));
+  const Outcome outcome = RunInMode({"update", server.Url(), "--json"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out,
+            "{\"current_version\":\"24.0\",\"expire_version\":\"22.0\","
+            "\"message\":{\"id\":42,\"max_shows\":3,\"width\":640,\"height\":480,"
+            "\"title\":\"façades\",\"url\":\"http://m.example/42\"},"
+            "\"data_files\":[{\"version\":17,\"filename\":\"materials.dat\","
+            "\"url\":\"http://d.example/m\"},"
+            "{\"version\":4,\"filename\":\"屋根.dat\",\"url\":\"http://d.example/r\"}]}\n");
+}
+
+TEST_P(UpdateTest, PrintsTheVersionsAloneWhereNothingElseIsOffered) {
+  const RawServer server(Replies(R"({"update":{"current_version":"2","expire_version":"1"}})"));
+  EXPECT_EQ(RunInMode({"update", server.Url()}).out, "current version  2\nexpire version   1\n");
+  EXPECT_EQ(RunInMode({"update", server.Url(), "--json"}).out,
+            "{\"current_version\":\"2\",\"expire_version\":\"1\",\"message\":null,"
+            "\"data_files\":[]}\n");
+}
+
+TEST_P(UpdateTest, ReadsWhatTheEmulatorSends) {
+  const EmulatorProcess emulator;
+  const Outcome outcome = RunInMode({"update", emulator.url() + "/update", "-v"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, testing::StartsWith("current version  "));
+  EXPECT_THAT(outcome.out, testing::HasSubstr("\ndata file"));
+  EXPECT_EQ(outcome.err, "notification UpdateQueryAsyncSucceeded\n");
+}
+
+TEST_P(UpdateTest, FailureIsPostedAndSaid) {
+  const EmulatorProcess emulator;
+  const std::string url = emulator.url() + "/update?fault=status:404";
+  const Outcome outcome = RunInMode({"update", url, "-v"});
+  EXPECT_EQ(outcome.status, 4);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err,
+            "notification UpdateQueryAsyncFailed\nstowra: " + url + ": HTTP status 404\n");
+}
+
+TEST_P(UpdateTest, SaysWhatIsWrongWithTheResponse) {
+  const struct {
+    const char* body;
+    const char* fault;
+  } cases[] = {
+      {"", "it is empty"},
+      {"update", "it is not JSON that can be read"},
+      {R"({"datafiles":[{"version":1}]})", "it lacks update"},
+      {R"({"update":{}})", "it lacks update.current_version, update.expire_version"},
+      {R"({"update":{"current_version":"1"}})", "it lacks update.expire_version"},
+      {R"({"update":{"expire_version":"1"}})", "it lacks update.current_version"},
+      {R"({"update":{"current_version":2,"expire_version":""}})",
+       "it lacks update.current_version, update.expire_version"},
+  };
+  for (const auto& [body, fault] : cases) {
+    const RawServer server(Replies(body));
+    const Outcome outcome = RunInMode({"update", server.Url()});
+    EXPECT_EQ(outcome.status, 5) << body;
+    EXPECT_EQ(outcome.out, "") << body;
+    EXPECT_EQ(outcome.err,
+              "stowra: " + server.Url() + ": the response is not usable: " + fault + "\n");
+  }
+}
+
+}  // namespace
+}  // namespace stowra_test

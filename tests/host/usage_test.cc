@@ -1,0 +1,104 @@
+#include "common_stowraapi/version.h"
+#include "tests/host/host_test.h"
+
+namespace stowra_test {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr char kUrl[] = "http://127.0.0.1:1/";
+
+struct UsageCase {
+  std::vector<std::string> arguments;
+  const char* message;  // a part of it
+};
+
+const UsageCase kWrongUsages[] = {
+    {{}, "a command is needed (see stowra --help)"},
+    {{"nonsense"}, "nonsense"},
+    {{"--json"}, "--json"},
+    {{"user-info"}, "URL is required (see stowra user-info --help)"},
+    {{"user-info", ""}, "URL"},
+    {{"user-info", kUrl, "more"}, "more"},
+    {{"user-info", kUrl, "--nonsense"}, "--nonsense"},
+    {{"user-info", kUrl, "update", kUrl}, "update"},
+    {{"update", kUrl, "--timeout"}, "--timeout"},
+    {{"update", kUrl, "--timeout", "soon"}, "'soon' is not a number of seconds"},
+    {{"update", kUrl, "--timeout", "0"}, "'0' is not a number of seconds"},
+    {{"update", kUrl, "--timeout", "-1"}, "'-1' is not a number of seconds"},
+    {{"update", kUrl, "--timeout", "nan"}, "'nan' is not a number of seconds"},
+    {{"update", kUrl, "--timeout", "inf"}, "'inf' is not a number of seconds"},
+    {{"update", kUrl, "--header"}, "--header"},
+    {{"update", kUrl, "--header", "no colon"}, "'no colon' is not of the form"},
+    {{"update", kUrl, "--header", " : no name"}, "is not of the form"},
+    {{"update", kUrl, "--header", "two\nlines"}, "is not of the form"},
+    {{"update", kUrl, "--cacert", "/nowhere/ca.pem"}, "/nowhere/ca.pem"},
+    {{"extensions", kUrl}, "--body is required (see stowra extensions --help)"},
+};
+
+TEST(UsageTest, WrongUsageIsOneLineAndStatusTwo) {
+  for (const auto& [arguments, message] : kWrongUsages) {
+    const Outcome outcome = RunStowra(arguments);
+    EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
+    EXPECT_EQ(outcome.out, "") << testing::PrintToString(arguments);
+    EXPECT_THAT(outcome.err, StartsWith("stowra: ")) << testing::PrintToString(arguments);
+    EXPECT_THAT(outcome.err, HasSubstr(message));
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+  }
+}
+
+TEST(UsageTest, HelpBeginsWithExamples) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* example;
+  } cases[] = {
+      {{"--help"}, "  stowra user-info http"},
+      {{"-h"}, "  stowra user-info http"},
+      {{"user-info", "--help"}, "  stowra user-info http"},
+      {{"update", "--help"}, "  stowra update http"},
+      {{"extensions", "--help"}, "  stowra extensions http"},
+  };
+  for (const auto& [arguments, example] : cases) {
+    const Outcome outcome = RunStowra(arguments);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, StartsWith(std::string("Examples:\n") + example));
+    EXPECT_THAT(outcome.out,
+                HasSubstr("Usage: " + (arguments.size() == 1 ? std::string("stowra")
+                                                             : "stowra " + arguments[0])));
+    EXPECT_EQ(outcome.err, "");
+  }
+}
+
+TEST(UsageTest, HelpListsTheCommandsAndTheirOptions) {
+  const std::string help = RunStowra({"--help"}).out;
+  for (const char* command : {"user-info", "update", "extensions"}) {
+    EXPECT_THAT(help, HasSubstr(std::string("\n  ") + command));
+    const std::string own = RunStowra({command, "--help"}).out;
+    for (const char* option :
+         {"--async", "--json", "--verbose", "--timeout", "--header", "--cacert", "Exit status"}) {
+      EXPECT_THAT(own, HasSubstr(option)) << command;
+    }
+  }
+  EXPECT_THAT(RunStowra({"extensions", "--help"}).out, HasSubstr("--body"));
+}
+
+TEST(UsageTest, VersionIsThatOfTheLibrary) {
+  const Outcome outcome = RunStowra({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  const std::string number = std::to_string(static_cast<int>(CommonStowraapiVersionNumber));
+  EXPECT_EQ(outcome.out,
+            "stowra with CommonStowraapi " + number + " (common_stowraapi-" + number + ")\n");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST(UsageTest, ResultThatCannotBeWrittenIsSaid) {
+  Start start;
+  start.arguments = {"-c", "exec \"$0\" --version >&-", kStowra};
+  const Outcome outcome = RunProgram("/bin/sh", start);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "stowra: standard output: Bad file descriptor\n");
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# install_test.sh find_package|pkg_config BUILD_DIR CONSUMER_DIR COMPILER SANITIZERS
+set -euo pipefail
+
+way=$1 build=$2 consumer=$3 compiler=$4 sanitizers=$5
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix=$work/prefix
+flags=${sanitizers:+-fsanitize=$sanitizers}
+
+cmake --install "$build" --prefix "$prefix" >/dev/null
+
+if [ "$way" = find_package ]; then
+  cmake -S "$consumer" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
+  cmake --build "$work/build" >/dev/null
+  "$work/build/consumer"
+else
+  libdir=$(cd "$(dirname "$(find "$prefix" -name common_stowraapi.pc)")/.." && pwd)
+  # The file names the prefix that was configured; this one is another.
+  export PKG_CONFIG_PATH=$libdir/pkgconfig
+  define="--define-variable=prefix=$prefix"
+  # shellcheck disable=SC2046
+  "$compiler" -std=c++17 $flags $(pkg-config "$define" --cflags common_stowraapi) \
+      "$consumer/consumer.cc" -o "$work/consumer" \
+      $(pkg-config "$define" --libs common_stowraapi) -Wl,-rpath,"$libdir"
+  "$work/consumer"
+fi

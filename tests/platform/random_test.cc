@@ -1,0 +1,140 @@
+#include "common_stowraapi/platform/random.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <thread>
+#include <vector>
+
+namespace stowra_test {
+namespace {
+
+using testing::ElementsAre;
+using testing::Ne;
+
+std::vector<int> Draw(int count, int low, int high) {
+  std::vector<int> values;
+  for (int i = 0; i < count; ++i) values.push_back(Random::GetValue(low, high));
+  return values;
+}
+
+// The expected values of these tests come from a separate calculation of the generator.
+
+TEST(RandomTest, GivesOneSequencePerSeedOnEveryPlatform) {
+  Random::SetSeed(0);
+  EXPECT_THAT(Draw(16, 0, 9), ElementsAre(8, 4, 0, 9, 1, 3, 1, 7, 2, 9, 3, 7, 5, 5, 7, 5));
+  Random::SetSeed(1);
+  EXPECT_THAT(Draw(16, 0, 9), ElementsAre(5, 7, 9, 4, 4, 7, 8, 5, 2, 7, 4, 6, 4, 5, 4, 1));
+  Random::SetSeed(1700000000);
+  EXPECT_THAT(Draw(16, 0, 9), ElementsAre(6, 1, 6, 2, 5, 4, 1, 5, 4, 8, 7, 7, 1, 5, 0, 2));
+  Random::SetSeed(0xFFFFFFFF);
+  EXPECT_THAT(Draw(16, 0, 9), ElementsAre(4, 3, 9, 0, 7, 9, 4, 7, 1, 0, 3, 1, 4, 2, 8, 2));
+}
+
+TEST(RandomTest, RepeatsTheSequenceOfARepeatedSeed) {
+  Random::SetSeed(42);
+  const std::vector<int> first = Draw(100, 0, 1000000);
+  const std::vector<int> next = Draw(100, 0, 1000000);
+  EXPECT_THAT(next, Ne(first));
+  Random::SetSeed(42);
+  EXPECT_EQ(Draw(100, 0, 1000000), first);
+}
+
+TEST(RandomTest, CoversRangesOfEveryWidth) {
+  Random::SetSeed(7);
+  EXPECT_THAT(Draw(4, INT_MIN, INT_MAX),
+              ElementsAre(-473177628, -2075378473, 1721254016, 356182896));
+  Random::SetSeed(7);
+  EXPECT_THAT(Draw(10, -5, 5), ElementsAre(-1, -5, 4, 1, -1, -3, 0, -2, -4, -1));
+  // Nearly half of the draws for this range have to be rejected.
+  Random::SetSeed(7);
+  EXPECT_THAT(Draw(8, -1073741824, 1073741824),
+              ElementsAre(-1037689237, 860627008, 178091448, -68820400, -369202392, -851348531,
+                          797428882, 815214208));
+}
+
+TEST(RandomTest, ReachesBothBoundsAndNothingBeyond) {
+  Random::SetSeed(3);
+  std::array<int, 10> counts{};
+  for (const int value : Draw(10000, 0, 9)) {
+    ASSERT_GE(value, 0);
+    ASSERT_LE(value, 9);
+    ++counts[static_cast<std::size_t>(value)];
+  }
+  EXPECT_GT(counts[0], 0);
+  EXPECT_GT(counts[9], 0);
+}
+
+TEST(RandomTest, GivesTheOneValueOfARange) {
+  for (const int value : {0, 7, INT_MIN, INT_MAX}) EXPECT_EQ(Random::GetValue(value, value), value);
+}
+
+TEST(RandomTest, GivesTheLowBoundOfAReversedRange) {
+  EXPECT_EQ(Random::GetValue(5, 4), 5);
+  EXPECT_EQ(Random::GetValue(INT_MAX, INT_MIN), INT_MAX);
+}
+
+// The values of one seed, so that it cannot fail by chance.
+TEST(RandomTest, IsUniform) {
+  constexpr int kValues = 10;
+  constexpr int kDraws = 100000;
+  for (const unsigned seed : {1u, 1700000000u}) {
+    Random::SetSeed(seed);
+    std::array<double, kValues> counts{};
+    for (const int value : Draw(kDraws, 0, kValues - 1)) ++counts[static_cast<std::size_t>(value)];
+    double chi_squared = 0;
+    for (const double count : counts) {
+      const double expected = double{kDraws} / kValues;
+      chi_squared += (count - expected) * (count - expected) / expected;
+    }
+    // Nine degrees of freedom: a fair generator stays below in 999 of 1000 cases.
+    EXPECT_LT(chi_squared, 27.88);
+  }
+}
+
+// 2^32 draws do not divide among 3 * 2^30 values. A draw by remainder would make the lowest third
+// likelier, a draw by scaling one value of each three.
+TEST(RandomTest, IsUniformOverARangeThatDoesNotDivideTheDraws) {
+  constexpr int kLow = -0x60000000;
+  constexpr int kHigh = 0x5FFFFFFF;
+  constexpr int kDraws = 30000;
+  Random::SetSeed(11);
+  std::array<int, 3> by_third{};
+  std::array<int, 3> by_remainder{};
+  for (const int value : Draw(kDraws, kLow, kHigh)) {
+    const long long offset = 0LL + value - kLow;
+    ++by_third[static_cast<std::size_t>(offset >> 30)];
+    ++by_remainder[static_cast<std::size_t>(offset % 3)];
+  }
+  constexpr double kFourDeviations = 4 * 81.6;
+  for (const int count : by_third) EXPECT_NEAR(count, kDraws / 3.0, kFourDeviations);
+  for (const int count : by_remainder) EXPECT_NEAR(count, kDraws / 3.0, kFourDeviations);
+}
+
+TEST(RandomTest, ThreadsShareOneSequence) {
+  constexpr int kThreads = 4;
+  constexpr int kDraws = 20000;
+  constexpr int kHigh = 1000000000;
+  Random::SetSeed(99);
+  std::vector<std::vector<int>> drawn(kThreads);
+  std::vector<std::thread> threads;
+  for (std::vector<int>& values : drawn) {
+    threads.emplace_back([&values] { values = Draw(kDraws, 0, kHigh); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::vector<int> together;
+  for (const std::vector<int>& values : drawn) {
+    together.insert(together.end(), values.begin(), values.end());
+  }
+  Random::SetSeed(99);
+  std::vector<int> alone = Draw(kThreads * kDraws, 0, kHigh);
+  std::sort(together.begin(), together.end());
+  std::sort(alone.begin(), alone.end());
+  EXPECT_EQ(together, alone);
+}
+
+}  // namespace
+}  // namespace stowra_test

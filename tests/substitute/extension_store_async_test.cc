@@ -1,0 +1,206 @@
+// ExtensionStoreStatus::AsynchronousStatus, and how its end is handled.
+
+#include <memory>
+#include <string>
+
+#include "tests/substitute/extension_store_fixture.h"
+
+namespace stowra_substitute {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ExtensionStoreAsyncTest : public ExtensionStoreFixture {};
+
+TEST_F(ExtensionStoreAsyncTest, AsynchronousStatusSetsHeaderThenBodyThenStarts) {
+  status->AsynchronousStatus();
+  EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed", kDelegateConstructed,
+                                         "http://a/: header Content-Type: application/json",
+                                         "http://a/: set_send_data 2 bytes: {}",
+                                         "http://a/: UploadWithDelegate, user data null"));
+}
+
+TEST_F(ExtensionStoreAsyncTest, ASecondAsynchronousStatusReplacesTheTransportBeforeTheDelegate) {
+  Start();
+  status->Init("http://b/", nullptr, "[1]");
+  status->AsynchronousStatus();
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("http://a/: deleted", "http://b/: constructed", "delegate deleted",
+                          "delegate constructed: context null, 28002 "
+                          "ExtensionStoreStatusRequestReturned, 28003 "
+                          "ExtensionStoreStatusRequestFailed",
+                          "http://b/: header Content-Type: application/json",
+                          "http://b/: set_send_data 3 bytes: [1]",
+                          "http://b/: UploadWithDelegate, user data null"));
+  EXPECT_FALSE(EndTransfer("http://a/", Reply(200, kOne)));
+  EXPECT_TRUE(EndTransfer("http://b/", Reply(200, kTwo)));
+  EXPECT_EQ(OnlyId(), "two");
+}
+
+TEST_F(ExtensionStoreAsyncTest, AsynchronousStatusSendsAnEmptyBodyToAnEmptyUrl) {
+  status->Init("", Address(0x2a), "");
+  status->AsynchronousStatus();
+  EXPECT_THAT(
+      TakeEffects(),
+      ElementsAre(": constructed", kDelegateConstructed, ": header Content-Type: application/json",
+                  ": set_send_data 0 bytes: ", ": UploadWithDelegate, user data null"));
+}
+
+TEST_F(ExtensionStoreAsyncTest, AsynchronousBodyIsUtf8) {
+  status->Init("http://a/", nullptr, "\xC3\xA9\xF0\x9F\x98\x80");
+  status->AsynchronousStatus();
+  EXPECT_THAT(TakeEffects(), testing::Contains("http://a/: set_send_data 6 bytes: "
+                                               "\xC3\xA9\xF0\x9F\x98\x80"));
+}
+
+TEST_F(ExtensionStoreAsyncTest, ATransferThatDoesNotStartIsNotLookedAt) {
+  SetStartsInBackground(false);
+  status->AsynchronousStatus();
+  EXPECT_EQ(CountTransports(), 1);
+  EXPECT_EQ(CountDelegates(), 1);
+  EXPECT_THAT(TakeEffects(), testing::SizeIs(5));
+}
+
+TEST_F(ExtensionStoreAsyncTest, AsynchronousSuccessPostsWhenTheResponseIsKept) {
+  std::string seen;
+  const Host host("ExtensionStoreAsyncStatusSucceeded", [&] { seen = OnlyId(); });
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kOne)));
+  EXPECT_THAT(TakeEffects(), ElementsAre(kReturned, kPublicSuccess));
+  EXPECT_EQ(seen, "one");
+  EXPECT_TRUE(Completed());
+  EXPECT_EQ(CountTransports(), 1);
+  EXPECT_EQ(CountDelegates(), 1);
+}
+
+TEST_F(ExtensionStoreAsyncTest, AsynchronousSuccessTakesAnyBody) {
+  for (const char* const body : {"", "no JSON", "[]"}) {
+    Start();
+    EXPECT_TRUE(EndTransfer("http://a/", Reply(200, body)));
+    EXPECT_THAT(TakeEffects(), ElementsAre(kReturned, kPublicSuccess)) << body;
+    EXPECT_THAT(status->GetItemMapFromResponse(), IsEmpty()) << body;
+  }
+}
+
+TEST_F(ExtensionStoreAsyncTest, AsynchronousFailurePostsOnceAndKeepsTheLastResponse) {
+  ScriptTransfer(Reply(200, kOne));
+  ASSERT_TRUE(status->SynchronousStatus());
+  ExtensionStoreStatus::status_sync_completed_ = false;
+  for (const int http_status : {-200, 0, 199, 201, 204, 302, 404, 500}) {
+    Start();
+    EXPECT_TRUE(EndTransfer("http://a/", Reply(http_status, kTwo)));
+    EXPECT_THAT(TakeEffects(), ElementsAre(kReturned, kPublicFailure)) << http_status;
+  }
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", {false, 200, kTwo, {}}));
+  EXPECT_THAT(TakeEffects(), ElementsAre(kFailed, kPublicFailure));
+  EXPECT_EQ(OnlyId(), "one");
+  EXPECT_FALSE(Completed());
+}
+
+TEST_F(ExtensionStoreAsyncTest, CompletionIsNeverTakenBackByTheLibrary) {
+  ScriptTransfer(Reply(200, kOne));
+  ASSERT_TRUE(status->SynchronousStatus());
+  status->Init("http://a/", nullptr, "{}");
+  ScriptTransfer(NoReply());
+  EXPECT_FALSE(status->SynchronousStatus());
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", NoReply()));
+  status.reset();
+  EXPECT_TRUE(Completed());
+}
+
+TEST_F(ExtensionStoreAsyncTest, InitForgetsTheResponseAndDoesNothingElse) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kOne)));
+  TakeEffects();
+  status->Init("http://a/", nullptr, "{}");
+  EXPECT_THAT(status->GetItemMapFromResponse(), IsEmpty());
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+
+  Post("ExtensionStoreStatusRequestReturned");
+  EXPECT_EQ(OnlyId(), "one");
+}
+
+TEST_F(ExtensionStoreAsyncTest, NamesAreComparedByContent) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kOne)));
+  TakeEffects();
+  Post("ExtensionStoreStatusRequestReturned");
+  Post("ExtensionStoreStatusRequestFailed");
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification ExtensionStoreStatusRequestReturned, payload 0x99",
+                          kPublicSuccess,
+                          "SendNotification ExtensionStoreStatusRequestFailed, payload 0x99",
+                          kPublicFailure));
+}
+
+TEST_F(ExtensionStoreAsyncTest, OtherNamesAreIgnored) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kOne)));
+  TakeEffects();
+  for (const char* const name :
+       {"", "ExtensionStoreStatusRequest", "ExtensionStoreStatusRequestReturned2",
+        "UserInfoQueryRequestReturned", "UpdateQueryFailed", "ExtensionStoreAsyncStatusFailed"}) {
+    status->OnNotification(name, nullptr);
+    EXPECT_THAT(TakeEffects(), IsEmpty()) << name;
+  }
+}
+
+TEST_F(ExtensionStoreAsyncTest, ReturnedNameIsIgnoredWithoutATransport) {
+  Post("ExtensionStoreStatusRequestReturned");
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification ExtensionStoreStatusRequestReturned, payload 0x99"));
+  EXPECT_FALSE(Completed());
+}
+
+TEST_F(ExtensionStoreAsyncTest, FailedNamePostsExactlyOneFailureWithoutATransport) {
+  Post("ExtensionStoreStatusRequestFailed");
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification ExtensionStoreStatusRequestFailed, payload 0x99",
+                          kPublicFailure));
+}
+
+// The status that counts is the one that is given; the body is the transport's.
+TEST_F(ExtensionStoreAsyncTest, AReceivedStatusIsHandledAsGiven) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(500, kOne)));
+  TakeEffects();
+  status->OnReceivedStatusResponse(200);
+  EXPECT_THAT(TakeEffects(), ElementsAre(kPublicSuccess));
+  EXPECT_EQ(OnlyId(), "one");
+  for (const unsigned int http_status : {0U, 201U, 204U, 500U, 4294967295U}) {
+    status->OnReceivedStatusResponse(http_status);
+    EXPECT_THAT(TakeEffects(), ElementsAre(kPublicFailure)) << http_status;
+  }
+}
+
+TEST_F(ExtensionStoreAsyncTest, AReceivedSuccessWithoutATransportIsIgnored) {
+  status->OnReceivedStatusResponse(200);
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+  EXPECT_FALSE(Completed());
+}
+
+TEST_F(ExtensionStoreAsyncTest, AReceivedFailureWithoutATransportIsPosted) {
+  status->OnReceivedStatusResponse(404);
+  EXPECT_THAT(TakeEffects(), ElementsAre(kPublicFailure));
+}
+
+TEST_F(ExtensionStoreAsyncTest, MayBeDeletedInItsPublicNotification) {
+  const Outcome outcomes[] = {Reply(200, kOne), Reply(500, ""), NoReply()};
+  for (const Outcome& outcome : outcomes) {
+    auto mortal = std::make_unique<ExtensionStoreStatus>();
+    mortal->Init("http://mortal/", nullptr, "{}");
+    mortal->AsynchronousStatus();
+    const Host success("ExtensionStoreAsyncStatusSucceeded", [&] { mortal.reset(); });
+    const Host failure("ExtensionStoreAsyncStatusFailed", [&] { mortal.reset(); });
+    status->RemoveNotifications();
+    EXPECT_TRUE(EndTransfer("http://mortal/", outcome));
+    EXPECT_EQ(mortal, nullptr);
+    EXPECT_EQ(success.count() + failure.count(), 1);
+  }
+}
+
+}  // namespace
+}  // namespace stowra_substitute

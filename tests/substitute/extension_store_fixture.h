@@ -1,0 +1,67 @@
+// What the tests of ExtensionStoreStatus share.
+
+#ifndef TESTS_SUBSTITUTE_EXTENSION_STORE_FIXTURE_H_
+#define TESTS_SUBSTITUTE_EXTENSION_STORE_FIXTURE_H_
+
+#include <memory>
+#include <string>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/services/extension_store_status.h"
+#include "tests/substitute/fixture.h"
+
+namespace stowra_substitute {
+
+inline constexpr char kOne[] = R"({"extensions":[{"id":"one"}]})";
+inline constexpr char kTwo[] = R"({"extensions":[{"id":"two"}]})";
+
+inline constexpr char kReturned[] =
+    "SendNotification ExtensionStoreStatusRequestReturned, payload 0x2a";
+inline constexpr char kFailed[] =
+    "SendNotification ExtensionStoreStatusRequestFailed, payload 0x2a";
+inline constexpr char kPublicSuccess[] =
+    "SendNotification ExtensionStoreAsyncStatusSucceeded, payload null";
+inline constexpr char kPublicFailure[] =
+    "SendNotification ExtensionStoreAsyncStatusFailed, payload null";
+inline constexpr char kDelegateConstructed[] =
+    "delegate constructed: context 0x2a, 28002 ExtensionStoreStatusRequestReturned, 28003 "
+    "ExtensionStoreStatusRequestFailed";
+
+// With an object that has been given http://a/, the context 0x2a and the body {}.
+class ExtensionStoreFixture : public SubstituteTest {
+ protected:
+  using ExtensionStoreStatus = ovrant::extensionstoreapi::ExtensionStoreStatus;
+
+  ExtensionStoreFixture() : status(new ExtensionStoreStatus) {
+    status->Init("http://a/", Address(0x2a), "{}");
+    ExtensionStoreStatus::status_sync_completed_ = false;
+    TakeEffects();
+  }
+
+  void TearDown() override {
+    status.reset();
+    SubstituteTest::TearDown();
+  }
+
+  // Without the effects of the start.
+  void Start() {
+    status->AsynchronousStatus();
+    TakeEffects();
+  }
+
+  // The id of the only item in the last response; empty when there is none.
+  std::string OnlyId() {
+    const auto items = status->GetItemMapFromResponse();
+    EXPECT_LE(items.size(), 1U);
+    return items.empty() ? "" : items.begin()->first.utf8();
+  }
+
+  static bool Completed() { return ExtensionStoreStatus::status_sync_completed_; }
+
+  std::unique_ptr<ExtensionStoreStatus> status;
+};
+
+}  // namespace stowra_substitute
+
+#endif  // TESTS_SUBSTITUTE_EXTENSION_STORE_FIXTURE_H_

@@ -1,0 +1,67 @@
+// What the tests on the substitute platform share.
+
+#ifndef TESTS_SUBSTITUTE_FIXTURE_H_
+#define TESTS_SUBSTITUTE_FIXTURE_H_
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/observer.h"
+#include "tests/substitute/effects.h"
+#include "tests/substitute/transport.h"
+
+namespace stowra_substitute {
+
+// Starts without effects; at the end of a test nothing is left of what it made, and every scripted
+// transfer has happened.
+class SubstituteTest : public testing::Test {
+ protected:
+  SubstituteTest() { TakeEffects(); }
+
+  void TearDown() override {
+    SetStartsInBackground(true);
+    EXPECT_EQ(CountTransports(), 0);
+    EXPECT_EQ(CountDelegates(), 0);
+    EXPECT_EQ(CountRegistrations(), 0);
+    EXPECT_EQ(CountScripted(), 0);
+  }
+};
+
+// A context or payload: an address at which nothing may be read.
+inline void* Address(unsigned long number) { return reinterpret_cast<void*>(number); }
+
+// Posts a name as a delegate would, from a copy of it: names are compared by content.
+inline void Post(const std::string& name) {
+  CNotificationCenter::Default()->SendNotification(name.c_str(), Address(0x99));
+}
+
+// The host's side: does something whenever a public notification arrives.
+class Host : public ovrant::IObserver {
+ public:
+  Host(const char* name, std::function<void()> act) : act_(std::move(act)) {
+    CNotificationCenter::Default()->AddObserver(name, this);
+    TakeEffects();
+  }
+  ~Host() override { CNotificationCenter::Default()->RemoveObserver(this); }
+
+  void OnNotification(const char*, void*) override {
+    ++count_;
+    act_();
+  }
+  using IObserver::OnNotification;
+
+  int count() const { return count_; }
+
+ private:
+  const std::function<void()> act_;
+  int count_ = 0;
+};
+
+}  // namespace stowra_substitute
+
+#endif  // TESTS_SUBSTITUTE_FIXTURE_H_

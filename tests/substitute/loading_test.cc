@@ -1,0 +1,129 @@
+// What is loaded: the shipped library on the substitute platform, and no other platform; and what
+// it exports by name.
+
+#include <dlfcn.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/version.h"
+#include "tests/substitute/fixture.h"
+
+namespace stowra_substitute {
+namespace {
+
+// A library that is loaded already.
+class LoadedLibrary {
+ public:
+  explicit LoadedLibrary(const char* name) : handle_(dlopen(name, RTLD_LAZY | RTLD_NOLOAD)) {}
+  ~LoadedLibrary() {
+    if (handle_ != nullptr) dlclose(handle_);
+  }
+  LoadedLibrary(const LoadedLibrary&) = delete;
+  LoadedLibrary& operator=(const LoadedLibrary&) = delete;
+
+  bool is_loaded() const { return handle_ != nullptr; }
+  const void* Find(const std::string& symbol) const { return dlsym(handle_, symbol.c_str()); }
+
+ private:
+  void* const handle_;
+};
+
+// The file that an address was loaded from.
+std::string FileOf(const void* address) {
+  Dl_info info = {};
+  return dladdr(address, &info) != 0 ? info.dli_fname : "";
+}
+
+TEST(LoadingTest, TheOnlyPlatformIsTheSubstitute) {
+  const LoadedLibrary platform(STOWRA_PLATFORM_LIBRARY);
+  ASSERT_TRUE(platform.is_loaded());
+  const void* const marker = platform.Find("stowra_substitute_platform_marker");
+  ASSERT_NE(marker, nullptr);
+  const std::string substitute = FileOf(marker);
+  EXPECT_THAT(substitute, testing::HasSubstr("/substitute/platform/"));
+  for (const char* const symbol :
+       {"_ZN19CNotificationCenter7DefaultEv", "_ZN6ovrant8internet12InternetData8DownloadEv",
+        "_ZN6ovrant8internet20InternetDataDelegateD1Ev", "_ZN6ovrant5utils14ovrant_ustringC1Ev"}) {
+    const void* const first_in_process = dlsym(RTLD_DEFAULT, symbol);
+    ASSERT_NE(first_in_process, nullptr) << symbol;
+    EXPECT_EQ(FileOf(first_in_process), substitute) << symbol;
+    EXPECT_EQ(platform.Find(symbol), first_in_process) << symbol;
+  }
+}
+
+TEST(LoadingTest, TheLibraryIsTheShippedOne) {
+  const LoadedLibrary library(STOWRA_LIBRARY);
+  ASSERT_TRUE(library.is_loaded());
+  const void* const method =
+      library.Find("_ZN6ovrant11webservices21WebServiceRequestBase18SynchronousRequestEv");
+  ASSERT_NE(method, nullptr);
+  EXPECT_THAT(FileOf(method), testing::HasSubstr("libCommonStowraapi."));
+  EXPECT_THAT(FileOf(method), testing::Not(testing::HasSubstr("/substitute/")));
+}
+
+TEST(LoadingTest, MessageNumbersAreExported) {
+  const std::pair<const char*, unsigned int> messages[] = {
+      {"_ZN6ovrant11webservices13UserInfoQuery21kAsyncReturnedMessageE", 28004},
+      {"_ZN6ovrant11webservices13UserInfoQuery19kAsyncFailedMessageE", 28005},
+      {"_ZN6ovrant11webservices11UpdateQuery21kAsyncReturnedMessageE", 28006},
+      {"_ZN6ovrant11webservices11UpdateQuery19kAsyncFailedMessageE", 28007},
+      {"kExtensionStoreStatusRequestReturnedMessage", 28002},
+      {"kExtensionStoreStatusRequestFailedMessage", 28003}};
+  const LoadedLibrary library(STOWRA_LIBRARY);
+  for (const auto& [symbol, number] : messages) {
+    const auto* const exported = static_cast<const unsigned int*>(library.Find(symbol));
+    ASSERT_NE(exported, nullptr) << symbol;
+    EXPECT_EQ(*exported, number) << symbol;
+  }
+}
+
+TEST(LoadingTest, NotificationNamesAreExported) {
+  const std::string user_info = "_ZN6ovrant11webservices13UserInfoQuery";
+  const std::string update = "_ZN6ovrant11webservices11UpdateQuery";
+  const std::pair<std::string, const char*> names[] = {
+      {user_info + "27kAsynchReturnedNotificationE", "UserInfoQueryRequestReturned"},
+      {user_info + "24kAsyncFailedNotificationE", "UserInfoQueryRequestFailed"},
+      {user_info + "28kUserInfoUpdatedNotificationE", "UserInfoUpdated"},
+      {update + "27kAsynchReturnedNotificationE", "UpdateQueryReturned"},
+      {update + "24kAsyncFailedNotificationE", "UpdateQueryFailed"},
+      {update + "33kUpdateQuerySucceededNotificationE", "UpdateQueryAsyncSucceeded"},
+      {update + "30kUpdateQueryFailedNotificationE", "UpdateQueryAsyncFailed"},
+      {"kExtensionStoreStatusRequestReturnedNotification", "ExtensionStoreStatusRequestReturned"},
+      {"kExtensionStoreStatusRequestFailedNotification", "ExtensionStoreStatusRequestFailed"},
+      {"kExtensionStoreAsynchStatusSucceededNotification", "ExtensionStoreAsyncStatusSucceeded"},
+      {"kExtensionStoreAsynchStatusFailedNotification", "ExtensionStoreAsyncStatusFailed"}};
+  const LoadedLibrary library(STOWRA_LIBRARY);
+  for (const auto& [symbol, text] : names) {
+    const auto* const exported = static_cast<const char* const*>(library.Find(symbol));
+    ASSERT_NE(exported, nullptr) << symbol;
+    EXPECT_STREQ(*exported, text) << symbol;
+  }
+}
+
+TEST(LoadingTest, OtherDataIsExported) {
+  const LoadedLibrary library(STOWRA_LIBRARY);
+  const std::string user_info = "_ZN6ovrant11webservices13UserInfoQuery";
+  for (const std::string& symbol :
+       {user_info + "10kUserIdKeyE", user_info + "19kUserDisplayNameKeyE",
+        user_info + "13kUserEmailKeyE", user_info + "14kUserVkrhIdKeyE",
+        std::string("_ZN6ovrant17extensionstoreapi20ExtensionStoreStatus22status_sync_completed_E"),
+        std::string("CommonStowraapiVersionString"), std::string("CommonStowraapiVersionNumber")}) {
+    EXPECT_NE(library.Find(symbol), nullptr) << symbol;
+  }
+}
+
+// The same number stands in both.
+TEST(LoadingTest, VersionSymbolsAgree) {
+  const std::string text(reinterpret_cast<const char*>(CommonStowraapiVersionString));
+  EXPECT_EQ(text.substr(0, 4), "@(#)");
+  EXPECT_THAT(text, testing::HasSubstr("CommonStowraapi"));
+  EXPECT_THAT(text, testing::HasSubstr("common_stowraapi"));
+  const std::string number = std::to_string(static_cast<long>(CommonStowraapiVersionNumber));
+  EXPECT_THAT(text, testing::HasSubstr("-" + number));
+}
+
+}  // namespace
+}  // namespace stowra_substitute

@@ -1,0 +1,246 @@
+// WebServiceRequestBase::AsynchronousRequest, and how its end is handled.
+
+#include <memory>
+
+#include "tests/substitute/fixture.h"
+#include "tests/substitute/recording_request.h"
+
+namespace stowra_substitute {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RequestAsyncTest : public SubstituteTest {
+ protected:
+  RequestAsyncTest() : request(new RecordingRequest) {
+    request->AddNotifications();
+    request->Init("http://a/", Address(0x2a));
+    TakeEffects();
+  }
+
+  void TearDown() override {
+    request.reset();
+    SubstituteTest::TearDown();
+  }
+
+  // Without the effects of the start.
+  void Start() {
+    request->AsynchronousRequest();
+    TakeEffects();
+  }
+
+  std::unique_ptr<RecordingRequest> request;
+};
+
+TEST_F(RequestAsyncTest, ConstructsTransportThenDelegateThenStarts) {
+  request->AsynchronousRequest();
+  EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed",
+                                         "delegate constructed: context 0x2a, 7 Returned, 8 Failed",
+                                         "http://a/: DownloadWithDelegate, user data null"));
+  EXPECT_NE(request->internet_data_, nullptr);
+  EXPECT_NE(request->delegate_, nullptr);
+}
+
+TEST_F(RequestAsyncTest, ASecondRequestDropsTheFirstTransferBeforeItStarts) {
+  Start();
+  request->Init("http://b/", nullptr);
+  request->AsynchronousRequest();
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("delegate deleted", "http://a/: deleted", "http://b/: constructed",
+                          "delegate constructed: context null, 7 Returned, 8 Failed",
+                          "http://b/: DownloadWithDelegate, user data null"));
+  EXPECT_FALSE(EndTransfer("http://a/", Reply(200, "")));
+  EXPECT_TRUE(EndTransfer("http://b/", Reply(200, "b")));
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload null",
+                                         "ParseResponse 'b'", "OnAsyncResponseSuccess"));
+}
+
+TEST_F(RequestAsyncTest, ASecondRequestDropsAnEndedTransferToo) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(404, "")));
+  TakeEffects();
+  request->AsynchronousRequest();
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("delegate deleted", "http://a/: deleted", "http://a/: constructed",
+                          "delegate constructed: context 0x2a, 7 Returned, 8 Failed",
+                          "http://a/: DownloadWithDelegate, user data null"));
+}
+
+TEST_F(RequestAsyncTest, EmptyUrlDoesNothingAtAll) {
+  request->Init("", nullptr);
+  request->AsynchronousRequest();
+  EXPECT_EQ(request->internet_data_, nullptr);
+  EXPECT_EQ(request->delegate_, nullptr);
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+}
+
+TEST_F(RequestAsyncTest, EmptyUrlKeepsTheTransferBefore) {
+  Start();
+  const auto* const transport = request->internet_data_.get();
+  const auto* const delegate = request->delegate_.get();
+  request->Init("", nullptr);
+  request->AsynchronousRequest();
+  EXPECT_EQ(request->internet_data_.get(), transport);
+  EXPECT_EQ(request->delegate_.get(), delegate);
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "a")));
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload 0x2a",
+                                         "ParseResponse 'a'", "OnAsyncResponseSuccess"));
+}
+
+TEST_F(RequestAsyncTest, ATransferThatDoesNotStartIsNotLookedAt) {
+  SetStartsInBackground(false);
+  request->AsynchronousRequest();
+  EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed",
+                                         "delegate constructed: context 0x2a, 7 Returned, 8 Failed",
+                                         "http://a/: DownloadWithDelegate, user data null"));
+  EXPECT_NE(request->internet_data_, nullptr);
+  EXPECT_NE(request->delegate_, nullptr);
+}
+
+TEST_F(RequestAsyncTest, AcceptedBodySucceeds) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload 0x2a",
+                                         "ParseResponse 'body'", "OnAsyncResponseSuccess"));
+}
+
+TEST_F(RequestAsyncTest, RefusedBodyFails) {
+  Start();
+  request->accepts_body = false;
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload 0x2a",
+                                         "ParseResponse 'body'", "OnAsyncResponseFail"));
+}
+
+TEST_F(RequestAsyncTest, EmptyBodyIsParsed) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "")));
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload 0x2a",
+                                         "ParseResponse ''", "OnAsyncResponseSuccess"));
+}
+
+TEST_F(RequestAsyncTest, BodyIsUtf8OfTheGivenLength) {
+  const std::string body("\xC3\xA9\0\xF0\x9F\x98\x80!", 8);
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, body)));
+  EXPECT_THAT(TakeEffects(), testing::Contains("ParseResponse '" + body + "'"));
+}
+
+TEST_F(RequestAsyncTest, AnyStatusBut200FailsWithoutParsing) {
+  for (const int status : {-200, 0, 100, 199, 201, 202, 204, 206, 299, 302, 304, 404, 500}) {
+    Start();
+    EXPECT_TRUE(EndTransfer("http://a/", Reply(status, "body")));
+    EXPECT_THAT(TakeEffects(),
+                ElementsAre("SendNotification Returned, payload 0x2a", "OnAsyncResponseFail"))
+        << status;
+  }
+}
+
+TEST_F(RequestAsyncTest, FailedTransferFailsWhateverItsStatus) {
+  for (const int status : {0, 200}) {
+    Start();
+    EXPECT_TRUE(EndTransfer("http://a/", Outcome{false, status, "body", {}}));
+    EXPECT_THAT(TakeEffects(),
+                ElementsAre("SendNotification Failed, payload 0x2a", "OnAsyncResponseFail"))
+        << status;
+  }
+}
+
+TEST_F(RequestAsyncTest, KeepsTransportDelegateAndBodyAfterTheHook) {
+  Start();
+  request->in_hook = [this] { EXPECT_EQ(BodyOf(*request->internet_data_), "body"); };
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
+  ASSERT_NE(request->internet_data_, nullptr);
+  EXPECT_NE(request->delegate_, nullptr);
+  EXPECT_EQ(BodyOf(*request->internet_data_), "body");
+}
+
+TEST_F(RequestAsyncTest, NamesAreComparedByContent) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
+  TakeEffects();
+
+  Post("Returned");
+  Post("Failed");
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification Returned, payload 0x99", "ParseResponse 'body'",
+                          "OnAsyncResponseSuccess", "SendNotification Failed, payload 0x99",
+                          "OnAsyncResponseFail"));
+}
+
+TEST_F(RequestAsyncTest, OtherNamesAreIgnored) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
+  TakeEffects();
+  for (const char* const name :
+       {"", "returned", "Return", "Returned ", "Fail", "Failed2", "UserInfoQueryRequestReturned",
+        "UpdateQueryFailed", "ExtensionStoreStatusRequestReturned"}) {
+    request->OnNotification(name, nullptr);
+    EXPECT_THAT(TakeEffects(), IsEmpty()) << name;
+  }
+}
+
+TEST_F(RequestAsyncTest, ReturnedNameIsIgnoredWithoutATransport) {
+  Post("Returned");
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload 0x99"));
+
+  Start();
+  request->CleanUpRequest();
+  TakeEffects();
+  Post("Returned");
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification Returned, payload 0x99"));
+}
+
+TEST_F(RequestAsyncTest, FailedNameRunsTheHookWithoutATransport) {
+  Post("Failed");
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification Failed, payload 0x99", "OnAsyncResponseFail"));
+}
+
+// Both comparisons are alternatives: one notification never runs two hooks.
+TEST_F(RequestAsyncTest, OneNameForBothEndsCountsAsReturned) {
+  request->failed_notification_ = request->returned_notification_;
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(500, "")));
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification Returned, payload 0x2a", "OnAsyncResponseFail"));
+}
+
+TEST_F(RequestAsyncTest, RunsAgainAfterAFailure) {
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", NoReply()));
+  EXPECT_EQ(request->url_, "http://a/");
+  Start();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
+  EXPECT_THAT(TakeEffects(), testing::Contains("OnAsyncResponseSuccess"));
+}
+
+TEST_F(RequestAsyncTest, NoHookRunsAfterCleanUp) {
+  Start();
+  request->CleanUpRequest();
+  TakeEffects();
+  EXPECT_FALSE(EndTransfer("http://a/", Reply(200, "")));
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+}
+
+TEST_F(RequestAsyncTest, MayBeDeletedInItsLastHook) {
+  const Outcome outcomes[] = {Reply(200, "body"), Reply(500, ""), NoReply()};
+  for (const Outcome& outcome : outcomes) {
+    auto* const mortal = new RecordingRequest;
+    mortal->in_hook = [mortal] { delete mortal; };
+    mortal->AddNotifications();
+    mortal->Init("http://mortal/", nullptr);
+    mortal->AsynchronousRequest();
+    request->RemoveNotifications();
+    TakeEffects();
+    EXPECT_TRUE(EndTransfer("http://mortal/", outcome));
+    EXPECT_THAT(TakeEffects(),
+                testing::IsSupersetOf({"delegate deleted", "http://mortal/: deleted"}));
+  }
+}
+
+}  // namespace
+}  // namespace stowra_substitute

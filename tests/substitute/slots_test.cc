@@ -1,0 +1,223 @@
+// The order of the virtual functions, which is part of the binary interface: each one is called
+// through the object's table by its number, as a host does that was compiled against it. The table
+// is that of the C++ ABI of Linux and macOS.
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "common_stowraapi/services/extension_store_status.h"
+#include "common_stowraapi/services/update_query.h"
+#include "common_stowraapi/services/user_info_query.h"
+#include "tests/substitute/fixture.h"
+#include "tests/substitute/recording_request.h"
+
+#if defined(__clang__)
+#define STOWRA_ANY_FUNCTION_TYPE __attribute__((no_sanitize("function")))
+#else
+#define STOWRA_ANY_FUNCTION_TYPE
+#endif
+
+namespace stowra_substitute {
+namespace {
+
+using ovrant::Dictionary;
+using ovrant::extensionstoreapi::ExtensionStoreStatus;
+using ovrant::utils::ovrant_ustring;
+using ovrant::webservices::UpdateQuery;
+using ovrant::webservices::UserInfoQuery;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+enum Slot {
+  kDestructor,
+  kDeletingDestructor,
+  kOnNotification,
+  kOnNotificationWithDictionary,
+  kInit,
+  kParseResponse,
+  kOnSyncResponseSuccess,
+  kOnSyncResponseFail,
+  kOnAsyncResponseSuccess,
+  kOnAsyncResponseFail,
+};
+
+void* FunctionIn(const void* object, Slot slot) {
+  void* const* table;
+  std::memcpy(&table, object, sizeof(table));
+  return table[slot];
+}
+
+// A virtual function takes the object as its first argument. The type spelt here is not its own,
+// which a check of function types would report.
+template <typename Result = void, typename... Args>
+STOWRA_ANY_FUNCTION_TYPE Result CallSlot(void* object, Slot slot, Args... args) {
+  return reinterpret_cast<Result (*)(void*, Args...)>(FunctionIn(object, slot))(object, args...);
+}
+
+const Dictionary& DictionaryAt(void* address) { return *static_cast<const Dictionary*>(address); }
+
+class RecordingObserver : public ovrant::IObserver {
+ public:
+  ~RecordingObserver() override { Record("destroyed"); }
+  void OnNotification(const char* name, void* payload) override {
+    Record(std::string(name) + " " + AddressText(payload));
+  }
+  using IObserver::OnNotification;
+
+  static void* operator new(std::size_t size) { return ::operator new(size); }
+  static void operator delete(void* memory) {
+    Record("freed");
+    ::operator delete(memory);
+  }
+};
+
+class SlotsTest : public SubstituteTest {};
+
+TEST_F(SlotsTest, Observer) {
+  RecordingObserver observer;
+  CallSlot<void, const char*, void*>(&observer, kOnNotification, "name", Address(0x2a));
+  EXPECT_THAT(TakeEffects(), ElementsAre("name 0x2a"));
+
+  int payload = 0;
+  CallSlot<void, const char*, const Dictionary&>(&observer, kOnNotificationWithDictionary, "name",
+                                                 DictionaryAt(&payload));
+  EXPECT_THAT(TakeEffects(), ElementsAre("name " + AddressText(&payload)));
+}
+
+TEST_F(SlotsTest, DestructorsOfAnObserver) {
+  alignas(RecordingObserver) unsigned char place[sizeof(RecordingObserver)];
+  CallSlot(::new (place) RecordingObserver, kDestructor);
+  EXPECT_THAT(TakeEffects(), ElementsAre("destroyed"));
+  CallSlot(new RecordingObserver, kDeletingDestructor);
+  EXPECT_THAT(TakeEffects(), ElementsAre("destroyed", "freed"));
+}
+
+TEST_F(SlotsTest, HooksOfARequest) {
+  RecordingRequest request;
+  const ovrant_ustring body = "body";
+  EXPECT_TRUE((CallSlot<bool, const ovrant_ustring&>(&request, kParseResponse, body)));
+  EXPECT_THAT(TakeEffects(), ElementsAre("ParseResponse 'body'"));
+  CallSlot(&request, kOnSyncResponseSuccess);
+  EXPECT_THAT(TakeEffects(), ElementsAre("OnSyncResponseSuccess"));
+  CallSlot(&request, kOnSyncResponseFail);
+  EXPECT_THAT(TakeEffects(), ElementsAre("OnSyncResponseFail"));
+  CallSlot(&request, kOnAsyncResponseSuccess);
+  EXPECT_THAT(TakeEffects(), ElementsAre("OnAsyncResponseSuccess"));
+  CallSlot(&request, kOnAsyncResponseFail);
+  EXPECT_THAT(TakeEffects(), ElementsAre("OnAsyncResponseFail"));
+}
+
+TEST_F(SlotsTest, InitOfARequest) {
+  RecordingRequest request;
+  const ovrant_ustring url = "http://a/";
+  CallSlot<void, const ovrant_ustring&, void*>(&request, kInit, url, Address(0x2a));
+  EXPECT_EQ(request.url_, "http://a/");
+  EXPECT_EQ(request.context_, Address(0x2a));
+}
+
+TEST_F(SlotsTest, NotificationsOfARequest) {
+  RecordingRequest request;
+  CallSlot<void, const char*, void*>(&request, kOnNotification, "Failed", nullptr);
+  EXPECT_THAT(TakeEffects(), ElementsAre("OnAsyncResponseFail"));
+  int payload = 0;
+  CallSlot<void, const char*, const Dictionary&>(&request, kOnNotificationWithDictionary, "Failed",
+                                                 DictionaryAt(&payload));
+  EXPECT_THAT(TakeEffects(), ElementsAre("OnAsyncResponseFail"));
+}
+
+TEST_F(SlotsTest, TheBaseCallsTheHooksThroughItsSlots) {
+  RecordingRequest request;
+  request.Init("http://a/", nullptr);
+  ScriptTransfer(Reply(200, "body"));
+  EXPECT_TRUE(request.SynchronousRequest());
+  EXPECT_THAT(TakeEffects(),
+              testing::IsSupersetOf({"ParseResponse 'body'", "OnSyncResponseSuccess"}));
+}
+
+// Of the library's own class, as the library compiled it. Memory that is not freed, or freed twice,
+// shows under AddressSanitizer.
+template <typename Class>
+void ExpectDestructorSlots() {
+  alignas(Class) unsigned char place[sizeof(Class)];
+  auto* const in_place = ::new (place) Class;
+  TakeEffects();
+  CallSlot(in_place, kDestructor);
+  EXPECT_THAT(TakeEffects(), ElementsAre("RemoveObserver", "RemoveObserver"));
+  auto* const on_heap = new Class;
+  TakeEffects();
+  CallSlot(on_heap, kDeletingDestructor);
+  EXPECT_THAT(TakeEffects(), ElementsAre("RemoveObserver", "RemoveObserver"));
+}
+
+TEST_F(SlotsTest, UserInfoQuery) {
+  UserInfoQuery query;
+  TakeEffects();
+  const ovrant_ustring body = R"({"uid":"1","email":"e","vkr_id":"v"})";
+  EXPECT_TRUE((CallSlot<bool, const ovrant_ustring&>(&query, kParseResponse, body)));
+  EXPECT_EQ(query.GetUserInfoValue("uid"), "1");
+  CallSlot(&query, kOnSyncResponseFail);
+  CallSlot(&query, kOnAsyncResponseFail);
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+  CallSlot(&query, kOnSyncResponseSuccess);
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification UserInfoUpdated, payload null"));
+  CallSlot(&query, kOnAsyncResponseSuccess);
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification UserInfoUpdated, payload null"));
+}
+
+TEST_F(SlotsTest, UserInfoQueryDestructors) { ExpectDestructorSlots<UserInfoQuery>(); }
+
+TEST_F(SlotsTest, UpdateQuery) {
+  UpdateQuery query;
+  TakeEffects();
+  const ovrant_ustring body = R"({"update":{"current_version":"2","expire_version":"1"}})";
+  EXPECT_TRUE((CallSlot<bool, const ovrant_ustring&>(&query, kParseResponse, body)));
+  EXPECT_EQ(query.current_version_, "2");
+  for (const Slot slot : {kOnSyncResponseSuccess, kOnAsyncResponseSuccess}) {
+    CallSlot(&query, slot);
+    EXPECT_THAT(TakeEffects(),
+                ElementsAre("SendNotification UpdateQueryAsyncSucceeded, payload null"));
+  }
+  for (const Slot slot : {kOnSyncResponseFail, kOnAsyncResponseFail}) {
+    CallSlot(&query, slot);
+    EXPECT_THAT(TakeEffects(),
+                ElementsAre("SendNotification UpdateQueryAsyncFailed, payload null"));
+  }
+  CallSlot<void, const char*, void*>(&query, kOnNotification, "UpdateQueryFailed", nullptr);
+  EXPECT_THAT(TakeEffects(), ElementsAre("SendNotification UpdateQueryAsyncFailed, payload null"));
+}
+
+TEST_F(SlotsTest, UpdateQueryDestructors) { ExpectDestructorSlots<UpdateQuery>(); }
+
+TEST_F(SlotsTest, QueriesTakeInitAndOnNotificationFromTheirBase) {
+  const ovrant::webservices::WebServiceRequestBase base;
+  const UserInfoQuery user_info;
+  const UpdateQuery update;
+  for (const Slot slot : {kOnNotification, kInit}) {
+    EXPECT_EQ(FunctionIn(&user_info, slot), FunctionIn(&base, slot)) << slot;
+    EXPECT_EQ(FunctionIn(&update, slot), FunctionIn(&base, slot)) << slot;
+  }
+}
+
+TEST_F(SlotsTest, ExtensionStoreStatus) {
+  ExtensionStoreStatus status;
+  TakeEffects();
+  const char* const name = "ExtensionStoreStatusRequestFailed";
+  CallSlot<void, const char*, void*>(&status, kOnNotification, name, nullptr);
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification ExtensionStoreAsyncStatusFailed, payload null"));
+  int payload = 0;
+  CallSlot<void, const char*, const Dictionary&>(&status, kOnNotificationWithDictionary, name,
+                                                 DictionaryAt(&payload));
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("SendNotification ExtensionStoreAsyncStatusFailed, payload null"));
+}
+
+TEST_F(SlotsTest, ExtensionStoreStatusDestructors) {
+  ExpectDestructorSlots<ExtensionStoreStatus>();
+}
+
+}  // namespace
+}  // namespace stowra_substitute

@@ -1,0 +1,254 @@
+// What UpdateQuery reads from an answer, and what it keeps from the one before.
+
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/services/update_query.h"
+#include "tests/substitute/fixture.h"
+
+namespace stowra_substitute {
+namespace {
+
+using ovrant::utils::ovrant_ustring;
+using ovrant::webservices::DataFileData;
+using ovrant::webservices::UpdateQuery;
+using testing::IsEmpty;
+
+constexpr char kEarlier[] = R"({"update":{"current_version":"2","expire_version":"1"},)"
+                            R"("message":{"id":5,"max_shows":6,"width":7,"height":8,)"
+                            R"("title":"old","url":"http://old/"},)"
+                            R"("datafiles":[{"version":9,"filename":"f","url":"u"}]})";
+
+class UpdateParseTest : public testing::Test {
+ protected:
+  std::string Current() const { return query.current_version_.utf8(); }
+  std::string Expire() const { return query.expire_version_.utf8(); }
+
+  // Parses an answer that has only a message.
+  void ParseMessage(const std::string& message) {
+    EXPECT_FALSE(query.ParseResponse((R"({"message":)" + message + "}").c_str())) << message;
+  }
+
+  // The records of an answer that has only data files, such as "3|name|url".
+  std::vector<std::string> ParseDataFiles(const std::string& datafiles) {
+    EXPECT_FALSE(query.ParseResponse((R"({"datafiles":)" + datafiles + "}").c_str())) << datafiles;
+    std::vector<std::string> records;
+    for (const DataFileData& file : query.data_files_) {
+      records.push_back(std::to_string(file.version) + "|" + file.filename.utf8() + "|" +
+                        file.url.utf8());
+    }
+    return records;
+  }
+
+  void ExpectEarlierMessage() const {
+    EXPECT_EQ(query.message_.id, 5);
+    EXPECT_EQ(query.message_.max_shows, 6);
+    EXPECT_EQ(query.message_.width, 7);
+    EXPECT_EQ(query.message_.height, 8);
+    EXPECT_EQ(query.message_.title, "old");
+    EXPECT_EQ(query.message_.url, "http://old/");
+  }
+
+  UpdateQuery query;
+};
+
+TEST_F(UpdateParseTest, ReadsEveryMember) {
+  EXPECT_TRUE(query.ParseResponse(kEarlier));
+  EXPECT_EQ(Current(), "2");
+  EXPECT_EQ(Expire(), "1");
+  ExpectEarlierMessage();
+  ASSERT_EQ(query.data_files_.size(), 1U);
+  EXPECT_EQ(query.data_files_[0].version, 9);
+  EXPECT_EQ(query.data_files_[0].filename, "f");
+  EXPECT_EQ(query.data_files_[0].url, "u");
+}
+
+struct UpdateCase {
+  const char* update;
+  bool valid_when_fresh;
+  bool valid_after_earlier;  // after versions "2" and "1"
+  const char* current;       // as fresh, and then
+  const char* expire;
+  const char* current_after_earlier;
+  const char* expire_after_earlier;
+};
+
+TEST_F(UpdateParseTest, UpdateDecidesTheResult) {
+  const UpdateCase cases[] = {
+      {R"({"current_version":"a","expire_version":"b"})", true, true, "a", "b", "a", "b"},
+      {R"({"current_version":"a"})", false, false, "a", "", "a", "1"},
+      {R"({"expire_version":"b"})", false, true, "", "b", "2", "b"},
+      {R"({"current_version":"a","expire_version":7})", false, true, "a", "", "a", "1"},
+      {R"({"current_version":"a","expire_version":null})", false, true, "a", "", "a", "1"},
+      {R"({"expire_version":[]})", false, true, "", "", "2", "1"},
+      {R"({"current_version":7,"expire_version":"b"})", false, true, "", "b", "2", "b"},
+      {R"({"current_version":null,"expire_version":{}})", false, true, "", "", "2", "1"},
+      {R"({"current_version":"","expire_version":""})", false, false, "", "", "", ""},
+      {R"({"current_version":"","expire_version":"b"})", false, false, "", "b", "", "b"},
+      {R"({"current_version":"a","expire_version":""})", false, false, "a", "", "a", ""},
+      {R"({"Current_version":"a","Expire_version":"b"})", false, false, "", "", "2", "1"},
+      {R"({"expire_version":"b","current_version":"a"})", true, true, "a", "b", "a", "b"},
+      {R"({"current_version":"a","current_version":"c","expire_version":"b"})", true, true, "a",
+       "b", "a", "b"},
+      {R"({})", false, false, "", "", "2", "1"},
+      {R"([{"current_version":"a","expire_version":"b"}])", false, false, "", "", "2", "1"},
+      {R"(["current_version","expire_version"])", false, false, "", "", "2", "1"},
+      {R"("expire_version")", false, false, "", "", "2", "1"},
+      {"null", false, false, "", "", "2", "1"},
+      {"true", false, false, "", "", "2", "1"},
+      {"5", false, false, "", "", "2", "1"},
+      {R"({"current_version":"a\u0000x","expire_version":"b"})", true, true, "a", "b", "a", "b"},
+      {R"({"current_version":"\u0000x","expire_version":"b"})", false, false, "", "b", "", "b"},
+  };
+  for (const UpdateCase& one : cases) {
+    const std::string answer = std::string(R"({"update":)") + one.update + "}";
+    UpdateQuery fresh;
+    EXPECT_EQ(fresh.ParseResponse(answer.c_str()), one.valid_when_fresh) << one.update;
+    EXPECT_EQ(fresh.current_version_.utf8(), one.current) << one.update;
+    EXPECT_EQ(fresh.expire_version_.utf8(), one.expire) << one.update;
+
+    ASSERT_TRUE(query.ParseResponse(kEarlier));
+    EXPECT_EQ(query.ParseResponse(answer.c_str()), one.valid_after_earlier) << one.update;
+    EXPECT_EQ(Current(), one.current_after_earlier) << one.update;
+    EXPECT_EQ(Expire(), one.expire_after_earlier) << one.update;
+  }
+}
+
+TEST_F(UpdateParseTest, FirstOfRepeatedUpdatesCounts) {
+  EXPECT_FALSE(query.ParseResponse(R"({"update":{"current_version":"a"},)"
+                                   R"("update":{"current_version":"b","expire_version":"c"}})"));
+  EXPECT_EQ(Current(), "a");
+  EXPECT_EQ(Expire(), "");
+}
+
+TEST_F(UpdateParseTest, VersionsKeptFromEarlierDoNotCountWithoutAnUpdate) {
+  ASSERT_TRUE(query.ParseResponse(kEarlier));
+  EXPECT_FALSE(query.ParseResponse(R"({"message":{"id":1}})"));
+  EXPECT_FALSE(query.ParseResponse("{}"));
+  EXPECT_EQ(Current(), "2");
+  EXPECT_EQ(Expire(), "1");
+}
+
+TEST_F(UpdateParseTest, UnreadableBodyEmptiesDataFilesAndKeepsTheRest) {
+  for (const char* const body : {"", " ", "{", "null", "17", "\"update\"", "[]", "{} x",
+                                 R"([{"update":{"current_version":"a","expire_version":"b"}}])",
+                                 R"({"update":{"current_version":"a","expire_version":"b"})"}) {
+    ASSERT_TRUE(query.ParseResponse(kEarlier));
+    EXPECT_FALSE(query.ParseResponse(body)) << body;
+    EXPECT_THAT(query.data_files_, IsEmpty()) << body;
+    EXPECT_EQ(Current(), "2") << body;
+    EXPECT_EQ(Expire(), "1") << body;
+    ExpectEarlierMessage();
+  }
+}
+
+TEST_F(UpdateParseTest, MessageWithOnlyAnIdKeepsTheDefaults) {
+  ParseMessage(R"({"id":7})");
+  EXPECT_EQ(query.message_.id, 7);
+  EXPECT_EQ(query.message_.max_shows, 1);
+  EXPECT_EQ(query.message_.width, 430);
+  EXPECT_EQ(query.message_.height, 540);
+  EXPECT_TRUE(query.message_.title.empty());
+  EXPECT_TRUE(query.message_.url.empty());
+}
+
+TEST_F(UpdateParseTest, MessageMembersOfAnotherTypeKeepTheirValues) {
+  ASSERT_TRUE(query.ParseResponse(kEarlier));
+  for (const char* const message :
+       {R"({"id":"1","max_shows":"2","width":"3","height":"4","title":5,"url":6})",
+        R"({"id":true,"max_shows":null,"width":[1],"height":{},"title":null,"url":["u"]})",
+        R"({"ID":1,"Title":"new"})", "{}", "[]", R"([{"id":1}])", R"("id")", "null", "7"}) {
+    ParseMessage(message);
+    ExpectEarlierMessage();
+  }
+}
+
+TEST_F(UpdateParseTest, MessageStaysWhenALaterAnswerHasNone) {
+  ASSERT_TRUE(query.ParseResponse(kEarlier));
+  ASSERT_TRUE(query.ParseResponse(R"({"update":{"current_version":"3","expire_version":"2"}})"));
+  ExpectEarlierMessage();
+}
+
+TEST_F(UpdateParseTest, MessageNeverAffectsTheResult) {
+  EXPECT_TRUE(query.ParseResponse(
+      R"({"message":17,"update":{"current_version":"a","expire_version":"b"},"datafiles":17})"));
+}
+
+TEST_F(UpdateParseTest, EachMessageMemberIsReadAlone) {
+  ParseMessage(R"({"max_shows":21})");
+  EXPECT_EQ(query.message_.max_shows, 21);
+  ParseMessage(R"({"width":22})");
+  EXPECT_EQ(query.message_.width, 22);
+  ParseMessage(R"({"height":23})");
+  EXPECT_EQ(query.message_.height, 23);
+  ParseMessage(R"({"title":"\u00e9"})");
+  EXPECT_EQ(query.message_.title, "\xC3\xA9");
+  ParseMessage(R"({"url":"u"})");
+  EXPECT_EQ(query.message_.url, "u");
+  EXPECT_EQ(query.message_.id, -1);
+  EXPECT_EQ(query.message_.max_shows, 21);
+}
+
+TEST_F(UpdateParseTest, NumbersAreReadAs32Bits) {
+  const struct {
+    const char* number;
+    int value;
+  } cases[] = {{"0", 0},
+               {"-7", -7},
+               {"2147483647", 2147483647},
+               {"-2147483648", -2147483647 - 1},
+               {"4294967295", -1},
+               {"4294967297", 1},
+               {"7.9", 7},
+               {"-7.9", -7},
+               {"1e3", 1000},
+               {"1e300", 0}};
+  for (const auto& one : cases) {
+    ParseMessage(std::string(R"({"id":)") + one.number + "}");
+    EXPECT_EQ(query.message_.id, one.value) << one.number;
+  }
+}
+
+TEST_F(UpdateParseTest, DataFilesKeepTheOrderOfTheAnswer) {
+  EXPECT_THAT(ParseDataFiles(R"([{"version":2,"filename":"b","url":"v"},)"
+                             R"({"version":1,"filename":"a","url":"u"}])"),
+              testing::ElementsAre("2|b|v", "1|a|u"));
+}
+
+TEST_F(UpdateParseTest, DataFilesThatAreNoObjectsAreSkipped) {
+  EXPECT_THAT(ParseDataFiles(R"([{"version":1},"x",{"version":2},null,3,[{"version":4}],true])"),
+              testing::ElementsAre("1||", "2||"));
+}
+
+TEST_F(UpdateParseTest, MissingOrMistypedMembersOfADataFileHaveTheDefaults) {
+  EXPECT_THAT(
+      ParseDataFiles(R"([{},{"version":"1","filename":2,"url":null},{"filename":"f"},{"url":"u"},)"
+                     R"({"Version":1,"version":-3.7}])"),
+      testing::ElementsAre("-1||", "-1||", "-1|f|", "-1||u", "-3||"));
+}
+
+TEST_F(UpdateParseTest, DataFilesThatAreNoArrayAddNothing) {
+  for (const char* const datafiles : {"[]", "{}", R"({"version":1})", R"("x")", "null", "3"}) {
+    ASSERT_TRUE(query.ParseResponse(kEarlier));
+    EXPECT_THAT(ParseDataFiles(datafiles), IsEmpty()) << datafiles;
+  }
+}
+
+TEST_F(UpdateParseTest, DataFilesReplaceTheEarlierOnes) {
+  ASSERT_TRUE(query.ParseResponse(kEarlier));
+  ASSERT_TRUE(query.ParseResponse(kEarlier));
+  EXPECT_EQ(query.data_files_.size(), 1U);
+  EXPECT_THAT(ParseDataFiles(R"([{"version":3}])"), testing::ElementsAre("3||"));
+  EXPECT_FALSE(query.ParseResponse("{}"));
+  EXPECT_THAT(query.data_files_, IsEmpty());
+}
+
+TEST_F(UpdateParseTest, TheBodyEndsAtANul) {
+  const std::string body = kEarlier + std::string("\0]", 2);
+  EXPECT_TRUE(query.ParseResponse(ovrant_ustring(body.data(), body.size())));
+}
+
+}  // namespace
+}  // namespace stowra_substitute

@@ -1,0 +1,134 @@
+// The text operations that the library calls, unit by unit.
+
+#include "common_stowraapi/platform/ustring.h"
+
+#include <cstring>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+#include "tests/substitute/transport_watch.h"
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+
+bool IsSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
+
+// Whether `byte` may be the second one after `lead`: not an overlong form, a surrogate, or a value
+// beyond U+10FFFF.
+bool CanFollow(unsigned char lead, unsigned char byte) {
+  if (lead == 0xE0) return byte >= 0xA0 && byte <= 0xBF;
+  if (lead == 0xED) return byte >= 0x80 && byte <= 0x9F;
+  if (lead == 0xF0) return byte >= 0x90 && byte <= 0xBF;
+  if (lead == 0xF4) return byte >= 0x80 && byte <= 0x8F;
+  return IsContinuation(byte);
+}
+
+// Takes one character, or one maximal ill-formed part, from the front of `bytes`.
+char32_t TakeUtf8(const unsigned char*& bytes, const unsigned char* end) {
+  const unsigned char lead = *bytes++;
+  if (lead < 0x80) return lead;
+  int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+  if (lead < 0xC2 || lead > 0xF4) return kReplacement;
+  char32_t value = lead & (0x3F >> more);
+  for (bool second = true; more > 0; --more, second = false) {
+    if (bytes == end || !(second ? CanFollow(lead, *bytes) : IsContinuation(*bytes))) {
+      return kReplacement;
+    }
+    value = value << 6 | (*bytes++ & 0x3F);
+  }
+  return value;
+}
+
+void AppendUtf16(std::u16string& units, char32_t c) {
+  if (c < 0x10000) {
+    units += static_cast<char16_t>(c);
+  } else {
+    units += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+    units += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+  }
+}
+
+std::u16string FromUtf8(const char* utf8, unsigned long length) {
+  std::u16string units;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(utf8);
+  const unsigned char* const end = bytes + length;
+  while (bytes != end) AppendUtf16(units, TakeUtf8(bytes, end));
+  return units;
+}
+
+std::u16string FromUtf8(const char* utf8) {
+  return utf8 == nullptr ? std::u16string() : FromUtf8(utf8, std::strlen(utf8));
+}
+
+void AppendUtf8(std::string& bytes, char32_t c) {
+  const int more = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+  constexpr unsigned char kLeads[] = {0x00, 0xC0, 0xE0, 0xF0};
+  bytes += static_cast<char>(kLeads[more] | (c >> (6 * more)));
+  for (int left = more - 1; left >= 0; --left) {
+    bytes += static_cast<char>(0x80 | ((c >> (6 * left)) & 0x3F));
+  }
+}
+
+}  // namespace
+
+namespace ovrant::utils {
+
+ovrant_ustring::ovrant_ustring() { stowra_substitute::WatchEmptyString(this); }
+ovrant_ustring::ovrant_ustring(const char* utf8) : units_(FromUtf8(utf8)) {}
+ovrant_ustring::ovrant_ustring(const char* utf8, unsigned long length)
+    : units_(utf8 == nullptr ? std::u16string() : FromUtf8(utf8, length)) {}
+ovrant_ustring::ovrant_ustring(const ovrant_ustring& other) = default;
+ovrant_ustring::~ovrant_ustring() = default;
+ovrant_ustring& ovrant_ustring::operator=(const ovrant_ustring& other) = default;
+
+ovrant_ustring& ovrant_ustring::operator=(const char* utf8) { return assign_utf8(utf8); }
+
+ovrant_ustring& ovrant_ustring::assign_utf8(const char* utf8) {
+  units_ = FromUtf8(utf8);
+  return *this;
+}
+
+std::string ovrant_ustring::utf8() const {
+  std::string bytes;
+  for (std::size_t i = 0; i < units_.size(); ++i) {
+    char32_t c = units_[i];
+    const bool starts_pair = c >= 0xD800 && c <= 0xDBFF && i + 1 < units_.size() &&
+                             units_[i + 1] >= 0xDC00 && units_[i + 1] <= 0xDFFF;
+    if (starts_pair) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (units_[++i] - 0xDC00U);
+    } else if (IsSurrogate(c)) {
+      c = kReplacement;
+    }
+    AppendUtf8(bytes, c);
+  }
+  return bytes;
+}
+
+bool ovrant_ustring::empty() const { return units_.empty(); }
+unsigned long ovrant_ustring::length() const { return units_.size(); }
+void ovrant_ustring::clear() { units_.clear(); }
+
+ovrant_ustring& ovrant_ustring::operator+=(const ovrant_ustring& other) {
+  units_ += other.units_;
+  return *this;
+}
+
+char16_t ovrant_ustring::at(unsigned long index) const { return units_[index]; }
+
+int ovrant_ustring::compare(const ovrant_ustring& other) const {
+  return units_.compare(other.units_);
+}
+
+float ovrant_ustring::to_float() const {
+  std::istringstream text(utf8());
+  text.imbue(std::locale::classic());
+  float value = 0;
+  if (!(text >> value) || !(text >> std::ws).eof()) return 0;
+  return value;
+}
+
+}  // namespace ovrant::utils

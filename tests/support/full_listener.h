@@ -1,0 +1,29 @@
+// A port that is open, and at which nobody gets in.
+
+#ifndef TESTS_SUPPORT_FULL_LISTENER_H_
+#define TESTS_SUPPORT_FULL_LISTENER_H_
+
+#include <string>
+#include <vector>
+
+namespace stowra_test {
+
+// Listens on 127.0.0.1, accepts nothing and has filled its own queue: who connects waits.
+class FullListener {
+ public:
+  FullListener();
+  ~FullListener();
+
+  FullListener(const FullListener&) = delete;
+  FullListener& operator=(const FullListener&) = delete;
+
+  std::string Url() const;
+
+ private:
+  int port_ = 0;
+  std::vector<int> sockets_;
+};
+
+}  // namespace stowra_test
+
+#endif  // TESTS_SUPPORT_FULL_LISTENER_H_
