@@ -19,7 +19,7 @@ show() {
   "$stowra" "$@" --verbose
 }
 
-body='{"extensions":[{"id":"ext-solar-shadow","version":"1.0"},{"id":"ext-stair-maker","version":"9.0"}]}'
+body='{"extensions":[{"id":"roof-tools","version":"1.0"},{"id":"stair-maker","version":"9.0"}]}'
 for mode in "" --async; do
   show user-info "$url/user-info" $mode
   show update "$url/update" $mode

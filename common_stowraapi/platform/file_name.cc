@@ -20,7 +20,7 @@ ovrant_ustring GetFileName(const ovrant_ustring& path, bool with_extension) {
   if (with_extension) return name;
   const std::vector<ovrant_ustring> parts = name.TokenizeToVector(".");
   const bool begins_with_last_dot = parts.size() == 2 && parts.front().empty();
-  if (parts.size() == 1 || begins_with_last_dot) return name;
+  if (begins_with_last_dot) return name;
   ovrant_ustring stem = parts.front();
   for (std::size_t i = 1; i + 1 < parts.size(); ++i) {
     stem += ".";

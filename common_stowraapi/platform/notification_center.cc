@@ -7,7 +7,8 @@ CNotificationCenter* CNotificationCenter::Default() {
   return center;
 }
 
-CNotificationCenter::CNotificationCenter() : registry_(std::make_unique<Registry>()) {}
+CNotificationCenter::CNotificationCenter()
+    : registry_(std::make_unique<ovrant::NotificationRegistry>()) {}
 CNotificationCenter::~CNotificationCenter() = default;
 
 void CNotificationCenter::AddObserver(const char* name, ovrant::IObserver* observer) {

@@ -8,6 +8,10 @@
 #include "common_stowraapi/export.h"
 #include "common_stowraapi/platform/observer.h"
 
+namespace ovrant {
+class NotificationRegistry;
+}  // namespace ovrant
+
 // Maps names, matched by content, to observers, which it does not own. Safe from any thread, and
 // from inside OnNotification; holds no lock while it calls an observer.
 class STOWRA_EXPORT CNotificationCenter {
@@ -35,12 +39,10 @@ class STOWRA_EXPORT CNotificationCenter {
   void SendNotification(const char* name, void* payload);
 
  private:
-  class Registry;
-
   CNotificationCenter();
   ~CNotificationCenter();
 
-  const std::unique_ptr<Registry> registry_;
+  const std::unique_ptr<ovrant::NotificationRegistry> registry_;
 };
 
 #endif  // COMMON_STOWRAAPI_PLATFORM_NOTIFICATION_CENTER_H_

@@ -4,6 +4,8 @@
 
 #include "common_stowraapi/platform/delivery_scope.h"
 
+namespace ovrant {
+
 namespace {
 
 // Undoes its work at the end of the scope, whichever way it is left.
@@ -22,7 +24,7 @@ class AtExit {
 
 }  // namespace
 
-void CNotificationCenter::Registry::Add(const char* name, ovrant::IObserver* observer) {
+void NotificationRegistry::Add(const char* name, IObserver* observer) {
   const std::lock_guard<std::mutex> lock(mutex_);
   auto found = topics_.find(name);
   if (found == topics_.end()) {
@@ -46,27 +48,27 @@ void CNotificationCenter::Registry::Add(const char* name, ovrant::IObserver* obs
   }
 }
 
-void CNotificationCenter::Registry::Remove(ovrant::IObserver* observer) {
+void NotificationRegistry::Remove(IObserver* observer) {
   std::unique_lock<std::mutex> lock(mutex_);
   const auto found = topics_of_.find(observer);
   if (found != topics_of_.end()) {
     for (Topic* topic : found->second) RemoveFromTopic(*topic, observer);
     topics_of_.erase(found);
   }
-  if (ovrant::DeliveryScope::IsInside() || !IsBeingCalled(observer)) return;
+  if (DeliveryScope::IsInside() || !IsBeingCalled(observer)) return;
   ++waiting_removals_;
   call_ended_.wait(lock, [this, observer] { return !IsBeingCalled(observer); });
   --waiting_removals_;
 }
 
-void CNotificationCenter::Registry::Send(const char* name, void* payload) {
+void NotificationRegistry::Send(const char* name, void* payload) {
   std::unique_lock<std::mutex> lock(mutex_);
   const auto found = topics_.find(name);
   if (found != topics_.end()) Deliver(*found->second, name, payload, lock);
 }
 
-void CNotificationCenter::Registry::Deliver(Topic& topic, const char* name, void* payload,
-                                            std::unique_lock<std::mutex>& lock) {
+void NotificationRegistry::Deliver(Topic& topic, const char* name, void* payload,
+                                   std::unique_lock<std::mutex>& lock) {
   // Those added from now on stand behind this end.
   const std::size_t end = topic.observers.size();
   ++topic.deliveries;
@@ -76,9 +78,8 @@ void CNotificationCenter::Registry::Deliver(Topic& topic, const char* name, void
   }
 }
 
-void CNotificationCenter::Registry::CallObserver(ovrant::IObserver* observer, const char* name,
-                                                 void* payload,
-                                                 std::unique_lock<std::mutex>& lock) {
+void NotificationRegistry::CallObserver(IObserver* observer, const char* name, void* payload,
+                                        std::unique_lock<std::mutex>& lock) {
   Call call = {observer, calls_};
   calls_ = &call;
   const AtExit end_call([this, &call, &lock] {
@@ -86,11 +87,11 @@ void CNotificationCenter::Registry::CallObserver(ovrant::IObserver* observer, co
     EndCall(call);
   });
   lock.unlock();
-  const ovrant::DeliveryScope scope;
+  const DeliveryScope scope;
   observer->OnNotification(name, payload);
 }
 
-void CNotificationCenter::Registry::EndDelivery(Topic& topic) {
+void NotificationRegistry::EndDelivery(Topic& topic) {
   if (--topic.deliveries > 0 || !topic.has_gaps) return;
   topic.observers.erase(std::remove(topic.observers.begin(), topic.observers.end(), nullptr),
                         topic.observers.end());
@@ -98,14 +99,14 @@ void CNotificationCenter::Registry::EndDelivery(Topic& topic) {
   DropIfUnused(topic);
 }
 
-void CNotificationCenter::Registry::EndCall(Call& call) {
+void NotificationRegistry::EndCall(Call& call) {
   Call** link = &calls_;
   while (*link != &call) link = &(*link)->next;
   *link = call.next;
   if (waiting_removals_ > 0) call_ended_.notify_all();
 }
 
-void CNotificationCenter::Registry::RemoveFromTopic(Topic& topic, ovrant::IObserver* observer) {
+void NotificationRegistry::RemoveFromTopic(Topic& topic, IObserver* observer) {
   const auto position = std::find(topic.observers.begin(), topic.observers.end(), observer);
   if (topic.deliveries > 0) {
     *position = nullptr;
@@ -116,14 +117,16 @@ void CNotificationCenter::Registry::RemoveFromTopic(Topic& topic, ovrant::IObser
   }
 }
 
-void CNotificationCenter::Registry::DropIfUnused(Topic& topic) {
+void NotificationRegistry::DropIfUnused(Topic& topic) {
   if (!topic.observers.empty() || topic.deliveries > 0) return;
   topics_.erase(topics_.find(topic.name));
 }
 
-bool CNotificationCenter::Registry::IsBeingCalled(const ovrant::IObserver* observer) const {
+bool NotificationRegistry::IsBeingCalled(const IObserver* observer) const {
   for (const Call* call = calls_; call != nullptr; call = call->next) {
     if (call->observer == observer) return true;
   }
   return false;
 }
+
+}  // namespace ovrant

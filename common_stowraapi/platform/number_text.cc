@@ -97,7 +97,6 @@ float NearestFloat(const std::string& decimal) {
 
 int ReadInt(std::u16string_view text) {
   const bool negative = TrimAndTakeSign(text);
-  if (text.empty()) return 0;
   const std::int64_t limit = std::int64_t{std::numeric_limits<int>::max()} + (negative ? 1 : 0);
   std::int64_t value = 0;
   for (const char16_t unit : text) {

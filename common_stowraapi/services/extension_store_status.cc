@@ -69,6 +69,13 @@ ExtensionStoreItem ReadItem(const Value& element) {
 
 }  // namespace
 
+ExtensionStoreItem::ExtensionStoreItem() = default;
+ExtensionStoreItem::ExtensionStoreItem(const ExtensionStoreItem& other) = default;
+ExtensionStoreItem::ExtensionStoreItem(ExtensionStoreItem&& other) noexcept = default;
+ExtensionStoreItem& ExtensionStoreItem::operator=(const ExtensionStoreItem& other) = default;
+ExtensionStoreItem& ExtensionStoreItem::operator=(ExtensionStoreItem&& other) noexcept = default;
+ExtensionStoreItem::~ExtensionStoreItem() = default;
+
 ExtensionStoreStatus::ExtensionStoreStatus() { AddNotifications(); }
 
 ExtensionStoreStatus::~ExtensionStoreStatus() {

@@ -30,6 +30,13 @@ namespace ovrant::extensionstoreapi {
 
 // What the store says of one extension.
 struct STOWRA_EXPORT ExtensionStoreItem {
+  ExtensionStoreItem();
+  ExtensionStoreItem(const ExtensionStoreItem& other);
+  ExtensionStoreItem(ExtensionStoreItem&& other) noexcept;
+  ExtensionStoreItem& operator=(const ExtensionStoreItem& other);
+  ExtensionStoreItem& operator=(ExtensionStoreItem&& other) noexcept;
+  ~ExtensionStoreItem();
+
   ovrant::utils::ovrant_ustring id;
   ovrant::utils::ovrant_ustring version_uuid;
   float version = 0.0F;  // the newest

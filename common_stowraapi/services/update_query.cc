@@ -46,6 +46,20 @@ void AppendDataFiles(const Value& files, std::vector<DataFileData>& result) {
 
 }  // namespace
 
+MessageData::MessageData() = default;
+MessageData::MessageData(const MessageData& other) = default;
+MessageData::MessageData(MessageData&& other) noexcept = default;
+MessageData& MessageData::operator=(const MessageData& other) = default;
+MessageData& MessageData::operator=(MessageData&& other) noexcept = default;
+MessageData::~MessageData() = default;
+
+DataFileData::DataFileData() = default;
+DataFileData::DataFileData(const DataFileData& other) = default;
+DataFileData::DataFileData(DataFileData&& other) noexcept = default;
+DataFileData& DataFileData::operator=(const DataFileData& other) = default;
+DataFileData& DataFileData::operator=(DataFileData&& other) noexcept = default;
+DataFileData::~DataFileData() = default;
+
 UpdateQuery::UpdateQuery() {
   returned_notification_ = kAsynchReturnedNotification;
   returned_message_ = kAsyncReturnedMessage;

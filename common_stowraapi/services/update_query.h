@@ -13,6 +13,13 @@ namespace ovrant::webservices {
 
 // A message to show to the user.
 struct STOWRA_EXPORT MessageData {
+  MessageData();
+  MessageData(const MessageData& other);
+  MessageData(MessageData&& other) noexcept;
+  MessageData& operator=(const MessageData& other);
+  MessageData& operator=(MessageData&& other) noexcept;
+  ~MessageData();
+
   int id = -1;        // -1: no message
   int max_shows = 1;  // how often it may be shown
   int width = 430;    // of the area that shows it
@@ -23,6 +30,13 @@ struct STOWRA_EXPORT MessageData {
 
 // A data file to fetch.
 struct STOWRA_EXPORT DataFileData {
+  DataFileData();
+  DataFileData(const DataFileData& other);
+  DataFileData(DataFileData&& other) noexcept;
+  DataFileData& operator=(const DataFileData& other);
+  DataFileData& operator=(DataFileData&& other) noexcept;
+  ~DataFileData();
+
   int version = -1;
   ovrant::utils::ovrant_ustring filename;  // local name
   ovrant::utils::ovrant_ustring url;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -82,6 +83,18 @@ TEST(UrlTest, DecodesTheValue) {
   EXPECT_EQ(ValueOf("http://h/?a=%C3%A9%e2%82%ac%F0%9F%98%80", "a"),
             ovrant_ustring("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
   EXPECT_EQ(ValueOf("http://h/?a=%00b", "a"), ovrant_ustring("\0b", 2));
+}
+
+TEST(UrlTest, DecodesEveryByteInEitherCase) {
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    const std::string bytes(1, static_cast<char>(byte));
+    char small[8];
+    char capital[8];
+    std::snprintf(small, sizeof(small), "?a=%%%02x", byte);
+    std::snprintf(capital, sizeof(capital), "?a=%%%02X", byte);
+    EXPECT_EQ(ValueOf(small, "a"), ovrant_ustring(bytes.data(), 1)) << small;
+    EXPECT_EQ(ValueOf(capital, "a"), ovrant_ustring(bytes.data(), 1)) << capital;
+  }
 }
 
 TEST(UrlTest, DecodesTextThatIsNotEncodedTogetherWithTextThatIs) {

@@ -147,7 +147,8 @@ TEST(UStringFormatTest, TakesEveryKindOfText) {
   EXPECT_EQ(UnitsOf(Formatted("%s|%s|%s", "a\xC3\xA9", wide, string)),
             u"a\u00E9|\u20AC\U0001F600|\u00E9");
   EXPECT_EQ(UnitsOf(Formatted("%ls|%hs", wide, "a")), u"\u20AC\U0001F600|a");
-  EXPECT_EQ(UnitsOf(Formatted("%s", "\xFF")), u"\uFFFD");
+  EXPECT_EQ(UnitsOf(Formatted("%s|%s|%.9s", "\xFF", "a\xE2\x82", "a\xE2\x82")),
+            u"\uFFFD|a\uFFFD|a\uFFFD");
   const ovrant_ustring nul("a\0b", 3);
   EXPECT_EQ(Formatted("<%s>", nul).length(), 5u);
 }
@@ -241,7 +242,7 @@ TEST(UStringFormatTest, WritesCharactersByCodeUnitOrCodePoint) {
   EXPECT_EQ(UnitsOf(Formatted("%c%c", char16_t{0xD83D}, char16_t{0xDE00})), u"\U0001F600");
   EXPECT_EQ(UnitsOf(Formatted("%c", 0)), std::u16string(1, u'\0'));
   EXPECT_EQ(UnitsOf(Formatted("%c%c%c", -1, 0x110000, ULLONG_MAX)), u"\uFFFD\uFFFD\uFFFD");
-  EXPECT_EQ(UnitsOf(Formatted("%c", '\xE9')), u"\uFFFD");
+  EXPECT_EQ(UnitsOf(Formatted("%c%c", '\xE9', static_cast<unsigned char>(0xE9))), u"\uFFFD\uFFFD");
 }
 
 TEST(UStringFormatTest, WritesPointers) {

@@ -91,9 +91,10 @@ TEST(UStringNumberTest, FloatsThatDoNotFitAreZero) {
 }
 
 TEST(UStringNumberTest, TextsThatAreNoFloatAreZero) {
-  for (const char* text : {"",    " ",   "-",     "+",        ".",   "-.",  "e5",    ".e5",
-                           "1e",  "1e+", "1.2.3", "1 .5",     "- 1", "+-1", "0x1p3", "0x8",
-                           "inf", "INF", "nan",   "infinity", "1,5", "1f",  "12abc"}) {
+  for (const char* text :
+       {"",    " ",        "-",    "+",    ".",     "-.",    "e5",  ".e5",  "1e",
+        "1e+", "1.2.3",    "1 .5", "- 1",  "+-1",   "0x1p3", "0x8", "inf",  "INF",
+        "nan", "infinity", "1,5",  "1e5x", "1e5 5", "1e5.0", "1f",  "12abc"}) {
     EXPECT_EQ(ovrant_ustring(text).to_float(), 0.0f) << text;
   }
   EXPECT_EQ(ovrant_ustring("1\0", 2).to_float(), 0.0f);

@@ -10,7 +10,9 @@
 using stowra_substitute::AddressText;
 using stowra_substitute::Record;
 
-class CNotificationCenter::Registry {
+namespace ovrant {
+
+class NotificationRegistry {
  public:
   using Entry = std::pair<std::string, ovrant::IObserver*>;
 
@@ -21,13 +23,17 @@ class CNotificationCenter::Registry {
   std::vector<Entry> entries;
 };
 
+}  // namespace ovrant
+
+using ovrant::NotificationRegistry;
+
 namespace {
 
 int registrations = 0;
 
 }  // namespace
 
-CNotificationCenter::CNotificationCenter() : registry_(new Registry) {}
+CNotificationCenter::CNotificationCenter() : registry_(new NotificationRegistry) {}
 CNotificationCenter::~CNotificationCenter() = default;
 
 CNotificationCenter* CNotificationCenter::Default() {
@@ -37,7 +43,7 @@ CNotificationCenter* CNotificationCenter::Default() {
 
 void CNotificationCenter::AddObserver(const char* name, ovrant::IObserver* observer) {
   Record(std::string("AddObserver ") + name);
-  const Registry::Entry entry(name, observer);
+  const NotificationRegistry::Entry entry(name, observer);
   if (!registry_->Has(entry)) registry_->entries.push_back(entry);
   registrations = static_cast<int>(registry_->entries.size());
 }
@@ -45,18 +51,19 @@ void CNotificationCenter::AddObserver(const char* name, ovrant::IObserver* obser
 void CNotificationCenter::RemoveObserver(ovrant::IObserver* observer) {
   Record("RemoveObserver");
   auto& entries = registry_->entries;
-  entries.erase(
-      std::remove_if(entries.begin(), entries.end(),
-                     [observer](const Registry::Entry& entry) { return entry.second == observer; }),
-      entries.end());
+  entries.erase(std::remove_if(entries.begin(), entries.end(),
+                               [observer](const NotificationRegistry::Entry& entry) {
+                                 return entry.second == observer;
+                               }),
+                entries.end());
   registrations = static_cast<int>(entries.size());
 }
 
 // An observer that is removed during the delivery, and so may be gone, is not called.
 void CNotificationCenter::SendNotification(const char* name, void* payload) {
   Record(std::string("SendNotification ") + name + ", payload " + AddressText(payload));
-  const std::vector<Registry::Entry> at_start = registry_->entries;
-  for (const Registry::Entry& entry : at_start) {
+  const std::vector<NotificationRegistry::Entry> at_start = registry_->entries;
+  for (const NotificationRegistry::Entry& entry : at_start) {
     if (entry.first == name && registry_->Has(entry)) entry.second->OnNotification(name, payload);
   }
 }

@@ -26,7 +26,6 @@ using Microseconds = std::chrono::microseconds;
 constexpr std::size_t kTransfers = 10'000;
 constexpr std::size_t kThreads = 4;
 constexpr std::size_t kLiveInEachThread = 40;
-constexpr std::size_t kLongestPause = 500;  // microseconds
 constexpr unsigned int kSeed = 20240229;
 
 // What becomes of a transfer.
@@ -45,8 +44,9 @@ const char* NameOf(const char* what, std::size_t index) {
 // all is over, so that it sees what comes too late.
 class Watched final : public ovrant::IObserver {
  public:
-  Watched(std::size_t index, Fate fate, const std::string& url)
+  Watched(std::size_t index, Fate fate, bool is_stalled, const std::string& url)
       : fate_(fate),
+        is_stalled_(is_stalled),
         returned_(NameOf("SoakReturned", index)),
         failed_(NameOf("SoakFailed", index)),
         delegate_(MakeDelegate(this, returned_, failed_)),
@@ -73,6 +73,7 @@ class Watched final : public ovrant::IObserver {
   }
 
   Fate fate() const { return fate_; }
+  bool is_stalled() const { return is_stalled_; }
 
   bool Start() { return transport_->DownloadWithDelegate(delegate_.get(), nullptr); }
 
@@ -110,6 +111,7 @@ class Watched final : public ovrant::IObserver {
   }
 
   const Fate fate_;
+  const bool is_stalled_;
   const char* const returned_;
   const char* const failed_;
   std::unique_ptr<InternetDataDelegate> delegate_;
@@ -155,16 +157,19 @@ class Share {
     // Only few that are kept may be stalled: each holds its place until it times out.
     const bool stalled = Draw(fate == Fate::kDeletedFromOutside ? 3 : 50) == 0;
     const char* target = stalled ? "/stall" : Draw(10) == 0 ? "/cut" : "/now";
-    all_.push_back(std::make_unique<Watched>(first_ + all_.size(), fate, server_.Url(target)));
+    all_.push_back(
+        std::make_unique<Watched>(first_ + all_.size(), fate, stalled, server_.Url(target)));
     if (fate == Fate::kDeletedFromOutside) live_.push_back(all_.back().get());
     EXPECT_TRUE(all_.back()->Start());
   }
 
   void DeleteOne() {
     if (live_.empty()) return;
-    // The moment is random, too: from before the connection is made to after the post.
-    std::this_thread::sleep_for(Microseconds(Draw(kLongestPause)));
     std::swap(live_[Draw(live_.size())], live_.back());
+    // Some go in the very moment of their post, which keeps the others' moments random: everywhere
+    // between the start and long after the post.
+    const bool waits = !live_.back()->is_stalled() && Draw(3) == 0;
+    EXPECT_TRUE(!waits || live_.back()->WaitForPost());
     live_.back()->Delete(Draw(2) == 0, durations_);
     live_.pop_back();
   }

@@ -24,6 +24,10 @@
 #include "common_stowraapi/platform/observer.h"
 #include "tests/platform/transport/exit_child.h"
 
+// Read by the thread sanitizer, which by itself waits a second at a process's exit.
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
+const char* __tsan_default_options() { return "atexit_sleep_ms=0"; }
+
 namespace stowra_test {
 namespace {
 

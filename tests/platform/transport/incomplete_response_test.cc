@@ -94,6 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"TwoLengths", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nContent-Length: 3\r\n\r\nhello",
              200},
         Case{"NegativeLength", "HTTP/1.1 200 OK\r\nContent-Length: -5\r\n\r\nhello", 200},
+        Case{"LengthNoNumber", "HTTP/1.1 200 OK\r\nContent-Length: five\r\n\r\nhello", 200},
+        Case{"TwoLengthsInAList", "HTTP/1.1 200 OK\r\nContent-Length: 5, 3\r\n\r\nhello", 200},
         Case{"LengthBeyondTheBody",
              "HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775807\r\n\r\nhello", 200},
         Case{"LengthBeyondAllNumbers",
@@ -108,11 +110,13 @@ INSTANTIATE_TEST_SUITE_P(
 class OddResponseTest : public TransportTest {};
 
 TEST_F(OddResponseTest, SameLengthTwiceIsNoContradiction) {
-  const RawServer server(
-      Always("HTTP/1.1 200 OK\r\nContent-Length: 5\r\nContent-Length: 5\r\n\r\nhello"));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "hello");
+  for (const char* lengths :
+       {"Content-Length: 5\r\nContent-Length: 5\r\n", "Content-Length: 5, 5\r\n"}) {
+    const RawServer server(Always(std::string("HTTP/1.1 200 OK\r\n") + lengths + "\r\nhello"));
+    InternetData transport(Text(server.Url()));
+    EXPECT_TRUE(transport.Download()) << lengths;
+    EXPECT_EQ(BodyOf(transport), "hello");
+  }
 }
 
 TEST_F(OddResponseTest, EndlessHeadersAreRefused) {

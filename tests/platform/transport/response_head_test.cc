@@ -155,13 +155,20 @@ TEST_F(ResponseHeadTest, RefusesTwoLengths) {
   EXPECT_NE(Add({"Content-Length: 6"}), "");
 }
 
-TEST_F(ResponseHeadTest, LengthThatIsNoNumberIsUnknown) {
+TEST_F(ResponseHeadTest, LengthThatIsNoNumberIsRefused) {
   for (const char* line : {"Content-Length: x", "Content-Length: 5x", "Content-Length: -5",
-                           "Content-Length:", "Content-Length: 99999999999999999999999999"}) {
+                           "Content-Length:", "Content-Length: 99999999999999999999999999",
+                           "Content-Length: 5,", "Content-Length: 5, x"}) {
     head_ = ResponseHead();
-    EXPECT_EQ(Add({"HTTP/1.1 200 OK", line}), "") << line;
-    EXPECT_EQ(head_.content_length(), std::nullopt) << line;
+    EXPECT_EQ(Add({"HTTP/1.1 200 OK", line}), "the response gives a length that is no number")
+        << line;
   }
+}
+
+TEST_F(ResponseHeadTest, LengthMayBeRepeatedInAList) {
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 6, 6,06"}), "");
+  EXPECT_EQ(head_.content_length(), 6U);
+  EXPECT_EQ(Add({"Content-Length: 6, 7"}), "the response gives two different lengths");
 }
 
 TEST_F(ResponseHeadTest, SomeStatusesHaveNoBody) {

@@ -177,6 +177,25 @@ TEST_F(TimeoutTest, SlowUploadIsProgress) {
   EXPECT_GT(Clock::now() - begin, std::chrono::duration<float>(kLonger));
 }
 
+TEST_F(TimeoutTest, BytesThatTheSystemSendsOfAnUploadAreProgress) {
+  SetInactivityTimeout(kLonger);
+  // The system takes it all at once, and hands it on by and by.
+  constexpr std::size_t kBody = 1 << 20;
+  const RawServer server(
+      [](const RawRequest&, RawConnection& connection) {
+        std::string body;
+        Event never;
+        while (body.size() < kBody && connection.Read(body)) never.Wait(milliseconds(15));
+        connection.Write(Response(200, std::to_string(body.size())));
+      },
+      {nullptr, false, 4096});
+  InternetData transport(Text("none:"));
+  SetSendData(std::string(kBody, 'x'), transport);
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                    false, true, "", "", nullptr));
+  EXPECT_EQ(BodyOf(transport), std::to_string(kBody));
+}
+
 TEST_F(TimeoutTest, UploadThatNobodyTakesEnds) {
   SetInactivityTimeout(kShort);
   const RawServer server(

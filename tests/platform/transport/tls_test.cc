@@ -122,7 +122,7 @@ TEST_F(TlsTest, ConnectionIsReused) {
 
 TEST_F(TlsTest, ServerThatSpeaksNoTlsIsAFailure) {
   const RawServer server(AlwaysThenClose(Response(200, "hello")));
-  SetInactivityTimeout(1);
+  SetInactivityTimeout(0.3F);
   InternetData transport(Text("https" + server.Url().substr(4)));
   EXPECT_FALSE(transport.Download());
   ExpectFailureState(transport);
