@@ -2,7 +2,10 @@
 # example_test.sh EXAMPLE EMULATOR
 set -euo pipefail
 
-coproc emulator { exec "$2" --quiet; }
-trap 'kill "$emulator_PID"' EXIT
-read -r url <&"${emulator[0]}"
-"$1" "$url/user-info"
+work=$(mktemp -d)
+mkfifo "$work/url"
+"$2" --quiet >"$work/url" &
+emulator_pid=$!
+trap 'kill "$emulator_pid"; rm -rf "$work"' EXIT
+read -r url <"$work/url"
+"$1" "$url/update" | grep -E '^[0-9.]+ is current$'
