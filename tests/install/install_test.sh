@@ -11,7 +11,7 @@ flags=${sanitizers:+-fsanitize=$sanitizers}
 cmake --install "$build" --prefix "$prefix" >/dev/null
 
 if [ "$way" = find_package ]; then
-  cmake -S "$consumer" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" \
+  cmake -G Ninja -S "$consumer" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" \
         -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
   cmake --build "$work/build" >/dev/null
   "$work/build/consumer"
