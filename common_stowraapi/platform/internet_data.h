@@ -53,8 +53,9 @@ class STOWRA_EXPORT InternetData {
   // GET in the background. Returns at once; `delegate` stays the caller's. At the end of the
   // transfer it posts its returned name if a response was received, else its failed name. Status,
   // body and headers appear in this object just before the post, on the thread that posts.
-  // `user_data` is not used. False, and nothing will be posted, when `delegate` is null or the
-  // process is exiting.
+  // `user_data` is not used. A hundred transfers run at a time; the others wait, and the time of
+  // one that waits has not begun. False, and nothing will be posted, when `delegate` is null, the
+  // process is exiting or the transport's thread cannot be started.
   bool DownloadWithDelegate(InternetDataDelegate* delegate, void* user_data);
 
   // The same as POST of the send data, or of an empty body where none is set.

@@ -180,7 +180,7 @@ TEST_F(TimeoutTest, SlowUploadIsProgress) {
 TEST_F(TimeoutTest, BytesThatTheSystemSendsOfAnUploadAreProgress) {
   SetInactivityTimeout(kLonger);
   // The system takes it all at once, and hands it on by and by.
-  constexpr std::size_t kBody = 1 << 20;
+  constexpr std::size_t kBody = 1 << 18;
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         std::string body;
