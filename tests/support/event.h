@@ -9,8 +9,12 @@
 
 namespace stowra_test {
 
-// How long a test waits for what is to happen at once: only a fault takes that long.
-inline constexpr std::chrono::seconds kPatience(30);
+// How long a test waits for what is to happen at once: only a fault takes that long. It is less
+// than the time after which the transport itself gives a silent server up.
+inline constexpr std::chrono::seconds kPatience(20);
+
+// What happens at once, even on a busy machine, is over by then.
+inline constexpr std::chrono::seconds kSoon(5);
 
 // Something that happens once. Safe from any thread.
 class Event {

@@ -136,13 +136,22 @@ TEST_F(ConnectionReuseTest, ConnectionOfAFailedTransferIsNotUsedAgain) {
 }
 
 TEST_F(ConnectionReuseTest, GivenUpTransferClosesItsConnection) {
-  const RawServer server(Silence());
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target == "/stall") {
+      connection.Stall();
+    } else {
+      connection.Write(Response(200, "hello"));
+    }
+  });
+  // On a connection that is made already nothing but the deletion wakes the thread.
+  DownloadInBackground(server);
   {
-    Background background(server.Url());
+    Background background(server.Url("/stall"));
     ASSERT_TRUE(background.Start());
-    ASSERT_TRUE(server.WaitForRequests(1));
+    ASSERT_TRUE(server.WaitForRequests(2));
   }
   EXPECT_TRUE(server.WaitUntilUnused());
+  EXPECT_EQ(server.connections(), 1);
 }
 
 }  // namespace

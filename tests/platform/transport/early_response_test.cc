@@ -12,8 +12,7 @@ namespace stowra_test {
 namespace {
 
 // A transfer that waits for the rest of its upload takes this long, and fails.
-constexpr float kTimeout = 6;
-constexpr std::chrono::seconds kPrompt(3);
+constexpr float kTimeout = 10;
 
 struct Early {
   const char* name;
@@ -42,7 +41,7 @@ TEST_P(EarlyResponseTest, IsReceivedSynchronously) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_TRUE(transport.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, nullptr, false,
                                     false, true, "", "", nullptr));
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, kPrompt);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, kSoon);
   EXPECT_EQ(transport.status_code(), GetParam().status);
   EXPECT_EQ(BodyOf(transport), GetParam().body);
 }
@@ -53,7 +52,7 @@ TEST_P(EarlyResponseTest, IsReceivedInTheBackground) {
   const auto begin = std::chrono::steady_clock::now();
   ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
   EXPECT_EQ(background.WaitForEnd(), kReturned);
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, kPrompt);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, kSoon);
   EXPECT_EQ(background.transport->status_code(), GetParam().status);
   EXPECT_EQ(BodyOf(*background.transport), GetParam().body);
 }
