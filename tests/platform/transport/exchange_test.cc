@@ -391,6 +391,23 @@ TEST_F(ExchangeTest, LineEndsInAUrlAddNoRequestLines) {
   }
 }
 
+TEST_F(ExchangeTest, TransferThatCouldNotBeMadeSpoilsNoneAfterIt) {
+  const RawServer server(Always(Response(200, "hello")));
+  for (const std::string& url : {server.Url("/a b\r\n"), std::string("http://"),
+                                 std::string("none:"), server.Url("/\x01")}) {
+    InternetData refused((Text(url)));
+    EXPECT_FALSE(refused.Download());
+    InternetData good(Text(server.Url()));
+    EXPECT_TRUE(good.Download());
+    Background refused_in_background(url);
+    ASSERT_TRUE(refused_in_background.Start());
+    EXPECT_EQ(refused_in_background.WaitForEnd(), kFailed);
+    Background background(server.Url());
+    ASSERT_TRUE(background.Start());
+    EXPECT_EQ(background.WaitForEnd(), kReturned);
+  }
+}
+
 TEST_F(ExchangeTest, FailsWhereNobodyListens) {
   std::string url;
   {

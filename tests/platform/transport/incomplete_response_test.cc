@@ -119,6 +119,23 @@ TEST_F(OddResponseTest, SameLengthTwiceIsNoContradiction) {
   }
 }
 
+TEST_F(OddResponseTest, FoldedLineThatContinuesNothingHarmsNobody) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/folded"
+                         ? "HTTP/1.1 200 OK\r\n folded: " + std::string(100, 'x') +
+                               "\r\nContent-Length: 0\r\n\r\n"
+                         : Response(200, "hello", "X-Long: " + std::string(100, 'x') + "\r\n"));
+  });
+  for (int i = 0; i < 3; ++i) {
+    InternetData good(Text(server.Url("/good")));
+    EXPECT_TRUE(good.Download());
+    EXPECT_EQ(BodyOf(good), "hello");
+    // Whether this is a response is a matter of taste.
+    InternetData folded(Text(server.Url("/folded")));
+    folded.Download();
+  }
+}
+
 TEST_F(OddResponseTest, EndlessHeadersAreRefused) {
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 OK\r\n");
