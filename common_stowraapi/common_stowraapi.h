@@ -3,6 +3,11 @@
 #ifndef COMMON_STOWRAAPI_COMMON_STOWRAAPI_H_
 #define COMMON_STOWRAAPI_COMMON_STOWRAAPI_H_
 
+#include "common_stowraapi/content/content_helpers.h"
+#include "common_stowraapi/content/content_item.h"
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/export.h"
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
@@ -15,6 +20,7 @@
 #include "common_stowraapi/platform/transfer_types.h"
 #include "common_stowraapi/platform/url.h"
 #include "common_stowraapi/platform/ustring.h"
+#include "common_stowraapi/platform/xml_input.h"
 #include "common_stowraapi/request/web_service_request_base.h"
 #include "common_stowraapi/services/extension_store_status.h"
 #include "common_stowraapi/services/update_query.h"

@@ -108,6 +108,8 @@ class STOWRA_EXPORT ovrant_ustring {
   }
 
  private:
+  friend struct UstringUnits;
+
   void FormatArguments(const ovrant_ustring& format, const FormatArgument* args, std::size_t count);
 
   std::u16string units_;

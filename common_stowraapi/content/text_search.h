@@ -1,0 +1,29 @@
+// Searching texts.
+
+#ifndef COMMON_STOWRAAPI_CONTENT_TEXT_SEARCH_H_
+#define COMMON_STOWRAAPI_CONTENT_TEXT_SEARCH_H_
+
+#include "common_stowraapi/platform/ustring.h"
+
+namespace ovrant::stowraapiclient {
+
+// What FindText gives for a text that does not occur.
+inline constexpr int kAbsent = -1;
+
+// Index of the first occurrence of `text` in `whole` at or after `start`, or kAbsent. A platform
+// may give "absent" in more than the 32 bits that count.
+inline int FindText(const ovrant::utils::ovrant_ustring& whole, const char* text, int start) {
+  return static_cast<int>(whole.find(text, static_cast<unsigned long>(start)));
+}
+
+inline bool Contains(const ovrant::utils::ovrant_ustring& whole, const char* text) {
+  return FindText(whole, text, 0) != kAbsent;
+}
+
+inline int Length(const ovrant::utils::ovrant_ustring& text) {
+  return static_cast<int>(text.length());
+}
+
+}  // namespace ovrant::stowraapiclient
+
+#endif  // COMMON_STOWRAAPI_CONTENT_TEXT_SEARCH_H_

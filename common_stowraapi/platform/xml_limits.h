@@ -1,0 +1,35 @@
+// What a document may cost.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_XML_LIMITS_H_
+#define COMMON_STOWRAAPI_PLATFORM_XML_LIMITS_H_
+
+#include <cstddef>
+
+namespace ovrant::xml {
+
+// Levels of elements; the root is the first.
+inline constexpr int kMaxDepth = 256;
+
+// Bytes. The parser writes the URI out with every name.
+inline constexpr std::size_t kMaxNamespaceUri = 512;
+
+// Entities whose replacement text refers to others: the parser calls itself to go from one to the
+// next.
+inline constexpr int kMaxNestedEntities = 64;
+
+// Bytes of a tree for each byte of the document, and besides.
+inline constexpr std::size_t kTreeBytesPerByte = 16;
+inline constexpr std::size_t kTreeBytesBesides = std::size_t{1} << 20;
+
+// What entities may add to the document, as a multiple of its bytes, once that makes so many bytes.
+inline constexpr float kMaxEntityGrowth = 16;
+inline constexpr unsigned long long kMinEntityBytes = 1ULL << 20;
+
+// The parser looks through the declared attributes at each declaration and at each element; so many
+// looks for each byte of the document, and besides.
+inline constexpr std::size_t kDeclaredAttributesPerByte = 16;
+inline constexpr std::size_t kDeclaredAttributesBesides = std::size_t{1} << 20;
+
+}  // namespace ovrant::xml
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_XML_LIMITS_H_

@@ -1,0 +1,54 @@
+// The names in an XML document.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_XML_NAMES_H_
+#define COMMON_STOWRAAPI_PLATFORM_XML_NAMES_H_
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "common_stowraapi/platform/block_array.h"
+#include "common_stowraapi/platform/byte_arena.h"
+#include "common_stowraapi/platform/memory_budget.h"
+
+namespace ovrant::xml {
+
+using NameId = std::uint32_t;
+
+inline constexpr NameId kNoName = 0xFFFFFFFF;
+
+// Gives each distinct name (UTF-8) a number, from 0. Takes its memory from a budget, which must
+// outlive it.
+class NameTable {
+ public:
+  explicit NameTable(utils::MemoryBudget& budget);
+
+  // The number of `name`, which is entered if it is new. Fast where names follow each other in the
+  // order in which they did before. std::bad_alloc leaves the table as it was.
+  NameId Intern(const char* name);
+
+  // kNoName if it has not been entered.
+  NameId Find(std::string_view name) const;
+
+ private:
+  struct Entry {
+    const char* text;
+    std::uint32_t size;
+    std::uint32_t hash;
+    NameId successor;  // the name that came next, the last time
+  };
+
+  NameId Enter(std::string_view name);
+  std::uint32_t FindSlot(std::string_view name, std::uint32_t hash) const;
+  void Grow();
+
+  utils::MemoryBudget& budget_;
+  utils::ByteArena texts_;
+  utils::BlockArray<Entry> entries_;
+  std::vector<NameId> slots_;  // a hash table with open addressing, at most half full
+  NameId last_ = kNoName;
+};
+
+}  // namespace ovrant::xml
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_XML_NAMES_H_

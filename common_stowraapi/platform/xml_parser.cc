@@ -1,0 +1,166 @@
+#include "common_stowraapi/platform/xml_parser.h"
+
+// Without this the header leaves out the limits on entities, which every packaged parser has.
+#define XML_DTD 1
+#include <expat.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "common_stowraapi/platform/xml_limits.h"
+
+namespace ovrant::xml {
+namespace {
+
+struct FreeParser {
+  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+using ParserHandle = std::unique_ptr<XML_ParserStruct, FreeParser>;
+
+// Builds the tree from what the parser reports, and stops it at a limit. Nothing is thrown through
+// the parser.
+class TreeBuilder {
+ public:
+  TreeBuilder(XML_Parser parser, std::size_t size)
+      : parser_(parser),
+        tree_(std::make_unique<Tree>(kTreeBytesPerByte * size + kTreeBytesBesides, size)),
+        looks_left_(kDeclaredAttributesPerByte * size + kDeclaredAttributesBesides) {
+    XML_SetUserData(parser, this);
+    XML_SetElementHandler(parser, OnStartElement, OnEndElement);
+    XML_SetCharacterDataHandler(parser, OnText);
+    XML_SetStartNamespaceDeclHandler(parser, OnNamespace);
+    XML_SetEntityDeclHandler(parser, OnEntityDeclaration);
+    XML_SetAttlistDeclHandler(parser, OnAttributeDeclaration);
+  }
+
+  TreeBuilder(const TreeBuilder&) = delete;
+  TreeBuilder& operator=(const TreeBuilder&) = delete;
+
+  // After the last byte.
+  std::unique_ptr<const Tree> Finish() {
+    tree_->EndDocument();
+    return std::move(tree_);
+  }
+
+ private:
+  static TreeBuilder& Self(void* self) { return *static_cast<TreeBuilder*>(self); }
+
+  static void XMLCALL OnStartElement(void* self, const char* name, const char** attributes) {
+    Self(self).Do([&] { Self(self).StartElement(name, attributes); });
+  }
+
+  static void XMLCALL OnEndElement(void* self, const char* /*name*/) {
+    Self(self).Do([&] { Self(self).EndElement(); });
+  }
+
+  static void XMLCALL OnText(void* self, const char* text, int size) {
+    Self(self).Do([&] { Self(self).tree_->AddText({text, static_cast<std::size_t>(size)}); });
+  }
+
+  static void XMLCALL OnNamespace(void* self, const char* /*prefix*/, const char* uri) {
+    if (uri != nullptr && std::strlen(uri) > kMaxNamespaceUri) Self(self).Stop();
+  }
+
+  static void XMLCALL OnEntityDeclaration(void* self, const char* /*name*/, int /*is_parameter*/,
+                                          const char* value, int size, const char* /*base*/,
+                                          const char* /*system_id*/, const char* /*public_id*/,
+                                          const char* /*notation*/) {
+    if (value != nullptr) Self(self).DeclareEntity({value, static_cast<std::size_t>(size)});
+  }
+
+  static void XMLCALL OnAttributeDeclaration(void* self, const char* /*element*/,
+                                             const char* /*name*/, const char* /*type*/,
+                                             const char* /*default_value*/, int /*is_required*/) {
+    TreeBuilder& builder = Self(self);
+    ++builder.declared_attributes_;
+    builder.LookThroughDeclaredAttributes();
+  }
+
+  template <typename Work>
+  void Do(const Work& work) {
+    if (stopped_) return;
+    try {
+      work();
+    } catch (const std::bad_alloc&) {
+      Stop();
+    }
+  }
+
+  void StartElement(const char* name, const char** attributes) {
+    if (++depth_ > kMaxDepth) return Stop();
+    LookThroughDeclaredAttributes();
+    tree_->BeginElement(name);
+    // Those that have a declaration's default value come behind the written ones.
+    const char** const end = attributes + XML_GetSpecifiedAttributeCount(parser_);
+    for (; attributes != end; attributes += 2) tree_->AddAttribute(attributes[0], attributes[1]);
+  }
+
+  void EndElement() {
+    --depth_;
+    tree_->EndElement();
+  }
+
+  void DeclareEntity(std::string_view text) {
+    for (std::size_t i = text.find('&'); i < text.size(); i = text.find('&', i + 1)) {
+      const bool is_character = i + 1 < text.size() && text[i + 1] == '#';
+      if (is_character) continue;
+      if (++nested_entities_ > kMaxNestedEntities) Stop();
+      return;
+    }
+  }
+
+  void LookThroughDeclaredAttributes() {
+    if (declared_attributes_ > looks_left_) return Stop();
+    looks_left_ -= declared_attributes_;
+  }
+
+  void Stop() {
+    stopped_ = true;
+    XML_StopParser(parser_, XML_FALSE);
+  }
+
+  const XML_Parser parser_;
+  std::unique_ptr<Tree> tree_;
+  bool stopped_ = false;
+  int depth_ = 0;
+  int nested_entities_ = 0;
+  std::size_t declared_attributes_ = 0;
+  std::size_t looks_left_;
+};
+
+// Piece by piece, so that the parser's buffer stays in the cache. A token that goes on beyond a
+// piece is read again from its beginning; each piece is then as large as what is waiting, or a long
+// token would take the square of its length.
+bool Feed(XML_Parser parser, std::string_view document) {
+  constexpr std::size_t kPiece = std::size_t{32} * 1024;
+  std::size_t fed = 0;
+  for (;;) {
+    const auto read = static_cast<std::size_t>(std::max(XML_GetCurrentByteIndex(parser), 0L));
+    const std::size_t waiting = fed - std::min(fed, read);
+    const std::size_t size = std::min(document.size() - fed, std::max(kPiece, waiting));
+    const bool is_last = fed + size == document.size();
+    const char* const piece = document.data() + fed;
+    if (XML_Parse(parser, piece, static_cast<int>(size), is_last) != XML_STATUS_OK) return false;
+    if (is_last) return true;
+    fed += size;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<const Tree> Parse(std::string_view document) noexcept {
+  const ParserHandle parser(XML_ParserCreateNS(nullptr, ':'));
+  if (!parser) return nullptr;
+  XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), kMaxEntityGrowth);
+  XML_SetBillionLaughsAttackProtectionActivationThreshold(parser.get(), kMinEntityBytes);
+  try {
+    TreeBuilder builder(parser.get(), document.size());
+    return Feed(parser.get(), document) ? builder.Finish() : nullptr;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // namespace ovrant::xml

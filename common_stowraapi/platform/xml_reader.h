@@ -1,0 +1,52 @@
+// A cursor in an XML document.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_XML_READER_H_
+#define COMMON_STOWRAAPI_PLATFORM_XML_READER_H_
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "common_stowraapi/platform/ustring.h"
+#include "common_stowraapi/platform/xml_child_index.h"
+#include "common_stowraapi/platform/xml_input.h"
+#include "common_stowraapi/platform/xml_tree.h"
+
+namespace ovrant::xml {
+
+// Reads a tree, which it owns.
+class Reader final : public IXMLInput {
+ public:
+  explicit Reader(std::unique_ptr<const Tree> tree) : tree_(std::move(tree)), children_(*tree_) {}
+
+  bool FindElement(const utils::ovrant_ustring& name) override;
+  bool LeaveElement(const utils::ovrant_ustring& name) override;
+  bool NextElement(const utils::ovrant_ustring& name) override;
+  bool GetAttribute(const utils::ovrant_ustring& name, utils::ovrant_ustring& value) override;
+  bool GetElementText(const utils::ovrant_ustring& name, utils::ovrant_ustring& value) override;
+  bool GetElementInt(const utils::ovrant_ustring& name, int& value) override;
+  bool GetElementBool(const utils::ovrant_ustring& name, bool& value) override;
+
+ private:
+  // A name that was asked for, and its number in the document.
+  struct AskedName {
+    std::u16string text;
+    NameId id = kNoName;
+  };
+
+  NameId FindName(const utils::ovrant_ustring& name);
+  bool MoveTo(ElementId parent, ElementId from, const utils::ovrant_ustring& name);
+  std::optional<std::string_view> FindText(const utils::ovrant_ustring& name);
+
+  const std::unique_ptr<const Tree> tree_;
+  ChildIndex children_;
+  ElementId current_ = kDocument;
+  std::array<AskedName, 64> asked_;  // the last one of each kind
+};
+
+}  // namespace ovrant::xml
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_XML_READER_H_
