@@ -61,7 +61,6 @@ bool ReadLinks(IXMLInput& reader, ContentItem& item) {
 }
 
 bool ReadCollectionFeed(IXMLInput& reader, ContentItem& item) {
-  using ovrant::utils::operator+;
   const FeedNames& names = FeedNames::Get();
   bool complete = false;
   InElement(reader, names.content, [&] {
@@ -148,7 +147,7 @@ bool ReadDownload(IXMLInput& reader, ContentItem& item) {
 
 }  // namespace
 
-ContentItem::ContentItem() : max_qmf_version_(0) { Clear(); }
+ContentItem::ContentItem() { Clear(); }
 
 ContentItem::~ContentItem() { delete[] thumbnail_buffer_; }
 

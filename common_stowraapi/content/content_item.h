@@ -70,7 +70,7 @@ class STOWRA_EXPORT ContentItem {
   bool classified_component_;
   int thumbnail_size_;               // bytes
   unsigned char* thumbnail_buffer_;  // owned, from new[]; may be null
-  int max_qmf_version_;              // newest model-file version to download; 0 at first
+  int max_qmf_version_ = 0;          // newest model-file version to download
 };
 
 }  // namespace ovrant::stowraapiclient

@@ -59,7 +59,7 @@ void ReadEntries(IXMLInput& reader, ContentQuery& query) {
     item->max_qmf_version_ = query.max_qmf_version_;
     if (!item->Load(&reader)) return;
     query.items_.push_back(item.get());
-    item.release();
+    static_cast<void>(item.release());
   });
 }
 
@@ -99,7 +99,7 @@ class ClearOnFailure {
 
 }  // namespace
 
-ContentQuery::ContentQuery() : max_qmf_version_(0) { Clear(); }
+ContentQuery::ContentQuery() { Clear(); }
 
 ContentQuery::~ContentQuery() { Clear(); }
 

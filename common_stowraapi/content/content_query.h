@@ -47,7 +47,7 @@ class STOWRA_EXPORT ContentQuery {
   int total_results_;                       // of the whole search; 0 at first
   int start_index_;                         // of the first result here, from 1; 1 at first
   int items_per_page_;                      // 12 at first
-  int max_qmf_version_;                     // given to each item before it is read; 0 at first
+  int max_qmf_version_ = 0;                 // given to each item before it is read
   ovrant::utils::ovrant_ustring next_url_;  // feeds; empty where there is none
   ovrant::utils::ovrant_ustring previous_url_;
   ovrant::utils::ovrant_ustring self_url_;

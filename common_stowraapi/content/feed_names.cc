@@ -5,7 +5,6 @@
 namespace ovrant::stowraapiclient {
 
 using ovrant::utils::ovrant_ustring;
-using ovrant::utils::operator+;
 
 namespace {
 

@@ -108,7 +108,6 @@ void SetupPayload(const ovrant_ustring& subject_id, const UploadFile* file,
 
 std::map<ovrant_ustring, ovrant_ustring> CreateHeaderDictionary(const std::string& boundary,
                                                                 unsigned long content_length) {
-  using ovrant::utils::operator+;
   ovrant_ustring length;
   length.Format("%i", static_cast<int>(static_cast<std::uint32_t>(content_length)));
   std::map<ovrant_ustring, ovrant_ustring> headers;

@@ -36,7 +36,7 @@ NameId NameTable::Enter(std::string_view name) {
   const std::uint32_t hash = Hash(name);
   const std::uint32_t slot = FindSlot(name, hash);
   if (slots_[slot] != kNoName) return slots_[slot];
-  if (2 * (entries_.size() + 1) > slots_.size()) {
+  if (entries_.size() >= slots_.size() / 2) {
     Grow();
     return Enter(name);
   }

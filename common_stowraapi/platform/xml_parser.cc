@@ -121,7 +121,7 @@ class TreeBuilder {
     XML_StopParser(parser_, XML_FALSE);
   }
 
-  const XML_Parser parser_;
+  XML_ParserStruct* const parser_;
   std::unique_ptr<Tree> tree_;
   bool stopped_ = false;
   int depth_ = 0;

@@ -60,7 +60,8 @@ void Tree::EndDocument() {
 }
 
 std::string_view Tree::Text(const Element& element) const {
-  return std::string_view(text_).substr(element.text_begin, element.text_end - element.text_begin);
+  const std::string_view all = text_;
+  return all.substr(element.text_begin, element.text_end - element.text_begin);
 }
 
 const Attribute* Tree::FindAttribute(ElementId id, NameId name) const {
