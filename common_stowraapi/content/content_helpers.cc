@@ -21,9 +21,10 @@ int FindEndOf(const ovrant_ustring& text, const char* marker) {
 }  // namespace
 
 ovrant_ustring GetStowraIdFromUrl(const ovrant_ustring& url) {
-  const int begin = FindEndOf(url, kIdMarker);
-  if (begin == kAbsent) return {};
-  int end = FindText(url, "&", begin);
+  const int marker = FindText(url, kIdMarker, 0);
+  if (marker == kAbsent) return {};
+  const int begin = marker + Length(kIdMarker);
+  int end = FindText(url, "&", marker);
   if (end == kAbsent) end = Length(url);
   return url.Mid(begin, end - begin);
 }

@@ -44,7 +44,7 @@ class BlockArray {
 
   void AddBlock() {
     budget_.Take(kBlockSize * bytes_per_element_);
-    blocks_.emplace_back(new T[kBlockSize]);
+    blocks_.push_back(std::unique_ptr<T[]>(new T[kBlockSize]));
   }
 
   MemoryBudget& budget_;

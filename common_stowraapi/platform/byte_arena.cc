@@ -24,7 +24,7 @@ std::string_view ByteArena::Copy(std::string_view text) {
 void ByteArena::AddChunk(std::size_t least_size) {
   const std::size_t size = std::max(least_size, next_chunk_size_);
   budget_.Take(size);
-  chunks_.emplace_back(new char[size]);
+  chunks_.push_back(std::unique_ptr<char[]>(new char[size]));
   free_ = chunks_.back().get();
   free_size_ = size;
   next_chunk_size_ = std::min(2 * next_chunk_size_, kLargestChunk);

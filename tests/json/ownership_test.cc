@@ -4,9 +4,9 @@
 
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
-#include "tests/json/failing_new.h"
 #include "tests/json/text.h"
 #include "tests/json/value_fields.h"
+#include "tests/support/failing_new.h"
 
 #ifdef STOWRA_COUNTS_ALLOCATIONS
 

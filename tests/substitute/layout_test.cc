@@ -50,12 +50,6 @@ namespace {
 
 static_assert(sizeof(std::unique_ptr<InternetData>) == sizeof(void*));
 
-// As much memory as a T, at addresses as a T has.
-template <typename T>
-struct alignas(T) Room {
-  unsigned char bytes[sizeof(T)];
-};
-
 using Text = Room<ovrant_ustring>;
 
 struct BaseMirror {

@@ -46,7 +46,9 @@ TEST(LoadingTest, TheOnlyPlatformIsTheSubstitute) {
   EXPECT_THAT(substitute, testing::HasSubstr("/substitute/platform/"));
   for (const char* const symbol :
        {"_ZN19CNotificationCenter7DefaultEv", "_ZN6ovrant8internet12InternetData8DownloadEv",
-        "_ZN6ovrant8internet20InternetDataDelegateD1Ev", "_ZN6ovrant5utils14ovrant_ustringC1Ev"}) {
+        "_ZN6ovrant8internet20InternetDataDelegateD1Ev", "_ZN6ovrant5utils14ovrant_ustringC1Ev",
+        "_ZN6ovrant13Get_IXMLInputEPKhi", "_ZN6ovrant13End_IXMLInputEPPNS_9IXMLInputE",
+        "_ZN6Random8GetValueEii"}) {
     const void* const first_in_process = dlsym(RTLD_DEFAULT, symbol);
     ASSERT_NE(first_in_process, nullptr) << symbol;
     EXPECT_EQ(FileOf(first_in_process), substitute) << symbol;

@@ -14,6 +14,12 @@ struct MemberKey {
   friend typename Tag::Type PointerTo(Tag) { return kMember; }
 };
 
+// As much memory as a T, at addresses as a T has.
+template <typename T>
+struct alignas(T) Room {
+  unsigned char bytes[sizeof(T)];
+};
+
 // Bytes from the beginning of `object` to one of its members.
 template <typename Object, typename Class, typename Member>
 std::size_t OffsetIn(const Object& object, Member Class::*member) {

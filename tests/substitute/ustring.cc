@@ -1,4 +1,4 @@
-// The text operations that the library calls, unit by unit.
+// Making, converting and comparing texts, unit by unit.
 
 #include "common_stowraapi/platform/ustring.h"
 
@@ -81,6 +81,9 @@ ovrant_ustring::ovrant_ustring() { stowra_substitute::WatchEmptyString(this); }
 ovrant_ustring::ovrant_ustring(const char* utf8) : units_(FromUtf8(utf8)) {}
 ovrant_ustring::ovrant_ustring(const char* utf8, unsigned long length)
     : units_(utf8 == nullptr ? std::u16string() : FromUtf8(utf8, length)) {}
+ovrant_ustring::ovrant_ustring(const wchar_t* wide) {
+  for (; *wide != L'\0'; ++wide) AppendUtf16(units_, static_cast<char32_t>(*wide));
+}
 ovrant_ustring::ovrant_ustring(const ovrant_ustring& other) = default;
 ovrant_ustring::~ovrant_ustring() = default;
 ovrant_ustring& ovrant_ustring::operator=(const ovrant_ustring& other) = default;
@@ -116,8 +119,6 @@ ovrant_ustring& ovrant_ustring::operator+=(const ovrant_ustring& other) {
   units_ += other.units_;
   return *this;
 }
-
-char16_t ovrant_ustring::at(unsigned long index) const { return units_[index]; }
 
 int ovrant_ustring::compare(const ovrant_ustring& other) const {
   return units_.compare(other.units_);

@@ -1,7 +1,7 @@
 // The test program's own operator new: it counts, and fails when told to.
 
-#ifndef TESTS_JSON_FAILING_NEW_H_
-#define TESTS_JSON_FAILING_NEW_H_
+#ifndef TESTS_SUPPORT_FAILING_NEW_H_
+#define TESTS_SUPPORT_FAILING_NEW_H_
 
 // ThreadSanitizer brings an operator new that no other can replace. The tests of this header are
 // not about threads, and are left out there.
@@ -35,4 +35,4 @@ class FailingNew {
 
 #endif  // STOWRA_UNDER_THREAD_SANITIZER
 
-#endif  // TESTS_JSON_FAILING_NEW_H_
+#endif  // TESTS_SUPPORT_FAILING_NEW_H_

@@ -1,0 +1,52 @@
+// The headers of an upload.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common_stowraapi/content/multipart_upload.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::stowraapiclient::multipartupload::CreateHeaderDictionary;
+
+using Headers = std::vector<std::pair<std::string, std::string>>;
+
+Headers HeadersFor(const std::string& boundary, unsigned long length) {
+  Headers headers;
+  for (const auto& [name, value] : CreateHeaderDictionary(boundary, length)) {
+    headers.emplace_back(name.utf8(), value.utf8());
+  }
+  return headers;
+}
+
+TEST(MultipartHeaderTest, HasThreeHeadersInTheMapsOrder) {
+  EXPECT_EQ(HeadersFor("BrevixClient0385119264730052", 617),
+            (Headers{{"Content-Length", "617"},
+                     {"Content-Type", "multipart/form-data; boundary=BrevixClient0385119264730052"},
+                     {"Proxy-Connection", "keep-alive"}}));
+}
+
+TEST(MultipartHeaderTest, LengthIsASignedNumberOfTheLowBits) {
+  const std::pair<unsigned long, const char*> lengths[] = {{0, "0"},
+                                                           {2147483647UL, "2147483647"},
+                                                           {2147483648UL, "-2147483648"},
+                                                           {3000000000UL, "-1294967296"},
+                                                           {4294967295UL, "-1"},
+                                                           {4294967296UL, "0"},
+                                                           {4294967301UL, "5"},
+                                                           {~0UL, "-1"}};
+  for (const auto& [length, text] : lengths) EXPECT_EQ(HeadersFor("B", length)[0].second, text);
+}
+
+TEST(MultipartHeaderTest, ABoundaryIsWrittenAsItIs) {
+  EXPECT_EQ(HeadersFor("", 1)[1].second, "multipart/form-data; boundary=");
+  EXPECT_EQ(HeadersFor("a b\"\xC3\xA9", 1)[1].second,
+            "multipart/form-data; boundary=a b\"\xC3\xA9");
+}
+
+}  // namespace
+}  // namespace stowra_test

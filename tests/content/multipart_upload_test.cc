@@ -1,0 +1,271 @@
+// The body of an upload, byte by byte.
+
+#include "common_stowraapi/content/multipart_upload.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common_stowraapi/content/upload_config.h"
+#include "tests/content/feed_text.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::stowraapiclient::UploadFile;
+using ovrant::stowraapiclient::multipartupload::SetupPayload;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string Part(const std::string& name, const std::string& value) {
+  return "--B\r\nContent-Disposition: form-data; name=\"" + name + "\"\r\n\r\n" + value + "\r\n";
+}
+
+std::string FilePart(const std::string& file_name, const std::string& type,
+                     const std::string& data) {
+  return "--B\r\nContent-Disposition: form-data; name=\"binary\"; filename=\"" + file_name +
+         "\"\r\nContent-Type: " + type + "\r\n\r\n" + data + "\r\n";
+}
+
+// What every body begins with.
+std::string Head(const std::string& name, const std::string& subject) {
+  return Part("name", name) + Part("subjectId", subject) + Part("subjectClass", "entity");
+}
+
+class MultipartUploadTest : public testing::Test {
+ protected:
+  void Append(const std::string& data, std::stringstream& out) const {
+    const std::vector<unsigned char> bytes(data.begin(), data.end());
+    SetupPayload(subject, &file, bytes.data(), bytes.size(), "B", &out);
+  }
+
+  std::string Body(const std::string& data = "data") const {
+    std::stringstream out;
+    Append(data, out);
+    return out.str();
+  }
+
+  ovrant::utils::ovrant_ustring subject = "m42";
+  UploadFile file;
+};
+
+TEST_F(MultipartUploadTest, WritesAFileAndOneOptionalValue) {
+  file.file_path_ = "/home/ann/models/chair.qmf";
+  file.zipped_file_path_ = "/tmp/chair.zip";
+  file.upload_url_ =
+      "http://upload.example/?name=Chair&type=application/vnd.brevix.qmf&task=create";
+  file.type_ = "another/type";
+  file.name_ = "another name";
+  const unsigned char data[] = {0x01, 0x00, 0xFF};
+  std::stringstream out;
+  SetupPayload("m42", &file, data, sizeof(data), "BrevixClient0385119264730052", &out);
+  EXPECT_EQ(out.str(), std::string("--BrevixClient0385119264730052\r\n"
+                                   "Content-Disposition: form-data; name=\"name\"\r\n"
+                                   "\r\n"
+                                   "Chair\r\n"
+                                   "--BrevixClient0385119264730052\r\n"
+                                   "Content-Disposition: form-data; name=\"subjectId\"\r\n"
+                                   "\r\n"
+                                   "m42\r\n"
+                                   "--BrevixClient0385119264730052\r\n"
+                                   "Content-Disposition: form-data; name=\"subjectClass\"\r\n"
+                                   "\r\n"
+                                   "entity\r\n"
+                                   "--BrevixClient0385119264730052\r\n"
+                                   "Content-Disposition: form-data; name=\"binary\"; "
+                                   "filename=\"chair.qmf\"\r\n"
+                                   "Content-Type: application/vnd.brevix.qmf\r\n"
+                                   "\r\n") +
+                           std::string("\x01\0\xFF", 3) +
+                           "\r\n"
+                           "--BrevixClient0385119264730052\r\n"
+                           "Content-Disposition: form-data; name=\"task\"\r\n"
+                           "\r\n"
+                           "create\r\n"
+                           "--BrevixClient0385119264730052--\r\n");
+}
+
+TEST_F(MultipartUploadTest, WritesEveryPartInOrder) {
+  file.zipped_ = true;
+  file.file_path_ = "/a/chair.qmf";
+  file.zipped_file_path_ = "/b/chair.zip";
+  file.upload_url_ = "http://u/?priority=3&task=create&type=application/zip&name=Chair";
+  EXPECT_EQ(Body(), Head("Chair", "m42") + FilePart("chair.zip", "application/zip", "data") +
+                        Part("task", "create") + Part("priority", "3") + Part("isZipped", "true") +
+                        "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, WritesOnlyTheObligatoryPartsOfAnEmptyFile) {
+  subject = "";
+  std::stringstream out;
+  SetupPayload(subject, &file, nullptr, 0, "B", &out);
+  EXPECT_EQ(out.str(), Head("", "") + FilePart("", "", "") + "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, AZippedFileTakesTheOtherPathAndSaysSo) {
+  file.file_path_ = "chair.qmf";
+  file.zipped_file_path_ = "chair.zip";
+  EXPECT_EQ(Body(), Head("", "m42") + FilePart("chair.qmf", "", "data") + "--B--\r\n");
+  file.zipped_ = true;
+  EXPECT_EQ(Body(), Head("", "m42") + FilePart("chair.zip", "", "data") + Part("isZipped", "true") +
+                        "--B--\r\n");
+  file.zipped_file_path_ = "";
+  EXPECT_THAT(Body(), HasSubstr("filename=\"\"\r\n"));
+}
+
+TEST_F(MultipartUploadTest, AFileIsNamedAfterTheLastPartOfItsPath) {
+  const std::pair<const char*, const char*> paths[] = {{"chair.qmf", "chair.qmf"},
+                                                       {"/a/b.c/chair", "chair"},
+                                                       {"/a/chair.v1.qmf", "chair.v1.qmf"},
+                                                       {"/a/", ""},
+                                                       {"", ""},
+                                                       {"/a/.qmf", ".qmf"}};
+  for (const auto& [path, name] : paths) {
+    file.file_path_ = path;
+    EXPECT_THAT(Body(), HasSubstr("filename=\"" + std::string(name) + "\"\r\n")) << path;
+  }
+}
+
+TEST_F(MultipartUploadTest, ValuesComeFromTheUploadUrlAsTheyStandThere) {
+  file.upload_url_ = "http://u/?name=a%20b+c= d;\"e\"#f&type= t/t; x=\"y\" &priority=%26";
+  EXPECT_EQ(Body(), Head("a%20b+c= d;\"e\"#f", "m42") + FilePart("", " t/t; x=\"y\" ", "data") +
+                        Part("priority", "%26") + "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, EveryTextIsUtf8) {
+  const std::string text = "\xC3\xA9\xE6\xA4\x85\xF0\x9F\xAA\x91";
+  subject = text.c_str();
+  file.file_path_ = Text("/\xC3\xA9/" + text + ".qmf");
+  file.upload_url_ = Text("?name=" + text + "&type=" + text + "&task=" + text);
+  EXPECT_EQ(Body(), Head(text, text) + FilePart(text + ".qmf", text, "data") + Part("task", text) +
+                        "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, NothingIsEscaped) {
+  subject = "a\"b\r\nc\\";
+  file.file_path_ = "/x\\y\"z\r\n.qmf";
+  file.upload_url_ = "?name=1\r\n--B\r\n2";
+  EXPECT_EQ(Body("--B\r\n--B--\r\n"), Head("1\r\n--B\r\n2", "a\"b\r\nc\\") +
+                                          FilePart("x\\y\"z\r\n.qmf", "", "--B\r\n--B--\r\n") +
+                                          "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, TheFirstTokenThatBeginsWithTheKeyCounts) {
+  const std::pair<const char*, const char*> urls[] = {{"?name=1&name=2", "1"},
+                                                      {"?names=x&name=1", "1"},
+                                                      {"?filename=x&name=1", "1"},
+                                                      {"?NAME=x&Name=y&name=1", "1"},
+                                                      {"?name&name=1", "1"},
+                                                      {"?x&name=1", "1"},
+                                                      {"no question mark&name=1", "1"},
+                                                      {"name=1?x", "1"},
+                                                      {"name=1&name=2", "1"},
+                                                      {"?name=1?name=2", "1"},
+                                                      {"?a=b?name=1", "1"},
+                                                      {"?&&??name=1&", "1"},
+                                                      {"?name=&name=2", ""},
+                                                      {"?name==1=", "=1="},
+                                                      {"?names=x", ""},
+                                                      {"?name", ""},
+                                                      {"http://u/name=x", ""},
+                                                      {"?%6Eame=x", ""}};
+  for (const auto& [url, name] : urls) {
+    file.upload_url_ = url;
+    EXPECT_EQ(Body().substr(0, Part("name", name).size()), Part("name", name)) << url;
+  }
+}
+
+TEST_F(MultipartUploadTest, KeysAreMatchedAtTheStartOfTheirToken) {
+  file.upload_url_ = "?filetype=x&subtask=x&xpriority=x&tasks=x&types=x&priority2=x";
+  EXPECT_EQ(Body(), Head("", "m42") + FilePart("", "", "data") + "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, AnEmptyOptionalValueLeavesItsPartOut) {
+  file.upload_url_ = "?task=&priority=1";
+  EXPECT_THAT(Body(), Not(HasSubstr("\"task\"")));
+  EXPECT_THAT(Body(), HasSubstr(Part("priority", "1")));
+  file.upload_url_ = "?task=1&priority=";
+  EXPECT_THAT(Body(), HasSubstr(Part("task", "1")));
+  EXPECT_THAT(Body(), Not(HasSubstr("priority")));
+}
+
+TEST_F(MultipartUploadTest, DataIsWrittenUnchanged) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+  for (const std::string& data :
+       {std::string(), std::string("\0", 1), std::string("\0\0a\0", 4), std::string("\r\n\r\n"),
+        std::string("\n"), all, std::string(1 << 20, '\0')}) {
+    EXPECT_EQ(Body(data) == Head("", "m42") + FilePart("", "", data) + "--B--\r\n", true)
+        << data.size() << " bytes";
+  }
+}
+
+TEST_F(MultipartUploadTest, TheSubjectEndsAtItsFirstZeroByte) {
+  subject =
+      Text(std::string_view("m4\0"
+                            "2",
+                            4));
+  EXPECT_THAT(Body(), HasSubstr(Part("subjectId", "m4")));
+  subject = Text(std::string_view("\0m42", 4));
+  EXPECT_THAT(Body(), HasSubstr(Part("subjectId", "")));
+}
+
+TEST_F(MultipartUploadTest, OtherTextsKeepTheirZeroBytes) {
+  const std::string text("a\0b", 3);
+  file.file_path_ = Text("/" + text);
+  file.upload_url_ =
+      Text("?name=" + text + "&type=" + text + "&task=" + text + "&priority=" + text);
+  EXPECT_EQ(Body(), Head(text, "m42") + FilePart(text, text, "data") + Part("task", text) +
+                        Part("priority", text) + "--B--\r\n");
+}
+
+TEST_F(MultipartUploadTest, OnlyAppends) {
+  std::stringstream out;
+  out << "before";
+  Append("1", out);
+  const std::string once = out.str();
+  EXPECT_EQ(once, "before" + Body("1"));
+  Append("2", out);
+  EXPECT_EQ(out.str(), once + Body("2"));
+  std::string word;
+  out >> word;
+  EXPECT_EQ(word, "before--B");
+}
+
+TEST_F(MultipartUploadTest, TheStreamsFormatDoesNotChangeTheBody) {
+  file.zipped_ = true;
+  file.upload_url_ = "?name=n&type=t&task=1&priority=2";
+  const std::string body = Body();
+  for (const auto manipulate : {+[](std::ostream& out) -> std::ostream& {
+                                  return out << std::setw(200) << std::setfill('*');
+                                },
+                                +[](std::ostream& out) -> std::ostream& {
+                                  return out << std::left << std::setw(99) << std::setfill('*');
+                                },
+                                +[](std::ostream& out) -> std::ostream& {
+                                  return out << std::hex << std::showbase << std::uppercase
+                                             << std::boolalpha << std::unitbuf << std::setw(9);
+                                }}) {
+    std::stringstream out;
+    manipulate(out);
+    Append("data", out);
+    EXPECT_EQ(out.str(), body);
+  }
+}
+
+TEST_F(MultipartUploadTest, AnErrorStaysInTheStream) {
+  std::stringstream out;
+  out << "before";
+  out.setstate(std::ios::badbit);
+  Append("data", out);
+  EXPECT_TRUE(out.bad());
+  EXPECT_EQ(out.str(), "before");
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,265 @@
+// What ContentItem::Load asks of the reader, and in what order.
+
+#include <memory>
+#include <new>
+#include <string>
+
+#include "common_stowraapi/content/content_item.h"
+#include "tests/substitute/content_fixture.h"
+
+namespace stowra_substitute {
+namespace {
+
+using ovrant::stowraapiclient::ContentItem;
+
+constexpr char kModel[] = "http://schemas.stowra.example/stowra/2008#model";
+constexpr char kQmf[] = "application/vnd.brevix.qmf";
+constexpr char kKmz[] = "application/vnd.pellamy.kmz";
+
+XmlElement With(const std::string& name, const XmlElement::Attributes& attributes) {
+  return {name, attributes, "", {}};
+}
+
+class ContentItemTest : public ContentTest {
+ protected:
+  // Loads an entry of these children and expects the reader to stand on it again.
+  bool Load(const std::vector<XmlElement>& children) {
+    const auto reader = ReaderOf(Parent("a:entry", children));
+    EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
+    TakeEffects();
+    const bool loaded = item.Load(reader.get());
+    lines = TakeLines();
+    reader->LeaveElement("http://www.w3.org/2005/Atom:entry");
+    return loaded;
+  }
+
+  ContentItem item;
+  std::string lines;  // the effects of the last load
+};
+
+TEST_F(ContentItemTest, WalksAModelInItsOwnOrder) {
+  EXPECT_TRUE(
+      Load({Parent("m:group", {With("m:thumbnail", {{"url", "http://t/"}}),
+                               With("m:thumbnail", {{"url", "http://t/?rtyp=st"}}),
+                               With("m:content", {{"url", "http://d/?rtyp=s7"}, {"type", kQmf}}),
+                               With("m:content", {{"url", "http://d/?x=y"}, {"type", kKmz}}),
+                               With("m:content", {{"url", "http://d/?rtyp=k2"}, {"type", "zip"}}),
+                               With("m:content", {{"url", "http://d/?rtyp=k2"}, {"type", kKmz}})}),
+            Leaf("s:classifiedComponent", "true"), Leaf("s:dynamicComponent", "true"),
+            Parent("a:author", {Leaf("a:uri", "u"), Leaf("a:name", "n")}),
+            With("a:link", {{"type", "t"}, {"href", "h"}, {"rel", "alternate"}}),
+            With("a:link", {{"type", "t"}, {"href", "h"}, {"rel", "x"}}), Leaf("a:summary", "s"),
+            Leaf("a:title", "t"), With("a:category", {{"term", kModel}}),
+            With("a:category", {{"term", "x"}}), Leaf("a:id", "i")}));
+  EXPECT_EQ(lines, R"(
+GetElementText a:id
+FindElement a:category
+GetAttribute term
+LeaveElement a:category
+GetElementText a:title
+GetElementText a:summary
+FindElement a:link
+GetAttribute rel
+GetAttribute href
+GetAttribute type
+NextElement a:link
+GetAttribute rel
+GetAttribute href
+GetAttribute type
+NextElement a:link: none
+LeaveElement a:link
+FindElement a:author
+GetElementText a:name
+GetElementText a:uri
+LeaveElement a:author
+GetElementBool s:dynamicComponent
+GetElementBool s:classifiedComponent
+FindElement m:group
+FindElement m:thumbnail
+GetAttribute url
+NextElement m:thumbnail
+GetAttribute url
+NextElement m:thumbnail: none
+LeaveElement m:thumbnail
+FindElement m:content
+GetAttribute url
+GetAttribute type
+URL http://d/?rtyp=s7
+getValueForExtraInfoKey rtyp
+NextElement m:content
+GetAttribute url
+GetAttribute type
+URL http://d/?x=y
+getValueForExtraInfoKey rtyp: absent
+NextElement m:content
+GetAttribute url
+GetAttribute type
+NextElement m:content
+GetAttribute url
+GetAttribute type
+URL http://d/?rtyp=k2
+getValueForExtraInfoKey rtyp
+NextElement m:content: none
+LeaveElement m:content
+LeaveElement m:group
+)");
+  EXPECT_EQ(item.kind_, 0);
+  EXPECT_EQ(item.download_format_, 1);
+  EXPECT_EQ(item.download_url_, "http://d/?rtyp=k2");
+  EXPECT_EQ(item.thumbnail_url_, "http://t/?rtyp=st");
+  EXPECT_TRUE(item.dynamic_component_);
+  EXPECT_TRUE(item.classified_component_);
+}
+
+TEST_F(ContentItemTest, WalksACollectionWithoutRenditions) {
+  EXPECT_TRUE(Load({Leaf("a:id", "i"), With("a:category", {{"term", "x"}}), Leaf("a:title", "t"),
+                    With("a:link", {{"rel", "r"}, {"href", "h"}, {"type", "t"}}),
+                    With("a:content", {{"src", "http://c/"}, {"type", "application/atom+xml"}}),
+                    Parent("a:author", {Leaf("a:name", "n"), Leaf("a:uri", "u")}),
+                    Parent("m:group", {With("m:thumbnail", {{"url", "u"}})})}));
+  EXPECT_EQ(lines, R"(
+GetElementText a:id
+FindElement a:category
+GetAttribute term
+LeaveElement a:category
+GetElementText a:title
+GetElementText a:summary: none
+FindElement a:link
+GetAttribute rel
+GetAttribute href
+GetAttribute type
+NextElement a:link: none
+LeaveElement a:link
+FindElement a:content
+GetAttribute type
+GetAttribute src
+LeaveElement a:content
+FindElement a:author
+GetElementText a:name
+GetElementText a:uri
+LeaveElement a:author
+GetElementBool s:dynamicComponent: none
+GetElementBool s:classifiedComponent: none
+FindElement m:group
+FindElement m:thumbnail
+GetAttribute url
+NextElement m:thumbnail: none
+LeaveElement m:thumbnail
+LeaveElement m:group
+)");
+}
+
+// Each element is there and without what is read from it.
+TEST_F(ContentItemTest, ReadsOnWhateverIsMissing) {
+  EXPECT_FALSE(Load({With("a:category", {}), With("a:link", {{"rel", "r"}}), With("a:link", {}),
+                     With("a:content", {}), Parent("a:author", {}), Parent("m:group", {})}));
+  EXPECT_EQ(lines, R"(
+GetElementText a:id: none
+FindElement a:category
+GetAttribute term: none
+LeaveElement a:category
+GetElementText a:title: none
+GetElementText a:summary: none
+FindElement a:link
+GetAttribute rel
+GetAttribute href: none
+NextElement a:link
+GetAttribute rel: none
+NextElement a:link: none
+LeaveElement a:link
+FindElement a:content
+GetAttribute type: none
+LeaveElement a:content
+FindElement a:author
+GetElementText a:name: none
+GetElementText a:uri: none
+LeaveElement a:author
+GetElementBool s:dynamicComponent: none
+GetElementBool s:classifiedComponent: none
+FindElement m:group
+FindElement m:thumbnail: none
+LeaveElement m:group
+)");
+}
+
+TEST_F(ContentItemTest, AModelsRenditionsAreReadThoughTheyAreIncomplete) {
+  EXPECT_FALSE(
+      Load({With("a:category", {{"term", kModel}}),
+            Parent("m:group", {With("m:thumbnail", {}), With("m:content", {{"type", kQmf}}),
+                               With("m:content", {{"url", "http://d/?rtyp=s7"}})})}));
+  EXPECT_THAT(lines, testing::EndsWith(R"(
+FindElement m:group
+FindElement m:thumbnail
+GetAttribute url: none
+NextElement m:thumbnail: none
+LeaveElement m:thumbnail
+FindElement m:content
+GetAttribute url: none
+NextElement m:content
+GetAttribute url
+GetAttribute type: none
+NextElement m:content: none
+LeaveElement m:content
+LeaveElement m:group
+)"));
+}
+
+TEST_F(ContentItemTest, AModelWithoutRenditionsLeavesTheGroup) {
+  EXPECT_FALSE(Load({With("a:category", {{"term", kModel}}), Parent("m:group", {})}));
+  EXPECT_THAT(lines, testing::EndsWith(R"(
+FindElement m:group
+FindElement m:thumbnail: none
+FindElement m:content: none
+LeaveElement m:group
+)"));
+}
+
+TEST_F(ContentItemTest, NothingIsReadAfterAMissingGroup) {
+  EXPECT_FALSE(Load({With("a:category", {{"term", kModel}}), Leaf("a:id", "i")}));
+  EXPECT_THAT(lines, testing::EndsWith("\nFindElement m:group: none\n"));
+  EXPECT_EQ(item.id_, "i");
+}
+
+TEST_F(ContentItemTest, ContentOfAModelIsNotAskedFor) {
+  EXPECT_FALSE(Load({With("a:category", {{"term", kModel}}), With("a:content", {})}));
+  EXPECT_THAT(lines, testing::Not(testing::HasSubstr("a:content")));
+}
+
+TEST_F(ContentItemTest, WhatLeaveElementGivesIsNotLookedAt) {
+  SetLeaveResult(false);
+  EXPECT_TRUE(
+      Load({Leaf("a:id", "i"), With("a:category", {{"term", kModel}}), Leaf("a:title", "t"),
+            With("a:link", {{"rel", "r"}, {"href", "h"}, {"type", "t"}}),
+            Parent("a:author", {Leaf("a:name", "n"), Leaf("a:uri", "u")}),
+            Parent("m:group", {With("m:thumbnail", {{"url", "u"}}),
+                               With("m:content", {{"url", "?rtyp=k2"}, {"type", kKmz}})})}));
+}
+
+// Only the low 32 bits of what find gives for an absent text are set on some platforms.
+TEST_F(ContentItemTest, AnAbsentTextIsTakenFromTheLowBits) {
+  for (const unsigned long absent : {0xFFFFFFFFUL, 0x12345678FFFFFFFFUL}) {
+    SetAbsentIndex(absent);
+    Load({Parent("a:author", {Leaf("a:uri", "http://u/?uq=1234")}),
+          Parent("m:group", {With("m:thumbnail", {{"url", "http://t/"}})})});
+    EXPECT_EQ(item.author_id_, "1234");
+    EXPECT_EQ(item.thumbnail_url_, "");
+    Load({Parent("a:author", {Leaf("a:uri", "http://u/")})});
+    EXPECT_EQ(item.author_id_, "");
+  }
+}
+
+TEST_F(ContentItemTest, RunningOutOfMemoryPassesThrough) {
+  const std::vector<XmlElement> entry = {
+      Leaf("a:id", "i"), With("a:link", {{"rel", "r"}, {"href", "h"}, {"type", "t"}}),
+      Parent("m:group", {With("m:thumbnail", {{"url", "u"}})})};
+  for (const char* const operation :
+       {"GetElementText a:id", "GetAttribute type", "NextElement m:thumbnail: none"}) {
+    SetFailingOperation(operation);
+    const auto reader = ReaderOf(Parent("a:entry", entry));
+    ASSERT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
+    EXPECT_THROW(item.Load(reader.get()), std::bad_alloc) << operation;
+  }
+}
+
+}  // namespace
+}  // namespace stowra_substitute

@@ -1,0 +1,135 @@
+// ContentQuery::QueryFeed and what it asks of its transport.
+
+#include <new>
+#include <string>
+
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/platform/internet_data.h"
+#include "tests/substitute/content_fixture.h"
+
+namespace stowra_substitute {
+namespace {
+
+using ovrant::stowraapiclient::ContentQuery;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+XmlElement Feed() {
+  return Parent("a:feed", {Leaf("a:title", "chairs"), Leaf("o:totalResults", "0"),
+                           Leaf("o:startIndex", "1"), Leaf("o:itemsPerPage", "12")});
+}
+
+class ContentQueryFeedTest : public ContentTest {
+ protected:
+  // A query that holds the feed "old".
+  ContentQueryFeedTest() {
+    XmlElement feed = Feed();
+    feed.children[0].text = "old";
+    ScriptDocument(feed);
+    EXPECT_TRUE(query.Load(nullptr, 0));
+    TakeEffects();
+  }
+
+  ContentQuery query;
+};
+
+TEST_F(ContentQueryFeedTest, DownloadsThenLoadsWhileTheTransportExists) {
+  ScriptTransfer(Reply(200, "body"));
+  ScriptDocument(Feed());
+  EXPECT_TRUE(query.QueryFeed("http://a/?q=chairs"));
+  EXPECT_EQ(query.title_, "chairs");
+  EXPECT_EQ(TakeLines(), R"(
+http://a/?q=chairs: constructed
+http://a/?q=chairs: Download
+Get_IXMLInput 4 bytes: body
+FindElement a:feed
+GetElementText a:title
+FindElement a:link: none
+GetElementInt o:totalResults
+GetElementInt o:startIndex
+GetElementInt o:itemsPerPage
+FindElement a:entry: none
+LeaveElement a:feed
+End_IXMLInput
+reader deleted
+http://a/?q=chairs: deleted
+)");
+}
+
+TEST_F(ContentQueryFeedTest, AnyStatusOfAResponseIsLoaded) {
+  for (const int status : {-200, 0, 100, 199, 200, 201, 204, 302, 404, 500}) {
+    query.Clear();
+    ScriptTransfer(Reply(status, "body"));
+    ScriptDocument(Feed());
+    EXPECT_TRUE(query.QueryFeed("http://a/")) << status;
+    EXPECT_EQ(query.title_, "chairs") << status;
+  }
+}
+
+TEST_F(ContentQueryFeedTest, AFailedDownloadKeepsTheOldResultsWhateverItsStatus) {
+  for (const int status : {0, 200, 404}) {
+    ScriptTransfer({false, status, "body", {}});
+    EXPECT_FALSE(query.QueryFeed("http://a/"));
+    EXPECT_THAT(TakeEffects(),
+                ElementsAre("http://a/: constructed", "http://a/: Download", "http://a/: deleted"));
+    EXPECT_EQ(query.title_, "old") << status;
+  }
+}
+
+TEST_F(ContentQueryFeedTest, AnEmptyUrlMakesNoTransport) {
+  EXPECT_FALSE(query.QueryFeed(""));
+  EXPECT_THAT(TakeEffects(), IsEmpty());
+  EXPECT_EQ(query.title_, "old");
+}
+
+TEST_F(ContentQueryFeedTest, AnUnreadableBodyEmptiesTheQueryAndTheTransportIsDeleted) {
+  ScriptTransfer(Reply(200, "no"));
+  ScriptUnreadableDocument();
+  EXPECT_FALSE(query.QueryFeed("http://a/"));
+  EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed", "http://a/: Download",
+                                         "Get_IXMLInput 2 bytes: no", "http://a/: deleted"));
+  EXPECT_EQ(query.title_, "");
+}
+
+TEST_F(ContentQueryFeedTest, AnEmptyBodyIsLoaded) {
+  ScriptTransfer(Reply(200, ""));
+  ScriptUnreadableDocument();
+  EXPECT_FALSE(query.QueryFeed("http://a/"));
+  EXPECT_THAT(TakeEffects(), testing::Contains("Get_IXMLInput 0 bytes: "));
+  EXPECT_EQ(query.title_, "");
+}
+
+TEST_F(ContentQueryFeedTest, TheBodyMayHoldZeroBytes) {
+  const std::string body("a\0b", 3);
+  ScriptTransfer(Reply(200, body));
+  ScriptUnreadableDocument();
+  EXPECT_FALSE(query.QueryFeed("http://a/"));
+  EXPECT_THAT(TakeEffects(), testing::Contains("Get_IXMLInput 3 bytes: " + body));
+}
+
+// Pages are turned so: what is cleared is also what names the next page.
+TEST_F(ContentQueryFeedTest, TheUrlMayBeTheQuerysOwn) {
+  for (ovrant::utils::ovrant_ustring ContentQuery::*url :
+       {&ContentQuery::next_url_, &ContentQuery::previous_url_, &ContentQuery::self_url_}) {
+    query.*url = "http://own/";
+    ScriptTransfer(Reply(200, "body"));
+    ScriptDocument(Feed());
+    EXPECT_TRUE(query.QueryFeed(query.*url));
+    const std::vector<std::string> effects = TakeEffects();
+    EXPECT_EQ(effects.front(), "http://own/: constructed");
+    EXPECT_EQ(effects.back(), "http://own/: deleted");
+    EXPECT_EQ(query.*url, "");
+  }
+}
+
+TEST_F(ContentQueryFeedTest, RunningOutOfMemoryDeletesTheTransport) {
+  ScriptTransfer(Reply(200, "body"));
+  ScriptDocument(Feed());
+  SetFailingOperation("GetElementInt o:startIndex");
+  EXPECT_THROW(query.QueryFeed("http://a/"), std::bad_alloc);
+  EXPECT_EQ(CountTransports(), 0);
+  EXPECT_EQ(query.title_, "");
+}
+
+}  // namespace
+}  // namespace stowra_substitute

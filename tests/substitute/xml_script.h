@@ -1,0 +1,56 @@
+// The test's side of the substitute's XML reader: the documents that it opens.
+
+#ifndef TESTS_SUBSTITUTE_XML_SCRIPT_H_
+#define TESTS_SUBSTITUTE_XML_SCRIPT_H_
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common_stowraapi/export.h"
+#include "common_stowraapi/platform/xml_input.h"
+
+namespace stowra_substitute {
+
+// An element of a document. Names are short: see ShortName.
+struct XmlElement {
+  using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+  std::string name;
+  Attributes attributes;
+  std::string text;
+  std::vector<XmlElement> children;
+};
+
+// A qualified name with a letter for its namespace: "a:" Atom, "o:" OpenSearch, "m:" Media RSS,
+// "s:" the service's own schema. A name in no namespace stays as it is.
+STOWRA_EXPORT std::string ShortName(const std::string& qualified_name);
+
+// What the next calls of Get_IXMLInput open, in turn. One that finds none records that, and opens
+// nothing.
+STOWRA_EXPORT void ScriptDocument(XmlElement root);
+STOWRA_EXPORT void ScriptUnreadableDocument();
+STOWRA_EXPORT int CountScriptedDocuments();
+
+// A reader at the document above that root. Each of its operations is recorded with the short name
+// that it was given, such as "FindElement a:title", and with ": none" when it finds nothing.
+STOWRA_EXPORT std::unique_ptr<ovrant::IXMLInput> ReaderOf(XmlElement root);
+
+// Readers that exist now.
+STOWRA_EXPORT int CountReaders();
+
+// Calls outside the contract since the last call: NextElement or LeaveElement of another name than
+// the current element's, anything else than LeaveElement after a failed NextElement, and an end
+// inside an element. Each is recorded, too.
+STOWRA_EXPORT int TakeReaderMisuses();
+
+// What LeaveElement gives, which nobody should look at. True at first.
+STOWRA_EXPORT void SetLeaveResult(bool result);
+
+// The operation of that record runs out of memory, once. Empty: none.
+STOWRA_EXPORT void SetFailingOperation(std::string record);
+
+}  // namespace stowra_substitute
+
+#endif  // TESTS_SUBSTITUTE_XML_SCRIPT_H_

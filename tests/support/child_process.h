@@ -1,0 +1,72 @@
+// Programs that a test runs as processes of their own.
+
+#ifndef TESTS_SUPPORT_CHILD_PROCESS_H_
+#define TESTS_SUPPORT_CHILD_PROCESS_H_
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace stowra_test {
+
+// A file descriptor that is closed with its owner, and that child processes do not inherit.
+class OwnedDescriptor {
+ public:
+  explicit OwnedDescriptor(int number = -1);
+  ~OwnedDescriptor() { Close(); }
+  OwnedDescriptor(OwnedDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  OwnedDescriptor& operator=(OwnedDescriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+
+  int number() const { return number_; }
+  void Close();
+
+  // All of `bytes`, or exactly `count` of them; false when the other end has gone.
+  bool WriteAll(std::string_view bytes) const;
+  bool ReadExactly(std::size_t count, std::string& bytes) const;
+
+ private:
+  int number_;
+};
+
+struct OwnedPipe {
+  OwnedPipe();
+
+  OwnedDescriptor read_end;
+  OwnedDescriptor write_end;
+};
+
+// Ended with SIGKILL if it still runs at destruction.
+class ChildProcess {
+ public:
+  struct Start {
+    std::string program;                           // a path
+    std::vector<std::string> arguments;            // without the program's name
+    std::vector<std::string> environment;          // "NAME=value", beside the test's own
+    std::vector<std::pair<int, int>> descriptors;  // (the test's, the child's)
+  };
+
+  // Fails the current test when the program cannot be run.
+  explicit ChildProcess(const Start& start);
+  ~ChildProcess();
+  ChildProcess(const ChildProcess&) = delete;
+  ChildProcess& operator=(const ChildProcess&) = delete;
+
+  void Signal(int number) const;
+
+  // Waits for its end. The exit status, or minus the signal that ended it.
+  int Wait();
+
+ private:
+  pid_t pid_ = -1;
+};
+
+}  // namespace stowra_test
+
+#endif  // TESTS_SUPPORT_CHILD_PROCESS_H_
