@@ -1,0 +1,224 @@
+// The content service's client against a web server that many services run.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/upload_config.h"
+#include "common_stowraapi/platform/internet_data.h"
+#include "tests/nginx/feed_text.h"
+#include "tests/nginx/nginx_server.h"
+#include "tests/support/certificates.h"
+#include "tests/support/temporary_folder.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::InternetData;
+using ovrant::internet::TransferDefaults;
+using ovrant::internet::TransferEvent;
+using ovrant::stowraapiclient::ContentQuery;
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::stowraapiclient::UploadFile;
+using ovrant::utils::ovrant_ustring;
+using ovrant::utils::StringMap;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr int kModels = 300;
+
+ovrant_ustring Text(const std::string& utf8) { return utf8.c_str(); }
+
+class NginxTest : public testing::Test {
+ protected:
+  NginxTest() { query_.max_qmf_version_ = 8; }
+
+  ~NginxTest() override {
+    InternetData::SetTransferListener({});
+    InternetData::SetDefaults(TransferDefaults());
+  }
+
+  void Trust(const CertificateAuthority& authority) const {
+    const std::filesystem::path file = folder_.path() / "authority.pem";
+    authority.WriteTo(file);
+    TransferDefaults defaults;
+    defaults.ca_file = Text(file.string());
+    InternetData::SetDefaults(defaults);
+  }
+
+  void ExpectModels(const std::string& title, int models) const {
+    EXPECT_EQ(query_.title_.utf8(), title);
+    EXPECT_EQ(query_.total_results_, models);
+    EXPECT_EQ(query_.next_url_.utf8(), "http://next.example/");
+    ASSERT_THAT(query_.items_, SizeIs(static_cast<std::size_t>(models)));
+    for (int i = 0; i < models; ++i) {
+      EXPECT_EQ(query_.items_[static_cast<std::size_t>(i)]->title_.utf8(), ModelTitle(i));
+      EXPECT_EQ(query_.items_[static_cast<std::size_t>(i)]->download_url_.utf8(), ModelDownload(i));
+    }
+  }
+
+  // Queries one page; its only request, or the last of two.
+  LoggedRequest QueryPage(const std::string& path, std::size_t requests = 1) {
+    NginxServer server;
+    server.AddFile("feed", FeedText("chairs", kModels));
+    EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path))));
+    ExpectModels("chairs", kModels);
+    const std::vector<LoggedRequest> log = server.Stop();
+    EXPECT_THAT(log, SizeIs(requests));
+    return log.empty() ? LoggedRequest() : log.back();
+  }
+
+  // A server with a certificate that does not do: the query fails for that reason, before there is
+  // a request, and keeps what it had.
+  void ExpectRefused(const Certificate& certificate) {
+    query_.title_ = "before";
+    std::string error;
+    InternetData::SetTransferListener([&error](const TransferEvent& event) {
+      if (event.kind == TransferEvent::Kind::kEnded) error = event.error.utf8();
+    });
+    NginxServer server(&certificate);
+    server.AddFile("feed", FeedText("chairs", 3));
+    EXPECT_FALSE(query_.QueryFeed(Text(server.Url("/plain/feed"))));
+    EXPECT_EQ(query_.title_.utf8(), "before");
+    EXPECT_THAT(error, HasSubstr("certificate"));
+    EXPECT_THAT(server.Stop(), IsEmpty());
+  }
+
+  ContentQuery query_;
+  const TemporaryFolder folder_;
+};
+
+TEST_F(NginxTest, SearchesAPageWithItsLength) {
+  const LoggedRequest request = QueryPage("/plain/feed");
+  EXPECT_EQ(request.content_length, std::to_string(FeedText("chairs", kModels).size()));
+  EXPECT_EQ(request.content_encoding, "-");
+}
+
+TEST_F(NginxTest, SearchesAPackedPage) {
+  const LoggedRequest request = QueryPage("/gzip/feed");
+  EXPECT_EQ(request.content_encoding, "gzip");
+  EXPECT_EQ(request.transfer_encoding, "chunked");
+}
+
+TEST_F(NginxTest, SearchesAPageInChunks) {
+  const LoggedRequest request = QueryPage("/chunked/feed");
+  EXPECT_EQ(request.content_encoding, "-");
+  EXPECT_EQ(request.transfer_encoding, "chunked");
+}
+
+TEST_F(NginxTest, FollowsARedirect) {
+  const LoggedRequest request = QueryPage("/moved/feed", 2);
+  EXPECT_EQ(request.path, "/plain/feed");
+  EXPECT_EQ(request.connection_requests, 2);
+}
+
+TEST_F(NginxTest, KeepsOneConnectionForAllPages) {
+  NginxServer server;
+  const std::vector<std::string> paths = {"/plain/a", "/gzip/b", "/chunked/a", "/moved/b",
+                                          "/gzip/a"};
+  server.AddFile("a", FeedText("chairs", 3));
+  server.AddFile("b", FeedText("tables", kModels));
+  for (const std::string& path : paths) {
+    EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path))));
+    path.back() == 'a' ? ExpectModels("chairs", 3) : ExpectModels("tables", kModels);
+  }
+  const std::vector<LoggedRequest> log = server.Stop();
+  ASSERT_THAT(log, SizeIs(paths.size() + 1));  // one is redirected
+  for (std::size_t i = 0; i < log.size(); ++i) {
+    EXPECT_EQ(log[i].connection, log[0].connection);
+    EXPECT_EQ(log[i].connection_requests, static_cast<int>(i + 1));
+  }
+}
+
+TEST_F(NginxTest, SearchesOverTls) {
+  const CertificateAuthority authority("Ours");
+  Trust(authority);
+  const Certificate certificate = authority.Issue("IP:127.0.0.1");
+  NginxServer server(&certificate);
+  server.AddFile("feed", FeedText("chairs", kModels));
+  for (const char* path : {"/plain/feed", "/gzip/feed", "/chunked/feed", "/moved/feed"}) {
+    EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path)))) << path;
+    ExpectModels("chairs", kModels);
+  }
+  EXPECT_THAT(server.Stop(), SizeIs(5));
+}
+
+TEST_F(NginxTest, RefusesACertificateForAnotherName) {
+  const CertificateAuthority authority("Ours");
+  Trust(authority);
+  ExpectRefused(authority.Issue("DNS:other.example,IP:127.0.0.2"));
+}
+
+TEST_F(NginxTest, RefusesAnExpiredCertificate) {
+  const CertificateAuthority authority("Ours");
+  Trust(authority);
+  ExpectRefused(authority.IssueExpired("IP:127.0.0.1"));
+}
+
+TEST_F(NginxTest, RefusesACertificateOfAnUnknownAuthority) {
+  Trust(CertificateAuthority("Ours"));
+  ExpectRefused(CertificateAuthority("Theirs").Issue("IP:127.0.0.1"));
+}
+
+TEST_F(NginxTest, TrustsNoAuthorityOfItsOwnAccord) {
+  ExpectRefused(CertificateAuthority("Ours").Issue("IP:127.0.0.1"));
+}
+
+// A body as a host builds and posts it; the status of the answer.
+int Upload(const UploadFile& file, const std::string& data, std::string& body) {
+  namespace multipartupload = ovrant::stowraapiclient::multipartupload;
+  const std::string boundary = multipartupload::GetBoundaryString();
+  std::stringstream out;
+  multipartupload::SetupPayload("m42", &file, reinterpret_cast<const unsigned char*>(data.data()),
+                                static_cast<unsigned long>(data.size()), boundary, &out);
+  body = out.str();
+  InternetData transport{file.upload_url_};
+  transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()),
+                          static_cast<unsigned long>(body.size()));
+  StringMap headers =
+      multipartupload::CreateHeaderDictionary(boundary, static_cast<unsigned long>(body.size()));
+  int status = 0;
+  EXPECT_TRUE(transport.SendAndRead(file.upload_url_, nullptr, nullptr, &status, &headers, false,
+                                    false, true, "", "", nullptr));
+  return status;
+}
+
+TEST_F(NginxTest, UploadsToWhereTheConfigurationSays) {
+  NginxServer server;
+  server.AddFile("config", UploadConfigText(server.Url("/upload?name=Chair")));
+  UploadConfig config;
+  config.Init(Text(server.Url("/gzip/config")));
+  ASSERT_TRUE(config.SynchronousQuery());
+  EXPECT_EQ(config.success_url_.utf8(), "http://pages.example/done");
+  ASSERT_THAT(config.files_, SizeIs(1));
+  EXPECT_TRUE(config.files_[0].zipped_);
+
+  std::string body;
+  EXPECT_EQ(Upload(config.files_[0], std::string(20'000'000, 'x'), body), 200);
+  const std::vector<LoggedRequest> log = server.Stop();
+  ASSERT_THAT(log, SizeIs(2));
+  EXPECT_EQ(log[1].method, "POST");
+  const std::vector<std::string> uploads = server.Uploads();
+  ASSERT_THAT(uploads, SizeIs(1));
+  EXPECT_TRUE(uploads[0] == body) << uploads[0].size() << " bytes of " << body.size();
+}
+
+TEST_F(NginxTest, HearsThatAnUploadIsTooLarge) {
+  NginxServer server;
+  UploadFile file;
+  file.upload_url_ = Text(server.Url("/upload/small"));
+  std::string body;
+  EXPECT_EQ(Upload(file, std::string(20'000'000, 'x'), body), 413);
+}
+
+}  // namespace
+}  // namespace stowra_test
