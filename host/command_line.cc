@@ -20,6 +20,9 @@ constexpr char kExamples[] =
     "  stowra user-info http://127.0.0.1:8080/user-info\n"
     "  stowra update http://127.0.0.1:8080/update --async --verbose\n"
     "  stowra extensions http://127.0.0.1:8080/extensions --body installed.json --json\n"
+    "  stowra search 'http://127.0.0.1:8080/search?q=chair' --all\n"
+    "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=k2'\n"
+    "  stowra upload http://127.0.0.1:8080/upload-config chair.qmf --subject-id m42\n"
     "  stowra update --help\n";
 
 void SetUp(CLI::App& app, Task& chosen) {
@@ -30,6 +33,11 @@ void SetUp(CLI::App& app, Task& chosen) {
   AddUserInfoCommand(app, chosen);
   AddUpdateCommand(app, chosen);
   AddExtensionsCommand(app, chosen);
+  AddSearchCommand(app, chosen);
+  AddDownloadCommand(app, chosen);
+  AddUploadConfigCommand(app, chosen);
+  AddUploadCommand(app, chosen);
+  AddDemoCommand(app, chosen);
 }
 
 // "stowra", or that and the command that the command line got to.

@@ -20,6 +20,11 @@ using Task = std::function<ExitStatus()>;
 void AddUserInfoCommand(CLI::App& app, Task& chosen);
 void AddUpdateCommand(CLI::App& app, Task& chosen);
 void AddExtensionsCommand(CLI::App& app, Task& chosen);
+void AddSearchCommand(CLI::App& app, Task& chosen);
+void AddDownloadCommand(CLI::App& app, Task& chosen);
+void AddUploadConfigCommand(CLI::App& app, Task& chosen);
+void AddUploadCommand(CLI::App& app, Task& chosen);
+void AddDemoCommand(CLI::App& app, Task& chosen);
 
 }  // namespace stowra
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# demo.sh STOWRA EMULATOR: every service of a local emulator, now and in the background.
+# demo.sh STOWRA EMULATOR: every service of a local emulator: the first three now and in the
+# background, then the content service.
 set -euo pipefail
 stowra=$1 emulator=$2
 
@@ -25,3 +26,5 @@ for mode in "" --async; do
   show update "$url/update" $mode
   show extensions "$url/extensions" --body - $mode <<<"$body"
 done
+
+"$stowra" demo "$url"

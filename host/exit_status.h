@@ -7,10 +7,10 @@ namespace stowra {
 
 enum class ExitStatus {
   kDone = 0,
-  kCannotRun = 1,  // no memory, or the result could not be written
+  kCannotRun = 1,  // no memory, or something could not be read or written
   kUsage = 2,
   kTransferFailed = 3,
-  kHttpStatus = 4,  // a response with any other status than 200
+  kHttpStatus = 4,  // any other status than 200, or of an upload than 2xx
   kUnusableResponse = 5,
 };
 

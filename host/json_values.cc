@@ -34,6 +34,12 @@ Value MakeInt(Document& document, int number) {
   return value;
 }
 
+Value MakeSize(Document& document, std::size_t number) {
+  Value value = document.MakeValue();
+  value.SetUint64(number);
+  return value;
+}
+
 Value MakeBool(Document& document, bool value) {
   Value made = document.MakeValue();
   made.SetBool(value);

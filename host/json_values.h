@@ -3,6 +3,7 @@
 #ifndef HOST_JSON_VALUES_H_
 #define HOST_JSON_VALUES_H_
 
+#include <cstddef>
 #include <string>
 
 #include "common_stowraapi/json/document.h"
@@ -17,6 +18,7 @@ ovrant::json::Value MakeArray(ovrant::json::Document& document);
 ovrant::json::Value MakeText(ovrant::json::Document& document,
                              const ovrant::utils::ovrant_ustring& text);
 ovrant::json::Value MakeInt(ovrant::json::Document& document, int number);
+ovrant::json::Value MakeSize(ovrant::json::Document& document, std::size_t number);
 ovrant::json::Value MakeBool(ovrant::json::Document& document, bool value);
 
 // The number as its shortest decimal text says it: 0.9F becomes 0.9 and not 0.89999998.

@@ -59,18 +59,18 @@ StringMap ToHeaders(const std::vector<std::string>& lines) {
   return headers;
 }
 
-}  // namespace
-
-void AddRequestOptions(CLI::App& command, RequestOptions& options) {
-  const CLI::Validator not_empty(CheckNotEmpty, "");
-  command.add_option("URL", options.url, "Address of the service")
+void AddUrl(CLI::App& command, RequestOptions& options, const char* name) {
+  command.add_option(name, options.url, "Address of the service")
       ->required()
       ->option_text(" ")
-      ->check(not_empty);
-  command.add_flag("--async", options.async, "Run in the background and complete on the main loop");
+      ->check(CLI::Validator(CheckNotEmpty, ""));
+}
+
+void AddJson(CLI::App& command, RequestOptions& options) {
   command.add_flag("--json", options.json, "Print the result as one line of JSON");
-  command.add_flag("-v,--verbose", options.verbose,
-                   "Print the notifications to stderr as they arrive");
+}
+
+void AddTransferOptions(CLI::App& command, RequestOptions& options) {
   command
       .add_option("--timeout", options.timeout,
                   "Fail after so long without progress; 30 unless given")
@@ -87,6 +87,25 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options) {
                   "PEM file of the certificate authorities to trust instead of the system's")
       ->type_name("FILE")
       ->check(CLI::Validator(CLI::ExistingFile).description(""));
+}
+
+}  // namespace
+
+void AddRequestOptions(CLI::App& command, RequestOptions& options) {
+  AddUrl(command, options, "URL");
+  command.add_flag("--async", options.async, "Run in the background and complete on the main loop");
+  AddJson(command, options);
+  command.add_flag("-v,--verbose", options.verbose,
+                   "Print the notifications to stderr as they arrive");
+  AddTransferOptions(command, options);
+}
+
+void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name) {
+  AddUrl(command, options, url_name);
+  AddJson(command, options);
+  command.add_flag("-v,--verbose", options.shows_transfers,
+                   "Print each transfer to stderr as it ends");
+  AddTransferOptions(command, options);
 }
 
 TransferDefaults MakeTransferDefaults(const RequestOptions& options) {

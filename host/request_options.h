@@ -18,7 +18,8 @@ struct RequestOptions {
   std::string url;
   bool async = false;
   bool json = false;
-  bool verbose = false;
+  bool verbose = false;              // notifications are shown
+  bool shows_transfers = false;      // each transfer is shown at its end
   float timeout = 0;                 // seconds; 0: the library's own
   std::vector<std::string> headers;  // "Name: value"
   std::string ca_file;
@@ -26,6 +27,10 @@ struct RequestOptions {
 
 // Adds them to `command`; `options` receives them and must live as long.
 void AddRequestOptions(CLI::App& command, RequestOptions& options);
+
+// The same for a command that only ever waits, and has no notifications to show: no --async, and
+// --verbose shows the transfers. The address is called `url_name` in the help.
+void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name = "URL");
 
 // What holds for the program's transfers.
 ovrant::internet::TransferDefaults MakeTransferDefaults(const RequestOptions& options);

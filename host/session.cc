@@ -16,7 +16,9 @@ constexpr int kHttpOk = 200;
 }  // namespace
 
 Session::Session(const RequestOptions& options, const std::vector<const char*>& notifications)
-    : options_(options), notifications_(notifications, options.verbose) {
+    : options_(options),
+      transfers_(options.shows_transfers),
+      notifications_(notifications, options.verbose) {
   InternetData::SetDefaults(MakeTransferDefaults(options));
 }
 
@@ -33,14 +35,14 @@ ExitStatus Session::Fail(const std::string& unusable) const {
     return ExitStatus::kTransferFailed;
   }
   if (!end->error.empty()) {
-    Complain(fmt::format("{}: {}", options_.url, end->error.utf8()));
+    Complain(fmt::format("{}: {}", end->url.utf8(), end->error.utf8()));
     return ExitStatus::kTransferFailed;
   }
   if (end->status != kHttpOk) {
-    Complain(fmt::format("{}: HTTP status {}", options_.url, end->status));
+    Complain(fmt::format("{}: HTTP status {}", end->url.utf8(), end->status));
     return ExitStatus::kHttpStatus;
   }
-  Complain(fmt::format("{}: the response is not usable: {}", options_.url, unusable));
+  Complain(fmt::format("{}: the response is not usable: {}", end->url.utf8(), unusable));
   return ExitStatus::kUnusableResponse;
 }
 

@@ -20,7 +20,11 @@ namespace stowra {
 class Session {
  public:
   // `notifications` are the public names to observe. `options` must outlive the session.
-  Session(const RequestOptions& options, const std::vector<const char*>& notifications);
+  explicit Session(const RequestOptions& options,
+                   const std::vector<const char*>& notifications = {});
+
+  // Shows on stderr, where that is a terminal, how far the transfers from now on have come.
+  void ShowProgress() { transfers_.ShowProgress(); }
 
   // Calls `start`, which starts one background transfer, and runs its completion on this thread.
   // Returns whether the notification `success`, one of those observed, has then arrived: a failure

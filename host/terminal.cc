@@ -39,10 +39,11 @@ std::string Printable(const std::string& text) {
   return units.utf8();
 }
 
-bool MayColour(std::FILE* stream) {
-  return isatty(fileno(stream)) == 1 && Environment("NO_COLOR").empty() &&
-         Environment("TERM") != "dumb";
+bool MayRedraw(std::FILE* stream) {
+  return isatty(fileno(stream)) == 1 && Environment("TERM") != "dumb";
 }
+
+bool MayColour(std::FILE* stream) { return MayRedraw(stream) && Environment("NO_COLOR").empty(); }
 
 ExitStatus WriteResult(const std::string& text) {
   if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) {
@@ -64,5 +65,7 @@ void Complain(const std::string& message) {
   const std::string line = fmt::format(style, "stowra:") + " " + Printable(message) + "\n";
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
+
+void Warn(const std::string& message) { Complain("warning: " + message); }
 
 }  // namespace stowra

@@ -14,16 +14,21 @@ namespace stowra {
 // replaced. Texts from a server or the command line go through here before they are shown.
 std::string Printable(const std::string& text);
 
-// Whether what is written to `stream` may be coloured: a terminal that is not dumb, unless the
-// environment's NO_COLOR has a value.
+// Whether a line on `stream` may be written over: a terminal that is not dumb.
+bool MayRedraw(std::FILE* stream);
+
+// Whether what is written to `stream` may be coloured: the same, unless the environment's NO_COLOR
+// has a value.
 bool MayColour(std::FILE* stream);
 
 // Writes the result to stdout. kCannotRun, after a message, when that fails.
 ExitStatus WriteResult(const std::string& text);
 
-// One line on stderr: the second with the program's name before it.
+// One line on stderr: the second with the program's name before it, the third with that and
+// "warning".
 void Note(const std::string& message);
 void Complain(const std::string& message);
+void Warn(const std::string& message);
 
 }  // namespace stowra
 

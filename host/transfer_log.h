@@ -1,4 +1,4 @@
-// How the transfers ended.
+// How the transfers go.
 
 #ifndef HOST_TRANSFER_LOG_H_
 #define HOST_TRANSFER_LOG_H_
@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "common_stowraapi/platform/transfer_types.h"
+#include "host/progress_bar.h"
 
 namespace stowra {
 
@@ -15,20 +16,26 @@ namespace stowra {
 // in a process; safe from any thread.
 class TransferLog {
  public:
-  TransferLog();
+  // With `verbose` each transfer is a line on stderr at its end.
+  explicit TransferLog(bool verbose);
   ~TransferLog();
 
   TransferLog(const TransferLog&) = delete;
   TransferLog& operator=(const TransferLog&) = delete;
 
+  // Shows on stderr, where that is a terminal, how far each transfer has come.
+  void ShowProgress();
+
   // Nothing while no transfer has ended.
   std::optional<ovrant::internet::TransferEvent> last_end() const;
 
  private:
-  void Note(const ovrant::internet::TransferEvent& event);
+  void Take(const ovrant::internet::TransferEvent& event);
 
+  const bool verbose_;
   mutable std::mutex mutex_;
   std::optional<ovrant::internet::TransferEvent> last_end_;
+  std::optional<ProgressBar> progress_;
 };
 
 }  // namespace stowra

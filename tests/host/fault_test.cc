@@ -23,7 +23,7 @@ constexpr FaultCase kFaults[] = {
     {"bomb", 3, "the response's body is too large"},
     {"garbage", 5,
      "the response is not usable: it (is not JSON that can be read|holds the status of no "
-     "extension)"},
+     "extension|is not an Atom feed[^\n]*|is not an upload configuration[^\n]*)"},
     {"redirect-loop", 3, "[^\n]*redirects[^\n]*"},
 };
 
@@ -31,6 +31,12 @@ const std::vector<std::string> kCommands[] = {
     {"user-info", "/user-info"},
     {"update", "/update"},
     {"extensions", "/extensions", "--body", "-"},
+};
+
+// These know no --async.
+const std::vector<std::string> kWaitingCommands[] = {
+    {"search", "/search?q=nothing&"},
+    {"upload-config", "/upload-config"},
 };
 
 class FaultTest
@@ -50,7 +56,8 @@ TEST_P(FaultTest, EndsWithItsStatusAndOneLine) {
   const auto& [fault, command, mode] = GetParam();
   const EmulatorProcess emulator;
   std::vector<std::string> arguments = command;
-  arguments[1] = emulator.url() + arguments[1] + "?fault=" + fault.fault;
+  const bool has_query = arguments[1].back() == '&';
+  arguments[1] = emulator.url() + arguments[1] + (has_query ? "" : "?") + "fault=" + fault.fault;
   const std::string url = arguments[1];
   if (*mode != '\0') arguments.emplace_back(mode);
   if (std::string(fault.fault) == "stall:60") {
@@ -74,6 +81,10 @@ TEST_P(FaultTest, EndsWithItsStatusAndOneLine) {
 INSTANTIATE_TEST_SUITE_P(, FaultTest,
                          testing::Combine(testing::ValuesIn(kFaults), testing::ValuesIn(kCommands),
                                           testing::Values("", "--async")),
+                         Name);
+INSTANTIATE_TEST_SUITE_P(Waiting, FaultTest,
+                         testing::Combine(testing::ValuesIn(kFaults),
+                                          testing::ValuesIn(kWaitingCommands), testing::Values("")),
                          Name);
 
 class NoServerTest : public InBothModes {};

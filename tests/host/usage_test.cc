@@ -35,6 +35,19 @@ const UsageCase kWrongUsages[] = {
     {{"update", kUrl, "--header", "two\nlines"}, "is not of the form"},
     {{"update", kUrl, "--cacert", "/nowhere/ca.pem"}, "/nowhere/ca.pem"},
     {{"extensions", kUrl}, "--body is required (see stowra extensions --help)"},
+    {{"search"}, "URL is required (see stowra search --help)"},
+    {{"search", kUrl, "--async"}, "--async"},
+    {{"search", kUrl, "--max-qmf-version", "-1"}, "--max-qmf-version"},
+    {{"search", kUrl, "--max-qmf-version", "x"}, "--max-qmf-version"},
+    {{"upload-config", kUrl, "--async"}, "--async"},
+    {{"download", kUrl, "--async"}, "--async"},
+    {{"download", kUrl, "-o"}, "-o"},
+    {{"upload"}, "CONFIG_URL is required (see stowra upload --help)"},
+    {{"upload", kUrl, "--subject-id", "m"}, "FILE is required"},
+    {{"upload", kUrl, "/nowhere/a.qmf", "--subject-id", "m"}, "/nowhere/a.qmf"},
+    {{"upload", kUrl, "/", "--subject-id", "m"}, "FILE"},
+    {{"upload", kUrl, kStowra}, "--subject-id is required (see stowra upload --help)"},
+    {{"demo", kUrl, "more"}, "more"},
 };
 
 TEST(UsageTest, WrongUsageIsOneLineAndStatusTwo) {
@@ -58,6 +71,11 @@ TEST(UsageTest, HelpBeginsWithExamples) {
       {{"user-info", "--help"}, "  stowra user-info http"},
       {{"update", "--help"}, "  stowra update http"},
       {{"extensions", "--help"}, "  stowra extensions http"},
+      {{"search", "--help"}, "  stowra search 'http"},
+      {{"download", "--help"}, "  stowra download 'http"},
+      {{"upload-config", "--help"}, "  stowra upload-config http"},
+      {{"upload", "--help"}, "  stowra upload http"},
+      {{"demo", "--help"}, "  stowra demo\n"},
   };
   for (const auto& [arguments, example] : cases) {
     const Outcome outcome = RunStowra(arguments);
@@ -81,6 +99,19 @@ TEST(UsageTest, HelpListsTheCommandsAndTheirOptions) {
     }
   }
   EXPECT_THAT(RunStowra({"extensions", "--help"}).out, HasSubstr("--body"));
+  for (const char* command : {"search", "upload-config", "upload", "download"}) {
+    EXPECT_THAT(help, HasSubstr(std::string("\n  ") + command));
+    const std::string own = RunStowra({command, "--help"}).out;
+    for (const char* option :
+         {"--json", "--verbose", "--timeout", "--header", "--cacert", "Exit status"}) {
+      EXPECT_THAT(own, HasSubstr(option)) << command;
+    }
+    EXPECT_THAT(own, testing::Not(HasSubstr("--async"))) << command;
+  }
+  EXPECT_THAT(help, HasSubstr("\n  demo"));
+  EXPECT_THAT(RunStowra({"search", "--help"}).out, HasSubstr("--all"));
+  EXPECT_THAT(RunStowra({"upload", "--help"}).out, HasSubstr("--subject-id"));
+  EXPECT_THAT(RunStowra({"download", "--help"}).out, HasSubstr("--output"));
 }
 
 TEST(UsageTest, VersionIsThatOfTheLibrary) {

@@ -1,0 +1,95 @@
+// stowra download: a model's file.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "host/commands.h"
+#include "host/download_name.h"
+#include "host/file_access.h"
+#include "host/json_values.h"
+#include "host/request_options.h"
+#include "host/response_headers.h"
+#include "host/session.h"
+#include "host/table.h"
+#include "host/terminal.h"
+
+namespace stowra {
+
+using ovrant::internet::InternetData;
+using ovrant::json::Document;
+using ovrant::utils::ovrant_ustring;
+
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=k2'\n"
+    "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=s7' -o chair.qmf\n";
+
+constexpr int kHttpOk = 200;
+
+struct DownloadOptions : RequestOptions {
+  std::string file;  // empty: as the server calls it
+};
+
+std::string ToTable(const std::string& file, std::size_t bytes) {
+  Table table(Table::Labels::kFirstColumn);
+  table.AddRow({"file", file});
+  table.AddRow({"bytes", fmt::format("{}", bytes)});
+  return table.ToText(MayColour(stdout));
+}
+
+std::string ToJson(const std::string& file, std::size_t bytes) {
+  Document document;
+  document.AddMember("file", MakeText(document, ovrant_ustring(file.data(), file.size())));
+  document.AddMember("bytes", MakeSize(document, bytes));
+  return ToLine(document);
+}
+
+ExitStatus Keep(const InternetData& transport, const DownloadOptions& options) {
+  const bool is_named = !options.file.empty();
+  const std::string file =
+      is_named ? options.file
+               : ChooseFileName(FindHeader(transport.received_headers(), "Content-Disposition"),
+                                options.url);
+  const std::string_view content(reinterpret_cast<const char*>(transport.received_data()),
+                                 transport.received_data_length());
+  std::string why;
+  if (!WriteFile(file, content, is_named ? Existing::kReplace : Existing::kKeep, why)) {
+    Complain(fmt::format("{}: {}", file, why));
+    return ExitStatus::kCannotRun;
+  }
+  return WriteResult(options.json ? ToJson(file, content.size()) : ToTable(file, content.size()));
+}
+
+ExitStatus Run(const DownloadOptions& options) {
+  Session session(options);
+  session.ShowProgress();
+  InternetData transport(ovrant_ustring(options.url.data(), options.url.size()));
+  if (!transport.Download() || transport.status_code() != kHttpOk) return session.Fail("");
+  return Keep(transport, options);
+}
+
+}  // namespace
+
+void AddDownloadCommand(CLI::App& app, Task& chosen) {
+  const auto options = std::make_shared<DownloadOptions>();
+  CLI::App& command = *app.add_subcommand("download", "Fetch a model's file");
+  command.footer(kExamples);
+  AddWaitingOptions(command, *options);
+  command
+      .add_option("-o,--output", options->file,
+                  "Write to this file, and replace one that is there; without it the server names "
+                  "the file, which is put into the current folder and must not be there")
+      ->type_name("FILE")
+      ->check(CLI::Validator(
+          [](const std::string& file) { return std::string(file.empty() ? "empty" : ""); }, ""));
+  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+}
+
+}  // namespace stowra

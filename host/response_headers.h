@@ -1,0 +1,16 @@
+// Headers of a response.
+
+#ifndef HOST_RESPONSE_HEADERS_H_
+#define HOST_RESPONSE_HEADERS_H_
+
+#include "common_stowraapi/platform/ustring.h"
+
+namespace stowra {
+
+// The value of the header of that name, whatever its letter case; empty without one.
+ovrant::utils::ovrant_ustring FindHeader(const ovrant::utils::StringMap& headers,
+                                         const ovrant::utils::ovrant_ustring& name);
+
+}  // namespace stowra
+
+#endif  // HOST_RESPONSE_HEADERS_H_

@@ -1,0 +1,207 @@
+// stowra upload: sends the files of a model.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/upload_config.h"
+#include "common_stowraapi/platform/internet_data.h"
+#include "host/commands.h"
+#include "host/file_access.h"
+#include "host/json_values.h"
+#include "host/request_options.h"
+#include "host/response_headers.h"
+#include "host/session.h"
+#include "host/table.h"
+#include "host/terminal.h"
+#include "host/upload_body.h"
+#include "host/upload_configuration.h"
+#include "host/upload_problems.h"
+
+namespace stowra {
+
+using ovrant::internet::InternetData;
+using ovrant::json::Document;
+using ovrant::json::Value;
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::stowraapiclient::UploadFile;
+using ovrant::utils::GetFileName;
+using ovrant::utils::ovrant_ustring;
+using ovrant::utils::StringMap;
+namespace multipartupload = ovrant::stowraapiclient::multipartupload;
+
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  stowra upload http://127.0.0.1:8080/upload-config chair.qmf --subject-id m42\n"
+    "  stowra upload 'http://127.0.0.1:8080/upload-config?zipped=true' chair.qmf.zip \\\n"
+    "    --subject-id m42\n"
+    "\n"
+    "Each file goes to the next address of the upload configuration; the first that fails is the\n"
+    "last. The result URL is the page to show in the end. Where the configuration asks for more "
+    "or\n"
+    "fewer files, nothing is sent and the exit status is 2. A file or form that a server may read\n"
+    "otherwise than it is meant is sent with a warning.\n";
+
+struct UploadOptions : RequestOptions {
+  std::vector<std::string> files;
+  std::string subject_id;
+};
+
+// What became of one file.
+struct SentFile {
+  std::string file;
+  std::size_t bytes = 0;
+  int status = 0;           // HTTP; 0 without a response
+  ovrant_ustring location;  // as the response names it; may be empty
+};
+
+struct Upload {
+  std::vector<SentFile> files;
+  ovrant_ustring result_url;
+};
+
+ovrant_ustring ToText(const std::string& utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
+
+bool IsHttpSuccess(int status) { return status >= 200 && status < 300; }
+
+// Sends the files one after the other, each to its place in the configuration.
+class Uploader {
+ public:
+  Uploader(const Session& session, const UploadOptions& options)
+      : session_(session), options_(options) {}
+
+  // Whatever is returned, `sent` says what was done. Anything but kDone has been said on stderr.
+  ExitStatus Send(const std::string& path, UploadFile& file, SentFile& sent) {
+    // The configuration says in which of two forms the file goes; the user gives just that one.
+    (file.zipped_ ? file.zipped_file_path_ : file.file_path_) = ToText(path);
+    sent.file = path;
+    InternetData transport(file.upload_url_);
+    StringMap headers;
+    if (!Load(path, file, transport, headers, sent.bytes)) return ExitStatus::kCannotRun;
+    const bool received =
+        transport.SendAndRead(file.upload_url_, nullptr, nullptr, &sent.status, &headers, false,
+                              false, true, ovrant_ustring(), ovrant_ustring(), nullptr);
+    if (!received || !IsHttpSuccess(sent.status)) return session_.Fail("");
+    sent.location = FindHeader(transport.received_headers(), "Location");
+    return ExitStatus::kDone;
+  }
+
+ private:
+  // Makes the request from the file. Of content and body no more than two copies are ever held.
+  bool Load(const std::string& path, const UploadFile& file, InternetData& transport,
+            StringMap& headers, std::size_t& bytes) {
+    std::string content;
+    std::string why;
+    if (!ReadFile(path, content, why)) {
+      Complain(fmt::format("{}: {}", path, why));
+      return false;
+    }
+    bytes = content.size();
+    const std::string boundary = multipartupload::GetBoundaryString();
+    const std::string body = MakeUploadBody(ToText(options_.subject_id), file, content, boundary);
+    WarnOfProblems(path, content, body.size(), boundary);
+    std::string().swap(content);
+    headers = multipartupload::CreateHeaderDictionary(boundary, body.size());
+    transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
+    return true;
+  }
+
+  void WarnOfProblems(const std::string& path, const std::string& content, std::size_t size,
+                      const std::string& boundary) {
+    const std::string name = GetFileName(ToText(path), true).utf8();
+    for (const std::string& problem :
+         FindUploadProblems({name, content, size, boundary, previous_boundary_})) {
+      Warn(fmt::format("{}: {}", path, problem));
+    }
+    previous_boundary_ = boundary;
+  }
+
+  const Session& session_;
+  const UploadOptions& options_;
+  std::string previous_boundary_;
+};
+
+std::string ToTable(const Upload& upload) {
+  const bool coloured = MayColour(stdout);
+  Table files(Table::Labels::kFirstRow);
+  files.AddRow({"file", "bytes", "HTTP status", "location"});
+  for (const SentFile& sent : upload.files) {
+    files.AddRow({sent.file, fmt::format("{}", sent.bytes), fmt::format("{}", sent.status),
+                  sent.location.utf8()});
+  }
+  Table result(Table::Labels::kFirstColumn);
+  result.AddRow({"result url", upload.result_url.utf8()});
+  return files.ToText(coloured) + "\n" + result.ToText(coloured);
+}
+
+std::string ToJson(const Upload& upload) {
+  Document document;
+  Value files = MakeArray(document);
+  for (const SentFile& sent : upload.files) {
+    Value file = MakeObject(document);
+    file.AddMember("file", MakeText(document, ToText(sent.file)));
+    file.AddMember("bytes", MakeSize(document, sent.bytes));
+    file.AddMember("status", MakeInt(document, sent.status));
+    file.AddMember("location", MakeText(document, sent.location));
+    files.PushBack(file);
+  }
+  document.AddMember("files", files);
+  document.AddMember("result_url", MakeText(document, upload.result_url));
+  return ToLine(document);
+}
+
+ExitStatus SendAll(const Session& session, const UploadOptions& options, UploadConfig& config) {
+  Uploader uploader(session, options);
+  Upload upload;
+  ExitStatus status = ExitStatus::kDone;
+  for (std::size_t i = 0; i < options.files.size() && status == ExitStatus::kDone; ++i) {
+    status = uploader.Send(options.files[i], config.files_[i], upload.files.emplace_back());
+  }
+  upload.result_url = status == ExitStatus::kDone ? config.success_url_ : config.failure_url_;
+  const ExitStatus written = WriteResult(options.json ? ToJson(upload) : ToTable(upload));
+  return status == ExitStatus::kDone ? written : status;
+}
+
+ExitStatus Run(const UploadOptions& options) {
+  Session session(options);
+  UploadConfig config;
+  const ExitStatus status = AskForUploadConfig(session, options.url, config);
+  if (status != ExitStatus::kDone) return status;
+  if (config.files_.size() != options.files.size()) {
+    Complain(fmt::format("{}: the configuration asks for {} files, and {} are given", options.url,
+                         config.files_.size(), options.files.size()));
+    return ExitStatus::kUsage;
+  }
+  session.ShowProgress();
+  return SendAll(session, options, config);
+}
+
+}  // namespace
+
+void AddUploadCommand(CLI::App& app, Task& chosen) {
+  const auto options = std::make_shared<UploadOptions>();
+  CLI::App& command = *app.add_subcommand("upload", "Send the files of a model");
+  command.footer(kExamples);
+  AddWaitingOptions(command, *options, "CONFIG_URL");
+  command
+      .add_option(
+          "FILE", options->files,
+          "As many as the configuration asks for (status 2 otherwise, and nothing is sent), "
+          "zipped where it says so")
+      ->option_text(" ")
+      ->required()
+      ->check(CLI::Validator(CLI::ExistingFile).description(""));
+  command.add_option("--subject-id", options->subject_id, "What the model belongs to")
+      ->option_text("ID, required")
+      ->required();
+  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+}
+
+}  // namespace stowra

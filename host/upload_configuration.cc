@@ -1,0 +1,15 @@
+#include "host/upload_configuration.h"
+
+namespace stowra {
+
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::utils::ovrant_ustring;
+
+ExitStatus AskForUploadConfig(const Session& session, const std::string& url,
+                              UploadConfig& config) {
+  config.Init(ovrant_ustring(url.data(), url.size()));
+  if (config.SynchronousQuery()) return ExitStatus::kDone;
+  return session.Fail("it is not an upload configuration with all that is required");
+}
+
+}  // namespace stowra

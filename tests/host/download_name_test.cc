@@ -1,0 +1,87 @@
+#include "host/download_name.h"
+
+#include <gtest/gtest.h>
+
+namespace stowra {
+namespace {
+
+constexpr char kUrl[] = "http://h/files/model?mid=1";
+
+struct NameCase {
+  const char* header;
+  const char* name;
+};
+
+TEST(DownloadNameTest, HeaderNamesTheFile) {
+  const NameCase cases[] = {
+      {"attachment; filename=\"chair.qmf\"", "chair.qmf"},
+      {"attachment; filename=\"chair.kmz\"; size=5", "chair.kmz"},
+      {"attachment; filename=chair.qmf", "chair.qmf"},
+      {"attachment; filename=chair.kmz; size=5", "chair.kmz"},
+      {"attachment; filename=\"Blue chair.qmf.zip\"", "Blue chair.qmf.zip"},
+      {"attachment; filename=\"a.qmf.kmz\"", "a.qmf.kmz"},
+      {"attachment; filename=\"a.kmz.qmf\"", "a.kmz.qmf"},
+      {"attachment; filename=\"Stühle 木.qmf\"", "Stühle 木.qmf"},
+      {"attachment; filename=\"a.b.qmf", "a.b.qmf"},
+      {"filename=\"chair.qmf2\"", "chair.qmf2"},
+  };
+  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+}
+
+TEST(DownloadNameTest, PathInTheHeaderIsDropped) {
+  const NameCase cases[] = {
+      {"filename=\"../../etc/chair.qmf\"", "chair.qmf"},
+      {"filename=\"/etc/chair.qmf\"", "chair.qmf"},
+      {"filename=\"C:\\models\\chair.kmz\"", "chair.kmz"},
+      {"filename=\"a\\b/chair.qmf\"", "chair.qmf"},
+      {"filename=\"chair.qmf/../../x\"", "x"},
+      {"filename=\"x.qmf\\chair.qmf\"", "chair.qmf"},
+  };
+  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+}
+
+TEST(DownloadNameTest, HeaderWithoutAFitNameIsNotUsed) {
+  const char* const headers[] = {
+      "",
+      "attachment",
+      "attachment; filename=\"chair.zip\"",
+      "attachment; filename=\".qmf\"",
+      "attachment; filename=\"..qmf\"",
+      "attachment; filename=\"../.qmf\"",
+      "attachment; filename=\"/.kmz\"",
+      "attachment; filename=\".hidden.qmf\"",
+      "attachment; filename=\"a/.hidden.qmf\"",
+      "attachment; filename=\"chair.qmf/\"",
+      "attachment; filename=\"chair.qmf/..\"",
+      "attachment; filename=\"chair.qmf\\.\"",
+      "attachment; filename=\"a\x07.qmf\"",
+      "attachment; filename=\"a\u009B31m.qmf\"",
+      "attachment; filename=\"a\u2028.qmf\"",
+      "attachment; filename=\"a\\\"b.qmf\"",
+      "attachment; filename=\"a.bin\"; filename*=UTF-8''a.qmf",
+      ".qmf; filename=\"a.zip\"",
+  };
+  for (const char* header : headers) EXPECT_EQ(ChooseFileName(header, kUrl), "model") << header;
+}
+
+TEST(DownloadNameTest, AddressNamesTheFileOtherwise) {
+  const NameCase cases[] = {
+      {"http://h/a/chair.zip?x=/y#/z", "chair.zip"},
+      {"https://h/chair%20a", "chair%20a"},
+      {"http://h/a/b\\c", "c"},
+      {"http://h/a#b?c", "a"},
+      {"http://h", "download"},
+      {"http://h/", "download"},
+      {"http://h/a/", "download"},
+      {"http://h/..", "download"},
+      {"http://h/.profile", "download"},
+      {"http://h/a\nb", "download"},
+      {"http://h?/x", "download"},
+      {"nonsense/name", "download"},
+      {"", "download"},
+  };
+  for (const auto& [url, name] : cases) EXPECT_EQ(ChooseFileName("", url), name) << url;
+}
+
+}  // namespace
+}  // namespace stowra

@@ -1,0 +1,115 @@
+#include "host/file_access.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/corpora.h"
+#include "tests/support/temporary_folder.h"
+
+namespace stowra {
+namespace {
+
+using stowra_test::TemporaryFolder;
+
+class FileAccessTest : public testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return (folder_.path() / name).string(); }
+
+  void Make(const std::string& name, const std::string& content) const {
+    std::ofstream(Path(name), std::ios::binary) << content;
+  }
+
+  std::size_t Count() const {
+    using std::filesystem::directory_iterator;
+    return static_cast<std::size_t>(
+        std::distance(directory_iterator(folder_.path()), directory_iterator()));
+  }
+
+  std::string why_;
+
+ private:
+  const TemporaryFolder folder_;
+};
+
+TEST_F(FileAccessTest, WritesAndReadsEveryByte) {
+  std::string content;
+  for (int i = 0; i < 100000; ++i) content += static_cast<char>(i + i / 256);
+  for (const Existing existing : {Existing::kKeep, Existing::kReplace}) {
+    const std::string file = Path(existing == Existing::kKeep ? "a" : "b");
+    ASSERT_TRUE(WriteFile(file, content, existing, why_)) << why_;
+    std::string read = "old";
+    ASSERT_TRUE(ReadFile(file, read, why_)) << why_;
+    EXPECT_TRUE(read == content);
+  }
+  EXPECT_EQ(Count(), 2U);
+}
+
+TEST_F(FileAccessTest, NewFileIsAsReadableAsAnyOther) {
+  const mode_t mask = umask(022);
+  ASSERT_TRUE(WriteFile(Path("a"), "x", Existing::kKeep, why_));
+  umask(mask);
+  struct stat status = {};
+  ASSERT_EQ(stat(Path("a").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0644U);
+  EXPECT_EQ(status.st_nlink, 1U);
+}
+
+TEST_F(FileAccessTest, KeepsWhatIsThere) {
+  Make("a", "old");
+  EXPECT_FALSE(WriteFile(Path("a"), "new", Existing::kKeep, why_));
+  EXPECT_EQ(why_, "File exists");
+  EXPECT_EQ(stowra_test::ReadFile(Path("a")), "old");
+  EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(FileAccessTest, ReplacesWhatIsThere) {
+  Make("a", "a longer one");
+  ASSERT_TRUE(WriteFile(Path("a"), "new", Existing::kReplace, why_)) << why_;
+  EXPECT_EQ(stowra_test::ReadFile(Path("a")), "new");
+  EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(FileAccessTest, DanglingLinkCountsAsThere) {
+  std::filesystem::create_symlink("nowhere", Path("a"));
+  EXPECT_FALSE(WriteFile(Path("a"), "new", Existing::kKeep, why_));
+  EXPECT_EQ(Count(), 1U);
+}
+
+TEST_F(FileAccessTest, OnlyRegularFilesAreReplaced) {
+  std::filesystem::create_directory(Path("folder"));
+  ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
+  for (const char* name : {"folder", "fifo"}) {
+    EXPECT_FALSE(WriteFile(Path(name), "new", Existing::kReplace, why_)) << name;
+    EXPECT_EQ(why_, "not a regular file");
+    EXPECT_FALSE(std::filesystem::is_regular_file(Path(name)));
+  }
+  EXPECT_EQ(Count(), 2U);
+}
+
+TEST_F(FileAccessTest, FolderThatIsMissingIsSaid) {
+  EXPECT_FALSE(WriteFile(Path("none/a"), "new", Existing::kReplace, why_));
+  EXPECT_EQ(why_, "No such file or directory");
+  EXPECT_EQ(Count(), 0U);
+}
+
+TEST_F(FileAccessTest, NameThatCannotBeIsSaidAndNothingIsLeft) {
+  EXPECT_FALSE(WriteFile(Path(std::string(300, 'a')), "new", Existing::kKeep, why_));
+  EXPECT_EQ(why_, "File name too long");
+  EXPECT_FALSE(WriteFile(Path(std::string(300, 'a')), "new", Existing::kReplace, why_));
+  EXPECT_EQ(Count(), 0U);
+}
+
+TEST_F(FileAccessTest, WhatCannotBeReadIsSaid) {
+  std::string content;
+  EXPECT_FALSE(ReadFile(Path("none"), content, why_));
+  EXPECT_EQ(why_, "No such file or directory");
+  std::filesystem::create_directory(Path("folder"));
+  EXPECT_FALSE(ReadFile(Path("folder"), content, why_));
+  EXPECT_EQ(why_, "Is a directory");
+}
+
+}  // namespace
+}  // namespace stowra

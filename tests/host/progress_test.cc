@@ -1,0 +1,191 @@
+#include "host/progress_bar.h"
+
+#include <fstream>
+#include <memory>
+
+#include "tests/host/content_replies.h"
+#include "tests/host/host_test.h"
+#include "tests/support/temporary_folder.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::TransferEvent;
+using stowra::ProgressBar;
+using stowra::ProgressText;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+TransferEvent Received(unsigned long bytes, unsigned long whole) {
+  TransferEvent event;
+  event.kind = TransferEvent::Kind::kProgress;
+  event.bytes_received = bytes;
+  event.bytes_expected = whole;
+  return event;
+}
+
+TEST(ProgressTextTest, ShowsHowMuchOfTheWholeIsThere) {
+  EXPECT_EQ(ProgressText(Received(0, 500)), "[                    ]   0%  0 bytes of 500 bytes");
+  EXPECT_EQ(ProgressText(Received(1234567, 2469134)),
+            "[##########          ]  50%  1.2 MB of 2.5 MB");
+  EXPECT_EQ(ProgressText(Received(999, 1000)), "[################### ]  99%  999 bytes of 1.0 KB");
+  EXPECT_EQ(ProgressText(Received(4000000000, 4000000000)),
+            "[####################] 100%  4.0 GB of 4.0 GB");
+}
+
+TEST(ProgressTextTest, ShowsTheBytesWhereTheWholeIsNotKnown) {
+  EXPECT_EQ(ProgressText(Received(0, 0)), "0 bytes");
+  EXPECT_EQ(ProgressText(Received(31415, 0)), "31.4 KB");
+}
+
+TEST(ProgressTextTest, UploadShowsWhatIsSent) {
+  TransferEvent event = Received(5, 10);
+  event.bytes_sent = 1;
+  event.bytes_to_send = 4;
+  EXPECT_EQ(ProgressText(event), "[#####               ]  25%  1 bytes of 4 bytes");
+}
+
+TEST(ProgressTextTest, MoreThanTheWholeIsTheWhole) {
+  EXPECT_THAT(ProgressText(Received(7, 5)), HasSubstr("[####################] 100%"));
+}
+
+TEST(ProgressTextTest, FitsOnALine) {
+  const unsigned long most = static_cast<unsigned long>(-1);
+  EXPECT_LE(ProgressText(Received(most, most)).size(), 60U);
+}
+
+class ProgressBarTest : public testing::Test {
+ protected:
+  ProgressBarTest() : stream_(std::tmpfile(), std::fclose) {
+    bar_.emplace(stream_.get(), [this] { return now_; });
+  }
+
+  void Pass(int milliseconds) { now_ += std::chrono::milliseconds(milliseconds); }
+
+  std::string Written() {
+    std::string text(static_cast<std::size_t>(std::ftell(stream_.get())), '\0');
+    std::rewind(stream_.get());
+    EXPECT_EQ(std::fread(text.data(), 1, text.size(), stream_.get()), text.size());
+    return text;
+  }
+
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream_;
+  std::chrono::steady_clock::time_point now_;
+  std::optional<ProgressBar> bar_;
+};
+
+TEST_F(ProgressBarTest, IsDrawnAtMostTenTimesASecond) {
+  bar_->Show(Received(1, 0));
+  for (int i = 2; i <= 100; ++i) {
+    Pass(11);
+    bar_->Show(Received(static_cast<unsigned long>(i), 0));
+  }
+  const std::string written = Written();
+  EXPECT_THAT(written, testing::StartsWith("\r1 bytes\r11 bytes\r21 bytes"));
+  EXPECT_EQ(std::count(written.begin(), written.end(), '\r'), 10);
+}
+
+TEST_F(ProgressBarTest, CoversWhatWasThereAndIsErasedAtTheEnd) {
+  bar_->Show(Received(12345, 0));
+  Pass(100);
+  bar_->Show(Received(7, 0));
+  TransferEvent end;
+  end.kind = TransferEvent::Kind::kEnded;
+  bar_->Show(end);
+  EXPECT_EQ(Written(), "\r12.3 KB\r7 bytes\r       \r");
+}
+
+TEST_F(ProgressBarTest, IsErasedByItsDestructor) {
+  bar_->Show(Received(7, 0));
+  bar_.reset();
+  EXPECT_EQ(Written(), "\r7 bytes\r       \r");
+}
+
+TEST_F(ProgressBarTest, NothingIsWrittenWithoutProgress) {
+  TransferEvent event;
+  event.kind = TransferEvent::Kind::kStarted;
+  bar_->Show(event);
+  event.kind = TransferEvent::Kind::kEnded;
+  bar_->Show(event);
+  bar_.reset();
+  EXPECT_EQ(Written(), "");
+}
+
+// Half of the body comes at once, and the rest slowly enough for the bar to move.
+RawServer::Handler HalfAtOnce() {
+  return [](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 Text\r\nContent-Length: 4\r\n\r\nab");
+    connection.Drip("cd", std::chrono::milliseconds(150));
+  };
+}
+
+Outcome Show(const std::vector<std::string>& arguments, const std::string& terminal) {
+  Start start;
+  start.arguments = arguments;
+  start.environment = {"TERM=" + terminal, "NO_COLOR=1"};
+  return RunOnTerminal(kStowra, start);
+}
+
+class ProgressOnTerminalTest : public testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return (folder_.path() / name).string(); }
+
+ private:
+  const TemporaryFolder folder_;
+};
+
+TEST_F(ProgressOnTerminalTest, DownloadShowsItsBar) {
+  const RawServer server(HalfAtOnce());
+  const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "xterm");
+  EXPECT_EQ(outcome.status, 0);
+  // How many more are drawn is a matter of time.
+  EXPECT_THAT(outcome.out, testing::MatchesRegex("\r\\[#{10} {10}\\]  50%  2 bytes of 4 bytes"
+                                                 "(\r\\[#+ *\\] +[0-9]+%  [34] bytes of 4 bytes)*"
+                                                 "\r {47}\rfile   [^\r]*/x\r\nbytes  4\r\n"));
+}
+
+TEST_F(ProgressOnTerminalTest, BarIsGoneBeforeAMessage) {
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 Text\r\nContent-Length: 4\r\n\r\nab");
+    connection.Close();
+  });
+  const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "xterm");
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.out, HasSubstr("2 bytes of 4 bytes\r" + std::string(47, ' ') +
+                                     "\rstowra: " + server.Url()));
+}
+
+TEST_F(ProgressOnTerminalTest, UploadShowsItsBar) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(
+        Response(200, Config({{"http://" + request.Header("Host") + "/?name=a&type=b", false}})));
+  });
+  std::ofstream(Path("a.qmf")) << std::string(3000000, 'x');
+  const Outcome outcome =
+      Show({"upload", server.Url(), Path("a.qmf"), "--subject-id", "m"}, "xterm");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out,
+              ContainsRegex("^\r\\[[# ]{20}\\] +[0-9]+%  [0-9.]+ [a-zA-Z]+ of 3.0 MB"));
+  EXPECT_THAT(outcome.out, ContainsRegex("\r +\rfile "));
+}
+
+TEST_F(ProgressOnTerminalTest, DumbTerminalShowsNone) {
+  const RawServer server(HalfAtOnce());
+  const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "dumb");
+  EXPECT_EQ(outcome.out, "file   " + Path("x") + "\r\nbytes  4\r\n");
+}
+
+TEST_F(ProgressOnTerminalTest, FileGetsNone) {
+  const RawServer server(HalfAtOnce());
+  EXPECT_EQ(RunStowra({"download", server.Url(), "-o", Path("x")}).err, "");
+}
+
+TEST_F(ProgressOnTerminalTest, SearchShowsNone) {
+  FeedText feed;
+  const RawServer server(Always(Response(200, Feed(feed))));
+  EXPECT_THAT(Show({"search", server.Url()}, "xterm").out, Not(HasSubstr("%")));
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,271 @@
+#include <atomic>
+
+#include "tests/host/content_replies.h"
+#include "tests/host/host_test.h"
+
+namespace stowra_test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+int CountOf(const std::string& part, const std::string& text) {
+  int count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+// Serves the pages /1, /2 ... in turn, each with one model and a link to the next.
+class PagesServer {
+ public:
+  // The last page leads to `last_next`, if that is not empty.
+  PagesServer(int pages, const std::string& last_next)
+      : server_([pages, last_next](const RawRequest& request, RawConnection& connection) {
+          const std::string base = "http://" + request.Header("Host") + "/";
+          const int page = std::stoi(request.target.substr(1));
+          FeedText feed;
+          feed.total = pages;
+          feed.start = page;
+          feed.per_page = 1;
+          feed.entries = {ModelEntry("m" + std::to_string(page), "Chair")};
+          if (page < pages) feed.next = base + std::to_string(page + 1);
+          if (page == pages && !last_next.empty()) feed.next = base + last_next;
+          connection.Write(Response(page <= pages ? 200 : 404, Feed(feed)));
+        }) {}
+
+  const RawServer& server() const { return server_; }
+
+ private:
+  RawServer server_;
+};
+
+TEST(SearchTest, PrintsTheResultsAsATable) {
+  FeedText feed;
+  feed.total = 100;
+  feed.per_page = 2;
+  feed.entries = {ModelEntry("m1", "Oak & Chair"), CollectionEntry("c1", "Chairs")};
+  const RawServer server(Always(Response(200, Feed(feed))));
+  const Outcome outcome = RunStowra({"search", server.Url()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out,
+            "title  chair\n"
+            "found  results 1 to 2 of 100\n"
+            "\n"
+            "title        author  kind        format  download\n"
+            "Oak & Chair  Zoë     model       k2      http://f/m1.kmz?rtyp=k2\n"
+            "Chairs       Zoë     collection          \n");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST(SearchTest, PrintsEveryFieldAsJson) {
+  FeedText feed;
+  feed.total = 30;
+  feed.start = 13;
+  feed.entries = {CollectionEntry("c1", "Chairs"), ModelEntry("m1", "Chair")};
+  feed.next = "http://q/next?a=1&b=2";
+  feed.previous = "http://q/previous";
+  const RawServer server(Always(Response(200, Feed(feed))));
+  const Outcome outcome = RunStowra({"search", server.Url(), "--json", "--max-qmf-version", "7"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out,
+            R"({"title":"chair","total_results":30,"start_index":13,"items_per_page":12,)"
+            R"("self_url":"http://q/self","previous_url":"http://q/previous",)"
+            R"("next_url":"http://q/next?a=1&b=2","html_url":"http://w/all","items":[)"
+            R"({"kind":"collection","id":"c1","title":"Chairs","summary":"All of it",)"
+            R"("author_name":"Zoë","author_uri":"http://a/?uq=u-1","author_id":"u-1",)"
+            R"("html_url":"http://w/c1","user_query_url":"http://q/c1",)"
+            R"("thumbnail_url":"http://t/c1?rtyp=st","download_url":"","download_format":"",)"
+            R"("collection_feed_url":"http://c/?x=1&q=is:downloadable",)"
+            R"("dynamic_component":true,"classified_component":true},)"
+            R"({"kind":"model","id":"m1","title":"Chair","summary":"",)"
+            R"("author_name":"Zoë","author_uri":"http://a/?uq=u-1","author_id":"u-1",)"
+            R"("html_url":"http://w/m1","user_query_url":"",)"
+            R"("thumbnail_url":"http://t/m1?rtyp=st","download_url":"http://f/m1.qmf?rtyp=s7",)"
+            R"("download_format":"qmf","collection_feed_url":"",)"
+            R"("dynamic_component":false,"classified_component":false}]})"
+            "\n");
+}
+
+TEST(SearchTest, TakesQmfFilesUpToTheVersionGiven) {
+  FeedText feed;
+  feed.entries = {ModelEntry("m1", "Chair")};
+  const RawServer server(Always(Response(200, Feed(feed))));
+  EXPECT_THAT(RunStowra({"search", server.Url()}).out, HasSubstr("k2      http://f/m1.kmz"));
+  EXPECT_THAT(RunStowra({"search", server.Url(), "--max-qmf-version", "6"}).out,
+              HasSubstr("k2      http://f/m1.kmz"));
+  EXPECT_THAT(RunStowra({"search", server.Url(), "--max-qmf-version", "7"}).out,
+              HasSubstr("qmf     http://f/m1.qmf"));
+}
+
+TEST(SearchTest, EntriesThatCannotBeUsedAreCountedOut) {
+  FeedText feed;
+  feed.total = 2;
+  feed.entries = {ModelEntry("m1", "Chair"), "<entry><id>broken</id></entry>"};
+  const RawServer server(Always(Response(200, Feed(feed))));
+  const Outcome outcome = RunStowra({"search", server.Url()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, HasSubstr("found  results 1 to 2 of 2, usable 1\n"));
+}
+
+TEST(SearchTest, FindingNothingIsDone) {
+  const RawServer server(Always(Response(200, Feed({}))));
+  const Outcome outcome = RunStowra({"search", server.Url()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "title  chair\nfound  0 results\n");
+  EXPECT_THAT(RunStowra({"search", server.Url(), "--json"}).out, EndsWith("\"items\":[]}\n"));
+}
+
+TEST(SearchTest, CountsAreOnlyNumbers) {
+  FeedText feed;
+  feed.total = 2147483647;
+  feed.start = 2147483647;
+  feed.per_page = 2147483647;
+  const RawServer far(Always(Response(200, Feed(feed))));
+  EXPECT_THAT(RunStowra({"search", far.Url()}).out,
+              HasSubstr("results 2147483647 to 2147483647 of 2147483647, usable 0"));
+  feed.start = -2147483647;
+  feed.per_page = -2147483647;
+  const RawServer negative(Always(Response(200, Feed(feed))));
+  EXPECT_THAT(RunStowra({"search", negative.Url()}).out, HasSubstr("found  0 results\n"));
+}
+
+TEST(SearchTest, OneEntryTwiceOnAPageIsShownTwice) {
+  FeedText feed;
+  feed.total = 2;
+  feed.entries = {ModelEntry("m1", "Chair"), ModelEntry("m1", "Chair")};
+  const RawServer server(Always(Response(200, Feed(feed))));
+  EXPECT_EQ(CountOf("http://f/m1.kmz", RunStowra({"search", server.Url()}).out), 2);
+}
+
+TEST(SearchTest, TextsOfTheServerCannotCommandTheTerminal) {
+  FeedText feed;
+  feed.entries = {ModelEntry("m1", "A&#x9B;31mB&#x85;C\nD")};
+  std::string text = Feed(feed);
+  const RawServer server(Always(Response(200, text)));
+  const Outcome outcome = RunStowra({"search", server.Url()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.find("\xC2\x9B"), std::string::npos);
+  EXPECT_EQ(outcome.out.find("\xC2\x85"), std::string::npos);
+  EXPECT_EQ(CountOf("\n", outcome.out), 5) << outcome.out;
+}
+
+TEST(SearchTest, OnePageUnlessAllAreAskedFor) {
+  const PagesServer pages(3, "");
+  const Outcome outcome = RunStowra({"search", pages.server().Url("/1")});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, HasSubstr("results 1 to 1 of 3\n"));
+  EXPECT_EQ(pages.server().requests().size(), 1U);
+}
+
+TEST(SearchAllTest, FollowsTheNextLinksToTheEnd) {
+  const PagesServer pages(3, "");
+  const Outcome outcome = RunStowra({"search", pages.server().Url("/1"), "--all"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_THAT(outcome.out, HasSubstr("results 1 to 3 of 3\n"));
+  for (const char* model : {"http://f/m1.kmz", "http://f/m2.kmz", "http://f/m3.kmz"}) {
+    EXPECT_EQ(CountOf(model, outcome.out), 1) << model;
+  }
+  EXPECT_EQ(pages.server().requests().size(), 3U);
+}
+
+TEST(SearchAllTest, StopsAtAPageThatItHasSeen) {
+  for (const std::string target : {"1", "2", "3"}) {
+    const PagesServer pages(3, target);
+    const Outcome outcome = RunStowra({"search", pages.server().Url("/1"), "--all"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "stowra: warning: " + pages.server().Url("/" + target) +
+                               ": not followed: the pages go round in a circle\n");
+    EXPECT_THAT(outcome.out, HasSubstr("results 1 to 3 of 3\n"));
+    EXPECT_EQ(pages.server().requests().size(), 3U);
+  }
+}
+
+TEST(SearchAllTest, StopsWhereOnlyTheAddressesAreNew) {
+  std::atomic<int> page = 0;
+  const RawServer server([&page](const RawRequest& request, RawConnection& connection) {
+    FeedText feed;
+    feed.total = 1;
+    feed.entries = {ModelEntry("m1", "Chair")};
+    feed.next = "http://" + request.Header("Host") + "/" + std::to_string(++page);
+    connection.Write(Response(200, Feed(feed)));
+  });
+  const Outcome outcome = RunStowra({"search", server.Url("/0"), "--all"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.err, HasSubstr("/101: not followed: the pages go round in a circle\n"));
+  EXPECT_EQ(server.requests().size(), 101U);
+  EXPECT_EQ(CountOf("http://f/m1.kmz", outcome.out), 1);
+}
+
+TEST(SearchAllTest, PageOfWhichNothingCanBeUsedIsNotTheEnd) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    FeedText feed;
+    feed.total = 2;
+    feed.per_page = 1;
+    const bool is_first = request.target == "/";
+    if (is_first) feed.next = "http://" + request.Header("Host") + "/2";
+    if (!is_first) feed.start = 2;
+    feed.entries = {is_first ? "<entry/>" : ModelEntry("m2", "Chair")};
+    connection.Write(Response(200, Feed(feed)));
+  });
+  const Outcome outcome = RunStowra({"search", server.Url(), "--all"});
+  EXPECT_THAT(outcome.out, HasSubstr("results 1 to 2 of 2, usable 1\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("http://f/m2.kmz"));
+}
+
+TEST(SearchAllTest, PageThatFailsIsNamedAndNothingIsPrinted) {
+  const RawServer server(Routes({}));
+  FeedText feed;
+  feed.entries = {ModelEntry("m1", "Chair")};
+  feed.next = server.Url("/gone");
+  const RawServer first(Always(Response(200, Feed(feed))));
+  const Outcome outcome = RunStowra({"search", first.Url(), "--all"});
+  EXPECT_EQ(outcome.status, 4);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "stowra: " + server.Url("/gone") + ": HTTP status 404\n");
+}
+
+TEST(SearchTest, ResponseThatIsNoUsableFeedIsSaid) {
+  FeedText uncounted;
+  std::string no_count = Feed(uncounted);
+  no_count.replace(no_count.find("<o:startIndex>1</o:startIndex>"), 30, "");
+  for (const std::string& body : {std::string("<html/>"), std::string("{}"), no_count}) {
+    const RawServer server(Always(Response(200, body)));
+    const Outcome outcome = RunStowra({"search", server.Url()});
+    EXPECT_EQ(outcome.status, 5);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "stowra: " + server.Url() +
+                               ": the response is not usable: it is not an Atom feed with a title "
+                               "and the three counts of a search\n");
+  }
+}
+
+TEST(SearchTest, VerbosePrintsTheTransfers) {
+  const std::string body = Feed({});
+  const RawServer server(Always(Response(200, body)));
+  const Outcome outcome = RunStowra({"search", server.Url(), "--verbose"});
+  EXPECT_EQ(outcome.err, "transfer " + server.Url() + ": HTTP status 200, bytes sent 0, received " +
+                             std::to_string(body.size()) + "\n");
+  const Outcome failed = RunStowra({"search", "ftp://x", "-v"});
+  EXPECT_THAT(failed.err, StartsWith("transfer ftp://x: not an http or https URL\nstowra: "));
+}
+
+TEST(SearchTest, FindsWhatTheEmulatorHas) {
+  const EmulatorProcess emulator;
+  const std::string url = emulator.url() + "/search?count=30";
+  const Outcome outcome = RunStowra({"search", url, "--all", "--max-qmf-version", "99"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_THAT(outcome.out, HasSubstr("results 1 to 106 of 106\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("木の椅子"));
+  EXPECT_THAT(outcome.out, HasSubstr("  collection  "));
+  const Outcome refused = RunStowra({"search", emulator.url() + "/search?count=0"});
+  EXPECT_EQ(refused.status, 4);
+  EXPECT_EQ(refused.err, "stowra: " + emulator.url() + "/search?count=0: HTTP status 400\n");
+}
+
+}  // namespace
+}  // namespace stowra_test
