@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "common_stowraapi/content/content_helpers.h"
@@ -17,58 +15,7 @@
 
 #ifdef STOWRA_COUNTS_ALLOCATIONS
 
-namespace {
-
-thread_local long live_allocations = 0;
-thread_local long live_arrays = 0;           // of those, the ones from new[]
-thread_local long allowed_allocations = -1;  // negative: all of them
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (allowed_allocations >= 0 && allowed_allocations-- == 0) throw std::bad_alloc();
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  ++live_allocations;
-  return block;
-}
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return operator new(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-
-void* operator new[](std::size_t size) {
-  void* const block = operator new(size);
-  ++live_arrays;
-  return block;
-}
-
-void operator delete(void* block) noexcept {
-  if (block != nullptr) --live_allocations;
-  std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
-
-void operator delete[](void* block) noexcept {
-  if (block != nullptr) --live_arrays;
-  operator delete(block);
-}
-
-void operator delete[](void* block, std::size_t) noexcept { operator delete[](block); }
-
 namespace stowra_test {
-
-long LiveAllocations() { return live_allocations; }
-
-FailingNew::FailingNew(long allowed) { allowed_allocations = allowed; }
-
-FailingNew::~FailingNew() { allowed_allocations = -1; }
-
 namespace {
 
 using ovrant::stowraapiclient::ContentItem;
@@ -77,29 +24,29 @@ using ovrant::stowraapiclient::UploadConfig;
 using ovrant::stowraapiclient::UploadFile;
 
 TEST(ThumbnailTest, AnItemDeletesItsThumbnailAsAnArray) {
-  const long arrays = live_arrays;
+  const long arrays = LiveArrays();
   const long allocations = LiveAllocations();
   {
     ContentItem item;
     item.SetThumbnailBuffer(3, new unsigned char[3]);
-    EXPECT_EQ(live_arrays, arrays + 1);
+    EXPECT_EQ(LiveArrays(), arrays + 1);
   }
-  EXPECT_EQ(live_arrays, arrays);
+  EXPECT_EQ(LiveArrays(), arrays);
   EXPECT_EQ(LiveAllocations(), allocations);
 }
 
 TEST(ThumbnailTest, ANewThumbnailReplacesTheOldOne) {
-  const long arrays = live_arrays;
+  const long arrays = LiveArrays();
   ContentItem item;
   item.SetThumbnailBuffer(1, new unsigned char[1]);
   auto* const second = new unsigned char[2];
   item.SetThumbnailBuffer(2, second);
-  EXPECT_EQ(live_arrays, arrays + 1);
+  EXPECT_EQ(LiveArrays(), arrays + 1);
   EXPECT_EQ(item.thumbnail_size_, 2);
   EXPECT_EQ(item.thumbnail_buffer_, second);
 
   item.SetThumbnailBuffer(7, nullptr);
-  EXPECT_EQ(live_arrays, arrays);
+  EXPECT_EQ(LiveArrays(), arrays);
   EXPECT_EQ(item.thumbnail_size_, 7);
   EXPECT_EQ(item.thumbnail_buffer_, nullptr);
   item.SetThumbnailBuffer(0, nullptr);
@@ -107,14 +54,14 @@ TEST(ThumbnailTest, ANewThumbnailReplacesTheOldOne) {
 }
 
 TEST(ThumbnailTest, ClearLetsTheThumbnailGoAndDoesNotDeleteIt) {
-  const long arrays = live_arrays;
+  const long arrays = LiveArrays();
   ContentItem item;
   item.SetThumbnailBuffer(1, new unsigned char[1]{42});
   const std::unique_ptr<unsigned char[]> mine(item.thumbnail_buffer_);
   item.Clear();
   EXPECT_EQ(item.thumbnail_size_, 0);
   EXPECT_EQ(item.thumbnail_buffer_, nullptr);
-  EXPECT_EQ(live_arrays, arrays + 1);
+  EXPECT_EQ(LiveArrays(), arrays + 1);
   EXPECT_EQ(mine[0], 42);
 }
 
@@ -133,7 +80,7 @@ TEST(QueryMemoryTest, AQueryDeletesItsItemsAndTheirThumbnails) {
       item->SetThumbnailBuffer(5, new unsigned char[5]);
     }
   };
-  const long arrays = live_arrays;
+  const long arrays = LiveArrays();
   {
     ContentQuery warm_up;
     fill(warm_up);
@@ -143,27 +90,16 @@ TEST(QueryMemoryTest, AQueryDeletesItsItemsAndTheirThumbnails) {
     ContentQuery query;
     fill(query);
     fill(query);
-    EXPECT_EQ(live_arrays, arrays + 2);
+    EXPECT_EQ(LiveArrays(), arrays + 2);
     query.Clear();
-    EXPECT_EQ(live_arrays, arrays);
+    EXPECT_EQ(LiveArrays(), arrays);
     fill(query);
     EXPECT_FALSE(LoadText("no", query));
-    EXPECT_EQ(live_arrays, arrays);
+    EXPECT_EQ(LiveArrays(), arrays);
     fill(query);
   }
-  EXPECT_EQ(live_arrays, arrays);
+  EXPECT_EQ(LiveArrays(), arrays);
   EXPECT_EQ(LiveAllocations(), allocations);
-}
-
-// Whether `work` threw std::bad_alloc when its allocation number `allowed` failed.
-bool Throws(const std::function<void()>& work, long allowed) {
-  try {
-    const FailingNew failing(allowed);
-    work();
-    return false;
-  } catch (const std::bad_alloc&) {
-    return true;
-  }
 }
 
 TEST(QueryMemoryTest, AQueryIsEmptyWhicheverAllocationOfALoadFails) {
@@ -181,7 +117,8 @@ TEST(QueryMemoryTest, AQueryIsEmptyWhicheverAllocationOfALoadFails) {
   for (; !loaded; ++allowed) {
     ContentQuery query;
     ASSERT_TRUE(query.Load(page.data(), page.length()));
-    const bool threw = Throws([&] { loaded = query.Load(page.data(), page.length()); }, allowed);
+    const bool threw =
+        RunsOutOfMemory([&] { loaded = query.Load(page.data(), page.length()); }, allowed);
     if (loaded) break;
     EXPECT_TRUE(query.items_.empty()) << allowed << (threw ? " thrown" : "");
     EXPECT_EQ(query.title_, "") << allowed;
@@ -203,8 +140,8 @@ TEST(UploadMemoryTest, AFailingAllocationIsAFailedParse) {
   long allowed = 0;
   for (; !parsed; ++allowed) {
     UploadConfig config;
-    EXPECT_FALSE(
-        Throws([&] { parsed = config.ParseResponse(document.data(), document.size()); }, allowed))
+    EXPECT_FALSE(RunsOutOfMemory(
+        [&] { parsed = config.ParseResponse(document.data(), document.size()); }, allowed))
         << allowed;
   }
   EXPECT_GT(allowed, 10);
@@ -218,7 +155,8 @@ TEST(UploadMemoryTest, AFailingAllocationIsAFailedQuery) {
     config.success_url_ = "old";
     config.files_.resize(1);
     bool succeeded = true;
-    EXPECT_FALSE(Throws([&] { succeeded = config.SynchronousQuery(); }, allowed)) << allowed;
+    EXPECT_FALSE(RunsOutOfMemory([&] { succeeded = config.SynchronousQuery(); }, allowed))
+        << allowed;
     EXPECT_FALSE(succeeded) << allowed;
     EXPECT_EQ(config.success_url_, "") << allowed;
     EXPECT_TRUE(config.files_.empty()) << allowed;
@@ -243,7 +181,7 @@ TEST(UploadMemoryTest, AFailingAllocationOfAnotherFunctionIsThrown) {
     call();
     const long allocations = LiveAllocations();
     long allowed = 0;
-    while (Throws(call, allowed)) ++allowed;
+    while (RunsOutOfMemory(call, allowed)) ++allowed;
     EXPECT_GT(allowed, 0);
     EXPECT_EQ(LiveAllocations(), allocations);
   }

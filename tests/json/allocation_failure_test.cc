@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "common_stowraapi/json/document.h"
@@ -16,52 +14,12 @@
 
 #ifdef STOWRA_COUNTS_ALLOCATIONS
 
-namespace {
-
-thread_local long live_allocations = 0;
-thread_local long allowed_allocations = -1;  // Negative: all of them.
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (allowed_allocations >= 0 && allowed_allocations-- == 0) throw std::bad_alloc();
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  ++live_allocations;
-  return block;
-}
-
-void operator delete(void* block) noexcept {
-  if (block != nullptr) --live_allocations;
-  std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
-
 namespace stowra_test {
-
-long LiveAllocations() { return live_allocations; }
-
-FailingNew::FailingNew(long allowed) { allowed_allocations = allowed; }
-
-FailingNew::~FailingNew() { allowed_allocations = -1; }
-
 namespace {
 
 using ovrant::json::Document;
 using ovrant::json::Value;
 using ovrant::utils::ovrant_ustring;
-
-// Whether `work` ran out of memory at its allocation number `allowed`, counted from 0.
-bool Fails(const std::function<void()>& work, long allowed) {
-  try {
-    const FailingNew failing(allowed);
-    work();
-    return false;
-  } catch (const std::bad_alloc&) {
-    return true;
-  }
-}
 
 // Runs `work` on fresh state again and again, with one allocation more each time, until it
 // succeeds. After each failure but the last `check` is run. Returns how often it failed.
@@ -72,7 +30,7 @@ int FailEachAllocation(const std::function<void(State&)>& work,
     const long before = LiveAllocations();
     {
       const auto state = std::make_unique<State>();
-      if (!Fails([&] { work(*state); }, failures)) return failures;
+      if (!RunsOutOfMemory([&] { work(*state); }, failures)) return failures;
       check(*state);
     }
     EXPECT_EQ(LiveAllocations(), before) << "leaked";

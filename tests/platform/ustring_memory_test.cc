@@ -1,44 +1,16 @@
-// The text type with each of its allocations failing in turn. The test program's operator new fails
-// when it is told to.
+// The text type with each of its allocations failing in turn.
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
-#include <new>
 #include <string>
 
 #include "common_stowraapi/platform/url.h"
 #include "common_stowraapi/platform/ustring.h"
 #include "tests/platform/text.h"
+#include "tests/support/failing_new.h"
 
-// ThreadSanitizer brings an operator new that no other can replace. These tests are not about
-// threads, and are left out there.
-#if defined(__SANITIZE_THREAD__)
-#define STOWRA_UNDER_THREAD_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define STOWRA_UNDER_THREAD_SANITIZER
-#endif
-#endif
-
-#ifndef STOWRA_UNDER_THREAD_SANITIZER
-
-namespace {
-
-thread_local long allowed_allocations = -1;  // Negative: all of them.
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (allowed_allocations >= 0 && allowed_allocations-- == 0) throw std::bad_alloc();
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+#ifdef STOWRA_COUNTS_ALLOCATIONS
 
 namespace stowra_test {
 namespace {
@@ -54,15 +26,7 @@ int FailEachAllocation(const std::function<void(ovrant_ustring&)>& change) {
   for (int failures = 0;; ++failures) {
     ovrant_ustring text(kBefore);
     const std::u16string before = UnitsOf(text);
-    bool failed = false;
-    allowed_allocations = failures;
-    try {
-      change(text);
-    } catch (const std::bad_alloc&) {
-      failed = true;
-    }
-    allowed_allocations = -1;
-    if (!failed) return failures;
+    if (!RunsOutOfMemory([&] { change(text); }, failures)) return failures;
     EXPECT_EQ(UnitsOf(text), before);
   }
 }
@@ -117,4 +81,4 @@ TEST_F(UStringMemoryTest, AUrlKeepsTheValueWhenMemoryRunsOut) {
 }  // namespace
 }  // namespace stowra_test
 
-#endif  // STOWRA_UNDER_THREAD_SANITIZER
+#endif  // STOWRA_COUNTS_ALLOCATIONS

@@ -1,4 +1,5 @@
-// The test program's own operator new: it counts, and fails when told to.
+// The test program's own operator new: it counts, and fails when told to. For the programs that
+// compile failing_new.cc.
 
 #ifndef TESTS_SUPPORT_FAILING_NEW_H_
 #define TESTS_SUPPORT_FAILING_NEW_H_
@@ -15,10 +16,15 @@
 #ifndef STOWRA_UNDER_THREAD_SANITIZER
 #define STOWRA_COUNTS_ALLOCATIONS
 
+#include <functional>
+
 namespace stowra_test {
 
 // Allocations of this thread less those that it freed.
 long LiveAllocations();
+
+// Of those, the ones from new[].
+long LiveArrays();
 
 // While one lives, the allocation of this thread that follows after `allowed` others throws
 // std::bad_alloc; those after it succeed again.
@@ -30,6 +36,10 @@ class FailingNew {
   FailingNew(const FailingNew&) = delete;
   FailingNew& operator=(const FailingNew&) = delete;
 };
+
+// Whether `work` threw std::bad_alloc when the allocation that followed after `allowed` others
+// failed.
+bool RunsOutOfMemory(const std::function<void()>& work, long allowed);
 
 }  // namespace stowra_test
 
