@@ -36,6 +36,13 @@ ClientSocket::ClientSocket(FileDescriptor socket, const StopEvent& stop)
   ::setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
 }
 
+std::uint16_t ClientSocket::LocalPort() const {
+  sockaddr_in address = {};
+  socklen_t size = sizeof(address);
+  if (::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) return 0;
+  return ntohs(address.sin_port);
+}
+
 bool ClientSocket::WaitReadable(milliseconds timeout) const {
   return stop_.Wait(socket_.get(), POLLIN, timeout) == Outcome::kReady;
 }

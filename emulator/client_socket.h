@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 
 #include "emulator/file_descriptor.h"
 #include "emulator/stop_event.h"
@@ -18,6 +19,9 @@ namespace stowra_emulator {
 class ClientSocket {
  public:
   ClientSocket(FileDescriptor socket, const StopEvent& stop);
+
+  // The port of this server; 0 when the connection has none any more.
+  std::uint16_t LocalPort() const;
 
   // True when there is something to receive, be it the end of the stream.
   bool WaitReadable(std::chrono::milliseconds timeout) const;

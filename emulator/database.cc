@@ -1,5 +1,6 @@
 #include "emulator/database.h"
 
+#include "emulator/content/content_seed.h"
 #include "emulator/seed.h"
 
 namespace stowra_emulator {
@@ -7,7 +8,7 @@ namespace {
 
 // What marks a file as ours, and the form of its tables.
 constexpr int kApplicationId = 0x53746577;
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 constexpr int kBusyTimeoutMilliseconds = 2000;
 
@@ -30,6 +31,19 @@ Statement& Statement::Bind(int parameter, std::string_view text) {
   return *this;
 }
 
+Statement& Statement::BindInt(int parameter, int number) {
+  Check(database_, sqlite3_bind_int(statement_.get(), parameter, number));
+  return *this;
+}
+
+Statement& Statement::BindBytes(int parameter, std::string_view bytes) {
+  // A null pointer would bind NULL.
+  const char* data = bytes.empty() ? "" : bytes.data();
+  Check(database_,
+        sqlite3_bind_blob64(statement_.get(), parameter, data, bytes.size(), SQLITE_STATIC));
+  return *this;
+}
+
 bool Statement::Step() {
   const int result = sqlite3_step(statement_.get());
   if (result == SQLITE_ROW) return true;
@@ -49,6 +63,13 @@ std::string Statement::Text(int column) const {
 }
 
 int Statement::Int(int column) const { return sqlite3_column_int(statement_.get(), column); }
+
+std::string Statement::Bytes(int column) const {
+  const void* bytes = sqlite3_column_blob(statement_.get(), column);
+  if (bytes == nullptr) return std::string();
+  return std::string(static_cast<const char*>(bytes),
+                     static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
+}
 
 Database::Database(const std::string& file) {
   sqlite3* database = nullptr;
@@ -76,12 +97,12 @@ int Database::Number(std::string_view sql) {
 }
 
 void Database::SeedIfNew() {
-  // The lock first: of two programs that find the file empty, one fills it. What is not committed
-  // is undone when the database closes.
-  Execute("BEGIN IMMEDIATE");
+  // The lock first: of two programs that find the file empty, one fills it.
+  Transaction transaction(*this);
   if (Number("SELECT count(*) FROM sqlite_master") == 0) {
     Execute(kSchemaSql);
     Execute(kSeedSql);
+    SeedContent(*this);
     Execute("PRAGMA application_id = " + std::to_string(kApplicationId));
     Execute("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   } else if (Number("PRAGMA application_id") != kApplicationId) {
@@ -89,7 +110,26 @@ void Database::SeedIfNew() {
   } else if (Number("PRAGMA user_version") != kSchemaVersion) {
     throw DatabaseError("it was made by another version of this program");
   }
-  Execute("COMMIT");
+  transaction.Commit();
+}
+
+Transaction::Transaction(Database& database) : database_(database) {
+  database_.Execute("BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction() {
+  if (!is_open_) return;
+  try {
+    database_.Execute("ROLLBACK");
+  } catch (const DatabaseError&) {
+    // SQLite has undone it already.
+    return;
+  }
+}
+
+void Transaction::Commit() {
+  database_.Execute("COMMIT");
+  is_open_ = false;
 }
 
 }  // namespace stowra_emulator

@@ -21,8 +21,11 @@ class Statement {
  public:
   Statement(sqlite3* database, std::string_view sql);
 
-  // Sets the parameter of that number, from 1.
+  // Sets the parameter of that number, from 1. Bytes are not copied: they must stay until Step has
+  // returned.
   Statement& Bind(int parameter, std::string_view text);
+  Statement& BindInt(int parameter, int number);
+  Statement& BindBytes(int parameter, std::string_view bytes);
 
   // Moves to the next row; false after the last one.
   bool Step();
@@ -31,6 +34,7 @@ class Statement {
   bool IsNull(int column) const;
   std::string Text(int column) const;
   int Int(int column) const;
+  std::string Bytes(int column) const;
 
  private:
   struct Finalize {
@@ -50,16 +54,34 @@ class Database {
 
   Statement Prepare(std::string_view sql) { return Statement(database_.get(), sql); }
 
+  // Runs statements that have no parameters and of whose rows nothing is wanted.
+  void Execute(const std::string& sql);
+
  private:
   struct CloseDatabase {
     void operator()(sqlite3* database) const { sqlite3_close(database); }
   };
 
-  void Execute(const std::string& sql);
   int Number(std::string_view sql);
   void SeedIfNew();
 
   std::unique_ptr<sqlite3, CloseDatabase> database_;
+};
+
+// What is done to the database between its construction and Commit: all of it, or, without Commit,
+// nothing. Other programs do not write in the meantime. Must not outlive the database.
+class Transaction {
+ public:
+  explicit Transaction(Database& database);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+  void Commit();
+
+ private:
+  Database& database_;
+  bool is_open_ = true;
 };
 
 }  // namespace stowra_emulator

@@ -1,6 +1,7 @@
 #include "emulator/dispatcher.h"
 
 #include "emulator/json_reply.h"
+#include "emulator/request_error.h"
 #include "emulator/route.h"
 
 namespace stowra_emulator {
@@ -12,7 +13,11 @@ void Dispatcher::Answer(const httplib::Request& request, httplib::Response& resp
     if (request.path != route.path) continue;
     if (method == route.method) {
       const std::lock_guard<std::mutex> lock(mutex_);
-      route.handler(request, database_, response);
+      try {
+        route.handler(request, database_, response);
+      } catch (const RequestError& error) {
+        SetError(response, error.status, error.what());
+      }
       return;
     }
     if (!allowed.empty()) allowed += ", ";

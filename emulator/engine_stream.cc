@@ -33,4 +33,9 @@ ssize_t EngineStream::write(const char* data, std::size_t size) {
   return static_cast<ssize_t>(size);
 }
 
+void EngineStream::get_local_ip_and_port(std::string& address, int& port) const {
+  address = "127.0.0.1";
+  port = socket_.LocalPort();
+}
+
 }  // namespace stowra_emulator

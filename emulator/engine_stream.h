@@ -35,7 +35,7 @@ class EngineStream : public httplib::Stream {
   ssize_t write(const char* data, std::size_t size) override;
 
   void get_remote_ip_and_port(std::string&, int&) const override {}
-  void get_local_ip_and_port(std::string&, int&) const override {}
+  void get_local_ip_and_port(std::string& address, int& port) const override;
 
   // None: the engine would refuse descriptors too large for select, which nobody here calls.
   socket_t socket() const override { return INVALID_SOCKET; }

@@ -11,7 +11,7 @@ void AnswerIndex(const httplib::Request&, Database&, httplib::Response& response
   std::ostringstream page;
   page << std::left << "stowra-emulator: local services to develop against\n\nRoutes\n";
   for (const Route& route : Routes()) {
-    page << "  " << std::setw(6) << route.method << std::setw(14) << route.path << route.description
+    page << "  " << std::setw(6) << route.method << std::setw(19) << route.path << route.description
          << '\n';
   }
   page << "\nFaults: add one to any address, as in /user-info?fault=status:503\n";

@@ -12,7 +12,8 @@
 namespace stowra_emulator {
 
 // Answers one request from the database. Sets a status only if it is not 200. Handlers run one at a
-// time, so they need no locks. One that throws has its answer replaced by status 500.
+// time, so they need no locks. One that throws has its answer replaced: by the status and text of a
+// RequestError, by status 500 for any other exception.
 using Handler = void (*)(const httplib::Request& request, Database& database,
                          httplib::Response& response);
 

@@ -10,6 +10,18 @@ const std::vector<Route>& Routes() {
       {"GET", "/update", AnswerUpdate, "the version offered, a message, the data files"},
       {"POST", "/extensions", AnswerExtensions,
        R"(the state of installed extensions: {"extensions": [{"id": "...", "version": "1.0"}]})"},
+      {"GET", "/search", AnswerSearch,
+       "an Atom feed of models and collections; ?q=WORDS&start=N&count=N, uq, collection, except"},
+      {"GET", "/search.html", AnswerSearchPage, "the same as a web page with pictures"},
+      {"GET", "/model", AnswerModelPage, "a web page on the model ?mid=MID"},
+      {"GET", "/download", AnswerDownload, "the model's file; ?mid=MID&rtyp=RENDITION"},
+      {"GET", "/thumbnail", AnswerThumbnail,
+       "a PNG picture; ?mid=MID, &rtyp=st or lt for the size"},
+      {"GET", "/upload-config", AnswerUploadConfig,
+       "where to upload; ?name, type, task, priority, zipped=true, files=N"},
+      {"POST", "/upload", AnswerUpload, "a multipart form that becomes a model"},
+      {"GET", "/upload-succeeded", AnswerUploadSucceeded, "a page to show then; ?mid=MID"},
+      {"GET", "/upload-failed", AnswerUploadFailed, "a page to show then; ?reason=TEXT"},
   };
   return routes;
 }

@@ -43,6 +43,65 @@ CREATE TABLE extensions (
   remote_kill  INTEGER NOT NULL DEFAULT 0 CHECK (remote_kill IN (0, 1)),
   enabled      INTEGER NOT NULL DEFAULT 1 CHECK (enabled IN (0, 1))
 );
+
+CREATE TABLE items (
+  id                   INTEGER PRIMARY KEY,  -- Results come in this order.
+  mid                  TEXT NOT NULL UNIQUE,
+  kind                 TEXT NOT NULL CHECK (kind IN ('model', 'collection')),
+  title                TEXT NOT NULL,
+  summary              TEXT NOT NULL,
+  keywords             TEXT NOT NULL,        -- Searched, not shown.
+  author               TEXT NOT NULL,        -- The uid of a user.
+  updated              TEXT NOT NULL,        -- Such as 2024-01-31T09:00:00Z.
+  shape                TEXT NOT NULL,        -- What its picture shows; '' leaves that to the id.
+  dynamic_component    INTEGER NOT NULL DEFAULT 0 CHECK (dynamic_component IN (0, 1)),
+  classified_component INTEGER NOT NULL DEFAULT 0 CHECK (classified_component IN (0, 1))
+);
+
+CREATE TABLE collection_models (
+  collection TEXT NOT NULL,
+  model      TEXT NOT NULL,
+  PRIMARY KEY (collection, model)
+);
+
+CREATE TABLE renditions (
+  mid  TEXT NOT NULL,
+  rtyp TEXT NOT NULL,
+  type TEXT NOT NULL,
+  UNIQUE (mid, rtyp)
+);
+
+CREATE TABLE uploads (
+  mid           TEXT PRIMARY KEY,
+  subject_id    TEXT NOT NULL,
+  subject_class TEXT NOT NULL,
+  file_name     TEXT NOT NULL,
+  content_type  TEXT NOT NULL,
+  task          TEXT NOT NULL,
+  priority      TEXT NOT NULL,
+  is_zipped     INTEGER NOT NULL CHECK (is_zipped IN (0, 1)),
+  bytes         BLOB NOT NULL
+);
+
+-- The words of the items. Symbols count as words, so that an emoji can be searched for.
+CREATE VIRTUAL TABLE item_words USING fts5(
+  title, summary, keywords, content = 'items', content_rowid = 'id',
+  tokenize = "unicode61 remove_diacritics 2 categories 'L* N* Co So'"
+);
+CREATE TRIGGER item_is_new AFTER INSERT ON items BEGIN
+  INSERT INTO item_words (rowid, title, summary, keywords)
+    VALUES (new.id, new.title, new.summary, new.keywords);
+END;
+CREATE TRIGGER item_is_gone AFTER DELETE ON items BEGIN
+  INSERT INTO item_words (item_words, rowid, title, summary, keywords)
+    VALUES ('delete', old.id, old.title, old.summary, old.keywords);
+END;
+CREATE TRIGGER item_has_changed AFTER UPDATE ON items BEGIN
+  INSERT INTO item_words (item_words, rowid, title, summary, keywords)
+    VALUES ('delete', old.id, old.title, old.summary, old.keywords);
+  INSERT INTO item_words (rowid, title, summary, keywords)
+    VALUES (new.id, new.title, new.summary, new.keywords);
+END;
 )sql";
 
 const char kSeedSql[] = R"sql(

@@ -1,4 +1,4 @@
-// What a new database is filled with.
+// The tables of a new database, and what it is filled with but for the models and collections.
 
 #ifndef EMULATOR_SEED_H_
 #define EMULATOR_SEED_H_

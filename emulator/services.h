@@ -21,6 +21,29 @@ void AnswerUpdate(const httplib::Request&, Database&, httplib::Response&);
 // The state of those extensions in the request that the store knows, in the request's order.
 void AnswerExtensions(const httplib::Request&, Database&, httplib::Response&);
 
+// A page of search results: as an Atom feed, and as a web page.
+void AnswerSearch(const httplib::Request&, Database&, httplib::Response&);
+void AnswerSearchPage(const httplib::Request&, Database&, httplib::Response&);
+
+// A web page on the model `mid`.
+void AnswerModelPage(const httplib::Request&, Database&, httplib::Response&);
+
+// The file of the model `mid`, in the rendition `rtyp`.
+void AnswerDownload(const httplib::Request&, Database&, httplib::Response&);
+
+// A picture of the model or collection `mid`.
+void AnswerThumbnail(const httplib::Request&, Database&, httplib::Response&);
+
+// What to upload and where to.
+void AnswerUploadConfig(const httplib::Request&, Database&, httplib::Response&);
+
+// Makes a model of the multipart form in the body.
+void AnswerUpload(const httplib::Request&, Database&, httplib::Response&);
+
+// Web pages to show after an upload.
+void AnswerUploadSucceeded(const httplib::Request&, Database&, httplib::Response&);
+void AnswerUploadFailed(const httplib::Request&, Database&, httplib::Response&);
+
 }  // namespace stowra_emulator
 
 #endif  // EMULATOR_SERVICES_H_

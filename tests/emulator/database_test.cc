@@ -112,6 +112,42 @@ TEST_F(DatabaseTest, BadSqlAndBrokenConstraintsThrow) {
   EXPECT_THROW(insert.Step(), DatabaseError) << "only one user is signed in";
 }
 
+TEST_F(DatabaseTest, TransactionThatIsNotCommittedIsUndone) {
+  Database database("");
+  {
+    Transaction transaction(database);
+    database.Execute("DELETE FROM users");
+    EXPECT_EQ(CountUsers(database), 0);
+  }
+  EXPECT_EQ(CountUsers(database), 5);
+  Transaction transaction(database);
+  database.Execute("DELETE FROM users");
+  transaction.Commit();
+  EXPECT_EQ(CountUsers(database), 0);
+}
+
+TEST_F(DatabaseTest, BytesAndNumbersComeBack) {
+  Database database("");
+  const std::string bytes("\0\xFF\r\n\0", 5);
+  Statement echo = database.Prepare("SELECT ?, typeof(?), length(?), ?, typeof(?)");
+  echo.BindBytes(1, bytes).BindBytes(2, "").BindBytes(3, "").BindInt(4, -7).BindBytes(5, {});
+  ASSERT_TRUE(echo.Step());
+  EXPECT_EQ(echo.Bytes(0), bytes);
+  EXPECT_EQ(echo.Text(1), "blob");
+  EXPECT_EQ(echo.Int(2), 0);
+  EXPECT_EQ(echo.Int(3), -7);
+  EXPECT_EQ(echo.Text(4), "blob") << "no null";
+}
+
+TEST_F(DatabaseTest, SearchFollowsWhatIsChangedInTheFile) {
+  Change("UPDATE items SET title = 'Wheelbarrow', summary = '' WHERE mid = 'm-1001'");
+  Change("DELETE FROM items WHERE mid = 'm-1011'");
+  EXPECT_THAT(Get("/search?q=wheelbarrow")->body, HasSubstr("<title>Wheelbarrow</title>"));
+  for (const char* gone : {"/search?q=oak", "/search?q=gem%C3%BCtlicher"}) {
+    EXPECT_THAT(Get(gone)->body, HasSubstr("totalResults>0<")) << gone;
+  }
+}
+
 TEST_F(DatabaseTest, TextKeepsEveryByte) {
   Database database("");
   const std::string text("a\0b\xC3\xA9", 5);

@@ -1,0 +1,58 @@
+#include <string>
+
+#include "emulator/content/catalog.h"
+#include "emulator/content/item_address.h"
+#include "emulator/content/page.h"
+#include "emulator/content/picture_size.h"
+#include "emulator/content/rendition_type.h"
+#include "emulator/parameters.h"
+#include "emulator/services.h"
+
+namespace stowra_emulator {
+namespace {
+
+// Such as "qmf, version 8".
+std::string LabelOf(const Rendition& rendition) {
+  std::string label = ExtensionOfType(rendition.type);
+  if (rendition.rtyp.front() != 's') return label;
+  const std::string version = rendition.rtyp.substr(1);
+  return label + ", version " + (version.empty() ? "5" : version);
+}
+
+void WriteDownloads(MarkupWriter& page, const Item& model) {
+  page.Begin("ul", {{"class", "downloads"}});
+  for (const Rendition& rendition : model.renditions) {
+    page.Begin("li");
+    page.Element("a", "Download " + LabelOf(rendition),
+                 {{"class", "button"}, {"href", DownloadAddress("", model.mid, rendition.rtyp)}});
+    page.End();
+  }
+  page.End();
+}
+
+}  // namespace
+
+void AnswerModelPage(const httplib::Request& request, Database& database,
+                     httplib::Response& response) {
+  AllowParameters(request, {"mid"});
+  const Item model = GetModel(database, RequiredParameter(request, "mid"));
+  const PictureSize& size = PictureSizes().back();
+  MarkupWriter page = BeginPage({model.title, "", ""});
+  page.Begin("article", {{"class", "model"}});
+  page.Empty("img", {{"src", ThumbnailAddress("", model.mid, size.rtyp)},
+                     {"alt", "Picture of " + model.title},
+                     {"width", std::to_string(size.width)},
+                     {"height", std::to_string(size.height)}});
+  page.Begin("div");
+  page.Element("h1", model.title, {{"dir", "auto"}});
+  page.Begin("p", {{"class", "soft"}});
+  page.Text("Model by ");
+  page.Element("a", model.author_name, {{"href", AuthorPageAddress("", model.author)}});
+  page.Text(", " + model.updated.substr(0, model.updated.find('T')));
+  page.End();
+  page.Element("p", model.summary, {{"dir", "auto"}});
+  WriteDownloads(page, model);
+  SetPage(response, page);
+}
+
+}  // namespace stowra_emulator

@@ -1,0 +1,81 @@
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+#include "emulator/content/catalog.h"
+#include "emulator/content/item_address.h"
+#include "emulator/content/page.h"
+#include "emulator/content/picture_size.h"
+#include "emulator/content/search_query.h"
+#include "emulator/services.h"
+
+namespace stowra_emulator {
+namespace {
+
+constexpr const char* kPath = "/search.html";
+
+std::string HeadingOf(const SearchQuery& query, const ItemPage& results) {
+  if (!query.text.empty()) return "Results for “" + query.text + "”";
+  return results.description.empty() ? "All models and collections" : results.description;
+}
+
+std::string RangeOf(const SearchQuery& query, const ItemPage& results) {
+  if (results.items.empty()) {
+    return results.total == 0 ? "Nothing was found." : "There are no more results.";
+  }
+  const int last = query.start + static_cast<int>(results.items.size()) - 1;
+  return std::to_string(query.start) + "–" + std::to_string(last) + " of " +
+         std::to_string(results.total);
+}
+
+void WriteResult(MarkupWriter& page, const Item& item) {
+  const PictureSize& size = PictureSizes().front();
+  page.Begin("li");
+  page.Begin("a", {{"href", PageAddress("", item)}});
+  page.Empty("img", {{"src", ThumbnailAddress("", item.mid, size.rtyp)},
+                     {"alt", "Picture of " + item.title},
+                     {"width", std::to_string(size.width)},
+                     {"height", std::to_string(size.height)}});
+  page.Element("h2", item.title, {{"dir", "auto"}});
+  page.End();
+  page.Begin("p", {{"class", "soft"}});
+  page.Text(item.is_collection ? "Collection by " : "Model by ");
+  page.Element("a", item.author_name, {{"href", AuthorPageAddress("", item.author)}});
+  page.End();
+  page.End();
+}
+
+void WritePaging(MarkupWriter& page, const SearchQuery& query, int total) {
+  page.Begin("nav", {{"aria-label", "Pages"}});
+  page.Begin("span");
+  if (HasPreviousPage(query, total)) {
+    page.Element("a", "← Previous",
+                 {{"rel", "prev"}, {"href", SearchAddress(kPath, PreviousPage(query, total))}});
+  }
+  page.End();
+  page.Begin("span");
+  if (HasNextPage(query, total)) {
+    page.Element("a", "Next →", {{"rel", "next"}, {"href", SearchAddress(kPath, NextPage(query))}});
+  }
+  page.End();
+  page.End();
+}
+
+}  // namespace
+
+void AnswerSearchPage(const httplib::Request& request, Database& database,
+                      httplib::Response& response) {
+  const SearchQuery query = ReadSearchQuery(request);
+  const ItemPage results = Search(database, query);
+  const std::string heading = HeadingOf(query, results);
+  MarkupWriter page = BeginPage({heading, query.text, SearchAddress("/search", query)});
+  page.Element("h1", heading, {{"dir", "auto"}});
+  page.Element("p", RangeOf(query, results), {{"class", "soft"}});
+  page.Begin("ul", {{"class", "results"}});
+  for (const Item& item : results.items) WriteResult(page, item);
+  page.End();
+  WritePaging(page, query, results.total);
+  SetPage(response, page);
+}
+
+}  // namespace stowra_emulator

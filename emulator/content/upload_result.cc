@@ -1,0 +1,35 @@
+#include <string>
+
+#include "emulator/content/catalog.h"
+#include "emulator/content/item_address.h"
+#include "emulator/content/page.h"
+#include "emulator/parameters.h"
+#include "emulator/services.h"
+
+namespace stowra_emulator {
+
+void AnswerUploadSucceeded(const httplib::Request& request, Database& database,
+                           httplib::Response& response) {
+  AllowParameters(request, {"mid"});
+  MarkupWriter page = BeginPage({"Upload succeeded", "", ""});
+  page.Element("h1", "Your model is online");
+  page.Begin("p");
+  if (request.has_param("mid")) {
+    const Item model = GetModel(database, RequiredParameter(request, "mid"));
+    page.Text("See ");
+    page.Element("a", model.title, {{"href", PageAddress("", model)}, {"class", "button"}});
+  } else {
+    page.Text("Search for it to see it.");
+  }
+  SetPage(response, page);
+}
+
+void AnswerUploadFailed(const httplib::Request& request, Database&, httplib::Response& response) {
+  AllowParameters(request, {"reason"});
+  MarkupWriter page = BeginPage({"Upload failed", "", ""});
+  page.Element("h1", "The upload has failed");
+  page.Element("p", TextParameter(request, "reason", "Please try again."));
+  SetPage(response, page);
+}
+
+}  // namespace stowra_emulator

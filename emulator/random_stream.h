@@ -1,0 +1,30 @@
+// Numbers that look random and are always the same for the same text.
+
+#ifndef EMULATOR_RANDOM_STREAM_H_
+#define EMULATOR_RANDOM_STREAM_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace stowra_emulator {
+
+class RandomStream {
+ public:
+  explicit RandomStream(std::string_view seed);
+
+  std::uint64_t Next();
+
+  // From 0 to count - 1; requires count > 0.
+  std::size_t Pick(std::size_t count) { return static_cast<std::size_t>(Next() % count); }
+
+  // From `low` to below `high`.
+  double Between(double low, double high);
+
+ private:
+  std::uint64_t state_ = 0xCBF29CE484222325;
+};
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_RANDOM_STREAM_H_

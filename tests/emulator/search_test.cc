@@ -1,0 +1,257 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/emulator/content_fixture.h"
+
+namespace stowra_emulator {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+class SearchTest : public ContentTest {
+ protected:
+  int CountOf(const std::string& query) { return Total(GetFeed("/search?q=" + query)); }
+
+  // The models of a page and of all those that `rel` leads to from there. Fails the test when an
+  // address comes again.
+  std::vector<std::string> ModelsFrom(std::string address, const std::string& rel) {
+    std::vector<std::string> models;
+    std::set<std::string> visited;
+    while (!address.empty()) {
+      if (!visited.insert(address).second) {
+        ADD_FAILURE() << "again at " << address;
+        return models;
+      }
+      const XmlElement feed = GetFeed(address);
+      for (const std::string& mid : Models(feed)) models.push_back(mid);
+      last_address_ = address;
+      address = feed.Link(rel);
+    }
+    return models;
+  }
+
+  std::string last_address_;
+};
+
+TEST_F(SearchTest, PagingToTheEndAndBackCoversEveryModelOnce) {
+  for (const char* count : {"12", "7", "1", "53", "100"}) {
+    std::vector<std::string> there = ModelsFrom("/search?count=" + std::string(count), "next");
+    std::vector<std::string> back = ModelsFrom(last_address_, "previous");
+    EXPECT_EQ(there.size(), 100u) << count;
+    EXPECT_EQ(std::set<std::string>(there.begin(), there.end()).size(), 100u) << count;
+    std::sort(there.begin(), there.end());
+    std::sort(back.begin(), back.end());
+    EXPECT_EQ(there, back) << count;
+  }
+}
+
+TEST_F(SearchTest, PagingKeepsTheWholeQuery) {
+  const std::string query =
+      "/search?q=%E6%A4%85%E5%AD%90+is%3Adownloadable&uq=u-1001&except=m-1001&count=2";
+  const XmlElement first = GetFeed(query);
+  ASSERT_EQ(Total(first), 4);
+  const XmlElement second = GetFeed(first.Link("next"));
+  EXPECT_EQ(Total(second), 4);
+  EXPECT_EQ(second.Link("next"), "");
+  EXPECT_EQ(GetFeed(second.Link("previous")).Link("self"), first.Link("self"));
+  EXPECT_EQ(second.Child(std::string(kAtom) + "title").text,
+            first.Child(std::string(kAtom) + "title").text);
+}
+
+TEST_F(SearchTest, CountsTellWhereThePageLies) {
+  const XmlElement feed = GetFeed("/search?start=25&count=5");
+  EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "totalResults").text, "106");
+  EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "startIndex").text, "25");
+  EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "itemsPerPage").text, "5");
+  EXPECT_EQ(Entries(feed).size(), 5u);
+  const XmlElement by_default = GetFeed("/search");
+  EXPECT_EQ(by_default.Child(std::string(kOpenSearch) + "startIndex").text, "1");
+  EXPECT_EQ(by_default.Child(std::string(kOpenSearch) + "itemsPerPage").text, "12");
+  EXPECT_EQ(Entries(by_default).size(), 12u);
+}
+
+TEST_F(SearchTest, CountHasALimit) {
+  const XmlElement feed = GetFeed("/search?count=2147483647");
+  EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "itemsPerPage").text, "100");
+  EXPECT_EQ(Entries(feed).size(), 100u);
+}
+
+TEST_F(SearchTest, ThereIsNoNextAtTheEndAndNoPreviousAtTheStart) {
+  EXPECT_EQ(GetFeed("/search?count=12").Link("previous"), "");
+  EXPECT_NE(GetFeed("/search?start=94&count=12").Link("next"), "");
+  EXPECT_EQ(GetFeed("/search?start=95&count=12").Link("next"), "");
+  EXPECT_THAT(GetFeed("/search?start=5&count=12").Link("previous"), HasSubstr("start=1&"));
+}
+
+TEST_F(SearchTest, BeyondTheEndThereIsTheWayBack) {
+  const XmlElement feed = GetFeed("/search?start=2147483647&count=100");
+  EXPECT_EQ(Entries(feed).size(), 0u);
+  EXPECT_EQ(Total(feed), 106);
+  EXPECT_EQ(feed.Link("next"), "");
+  EXPECT_EQ(Entries(GetFeed(feed.Link("previous"))).size(), 100u);
+  const XmlElement nothing = GetFeed("/search?q=nothing-like-it&start=7");
+  EXPECT_EQ(nothing.Link("previous"), "");
+}
+
+TEST_F(SearchTest, EveryWordMustOccur) {
+  EXPECT_EQ(CountOf("chair"), 11) << "ten models, and a collection that tells of chairs";
+  EXPECT_THAT(Titles(GetFeed("/search?q=oak%20chair")), ElementsAre("Oak Chair"));
+  EXPECT_THAT(Titles(GetFeed("/search?q=chair+oak")), ElementsAre("Oak Chair"));
+  EXPECT_EQ(CountOf("oak%20table"), 0);
+  EXPECT_EQ(CountOf("hai"), 0) << "no word begins so";
+}
+
+TEST_F(SearchTest, OnlyTheLastWordMayBeABeginning) {
+  EXPECT_THAT(Titles(GetFeed("/search?q=chair+oa")), ElementsAre("Oak Chair"));
+  EXPECT_EQ(CountOf("oa+chair"), 0);
+}
+
+TEST_F(SearchTest, CaseAndAccentsDoNotMatter) {
+  EXPECT_THAT(Titles(GetFeed("/search?q=GEMUTLICHER")), ElementsAre("Gemütlicher Stuhl"));
+  EXPECT_THAT(Titles(GetFeed("/search?q=%CE%9E%CE%8E%CE%9B%CE%99%CE%9D%CE%97")),
+              ElementsAre("Ξύλινη καρέκλα"));
+  EXPECT_THAT(Titles(GetFeed("/search?q=%D0%A1%D0%A2%D0%A3%D0%9B")),
+              ElementsAre("Стул со спинкой"));
+}
+
+TEST_F(SearchTest, EveryScriptCanBeSearchedFor) {
+  EXPECT_EQ(CountOf("%E6%A4%85%E5%AD%90"), 10) << "椅子, a keyword of all chairs";
+  EXPECT_THAT(Titles(GetFeed("/search?q=%E6%9C%A8%E3%81%AE")), ElementsAre("木の椅子")) << "木の";
+  EXPECT_THAT(Titles(GetFeed("/search?q=%D9%83%D8%B1%D8%B3%D9%8A%20%D8%AE%D8%B4%D8%A8%D9%8A")),
+              ElementsAre("كرسي خشبي"));
+  EXPECT_THAT(Titles(GetFeed("/search?q=%F0%9F%AA%91")), ElementsAre("🪑 Chair for Two"));
+  EXPECT_THAT(Titles(GetFeed("/search?q=%E6%A4%85%E5%AD%90%E3%80%80oak")), ElementsAre("Oak Chair"))
+      << "words apart by a wide blank";
+}
+
+TEST_F(SearchTest, BestMatchComesFirst) {
+  EXPECT_EQ(Titles(GetFeed("/search?q=tree")).front(), "Tree & Tree & Tree");
+}
+
+TEST_F(SearchTest, OperatorsAreLeftOutOfTheSearchButNotOfTheTitle) {
+  for (const char* query :
+       {"chair%20filetype:qmf", "chair+filetype%3Aqmf+is%3Adownloadable", "is:downloadable%20chair",
+        "chair&q=is:downloadable", "filetype:qmf&q=chair"}) {
+    EXPECT_EQ(CountOf(query), 11) << query;
+  }
+  EXPECT_EQ(CountOf("filetype:qmf%20is:downloadable"), 106);
+  EXPECT_EQ(CountOf("filetype:qmfx"), 0) << "a word, no operator";
+  const XmlElement feed = GetFeed("/search?q=oak%20chair%20filetype:qmf&q=is:downloadable");
+  EXPECT_EQ(feed.Child(std::string(kAtom) + "title").text,
+            "oak chair filetype:qmf is:downloadable");
+}
+
+TEST_F(SearchTest, EmptyQueryFindsEverything) {
+  for (const char* query : {"", "%20", "+%09+", "&q="}) EXPECT_EQ(CountOf(query), 106) << query;
+  EXPECT_EQ(GetFeed("/search?q=").Child(std::string(kAtom) + "title").text,
+            "All models and collections");
+}
+
+TEST_F(SearchTest, NothingInAQueryHasAMeaningInSql) {
+  const std::vector<std::string> queries = {"%22",
+                                            "%22%22%22",
+                                            "%27",
+                                            "chair%22",
+                                            "%22chair",
+                                            "*",
+                                            "**",
+                                            "(",
+                                            ")",
+                                            "chair%29",
+                                            "AND",
+                                            "OR",
+                                            "NOT",
+                                            "chair%20AND",
+                                            "NEAR(chair",
+                                            "NEAR%28a%20b%2C%205%29",
+                                            "title:chair",
+                                            "-chair",
+                                            "%5Echair",
+                                            "chair%20%2B%20oak",
+                                            "%7Btitle%7D%3Achair",
+                                            "%00",
+                                            "chair%00%22",
+                                            "%FF%FE",
+                                            "%C3",
+                                            "%ED%A0%80",
+                                            ";DROP%20TABLE%20items",
+                                            "%27%20OR%201%3D1%20--",
+                                            "%5C",
+                                            "%25",
+                                            "_",
+                                            "%0D%0A",
+                                            "%E2%80%8B",
+                                            "%F4%8F%BF%BF",
+                                            "a:b:c",
+                                            "!!!",
+                                            "%3F1"};
+  for (const std::string& query : queries) {
+    const XmlElement feed = GetFeed("/search?q=" + query);
+    EXPECT_EQ(static_cast<int>(Entries(feed).size()), std::min(Total(feed), 12)) << query;
+    Get("/search.html?q=" + query);
+  }
+  EXPECT_EQ(CountOf("chair%22"), 11);
+  EXPECT_EQ(CountOf("title:chair"), 0) << "two words that stand nowhere together";
+  EXPECT_EQ(CountOf("%27%20OR%201%3D1%20--"), 0);
+  EXPECT_EQ(CountOf(""), 106) << "nothing was dropped";
+}
+
+TEST_F(SearchTest, ManyWordsAreSearchedForToo) {
+  std::string query = "chair";
+  for (int i = 0; i < 1300; ++i) query += "+chair";
+  EXPECT_EQ(CountOf(query), 10) << "the words but the last one are whole ones";
+}
+
+TEST_F(SearchTest, WorkOfOneUser) {
+  std::map<std::string, int> counts;
+  for (const char* user : {"u-1001", "u-1002", "u-1003", "u-1004", "u-1005", "u-9999", "%27"}) {
+    counts[user] = Total(GetFeed("/search?uq=" + std::string(user)));
+  }
+  EXPECT_EQ(counts["u-1001"] + counts["u-1002"] + counts["u-1003"] + counts["u-1004"], 106);
+  EXPECT_EQ(counts["u-1001"], 26);
+  EXPECT_EQ(counts["u-1005"] + counts["u-9999"] + counts["%27"], 0);
+  EXPECT_EQ(GetFeed("/search?uq=u-1001").Child(std::string(kAtom) + "title").text,
+            "By Zoë Ångström");
+}
+
+TEST_F(SearchTest, CollectionHoldsItsModelsOnly) {
+  const XmlElement feed = GetFeed("/search?collection=c-1&q=is:downloadable&count=100");
+  EXPECT_EQ(Total(feed), 20) << "chairs and tables";
+  EXPECT_EQ(Models(feed).size(), 20u);
+  EXPECT_EQ(feed.Child(std::string(kAtom) + "title").text, "Kitchen & Dining is:downloadable");
+  EXPECT_EQ(Total(GetFeed("/search?collection=c-1&q=chair&q=is:downloadable")), 10);
+  EXPECT_THAT(GetError("/search?collection=c-99", 404), HasSubstr("c-99"));
+  EXPECT_THAT(GetError("/search?collection=m-1001", 404), HasSubstr("m-1001"));
+}
+
+TEST_F(SearchTest, OneModelCanBeLeftOut) {
+  const XmlElement feed = GetFeed("/search?uq=u-1001&except=m-1001&count=100");
+  EXPECT_EQ(Total(feed), 25);
+  EXPECT_THAT(Models(feed), Not(Contains("m-1001")));
+  EXPECT_THAT(Models(GetFeed("/search?uq=u-1001&count=100")), Contains("m-1001"));
+}
+
+TEST_F(SearchTest, BadParametersAreRefused) {
+  for (const char* query :
+       {"start=0", "start=-1", "start=x", "start=", "start=1.5", "start=2147483648", "start=%201",
+        "start=1x", "start=99999999999999999999", "count=0", "count=-12", "count=x",
+        "count=", "count=+5"}) {
+    EXPECT_THAT(GetError("/search?" + std::string(query), 400), HasSubstr("must be a number"))
+        << query;
+    GetError("/search.html?" + std::string(query), 400);
+  }
+  EXPECT_THAT(GetError("/search?page=2", 400), HasSubstr("'page'"));
+  EXPECT_THAT(GetError("/search?Q=chair", 400), HasSubstr("q, uq, collection"));
+}
+
+}  // namespace
+}  // namespace stowra_emulator

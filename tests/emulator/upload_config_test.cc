@@ -1,0 +1,87 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/emulator/content_fixture.h"
+
+namespace stowra_emulator {
+namespace {
+
+using testing::HasSubstr;
+using testing::SizeIs;
+
+class UploadConfigTest : public ContentTest {
+ protected:
+  XmlElement GetConfig(const std::string& query = "") {
+    const httplib::Response response = Get("/upload-config" + query);
+    EXPECT_EQ(response.get_header_value("Content-Type"), "application/xml");
+    XmlElement config = ParseXml(response.body);
+    EXPECT_EQ(config.name, "upload");
+    return config;
+  }
+
+  // The only file asked for.
+  XmlElement GetFile(const std::string& query) {
+    return GetConfig(query).Child("files").Child("file");
+  }
+};
+
+TEST_F(UploadConfigTest, TellsWhatToUploadAndWhereTo) {
+  const XmlElement config = GetConfig();
+  EXPECT_EQ(config.Child("successUrl").text, emulator_.url() + "/upload-succeeded");
+  EXPECT_EQ(config.Child("failureUrl").text, emulator_.url() + "/upload-failed");
+  const XmlElement& file = config.Child("files").Child("file");
+  EXPECT_EQ(file.Child("uploadUrl").text,
+            emulator_.url() +
+                "/upload?name=Untitled&type=application/vnd.brevix.qmf&task=create&priority=1");
+  EXPECT_EQ(file.Child("type").text, "application/vnd.brevix.qmf");
+  EXPECT_EQ(file.Child("zipped").text, "false");
+  EXPECT_EQ(file.Child("format").text, "qmf");
+  EXPECT_EQ(file.Child("width").text, "256");
+  EXPECT_EQ(file.Child("height").text, "192");
+  EXPECT_EQ(file.Child("name").text, "Untitled");
+}
+
+TEST_F(UploadConfigTest, ClientChoosesEverything) {
+  const XmlElement file = GetFile(
+      "?name=Zo%C3%AB%20%26%20%22Co%22&type=application/vnd.pellamy.kmz&task=up+date&priority=7"
+      "&zipped=true");
+  EXPECT_EQ(file.Child("uploadUrl").text,
+            emulator_.url() +
+                "/upload?name=Zo%C3%AB%20%26%20%22Co%22&type=application/vnd.pellamy.kmz"
+                "&task=up%20date&priority=7");
+  EXPECT_EQ(file.Child("zipped").text, "true");
+  EXPECT_EQ(file.Child("format").text, "kmz");
+  EXPECT_EQ(file.Child("name").text, "Zoë & \"Co\"");
+}
+
+TEST_F(UploadConfigTest, EmptyTaskAndPriorityAreLeftOut) {
+  EXPECT_EQ(GetFile("?task=&priority=&zipped=false").Child("uploadUrl").text,
+            emulator_.url() + "/upload?name=Untitled&type=application/vnd.brevix.qmf");
+}
+
+TEST_F(UploadConfigTest, SeveralFilesHaveNamesOfTheirOwn) {
+  const XmlElement config = GetConfig("?name=Chair&files=20");
+  const auto files = config.Child("files").Children("file");
+  ASSERT_THAT(files, SizeIs(20));
+  EXPECT_EQ(files[0]->Child("name").text, "Chair");
+  EXPECT_EQ(files[1]->Child("name").text, "Chair 2");
+  EXPECT_THAT(files[19]->Child("uploadUrl").text, HasSubstr("?name=Chair%2020&"));
+  EXPECT_THAT(GetConfig("?files=0").Child("files").children, SizeIs(0));
+}
+
+TEST_F(UploadConfigTest, BadParametersAreRefused) {
+  for (const char* query : {"?files=21", "?files=-1", "?files=", "?files=x"}) {
+    EXPECT_THAT(GetError("/upload-config" + std::string(query), 400), HasSubstr("'files'"))
+        << query;
+  }
+  for (const char* query : {"?zipped=yes", "?zipped=", "?zipped=TRUE"}) {
+    EXPECT_THAT(GetError("/upload-config" + std::string(query), 400), HasSubstr("'zipped'"))
+        << query;
+  }
+  EXPECT_THAT(GetError("/upload-config?title=x", 400), HasSubstr("'title'"));
+}
+
+}  // namespace
+}  // namespace stowra_emulator

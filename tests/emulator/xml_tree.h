@@ -1,0 +1,45 @@
+// XML as a tree, to look at what the services answer.
+
+#ifndef TESTS_EMULATOR_XML_TREE_H_
+#define TESTS_EMULATOR_XML_TREE_H_
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace stowra_emulator {
+
+constexpr const char* kAtom = "http://www.w3.org/2005/Atom:";
+constexpr const char* kOpenSearch = "http://a9.com/-/spec/opensearchrss/1.0/:";
+constexpr const char* kMedia = "http://search.yahoo.com/mrss/:";
+constexpr const char* kSchema = "http://schemas.stowra.example/stowra/2008:";
+
+struct XmlElement {
+  std::string name;  // "namespace:local", or the local name alone.
+  std::map<std::string, std::string> attributes;
+  std::string text;  // Of itself, not of what it holds.
+  std::deque<XmlElement> children;
+
+  std::vector<const XmlElement*> Children(const std::string& child) const;
+
+  // All elements of that name inside, in the order of the document.
+  std::vector<const XmlElement*> Descendants(const std::string& descendant) const;
+
+  // The only child of that name. Fails the current test when there is none or more.
+  const XmlElement& Child(const std::string& child) const;
+
+  // The attribute's value. Fails the current test when it is absent.
+  std::string Attribute(const std::string& attribute) const;
+
+  // The href of the child with this rel; empty when there is none. Fails the current test when
+  // there are several.
+  std::string Link(const std::string& rel) const;
+};
+
+// The root element. Fails the current test when the document is not well-formed.
+XmlElement ParseXml(const std::string& document);
+
+}  // namespace stowra_emulator
+
+#endif  // TESTS_EMULATOR_XML_TREE_H_
