@@ -16,10 +16,15 @@ class MemoryBudget {
   MemoryBudget(const MemoryBudget&) = delete;
   MemoryBudget& operator=(const MemoryBudget&) = delete;
 
-  // Beyond the budget it throws what an allocation throws, and takes nothing.
-  void Take(std::size_t bytes) {
-    if (bytes > left_) throw std::bad_alloc();
+  // Beyond the budget it takes nothing: one gives false, the other throws what an allocation
+  // throws.
+  bool TryTake(std::size_t bytes) {
+    if (bytes > left_) return false;
     left_ -= bytes;
+    return true;
+  }
+  void Take(std::size_t bytes) {
+    if (!TryTake(bytes)) throw std::bad_alloc();
   }
 
   void Return(std::size_t bytes) { left_ += bytes; }

@@ -62,9 +62,11 @@ class STOWRA_EXPORT IXMLInput {
 // A reader over `length` bytes, which stay the caller's and must outlive it. Null when they are not
 // a well-formed document to their last byte, in UTF-8, UTF-16, ISO-8859-1 or US-ASCII as declared;
 // when there is not enough memory; and when they break one of the limits that keep a hostile
-// document from costing more than its size: 256 levels of elements, a namespace URI of 512 bytes,
-// 64 entities that refer to others, a tree of 16 times `length` plus 1 MiB. The names and values
-// that entities and attribute defaults bring about count like written ones.
+// document from costing more than its size: 256 levels of elements; a namespace URI of 256 bytes;
+// 64 entities that refer to other declared ones; 16 times `length` plus 1 MiB, each, of bytes for
+// the tree, of bytes for the parser, and of looks at declared attributes, all of which are looked
+// through at each further declaration and at each element. What entities and attribute defaults
+// bring about counts like what is written.
 //
 // A document type declaration is read, but neither the external subset nor an external entity is:
 // nothing is ever opened or fetched. Fits a 512 KiB stack. The caller owns the reader.

@@ -11,13 +11,13 @@ namespace ovrant::xml {
 inline constexpr int kMaxDepth = 256;
 
 // Bytes. The parser writes the URI out with every name.
-inline constexpr std::size_t kMaxNamespaceUri = 512;
+inline constexpr std::size_t kMaxNamespaceUri = 256;
 
-// Entities whose replacement text refers to others: the parser calls itself to go from one to the
-// next.
+// Declared entities whose text refers to other declared ones: the parser calls itself to go from
+// one to the next.
 inline constexpr int kMaxNestedEntities = 64;
 
-// Bytes of a tree for each byte of the document, and besides.
+// Bytes of a tree for each byte of the document, and besides; and as many for the parser.
 inline constexpr std::size_t kTreeBytesPerByte = 16;
 inline constexpr std::size_t kTreeBytesBesides = std::size_t{1} << 20;
 

@@ -6,18 +6,49 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <utility>
 
 #include "common_stowraapi/platform/xml_limits.h"
+#include "common_stowraapi/platform/xml_parser_memory.h"
 
 namespace ovrant::xml {
 namespace {
+
+std::size_t TreeBytes(std::size_t document_size) {
+  return kTreeBytesPerByte * document_size + kTreeBytesBesides;
+}
 
 struct FreeParser {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
 using ParserHandle = std::unique_ptr<XML_ParserStruct, FreeParser>;
+
+ParserHandle MakeParser() {
+  const XML_Memory_Handling_Suite memory = {ParserMemory::Allocate, ParserMemory::Reallocate,
+                                            ParserMemory::Free};
+  ParserHandle parser(XML_ParserCreate_MM(nullptr, &memory, ":"));
+  if (parser) {
+    XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), kMaxEntityGrowth);
+    XML_SetBillionLaughsAttackProtectionActivationThreshold(parser.get(), kMinEntityBytes);
+  }
+  return parser;
+}
+
+// Whether the text of an entity refers to a declared one: not to a character by its number, nor to
+// one of the five that need no declaration.
+bool RefersToEntity(std::string_view text) {
+  constexpr std::string_view kCharacters[] = {"#", "amp;", "lt;", "gt;", "apos;", "quot;"};
+  for (std::size_t i = text.find('&'); i < text.size(); i = text.find('&', i + 1)) {
+    const std::string_view name = text.substr(i + 1);
+    const bool is_character =
+        std::any_of(std::begin(kCharacters), std::end(kCharacters),
+                    [&](std::string_view start) { return name.substr(0, start.size()) == start; });
+    if (!is_character) return true;
+  }
+  return false;
+}
 
 // Builds the tree from what the parser reports, and stops it at a limit. Nothing is thrown through
 // the parser.
@@ -25,7 +56,7 @@ class TreeBuilder {
  public:
   TreeBuilder(XML_Parser parser, std::size_t size)
       : parser_(parser),
-        tree_(std::make_unique<Tree>(kTreeBytesPerByte * size + kTreeBytesBesides, size)),
+        tree_(std::make_unique<Tree>(TreeBytes(size), size)),
         looks_left_(kDeclaredAttributesPerByte * size + kDeclaredAttributesBesides) {
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, OnStartElement, OnEndElement);
@@ -63,11 +94,14 @@ class TreeBuilder {
     if (uri != nullptr && std::strlen(uri) > kMaxNamespaceUri) Self(self).Stop();
   }
 
-  static void XMLCALL OnEntityDeclaration(void* self, const char* /*name*/, int /*is_parameter*/,
+  static void XMLCALL OnEntityDeclaration(void* self, const char* /*name*/, int is_parameter,
                                           const char* value, int size, const char* /*base*/,
                                           const char* /*system_id*/, const char* /*public_id*/,
                                           const char* /*notation*/) {
-    if (value != nullptr) Self(self).DeclareEntity({value, static_cast<std::size_t>(size)});
+    // Parameter entities are not expanded, and external ones have no text here.
+    if (is_parameter != 0 || value == nullptr) return;
+    if (!RefersToEntity({value, static_cast<std::size_t>(size)})) return;
+    if (++Self(self).nested_entities_ > kMaxNestedEntities) Self(self).Stop();
   }
 
   static void XMLCALL OnAttributeDeclaration(void* self, const char* /*element*/,
@@ -100,15 +134,6 @@ class TreeBuilder {
   void EndElement() {
     --depth_;
     tree_->EndElement();
-  }
-
-  void DeclareEntity(std::string_view text) {
-    for (std::size_t i = text.find('&'); i < text.size(); i = text.find('&', i + 1)) {
-      const bool is_character = i + 1 < text.size() && text[i + 1] == '#';
-      if (is_character) continue;
-      if (++nested_entities_ > kMaxNestedEntities) Stop();
-      return;
-    }
   }
 
   void LookThroughDeclaredAttributes() {
@@ -151,10 +176,9 @@ bool Feed(XML_Parser parser, std::string_view document) {
 }  // namespace
 
 std::unique_ptr<const Tree> Parse(std::string_view document) noexcept {
-  const ParserHandle parser(XML_ParserCreateNS(nullptr, ':'));
+  const ParserMemory memory(TreeBytes(document.size()));
+  const ParserHandle parser = MakeParser();
   if (!parser) return nullptr;
-  XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), kMaxEntityGrowth);
-  XML_SetBillionLaughsAttackProtectionActivationThreshold(parser.get(), kMinEntityBytes);
   try {
     TreeBuilder builder(parser.get(), document.size());
     return Feed(parser.get(), document) ? builder.Finish() : nullptr;

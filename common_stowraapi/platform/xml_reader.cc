@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common_stowraapi/platform/ustring_units.h"
+#include "common_stowraapi/platform/utf_conversion.h"
 #include "common_stowraapi/platform/xml_values.h"
 
 namespace ovrant::xml {
@@ -77,7 +78,10 @@ NameId Reader::FindName(const ovrant_ustring& name) {
   const std::u16string_view units = UstringUnits::Of(name);
   AskedName& asked = asked_[Slot(units, asked_.size())];
   if (asked.text != units) {
-    const NameId id = tree_->names().Find(name.utf8());
+    const std::string utf8 = name.utf8();
+    // A lone surrogate has become another character, which a document may well hold.
+    const bool is_text = utils::Utf8ToUtf16(utf8) == units;
+    const NameId id = is_text ? tree_->names().Find(utf8) : kNoName;
     asked.text = units;
     asked.id = id;
   }

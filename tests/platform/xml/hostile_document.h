@@ -1,0 +1,24 @@
+// Documents made to cost more than their size.
+
+#ifndef TESTS_PLATFORM_XML_HOSTILE_DOCUMENT_H_
+#define TESTS_PLATFORM_XML_HOSTILE_DOCUMENT_H_
+
+#include <functional>
+#include <string>
+
+#include "common_stowraapi/platform/xml_input.h"
+
+namespace stowra_test {
+
+// Opens the document on a small stack, calls `use` if it opens, and deletes the reader. Fails the
+// test if that hangs, takes more memory than the reader may, or keeps some. The times and sizes are
+// recorded as properties of the test. Returns whether the document was opened.
+bool OpenHostile(const std::string& bytes,
+                 const std::function<void(ovrant::IXMLInput& reader)>& use = nullptr);
+
+// "<!DOCTYPE a [" declarations "]>" content.
+std::string WithDeclarations(const std::string& declarations, const std::string& content);
+
+}  // namespace stowra_test
+
+#endif  // TESTS_PLATFORM_XML_HOSTILE_DOCUMENT_H_

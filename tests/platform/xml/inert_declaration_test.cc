@@ -1,0 +1,130 @@
+// A document type declaration opens and fetches nothing.
+
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "tests/platform/xml/open_watch.h"
+#include "tests/platform/xml/xml_document.h"
+#include "tests/support/temporary_folder.h"
+
+namespace stowra_test {
+namespace {
+
+// Documents that refer to a resource, with the text of `a` when nothing of it is read.
+struct Reference {
+  std::string bytes;
+  std::string text;
+};
+
+std::vector<Reference> ReferencesTo(const std::string& resource) {
+  const std::string system = "SYSTEM \"" + resource + "\"";
+  const std::string entity = "<!ENTITY e " + system + ">";
+  const std::string parameter = "<!ENTITY % p " + system + "> %p;";
+  return {
+      {"<!DOCTYPE a " + system + "><a>x</a>", "x"},
+      {"<!DOCTYPE a PUBLIC 'public' \"" + resource + "\"><a>x</a>", "x"},
+      {"<?xml version='1.0' standalone='no'?><!DOCTYPE a " + system + " []><a>x</a>", "x"},
+      {"<?xml version='1.0' standalone='yes'?><!DOCTYPE a " + system + " []><a>x</a>", "x"},
+      {"<!DOCTYPE a [" + entity + "]><a>x&e;y</a>", "xy"},
+      {"<!DOCTYPE a [" + entity + "<!ENTITY f '[&e;]'>]><a>x&f;y</a>", "x[]y"},
+      {"<!DOCTYPE a [" + parameter + "]><a>x</a>", "x"},
+      {"<!DOCTYPE a " + system + " [" + parameter + entity + "]><a>x</a>", "x"},
+      {"<!DOCTYPE a [<!NOTATION n " + system + "><!ENTITY e " + system +
+           " NDATA n><!ATTLIST a n ENTITY #IMPLIED>]><a n='e'>x</a>",
+       "x"},
+      {"<?xml-stylesheet href=\"" + resource + "\"?><a>x</a>", "x"},
+      {"<a xmlns:i='http://www.w3.org/2001/XInclude'>x<i:include href=\"" + resource + "\"/>y</a>",
+       "xy"},
+      {"<a xmlns:s='http://www.w3.org/2001/XMLSchema-instance' s:noNamespaceSchemaLocation=\"" +
+           resource + "\">x</a>",
+       "x"},
+  };
+}
+
+void ExpectInert(const std::string& resource) {
+  for (const Reference& reference : ReferencesTo(resource)) {
+    EXPECT_EQ(RootText(reference.bytes), reference.text) << reference.bytes;
+  }
+}
+
+TEST(XmlInertDeclarationTest, ExternalEntitiesInAttributesAreIllFormed) {
+  EXPECT_FALSE(Opens("<!DOCTYPE a [<!ENTITY e SYSTEM 'file'>]><a n='&e;'/>"));
+  EXPECT_FALSE(Opens("<!DOCTYPE a [<!ENTITY e SYSTEM 'x'><!ENTITY f '&e;'>]><a n='&f;'/>"));
+}
+
+#if defined(STOWRA_WATCHES_OPENED_FILES)
+
+class XmlOpenWatchTest : public testing::Test {
+ protected:
+  XmlOpenWatchTest() {
+    std::filesystem::create_directory(folder_.path() / "inner");
+    std::ofstream(folder_.path() / "inner" / "file") << "<!ENTITY e 'secret'>";
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(XmlOpenWatchTest, NoticesWhatIsOpened) {
+  OpenWatch watch(folder_.path());
+  EXPECT_EQ(watch.TakeCount(), 0);
+  EXPECT_TRUE(std::ifstream(folder_.path() / "inner" / "file"));
+  EXPECT_GT(watch.TakeCount(), 0);
+  EXPECT_EQ(watch.TakeCount(), 0);
+  const WorkingFolder working(folder_.path() / "inner");
+  EXPECT_EQ(watch.TakeCount(), 0);
+  EXPECT_TRUE(std::ifstream("file"));
+  EXPECT_GT(watch.TakeCount(), 0);
+}
+
+TEST_F(XmlOpenWatchTest, NoFileIsOpened) {
+  OpenWatch watch(folder_.path());
+  const std::string file = (folder_.path() / "inner" / "file").string();
+  const WorkingFolder working(folder_.path() / "inner");
+  for (const std::string& name :
+       {file, "file://" + file, "file://localhost" + file, std::string("file"),
+        std::string("./file"), std::string("../inner/file"), "jar:file://" + file + "!/x"}) {
+    ExpectInert(name);
+    EXPECT_EQ(watch.TakeCount(), 0) << name;
+  }
+}
+
+#endif
+
+TEST(XmlInertDeclarationTest, SystemFilesAreNotRead) {
+  ExpectInert("file:///etc/passwd");
+  ExpectInert("/etc/passwd");
+  ExpectInert("../../../../../../../../etc/passwd");
+  ExpectInert("/dev/stdin");
+}
+
+TEST(XmlInertDeclarationTest, APortNoticesACall) {
+  const SilentPort port;
+  EXPECT_FALSE(port.WasCalled());
+  const int caller = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(static_cast<std::uint16_t>(port.number()));
+  EXPECT_EQ(connect(caller, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+  EXPECT_TRUE(port.WasCalled());
+  close(caller);
+}
+
+TEST(XmlInertDeclarationTest, NoServerIsCalled) {
+  const SilentPort port;
+  const std::string host = "127.0.0.1:" + std::to_string(port.number());
+  for (const char* const scheme : {"http://", "https://", "ftp://", "//"}) {
+    ExpectInert(scheme + host + "/x.dtd");
+  }
+  EXPECT_FALSE(port.WasCalled());
+}
+
+}  // namespace
+}  // namespace stowra_test
