@@ -1,6 +1,8 @@
 #include "common_stowraapi/platform/keyed_hash.h"
 
+#include <chrono>
 #include <cstddef>
+#include <exception>
 #include <random>
 
 namespace ovrant::utils {
@@ -8,9 +10,15 @@ namespace {
 
 struct Key {
   Key() {
-    std::random_device source;
-    low = std::uint64_t{source()} << 32 | source();
-    high = std::uint64_t{source()} << 32 | source();
+    try {
+      std::random_device source;
+      low = std::uint64_t{source()} << 32 | source();
+      high = std::uint64_t{source()} << 32 | source();
+    } catch (const std::exception&) {
+      // A system without a source of its own: the time and where the process has been loaded.
+      low = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+      high = reinterpret_cast<std::uintptr_t>(this);
+    }
   }
 
   std::uint64_t low;

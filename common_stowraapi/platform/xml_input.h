@@ -63,10 +63,11 @@ class STOWRA_EXPORT IXMLInput {
 // a well-formed document to their last byte, in UTF-8, UTF-16, ISO-8859-1 or US-ASCII as declared;
 // when there is not enough memory; and when they break one of the limits that keep a hostile
 // document from costing more than its size: 256 levels of elements; a namespace URI of 256 bytes;
-// 64 entities that refer to other declared ones; 16 times `length` plus 1 MiB, each, of bytes for
-// the tree, of bytes for the parser, and of looks at declared attributes, all of which are looked
-// through at each further declaration and at each element. What entities and attribute defaults
-// bring about counts like what is written.
+// 64 entities that refer to other declared ones; 16 times `length` plus 1 MiB of bytes for the
+// tree, and as many for the parser; and as much again of what declarations make the parser do,
+// which is a look at each attribute declared for an element at each of them and at each element,
+// and a hash of each byte of a defaulted attribute's name and of a declared namespace's URI. What
+// entities and attribute defaults bring about counts like what is written.
 //
 // A document type declaration is read, but neither the external subset nor an external entity is:
 // nothing is ever opened or fetched. Fits a 512 KiB stack. The caller owns the reader.

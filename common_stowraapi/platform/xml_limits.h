@@ -17,7 +17,8 @@ inline constexpr std::size_t kMaxNamespaceUri = 256;
 // one to the next.
 inline constexpr int kMaxNestedEntities = 64;
 
-// Bytes of a tree for each byte of the document, and besides; and as many for the parser.
+// Bytes of a tree for each byte of the document, and besides; as many for the parser, and as many
+// for the names in declarations.
 inline constexpr std::size_t kTreeBytesPerByte = 16;
 inline constexpr std::size_t kTreeBytesBesides = std::size_t{1} << 20;
 
@@ -25,10 +26,10 @@ inline constexpr std::size_t kTreeBytesBesides = std::size_t{1} << 20;
 inline constexpr float kMaxEntityGrowth = 16;
 inline constexpr unsigned long long kMinEntityBytes = 1ULL << 20;
 
-// The parser looks through the declared attributes at each declaration and at each element; so many
-// looks for each byte of the document, and besides.
-inline constexpr std::size_t kDeclaredAttributesPerByte = 16;
-inline constexpr std::size_t kDeclaredAttributesBesides = std::size_t{1} << 20;
+// What declarations may cost the parser, in looks and bytes, for each byte of the document, and
+// besides: see DeclarationCost.
+inline constexpr std::size_t kDeclarationCostPerByte = 16;
+inline constexpr std::size_t kDeclarationCostBesides = std::size_t{1} << 20;
 
 }  // namespace ovrant::xml
 

@@ -10,6 +10,7 @@
 #include <new>
 #include <utility>
 
+#include "common_stowraapi/platform/xml_declaration_cost.h"
 #include "common_stowraapi/platform/xml_limits.h"
 #include "common_stowraapi/platform/xml_parser_memory.h"
 
@@ -55,9 +56,7 @@ bool RefersToEntity(std::string_view text) {
 class TreeBuilder {
  public:
   TreeBuilder(XML_Parser parser, std::size_t size)
-      : parser_(parser),
-        tree_(std::make_unique<Tree>(TreeBytes(size), size)),
-        looks_left_(kDeclaredAttributesPerByte * size + kDeclaredAttributesBesides) {
+      : parser_(parser), tree_(std::make_unique<Tree>(TreeBytes(size), size)), declarations_(size) {
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, OnStartElement, OnEndElement);
     XML_SetCharacterDataHandler(parser, OnText);
@@ -91,7 +90,8 @@ class TreeBuilder {
   }
 
   static void XMLCALL OnNamespace(void* self, const char* /*prefix*/, const char* uri) {
-    if (uri != nullptr && std::strlen(uri) > kMaxNamespaceUri) Self(self).Stop();
+    const std::size_t size = uri == nullptr ? 0 : std::strlen(uri);
+    if (size > kMaxNamespaceUri || !Self(self).declarations_.AddNamespace(size)) Self(self).Stop();
   }
 
   static void XMLCALL OnEntityDeclaration(void* self, const char* /*name*/, int is_parameter,
@@ -104,12 +104,12 @@ class TreeBuilder {
     if (++Self(self).nested_entities_ > kMaxNestedEntities) Self(self).Stop();
   }
 
-  static void XMLCALL OnAttributeDeclaration(void* self, const char* /*element*/,
-                                             const char* /*name*/, const char* /*type*/,
-                                             const char* /*default_value*/, int /*is_required*/) {
-    TreeBuilder& builder = Self(self);
-    ++builder.declared_attributes_;
-    builder.LookThroughDeclaredAttributes();
+  static void XMLCALL OnAttributeDeclaration(void* self, const char* element, const char* /*name*/,
+                                             const char* /*type*/, const char* /*default_value*/,
+                                             int /*is_required*/) {
+    Self(self).Do([&] {
+      if (!Self(self).declarations_.AddDeclaration(element)) Self(self).Stop();
+    });
   }
 
   template <typename Work>
@@ -124,21 +124,16 @@ class TreeBuilder {
 
   void StartElement(const char* name, const char** attributes) {
     if (++depth_ > kMaxDepth) return Stop();
-    LookThroughDeclaredAttributes();
-    tree_->BeginElement(name);
     // Those that have a declaration's default value come behind the written ones.
     const char** const end = attributes + XML_GetSpecifiedAttributeCount(parser_);
+    if (!declarations_.AddElement(end)) return Stop();
+    tree_->BeginElement(name);
     for (; attributes != end; attributes += 2) tree_->AddAttribute(attributes[0], attributes[1]);
   }
 
   void EndElement() {
     --depth_;
     tree_->EndElement();
-  }
-
-  void LookThroughDeclaredAttributes() {
-    if (declared_attributes_ > looks_left_) return Stop();
-    looks_left_ -= declared_attributes_;
   }
 
   void Stop() {
@@ -151,8 +146,7 @@ class TreeBuilder {
   bool stopped_ = false;
   int depth_ = 0;
   int nested_entities_ = 0;
-  std::size_t declared_attributes_ = 0;
-  std::size_t looks_left_;
+  DeclarationCost declarations_;
 };
 
 // Piece by piece, so that the parser's buffer stays in the cache. A token that goes on beyond a

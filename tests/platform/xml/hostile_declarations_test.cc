@@ -46,6 +46,45 @@ TEST(XmlHostileDeclarationsTest, ALongPrefixedDefaultOnManyElements) {
   OpenHostile(WithDeclarations(declaration, ManyElements(60'000)), ExpectBare);
 }
 
+// The parser hashes the whole name at each element.
+TEST(XmlHostileDeclarationsTest, ALongPrefixedDefaultNameOnManyElements) {
+  const std::string declaration = "<!ATTLIST b p:" + kLongText + " CDATA ''>";
+  EXPECT_FALSE(OpenHostile(
+      WithDeclarations(declaration, "<a xmlns:p='u'>" + Repeated("<b/>", 60'000) + "</a>")));
+}
+
+TEST(XmlHostileDeclarationsTest, PrefixedDefaultsOfALongUriOnManyElements) {
+  const std::string uri(256, 'u');
+  EXPECT_FALSE(OpenHostile(
+      WithDeclarations(AttributeList(250, "p:n", "CDATA ''"),
+                       "<a xmlns:p='" + uri + "'>" + Repeated("<b/>", 70'000) + "</a>")));
+}
+
+TEST(XmlHostileDeclarationsTest, ManyDefaultNamespacesOnManyElements) {
+  const std::string uri(250, 'u');
+  EXPECT_FALSE(OpenHostile(WithDeclarations(AttributeList(300, "xmlns:p", "CDATA '" + uri + "'"),
+                                            ManyElements(60'000))));
+}
+
+TEST(XmlHostileDeclarationsTest, AFewPrefixedDefaultsAreFine) {
+  const std::string declarations =
+      AttributeList(3, "p:n", "CDATA 'v'") + "<!ATTLIST a xmlns:p CDATA 'http://a/namespace'>";
+  const std::string element = "<b>some text of an element, as long as such texts are</b>";
+  EXPECT_TRUE(OpenHostile(
+      WithDeclarations(declarations, "<a>" + Repeated(element, 10'000) + "</a>"), ExpectBare));
+}
+
+// What counts is the longest list of one element.
+TEST(XmlHostileDeclarationsTest, ALargeVocabularyIsFine) {
+  std::string declarations;
+  for (int i = 0; i < 100; ++i) {
+    declarations += "<!ATTLIST e" + std::to_string(i);
+    for (int k = 0; k < 12; ++k) declarations += " n" + std::to_string(k) + " CDATA #IMPLIED";
+    declarations += ">";
+  }
+  EXPECT_TRUE(OpenHostile(WithDeclarations(declarations, ManyElements(20'000)), ExpectBare));
+}
+
 TEST(XmlHostileDeclarationsTest, TenThousandDefaultsOnManyElements) {
   OpenHostile(WithDeclarations(AttributeList(10'000, "n", "CDATA ''"), ManyElements(50'000)),
               ExpectBare);
