@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# content_example_test.sh EXAMPLE EMULATOR
+set -euo pipefail
+source "$(dirname "$0")/with_emulator.sh" "$2"
+
+"$1" "$url" >"$work/output"
+cat "$work/output"
+grep -qx 'Oak Chair' "$work/output"
+grep -qx "show $url/upload-succeeded" "$work/output"
