@@ -4,6 +4,8 @@
 #include <sstream>
 #include <utility>
 
+#include "tests/substitute/transport_watch.h"
+
 const int stowra_substitute_platform_marker = 1;
 
 namespace stowra_substitute {
@@ -17,9 +19,15 @@ std::vector<std::string>& List() {
 
 }  // namespace
 
-void Record(std::string effect) { List().push_back(std::move(effect)); }
+void Record(std::string effect) {
+  RecordWatchedTransport();
+  List().push_back(std::move(effect));
+}
 
-std::vector<std::string> TakeEffects() { return std::exchange(List(), {}); }
+std::vector<std::string> TakeEffects() {
+  RecordWatchedTransport();
+  return std::exchange(List(), {});
+}
 
 std::string AddressText(const void* address) {
   if (address == nullptr) return "null";

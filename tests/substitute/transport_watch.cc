@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "tests/substitute/effects.h"
@@ -48,6 +49,11 @@ using ovrant::utils::ovrant_ustring;
 constexpr int kTextsSideBySide = 4;
 
 int constructed = 0;
+bool making_sample = false;
+
+// The fourth of a row of empty strings, unless a fifth has followed: the beginning of what holds
+// more need not be a transport's, nor be there to look at.
+const void* last_of_four = nullptr;
 
 // Its sample is never destroyed: that would be recorded.
 const InternetDataTestPeer& Peer() {
@@ -61,14 +67,19 @@ const InternetDataTestPeer& Peer() {
 void WatchEmptyString(const void* string) {
   static std::uintptr_t previous = 0;
   static int side_by_side = 0;
-  static bool making_sample = false;
   if (making_sample) return;
 
   const auto here = reinterpret_cast<std::uintptr_t>(string);
-  side_by_side = here == previous + sizeof(ovrant_ustring) ? side_by_side + 1 : 1;
+  const bool goes_on = here == previous + sizeof(ovrant_ustring);
   previous = here;
-  if (side_by_side < kTextsSideBySide) return;
+  if (!goes_on) RecordWatchedTransport();
+  side_by_side = goes_on ? side_by_side + 1 : 1;
+  last_of_four = side_by_side == kTextsSideBySide ? string : nullptr;
+}
 
+void RecordWatchedTransport() {
+  const void* const string = std::exchange(last_of_four, nullptr);
+  if (string == nullptr) return;
   making_sample = true;
   const InternetDataTestPeer& peer = Peer();
   making_sample = false;
@@ -78,6 +89,9 @@ void WatchEmptyString(const void* string) {
   }
 }
 
-int CountConstructedTransports() { return constructed; }
+int CountConstructedTransports() {
+  RecordWatchedTransport();
+  return constructed;
+}
 
 }  // namespace stowra_substitute

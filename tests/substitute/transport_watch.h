@@ -5,9 +5,13 @@
 
 namespace stowra_substitute {
 
-// Told of each empty string that is constructed. A transport constructs four of them side by side:
-// at a fourth one that lies inside a transport, "<url>: constructed" is recorded.
+// Told of each empty string that is constructed. A transport constructs four of them side by side,
+// and no more.
 void WatchEmptyString(const void* string);
+
+// Called before anything else is recorded or asked for: records "<url>: constructed" if the last
+// four strings lie inside a transport.
+void RecordWatchedTransport();
 
 // Transports whose construction has been seen.
 int CountConstructedTransports();
