@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <exception>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -16,9 +17,12 @@ namespace {
 constexpr std::chrono::seconds kIdleTimeout(60);
 constexpr int kMaxRequests = 1000;
 
+std::uint64_t DeclaredSize(const httplib::Request& request) {
+  return request.get_header_value<std::uint64_t>("Content-Length");
+}
+
 bool HasBody(const httplib::Request& request) {
-  return request.has_header("Transfer-Encoding") ||
-         request.get_header_value<std::uint64_t>("Content-Length") > 0;
+  return request.has_header("Transfer-Encoding") || DeclaredSize(request) > 0;
 }
 
 // The methods whose body the engine reads.
@@ -29,8 +33,12 @@ bool MayHaveBody(const std::string& method) {
 }  // namespace
 
 Connection::Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher,
-                       RequestLog& log)
-    : socket_(std::move(socket), stop), stream_(socket_), dispatcher_(dispatcher), log_(log) {
+                       RequestLog& log, std::uint64_t max_body_size)
+    : socket_(std::move(socket), stop),
+      stream_(socket_),
+      dispatcher_(dispatcher),
+      log_(log),
+      max_body_size_(max_body_size) {
   // Told to the client only: Serve is what holds to it.
   set_keep_alive_timeout(kIdleTimeout.count());
   set_keep_alive_max_count(kMaxRequests);
@@ -47,9 +55,19 @@ Connection::Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher&
   Delete(every_path, answer);
   Options(every_path, answer);
 
+  // Comes before the body is read.
+  set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+    if (!HasOversizedBody(request)) return HandlerResponse::Unhandled;
+    RefuseBody(response);
+    return HandlerResponse::Handled;
+  });
   // For what the engine refuses by itself.
-  set_error_handler(Handler([](const httplib::Request&, httplib::Response& response) {
-    if (response.body.empty()) SetError(response, response.status, "not a request to be served");
+  set_error_handler(Handler([this](const httplib::Request&, httplib::Response& response) {
+    if (stream_.WantsMoreInput()) {
+      RefuseBody(response);
+    } else if (response.body.empty()) {
+      SetError(response, response.status, "not a request to be served");
+    }
   }));
   set_logger([this](const httplib::Request& request, const httplib::Response& response) {
     log_entry_ = {request.method, request.target, response.status, 0};
@@ -64,6 +82,7 @@ void Connection::Serve() {
 
 bool Connection::ServeRequest(bool is_last) {
   if (!stream_.WaitForInput(kIdleTimeout)) return false;
+  stream_.AllowInput(std::numeric_limits<std::uint64_t>::max());
   fault_ = Fault();
   request_was_read_ = false;
   bool close_was_asked = false;
@@ -85,6 +104,22 @@ void Connection::PrepareRequest(httplib::Request& request) {
     request.set_header("Content-Length", "0");
   }
   request.ranges.clear();
+  stream_.AllowInput(max_body_size_);
+  if (HasOversizedBody(request)) {
+    // No "100 Continue" for a body that is not going to be read.
+    request.headers.erase("Expect");
+    request.headers.erase("Connection");
+    request.set_header("Connection", "close");
+  }
+}
+
+bool Connection::HasOversizedBody(const httplib::Request& request) const {
+  return DeclaredSize(request) > max_body_size_;
+}
+
+void Connection::RefuseBody(httplib::Response& response) const {
+  SetError(response, 413,
+           "a body of more than " + std::to_string(max_body_size_) + " bytes is not taken");
 }
 
 void Connection::Answer(const httplib::Request& request, httplib::Response& response) {

@@ -5,6 +5,8 @@
 
 #include <httplib.h>
 
+#include <cstdint>
+
 #include "emulator/client_socket.h"
 #include "emulator/dispatcher.h"
 #include "emulator/engine_stream.h"
@@ -20,7 +22,8 @@ namespace stowra_emulator {
 // For one thread; everything that the constructor is given must outlive it.
 class Connection : private httplib::Server {
  public:
-  Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher, RequestLog& log);
+  Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher, RequestLog& log,
+             std::uint64_t max_body_size);
 
   // Returns when the client has left, a fault has ended the connection, or the stop event is set.
   void Serve();
@@ -30,12 +33,15 @@ class Connection : private httplib::Server {
   bool ServeRequest(bool is_last);
 
   void PrepareRequest(httplib::Request& request);
+  bool HasOversizedBody(const httplib::Request& request) const;
+  void RefuseBody(httplib::Response& response) const;
   void Answer(const httplib::Request& request, httplib::Response& response);
 
   ClientSocket socket_;
   EngineStream stream_;
   Dispatcher& dispatcher_;
   RequestLog& log_;
+  const std::uint64_t max_body_size_;
 
   // Of the request being served.
   Fault fault_;

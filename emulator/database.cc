@@ -44,6 +44,11 @@ Statement& Statement::BindBytes(int parameter, std::string_view bytes) {
   return *this;
 }
 
+Statement& Statement::BindPointer(int parameter, void* pointer, const char* type) {
+  Check(database_, sqlite3_bind_pointer(statement_.get(), parameter, pointer, type, nullptr));
+  return *this;
+}
+
 bool Statement::Step() {
   const int result = sqlite3_step(statement_.get());
   if (result == SQLITE_ROW) return true;

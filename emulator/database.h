@@ -26,6 +26,8 @@ class Statement {
   Statement& Bind(int parameter, std::string_view text);
   Statement& BindInt(int parameter, int number);
   Statement& BindBytes(int parameter, std::string_view bytes);
+  // For the functions of SQLite that take a pointer of that type.
+  Statement& BindPointer(int parameter, void* pointer, const char* type);
 
   // Moves to the next row; false after the last one.
   bool Step();

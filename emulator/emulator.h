@@ -18,6 +18,8 @@ struct EmulatorOptions {
   std::uint16_t port = 0;       // 0 takes any free one.
   std::string database_file;    // Empty: in memory, gone with the emulator.
   std::ostream* log = nullptr;  // Gets a line for each request; must outlive the emulator.
+  // Of a request, as it is sent. SQLite takes no value of more than 10^9 bytes.
+  std::uint64_t max_body_size = 512 << 20;
 };
 
 // A server on 127.0.0.1 that is ready when its constructor returns and stops in its destructor,

@@ -8,6 +8,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "emulator/client_socket.h"
@@ -22,6 +23,12 @@ class EngineStream : public httplib::Stream {
 
   // True when there is something to read, be it the end of the stream.
   bool WaitForInput(std::chrono::milliseconds timeout) const;
+
+  // Lets that many bytes more be read; further reads fail.
+  void AllowInput(std::uint64_t size);
+
+  // Whether a read has failed for that.
+  bool WantsMoreInput() const { return wants_more_input_; }
 
   // The response written since the last call.
   std::string TakeResponse();
@@ -45,6 +52,8 @@ class EngineStream : public httplib::Stream {
   std::array<char, 8192> input_;
   std::size_t input_position_ = 0;
   std::size_t input_end_ = 0;
+  std::uint64_t allowed_input_ = 0;
+  bool wants_more_input_ = false;
   std::string response_;
 };
 

@@ -118,7 +118,7 @@ ItemPage Search(Database& database, const SearchQuery& query) {
   ItemPage page;
   page.description = DescriptionOf(database, query);
   page.updated = LastUpdate(database);
-  const std::string expression = MatchExpression(query.text);
+  const std::string expression = MatchExpression(query.text, Tokenizer(database));
   const Selection selection = SelectionOf(query, expression);
 
   Statement count = PrepareSelection(database, "SELECT count(*) ", selection, "");

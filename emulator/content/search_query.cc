@@ -68,9 +68,10 @@ SearchQuery ReadSearchQuery(const httplib::Request& request) {
   return query;
 }
 
-std::string MatchExpression(const std::string& text) {
+std::string MatchExpression(const std::string& text, const Tokenizer& tokenizer) {
   std::string expression;
   for (const std::string& word : Words(text)) {
+    if (!tokenizer.FindsAnything(word)) continue;
     if (!expression.empty()) expression += ' ';
     expression += '"';
     for (const char c : word) expression += c == '"' ? "\"\"" : std::string(1, c);

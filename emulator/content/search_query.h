@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "emulator/content/tokenizer.h"
+
 namespace stowra_emulator {
 
 struct SearchQuery {
@@ -21,9 +23,10 @@ struct SearchQuery {
 // Throws RequestError, status 400.
 SearchQuery ReadSearchQuery(const httplib::Request& request);
 
-// What to search the index for: every word of `text`, the last one as a beginning, in quotation
-// marks so that none has a meaning in the index's language. Empty when there is no word.
-std::string MatchExpression(const std::string& text);
+// What to search the index for: every word of `text` in which the index finds anything, the last
+// one as a beginning, in quotation marks so that none has a meaning in the index's language. Empty
+// when there is no such word.
+std::string MatchExpression(const std::string& text, const Tokenizer& tokenizer);
 
 // The path and query that ask for `query`.
 std::string SearchAddress(const std::string& path, const SearchQuery& query);

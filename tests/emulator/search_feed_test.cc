@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -165,7 +164,6 @@ TEST_F(SearchFeedTest, ModelsHaveDownloadsAndCollectionsHaveAFeed) {
 }
 
 TEST_F(SearchFeedTest, RenditionsOfEveryKind) {
-  const std::regex qmf("s[0-9]*");
   std::set<std::string> kinds;
   int only_kmz = 0;
   int no_kmz = 0;
@@ -179,7 +177,8 @@ TEST_F(SearchFeedTest, RenditionsOfEveryKind) {
       } else if (rtyp == "z") {
         EXPECT_EQ(type, "application/zip");
       } else {
-        EXPECT_TRUE(std::regex_match(rtyp, qmf)) << rtyp;
+        EXPECT_EQ(rtyp.find_first_not_of("0123456789", 1), std::string::npos) << rtyp;
+        EXPECT_EQ(rtyp[0], 's') << rtyp;
         EXPECT_EQ(type, "application/vnd.brevix.qmf");
       }
     }

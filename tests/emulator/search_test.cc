@@ -123,6 +123,11 @@ TEST_F(SearchTest, CaseAndAccentsDoNotMatter) {
               ElementsAre("Стул со спинкой"));
 }
 
+TEST_F(SearchTest, AccentsOnOtherThanLatinLettersMatter) {
+  EXPECT_EQ(CountOf("%CE%BE%CF%8D%CE%BB%CE%B9%CE%BD%CE%B7"), 1) << "ξύλινη";
+  EXPECT_EQ(CountOf("%CE%BE%CF%85%CE%BB%CE%B9%CE%BD%CE%B7"), 0) << "ξυλινη";
+}
+
 TEST_F(SearchTest, EveryScriptCanBeSearchedFor) {
   EXPECT_EQ(CountOf("%E6%A4%85%E5%AD%90"), 10) << "椅子, a keyword of all chairs";
   EXPECT_THAT(Titles(GetFeed("/search?q=%E6%9C%A8%E3%81%AE")), ElementsAre("木の椅子")) << "木の";
@@ -154,6 +159,31 @@ TEST_F(SearchTest, EmptyQueryFindsEverything) {
   for (const char* query : {"", "%20", "+%09+", "&q="}) EXPECT_EQ(CountOf(query), 106) << query;
   EXPECT_EQ(GetFeed("/search?q=").Child(std::string(kAtom) + "title").text,
             "All models and collections");
+}
+
+TEST_F(SearchTest, WordOfPunctuationOnlyIsLeftOut) {
+  for (const char* query : {"%26", "*", "-", "%22", "%2B", "%E2%80%A6", "%E3%80%81", "%E2%80%94",
+                            "%24%20!%20%3D", "-+is:downloadable"}) {
+    EXPECT_EQ(CountOf(query), 106) << query;
+  }
+  for (const char* query : {"chair+-", "chair+%E2%80%A6+%26", "-+chair", "chair+-+is:downloadable",
+                            "chair+%26&q=%22"}) {
+    EXPECT_EQ(CountOf(query), CountOf("chair")) << query;
+  }
+  EXPECT_THAT(Titles(GetFeed("/search?q=chair+%26+oa+-")), ElementsAre("Oak Chair"));
+  EXPECT_EQ(CountOf("oa+-+chair"), 0) << "no beginning, with a word behind it";
+}
+
+TEST_F(SearchTest, DigitsAndSymbolsAreNoPunctuation) {
+  EXPECT_EQ(CountOf("%F0%9F%AA%91"), 1) << "an emoji";
+  EXPECT_EQ(CountOf("%EF%A3%BF"), 0) << "for private use";
+  EXPECT_EQ(CountOf("987654"), 0);
+  EXPECT_EQ(CountOf("chair+%C2%A9"), 0) << "a copyright sign";
+}
+
+TEST_F(SearchTest, TextWithoutBlanksMatchesFromItsBeginning) {
+  EXPECT_THAT(Titles(GetFeed("/search?q=%E6%9C%A8%E3%81%AE")), ElementsAre("木の椅子")) << "木の";
+  EXPECT_EQ(CountOf("%E3%81%AE"), 0) << "の, inside of that title";
 }
 
 TEST_F(SearchTest, NothingInAQueryHasAMeaningInSql) {
