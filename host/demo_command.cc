@@ -4,15 +4,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -25,6 +21,7 @@
 #include "host/session.h"
 #include "host/stored_zip.h"
 #include "host/terminal.h"
+#include "host/work_folder.h"
 
 namespace stowra {
 
@@ -68,28 +65,6 @@ void Say(const std::string& line) {
 void Check(bool good, const std::string& what) {
   if (!good) FailCheck(what);
 }
-
-// A new folder, removed with what is in it.
-class WorkFolder {
- public:
-  WorkFolder() : path_((std::filesystem::temp_directory_path() / "stowra-demo-XXXXXX").string()) {
-    if (mkdtemp(path_.data()) == nullptr) {
-      throw std::system_error(errno, std::generic_category(), path_);
-    }
-  }
-  ~WorkFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
-
-  std::string File(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
 
 // As a shell takes it. None of the demo's own words holds an apostrophe.
 std::string Quote(const std::string& argument) {

@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -33,9 +36,39 @@ constexpr char kExamples[] =
 
 constexpr int kHttpOk = 200;
 
+// A model is held in memory whole. 4 GiB, or what the platform can count.
+constexpr std::uint64_t kFourGibibytes = std::uint64_t{1} << 32;
+constexpr unsigned long kMostBytes = std::numeric_limits<unsigned long>::max();
+constexpr auto kDefaultMaxBytes =
+    static_cast<unsigned long>(std::min<std::uint64_t>(kFourGibibytes, kMostBytes));
+
 struct DownloadOptions : RequestOptions {
+  DownloadOptions() { max_bytes = kDefaultMaxBytes; }
+
   std::string file;  // empty: as the server calls it
 };
+
+std::string CheckOutput(const std::string& file) {
+  if (file.empty()) return "empty";
+  return file == "-" ? "'-' is not standard output here: a model goes to a file, as ./-" : "";
+}
+
+std::string CheckMaxBytes(const std::string& text) {
+  return CheckWholeNumber(text, 1, kMostBytes, "a number of bytes above 0");
+}
+
+// Before anything is transferred for nothing.
+bool HasDestination(const DownloadOptions& options) {
+  std::string why;
+  if (options.file.empty()) {
+    if (CanMakeFileIn(".", why)) return true;
+    Complain(fmt::format("the current folder: {}", why));
+  } else {
+    if (CanReplaceFile(options.file, why)) return true;
+    Complain(fmt::format("{}: {}", options.file, why));
+  }
+  return false;
+}
 
 std::string ToTable(const std::string& file, std::size_t bytes) {
   Table table(Table::Labels::kFirstColumn);
@@ -68,6 +101,7 @@ ExitStatus Keep(const InternetData& transport, const DownloadOptions& options) {
 }
 
 ExitStatus Run(const DownloadOptions& options) {
+  if (!HasDestination(options)) return ExitStatus::kCannotRun;
   Session session(options);
   session.ShowProgress();
   InternetData transport(ovrant_ustring(options.url.data(), options.url.size()));
@@ -84,11 +118,16 @@ void AddDownloadCommand(CLI::App& app, Task& chosen) {
   AddWaitingOptions(command, *options);
   command
       .add_option("-o,--output", options->file,
-                  "Write to this file, and replace one that is there; without it the server names "
-                  "the file, which is put into the current folder and must not be there")
+                  "Write to this file, or the one that this link leads to, and replace one that is "
+                  "there; without it the server names the file, which is put into the current "
+                  "folder and must not be there")
       ->type_name("FILE")
-      ->check(CLI::Validator(
-          [](const std::string& file) { return std::string(file.empty() ? "empty" : ""); }, ""));
+      ->check(CLI::Validator(CheckOutput, ""));
+  command
+      .add_option("--max-bytes", options->max_bytes,
+                  fmt::format("Fail when the file is larger; {} unless given", kDefaultMaxBytes))
+      ->type_name("N")
+      ->check(CLI::Validator(CheckMaxBytes, ""));
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
 }
 

@@ -13,6 +13,10 @@ using ovrant::utils::ovrant_ustring;
 namespace {
 
 constexpr char kFallback[] = "download";
+constexpr char kWhiteSpace[] = " \t";
+
+// What file systems take, in bytes.
+constexpr std::size_t kLongestName = 255;
 
 std::string WithoutFolders(std::string_view path) {
   const std::size_t separator = path.find_last_of("/\\");
@@ -21,8 +25,8 @@ std::string WithoutFolders(std::string_view path) {
 
 // A quotation mark here is one that ends a name within which there was no extension.
 bool IsFit(const std::string& name) {
-  return !name.empty() && name[0] != '.' && name.find('"') == std::string::npos &&
-         Printable(name) == name;
+  return !name.empty() && name.size() <= kLongestName && name[0] != '.' && name[0] != '-' &&
+         name.find('"') == std::string::npos && Printable(name) == name;
 }
 
 // From the extension at which the library ends the name to where the header does: "chair.qmf.zip"
@@ -34,12 +38,60 @@ std::string ExtensionIn(const std::string& header) {
   return header.substr(begin, header.find_first_of(quoted ? "\"" : "; \t", begin) - begin);
 }
 
-std::string NameInHeader(const ovrant_ustring& header) {
+// The name of a .qmf or .kmz file, as the library reads it.
+std::string ModelNameIn(const ovrant_ustring& header) {
   const std::string base =
       ovrant::stowraapiclient::GetFilenameFromContentDisposition(header).utf8();
   if (base.empty()) return {};
   const std::string name = WithoutFolders(base + ExtensionIn(header.utf8()));
   return IsFit(name) ? name : std::string();
+}
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(kWhiteSpace);
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kWhiteSpace) - begin + 1);
+}
+
+bool IsFilename(std::string_view parameter) {
+  constexpr std::string_view kName = "filename";
+  return std::equal(parameter.begin(), parameter.end(), kName.begin(), kName.end(),
+                    [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
+}
+
+// The first parameter of a header, up to the semicolon that is not within quotation marks.
+std::string_view FirstParameter(std::string_view header) {
+  bool quoted = false;
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    if (header[i] == '"') quoted = !quoted;
+    if (header[i] == ';' && !quoted) return header.substr(0, i);
+    if (header[i] == '\\' && quoted) ++i;
+  }
+  return header;
+}
+
+// Backslashes stay: more often than they escape, they separate the parts of a path.
+std::string ValueOf(std::string_view text) {
+  if (text.empty() || text[0] != '"') {
+    return std::string(text.substr(0, text.find_first_of(kWhiteSpace)));
+  }
+  text.remove_prefix(1);
+  return std::string(text.substr(0, text.rfind('"')));
+}
+
+// The name of any file, in the parameter "filename".
+std::string AnyNameIn(const std::string& header) {
+  std::string_view rest = header;
+  while (!rest.empty()) {
+    const std::string_view parameter = FirstParameter(rest);
+    const std::size_t equals = parameter.find('=');
+    if (equals != std::string_view::npos && IsFilename(Trim(parameter.substr(0, equals)))) {
+      const std::string name = WithoutFolders(ValueOf(Trim(parameter.substr(equals + 1))));
+      return IsFit(name) ? name : std::string();
+    }
+    rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
+  }
+  return {};
 }
 
 std::string NameInUrl(const std::string& url) {
@@ -55,7 +107,8 @@ std::string NameInUrl(const std::string& url) {
 }  // namespace
 
 std::string ChooseFileName(const ovrant_ustring& content_disposition, const std::string& url) {
-  std::string name = NameInHeader(content_disposition);
+  std::string name = ModelNameIn(content_disposition);
+  if (name.empty()) name = AnyNameIn(content_disposition.utf8());
   if (name.empty()) name = NameInUrl(url);
   return name.empty() ? kFallback : name;
 }

@@ -9,10 +9,10 @@
 
 namespace stowra {
 
-// The name that a Content-Disposition header (RFC 6266) gives a .qmf or .kmz file, extension
-// included, as "chair.qmf" or "chair.qmf.zip"; otherwise the last part of the path in `url`, or
-// "download". Both come from outside, so whatever they say the result is the name of a file in the
-// current folder: no path, not hidden, printable.
+// The name that a Content-Disposition header (RFC 6266) gives, extension included, as "chair.qmf",
+// "chair.qmf.zip" or "chair.zip"; otherwise the last part of the path in `url`, or "download". Both
+// come from outside, so whatever they say the result is the name of a file in the current folder:
+// no path, not hidden, not too long, printable, and nothing that a command takes for an option.
 std::string ChooseFileName(const ovrant::utils::ovrant_ustring& content_disposition,
                            const std::string& url);
 

@@ -7,8 +7,10 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -17,14 +19,30 @@ namespace stowra {
 namespace {
 
 constexpr mode_t kReadableByAll = 0666;  // but for the user's own mask
+constexpr mode_t kReadableByOwner = 0600;
+constexpr mode_t kPermissions = 0777;
 constexpr int kMaxNames = 100;
 
 struct FileCloser {
   void operator()(std::FILE* stream) const { std::fclose(stream); }
 };
 
-// The errors below are an errno, or 0.
-std::string ToText(int error) { return std::generic_category().message(error); }
+struct Free {
+  void operator()(char* text) const { std::free(text); }
+};
+
+// The errors below are an errno, 0, or this one, which no errno is.
+constexpr int kNotRegular = -1;
+
+std::string ToText(int error) {
+  return error == kNotRegular ? "not a regular file" : std::generic_category().message(error);
+}
+
+// Whether there was none; otherwise `why` says which.
+bool Succeeds(int error, std::string& why) {
+  if (error != 0) why = ToText(error);
+  return error == 0;
+}
 
 int ReadToEnd(std::FILE* stream, std::string& content) {
   char bytes[16384];
@@ -52,7 +70,8 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  int Create();
+  // With this mode, or as any new file.
+  int Create(std::optional<mode_t> mode);
   int Write(std::string_view content);
   int Close();
   int MoveTo(const std::string& file, Existing existing);
@@ -65,13 +84,14 @@ class TemporaryFile {
   int descriptor_ = -1;
 };
 
-int TemporaryFile::Create() {
+int TemporaryFile::Create(std::optional<mode_t> mode) {
+  const mode_t first_mode = mode ? kReadableByOwner : kReadableByAll;
   for (int i = 0; i < kMaxNames; ++i) {
     const std::string path = folder_ / fmt::format(".stowra-{}-{}", getpid(), i);
-    descriptor_ = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadableByAll);
+    descriptor_ = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, first_mode);
     if (descriptor_ >= 0) {
       path_ = path;
-      return 0;
+      return mode && fchmod(descriptor_, *mode) != 0 ? errno : 0;
     }
     if (errno != EEXIST) return errno;
   }
@@ -114,13 +134,61 @@ int TemporaryFile::LinkTo(const std::string& file) {
   return MoveTo(file, Existing::kReplace);
 }
 
-int Write(const std::string& file, std::string_view content, Existing existing) {
+std::filesystem::path FolderOf(const std::string& file) {
   const std::filesystem::path folder = std::filesystem::path(file).parent_path();
-  TemporaryFile temporary(folder.empty() ? "." : folder);
-  if (const int error = temporary.Create()) return error;
+  return folder.empty() ? "." : folder;
+}
+
+// Where a content goes, and the mode of the file that is there.
+struct Destination {
+  std::string file;
+  std::optional<mode_t> mode;
+};
+
+// Goes to the end of symbolic links. They may lead to what has no name, as a pipe: only a call that
+// follows them itself says so.
+int FollowLinks(const std::string& file, Destination& destination) {
+  struct stat status = {};
+  if (stat(file.c_str(), &status) != 0) return errno;
+  if (!S_ISREG(status.st_mode)) return kNotRegular;
+  const std::unique_ptr<char, Free> path(realpath(file.c_str(), nullptr));
+  if (path == nullptr) return errno;
+  destination = {path.get(), status.st_mode & kPermissions};
+  return 0;
+}
+
+int FindDestination(const std::string& file, Destination& destination) {
+  struct stat status = {};
+  if (lstat(file.c_str(), &status) != 0) {
+    const int error = errno;
+    destination = {file, std::nullopt};
+    return error == ENOENT ? 0 : error;
+  }
+  if (S_ISLNK(status.st_mode)) return FollowLinks(file, destination);
+  destination = {file, status.st_mode & kPermissions};
+  return S_ISREG(status.st_mode) ? 0 : kNotRegular;
+}
+
+int Write(const std::string& file, std::string_view content, Existing existing) {
+  Destination destination = {file, std::nullopt};
+  if (existing == Existing::kReplace) {
+    if (const int error = FindDestination(file, destination)) return error;
+  }
+  TemporaryFile temporary(FolderOf(destination.file));
+  if (const int error = temporary.Create(destination.mode)) return error;
   if (const int error = temporary.Write(content)) return error;
   if (const int error = temporary.Close()) return error;
-  return temporary.MoveTo(file, existing);
+  return temporary.MoveTo(destination.file, existing);
+}
+
+int TryToMakeFileIn(const std::filesystem::path& folder) {
+  return TemporaryFile(folder).Create(std::nullopt);
+}
+
+int TryToReplace(const std::string& file) {
+  Destination destination;
+  if (const int error = FindDestination(file, destination)) return error;
+  return TryToMakeFileIn(FolderOf(destination.file));
 }
 
 }  // namespace
@@ -133,27 +201,25 @@ bool ReadFile(const std::string& file, std::string& content, std::string& why) {
     ReserveFor(stream.get(), content);
     error = ReadToEnd(stream.get(), content);
   }
-  if (error != 0) why = ToText(error);
-  return error == 0;
+  return Succeeds(error, why);
 }
 
 bool ReadInput(std::string& content, std::string& why) {
   content.clear();
-  const int error = ReadToEnd(stdin, content);
-  if (error != 0) why = ToText(error);
-  return error == 0;
+  return Succeeds(ReadToEnd(stdin, content), why);
 }
 
 bool WriteFile(const std::string& file, std::string_view content, Existing existing,
                std::string& why) {
-  struct stat status = {};
-  if (stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-    why = "not a regular file";
-    return false;
-  }
-  const int error = Write(file, content, existing);
-  if (error != 0) why = ToText(error);
-  return error == 0;
+  return Succeeds(Write(file, content, existing), why);
+}
+
+bool CanReplaceFile(const std::string& file, std::string& why) {
+  return Succeeds(TryToReplace(file), why);
+}
+
+bool CanMakeFileIn(const std::string& folder, std::string& why) {
+  return Succeeds(TryToMakeFileIn(folder), why);
 }
 
 }  // namespace stowra

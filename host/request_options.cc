@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <string_view>
+#include <system_error>
 
 #include "common_stowraapi/version.h"
 
@@ -59,8 +61,8 @@ StringMap ToHeaders(const std::vector<std::string>& lines) {
   return headers;
 }
 
-void AddUrl(CLI::App& command, RequestOptions& options, const char* name) {
-  command.add_option(name, options.url, "Address of the service")
+void AddUrl(CLI::App& command, RequestOptions& options, const char* name, const char* description) {
+  command.add_option(name, options.url, description)
       ->required()
       ->option_text(" ")
       ->check(CLI::Validator(CheckNotEmpty, ""));
@@ -92,7 +94,7 @@ void AddTransferOptions(CLI::App& command, RequestOptions& options) {
 }  // namespace
 
 void AddRequestOptions(CLI::App& command, RequestOptions& options) {
-  AddUrl(command, options, "URL");
+  AddUrl(command, options, "URL", "Address of the service");
   command.add_flag("--async", options.async, "Run in the background and complete on the main loop");
   AddJson(command, options);
   command.add_flag("-v,--verbose", options.verbose,
@@ -100,17 +102,31 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options) {
   AddTransferOptions(command, options);
 }
 
-void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name) {
-  AddUrl(command, options, url_name);
+void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name,
+                       const char* url_description) {
+  AddUrl(command, options, url_name, url_description);
   AddJson(command, options);
   command.add_flag("-v,--verbose", options.shows_transfers,
                    "Print each transfer to stderr as it ends");
   AddTransferOptions(command, options);
 }
 
+std::string CheckWholeNumber(const std::string& text, unsigned long least, unsigned long most,
+                             const char* what) {
+  unsigned long number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  // What is assigned afterwards would be read as octal behind a zero.
+  const bool has_leading_zero = text.size() > 1 && text[0] == '0';
+  const bool good =
+      error == std::errc() && stop == end && !has_leading_zero && number >= least && number <= most;
+  return good ? "" : fmt::format("'{}' is not {}", text, what);
+}
+
 TransferDefaults MakeTransferDefaults(const RequestOptions& options) {
   TransferDefaults defaults;
   defaults.inactivity_timeout = options.timeout;
+  defaults.body_cap = options.max_bytes;
   defaults.ca_file = ToText(options.ca_file);
   defaults.user_agent = ToText(fmt::format("stowra/{}", CommonStowraapiVersionNumber));
   defaults.extra_request_headers = ToHeaders(options.headers);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -35,6 +36,10 @@ struct SearchOptions : RequestOptions {
   bool all = false;
   int max_qmf_version = 0;
 };
+
+std::string CheckVersion(const std::string& text) {
+  return CheckWholeNumber(text, 0, std::numeric_limits<int>::max(), "a version number");
+}
 
 const char* KindOf(const ContentItem& item) { return item.kind_ == 0 ? "model" : "collection"; }
 
@@ -104,10 +109,10 @@ std::string ToJson(const SearchPages& pages) {
 ExitStatus Run(const SearchOptions& options) {
   const Session session(options);
   SearchPages pages(session, options.max_qmf_version);
-  ExitStatus status = pages.Add(ovrant_ustring(options.url.data(), options.url.size()));
-  if (status == ExitStatus::kDone && options.all) status = pages.AddFollowing();
-  if (status != ExitStatus::kDone) return status;
-  return WriteResult(options.json ? ToJson(pages) : ToTable(pages));
+  if (!pages.Add(ovrant_ustring(options.url.data(), options.url.size()))) return pages.Fail();
+  const bool are_all_here = !options.all || pages.AddFollowing();
+  const ExitStatus written = WriteResult(options.json ? ToJson(pages) : ToTable(pages));
+  return are_all_here ? written : pages.Fail();
 }
 
 }  // namespace
@@ -117,12 +122,14 @@ void AddSearchCommand(CLI::App& app, Task& chosen) {
   CLI::App& command = *app.add_subcommand("search", "Models and collections that match");
   command.footer(kExamples);
   AddWaitingOptions(command, *options);
-  command.add_flag("--all", options->all, "Fetch the pages that follow, too");
+  command.add_flag("--all", options->all,
+                   "Fetch the pages that follow, too; where one of them fails, those before it are "
+                   "printed, and the exit status is that of the failure");
   command
       .add_option("--max-qmf-version", options->max_qmf_version,
                   "Newest version of a .qmf file to take; without it none, only .kmz files")
       ->type_name("N")
-      ->check(CLI::NonNegativeNumber.description(""));
+      ->check(CLI::Validator(CheckVersion, ""));
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
 }
 

@@ -19,19 +19,17 @@ constexpr int kMaxPagesWithoutNews = 100;
 
 }  // namespace
 
-ExitStatus SearchPages::Add(const ovrant_ustring& url) {
+bool SearchPages::Add(const ovrant_ustring& url) {
   urls_.insert(url);
   auto page = std::make_unique<ContentQuery>();
   page->max_qmf_version_ = max_qmf_version_;
-  if (!page->QueryFeed(url)) {
-    return session_.Fail("it is not an Atom feed with a title and the three counts of a search");
-  }
+  if (!page->QueryFeed(url)) return false;
   TakeItems(*page);
   pages_.push_back(std::move(page));
-  return ExitStatus::kDone;
+  return true;
 }
 
-ExitStatus SearchPages::AddFollowing() {
+bool SearchPages::AddFollowing() {
   int pages_without_news = 0;
   while (!last().next_url_.empty()) {
     const ovrant_ustring url = last().next_url_;
@@ -40,11 +38,14 @@ ExitStatus SearchPages::AddFollowing() {
       break;
     }
     const std::size_t before = items_.size();
-    const ExitStatus status = Add(url);
-    if (status != ExitStatus::kDone) return status;
+    if (!Add(url)) return false;
     pages_without_news = items_.size() > before ? 0 : pages_without_news + 1;
   }
-  return ExitStatus::kDone;
+  return true;
+}
+
+ExitStatus SearchPages::Fail() const {
+  return session_.Fail("it is not an Atom feed with a title and the three counts of a search");
 }
 
 std::string SearchPages::CountText() const {
@@ -52,6 +53,8 @@ std::string SearchPages::CountText() const {
   const std::int64_t end = std::min<std::int64_t>(
       std::int64_t{last().start_index_} + last().items_per_page_ - 1, first().total_results_);
   const auto count = static_cast<std::int64_t>(items_.size());
+  const bool are_elsewhere = count == 0 && first().total_results_ > 0;
+  if (end < begin && are_elsewhere) return fmt::format("none here of {}", first().total_results_);
   if (end < begin) return fmt::format("{} results", count);
   const std::string range =
       fmt::format("results {} to {} of {}", begin, end, first().total_results_);

@@ -23,22 +23,26 @@ class SearchPages {
   SearchPages(const Session& session, int max_qmf_version)
       : session_(session), max_qmf_version_(max_qmf_version) {}
 
-  // Adds the page at `url`. Anything but kDone has been said on stderr.
-  ExitStatus Add(const ovrant::utils::ovrant_ustring& url);
+  // Adds the page at `url`. False when that fails: Fail says why.
+  bool Add(const ovrant::utils::ovrant_ustring& url);
 
-  // Adds the pages to which the last one leads, one after the other. Stops, with a warning, at an
-  // address that has been asked already, and after a hundred pages on end without a result that is
-  // new: a server may go on forever.
-  ExitStatus AddFollowing();
+  // Adds the pages to which the last one leads, one after the other, up to one that fails: then
+  // false. Stops, with a warning, at an address that has been asked already, and after a hundred
+  // pages on end without a result that is new: a server may go on forever.
+  bool AddFollowing();
 
-  // REQUIRES: Add has returned kDone.
+  // Says on stderr why the last page was not added.
+  ExitStatus Fail() const;
+
+  // REQUIRES: Add has returned true.
   const ovrant::stowraapiclient::ContentQuery& first() const { return *pages_.front(); }
   const ovrant::stowraapiclient::ContentQuery& last() const { return *pages_.back(); }
 
   // Those of the first page, and of each one after it those that no page before has, in order.
   const std::vector<const ovrant::stowraapiclient::ContentItem*>& items() const { return items_; }
 
-  // As "results 1 to 12 of 100", and how many of them there are here if the pages say otherwise.
+  // As "results 1 to 12 of 100", and how many of them there are here if the pages say otherwise; as
+  // "none here of 100" where the pages begin after the last one.
   std::string CountText() const;
 
  private:

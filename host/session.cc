@@ -13,6 +13,14 @@ namespace {
 
 constexpr int kHttpOk = 200;
 
+// What the library says of a body beyond the limit.
+constexpr char kTooLarge[] = "the response's body is too large";
+
+std::string ReasonOf(const std::string& error, unsigned long max_bytes) {
+  const bool is_limit = max_bytes > 0 && error == kTooLarge;
+  return is_limit ? fmt::format("{}: more than {} bytes", error, max_bytes) : error;
+}
+
 }  // namespace
 
 Session::Session(const RequestOptions& options, const std::vector<const char*>& notifications)
@@ -28,18 +36,20 @@ bool Session::RunInBackground(const std::function<void()>& start, const char* su
   return notifications_.HasArrived(success);
 }
 
-ExitStatus Session::Fail(const std::string& unusable) const {
+ExitStatus Session::Fail(const std::string& unusable, const std::string& message) const {
   const auto end = transfers_.last_end();
   if (!end) {
     Complain(fmt::format("{}: no transfer was made", options_.url));
     return ExitStatus::kTransferFailed;
   }
   if (!end->error.empty()) {
-    Complain(fmt::format("{}: {}", end->url.utf8(), end->error.utf8()));
+    Complain(
+        fmt::format("{}: {}", end->url.utf8(), ReasonOf(end->error.utf8(), options_.max_bytes)));
     return ExitStatus::kTransferFailed;
   }
   if (end->status != kHttpOk) {
-    Complain(fmt::format("{}: HTTP status {}", end->url.utf8(), end->status));
+    Complain(fmt::format("{}: HTTP status {}{}{}", end->url.utf8(), end->status,
+                         message.empty() ? "" : ": ", message));
     return ExitStatus::kHttpStatus;
   }
   Complain(fmt::format("{}: the response is not usable: {}", end->url.utf8(), unusable));

@@ -31,9 +31,10 @@ class Session {
   // need not be posted at all.
   bool RunInBackground(const std::function<void()>& start, const char* success);
 
-  // Says on stderr why the last request has failed: the transfer, the HTTP status or, where those
-  // were good, `unusable`, what was wrong with the response.
-  ExitStatus Fail(const std::string& unusable) const;
+  // Says on stderr why the last request has failed: the transfer, the HTTP status with `message`,
+  // what the server said of it, if anything, or, where those were good, `unusable`, what was wrong
+  // with the response.
+  ExitStatus Fail(const std::string& unusable, const std::string& message = {}) const;
 
  private:
   const RequestOptions& options_;

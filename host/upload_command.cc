@@ -12,6 +12,7 @@
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "host/commands.h"
+#include "host/error_message.h"
 #include "host/file_access.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
@@ -71,6 +72,12 @@ ovrant_ustring ToText(const std::string& utf8) { return ovrant_ustring(utf8.data
 
 bool IsHttpSuccess(int status) { return status >= 200 && status < 300; }
 
+std::string MessageOf(const InternetData& transport) {
+  return ErrorMessage(
+      FindHeader(transport.received_headers(), "Content-Type").utf8(),
+      {reinterpret_cast<const char*>(transport.received_data()), transport.received_data_length()});
+}
+
 // Sends the files one after the other, each to its place in the configuration.
 class Uploader {
  public:
@@ -88,7 +95,8 @@ class Uploader {
     const bool received =
         transport.SendAndRead(file.upload_url_, nullptr, nullptr, &sent.status, &headers, false,
                               false, true, ovrant_ustring(), ovrant_ustring(), nullptr);
-    if (!received || !IsHttpSuccess(sent.status)) return session_.Fail("");
+    if (!received) return session_.Fail("");
+    if (!IsHttpSuccess(sent.status)) return session_.Fail("", MessageOf(transport));
     sent.location = FindHeader(transport.received_headers(), "Location");
     return ExitStatus::kDone;
   }
@@ -106,21 +114,19 @@ class Uploader {
     bytes = content.size();
     const std::string boundary = multipartupload::GetBoundaryString();
     const std::string body = MakeUploadBody(ToText(options_.subject_id), file, content, boundary);
-    WarnOfProblems(path, content, body.size(), boundary);
+    const std::string name = GetFileName(ToText(path), true).utf8();
+    WarnOfProblems({path, name, content, file.zipped_, body.size(), boundary, previous_boundary_});
+    previous_boundary_ = boundary;
     std::string().swap(content);
     headers = multipartupload::CreateHeaderDictionary(boundary, body.size());
     transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
     return true;
   }
 
-  void WarnOfProblems(const std::string& path, const std::string& content, std::size_t size,
-                      const std::string& boundary) {
-    const std::string name = GetFileName(ToText(path), true).utf8();
-    for (const std::string& problem :
-         FindUploadProblems({name, content, size, boundary, previous_boundary_})) {
-      Warn(fmt::format("{}: {}", path, problem));
+  static void WarnOfProblems(const UploadForm& form) {
+    for (const std::string& problem : FindUploadProblems(form)) {
+      Warn(fmt::format("{}: {}", form.path, problem));
     }
-    previous_boundary_ = boundary;
   }
 
   const Session& session_;
@@ -175,8 +181,10 @@ ExitStatus Run(const UploadOptions& options) {
   const ExitStatus status = AskForUploadConfig(session, options.url, config);
   if (status != ExitStatus::kDone) return status;
   if (config.files_.size() != options.files.size()) {
-    Complain(fmt::format("{}: the configuration asks for {} files, and {} are given", options.url,
-                         config.files_.size(), options.files.size()));
+    const std::size_t wanted = config.files_.size();
+    const std::size_t given = options.files.size();
+    Complain(fmt::format("{}: the configuration asks for {} {}; {} {} given", options.url, wanted,
+                         wanted == 1 ? "file" : "files", given, given == 1 ? "was" : "were"));
     return ExitStatus::kUsage;
   }
   session.ShowProgress();
@@ -189,7 +197,7 @@ void AddUploadCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<UploadOptions>();
   CLI::App& command = *app.add_subcommand("upload", "Send the files of a model");
   command.footer(kExamples);
-  AddWaitingOptions(command, *options, "CONFIG_URL");
+  AddWaitingOptions(command, *options, "CONFIG_URL", "Address of the upload configuration");
   command
       .add_option(
           "FILE", options->files,

@@ -1,3 +1,5 @@
+#include <signal.h>
+
 #include <atomic>
 #include <filesystem>
 #include <functional>
@@ -77,6 +79,37 @@ TEST(DemoTest, GoesAllTheWayAndTidiesUp) {
   }
   EXPECT_THAT(outcome.out, HasSubstr("/model?mid=m-1102\n"));
   EXPECT_THAT(outcome.out, EndsWith("\nthe same bytes came back\n\ndemo: all is well\n"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(DemoTest, SignalLeavesNothingBehind) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const TemporaryFolder folder;
+    const RawServer server(Silence());
+    Start start;
+    start.arguments = {"demo", server.Url("")};
+    start.environment = {"TMPDIR=" + folder.path().string()};
+    Child child(kStowra, start);
+    ASSERT_TRUE(server.WaitForRequests(1));
+    EXPECT_FALSE(std::filesystem::is_empty(folder.path()));
+    child.Signal(signal);
+    EXPECT_EQ(child.Wait().status, -signal);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << signal;
+  }
+}
+
+// As the shell starts a program in the background.
+TEST(DemoTest, SignalThatIsIgnoredStaysSo) {
+  const TemporaryFolder folder;
+  const RawServer server(Silence());
+  Start start;
+  start.arguments = {"-c", "trap '' INT; exec \"$0\" demo \"$1\"", kStowra, server.Url("")};
+  start.environment = {"TMPDIR=" + folder.path().string()};
+  Child child("/bin/sh", start);
+  ASSERT_TRUE(server.WaitForRequests(1));
+  child.Signal(SIGINT);
+  child.Signal(SIGTERM);
+  EXPECT_EQ(child.Wait().status, -SIGTERM);
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 

@@ -28,6 +28,41 @@ TEST(DownloadNameTest, HeaderNamesTheFile) {
   for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
 }
 
+TEST(DownloadNameTest, HeaderNamesFilesOfOtherTypes) {
+  const NameCase cases[] = {
+      {"attachment; filename=\"chair.zip\"", "chair.zip"},
+      {"attachment; filename=chair.zip", "chair.zip"},
+      {"attachment; filename=chair.zip; size=5", "chair.zip"},
+      {"attachment; filename=\"chair.QMF\"; size=5", "chair.QMF"},
+      {"attachment; filename=\"Stühle; 木\"", "Stühle; 木"},
+      {"attachment ;FileName = \"a b\" ; size=5", "a b"},
+      {"attachment; filename=\"chair.zip", "chair.zip"},
+      {"attachment; filename=\"../../etc/chair.zip\"", "chair.zip"},
+      {"attachment; filename=\"C:\\models\\chair.zip\"", "chair.zip"},
+      {"attachment; name=\"x; filename=y\"; filename=\"z\"", "z"},
+      {"attachment; name=\"\\\"; filename=y; \"; filename=\"z\"", "z"},
+      {"attachment; filename*=UTF-8''x; filename=z", "z"},
+      {"attachment; filename=\"a.bin\"; filename*=UTF-8''a.qmf", "a.bin"},
+      {".qmf; filename=\"a.zip\"", "a.zip"},
+  };
+  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+}
+
+TEST(DownloadNameTest, NameMayBeAsLongAsFileSystemsTake) {
+  for (const std::string end : {".qmf", ".zip"}) {
+    const std::string longest = std::string(251, 'a') + end;
+    const std::string header = "attachment; filename=\"";
+    EXPECT_EQ(ChooseFileName((header + longest + "\"").c_str(), kUrl), longest);
+    EXPECT_EQ(ChooseFileName((header + "a" + longest + "\"").c_str(), kUrl), "model");
+    EXPECT_EQ(ChooseFileName("", "http://h/" + longest), longest);
+    EXPECT_EQ(ChooseFileName("", "http://h/a" + longest), "download");
+  }
+  // 256 bytes, though fewer characters.
+  std::string name = "aa";
+  for (int i = 0; i < 125; ++i) name += "ü";
+  EXPECT_EQ(ChooseFileName(("filename=\"" + name + ".qmf\"").c_str(), kUrl), "model");
+}
+
 TEST(DownloadNameTest, PathInTheHeaderIsDropped) {
   const NameCase cases[] = {
       {"filename=\"../../etc/chair.qmf\"", "chair.qmf"},
@@ -44,7 +79,19 @@ TEST(DownloadNameTest, HeaderWithoutAFitNameIsNotUsed) {
   const char* const headers[] = {
       "",
       "attachment",
-      "attachment; filename=\"chair.zip\"",
+      "attachment; filename",
+      "attachment; filename=",
+      "attachment; filename=\"\"",
+      "attachment; filename=\".profile\"",
+      "attachment; filename=\"chair/\"",
+      "attachment; filename=\"a\\\"b\"",
+      "attachment; filename=\"a\x07\"",
+      "attachment; filename=\"-rf\"",
+      "attachment; filename=-rf.zip",
+      "attachment; filename=\"-rf.qmf\"",
+      "attachment; filename=\"a/-rf.qmf\"",
+      "attachment; other=chair.zip",
+      "attachment; xfilename=chair.zip",
       "attachment; filename=\".qmf\"",
       "attachment; filename=\"..qmf\"",
       "attachment; filename=\"../.qmf\"",
@@ -58,8 +105,6 @@ TEST(DownloadNameTest, HeaderWithoutAFitNameIsNotUsed) {
       "attachment; filename=\"a\u009B31m.qmf\"",
       "attachment; filename=\"a\u2028.qmf\"",
       "attachment; filename=\"a\\\"b.qmf\"",
-      "attachment; filename=\"a.bin\"; filename*=UTF-8''a.qmf",
-      ".qmf; filename=\"a.zip\"",
   };
   for (const char* header : headers) EXPECT_EQ(ChooseFileName(header, kUrl), "model") << header;
 }
@@ -75,6 +120,7 @@ TEST(DownloadNameTest, AddressNamesTheFileOtherwise) {
       {"http://h/a/", "download"},
       {"http://h/..", "download"},
       {"http://h/.profile", "download"},
+      {"http://h/-rf", "download"},
       {"http://h/a\nb", "download"},
       {"http://h?/x", "download"},
       {"nonsense/name", "download"},

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <fstream>
 
 #include "tests/host/host_test.h"
@@ -102,13 +104,86 @@ TEST_F(DownloadTest, NamedOutputMayBeInAnotherFolder) {
   EXPECT_EQ(Names(), NameList{"sub"});
 }
 
-TEST_F(DownloadTest, DeviceIsNotReplaced) {
+// Never with a device of the system's: a program that fails here would replace it.
+TEST_F(DownloadTest, WhatIsNoRegularFileIsNotReplaced) {
   const RawServer server(Always(Response(200, "new")));
-  std::filesystem::create_symlink("/dev/null", Path("null"));
-  const Outcome outcome = Run({server.Url(), "-o", "null"});
+  ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
+  std::filesystem::create_symlink("fifo", Path("link"));
+  for (const std::string name : {"fifo", "link"}) {
+    const Outcome outcome = Run({server.Url(), "-o", name});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "stowra: " + name + ": not a regular file\n");
+  }
+  EXPECT_TRUE(std::filesystem::is_fifo(Path("fifo")));
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+}
+
+TEST_F(DownloadTest, LinkStaysAndItsTargetIsReplaced) {
+  std::filesystem::create_directory(Path("sub"));
+  Make("sub/x", "old");
+  std::filesystem::permissions(Path("sub/x"), std::filesystem::perms{0600});
+  std::filesystem::create_symlink("sub/x", Path("link"));
+  const RawServer server(Always(Response(200, "new")));
+  const Outcome outcome = Run({server.Url(), "-o", "link"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "file   link\nbytes  3\n");
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+  EXPECT_EQ(ReadFile(Path("sub/x")), "new");
+  EXPECT_EQ(std::filesystem::status(Path("sub/x")).permissions(), std::filesystem::perms{0600});
+}
+
+TEST_F(DownloadTest, NothingIsTransferredWithoutADestination) {
+  const RawServer server(Always(Response(200, "new")));
+  Make("file", "old");
+  std::filesystem::create_directory(Path("sub"));
+  const std::string long_name(300, 'a');
+  const struct {
+    std::string file;
+    const char* why;
+  } cases[] = {{"sub", "not a regular file"},
+               {"none/x", "No such file or directory"},
+               {"file/x", "Not a directory"},
+               {long_name, "File name too long"}};
+  for (const auto& [file, why] : cases) {
+    const Outcome outcome = Run({server.Url(), "-o", file});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "stowra: " + file + ": " + why + "\n");
+  }
+  Start start;
+  start.arguments = {"-c",        "cd \"$0\" && rmdir \"$0\" && exec \"$@\"",
+                     Path("sub"), kStowra,
+                     "download",  server.Url()};
+  const Outcome outcome = RunProgram("/bin/sh", start);
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.err, "stowra: null: not a regular file\n");
-  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+  EXPECT_EQ(outcome.err, "stowra: the current folder: No such file or directory\n");
+  EXPECT_TRUE(server.requests().empty());
+}
+
+TEST_F(DownloadTest, FileLargerThanTheLimitIsAFailureThatNamesIt) {
+  const RawServer server(Always(Response(200, "12345", kNamed)));
+  const Outcome outcome = Run({server.Url(), "--max-bytes", "4"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err,
+            "stowra: " + server.Url() + ": the response's body is too large: more than 4 bytes\n");
+  EXPECT_EQ(Names(), NameList{});
+  EXPECT_EQ(Run({server.Url(), "--max-bytes", "5"}).status, 0);
+}
+
+TEST_F(DownloadTest, MoreThanTheLibrarysOwnLimitIsTaken) {
+  constexpr int kMebibytes = 257;
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 Text\r\nTransfer-Encoding: chunked\r\n\r\n");
+    const std::string mebibyte = "100000\r\n" + std::string(1U << 20, 'x') + "\r\n";
+    for (int i = 0; i < kMebibytes && connection.Write(mebibyte); ++i) {
+    }
+    connection.Write("0\r\n\r\n");
+  });
+  const Outcome outcome = Run({server.Url(), "-o", "x"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, "file   x\nbytes  269484032\n");
+  EXPECT_THAT(Run({"--help"}).out, HasSubstr("4294967296 unless given"));
 }
 
 TEST_F(DownloadTest, OtherStatusLeavesNoFile) {
@@ -149,11 +224,24 @@ TEST_F(DownloadTest, EmptyOutputNameIsWrongUsage) {
   EXPECT_THAT(outcome.err, HasSubstr("(see stowra download --help)"));
 }
 
+TEST_F(DownloadTest, StandardOutputIsNoDestination) {
+  const RawServer server(Always(Response(200, "new")));
+  const Outcome outcome = Run({server.Url(), "-o", "-"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("'-' is not standard output here"));
+  EXPECT_TRUE(server.requests().empty());
+  EXPECT_EQ(Names(), NameList{});
+  EXPECT_EQ(Run({server.Url(), "-o", "./-"}).status, 0);
+  EXPECT_EQ(Names(), NameList{"-"});
+}
+
 TEST_F(DownloadTest, GetsAModelOfTheEmulator) {
   const EmulatorProcess emulator;
   const Outcome outcome = Run({emulator.url() + "/download?mid=m-1041&rtyp=k2"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(Names(), NameList{"木の椅子.kmz"});
+  EXPECT_EQ(Run({emulator.url() + "/download?mid=m-1041&rtyp=z"}).status, 0);
+  EXPECT_THAT(Names(), testing::UnorderedElementsAre("木の椅子.kmz", "木の椅子.zip"));
 }
 
 TEST_F(DownloadTest, FaultsLeaveNothingBehind) {
@@ -164,7 +252,8 @@ TEST_F(DownloadTest, FaultsLeaveNothingBehind) {
   } faults[] = {
       {"status:503", 4}, {"truncate", 3}, {"reset", 3}, {"bomb", 3}, {"redirect-loop", 3}};
   for (const auto& [fault, status] : faults) {
-    const Outcome outcome = Run({emulator.url() + "/download?mid=m-1001&rtyp=k2&fault=" + fault});
+    const Outcome outcome = Run(
+        {emulator.url() + "/download?mid=m-1001&rtyp=k2&fault=" + fault, "--max-bytes", "1000000"});
     EXPECT_EQ(outcome.status, status) << fault;
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(Names(), NameList{}) << fault;

@@ -89,6 +89,88 @@ TEST_F(FileAccessTest, OnlyRegularFilesAreReplaced) {
   EXPECT_EQ(Count(), 2U);
 }
 
+TEST_F(FileAccessTest, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
+  std::filesystem::create_directory(Path("folder"));
+  Make("folder/a", "old");
+  std::filesystem::create_symlink("folder/a", Path("near"));
+  std::filesystem::create_symlink(Path("near"), Path("far"));
+  for (const char* link : {"near", "far"}) {
+    ASSERT_TRUE(WriteFile(Path(link), link, Existing::kReplace, why_)) << why_;
+    EXPECT_TRUE(std::filesystem::is_symlink(Path(link)));
+    EXPECT_FALSE(std::filesystem::is_symlink(Path("folder/a")));
+    EXPECT_EQ(stowra_test::ReadFile(Path("folder/a")), link);
+  }
+  EXPECT_EQ(Count(), 3U);
+}
+
+TEST_F(FileAccessTest, LinkToAnythingElseIsRefused) {
+  std::filesystem::create_directory(Path("folder"));
+  ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
+  const struct {
+    const char* target;
+    const char* why;
+  } cases[] = {{"folder", "not a regular file"},
+               {"fifo", "not a regular file"},
+               {"nowhere", "No such file or directory"},
+               {"link", "Too many levels of symbolic links"}};
+  for (const auto& [target, why] : cases) {
+    std::filesystem::create_symlink(target, Path("link"));
+    EXPECT_FALSE(WriteFile(Path("link"), "new", Existing::kReplace, why_)) << target;
+    EXPECT_EQ(why_, why) << target;
+    EXPECT_FALSE(CanReplaceFile(Path("link"), why_)) << target;
+    EXPECT_EQ(why_, why) << target;
+    EXPECT_EQ(std::filesystem::read_symlink(Path("link")), target);
+    std::filesystem::remove(Path("link"));
+  }
+  EXPECT_EQ(Count(), 2U);
+  EXPECT_TRUE(std::filesystem::is_fifo(Path("fifo")));
+}
+
+TEST_F(FileAccessTest, FileThatIsReplacedLeavesItsMode) {
+  Make("a", "old");
+  std::filesystem::create_symlink("a", Path("link"));
+  for (const char* name : {"a", "link"}) {
+    for (const mode_t mode : {0600U, 0640U, 0777U, 0400U}) {
+      ASSERT_EQ(chmod(Path("a").c_str(), mode), 0);
+      ASSERT_TRUE(WriteFile(Path(name), "new", Existing::kReplace, why_)) << why_;
+      struct stat status = {};
+      ASSERT_EQ(stat(Path("a").c_str(), &status), 0);
+      EXPECT_EQ(status.st_mode & 07777U, mode) << name;
+    }
+  }
+}
+
+TEST_F(FileAccessTest, WhetherAFileCanBeReplacedIsKnownBefore) {
+  Make("a", "old");
+  std::filesystem::create_directory(Path("folder"));
+  std::filesystem::create_symlink("a", Path("link"));
+  for (const char* name : {"a", "link", "new", "folder/new"}) {
+    EXPECT_TRUE(CanReplaceFile(Path(name), why_)) << name << ": " << why_;
+  }
+  const struct {
+    std::string name;
+    const char* why;
+  } cases[] = {{"folder", "not a regular file"},
+               {"folder/", "not a regular file"},
+               {"none/new", "No such file or directory"},
+               {"none/", "No such file or directory"},
+               {"a/new", "Not a directory"},
+               {std::string(300, 'a'), "File name too long"}};
+  for (const auto& [name, why] : cases) {
+    EXPECT_FALSE(CanReplaceFile(Path(name), why_)) << name;
+    EXPECT_EQ(why_, why) << name;
+  }
+  EXPECT_EQ(stowra_test::ReadFile(Path("a")), "old");
+  EXPECT_EQ(Count(), 3U);
+}
+
+TEST_F(FileAccessTest, FolderMayTakeAFile) {
+  EXPECT_TRUE(CanMakeFileIn(Path(""), why_)) << why_;
+  EXPECT_FALSE(CanMakeFileIn(Path("none"), why_));
+  EXPECT_EQ(why_, "No such file or directory");
+  EXPECT_EQ(Count(), 0U);
+}
+
 TEST_F(FileAccessTest, FolderThatIsMissingIsSaid) {
   EXPECT_FALSE(WriteFile(Path("none/a"), "new", Existing::kReplace, why_));
   EXPECT_EQ(why_, "No such file or directory");

@@ -33,7 +33,7 @@ class PagesServer {
           feed.entries = {ModelEntry("m" + std::to_string(page), "Chair")};
           if (page < pages) feed.next = base + std::to_string(page + 1);
           if (page == pages && !last_next.empty()) feed.next = base + last_next;
-          connection.Write(Response(page <= pages ? 200 : 404, Feed(feed)));
+          connection.Write(page <= pages ? Response(200, Feed(feed)) : Response(404, "gone"));
         }) {}
 
   const RawServer& server() const { return server_; }
@@ -129,7 +129,18 @@ TEST(SearchTest, CountsAreOnlyNumbers) {
   feed.start = -2147483647;
   feed.per_page = -2147483647;
   const RawServer negative(Always(Response(200, Feed(feed))));
-  EXPECT_THAT(RunStowra({"search", negative.Url()}).out, HasSubstr("found  0 results\n"));
+  EXPECT_THAT(RunStowra({"search", negative.Url()}).out,
+              HasSubstr("found  none here of 2147483647\n"));
+}
+
+TEST(SearchTest, PageBehindTheLastResultSaysHowManyThereAre) {
+  FeedText feed;
+  feed.total = 106;
+  feed.start = 5000;
+  const RawServer server(Always(Response(200, Feed(feed))));
+  const Outcome outcome = RunStowra({"search", server.Url()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "title  chair\nfound  none here of 106\n");
 }
 
 TEST(SearchTest, OneEntryTwiceOnAPageIsShownTwice) {
@@ -216,16 +227,29 @@ TEST(SearchAllTest, PageOfWhichNothingCanBeUsedIsNotTheEnd) {
   EXPECT_THAT(outcome.out, HasSubstr("http://f/m2.kmz"));
 }
 
-TEST(SearchAllTest, PageThatFailsIsNamedAndNothingIsPrinted) {
-  const RawServer server(Routes({}));
-  FeedText feed;
-  feed.entries = {ModelEntry("m1", "Chair")};
-  feed.next = server.Url("/gone");
-  const RawServer first(Always(Response(200, Feed(feed))));
-  const Outcome outcome = RunStowra({"search", first.Url(), "--all"});
+TEST(SearchAllTest, PageThatFailsIsNamedAfterThePagesBeforeIt) {
+  const PagesServer pages(2, "3");
+  const std::vector<std::string> command = {"search", pages.server().Url("/1"), "--all"};
+  const Outcome outcome = RunStowra(command);
   EXPECT_EQ(outcome.status, 4);
-  EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "stowra: " + server.Url("/gone") + ": HTTP status 404\n");
+  EXPECT_THAT(outcome.out, HasSubstr("results 1 to 2 of 2\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("http://f/m1.kmz"));
+  EXPECT_THAT(outcome.out, HasSubstr("http://f/m2.kmz"));
+  const std::string failure = "stowra: " + pages.server().Url("/3") + ": HTTP status 404\n";
+  EXPECT_EQ(outcome.err, failure);
+
+  Start start;
+  start.arguments = {"-c", "exec \"$0\" \"$@\" 2>&1", kStowra};
+  start.arguments.insert(start.arguments.end(), command.begin(), command.end());
+  EXPECT_EQ(RunProgram("/bin/sh", start).out, outcome.out + failure);
+}
+
+TEST(SearchAllTest, PageThatFailsIsWhereTheJsonLeadsOn) {
+  const PagesServer pages(1, "2");
+  const Outcome outcome = RunStowra({"search", pages.server().Url("/1"), "--all", "--json"});
+  EXPECT_EQ(outcome.status, 4);
+  EXPECT_THAT(outcome.out, HasSubstr("\"next_url\":\"" + pages.server().Url("/2") + "\""));
+  EXPECT_THAT(outcome.out, HasSubstr("\"id\":\"m1\""));
 }
 
 TEST(SearchTest, ResponseThatIsNoUsableFeedIsSaid) {

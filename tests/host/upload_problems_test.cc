@@ -12,7 +12,9 @@ using testing::IsEmpty;
 
 constexpr char kBoundary[] = "BrevixClient0123456789012345";
 
-UploadForm GoodForm() { return {"chair.qmf", "content", 500, kBoundary, "BrevixClient9"}; }
+UploadForm GoodForm() {
+  return {"a/chair.qmf", "chair.qmf", "content", false, 500, kBoundary, "BrevixClient9"};
+}
 
 TEST(UploadProblemsTest, OrdinaryFormHasNone) {
   EXPECT_THAT(FindUploadProblems(GoodForm()), IsEmpty());
@@ -52,9 +54,36 @@ TEST(UploadProblemsTest, TwoGibibytes) {
   form.size = 2147483647;
   EXPECT_THAT(FindUploadProblems(form), IsEmpty());
   form.size = 2147483648;
-  EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("2 GiB")));
+  EXPECT_THAT(FindUploadProblems(form),
+              ElementsAre("the upload is 2 GiB or more, which the library's header map cannot say; "
+                          "this transport announces the true length by itself"));
   form.size = 3000000000;
   EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("2 GiB")));
+}
+
+TEST(UploadProblemsTest, NameThatIsNotUtf8) {
+  UploadForm form = GoodForm();
+  form.path = "a/St\xFChle.qmf";
+  form.file_name = "St\uFFFDhle.qmf";
+  EXPECT_THAT(FindUploadProblems(form),
+              ElementsAre("the file name is not UTF-8 and is sent as St\uFFFDhle.qmf"));
+  for (const char* path : {"Stühle.qmf", "\xFC/Stühle.qmf"}) {
+    form.path = path;
+    EXPECT_THAT(FindUploadProblems(form), IsEmpty()) << path;
+  }
+}
+
+TEST(UploadProblemsTest, ZippedFileThatIsNone) {
+  UploadForm form = GoodForm();
+  form.zipped = true;
+  for (const char* content : {"", "P", "pk", "xPK"}) {
+    form.content = content;
+    EXPECT_THAT(FindUploadProblems(form),
+                ElementsAre("the configuration asks for a zipped file, and this is none"))
+        << content;
+  }
+  form.content = "PK\3\4";
+  EXPECT_THAT(FindUploadProblems(form), IsEmpty());
 }
 
 TEST(UploadProblemsTest, BoundaryOfTheFileBefore) {
@@ -65,7 +94,9 @@ TEST(UploadProblemsTest, BoundaryOfTheFileBefore) {
 
 TEST(UploadProblemsTest, AllAtOnce) {
   const std::string content = std::string("x") + kBoundary;
-  EXPECT_EQ(FindUploadProblems({"\"\n", content, 4000000000, kBoundary, kBoundary}).size(), 5U);
+  EXPECT_EQ(
+      FindUploadProblems({"\xFF", "\"\n", content, true, 4000000000, kBoundary, kBoundary}).size(),
+      7U);
 }
 
 }  // namespace

@@ -146,6 +146,15 @@ TEST_F(UploadTest, RefusedFileIsTheLast) {
   EXPECT_EQ(server.requests().size(), 2U);
 }
 
+TEST_F(UploadTest, RefusalSaysWhatTheServerSaid) {
+  const RawServer server(
+      Service(1, Response(400, "the\nmodel\x1B[31m is broken", "Content-Type: text/plain\r\n")));
+  const Outcome outcome = RunStowra(Command(server, {MakeFile("a.qmf", "1")}));
+  EXPECT_EQ(outcome.status, 4);
+  EXPECT_EQ(outcome.err, "stowra: " + server.Url("/0") + kQuery +
+                             ": HTTP status 400: the model\uFFFD[31m is broken\n");
+}
+
 TEST_F(UploadTest, EveryStatusButSuccessIsAFailure) {
   for (const int status : {304, 404, 500}) {
     const RawServer server(Service(1, Response(status, "")));
@@ -179,9 +188,14 @@ TEST_F(UploadTest, OtherNumberOfFilesIsWrongUsageAndNothingIsSent) {
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "stowra: " + server.Url("/config") + ": the configuration asks for " +
-                               std::to_string(wanted) + " files, and 2 are given\n");
+                               std::to_string(wanted) + (wanted == 1 ? " file" : " files") +
+                               "; 2 were given\n");
     EXPECT_EQ(server.requests().size(), 1U);
   }
+  const RawServer server(Service(2));
+  EXPECT_EQ(
+      RunStowra(Command(server, {file})).err,
+      "stowra: " + server.Url("/config") + ": the configuration asks for 2 files; 1 was given\n");
 }
 
 TEST_F(UploadTest, FileThatIsMissingIsWrongUsageAndNothingIsAsked) {
@@ -214,6 +228,26 @@ TEST_F(UploadTest, WarnsOfANameThatEndsEarly) {
   EXPECT_EQ(server.requests().size(), 4U) << "both are sent all the same";
 }
 
+TEST_F(UploadTest, WarnsOfANameThatIsNotUtf8) {
+  const RawServer server(Service(1));
+  const Outcome outcome = RunStowra(Command(server, {MakeFile("a\xFF.qmf", "1")}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.err, EndsWith("a\uFFFD.qmf: the file name is not UTF-8 and is sent as "
+                                    "a\uFFFD.qmf\n"));
+  const RawRequest request = server.requests()[1];
+  EXPECT_EQ(request.body, ExpectedBody(request, "a\uFFFD.qmf", "1", false));
+}
+
+TEST_F(UploadTest, WarnsOfAFileThatIsNotZipped) {
+  const RawServer server(Service(2));
+  const std::string file = MakeFile("b.qmf", "1");
+  EXPECT_THAT(RunStowra(Command(server, {file, file})).err,
+              HasSubstr("stowra: warning: " + file +
+                        ": the configuration asks for a zipped file, and this is none\n"));
+  const std::string zip = MakeFile("b.zip", "PK1");
+  EXPECT_THAT(RunStowra(Command(server, {file, zip})).err, testing::Not(HasSubstr("zipped")));
+}
+
 TEST_F(UploadTest, WarnsOfTheBoundaryInTheFile) {
   // Those of ten minutes from now on.
   std::string boundaries;
@@ -230,7 +264,7 @@ TEST_F(UploadTest, WarnsOfTheBoundaryInTheFile) {
 TEST_F(UploadTest, WarnsOfTheSecondBoundaryWithinASecond) {
   const RawServer server(Service(9));
   std::vector<std::string> files;
-  for (int i = 0; i < 9; ++i) files.push_back(MakeFile(std::to_string(i) + ".qmf", "1"));
+  for (int i = 0; i < 9; ++i) files.push_back(MakeFile(std::to_string(i) + ".qmf", "PK"));
   const Outcome outcome = RunStowra(Command(server, files));
   EXPECT_EQ(outcome.status, 0);
   const std::vector<RawRequest> requests = server.requests();

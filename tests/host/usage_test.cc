@@ -37,8 +37,16 @@ const UsageCase kWrongUsages[] = {
     {{"extensions", kUrl}, "--body is required (see stowra extensions --help)"},
     {{"search"}, "URL is required (see stowra search --help)"},
     {{"search", kUrl, "--async"}, "--async"},
-    {{"search", kUrl, "--max-qmf-version", "-1"}, "--max-qmf-version"},
-    {{"search", kUrl, "--max-qmf-version", "x"}, "--max-qmf-version"},
+    {{"search", kUrl, "--max-qmf-version", "-1"},
+     "--max-qmf-version: '-1' is not a version number"},
+    {{"search", kUrl, "--max-qmf-version", "x"}, "--max-qmf-version: 'x' is not a version number"},
+    {{"search", kUrl, "--max-qmf-version", "08"}, "'08' is not a version number"},
+    {{"search", kUrl, "--max-qmf-version", "8.5"}, "'8.5' is not a version number"},
+    {{"search", kUrl, "--max-qmf-version", "2147483648"}, "'2147483648' is not a version number"},
+    {{"download", kUrl, "--max-bytes", "0"}, "'0' is not a number of bytes above 0"},
+    {{"download", kUrl, "--max-bytes", "-1"}, "'-1' is not a number of bytes above 0"},
+    {{"download", kUrl, "--max-bytes", "4G"}, "'4G' is not a number of bytes above 0"},
+    {{"download", kUrl, "--max-bytes", "18446744073709551616"}, "is not a number of bytes above 0"},
     {{"upload-config", kUrl, "--async"}, "--async"},
     {{"download", kUrl, "--async"}, "--async"},
     {{"download", kUrl, "-o"}, "-o"},
@@ -112,6 +120,14 @@ TEST(UsageTest, HelpListsTheCommandsAndTheirOptions) {
   EXPECT_THAT(RunStowra({"search", "--help"}).out, HasSubstr("--all"));
   EXPECT_THAT(RunStowra({"upload", "--help"}).out, HasSubstr("--subject-id"));
   EXPECT_THAT(RunStowra({"download", "--help"}).out, HasSubstr("--output"));
+}
+
+TEST(UsageTest, HelpSaysWhatTheAddressIs) {
+  for (const char* command : {"upload", "upload-config"}) {
+    EXPECT_THAT(RunStowra({command, "--help"}).out,
+                HasSubstr("Address of the upload configuration"));
+  }
+  EXPECT_THAT(RunStowra({"search", "--help"}).out, HasSubstr("Address of the service"));
 }
 
 TEST(UsageTest, VersionIsThatOfTheLibrary) {

@@ -1,0 +1,39 @@
+#include "host/error_message.h"
+
+#include <gtest/gtest.h>
+
+namespace stowra {
+namespace {
+
+TEST(ErrorMessageTest, IsTheTextOnOneLine) {
+  EXPECT_EQ(ErrorMessage("text/plain", "no such model"), "no such model");
+  EXPECT_EQ(ErrorMessage("text/plain", " \r\n no\tsuch\r\n\r\n model \n"), "no such model");
+  EXPECT_EQ(ErrorMessage("text/plain", "a\x1B[31mb"), "a\uFFFD[31mb");
+  EXPECT_EQ(ErrorMessage("text/plain", ""), "");
+  EXPECT_EQ(ErrorMessage("text/plain", "\n"), "");
+}
+
+TEST(ErrorMessageTest, OnlyTextIsShown) {
+  for (const char* type : {"text/plain", "Text/HTML; charset=utf-8", "application/json",
+                           "application/problem+json;x=y", "application/atom+xml"}) {
+    EXPECT_EQ(ErrorMessage(type, "x"), "x") << type;
+  }
+  for (const char* type : {"", "application/octet-stream", "image/png", "json/other", "text"}) {
+    EXPECT_EQ(ErrorMessage(type, "x"), "") << type;
+  }
+}
+
+TEST(ErrorMessageTest, OnlyTheStartIsShown) {
+  std::string umlauts;
+  for (int i = 0; i < 200; ++i) umlauts += "ü";
+  EXPECT_EQ(ErrorMessage("text/plain", umlauts), umlauts);
+  EXPECT_EQ(ErrorMessage("text/plain", umlauts + "\n"), umlauts);
+  EXPECT_EQ(ErrorMessage("text/plain", umlauts + "ü"), umlauts + "...");
+  EXPECT_EQ(ErrorMessage("text/plain", umlauts + " x"), umlauts + "...");
+  const std::string as(199, 'a');
+  EXPECT_EQ(ErrorMessage("text/plain", as + " b"), as + "...");
+  EXPECT_LT(ErrorMessage("text/plain", std::string(100000, '\x80')).size(), 3000U);
+}
+
+}  // namespace
+}  // namespace stowra
