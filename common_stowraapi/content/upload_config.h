@@ -53,7 +53,8 @@ class STOWRA_EXPORT UploadConfig {
   // Get_IXMLInput opens. The two URLs are replaced where it has them, and its files are appended to
   // those already here, complete or not. True when it has both URLs and a list of files, be it
   // empty, and each file has an upload URL and a type. False otherwise, and for want of memory,
-  // with what could be read. Each file takes the memory of an UploadFile, however short its element.
+  // with what could be read. Each file takes the memory of an UploadFile, however short its
+  // element.
   bool ParseResponse(unsigned char* data, unsigned long length);
 
   // Downloads the configuration and parses the body, whatever the HTTP status, without clearing
