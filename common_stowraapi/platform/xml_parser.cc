@@ -149,6 +149,23 @@ class TreeBuilder {
   DeclarationCost declarations_;
 };
 
+// Older parsers let half a pair through in UTF-16. True for any other encoding.
+bool HasOnlyWholePairs(std::string_view document) {
+  const std::string_view begin = document.substr(0, 2);
+  constexpr std::string_view kBig[] = {"\xFE\xFF", {"\0<", 2}};
+  constexpr std::string_view kLittle[] = {"\xFF\xFE", {"<\0", 2}};
+  const bool is_big = begin == kBig[0] || begin == kBig[1];
+  if (!is_big && begin != kLittle[0] && begin != kLittle[1]) return true;
+  bool inside_pair = false;
+  for (std::size_t high = is_big ? 0 : 1; high < document.size(); high += 2) {
+    const auto byte = static_cast<unsigned char>(document[high]);
+    const bool is_second = (byte & 0xFC) == 0xDC;
+    if (is_second != inside_pair) return false;
+    inside_pair = (byte & 0xFC) == 0xD8;
+  }
+  return !inside_pair;
+}
+
 // Piece by piece, so that the parser's buffer stays in the cache. A token that goes on beyond a
 // piece is read again from its beginning; each piece is then as large as what is waiting, or a long
 // token would take the square of its length.
@@ -170,6 +187,7 @@ bool Feed(XML_Parser parser, std::string_view document) {
 }  // namespace
 
 std::unique_ptr<const Tree> Parse(std::string_view document) noexcept {
+  if (!HasOnlyWholePairs(document)) return nullptr;
   const ParserMemory memory(TreeBytes(document.size()));
   const ParserHandle parser = MakeParser();
   if (!parser) return nullptr;
