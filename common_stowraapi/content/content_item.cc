@@ -1,5 +1,7 @@
 #include "common_stowraapi/content/content_item.h"
 
+#include <utility>
+
 #include "common_stowraapi/content/element_list.h"
 #include "common_stowraapi/content/feed_link.h"
 #include "common_stowraapi/content/feed_names.h"
@@ -47,8 +49,8 @@ bool ReadCategory(IXMLInput& reader, ContentItem& item) {
 bool ReadLinks(IXMLInput& reader, ContentItem& item) {
   const FeedNames& names = FeedNames::Get();
   bool complete = true;
+  FeedLink link;
   const bool found = ForEachElement(reader, names.link, [&] {
-    FeedLink link;
     if (!ReadLink(reader, link)) {
       complete = false;
     } else if (link.Is(names.user_query, names.atom_type)) {
@@ -75,11 +77,11 @@ bool ReadCollectionFeed(IXMLInput& reader, ContentItem& item) {
 
 // The value of the parameter "uq"; empty without one.
 ovrant_ustring FindAuthorId(const ovrant_ustring& uri) {
-  constexpr const char* kMarker = "uq=";
-  const int marker = FindText(uri, kMarker, 0);
+  const FeedNames& names = FeedNames::Get();
+  const int marker = FindText(uri, names.author_parameter, 0);
   if (marker == kAbsent) return {};
-  const int begin = marker + Length(kMarker);
-  int end = FindText(uri, "&", begin);
+  const int begin = marker + Length(names.author_parameter);
+  int end = FindText(uri, names.parameter_end, begin);
   if (end == kAbsent) end = Length(uri);
   return uri.Mid(begin, end - begin);
 }
@@ -99,47 +101,47 @@ bool ReadAuthor(IXMLInput& reader, ContentItem& item) {
 bool ReadThumbnails(IXMLInput& reader, ContentItem& item) {
   const FeedNames& names = FeedNames::Get();
   bool complete = true;
+  ovrant_ustring url;
   const bool found = ForEachElement(reader, names.media_thumbnail, [&] {
-    ovrant_ustring url;
     if (!reader.GetAttribute(names.url, url)) {
       complete = false;
-    } else if (Contains(url, "rtyp=st")) {
+    } else if (Contains(url, names.small_thumbnail)) {
       item.thumbnail_url_ = url;
     }
   });
   return found && complete;
 }
 
-// Takes the rendition `url` as the item's download if it is better than the one so far, of version
-// `best`.
-void ChooseDownload(const ovrant_ustring& url, int& best, ContentItem& item) {
+// Whether the rendition `url` is better than the item's download so far, of version `best`; the
+// format and the version are then taken over.
+bool IsBetterDownload(const ovrant_ustring& url, int& best, ContentItem& item) {
+  const FeedNames& names = FeedNames::Get();
   ovrant_ustring rendition;
-  if (!ovrant::internet::URL(url).getValueForExtraInfoKey("rtyp", rendition)) return;
-  if (rendition == "k2") {
-    if (item.download_format_ != kNoDownload) return;
-    item.download_url_ = url;
+  if (!ovrant::internet::URL(url).getValueForExtraInfoKey(names.rendition, rendition)) return false;
+  if (rendition == names.k2_rendition) {
+    if (item.download_format_ != kNoDownload) return false;
     item.download_format_ = kK2;
-    return;
+    return true;
   }
   int version = 0;
-  if (!item.ExtractQmfVersionFromRTypValue(rendition, version)) return;
-  if (version > item.max_qmf_version_ || version <= best) return;
+  if (!item.ExtractQmfVersionFromRTypValue(rendition, version)) return false;
+  if (version > item.max_qmf_version_ || version <= best) return false;
   item.download_format_ = kQmf;
-  item.download_url_ = url;
   best = version;
+  return true;
 }
 
 bool ReadDownload(IXMLInput& reader, ContentItem& item) {
   const FeedNames& names = FeedNames::Get();
   bool complete = true;
   int best = 0;
+  ovrant_ustring url;
+  ovrant_ustring type;
   ForEachElement(reader, names.media_content, [&] {
-    ovrant_ustring url;
-    ovrant_ustring type;
     if (!reader.GetAttribute(names.url, url) || !reader.GetAttribute(names.type, type)) {
       complete = false;
     } else if (type == names.qmf_type || type == names.kmz_type) {
-      ChooseDownload(url, best, item);
+      if (IsBetterDownload(url, best, item)) std::swap(item.download_url_, url);
     }
   });
   return complete && !item.download_url_.empty();

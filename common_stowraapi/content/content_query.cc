@@ -30,8 +30,8 @@ bool ReadTitle(IXMLInput& reader, ContentQuery& query) {
 
 void ReadLinks(IXMLInput& reader, ContentQuery& query) {
   const FeedNames& names = FeedNames::Get();
+  FeedLink link;
   ForEachElement(reader, names.link, [&] {
-    FeedLink link;
     if (!ReadLink(reader, link)) return;
     if (link.Is(names.self, names.atom_type)) {
       query.self_url_ = link.href;

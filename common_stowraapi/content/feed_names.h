@@ -48,6 +48,13 @@ struct FeedNames {
   const ovrant::utils::ovrant_ustring src;
   const ovrant::utils::ovrant_ustring url;
 
+  // Parameters in URLs, and values of them.
+  const ovrant::utils::ovrant_ustring rendition;
+  const ovrant::utils::ovrant_ustring k2_rendition;
+  const ovrant::utils::ovrant_ustring small_thumbnail;
+  const ovrant::utils::ovrant_ustring author_parameter;
+  const ovrant::utils::ovrant_ustring parameter_end;
+
   // The term of a model's category.
   const ovrant::utils::ovrant_ustring model;
 

@@ -12,11 +12,13 @@ inline constexpr int kAbsent = -1;
 
 // Index of the first occurrence of `text` in `whole` at or after `start`, or kAbsent. A platform
 // may give "absent" in more than the 32 bits that count.
-inline int FindText(const ovrant::utils::ovrant_ustring& whole, const char* text, int start) {
+inline int FindText(const ovrant::utils::ovrant_ustring& whole,
+                    const ovrant::utils::ovrant_ustring& text, int start) {
   return static_cast<int>(whole.find(text, static_cast<unsigned long>(start)));
 }
 
-inline bool Contains(const ovrant::utils::ovrant_ustring& whole, const char* text) {
+inline bool Contains(const ovrant::utils::ovrant_ustring& whole,
+                     const ovrant::utils::ovrant_ustring& text) {
   return FindText(whole, text, 0) != kAbsent;
 }
 

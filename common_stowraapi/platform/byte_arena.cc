@@ -1,7 +1,6 @@
 #include "common_stowraapi/platform/byte_arena.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace ovrant::utils {
 namespace {
@@ -9,17 +8,6 @@ namespace {
 constexpr std::size_t kLargestChunk = std::size_t{64} * 1024;
 
 }  // namespace
-
-std::string_view ByteArena::Copy(std::string_view text) {
-  const std::size_t size = text.size() + 1;
-  if (size > free_size_) AddChunk(size);
-  char* const copy = free_;
-  std::memcpy(copy, text.data(), text.size());
-  copy[text.size()] = '\0';
-  free_ += size;
-  free_size_ -= size;
-  return {copy, text.size()};
-}
 
 void ByteArena::AddChunk(std::size_t least_size) {
   const std::size_t size = std::max(least_size, next_chunk_size_);

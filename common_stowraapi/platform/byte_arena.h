@@ -4,6 +4,7 @@
 #define COMMON_STOWRAAPI_PLATFORM_BYTE_ARENA_H_
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,16 @@ class ByteArena {
   explicit ByteArena(MemoryBudget& budget) : budget_(budget) {}
 
   // The copy has a NUL behind it. std::bad_alloc leaves the arena as it was.
-  std::string_view Copy(std::string_view text);
+  std::string_view Copy(std::string_view text) {
+    const std::size_t size = text.size() + 1;
+    if (size > free_size_) AddChunk(size);
+    char* const copy = free_;
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    free_ += size;
+    free_size_ -= size;
+    return {copy, text.size()};
+  }
 
  private:
   void AddChunk(std::size_t least_size);

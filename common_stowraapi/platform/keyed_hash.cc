@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstring>
 #include <exception>
 #include <random>
 
@@ -72,8 +73,15 @@ class SipState {
   std::uint64_t v0_, v1_, v2_, v3_;
 };
 
-// Little-endian, zeros behind the end.
-std::uint64_t Word(std::string_view bytes) {
+// Eight bytes, in the machine's order.
+std::uint64_t Word(const char* bytes) {
+  std::uint64_t word;
+  std::memcpy(&word, bytes, sizeof(word));
+  return word;
+}
+
+// Up to seven bytes from the lowest one on, zeros behind the end.
+std::uint64_t LastWord(std::string_view bytes) {
   std::uint64_t word = 0;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     word |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
@@ -88,9 +96,9 @@ std::uint64_t KeyedHash(std::string_view text) {
   SipState state(ProcessKey());
   const std::size_t size = text.size();
   for (; text.size() >= kWordSize; text.remove_prefix(kWordSize)) {
-    state.Add(Word(text.substr(0, kWordSize)));
+    state.Add(Word(text.data()));
   }
-  state.Add(Word(text) | std::uint64_t{size} << 56);
+  state.Add(LastWord(text) | std::uint64_t{size} << 56);
   return state.Finish();
 }
 

@@ -1,23 +1,30 @@
 #include "common_stowraapi/platform/url.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "common_stowraapi/platform/find_unit.h"
+#include "common_stowraapi/platform/ustring_units.h"
+#include "common_stowraapi/platform/utf_conversion.h"
 
 namespace ovrant::internet {
 namespace {
 
 using utils::ovrant_ustring;
 
-std::string_view Before(std::string_view text, char mark) {
-  return text.substr(0, text.find(mark));
-}
+using Units = std::u16string_view;
+
+Units Before(Units text, char mark) { return text.substr(0, utils::FindUnit(text, mark)); }
 
 // Empty where there is no mark.
-std::string_view After(std::string_view text, char mark) {
-  const std::size_t found = text.find(mark);
-  return found == std::string_view::npos ? std::string_view() : text.substr(found + 1);
+Units After(Units text, char mark) {
+  return text.substr(std::min(utils::FindUnit(text, mark) + 1, text.size()));
 }
+
+bool StandsForItself(char16_t unit) { return unit < 0x80 && unit != u'%' && unit != u'+'; }
 
 // The value of a hexadecimal digit, or -1.
 int HexValue(char digit) {
@@ -27,41 +34,43 @@ int HexValue(char digit) {
   return -1;
 }
 
-std::string Decode(std::string_view value) {
+void Decode(Units value, ovrant_ustring& decoded_value) {
+  if (std::all_of(value.begin(), value.end(), StandsForItself)) {
+    return utils::UstringUnits::Set(value, decoded_value);
+  }
+  const std::string utf8 = utils::Utf16ToUtf8(value);
   std::string decoded;
-  decoded.reserve(value.size());
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    if (value[i] == '%' && value.size() - i > 2) {
-      const int high = HexValue(value[i + 1]);
-      const int low = HexValue(value[i + 2]);
+  decoded.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    if (utf8[i] == '%' && utf8.size() - i > 2) {
+      const int high = HexValue(utf8[i + 1]);
+      const int low = HexValue(utf8[i + 2]);
       if (high >= 0 && low >= 0) {
         decoded += static_cast<char>(high << 4 | low);
         i += 2;
         continue;
       }
     }
-    decoded += value[i] == '+' ? ' ' : value[i];
+    decoded += utf8[i] == '+' ? ' ' : utf8[i];
   }
-  return decoded;
+  decoded_value = ovrant_ustring(decoded.data(), decoded.size());
 }
 
 }  // namespace
 
-URL::URL(ovrant_ustring url) {
-  const std::string text = url.utf8();
-  const std::string_view query = After(Before(text, '#'), '?');
-  query_ = ovrant_ustring(query.data(), query.size());
+URL::URL(ovrant_ustring url) : query_(std::move(url)) {
+  utils::UstringUnits::Set(After(Before(utils::UstringUnits::Of(query_), '#'), '?'), query_);
 }
 
 bool URL::getValueForExtraInfoKey(ovrant_ustring key, ovrant_ustring& value) {
-  const std::string query = query_.utf8();
-  const std::string name = key.utf8();
-  for (std::string_view rest = query; !rest.empty(); rest = After(rest, '&')) {
-    const std::string_view parameter = Before(rest, '&');
-    if (parameter.empty() || Before(parameter, '=') != name) continue;
-    const std::string decoded = Decode(After(parameter, '='));
-    value = ovrant_ustring(decoded.data(), decoded.size());
-    return true;
+  const Units name = utils::UstringUnits::Of(key);
+  for (Units rest = utils::UstringUnits::Of(query_); !rest.empty();) {
+    const Units parameter = Before(rest, '&');
+    if (!parameter.empty() && Before(parameter, '=') == name) {
+      Decode(After(parameter, '='), value);
+      return true;
+    }
+    rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
   }
   return false;
 }

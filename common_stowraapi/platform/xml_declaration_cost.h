@@ -29,6 +29,9 @@ class DeclarationCost {
   // default value, up to a null.
   bool AddElement(const char* const* defaulted);
 
+  // Whether an attribute has been declared. No element costs anything before.
+  bool has_attributes() const { return most_declared_ > 0; }
+
   // A namespace is declared, be it by default.
   bool AddNamespace(std::size_t uri_size);
 

@@ -16,18 +16,18 @@ std::uint32_t Hash(std::string_view name) {
 }  // namespace
 
 NameTable::NameTable(utils::MemoryBudget& budget)
-    : budget_(budget), texts_(budget), entries_(budget), slots_(kFirstSlotCount, kNoName) {}
+    : budget_(budget), texts_(budget), entries_(budget), slots_(kFirstSlotCount, kNoName) {
+  successors_.fill(kNoName);
+}
 
 NameId NameTable::Intern(const char* name) {
-  const NameId guess = last_ == kNoName ? kNoName : entries_[last_].successor;
-  if (guess != kNoName && std::strcmp(entries_[guess].text, name) == 0) {
-    last_ = guess;
-    return guess;
+  NameId& successor = successors_[(32 * second_last_ + last_) % successors_.size()];
+  if (successor == kNoName || std::strcmp(entries_[successor].text, name) != 0) {
+    successor = Enter(name);
   }
-  const NameId id = Enter(name);
-  if (last_ != kNoName) entries_[last_].successor = id;
-  last_ = id;
-  return id;
+  second_last_ = last_;
+  last_ = successor;
+  return successor;
 }
 
 NameId NameTable::Find(std::string_view name) const { return slots_[FindSlot(name, Hash(name))]; }
@@ -41,7 +41,7 @@ NameId NameTable::Enter(std::string_view name) {
     return Enter(name);
   }
   const std::string_view text = texts_.Copy(name);
-  entries_.Append() = {text.data(), static_cast<std::uint32_t>(text.size()), hash, kNoName};
+  entries_.Append() = {text.data(), static_cast<std::uint32_t>(text.size()), hash};
   slots_[slot] = entries_.size() - 1;
   return slots_[slot];
 }

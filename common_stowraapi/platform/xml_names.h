@@ -3,6 +3,7 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_NAMES_H_
 #define COMMON_STOWRAAPI_PLATFORM_XML_NAMES_H_
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -23,7 +24,7 @@ class NameTable {
  public:
   explicit NameTable(utils::MemoryBudget& budget);
 
-  // The number of `name`, which is entered if it is new. Fast where names follow each other in the
+  // The number of `name`, which is entered if it is new. Fast where names follow each other in an
   // order in which they did before. std::bad_alloc leaves the table as it was.
   NameId Intern(const char* name);
 
@@ -35,7 +36,6 @@ class NameTable {
     const char* text;
     std::uint32_t size;
     std::uint32_t hash;
-    NameId successor;  // the name that came next, the last time
   };
 
   NameId Enter(std::string_view name);
@@ -46,7 +46,11 @@ class NameTable {
   utils::ByteArena texts_;
   utils::BlockArray<Entry> entries_;
   std::vector<NameId> slots_;  // a hash table with open addressing, at most half full
+
+  // The last two names, and what came behind such two the last time.
   NameId last_ = kNoName;
+  NameId second_last_ = kNoName;
+  std::array<NameId, 1024> successors_;
 };
 
 }  // namespace ovrant::xml

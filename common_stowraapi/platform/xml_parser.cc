@@ -56,7 +56,9 @@ bool RefersToEntity(std::string_view text) {
 class TreeBuilder {
  public:
   TreeBuilder(XML_Parser parser, std::size_t size)
-      : parser_(parser), tree_(std::make_unique<Tree>(TreeBytes(size), size)), declarations_(size) {
+      : parser_(parser),
+        tree_(std::make_unique<Tree>(TreeBytes(size), static_cast<std::uint32_t>(size))),
+        declarations_(size) {
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, OnStartElement, OnEndElement);
     XML_SetCharacterDataHandler(parser, OnText);
@@ -125,10 +127,15 @@ class TreeBuilder {
   void StartElement(const char* name, const char** attributes) {
     if (++depth_ > kMaxDepth) return Stop();
     // Those that have a declaration's default value come behind the written ones.
-    const char** const end = attributes + XML_GetSpecifiedAttributeCount(parser_);
-    if (!declarations_.AddElement(end)) return Stop();
+    const char** end = nullptr;
+    if (declarations_.has_attributes()) {
+      end = attributes + XML_GetSpecifiedAttributeCount(parser_);
+      if (!declarations_.AddElement(end)) return Stop();
+    }
     tree_->BeginElement(name);
-    for (; attributes != end; attributes += 2) tree_->AddAttribute(attributes[0], attributes[1]);
+    for (; attributes != end && *attributes != nullptr; attributes += 2) {
+      tree_->AddAttribute(attributes[0], attributes[1]);
+    }
   }
 
   void EndElement() {
@@ -166,22 +173,11 @@ bool HasOnlyWholePairs(std::string_view document) {
   return !inside_pair;
 }
 
-// Piece by piece, so that the parser's buffer stays in the cache. A token that goes on beyond a
-// piece is read again from its beginning; each piece is then as large as what is waiting, or a long
-// token would take the square of its length.
+// In one piece: between pieces the parser would count lines, and read a token again that goes on
+// beyond one.
 bool Feed(XML_Parser parser, std::string_view document) {
-  constexpr std::size_t kPiece = std::size_t{32} * 1024;
-  std::size_t fed = 0;
-  for (;;) {
-    const auto read = static_cast<std::size_t>(std::max(XML_GetCurrentByteIndex(parser), 0L));
-    const std::size_t waiting = fed - std::min(fed, read);
-    const std::size_t size = std::min(document.size() - fed, std::max(kPiece, waiting));
-    const bool is_last = fed + size == document.size();
-    const char* const piece = document.data() + fed;
-    if (XML_Parse(parser, piece, static_cast<int>(size), is_last) != XML_STATUS_OK) return false;
-    if (is_last) return true;
-    fed += size;
-  }
+  const int size = static_cast<int>(document.size());
+  return XML_Parse(parser, document.data(), size, XML_TRUE) == XML_STATUS_OK;
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #include "common_stowraapi/platform/xml_reader.h"
 
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
+#include "common_stowraapi/platform/ascii_run.h"
 #include "common_stowraapi/platform/ustring_units.h"
 #include "common_stowraapi/platform/utf_conversion.h"
 #include "common_stowraapi/platform/xml_values.h"
@@ -13,17 +16,32 @@ using utils::UstringUnits;
 
 namespace {
 
-// Tells the names of one vocabulary apart by what differs between them: the end.
-std::size_t Slot(std::u16string_view name, std::size_t slots) {
-  constexpr std::size_t kTail = 3;
-  std::size_t sum = name.size();
-  for (std::size_t i = name.size() - std::min(name.size(), kTail); i < name.size(); ++i) {
-    sum = 31 * sum + name[i];
+// Where to look first for a name. What tells the names of one vocabulary apart is their end.
+std::size_t Slot(std::u16string_view name) {
+  constexpr std::size_t kTail = 4;
+  std::uint64_t tail = name.size();
+  if (name.size() >= kTail) {
+    std::memcpy(&tail, name.data() + name.size() - kTail, kTail * sizeof(char16_t));
+  } else {
+    for (const char16_t unit : name) tail = tail << 16 | unit;
   }
-  return sum % slots;
+  return static_cast<std::size_t>(tail * 0x9E3779B97F4A7C15 >> 32);
 }
 
-ovrant_ustring ToText(std::string_view utf8) { return {utf8.data(), utf8.size()}; }
+bool AreEqual(std::u16string_view a, std::u16string_view b) {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
+// Most texts are short and ASCII: those need no memory if `text` has enough.
+void Assign(std::string_view utf8, ovrant_ustring& text) {
+  constexpr std::size_t kShort = 256;
+  char16_t units[kShort];
+  if (utf8.size() <= kShort && utils::WidenAscii(utf8.data(), utf8.size(), units) == utf8.size()) {
+    UstringUnits::Set({units, utf8.size()}, text);
+  } else {
+    text = ovrant_ustring(utf8.data(), utf8.size());
+  }
+}
 
 }  // namespace
 
@@ -46,14 +64,14 @@ bool Reader::NextElement(const ovrant_ustring& name) {
 bool Reader::GetAttribute(const ovrant_ustring& name, ovrant_ustring& value) {
   const Attribute* const attribute = tree_->FindAttribute(current_, FindName(name));
   if (attribute == nullptr) return false;
-  value = ToText({attribute->value, attribute->size});
+  Assign({attribute->value, attribute->size}, value);
   return true;
 }
 
 bool Reader::GetElementText(const ovrant_ustring& name, ovrant_ustring& value) {
   const std::optional<std::string_view> text = FindText(name);
   if (!text) return false;
-  value = ToText(*text);
+  Assign(*text, value);
   return true;
 }
 
@@ -76,16 +94,26 @@ bool Reader::GetElementBool(const ovrant_ustring& name, bool& value) {
 // kNoName if it is not in the document.
 NameId Reader::FindName(const ovrant_ustring& name) {
   const std::u16string_view units = UstringUnits::Of(name);
-  AskedName& asked = asked_[Slot(units, asked_.size())];
-  if (asked.text != units) {
-    const std::string utf8 = name.utf8();
-    // A lone surrogate has become another character, which a document may well hold.
-    const bool is_text = utils::Utf8ToUtf16(utf8) == units;
-    const NameId id = is_text ? tree_->names().Find(utf8) : kNoName;
-    asked.text = units;
-    asked.id = id;
+  for (std::size_t slot = Slot(units);; ++slot) {
+    AskedName& asked = asked_[slot % asked_.size()];
+    if (AreEqual(asked.text, units)) return asked.id;
+    if (asked.text.empty()) return Ask(name, asked);
   }
-  return asked.id;
+}
+
+// Looks for a name in the document, and remembers the answer in the free slot `asked`.
+NameId Reader::Ask(const ovrant_ustring& name, AskedName& asked) {
+  const std::string utf8 = name.utf8();
+  // A lone surrogate has become another character, which a document may well hold.
+  const bool is_text = utils::Utf8ToUtf16(utf8) == UstringUnits::Of(name);
+  const NameId id = is_text ? tree_->names().Find(utf8) : kNoName;
+  asked.id = id;
+  asked.text = UstringUnits::Of(name);
+  if (++asked_count_ == asked_.size() / 2) {
+    asked_.fill(AskedName());
+    asked_count_ = 0;
+  }
+  return id;
 }
 
 // Makes the first child of `parent` of that name at or behind `from` current.

@@ -4,6 +4,7 @@
 #define COMMON_STOWRAAPI_PLATFORM_XML_READER_H_
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,13 +39,17 @@ class Reader final : public IXMLInput {
   };
 
   NameId FindName(const utils::ovrant_ustring& name);
+  [[gnu::noinline]] NameId Ask(const utils::ovrant_ustring& name, AskedName& asked);
   bool MoveTo(ElementId parent, ElementId from, const utils::ovrant_ustring& name);
   std::optional<std::string_view> FindText(const utils::ovrant_ustring& name);
 
   const std::unique_ptr<const Tree> tree_;
   ChildIndex children_;
   ElementId current_ = kDocument;
-  std::array<AskedName, 64> asked_;  // the last one of each kind
+
+  // A hash table with open addressing, emptied when it is half full.
+  std::array<AskedName, 64> asked_;
+  std::size_t asked_count_ = 0;
 };
 
 }  // namespace ovrant::xml

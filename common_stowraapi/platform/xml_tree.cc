@@ -1,6 +1,7 @@
 #include "common_stowraapi/platform/xml_tree.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <new>
 
@@ -8,21 +9,19 @@
 
 namespace ovrant::xml {
 
-Tree::Tree(std::size_t budget, std::size_t text_size)
+Tree::Tree(std::size_t budget, std::uint32_t text_size)
     : budget_(budget),
       names_(budget_),
       elements_(budget_, ChildIndex::kBytesPerChild),
       attributes_(budget_),
       values_(budget_) {
-  budget_.Take(text_size);
-  text_.reserve(text_size);
+  GrowText(text_size);
   elements_.Append() = {kNoName, kDocument, 0, 0, 0, 0};
 }
 
 void Tree::BeginElement(const char* name) {
   const NameId id = names_.Intern(name);
-  const auto text_begin = static_cast<std::uint32_t>(text_.size());
-  elements_.Append() = {id, open_, 0, attributes_.size(), text_begin, text_begin};
+  elements_.Append() = {id, open_, 0, attributes_.size(), text_size_, text_size_};
   open_ = elements_.size() - 1;
 }
 
@@ -32,24 +31,10 @@ void Tree::AddAttribute(const char* name, std::string_view value) {
   attributes_.Append() = {id, static_cast<std::uint32_t>(copy.size()), copy.data()};
 }
 
-void Tree::AddText(std::string_view text) {
-  const std::size_t size = text_.size() + text.size();
-  if (size > text_.capacity()) {
-    // Positions in the text have 32 bits.
-    if (size > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    const std::size_t old_capacity = text_.capacity();
-    const std::size_t capacity = std::max(size, old_capacity + old_capacity / 2);
-    budget_.Take(capacity);
-    text_.reserve(capacity);
-    budget_.Return(old_capacity);
-  }
-  text_.append(text);
-}
-
 void Tree::EndElement() {
   Element& element = elements_[open_];
   element.end = elements_.size();
-  element.text_end = static_cast<std::uint32_t>(text_.size());
+  element.text_end = text_size_;
   open_ = element.parent;
 }
 
@@ -59,9 +44,24 @@ void Tree::EndDocument() {
   elements_.Append() = {kNoName, kDocument, 0, attributes_.size(), 0, 0};
 }
 
+// Makes room for `size` more bytes.
+void Tree::GrowText(std::size_t size) {
+  // Positions in the text have 32 bits.
+  constexpr std::size_t kLargest = std::numeric_limits<std::uint32_t>::max();
+  if (size > kLargest - text_size_) throw std::bad_alloc();
+  const std::size_t grown = std::size_t{text_capacity_} + text_capacity_ / 2;
+  const std::size_t capacity = std::max(text_size_ + size, std::min(grown, kLargest));
+  budget_.Take(capacity - text_capacity_);
+  // What is large enough to matter moves without a copy.
+  void* const moved = std::realloc(text_.get(), capacity);
+  if (moved == nullptr) throw std::bad_alloc();
+  static_cast<void>(text_.release());
+  text_.reset(static_cast<char*>(moved));
+  text_capacity_ = static_cast<std::uint32_t>(capacity);
+}
+
 std::string_view Tree::Text(const Element& element) const {
-  const std::string_view all = text_;
-  return all.substr(element.text_begin, element.text_end - element.text_begin);
+  return {text_.get() + element.text_begin, element.text_end - element.text_begin};
 }
 
 const Attribute* Tree::FindAttribute(ElementId id, NameId name) const {

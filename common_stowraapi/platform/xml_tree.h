@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <string_view>
 
 #include "common_stowraapi/platform/block_array.h"
@@ -42,13 +44,22 @@ struct Attribute {
 class Tree {
  public:
   // `text_size`, in bytes, is a guess of how much character data there will be.
-  Tree(std::size_t budget, std::size_t text_size);
+  Tree(std::size_t budget, std::uint32_t text_size);
 
   // Building: the events of the document in their order. Attributes belong to the element that has
   // begun last and has nothing in it yet.
   void BeginElement(const char* name);
   void AddAttribute(const char* name, std::string_view value);
-  void AddText(std::string_view text);
+  void AddText(std::string_view text) {
+    if (text.size() > text_capacity_ - text_size_) GrowText(text.size());
+    // Every line end comes alone.
+    if (text.size() == 1) {
+      text_.get()[text_size_] = text[0];
+    } else {
+      std::memcpy(text_.get() + text_size_, text.data(), text.size());
+    }
+    text_size_ += static_cast<std::uint32_t>(text.size());
+  }
   void EndElement();
   void EndDocument();
 
@@ -61,12 +72,20 @@ class Tree {
   const Attribute* FindAttribute(ElementId id, NameId name) const;
 
  private:
+  struct FreeText {
+    void operator()(char* text) const { std::free(text); }
+  };
+
+  void GrowText(std::size_t size);
+
   utils::MemoryBudget budget_;
   NameTable names_;
   utils::BlockArray<Element> elements_;
   utils::BlockArray<Attribute> attributes_;
   utils::ByteArena values_;
-  std::string text_;            // all character data of the document
+  std::unique_ptr<char, FreeText> text_;  // all character data of the document
+  std::uint32_t text_size_ = 0;
+  std::uint32_t text_capacity_ = 0;
   ElementId open_ = kDocument;  // the innermost element that has not ended
 };
 
