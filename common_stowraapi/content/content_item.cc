@@ -54,9 +54,9 @@ bool ReadLinks(IXMLInput& reader, ContentItem& item) {
     if (!ReadLink(reader, link)) {
       complete = false;
     } else if (link.Is(names.user_query, names.atom_type)) {
-      item.user_query_url_ = link.href;
+      std::swap(item.user_query_url_, link.href);
     } else if (link.Is(names.alternate, names.html_type)) {
-      item.html_url_ = link.href;
+      std::swap(item.html_url_, link.href);
     }
   });
   return found && complete;
@@ -106,7 +106,7 @@ bool ReadThumbnails(IXMLInput& reader, ContentItem& item) {
     if (!reader.GetAttribute(names.url, url)) {
       complete = false;
     } else if (Contains(url, names.small_thumbnail)) {
-      item.thumbnail_url_ = url;
+      std::swap(item.thumbnail_url_, url);
     }
   });
   return found && complete;

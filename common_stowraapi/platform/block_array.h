@@ -35,8 +35,9 @@ class BlockArray {
 
   // Appends an element for the caller to fill. std::bad_alloc leaves the array as it was.
   T& Append() {
-    if (size_ == blocks_.size() * kBlockSize) AddBlock();
-    return (*this)[size_++];
+    if (next_ == end_) AddBlock();
+    ++size_;
+    return *next_++;
   }
 
  private:
@@ -45,11 +46,15 @@ class BlockArray {
   void AddBlock() {
     budget_.Take(kBlockSize * bytes_per_element_);
     blocks_.push_back(std::unique_ptr<T[]>(new T[kBlockSize]));
+    next_ = blocks_.back().get();
+    end_ = next_ + kBlockSize;
   }
 
   MemoryBudget& budget_;
   const std::size_t bytes_per_element_;
   std::uint32_t size_ = 0;
+  T* next_ = nullptr;  // of the last block
+  T* end_ = nullptr;
   std::vector<std::unique_ptr<T[]>> blocks_;
 };
 

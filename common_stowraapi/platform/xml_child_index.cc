@@ -8,17 +8,23 @@
 namespace ovrant::xml {
 namespace {
 
-// Elements of ordinary documents have fewer children than that to be skipped.
-constexpr int kMaxSteps = 64;
+// Most children are found within so many steps. All steps beyond them, together, may be so many for
+// each element of the document before children are sorted.
+constexpr int kFewSteps = 64;
+constexpr std::size_t kLongStepsPerElement = 8;
 
 std::uint64_t MakeKey(NameId name, ElementId child) { return std::uint64_t{name} << 32 | child; }
 
 }  // namespace
 
+ChildIndex::ChildIndex(const Tree& tree)
+    : tree_(tree), long_steps_left_(kLongStepsPerElement * tree.element(kDocument).end) {}
+
 ElementId ChildIndex::Find(ElementId parent, ElementId from, NameId name) {
   const ElementId end = tree_.element(parent).end;
-  for (int step = 0; step < kMaxSteps; ++step) {
+  for (int step = 0; step < kFewSteps || long_steps_left_ > 0; ++step) {
     if (from == end || tree_.element(from).name == name) return from;
+    if (step >= kFewSteps) --long_steps_left_;
     from = tree_.element(from).end;
   }
   const std::vector<Key>& children = SortedChildren(parent);

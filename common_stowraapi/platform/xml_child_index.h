@@ -15,14 +15,14 @@ namespace ovrant::xml {
 class Tree;
 using ElementId = std::uint32_t;
 
-// Looks through the children of an element in order, and once that takes long sorts them by name:
-// no order of questions costs more than the document's size times its logarithm. For one thread at
-// a time; the tree must outlive it.
+// Looks through the children of an element in order, and once that has taken long sorts them by
+// name: no order of questions costs more than the document's size times its logarithm. For one
+// thread at a time; the tree must outlive it.
 class ChildIndex {
  public:
   static constexpr std::size_t kBytesPerChild = sizeof(std::uint64_t);
 
-  explicit ChildIndex(const Tree& tree) : tree_(tree) {}
+  explicit ChildIndex(const Tree& tree);
 
   // The first child of that name at or behind `from`, which is a child of `parent` or its end;
   // the end of `parent` if there is none.
@@ -35,6 +35,7 @@ class ChildIndex {
   const std::vector<Key>& SortedChildren(ElementId parent);
 
   const Tree& tree_;
+  std::size_t long_steps_left_;
   std::map<ElementId, std::vector<Key>> sorted_;
 };
 

@@ -1,6 +1,7 @@
 #include "common_stowraapi/platform/xml_names.h"
 
 #include <cstring>
+#include <utility>
 
 #include "common_stowraapi/platform/keyed_hash.h"
 
@@ -16,18 +17,21 @@ std::uint32_t Hash(std::string_view name) {
 }  // namespace
 
 NameTable::NameTable(utils::MemoryBudget& budget)
-    : budget_(budget), texts_(budget), entries_(budget), slots_(kFirstSlotCount, kNoName) {
-  successors_.fill(kNoName);
-}
+    : budget_(budget), texts_(budget), entries_(budget), slots_(kFirstSlotCount, kNoName) {}
 
 NameId NameTable::Intern(const char* name) {
-  NameId& successor = successors_[(32 * second_last_ + last_) % successors_.size()];
-  if (successor == kNoName || std::strcmp(entries_[successor].text, name) != 0) {
-    successor = Enter(name);
+  Successors& successors = successors_[(32 * second_last_ + last_) % successors_.size()];
+  if (!Is(successors.latest, name)) {
+    if (!Is(successors.other, name)) successors.other = Enter(name);
+    std::swap(successors.latest, successors.other);
   }
   second_last_ = last_;
-  last_ = successor;
-  return successor;
+  last_ = successors.latest;
+  return last_;
+}
+
+bool NameTable::Is(NameId id, const char* name) const {
+  return id != kNoName && std::strcmp(entries_[id].text, name) == 0;
 }
 
 NameId NameTable::Find(std::string_view name) const { return slots_[FindSlot(name, Hash(name))]; }

@@ -38,6 +38,7 @@ class NameTable {
     std::uint32_t hash;
   };
 
+  bool Is(NameId id, const char* name) const;
   NameId Enter(std::string_view name);
   std::uint32_t FindSlot(std::string_view name, std::uint32_t hash) const;
   void Grow();
@@ -47,10 +48,14 @@ class NameTable {
   utils::BlockArray<Entry> entries_;
   std::vector<NameId> slots_;  // a hash table with open addressing, at most half full
 
-  // The last two names, and what came behind such two the last time.
+  // The last two names, and what came behind such two: the last time, and before that.
+  struct Successors {
+    NameId latest = kNoName;
+    NameId other = kNoName;
+  };
   NameId last_ = kNoName;
   NameId second_last_ = kNoName;
-  std::array<NameId, 1024> successors_;
+  std::array<Successors, 1024> successors_;
 };
 
 }  // namespace ovrant::xml

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "common_stowraapi/platform/large_pages.h"
+
 namespace ovrant::xml {
 namespace {
 
@@ -40,7 +42,9 @@ ParserMemory::~ParserMemory() { budget = nullptr; }
 void* ParserMemory::Allocate(std::size_t size) {
   const std::size_t cost = Cost(size);
   if (cost == 0 || !budget->TryTake(cost)) return nullptr;
-  return Finish(std::malloc(cost), cost);
+  void* const memory = std::malloc(cost);
+  if (memory != nullptr) utils::PreferLargePages(memory, cost);
+  return Finish(memory, cost);
 }
 
 void* ParserMemory::Reallocate(void* block, std::size_t size) {

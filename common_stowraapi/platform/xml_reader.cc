@@ -16,20 +16,27 @@ using utils::UstringUnits;
 
 namespace {
 
-// Where to look first for a name. What tells the names of one vocabulary apart is their end.
-std::size_t Slot(std::u16string_view name) {
-  constexpr std::size_t kTail = 4;
-  std::uint64_t tail = name.size();
-  if (name.size() >= kTail) {
-    std::memcpy(&tail, name.data() + name.size() - kTail, kTail * sizeof(char16_t));
+constexpr std::size_t kTailSize = 4;
+
+// The last units of a name: what tells those of one vocabulary apart.
+std::uint64_t Tail(std::u16string_view name) {
+  std::uint64_t tail = 0;
+  if (name.size() >= kTailSize) {
+    std::memcpy(&tail, name.data() + name.size() - kTailSize, sizeof(tail));
   } else {
     for (const char16_t unit : name) tail = tail << 16 | unit;
   }
+  return tail;
+}
+
+// Where to look first for a name with that tail.
+std::size_t Slot(std::uint64_t tail) {
   return static_cast<std::size_t>(tail * 0x9E3779B97F4A7C15 >> 32);
 }
 
-bool AreEqual(std::u16string_view a, std::u16string_view b) {
-  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+// Whether two names of one size and tail are equal.
+bool BeginAlike(std::u16string_view a, std::u16string_view b) {
+  return a.size() <= kTailSize || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
 }
 
 // Most texts are short and ASCII: those need no memory if `text` has enough.
@@ -94,9 +101,12 @@ bool Reader::GetElementBool(const ovrant_ustring& name, bool& value) {
 // kNoName if it is not in the document.
 NameId Reader::FindName(const ovrant_ustring& name) {
   const std::u16string_view units = UstringUnits::Of(name);
-  for (std::size_t slot = Slot(units);; ++slot) {
+  const std::uint64_t tail = Tail(units);
+  for (std::size_t slot = Slot(tail);; ++slot) {
     AskedName& asked = asked_[slot % asked_.size()];
-    if (AreEqual(asked.text, units)) return asked.id;
+    if (asked.tail == tail && asked.text.size() == units.size() && BeginAlike(asked.text, units)) {
+      return asked.id;
+    }
     if (asked.text.empty()) return Ask(name, asked);
   }
 }
@@ -107,8 +117,9 @@ NameId Reader::Ask(const ovrant_ustring& name, AskedName& asked) {
   // A lone surrogate has become another character, which a document may well hold.
   const bool is_text = utils::Utf8ToUtf16(utf8) == UstringUnits::Of(name);
   const NameId id = is_text ? tree_->names().Find(utf8) : kNoName;
-  asked.id = id;
   asked.text = UstringUnits::Of(name);
+  asked.tail = Tail(asked.text);
+  asked.id = id;
   if (++asked_count_ == asked_.size() / 2) {
     asked_.fill(AskedName());
     asked_count_ = 0;

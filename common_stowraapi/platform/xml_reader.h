@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,6 +36,7 @@ class Reader final : public IXMLInput {
   // A name that was asked for, and its number in the document.
   struct AskedName {
     std::u16string text;
+    std::uint64_t tail = 0;
     NameId id = kNoName;
   };
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "common_stowraapi/platform/large_pages.h"
 #include "common_stowraapi/platform/xml_child_index.h"
 
 namespace ovrant::xml {
@@ -55,6 +56,7 @@ void Tree::GrowText(std::size_t size) {
   // What is large enough to matter moves without a copy.
   void* const moved = std::realloc(text_.get(), capacity);
   if (moved == nullptr) throw std::bad_alloc();
+  utils::PreferLargePages(moved, capacity);
   static_cast<void>(text_.release());
   text_.reset(static_cast<char*>(moved));
   text_capacity_ = static_cast<std::uint32_t>(capacity);

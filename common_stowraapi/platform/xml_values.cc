@@ -3,12 +3,16 @@
 #include <charconv>
 
 namespace ovrant::xml {
+namespace {
+
+bool IsWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+}  // namespace
 
 std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kWhiteSpace = " \t\r\n";
-  const std::size_t begin = text.find_first_not_of(kWhiteSpace);
-  if (begin == std::string_view::npos) return text.substr(0, 0);
-  return text.substr(begin, text.find_last_not_of(kWhiteSpace) - begin + 1);
+  while (!text.empty() && IsWhiteSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsWhiteSpace(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 std::optional<int> ToInt(std::string_view text) {
