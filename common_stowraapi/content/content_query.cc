@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "common_stowraapi/content/element_list.h"
+#include "common_stowraapi/content/entry_reader.h"
 #include "common_stowraapi/content/feed_link.h"
 #include "common_stowraapi/content/feed_names.h"
 #include "common_stowraapi/platform/internet_data.h"
@@ -54,10 +55,11 @@ bool ReadCounts(IXMLInput& reader, ContentQuery& query) {
 }
 
 void ReadEntries(IXMLInput& reader, ContentQuery& query) {
+  EntryReader entries(reader);
   ForEachElement(reader, FeedNames::Get().entry, [&] {
     auto item = std::make_unique<ContentItem>();
     item->max_qmf_version_ = query.max_qmf_version_;
-    if (!item->Load(&reader)) return;
+    if (!entries.Read(*item)) return;
     query.items_.push_back(item.get());
     static_cast<void>(item.release());
   });

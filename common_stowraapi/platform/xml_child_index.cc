@@ -23,9 +23,11 @@ ChildIndex::ChildIndex(const Tree& tree)
 ElementId ChildIndex::Find(ElementId parent, ElementId from, NameId name) {
   const ElementId end = tree_.element(parent).end;
   for (int step = 0; step < kFewSteps || long_steps_left_ > 0; ++step) {
-    if (from == end || tree_.element(from).name == name) return from;
+    if (from == end) return end;
+    const Element& child = tree_.element(from);
+    if (child.name == name) return from;
     if (step >= kFewSteps) --long_steps_left_;
-    from = tree_.element(from).end;
+    from = child.end;
   }
   const std::vector<Key>& children = SortedChildren(parent);
   const auto found = std::lower_bound(children.begin(), children.end(), MakeKey(name, from));

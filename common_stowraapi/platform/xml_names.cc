@@ -1,6 +1,5 @@
 #include "common_stowraapi/platform/xml_names.h"
 
-#include <cstring>
 #include <utility>
 
 #include "common_stowraapi/platform/keyed_hash.h"
@@ -19,19 +18,10 @@ std::uint32_t Hash(std::string_view name) {
 NameTable::NameTable(utils::MemoryBudget& budget)
     : budget_(budget), texts_(budget), entries_(budget), slots_(kFirstSlotCount, kNoName) {}
 
-NameId NameTable::Intern(const char* name) {
-  Successors& successors = successors_[(32 * second_last_ + last_) % successors_.size()];
-  if (!Is(successors.latest, name)) {
-    if (!Is(successors.other, name)) successors.other = Enter(name);
-    std::swap(successors.latest, successors.other);
-  }
-  second_last_ = last_;
-  last_ = successors.latest;
-  return last_;
-}
-
-bool NameTable::Is(NameId id, const char* name) const {
-  return id != kNoName && std::strcmp(entries_[id].text, name) == 0;
+// Makes `name` the latest of the successors.
+void NameTable::Replace(Successors& successors, const char* name) {
+  if (!Is(successors.other, name)) successors.other = Enter(name);
+  std::swap(successors.latest, successors.other);
 }
 
 NameId NameTable::Find(std::string_view name) const { return slots_[FindSlot(name, Hash(name))]; }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +27,13 @@ class NameTable {
 
   // The number of `name`, which is entered if it is new. Fast where names follow each other in an
   // order in which they did before. std::bad_alloc leaves the table as it was.
-  NameId Intern(const char* name);
+  NameId Intern(const char* name) {
+    Successors& successors = successors_[(32 * second_last_ + last_) % successors_.size()];
+    if (!Is(successors.latest, name)) Replace(successors, name);
+    second_last_ = last_;
+    last_ = successors.latest;
+    return last_;
+  }
 
   // kNoName if it has not been entered.
   NameId Find(std::string_view name) const;
@@ -38,7 +45,16 @@ class NameTable {
     std::uint32_t hash;
   };
 
-  bool Is(NameId id, const char* name) const;
+  // The last two names lead to the next: the one that came the last time, or the one before that.
+  struct Successors {
+    NameId latest = kNoName;
+    NameId other = kNoName;
+  };
+
+  bool Is(NameId id, const char* name) const {
+    return id != kNoName && std::strcmp(entries_[id].text, name) == 0;
+  }
+  void Replace(Successors& successors, const char* name);
   NameId Enter(std::string_view name);
   std::uint32_t FindSlot(std::string_view name, std::uint32_t hash) const;
   void Grow();
@@ -48,11 +64,6 @@ class NameTable {
   utils::BlockArray<Entry> entries_;
   std::vector<NameId> slots_;  // a hash table with open addressing, at most half full
 
-  // The last two names, and what came behind such two: the last time, and before that.
-  struct Successors {
-    NameId latest = kNoName;
-    NameId other = kNoName;
-  };
   NameId last_ = kNoName;
   NameId second_last_ = kNoName;
   std::array<Successors, 1024> successors_;

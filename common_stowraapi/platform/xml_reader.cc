@@ -21,17 +21,18 @@ constexpr std::size_t kTailSize = 4;
 // The last units of a name: what tells those of one vocabulary apart.
 std::uint64_t Tail(std::u16string_view name) {
   std::uint64_t tail = 0;
-  if (name.size() >= kTailSize) {
-    std::memcpy(&tail, name.data() + name.size() - kTailSize, sizeof(tail));
-  } else {
-    for (const char16_t unit : name) tail = tail << 16 | unit;
+  switch (name.size()) {
+    case 0:
+      return 0;
+    case 1:
+      return name[0];
+    case 2:
+    case 3:
+      return std::uint64_t{name[0]} << 32 | std::uint64_t{name[1]} << 16 | name.back();
+    default:
+      std::memcpy(&tail, name.data() + name.size() - kTailSize, sizeof(tail));
+      return tail;
   }
-  return tail;
-}
-
-// Where to look first for a name with that tail.
-std::size_t Slot(std::uint64_t tail) {
-  return static_cast<std::size_t>(tail * 0x9E3779B97F4A7C15 >> 32);
 }
 
 // Whether two names of one size and tail are equal.
@@ -102,24 +103,26 @@ bool Reader::GetElementBool(const ovrant_ustring& name, bool& value) {
 NameId Reader::FindName(const ovrant_ustring& name) {
   const std::u16string_view units = UstringUnits::Of(name);
   const std::uint64_t tail = Tail(units);
-  for (std::size_t slot = Slot(tail);; ++slot) {
-    AskedName& asked = asked_[slot % asked_.size()];
-    if (asked.tail == tail && asked.text.size() == units.size() && BeginAlike(asked.text, units)) {
-      return asked.id;
-    }
-    if (asked.text.empty()) return Ask(name, asked);
-  }
+  const std::size_t slot = tail * 0x9E3779B97F4A7C15 >> (64 - kAskedBits);
+  const AskedName& asked = asked_[slot];
+  const bool is_known =
+      asked.tail == tail && asked.text.size() == units.size() && BeginAlike(asked.text, units);
+  return is_known ? asked.id : AskFrom(slot, name);
 }
 
-// Looks for a name in the document, and remembers the answer in the free slot `asked`.
-NameId Reader::Ask(const ovrant_ustring& name, AskedName& asked) {
+// Looks for a name that is not remembered in the slot where it belongs: behind that, and then in
+// the document.
+NameId Reader::AskFrom(std::size_t slot, const ovrant_ustring& name) {
+  const std::u16string_view units = UstringUnits::Of(name);
+  while (!asked_[slot].text.empty()) {
+    slot = (slot + 1) % asked_.size();
+    if (asked_[slot].text == units) return asked_[slot].id;
+  }
   const std::string utf8 = name.utf8();
   // A lone surrogate has become another character, which a document may well hold.
-  const bool is_text = utils::Utf8ToUtf16(utf8) == UstringUnits::Of(name);
+  const bool is_text = utils::Utf8ToUtf16(utf8) == units;
   const NameId id = is_text ? tree_->names().Find(utf8) : kNoName;
-  asked.text = UstringUnits::Of(name);
-  asked.tail = Tail(asked.text);
-  asked.id = id;
+  asked_[slot] = {std::u16string(units), Tail(units), id};
   if (++asked_count_ == asked_.size() / 2) {
     asked_.fill(AskedName());
     asked_count_ = 0;

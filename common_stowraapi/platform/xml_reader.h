@@ -41,7 +41,7 @@ class Reader final : public IXMLInput {
   };
 
   NameId FindName(const utils::ovrant_ustring& name);
-  [[gnu::noinline]] NameId Ask(const utils::ovrant_ustring& name, AskedName& asked);
+  [[gnu::noinline]] NameId AskFrom(std::size_t slot, const utils::ovrant_ustring& name);
   bool MoveTo(ElementId parent, ElementId from, const utils::ovrant_ustring& name);
   std::optional<std::string_view> FindText(const utils::ovrant_ustring& name);
 
@@ -50,7 +50,8 @@ class Reader final : public IXMLInput {
   ElementId current_ = kDocument;
 
   // A hash table with open addressing, emptied when it is half full.
-  std::array<AskedName, 64> asked_;
+  static constexpr int kAskedBits = 7;
+  std::array<AskedName, std::size_t{1} << kAskedBits> asked_;
   std::size_t asked_count_ = 0;
 };
 

@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# bench.sh BUILD_DIR DOCS_DIR
+#
+# Runs every benchmark of a build, counts the instructions of the small cases, and writes performance.md, performance.json
+# and performance.svg. Fails when a row of rows.json was not measured; one that is not reached is told, no more.
+set -euo pipefail
+
+build=$1
+docs=$2
+here=$(cd "$(dirname "$0")" && pwd)
+results="$build/results"
+
+# Enough for a median that stands, in about ten minutes for all.
+rounds=9
+seconds_each=0.1
+
+processor() {
+  local name
+  name=$(sysctl -n machdep.cpu.brand_string 2>/dev/null || sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -n 1)
+  echo "${name:-$(uname -m)}"
+}
+
+# measure PROGRAM BENCHMARK OUTPUT: in a process of its own, so that no other benchmark has left a heap in pieces or vector
+# registers half in use: either makes a parser slower by a tenth.
+measure() {
+  "$1" --benchmark_filter="^$2\$" --benchmark_min_time=$seconds_each --benchmark_out="$3.json" \
+    --benchmark_out_format=json >"$3.log" 2>&1 || { cat "$3.log" >&2; exit 1; }
+}
+
+rm -rf "$results"
+mkdir -p "$results"
+for round in $(seq $rounds); do
+  echo "== round $round of $rounds" >&2
+  for program in "$build"/benchmarks/*/*_bench; do
+    number=0
+    while read -r benchmark; do
+      number=$((number + 1))
+      measure "$program" "$benchmark" "$results/$(basename "$program")-$number-$round"
+    done < <("$program" --benchmark_list_tests)
+  done
+done
+
+echo "== instructions" >&2
+if command -v valgrind >/dev/null; then
+  "$here/instructions/count.sh" "$build/benchmarks/instructions/stowra-instructions" >"$results/counts.txt"
+else
+  echo "no valgrind here: instructions are not counted" >&2
+  : >"$results/counts.txt"
+fi
+
+status=0
+"$build/benchmarks/report/stowra-bench-report" --rows "$here/rows.json" \
+  --environment "$build/benchmarks/report/environment.json" --counts "$results/counts.txt" \
+  --processor "$(processor)" --document "$docs/performance.md" --summary "$docs/performance.json" \
+  --plot-data "$results/plot.tsv" "$results"/*.json || status=$?
+[ "$status" -le 1 ] || exit "$status"
+gnuplot -c "$here/report/plot.gp" "$results/plot.tsv" "$docs/performance.svg"
+exit "$status"

@@ -1,0 +1,54 @@
+// The names of a feed's elements as libxml2 holds them.
+
+#ifndef BENCHMARKS_CONTENT_LIBXML2_NAMES_H_
+#define BENCHMARKS_CONTENT_LIBXML2_NAMES_H_
+
+#include <libxml/parser.h>
+
+#include <array>
+#include <iterator>
+
+#include "benchmarks/content/feed_builder.h"
+
+namespace stowra_bench {
+
+inline const xmlChar* Chars(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
+
+inline const char* Chars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
+
+// Without NOENT the events' values still have "&" written "&#38;"; HUGE takes the limit off the
+// size of the document.
+inline constexpr int kLibxml2Options =
+    XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+
+// The names as they lie in a parser's dictionary, from which it takes those that it reports: to
+// compare two of them is to compare pointers.
+class Libxml2Names {
+ public:
+  explicit Libxml2Names(xmlDict* dictionary) {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      names_[i] = {xmlDictLookup(dictionary, Chars(kElementNames[i].uri), -1),
+                   xmlDictLookup(dictionary, Chars(kElementNames[i].local_name), -1)};
+    }
+  }
+
+  Element Classify(const xmlChar* uri, const xmlChar* local_name) const {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      if (names_[i].local_name == local_name && names_[i].uri == uri) {
+        return kElementNames[i].element;
+      }
+    }
+    return Element::kOther;
+  }
+
+ private:
+  struct Name {
+    const xmlChar* uri;
+    const xmlChar* local_name;
+  };
+  std::array<Name, std::size(kElementNames)> names_;
+};
+
+}  // namespace stowra_bench
+
+#endif  // BENCHMARKS_CONTENT_LIBXML2_NAMES_H_

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# check_counts_test.sh CHECK_COUNTS
+#
+# What the check of the instruction counts lets pass and what it does not.
+set -uo pipefail
+
+check=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+record="$folder/record"
+counts="$folder/counts"
+failed=0
+
+# expect STATUS TEXT WHAT: the check of $record and $counts ends so and says so.
+expect() {
+  local said status=0
+  said=$("$check" "$record" "$counts" 2>&1) || status=$?
+  if [ "$status" != "$1" ] || [[ $said != *"$2"* ]]; then
+    printf '%s: status %s, and it said:\n%s\n' "$3" "$status" "$said"
+    failed=1
+  fi
+}
+
+write_counts() { printf '%s\n' "$@" >"$counts"; }
+
+write_counts 'Load/200 2000' 'Aside/1 100'
+"$check" --update "$record" "$counts" || exit 1
+
+[ "$(grep -v '^#' "$record")" = $'Aside/1 100\nLoad/200 2000' ] || { echo 'the record is not sorted'; failed=1; }
+expect 0 'no case takes 5 % more' 'as recorded'
+
+write_counts 'Load/200 2100' 'Aside/1 100'
+expect 0 'no case takes 5 % more' 'five per cent more'
+write_counts 'Load/200 2101' 'Aside/1 100'
+expect 1 'Load/200: 2101, recorded 2000 (+5.0 %)' 'more than five per cent more'
+write_counts 'Load/200 1000' 'Aside/1 100'
+expect 0 'less than recorded: Load/200: 1000, recorded 2000 (-50.0 %)' 'half'
+write_counts 'Load/200 2000'
+expect 1 'Aside/1: not counted' 'a case is gone'
+write_counts 'Load/200 2000' 'Aside/1 100' 'New/1 5'
+expect 1 'New/1: not recorded' 'a case is new'
+write_counts 'Load/200' 'Aside/1 100'
+expect 1 'not a case and its count: Load/200' 'a count is lost'
+: >"$counts"
+expect 1 'nothing was counted' 'an empty count'
+
+write_counts 'Load/200 2000' 'Aside/1 100'
+sed -i.old 's/Load\/200 2000/Load\/200 1900/' "$record"
+expect 1 'recorded 1900' 'a doctored record'
+: >"$record"
+expect 1 'does not say of which machine' 'an empty record'
+printf '# machine: other\nLoad/200 1\n' >"$record"
+expect 0 'the record is of other' 'the record of another machine'
+
+[ "$failed" = 0 ] && echo 'check_counts.sh: as it should be'
+exit "$failed"
