@@ -2,10 +2,10 @@
 
 #include <list>
 #include <memory>
-#include <string>
 
+#include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/json/node.h"
-#include "common_stowraapi/json/text_check.h"
+#include "common_stowraapi/json/tree_reader.h"
 #include "common_stowraapi/json/tree_writer.h"
 
 namespace ovrant::json {
@@ -27,11 +27,7 @@ Document::~Document() = default;
 
 bool Document::Load(const ovrant_ustring& text) {
   tree_->root().SetNull();
-  std::string utf8 = text.utf8();
-  if (!PrepareText(utf8, kMaxDepth)) return false;
-  Input input(utf8.c_str());
-  tree_->text.ParseStream<rapidjson::kParseNoFlags>(input);
-  return !tree_->text.HasParseError();
+  return ReadTree(text.utf8(), kMaxDepth, tree_->text);
 }
 
 void Document::ToString(ovrant_ustring& out) {
@@ -69,13 +65,15 @@ Value& Document::MemberAt(unsigned int index) {
 }
 
 Value& Document::MemberAt(unsigned int index) const {
-  Node::Member* const member = FindMemberAt(tree_->root(), index);
+  Node::Member* const member = FindMemberAt(&tree_->root(), index);
   return tree_->HandOut(member == nullptr ? nullptr : &member->value);
 }
 
 ovrant_ustring Document::MemberNameAt(unsigned int index) const {
-  const Node::Member* const member = FindMemberAt(tree_->root(), index);
+  const Node::Member* const member = FindMemberAt(&tree_->root(), index);
   return member == nullptr ? ovrant_ustring() : ReadText(member->name);
 }
+
+Value Lookup::Root(const Document& document) { return document.tree_->RootHandle(); }
 
 }  // namespace ovrant::json

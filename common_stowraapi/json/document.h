@@ -54,6 +54,8 @@ class STOWRA_EXPORT Document {
   ovrant::utils::ovrant_ustring MemberNameAt(unsigned int index) const;
 
  private:
+  friend struct Lookup;
+
   struct Tree;
 
   const std::unique_ptr<Tree> tree_;

@@ -4,6 +4,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <string_view>
 
 namespace ovrant::json {
 namespace {
@@ -64,18 +65,21 @@ Node* FindElement(Node* node, unsigned int index) {
   return &(*node)[index];
 }
 
-Node* FindMember(Node* node, const ovrant_ustring& name) {
-  if (node == nullptr || !node->IsObject()) return nullptr;
-  const std::string utf8 = name.utf8();
-  if (utf8.size() > kMaxTextLength) return nullptr;
-  const Node key(rapidjson::StringRef(utf8.data(), utf8.size()));
+Node* FindMember(Node* node, std::string_view name) {
+  if (node == nullptr || !node->IsObject() || name.size() > kMaxTextLength) return nullptr;
+  const Node key(rapidjson::StringRef(name.data(), name.size()));
   const auto member = node->FindMember(key);
   return member == node->MemberEnd() ? nullptr : &member->value;
 }
 
-Node::Member* FindMemberAt(Node& object, unsigned int index) {
-  if (!object.IsObject() || index >= object.MemberCount()) return nullptr;
-  return &object.MemberBegin()[index];
+Node* FindMember(Node* node, const ovrant_ustring& name) {
+  const std::string utf8 = name.utf8();
+  return FindMember(node, utf8);
+}
+
+Node::Member* FindMemberAt(Node* node, unsigned int index) {
+  if (node == nullptr || !node->IsObject() || index >= node->MemberCount()) return nullptr;
+  return &node->MemberBegin()[index];
 }
 
 unsigned int CountChildren(const Node& node) {

@@ -4,6 +4,8 @@
 #ifndef COMMON_STOWRAAPI_JSON_NODE_H_
 #define COMMON_STOWRAAPI_JSON_NODE_H_
 
+#include <string_view>
+
 #include "common_stowraapi/json/rapidjson_types.h"
 #include "common_stowraapi/platform/ustring.h"
 
@@ -12,13 +14,12 @@ namespace ovrant::json {
 // The node of a handle; a null node, which nobody may write to, for a handle without one.
 const Node& ReadNode(const void* node);
 
-// The element or member value looked for; null where there is none or `node` is null or of another
-// type.
+// The element, member value or member looked for; null where there is none or `node` is null or of
+// another type. A name in a std::string_view is UTF-8.
 Node* FindElement(Node* node, unsigned int index);
 Node* FindMember(Node* node, const ovrant::utils::ovrant_ustring& name);
-
-// The member at `index`; null where there is none or `object` is of another type.
-Node::Member* FindMemberAt(Node& object, unsigned int index);
+Node* FindMember(Node* node, std::string_view name);
+Node::Member* FindMemberAt(Node* node, unsigned int index);
 
 // Elements or members; 0 where `node` has neither.
 unsigned int CountChildren(const Node& node);

@@ -10,12 +10,11 @@
 #include <limits>
 #include <new>
 
-// Strings and white space are scanned sixteen bytes at a step.
-#if defined(__SSE2__) && !defined(RAPIDJSON_SSE2)
-#define RAPIDJSON_SSE2
-#elif defined(__ARM_NEON) && !defined(RAPIDJSON_NEON)
-#define RAPIDJSON_NEON
-#endif
+// Strings are scanned by string_scan.h: what RapidJSON has for that lets some control characters
+// pass.
+#undef RAPIDJSON_SSE2
+#undef RAPIDJSON_SSE42
+#undef RAPIDJSON_NEON
 
 #include <rapidjson/document.h>
 #include <rapidjson/reader.h>

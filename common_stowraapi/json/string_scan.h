@@ -17,22 +17,23 @@ inline bool NeedsEscape(char c) {
   return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
 }
 
-// Whether FindEscape's step holds such a byte.
+// The index of the first such byte in a step of kScanStep bytes; kScanStep where there is none.
 #ifdef __SSE2__
 constexpr int kScanStep = 16;
 
-inline bool StepNeedsEscape(const char* bytes) {
+inline int FirstEscape(const char* bytes) {
   const __m128i step = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
   const __m128i last_control = _mm_set1_epi8(0x1F);
   const __m128i controls = _mm_cmpeq_epi8(_mm_max_epu8(step, last_control), last_control);
   const __m128i quotes = _mm_cmpeq_epi8(step, _mm_set1_epi8('"'));
   const __m128i backslashes = _mm_cmpeq_epi8(step, _mm_set1_epi8('\\'));
-  return _mm_movemask_epi8(_mm_or_si128(controls, _mm_or_si128(quotes, backslashes))) != 0;
+  const int found = _mm_movemask_epi8(_mm_or_si128(controls, _mm_or_si128(quotes, backslashes)));
+  return __builtin_ctz(static_cast<unsigned int>(found) | 1U << kScanStep);
 }
 #else
 constexpr int kScanStep = 8;
 
-inline bool StepNeedsEscape(const char* bytes) {
+inline int FirstEscape(const char* bytes) {
   constexpr std::uint64_t kOnes = 0x0101010101010101;
   std::uint64_t step;
   std::memcpy(&step, bytes, sizeof(step));
@@ -42,15 +43,31 @@ inline bool StepNeedsEscape(const char* bytes) {
   const std::uint64_t borrows = ((quotes - kOnes) & ~quotes) |
                                 ((backslashes - kOnes) & ~backslashes) |
                                 ((step - kOnes * 0x20) & ~step);
-  return (borrows & kOnes * 0x80) != 0;
+  if ((borrows & kOnes * 0x80) == 0) return kScanStep;
+  int index = 0;
+  while (!NeedsEscape(bytes[index])) ++index;
+  return index;
 }
 #endif
 
 // The first byte of [at, end) that needs an escape, or `end`.
 inline const char* FindEscape(const char* at, const char* end) {
-  while (end - at >= kScanStep && !StepNeedsEscape(at)) at += kScanStep;
+  while (end - at >= kScanStep) {
+    const int index = FirstEscape(at);
+    at += index;
+    if (index < kScanStep) return at;
+  }
   while (at != end && !NeedsEscape(*at)) ++at;
   return at;
+}
+
+// The same in a text that ends with kScanStep NULs.
+inline const char* FindEscape(const char* at) {
+  for (;;) {
+    const int index = FirstEscape(at);
+    at += index;
+    if (index < kScanStep) return at;
+  }
 }
 
 }  // namespace ovrant::json

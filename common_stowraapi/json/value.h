@@ -120,6 +120,7 @@ class STOWRA_EXPORT Value {
 
  private:
   friend class Document;
+  friend struct Lookup;
 
   // Declared in this order: it is part of the binary interface.
   mutable bool owned_;

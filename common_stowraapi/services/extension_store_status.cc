@@ -3,11 +3,10 @@
 #include <cstring>
 #include <string>
 
-#include "common_stowraapi/json/document.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/services/json_fields.h"
+#include "common_stowraapi/services/item_map.h"
 
 const unsigned int kExtensionStoreStatusRequestReturnedMessage = 28002;
 const unsigned int kExtensionStoreStatusRequestFailedMessage = 28003;
@@ -23,9 +22,6 @@ namespace ovrant::extensionstoreapi {
 
 using ovrant::internet::InternetData;
 using ovrant::internet::InternetDataDelegate;
-using ovrant::json::ReadBool;
-using ovrant::json::ReadString;
-using ovrant::json::Value;
 using ovrant::utils::ovrant_ustring;
 using ovrant::utils::StringMap;
 
@@ -50,21 +46,6 @@ ovrant_ustring ReceivedText(const InternetData& transport) {
 
 void SetSyncCompleted() {
   __atomic_store_n(&ExtensionStoreStatus::status_sync_completed_, true, __ATOMIC_RELAXED);
-}
-
-ExtensionStoreItem ReadItem(const Value& element) {
-  ExtensionStoreItem item;
-  ReadString(element, "id", item.id);
-  ovrant_ustring version;
-  ReadString(element, "version", version);
-  item.version = version.to_float();
-  ReadString(element, "file_url", item.file_url);
-  ReadBool(element, "update", item.update);
-  ReadBool(element, "remote_kill", item.remote_kill);
-  ReadString(element, "version_uuid", item.version_uuid);
-  const Value& enabled = element["enabled"];
-  item.enabled = enabled.IsInt() && enabled.GetInt() == 1;
-  return item;
 }
 
 }  // namespace
@@ -145,19 +126,7 @@ void ExtensionStoreStatus::OnReceivedStatusResponse(unsigned int status) {
 }
 
 std::map<ovrant_ustring, ExtensionStoreItem> ExtensionStoreStatus::GetItemMapFromResponse() {
-  std::map<ovrant_ustring, ExtensionStoreItem> items;
-  if (response_.empty()) return items;
-  json::Document document;
-  if (!document.Load(response_)) return items;
-  const Value& extensions = document["extensions"];
-  if (!extensions.IsArray()) return items;
-  for (unsigned int i = 0; i < extensions.Size(); ++i) {
-    const Value& element = extensions[i];
-    if (!element.IsObject()) continue;
-    const ExtensionStoreItem item = ReadItem(element);
-    items[item.id] = item;
-  }
-  return items;
+  return ReadItemMap(response_);
 }
 
 void ExtensionStoreStatus::AddNotifications() {

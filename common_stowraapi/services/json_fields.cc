@@ -1,21 +1,23 @@
 #include "common_stowraapi/services/json_fields.h"
 
+#include "common_stowraapi/json/lookup.h"
+
 namespace ovrant::json {
 
 using ovrant::utils::ovrant_ustring;
 
-void ReadString(const Value& object, const char* name, ovrant_ustring& field) {
-  const Value& member = object[ovrant_ustring(name)];
+void ReadString(const Value& object, std::string_view name, ovrant_ustring& field) {
+  const Value member = Lookup::Member(object, name);
   if (member.IsString()) field = member.GetString();
 }
 
-void ReadNumber(const Value& object, const char* name, int& field) {
-  const Value& member = object[ovrant_ustring(name)];
+void ReadNumber(const Value& object, std::string_view name, int& field) {
+  const Value member = Lookup::Member(object, name);
   if (member.IsNumber()) field = member.GetInt();
 }
 
-void ReadBool(const Value& object, const char* name, bool& field) {
-  const Value& member = object[ovrant_ustring(name)];
+void ReadBool(const Value& object, std::string_view name, bool& field) {
+  const Value member = Lookup::Member(object, name);
   if (member.IsBool()) field = member.GetBool();
 }
 

@@ -1,11 +1,15 @@
 #include "common_stowraapi/services/update_query.h"
 
+#include <utility>
+
 #include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/services/json_fields.h"
 
 namespace ovrant::webservices {
 
+using ovrant::json::Lookup;
 using ovrant::json::ReadNumber;
 using ovrant::json::ReadString;
 using ovrant::json::Value;
@@ -34,13 +38,13 @@ void ReadMessage(const Value& message, MessageData& result) {
 void AppendDataFiles(const Value& files, std::vector<DataFileData>& result) {
   if (!files.IsArray()) return;
   for (unsigned int i = 0; i < files.Size(); ++i) {
-    const Value& file = files[i];
+    const Value file = Lookup::Element(files, i);
     if (!file.IsObject()) continue;
     DataFileData record;
     ReadNumber(file, "version", record.version);
     ReadString(file, "filename", record.filename);
     ReadString(file, "url", record.url);
-    result.push_back(record);
+    result.push_back(std::move(record));
   }
 }
 
@@ -76,15 +80,16 @@ bool UpdateQuery::ParseResponse(const ovrant_ustring& body) {
   json::Document document;
   if (!document.Load(body)) return false;
 
-  const Value& update = document["update"];
+  const Value root = Lookup::Root(document);
+  const Value update = Lookup::Member(root, "update");
   ReadString(update, "current_version", current_version_);
   ReadString(update, "expire_version", expire_version_);
   // A version kept from an earlier response counts.
   const bool valid =
       update.HasMember("expire_version") && !current_version_.empty() && !expire_version_.empty();
 
-  ReadMessage(document["message"], message_);
-  AppendDataFiles(document["datafiles"], data_files_);
+  ReadMessage(Lookup::Member(root, "message"), message_);
+  AppendDataFiles(Lookup::Member(root, "datafiles"), data_files_);
   return valid;
 }
 

@@ -1,6 +1,7 @@
 #include "common_stowraapi/services/user_info_query.h"
 
 #include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/platform/notification_center.h"
 
 namespace ovrant::webservices {
@@ -25,8 +26,9 @@ StringMap ReadMembers(const ovrant_ustring& body) {
   if (body.empty()) return members;
   json::Document document;
   if (!document.Load(body)) return members;
+  const json::Value root = json::Lookup::Root(document);
   for (unsigned int i = 0; i < document.MemberCount(); ++i) {
-    members[document.MemberNameAt(i)] = document.MemberAt(i).GetString();
+    members[document.MemberNameAt(i)] = json::Lookup::MemberAt(root, i).GetString();
   }
   return members;
 }

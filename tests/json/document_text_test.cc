@@ -149,6 +149,27 @@ TEST(Load, ReadsStringsOfEveryLength) {
   }
 }
 
+TEST(Load, ReadsAnEscapeWhereverItStands) {
+  for (std::size_t before = 0; before < 40; ++before) {
+    for (std::size_t behind = 0; behind < 40; ++behind) {
+      const std::string start(before, 'x');
+      const std::string end(behind, 'y');
+      ValueDocument document("\"" + start + "\\n" + end + "\"");
+      EXPECT_EQ(document.value().GetString().utf8(), start + '\n' + end);
+    }
+  }
+}
+
+TEST(Load, RefusesAStringWithoutAnEndOfEveryLength) {
+  for (std::size_t length = 0; length < 40; ++length) {
+    const std::string text(length, 'x');
+    EXPECT_FALSE(Loads("[\"" + text)) << length;
+    EXPECT_FALSE(Loads("{\"" + text)) << length;
+    EXPECT_FALSE(Loads("[\"" + text + "\\")) << length;
+    EXPECT_FALSE(Loads("[\"" + text + "\\\"")) << length;
+  }
+}
+
 TEST(Load, ReadsANumberWithAnEnormousNegativeExponentAsZero) {
   for (const char* number :
        {"1e-400", "1e-2147483639", "0.0000000001e-2147483639", "1.5E-2147483648",
@@ -171,6 +192,10 @@ TEST(Load, LeavesTextThatLooksLikeAnExponentAlone) {
             "e-12345678901234567890");
   EXPECT_FALSE(Loads("[true-12345678901]"));
   EXPECT_FALSE(Loads("[-12345678901e]"));
+  EXPECT_FALSE(Loads("[01e-12345678901]"));
+  EXPECT_FALSE(Loads("[1.e-12345678901]"));
+  EXPECT_FALSE(Loads("[e-12345678901]"));
+  EXPECT_FALSE(Loads("[1e-12345678901e1]"));
 }
 
 TEST(Load, ReadsFractionsWithManyZeros) {

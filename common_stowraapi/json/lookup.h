@@ -1,0 +1,24 @@
+// Looking into a loaded document in passing, for the library's own services.
+
+#ifndef COMMON_STOWRAAPI_JSON_LOOKUP_H_
+#define COMMON_STOWRAAPI_JSON_LOOKUP_H_
+
+#include <string_view>
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/value.h"
+
+namespace ovrant::json {
+
+// Gives what the operations of Document and Value give, as handles that only the caller keeps: a
+// long array or object costs no memory while it is read. Names are UTF-8.
+struct Lookup {
+  static Value Root(const Document& document);
+  static Value Member(const Value& object, std::string_view name);
+  static Value MemberAt(const Value& object, unsigned int index);
+  static Value Element(const Value& array, unsigned int index);
+};
+
+}  // namespace ovrant::json
+
+#endif  // COMMON_STOWRAAPI_JSON_LOOKUP_H_

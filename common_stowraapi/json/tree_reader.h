@@ -1,0 +1,22 @@
+// Reading a tree from text.
+
+#ifndef COMMON_STOWRAAPI_JSON_TREE_READER_H_
+#define COMMON_STOWRAAPI_JSON_TREE_READER_H_
+
+#include <string>
+
+#include "common_stowraapi/json/rapidjson_types.h"
+
+namespace ovrant::json {
+
+// Parses `text`, up to its first NUL, as RapidJSON does without parse flags, and puts the tree into
+// `tree`. False, with what was there before, when it
+// - has 4 GiB or more,
+// - is not strict JSON with an object or array as root,
+// - has more than `max_depth` of them inside each other: the parser recurses,
+// - or has a hundred million zeros or more behind a decimal point.
+bool ReadTree(std::string text, unsigned int max_depth, ParsedText& tree);
+
+}  // namespace ovrant::json
+
+#endif  // COMMON_STOWRAAPI_JSON_TREE_READER_H_
