@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
+#include <ios>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -34,39 +37,64 @@ constexpr std::string_view kBoundaryPrefix = "BrevixClient";
 constexpr int kBoundaryDigits = 16;
 constexpr std::string_view kLineEnd = "\r\n";
 
-// Writes the parts of a body. Unformatted: the stream's width, fill and flags are its owner's.
-class BodyWriter {
+// Appends parts of a body to a text.
+class PartWriter {
  public:
-  BodyWriter(const std::string& boundary, std::ostream& out) : boundary_(boundary), out_(out) {}
+  PartWriter(std::string_view boundary, std::string& out) : boundary_(boundary), out_(out) {}
 
-  void WriteField(std::string_view name, std::string_view value) {
+  void AddField(std::string_view name, std::string_view value) {
     BeginPart(name);
-    Write({"\r\n\r\n", value, kLineEnd});
+    Add({"\r\n\r\n", value, kLineEnd});
   }
 
-  void WriteFile(std::string_view name, std::string_view file_name, std::string_view type,
-                 std::string_view content) {
+  // All that stands before the content of the file.
+  void BeginFile(std::string_view name, std::string_view file_name, std::string_view type) {
     BeginPart(name);
-    Write(
-        {"; filename=\"", file_name, "\"\r\nContent-Type: ", type, "\r\n\r\n", content, kLineEnd});
+    Add({"; filename=\"", file_name, "\"\r\nContent-Type: ", type, "\r\n\r\n"});
   }
 
-  void WriteEnd() { Write({"--", boundary_, "--", kLineEnd}); }
+  void EndFile() { Add({kLineEnd}); }
+  void AddEnd() { Add({"--", boundary_, "--", kLineEnd}); }
 
  private:
   void BeginPart(std::string_view name) {
-    Write({"--", boundary_, "\r\nContent-Disposition: form-data; name=\"", name, "\""});
+    Add({"--", boundary_, "\r\nContent-Disposition: form-data; name=\"", name, "\""});
   }
 
-  void Write(std::initializer_list<std::string_view> pieces) {
-    for (const std::string_view piece : pieces) {
-      out_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
-    }
+  void Add(std::initializer_list<std::string_view> pieces) {
+    for (const std::string_view piece : pieces) out_ += piece;
   }
 
-  const std::string& boundary_;
-  std::ostream& out_;
+  const std::string_view boundary_;
+  std::string& out_;
 };
+
+// A stream's memory doubles when it is full. An empty stream gets a beginning here, of zeros, such
+// that it is just large enough for `size` bytes after some doublings: otherwise a file of 256 MiB
+// would take 512, for its few headers. All of it is written over. Any other stream stays as it is.
+void PrepareToWrite(std::size_t size, std::stringstream& out) {
+  constexpr std::size_t kLargestBeginning = 1 << 16;
+  std::stringbuf& buffer = *out.rdbuf();
+  if (!out.good() || static_cast<std::ios&>(out).rdbuf() != &buffer) return;
+  if (buffer.pubseekoff(0, std::ios::cur, std::ios::out) != 0) return;
+  if (buffer.pubseekoff(0, std::ios::end, std::ios::out) != 0) {
+    buffer.pubseekpos(0, std::ios::out);
+    return;
+  }
+  while (size > kLargestBeginning) size -= size / 2;
+  try {
+    buffer.str(std::string(size, '\0'));
+  } catch (const std::bad_alloc&) {
+    return;
+  }
+  // A stream that was opened to append stands behind it now.
+  if (buffer.pubseekoff(0, std::ios::cur, std::ios::out) != 0) buffer.str({});
+}
+
+// Unformatted: the stream's width, fill and flags are its owner's.
+void Write(std::string_view bytes, std::ostream& out) {
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
 
 }  // namespace
 
@@ -95,15 +123,25 @@ void SetupPayload(const ovrant_ustring& subject_id, const UploadFile* file,
   const std::string task = ParseFieldFromUploadUrl(file, "task=");
   const std::string priority = ParseFieldFromUploadUrl(file, "priority=");
 
-  BodyWriter body(boundary, *out);
-  body.WriteField("name", name);
-  body.WriteField("subjectId", subject.c_str());
-  body.WriteField("subjectClass", "entity");
-  body.WriteFile("binary", file_name, type, {reinterpret_cast<const char*>(data), length});
-  if (!task.empty()) body.WriteField("task", task);
-  if (!priority.empty()) body.WriteField("priority", priority);
-  if (file->zipped_) body.WriteField("isZipped", "true");
-  body.WriteEnd();
+  std::string before;
+  PartWriter first(boundary, before);
+  first.AddField("name", name);
+  first.AddField("subjectId", subject.c_str());
+  first.AddField("subjectClass", "entity");
+  first.BeginFile("binary", file_name, type);
+
+  std::string after;
+  PartWriter last(boundary, after);
+  last.EndFile();
+  if (!task.empty()) last.AddField("task", task);
+  if (!priority.empty()) last.AddField("priority", priority);
+  if (file->zipped_) last.AddField("isZipped", "true");
+  last.AddEnd();
+
+  PrepareToWrite(before.size() + length + after.size(), *out);
+  Write(before, *out);
+  Write({reinterpret_cast<const char*>(data), length}, *out);
+  Write(after, *out);
 }
 
 std::map<ovrant_ustring, ovrant_ustring> CreateHeaderDictionary(const std::string& boundary,

@@ -1,126 +1,90 @@
-// Runs of ASCII at the start of a text, converted sixteen units at a step.
+// Finds ASCII and converts it between UTF-8 and UTF-16.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_ASCII_RUN_H_
 #define COMMON_STOWRAAPI_PLATFORM_ASCII_RUN_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <string_view>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#elif defined(__aarch64__) && !defined(__AARCH64EB__)
-#include <arm_neon.h>
-#define STOWRA_ASCII_RUN_NEON
-#endif
+#include "common_stowraapi/platform/ascii_block.h"
 
 namespace ovrant::utils {
 
-// Units in one step.
-constexpr std::size_t kAsciiBlock = 16;
+// What is shorter than a block goes by four units in one word, whatever the order of its bytes.
+constexpr std::size_t kAsciiQuad = 4;
 
-// WidenBlock and NarrowBlock convert one block of kAsciiBlock units and return a mask, 0 if all of
-// them are ASCII; FirstSet finds in another mask the index of the first unit that is not. All of
-// `to` is written; what stands behind the ASCII means nothing.
-
-#if defined(__SSE2__)
-
-using BlockMask = unsigned;
-
-inline std::size_t FirstSet(BlockMask mask) {
-  return static_cast<std::size_t>(__builtin_ctz(mask));
+inline std::uint32_t LoadQuad(const char* from) {
+  std::uint32_t bytes;
+  std::memcpy(&bytes, from, sizeof(bytes));
+  return bytes;
 }
 
-inline BlockMask WidenBlock(const char* from, char16_t* to) {
-  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-  const __m128i zero = _mm_setzero_si128();
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(bytes, zero));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 8), _mm_unpackhi_epi8(bytes, zero));
-  return static_cast<BlockMask>(_mm_movemask_epi8(bytes));
+inline std::uint64_t LoadQuad(const char16_t* from) {
+  std::uint64_t units;
+  std::memcpy(&units, from, sizeof(units));
+  return units;
 }
 
-inline BlockMask NarrowBlock(const char16_t* from, char* to) {
-  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 8));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(low, high));
-  const __m128i beyond = _mm_set1_epi16(static_cast<short>(0xFF80));
-  const __m128i zero = _mm_setzero_si128();
-  const __m128i ascii = _mm_packs_epi16(_mm_cmpeq_epi16(_mm_and_si128(low, beyond), zero),
-                                        _mm_cmpeq_epi16(_mm_and_si128(high, beyond), zero));
-  return static_cast<BlockMask>(_mm_movemask_epi8(ascii) ^ 0xFFFF);
+inline bool IsAsciiQuad(std::uint32_t bytes) { return (bytes & 0x80808080) == 0; }
+inline bool IsAsciiQuad(std::uint64_t units) { return (units & 0xFF80FF80FF80FF80) == 0; }
+
+inline void WidenQuad(std::uint32_t bytes, char16_t* to) {
+  std::uint64_t units = (bytes | std::uint64_t{bytes} << 16) & 0x0000FFFF0000FFFF;
+  units = (units | units << 8) & 0x00FF00FF00FF00FF;
+  std::memcpy(to, &units, sizeof(units));
 }
 
-#elif defined(STOWRA_ASCII_RUN_NEON)
-
-using BlockMask = std::uint64_t;
-
-inline std::size_t FirstSet(BlockMask mask) {
-  return static_cast<std::size_t>(__builtin_ctzll(mask)) / 4;
+inline void NarrowQuad(std::uint64_t units, char* to) {
+  units = (units | units >> 8) & 0x0000FFFF0000FFFF;
+  const auto bytes = static_cast<std::uint32_t>(units | units >> 16);
+  std::memcpy(to, &bytes, sizeof(bytes));
 }
 
-// Four bits for each byte, set where it is not ASCII.
-inline BlockMask BeyondAscii(uint8x16_t bytes) {
-  const uint16x8_t beyond = vreinterpretq_u16_u8(vcgeq_u8(bytes, vdupq_n_u8(0x80)));
-  return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(beyond, 4)), 0);
-}
+inline bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+inline bool IsAscii(char16_t unit) { return unit < 0x80; }
 
-inline BlockMask WidenBlock(const char* from, char16_t* to) {
-  const uint8x16_t bytes = vld1q_u8(reinterpret_cast<const std::uint8_t*>(from));
-  auto* out = reinterpret_cast<std::uint8_t*>(to);
-  vst1q_u8(out, vreinterpretq_u8_u16(vmovl_u8(vget_low_u8(bytes))));
-  vst1q_u8(out + 16, vreinterpretq_u8_u16(vmovl_high_u8(bytes)));
-  return BeyondAscii(bytes);
-}
-
-inline BlockMask NarrowBlock(const char16_t* from, char* to) {
-  const auto* in = reinterpret_cast<const std::uint8_t*>(from);
-  const uint16x8_t low = vreinterpretq_u16_u8(vld1q_u8(in));
-  const uint16x8_t high = vreinterpretq_u16_u8(vld1q_u8(in + 16));
-  const uint8x16_t narrow = vqmovn_high_u16(vqmovn_u16(low), high);
-  vst1q_u8(reinterpret_cast<std::uint8_t*>(to), narrow);
-  return BeyondAscii(narrow);
-}
-
-#else
-
-// A bit for each unit.
-using BlockMask = unsigned;
-
-inline std::size_t FirstSet(BlockMask mask) {
-  return static_cast<std::size_t>(__builtin_ctz(mask));
-}
-
-inline BlockMask WidenBlock(const char* from, char16_t* to) {
-  BlockMask mask = 0;
-  for (unsigned i = 0; i < kAsciiBlock; ++i) {
-    const auto byte = static_cast<unsigned char>(from[i]);
-    to[i] = byte;
-    mask |= BlockMask{byte >= 0x80} << i;
+// Whether all of `text` is. The last block or quad overlaps the one before it.
+template <typename Unit>
+bool IsAscii(std::basic_string_view<Unit> text) {
+  const Unit* const units = text.data();
+  if (text.size() >= kAsciiBlock) {
+    const std::size_t last = text.size() - kAsciiBlock;
+    for (std::size_t at = 0; at < last; at += kAsciiBlock) {
+      if (BeyondAscii(units + at) != 0) return false;
+    }
+    return BeyondAscii(units + last) == 0;
   }
-  return mask;
-}
-
-inline BlockMask NarrowBlock(const char16_t* from, char* to) {
-  BlockMask mask = 0;
-  for (unsigned i = 0; i < kAsciiBlock; ++i) {
-    to[i] = static_cast<char>(from[i]);
-    mask |= BlockMask{from[i] >= 0x80} << i;
+  if (text.size() >= kAsciiQuad) {
+    const std::size_t last = text.size() - kAsciiQuad;
+    for (std::size_t at = 0; at < last; at += kAsciiQuad) {
+      if (!IsAsciiQuad(LoadQuad(units + at))) return false;
+    }
+    return IsAsciiQuad(LoadQuad(units + last));
   }
-  return mask;
+  return std::all_of(text.begin(), text.end(), [](Unit unit) { return IsAscii(unit); });
 }
-
-#endif
 
 // WidenAscii and NarrowAscii convert the run of ASCII at the start of `from` (`length` units) and
 // return its length. `to` has room for `length` units; what stands behind the run means nothing.
 
 inline std::size_t WidenAscii(const char* from, std::size_t length, char16_t* to) {
   std::size_t done = 0;
-  while (length - done >= kAsciiBlock) {
+  while (length - done >= kAsciiStretch && WidenStretch(from + done, to + done)) {
+    done += kAsciiStretch;
+  }
+  for (; length - done >= kAsciiBlock; done += kAsciiBlock) {
     const BlockMask mask = WidenBlock(from + done, to + done);
     if (mask != 0) return done + FirstSet(mask);
-    done += kAsciiBlock;
   }
-  for (; done < length && static_cast<unsigned char>(from[done]) < 0x80; ++done) {
+  for (; length - done >= kAsciiQuad; done += kAsciiQuad) {
+    const std::uint32_t bytes = LoadQuad(from + done);
+    if (!IsAsciiQuad(bytes)) break;
+    WidenQuad(bytes, to + done);
+  }
+  for (; done < length && IsAscii(from[done]); ++done) {
     to[done] = static_cast<unsigned char>(from[done]);
   }
   return done;
@@ -128,12 +92,19 @@ inline std::size_t WidenAscii(const char* from, std::size_t length, char16_t* to
 
 inline std::size_t NarrowAscii(const char16_t* from, std::size_t length, char* to) {
   std::size_t done = 0;
-  while (length - done >= kAsciiBlock) {
+  while (length - done >= kAsciiStretch && NarrowStretch(from + done, to + done)) {
+    done += kAsciiStretch;
+  }
+  for (; length - done >= kAsciiBlock; done += kAsciiBlock) {
     const BlockMask mask = NarrowBlock(from + done, to + done);
     if (mask != 0) return done + FirstSet(mask);
-    done += kAsciiBlock;
   }
-  for (; done < length && from[done] < 0x80; ++done) to[done] = static_cast<char>(from[done]);
+  for (; length - done >= kAsciiQuad; done += kAsciiQuad) {
+    const std::uint64_t units = LoadQuad(from + done);
+    if (!IsAsciiQuad(units)) break;
+    NarrowQuad(units, to + done);
+  }
+  for (; done < length && IsAscii(from[done]); ++done) to[done] = static_cast<char>(from[done]);
   return done;
 }
 

@@ -16,7 +16,7 @@ void CNotificationCenter::AddObserver(const char* name, ovrant::IObserver* obser
 }
 
 void CNotificationCenter::RemoveObserver(ovrant::IObserver* observer) {
-  registry_->Remove(observer);
+  if (observer != nullptr) registry_->Remove(observer);
 }
 
 void CNotificationCenter::SendNotification(const char* name, void* payload) {

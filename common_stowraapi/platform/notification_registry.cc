@@ -1,6 +1,9 @@
 #include "common_stowraapi/platform/notification_registry.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
 
 #include "common_stowraapi/platform/delivery_scope.h"
 
@@ -36,26 +39,25 @@ void NotificationRegistry::Add(const char* name, IObserver* observer) {
   Topic& topic = *found->second;
   const AtExit drop_after_failure([this, &topic] { DropIfUnused(topic); });
 
-  std::vector<Topic*>& own_topics = topics_of_[observer];
-  if (std::find(own_topics.begin(), own_topics.end(), &topic) != own_topics.end()) return;
+  const auto [registration, is_new] =
+      registrations_.try_emplace({observer, &topic}, topic.observers.end());
+  if (!is_new) return;
   try {
-    own_topics.push_back(&topic);
-    topic.observers.push_back(observer);
+    registration->second = topic.observers.insert(topic.observers.end(), observer);
   } catch (...) {
-    if (!own_topics.empty() && own_topics.back() == &topic) own_topics.pop_back();
-    if (own_topics.empty()) topics_of_.erase(observer);
+    registrations_.erase(registration);
     throw;
   }
 }
 
 void NotificationRegistry::Remove(IObserver* observer) {
   std::unique_lock<std::mutex> lock(mutex_);
-  const auto found = topics_of_.find(observer);
-  if (found != topics_of_.end()) {
-    for (Topic* topic : found->second) RemoveFromTopic(*topic, observer);
-    topics_of_.erase(found);
+  auto registration = registrations_.lower_bound({observer, nullptr});
+  while (registration != registrations_.end() && registration->first.first == observer) {
+    RemoveFromTopic(*registration->first.second, registration->second);
+    registration = registrations_.erase(registration);
   }
-  if (DeliveryScope::IsInside() || !IsBeingCalled(observer)) return;
+  if (DeliveryScope::IsInside()) return;
   ++waiting_removals_;
   call_ended_.wait(lock, [this, observer] { return !IsBeingCalled(observer); });
   --waiting_removals_;
@@ -63,51 +65,91 @@ void NotificationRegistry::Remove(IObserver* observer) {
 
 void NotificationRegistry::Send(const char* name, void* payload) {
   std::unique_lock<std::mutex> lock(mutex_);
+  Topic* const topic = Find(name);
+  if (topic == nullptr) return;
+  if (topic->observers.size() > 1) {
+    Deliver(*topic, name, payload, lock);
+  } else if (IObserver* const observer = topic->observers.front()) {
+    // Whatever becomes of the topic meanwhile, nothing of it is needed afterwards.
+    CallObserver(observer, name, payload, lock);
+  }
+}
+
+NotificationRegistry::Topic* NotificationRegistry::Find(const char* name) {
+  const auto address = reinterpret_cast<std::uintptr_t>(name);
+  Topic*& before = found_before_[address / sizeof(void*) % found_before_.size()];
+  if (before != nullptr && std::strcmp(before->name.c_str(), name) == 0) return before;
   const auto found = topics_.find(name);
-  if (found != topics_.end()) Deliver(*found->second, name, payload, lock);
+  if (found == topics_.end()) return nullptr;
+  before = found->second.get();
+  return before;
 }
 
 void NotificationRegistry::Deliver(Topic& topic, const char* name, void* payload,
                                    std::unique_lock<std::mutex>& lock) {
-  // Those added from now on stand behind this end.
-  const std::size_t end = topic.observers.size();
+  // Those added from now on stand behind this one.
+  const auto last = std::prev(topic.observers.end());
   ++topic.deliveries;
-  const AtExit end_delivery([this, &topic] { EndDelivery(topic); });
-  for (std::size_t i = 0; i < end; ++i) {
-    if (topic.observers[i] != nullptr) CallObserver(topic.observers[i], name, payload, lock);
+  const AtExit end_delivery([this, &topic, &lock] {
+    if (!lock.owns_lock()) lock.lock();
+    EndDelivery(topic);
+  });
+  for (auto position = topic.observers.begin();; ++position) {
+    if (*position != nullptr) {
+      CallObserver(*position, name, payload, lock);
+      lock.lock();
+    }
+    if (position == last) return;
   }
 }
 
 void NotificationRegistry::CallObserver(IObserver* observer, const char* name, void* payload,
                                         std::unique_lock<std::mutex>& lock) {
-  Call call = {observer, calls_};
-  calls_ = &call;
-  const AtExit end_call([this, &call, &lock] {
-    lock.lock();
-    EndCall(call);
-  });
+  Call call = {observer, nullptr, nullptr};
+  BeginCall(call);
   lock.unlock();
+  const AtExit end_call([this, &call] { EndCall(call); });
   const DeliveryScope scope;
   observer->OnNotification(name, payload);
 }
 
 void NotificationRegistry::EndDelivery(Topic& topic) {
   if (--topic.deliveries > 0 || !topic.has_gaps) return;
-  topic.observers.erase(std::remove(topic.observers.begin(), topic.observers.end(), nullptr),
-                        topic.observers.end());
+  topic.observers.remove(nullptr);
   topic.has_gaps = false;
   DropIfUnused(topic);
 }
 
+void NotificationRegistry::BeginCall(Call& call) {
+  for (std::atomic<IObserver*>& slot : slots_) {
+    // What the last call in the slot did is passed on with it to whoever waits for that call.
+    if (slot.load(std::memory_order_acquire) == nullptr) {
+      call.slot = &slot;
+      slot.store(call.observer, std::memory_order_relaxed);
+      return;
+    }
+  }
+  call.next = calls_;
+  calls_ = &call;
+}
+
+// Either this sees that a removal waits, or the removal sees that the slot is free: each writes
+// before it reads, in one order for all threads.
 void NotificationRegistry::EndCall(Call& call) {
-  Call** link = &calls_;
-  while (*link != &call) link = &(*link)->next;
-  *link = call.next;
+  if (call.slot != nullptr) {
+    *call.slot = nullptr;
+    if (waiting_removals_ == 0) return;
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (call.slot == nullptr) {
+    Call** link = &calls_;
+    while (*link != &call) link = &(*link)->next;
+    *link = call.next;
+  }
   if (waiting_removals_ > 0) call_ended_.notify_all();
 }
 
-void NotificationRegistry::RemoveFromTopic(Topic& topic, IObserver* observer) {
-  const auto position = std::find(topic.observers.begin(), topic.observers.end(), observer);
+void NotificationRegistry::RemoveFromTopic(Topic& topic, Observers::iterator position) {
   if (topic.deliveries > 0) {
     *position = nullptr;
     topic.has_gaps = true;
@@ -119,10 +161,12 @@ void NotificationRegistry::RemoveFromTopic(Topic& topic, IObserver* observer) {
 
 void NotificationRegistry::DropIfUnused(Topic& topic) {
   if (!topic.observers.empty() || topic.deliveries > 0) return;
+  std::replace(found_before_.begin(), found_before_.end(), &topic, static_cast<Topic*>(nullptr));
   topics_.erase(topics_.find(topic.name));
 }
 
 bool NotificationRegistry::IsBeingCalled(const IObserver* observer) const {
+  if (std::find(slots_.begin(), slots_.end(), observer) != slots_.end()) return true;
   for (const Call* call = calls_; call != nullptr; call = call->next) {
     if (call->observer == observer) return true;
   }

@@ -13,12 +13,12 @@ common_stowraapi/request   common_stowraapi/(request/|platform/|export\.h)      
 common_stowraapi/services  common_stowraapi/(services/|request/|json/|platform/|export\.h)            -
 common_stowraapi/content   common_stowraapi/(content/|platform/|export\.h)                            -
 host                       (host/|PUBLIC)                                                             <(CLI/|fmt/)
-benchmarks                 (benchmarks/|PUBLIC)                                                       <(benchmark/|CLI/|curl/|expat\.h|fmt/|libxml/|nlohmann/|Poco/|Q[A-Za-z]+>|rapidjson/|unicode/)
+benchmarks                 (benchmarks/|PUBLIC)                                                       <(benchmark/|CLI/|curl/|expat\.h|fmt/|libxml/|malloc\.h|nlohmann/|Poco/|Q[A-Za-z]+>|rapidjson/|unicode/)
 emulator                   emulator/                                                                  <(CLI/|httplib\.h|nlohmann/|sqlite3\.h|zlib\.h)
 '
 
 # Headers of the language and of POSIX.
-standard='<([a-z_]+|c[a-z]+|(arpa|netinet|sys)/[a-z_]+\.h|(dlfcn|fcntl|grp|netdb|poll|pthread|pwd|signal|spawn|unistd|emmintrin|arm_neon|time|stdlib|xlocale|locale)\.h)>'
+standard='<([a-z_]+|c[a-z]+|(arpa|netinet|sys)/[a-z_]+\.h|(dlfcn|fcntl|grp|netdb|poll|pthread|pwd|sched|signal|spawn|unistd|emmintrin|arm_neon|time|stdlib|xlocale|locale)\.h)>'
 public=$(sed -n 's/^#include "\(.*\)"$/\1/p' common_stowraapi/common_stowraapi.h; echo common_stowraapi/common_stowraapi.h)
 
 failed=0

@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -93,6 +95,32 @@ TEST_F(NotificationCenterTest, MatchesNamesByContent) {
   Send(registered.c_str());
   Send("");
   EXPECT_EQ(log_, "a");
+}
+
+TEST_F(NotificationCenterTest, OneAddressMayHoldOneNameAfterTheOther) {
+  const auto a = Logger('a');
+  const auto b = Logger('b');
+  Center().AddObserver(kName, a.get());
+  Center().AddObserver(kOtherName, b.get());
+  char name[sizeof(kOtherName)];
+  for (const char* content : {kName, kOtherName, kName, "", kOtherName}) {
+    std::strcpy(name, content);
+    Send(name);
+  }
+  EXPECT_EQ(log_, "abab");
+}
+
+TEST_F(NotificationCenterTest, NameMayLoseItsLastObserverAndFindAnother) {
+  const auto a = Logger('a');
+  const auto b = Logger('b');
+  for (Observer* observer : {a.get(), b.get(), a.get()}) {
+    Center().AddObserver(kName, observer);
+    Send();
+    Send();
+    Center().RemoveObserver(observer);
+    Send();
+  }
+  EXPECT_EQ(log_, "aabbaa");
 }
 
 TEST_F(NotificationCenterTest, CallsObserversInOrderOfRegistration) {
@@ -451,6 +479,45 @@ TEST_F(NotificationCenterTest, SecondRemovalWaitsTooForACallOnAnotherThread) {
   });
   remover.join();
   EXPECT_FALSE(returned_too_early);
+}
+
+// One thread is inside forty deliveries, each made by the observer of the one before; whichever
+// of these observers is removed, the removal waits until that thread has left it.
+TEST_F(NotificationCenterTest, RemovalWaitsForACallHoweverManyAreUnderWay) {
+  constexpr std::size_t kDepth = 40;
+  const auto name = [](std::size_t depth) { return std::string(kName) + std::to_string(depth); };
+  for (std::size_t removed = 0; removed < kDepth; removed += 3) {
+    Event all_inside;
+    Event let_go;
+    Event returned;
+    std::atomic<bool> left{false};
+    std::atomic<bool> returned_too_early{false};
+    std::vector<std::unique_ptr<Observer>> observers;
+    for (std::size_t depth = 0; depth < kDepth; ++depth) {
+      observers.push_back(std::make_unique<Observer>([&, depth] {
+        if (depth + 1 < kDepth) {
+          Send(name(depth + 1).c_str());
+        } else {
+          all_inside.Set();
+          EXPECT_TRUE(let_go.Wait());
+          returned_too_early = returned.Wait(kTooEarly / 10);
+        }
+        if (depth == removed) left = true;
+      }));
+      Center().AddObserver(name(depth).c_str(), observers.back().get());
+    }
+    std::thread sender([&] { Send(name(0).c_str()); });
+    EXPECT_TRUE(all_inside.Wait());
+    std::thread remover([&] {
+      let_go.Set();
+      Center().RemoveObserver(observers[removed].get());
+      EXPECT_TRUE(left) << removed;
+      returned.Set();
+    });
+    remover.join();
+    sender.join();
+    EXPECT_FALSE(returned_too_early) << removed;
+  }
 }
 
 TEST_F(NotificationCenterTest, CenterStaysUsableDuringACallOnAnotherThread) {

@@ -62,6 +62,17 @@ TEST_F(UStringMemoryTest, ReadingKeepsTheStringWhenMemoryRunsOut) {
   EXPECT_GT(FailEachAllocation([](ovrant_ustring& text) { text + "abc"; }), 0);
 }
 
+TEST_F(UStringMemoryTest, ShortTextsAreAllocatedOnceAtMost) {
+  for (const std::string& bytes : {std::string("a"), std::string("\xC3\xA9t\xC3\xA9"),
+                                   std::string(512, 'a'), std::string(170, '\xFF')}) {
+    const auto convert = [&](ovrant_ustring&) { ovrant_ustring(bytes.data(), bytes.size()); };
+    EXPECT_EQ(FailEachAllocation(convert), bytes.size() > 7 ? 1 : 0) << bytes.size();
+    const ovrant_ustring converted(bytes.data(), bytes.size());
+    const auto convert_back = [&](ovrant_ustring&) { converted.utf8(); };
+    EXPECT_EQ(FailEachAllocation(convert_back), bytes.size() > 7 ? 1 : 0) << bytes.size();
+  }
+}
+
 TEST_F(UStringMemoryTest, ComparingNeedsNoMemory) {
   const auto compare = [&](ovrant_ustring& text) {
     EXPECT_NE(text.compare(long_), 0);

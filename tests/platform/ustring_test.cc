@@ -8,6 +8,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <random>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -134,9 +135,10 @@ TEST(UStringTest, AssignsBytesThatLieInsideItself) {
   EXPECT_EQ(text.utf8(), expected);
 }
 
-TEST(UStringTest, Utf8HasRoomForPadding) {
-  for (const std::string& bytes : {std::string(), std::string("a"), std::string(5000, 'a'),
-                                   std::string("\xE2\x82\xAC"), std::string(3000, '\xFF')}) {
+TEST(UStringTest, LongUtf8HasRoomForPadding) {
+  for (const std::string& bytes :
+       {std::string(513, 'a'), std::string(5000, 'a'), std::string(513, 'a') + "\xE2\x82\xAC",
+        std::string(3000, '\xFF'), std::string(2000, 'a') + std::string(512, '\xFF')}) {
     const std::string utf8 = ovrant_ustring(bytes.data(), bytes.size()).utf8();
     EXPECT_GE(utf8.capacity(), utf8.size() + 16);
   }
@@ -204,6 +206,26 @@ TEST(UStringTest, FindsTheEmptyTextAtTheStart) {
   EXPECT_EQ(ovrant_ustring().find("", 0), 0u);
 }
 
+TEST(UStringTest, FindAgreesWithASearchUnitByUnit) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 20'000; ++round) {
+    // Few letters, one of which has a byte of another: many near misses.
+    const auto make = [&](std::size_t limit) {
+      std::u16string units;
+      for (std::size_t left = random() % limit; left > 0; --left)
+        units += u"ab\u6162"[random() % 3];
+      return units;
+    };
+    const std::u16string whole = make(40);
+    const std::u16string part = make(5);
+    const std::size_t start = random() % 42;
+    const std::size_t expected = whole.find(part, start);
+    EXPECT_EQ(TextOf(whole).find(TextOf(part), start),
+              expected == std::u16string::npos ? ovrant_ustring::npos : expected)
+        << round;
+  }
+}
+
 TEST(UStringTest, LeftMidAndRightGiveParts) {
   const ovrant_ustring text("filename.qmf");
   EXPECT_EQ(text.Left(4), "file");
@@ -255,6 +277,25 @@ TEST(UStringTest, ComparesByCodeUnit) {
   EXPECT_LT(ovrant_ustring("z").compare("\xC3\xA9"), 0);
   // U+10000 is D800 DC00, so below U+FFFF though its code point is above.
   EXPECT_LT(ovrant_ustring("\xF0\x90\x80\x80").compare("\xEF\xBF\xBF"), 0);
+}
+
+TEST(UStringTest, TheFirstDifferenceDecidesWhereverItIs) {
+  for (std::size_t length = 1; length <= 40; ++length) {
+    const ovrant_ustring text(std::string(length, 'm').c_str());
+    EXPECT_EQ(text.compare(std::string(length, 'm').c_str()), 0);
+    EXPECT_GT(text.compare(std::string(length - 1, 'm').c_str()), 0);
+    for (std::size_t at = 0; at < length; ++at) {
+      // Which is greater depends on the whole unit, not on one of its bytes, nor on what follows.
+      for (const char16_t unit : {u'l', u'n', u'\x0100', u'\x01FF', u'\xFF00'}) {
+        ovrant_ustring other = text;
+        other[at] = unit;
+        if (at + 1 < length) other[length - 1] = unit < u'm' ? u'z' : u'a';
+        EXPECT_EQ(text.compare(other) < 0, u'm' < unit) << length << ' ' << at;
+        EXPECT_EQ(other.compare(text) < 0, unit < u'm') << length << ' ' << at;
+        EXPECT_NE(text.compare(other), 0) << length << ' ' << at;
+      }
+    }
+  }
 }
 
 TEST(UStringTest, OperatorsFollowCompare) {

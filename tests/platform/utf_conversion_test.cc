@@ -19,6 +19,10 @@
 namespace stowra_test {
 namespace {
 
+using ovrant::utils::IsAscii;
+using ovrant::utils::kAsciiBlock;
+using ovrant::utils::kAsciiQuad;
+using ovrant::utils::kAsciiStretch;
 using ovrant::utils::NarrowAscii;
 using ovrant::utils::Utf16ToUtf8;
 using ovrant::utils::Utf8ToUtf16;
@@ -213,8 +217,20 @@ TEST(UtfConversionTest, EncodesNoise) {
   }
 }
 
+TEST(AsciiRunTest, NoUnitBeyondAsciiIsTakenForIt) {
+  for (unsigned value = 0; value <= 0xFFFF; ++value) {
+    const std::u16string units(kAsciiStretch, static_cast<char16_t>(value));
+    char bytes[kAsciiStretch];
+    for (const std::size_t length : {std::size_t{1}, kAsciiQuad, kAsciiBlock, kAsciiStretch}) {
+      const std::u16string_view part(units.data(), length);
+      ASSERT_EQ(IsAscii(part), value < 0x80) << value;
+      ASSERT_EQ(NarrowAscii(units.data(), length, bytes), value < 0x80 ? length : 0) << value;
+    }
+  }
+}
+
 TEST(AsciiRunTest, StopsAtTheFirstUnitThatIsNotAscii) {
-  for (std::size_t length = 0; length <= 70; ++length) {
+  for (std::size_t length = 0; length <= 110; ++length) {
     for (std::size_t stop = 0; stop <= length; ++stop) {
       std::string bytes;
       for (std::size_t i = 0; i < length; ++i) bytes += static_cast<char>(i * 37 % 128);
@@ -225,6 +241,8 @@ TEST(AsciiRunTest, StopsAtTheFirstUnitThatIsNotAscii) {
       }
       const auto wide = std::make_unique<char16_t[]>(length);
       const auto narrow = std::make_unique<char[]>(length);
+      ASSERT_EQ(IsAscii(std::string_view(bytes)), stop == length);
+      ASSERT_EQ(IsAscii(std::u16string_view(units)), stop == length);
       ASSERT_EQ(WidenAscii(bytes.data(), length, wide.get()), stop);
       ASSERT_EQ(NarrowAscii(units.data(), length, narrow.get()), stop);
       ASSERT_EQ(std::u16string_view(wide.get(), stop), std::u16string_view(units).substr(0, stop));

@@ -145,6 +145,18 @@ TEST_F(ExtensionStoreItemsTest, TheLastElementOfOneIdReplacesAllFields) {
   EXPECT_FALSE(item.update || item.remote_kill || item.enabled);
 }
 
+TEST_F(ExtensionStoreItemsTest, OfAThousandElementsOfOneIdTheLastCounts) {
+  std::string response = R"({"extensions":[)";
+  for (int i = 1; i <= 1000; ++i) {
+    response += R"({"id":"same id","version":")" + std::to_string(i) + R"("},)" +
+                R"({"id":"same","version":")" + std::to_string(-i) + R"("},)";
+  }
+  const ItemMap items = ItemsOf(response + "0]}");
+  ASSERT_EQ(items.size(), 2U);
+  EXPECT_EQ(items.at("same id").version, 1000.0F);
+  EXPECT_EQ(items.at("same").version, -1000.0F);
+}
+
 TEST_F(ExtensionStoreItemsTest, ElementsWithoutAStringIdShareTheEmptyKey) {
   const ItemMap items =
       ItemsOf(R"({"extensions":[{"file_url":"1"},{"id":7,"file_url":"2"},{"id":"","file_url":"3"},)"
@@ -180,6 +192,16 @@ TEST_F(ExtensionStoreItemsTest, KeysAreOrderedByCodeUnits) {
   std::vector<std::string> keys;
   for (const auto& [key, item] : items) keys.push_back(key.utf8());
   EXPECT_THAT(keys, testing::ElementsAre("B", "a", "b", "\xF0\x9F\x98\x80", "\xEF\xBF\xAE"));
+}
+
+TEST_F(ExtensionStoreItemsTest, KeysThatBeginAlikeAreOrderedByTheirEnds) {
+  const ItemMap items =
+      ItemsOf(R"({"extensions":[{"id":"store.b"},{"id":"store"},{"id":"sto"},{"id":"stor"},)"
+              R"({"id":"store.a"},{"id":"store.aa"},{"id":""}]})");
+  std::vector<std::string> keys;
+  for (const auto& [key, item] : items) keys.push_back(key.utf8());
+  EXPECT_THAT(keys,
+              testing::ElementsAre("", "sto", "stor", "store", "store.a", "store.aa", "store.b"));
 }
 
 }  // namespace
