@@ -11,7 +11,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 results="$build/results"
 
 # Enough for a median that stands, in about ten minutes for all.
-rounds=9
+rounds=7
 seconds_each=0.1
 
 processor() {
