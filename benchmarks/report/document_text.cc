@@ -28,9 +28,9 @@ runs the programs under `benchmarks/` and judges their results by `benchmarks/ro
 - Transfers go to an nginx on this machine, which shares one processor with the program, so that what
   counts is the work of both and not how the system wakes processors.
 - Instructions are counted by callgrind, in a run of the case after a first one. They depend on the
-  processor's kind, compiler and libraries; from run to run they differ by less than 0.5 %, where a
-  parser draws hash keys at random, and else not at all. `./run check` counts them again and fails
-  when a case needs 5 % more than `benchmarks/instructions/counts.txt` says.
+  processor's kind, compiler and libraries; from run to run they differ by less than 0.5 %, mostly
+  where a parser draws hash keys at random. `./run check` counts them again and fails when a case
+  needs 5 % more than `benchmarks/instructions/counts.txt` says.
 
 A ratio with "x" is our time over the other's (less is better); "times as fast" is the other's time
 over ours (more is better).

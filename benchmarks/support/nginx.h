@@ -13,8 +13,9 @@
 namespace stowra_bench {
 
 // Listens on 127.0.0.1 and a port of the system's choice, with one worker, and sends the files of a
-// temporary folder of its own. Connections stay open. What it throws is std::runtime_error or
-// std::filesystem::filesystem_error.
+// temporary folder of its own. Connections stay open. Where the system allows it, the calling
+// thread, those that it starts later and nginx share one processor from then on: their times can be
+// compared. What it throws is std::runtime_error or std::filesystem::filesystem_error.
 class Nginx {
  public:
   Nginx();

@@ -23,7 +23,7 @@ class GateLeaver {
 
 }  // namespace
 
-BackgroundTransfer::BackgroundTransfer(HttpRequest request,
+BackgroundTransfer::BackgroundTransfer(HttpRequest&& request,
                                        std::shared_ptr<TransferListener> listener,
                                        const InternetDataDelegate& delegate,
                                        std::shared_ptr<DeliveryGate> delegate_gate,
@@ -35,11 +35,14 @@ BackgroundTransfer::BackgroundTransfer(HttpRequest request,
       returned_notification_(delegate.returned_notification()),
       failed_notification_(delegate.failed_notification()) {}
 
-bool BackgroundTransfer::IsAbandoned() {
+bool BackgroundTransfer::IsAbandoned() const {
   return transport_gate_.IsClosed() || delegate_gate_->IsClosed();
 }
 
-void BackgroundTransfer::Abandon() { transport_gate_.Close(); }
+bool BackgroundTransfer::Abandon() {
+  transport_gate_.Close();
+  return !delivered_;
+}
 
 void BackgroundTransfer::Deliver() {
   if (delivered_.exchange(true)) return;

@@ -12,17 +12,18 @@
 #include "common_stowraapi/platform/http_exchange.h"
 #include "common_stowraapi/platform/http_message.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/transfer_record.h"
 
 namespace ovrant::internet {
 
 // Shared by the transport that it belongs to, the worker that runs it and the completion that is on
 // its way to the host. Transport and delegate may die at any moment: each closes its gate, and no
 // delivery passes a closed gate.
-class BackgroundTransfer {
+class BackgroundTransfer final : public TransferRecord {
  public:
   // `publish` stores the reply in the transport. It is called at most once, and not after Abandon
   // has been called.
-  BackgroundTransfer(HttpRequest request, std::shared_ptr<TransferListener> listener,
+  BackgroundTransfer(HttpRequest&& request, std::shared_ptr<TransferListener> listener,
                      const InternetDataDelegate& delegate,
                      std::shared_ptr<DeliveryGate> delegate_gate,
                      std::function<void(HttpReply)> publish);
@@ -31,11 +32,9 @@ class BackgroundTransfer {
   HttpExchange& exchange() { return exchange_; }
 
   // Whether nobody is left to hear of the end. Safe from any thread.
-  bool IsAbandoned();
+  bool IsAbandoned() const;
 
-  // The transport is going: on return nothing of this transfer is posted, or being posted, any
-  // more, except that inside a delivery it does not wait for a post under way. Any thread.
-  void Abandon();
+  bool Abandon() override;
 
   // Stores the reply in the transport and posts the delegate's name for it. To be called once,
   // after the exchange has ended; any thread. A second call does nothing. Passes on what an

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "common_stowraapi/platform/body_memory.h"
 #include "common_stowraapi/platform/delivery_scope.h"
 #include "common_stowraapi/platform/transfer_settings.h"
 
@@ -31,8 +32,14 @@ void PinThisLibrary() {
 // How long the process's exit waits for a host function that the thread is in.
 constexpr std::chrono::milliseconds kExitWait(500);
 
+// For how long memory waits for the next transfer.
+constexpr std::chrono::milliseconds kMemoryIsKept(1000);
+
 // Set once there is a worker, so that nobody makes one in order to tell it of nothing.
 std::atomic<bool> worker_exists{false};
+
+// Whether this is the worker's thread, and it will look for what there is to do before it waits.
+thread_local bool will_look = false;
 
 }  // namespace
 
@@ -61,7 +68,7 @@ bool BackgroundWorker::Submit(std::shared_ptr<BackgroundTransfer> transfer) {
 void BackgroundWorker::NoteAbandoned() {
   if (!worker_exists.load()) return;
   BackgroundWorker& worker = Instance();
-  if (!worker.has_abandoned_.exchange(true)) worker.wake_.Wake();
+  if (!worker.has_abandoned_.exchange(true)) worker.Wake();
 }
 
 BackgroundWorker& BackgroundWorker::Instance() {
@@ -78,14 +85,14 @@ bool BackgroundWorker::Add(std::shared_ptr<BackgroundTransfer> transfer) {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (stopping_) return false;
   if (!thread_.joinable()) {
-    if (!loop_) loop_ = std::make_unique<TransferLoop>(wake_.socket());
+    if (!loop_) loop_ = std::make_unique<TransferLoop>(&wake_);
     active_.reserve(kMaxActive);
     PinThisLibrary();
     thread_ = std::thread(&BackgroundWorker::Run, this);
   }
   std::function<void()> completion = [transfer] { transfer->Deliver(); };
   submitted_.push_back({std::move(transfer), std::move(completion)});
-  if (submitted_.size() == 1) wake_.Wake();
+  if (submitted_.size() == 1) Wake();
   return true;
 }
 
@@ -111,13 +118,18 @@ void BackgroundWorker::Stop() {
   }
 }
 
+void BackgroundWorker::Wake() {
+  if (!will_look) wake_.Wake();
+}
+
 void BackgroundWorker::Run() {
   while (TakeSubmitted()) {
     if (has_abandoned_.exchange(false)) DropAbandoned();
     StartWaiting();
-    loop_->Turn();
+    WaitForEvents();
     CompleteEnded();
   }
+  BodyMemory::KeepFreed(false);
   loop_.reset();
   active_.clear();
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -125,9 +137,21 @@ void BackgroundWorker::Run() {
   thread_ended_.notify_all();
 }
 
+void BackgroundWorker::WaitForEvents() {
+  if (!active_.empty() && !keeps_memory_) {
+    keeps_memory_ = true;
+    BodyMemory::KeepFreed(true);
+  }
+  const bool may_give_memory_back = active_.empty() && keeps_memory_;
+  if (!loop_->Turn(may_give_memory_back ? kMemoryIsKept : TransferLoop::kForever) &&
+      may_give_memory_back) {
+    keeps_memory_ = false;
+    BodyMemory::KeepFreed(false);
+  }
+}
+
 // False when the thread is to end.
 bool BackgroundWorker::TakeSubmitted() {
-  wake_.Drain();
   const std::lock_guard<std::mutex> lock(mutex_);
   waiting_.splice(waiting_.end(), submitted_);
   return !stopping_;
@@ -157,12 +181,14 @@ void BackgroundWorker::DropAbandoned() {
 }
 
 void BackgroundWorker::CompleteEnded() {
+  will_look = true;
   while (const HttpExchange* exchange = loop_->NextEnded()) {
     const auto job = std::find_if(active_.begin(), active_.end(), [exchange](const Job& each) {
       return &each.transfer->exchange() == exchange;
     });
     Complete(TakeActive(static_cast<std::size_t>(job - active_.begin())));
   }
+  will_look = false;
 }
 
 BackgroundWorker::Job BackgroundWorker::TakeActive(std::size_t index) {

@@ -50,7 +50,9 @@ class BackgroundWorker {
   bool Add(std::shared_ptr<BackgroundTransfer> transfer);
   void Stop();
 
+  void Wake();
   void Run();
+  void WaitForEvents();
   bool TakeSubmitted();
   void StartWaiting();
   void DropAbandoned();
@@ -72,6 +74,7 @@ class BackgroundWorker {
   std::unique_ptr<TransferLoop> loop_;
   std::list<Job> waiting_;
   std::vector<Job> active_;
+  bool keeps_memory_ = false;
 };
 
 }  // namespace ovrant::internet

@@ -26,11 +26,12 @@ unsigned char* BodyBuffer::Room(std::size_t length) {
 
 void BodyBuffer::Reserve(std::size_t capacity) {
   if (capacity <= capacity_) return;
-  void* const moved = std::realloc(data_.get(), capacity);
+  unsigned char* const moved =
+      data_ ? BodyMemory::Enlarge(data_.get(), capacity) : BodyMemory::Allocate(capacity);
   if (moved == nullptr) throw std::bad_alloc();
   static_cast<void>(data_.release());
-  data_.reset(static_cast<unsigned char*>(moved));
-  capacity_ = capacity;
+  data_.reset(moved);
+  capacity_ = BodyMemory::CapacityOf(moved);
 }
 
 void BodyBuffer::Clear() {

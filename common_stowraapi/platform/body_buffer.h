@@ -4,13 +4,13 @@
 #define COMMON_STOWRAAPI_PLATFORM_BODY_BUFFER_H_
 
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
+
+#include "common_stowraapi/platform/body_memory.h"
 
 namespace ovrant::internet {
 
-// A growing run of bytes in memory from malloc, which grows by realloc: large ones move without
-// being copied where the system can do that. std::bad_alloc leaves it as it was.
+// A growing run of bytes in BodyMemory, which grows by realloc: large ones move without being
+// copied where the system can do that. std::bad_alloc leaves it as it was.
 class BodyBuffer {
  public:
   const unsigned char* data() const { return data_.get(); }
@@ -28,15 +28,11 @@ class BodyBuffer {
 
   void Clear();
 
-  // Hands the bytes to the caller, who frees them with std::free. Null when there are none.
+  // Hands the bytes to the caller, who frees them with BodyMemory::Free. Null when there are none.
   unsigned char* Release();
 
  private:
-  struct Free {
-    void operator()(unsigned char* data) const { std::free(data); }
-  };
-
-  std::unique_ptr<unsigned char, Free> data_;
+  BodyBytes data_;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
 };

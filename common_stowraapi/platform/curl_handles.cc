@@ -27,10 +27,12 @@ void EnsureCurl() {
   if (result != CURLE_OK) throw std::bad_alloc();
 }
 
-bool MayReuseEasyHandles() {
+EasyReuse HowToReuseEasyHandles() {
   constexpr unsigned int kFirstSafeVersion = 0x080101;
-  static const bool may = curl_version_info(CURLVERSION_NOW)->version_num >= kFirstSafeVersion;
-  return may;
+  constexpr unsigned int kKnownVersion = 0x075801;
+  static const unsigned int version = curl_version_info(CURLVERSION_NOW)->version_num;
+  if (version >= kFirstSafeVersion) return EasyReuse::kFree;
+  return version == kKnownVersion ? EasyReuse::kGuarded : EasyReuse::kNever;
 }
 
 EasyHandle MakeEasyHandle() { return Checked<EasyHandle>(curl_easy_init()); }

@@ -24,10 +24,14 @@ using HeaderList = std::unique_ptr<void, HeaderListDeleter>;  // curl_slist
 // Sets libcurl up, once for the process; before any handle is made.
 void EnsureCurl();
 
-// Whether an easy handle may make another transfer. Before 8.1.1 libcurl kept a pointer into the
-// headers of the one before, which it freed, and followed it when a response began with a folded
-// header line.
-bool MayReuseEasyHandles();
+// Before 8.1.1 libcurl keeps a pointer to the last header of an easy handle's transfer, which it
+// frees, and follows it in the next one when the first header line there begins with a blank, as if
+// it continued one. kGuarded: a version that is known to show each line (CURLOPT_DEBUGFUNCTION)
+// before it takes it, and to take nothing of a transfer that is paused by then.
+enum class EasyReuse { kFree, kGuarded, kNever };
+
+// Whether, in the version that runs, an easy handle may make another transfer.
+EasyReuse HowToReuseEasyHandles();
 
 // std::bad_alloc when there is no memory.
 EasyHandle MakeEasyHandle();

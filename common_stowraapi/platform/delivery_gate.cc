@@ -24,9 +24,4 @@ void DeliveryGate::Close() {
   all_left_.wait(lock, [this] { return inside_ == 0; });
 }
 
-bool DeliveryGate::IsClosed() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return closed_;
-}
-
 }  // namespace ovrant::internet

@@ -3,6 +3,7 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_DELIVERY_GATE_H_
 #define COMMON_STOWRAAPI_PLATFORM_DELIVERY_GATE_H_
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -23,12 +24,12 @@ class DeliveryGate {
   // (DeliveryScope) it does not wait. Closing twice is harmless.
   void Close();
 
-  bool IsClosed();
+  bool IsClosed() const { return closed_; }
 
  private:
   std::mutex mutex_;
   std::condition_variable all_left_;
-  bool closed_ = false;
+  std::atomic<bool> closed_{false};  // set under the lock
   int inside_ = 0;
 };
 

@@ -3,12 +3,12 @@
 namespace ovrant {
 namespace {
 
-thread_local int depth = 0;
+thread_local int thread_depth = 0;
 
 }  // namespace
 
-DeliveryScope::DeliveryScope() { ++depth; }
-DeliveryScope::~DeliveryScope() { --depth; }
-bool DeliveryScope::IsInside() { return depth > 0; }
+DeliveryScope::DeliveryScope() : depth_(thread_depth) { ++depth_; }
+DeliveryScope::~DeliveryScope() { --depth_; }
+bool DeliveryScope::IsInside() { return thread_depth > 0; }
 
 }  // namespace ovrant

@@ -17,6 +17,9 @@ class DeliveryScope {
 
   // Whether the calling thread is inside a scope.
   static bool IsInside();
+
+ private:
+  int& depth_;  // the thread's own
 };
 
 }  // namespace ovrant

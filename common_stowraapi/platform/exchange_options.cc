@@ -3,6 +3,7 @@
 #include <curl/curl.h>
 #include <fcntl.h>
 
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -17,6 +18,11 @@ static_assert(kErrorBufferSize >= CURL_ERROR_SIZE);
 namespace {
 
 constexpr char kSchemes[] = "http,https";
+constexpr char kOfferedEncoding[] = "Accept-Encoding: gzip";
+
+// The private pointer of a handle that has the options which are the same for all exchanges.
+constexpr char kPrepared[] = "prepared";
+
 constexpr long kReceiveBufferSize = 64L << 10;
 
 HttpExchange& ExchangeAt(void* exchange) { return *static_cast<HttpExchange*>(exchange); }
@@ -24,6 +30,13 @@ HttpExchange& ExchangeAt(void* exchange) { return *static_cast<HttpExchange*>(ex
 std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* exchange) {
   const std::size_t length = size * count;
   return ExchangeAt(exchange).OnHeaderLine(std::string_view(data, length)) ? length : 0;
+}
+
+int OnDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t length, void* exchange) {
+  if (kind == CURLINFO_HEADER_IN) {
+    ExchangeAt(exchange).OnHeaderLineAhead(std::string_view(data, length));
+  }
+  return 0;
 }
 
 std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* exchange) {
@@ -86,6 +99,20 @@ const char* AppendHeader(const std::string& name, const std::string& value, Head
   return nullptr;
 }
 
+// The header lines of a download for which none is set.
+curl_slist* PlainHeaders() {
+  static const HeaderList* const list = [] {
+    auto made = std::make_unique<HeaderList>();
+    AppendHeaderLine(kOfferedEncoding, *made);
+    return made.release();
+  }();
+  return static_cast<curl_slist*>(list->get());
+}
+
+bool IsPlain(const HttpRequest& request) {
+  return request.headers.empty() && request.user_agent.empty() && !request.is_upload;
+}
+
 const char* MakeHeaderList(const HttpRequest& request, HeaderList& list) {
   bool has_encoding = false;
   bool has_type = false;
@@ -104,61 +131,72 @@ const char* MakeHeaderList(const HttpRequest& request, HeaderList& list) {
     if (const char* why = AppendHeader("User-Agent", request.user_agent, list)) return why;
   }
   // What libcurl would add by itself is taken out by a name without a value.
-  if (!has_encoding) AppendHeaderLine("Accept-Encoding: gzip", list);
+  if (!has_encoding) AppendHeaderLine(kOfferedEncoding, list);
   if (request.is_upload && !has_type) AppendHeaderLine("Content-Type:", list);
   if (request.is_upload && !has_expect) AppendHeaderLine("Expect:", list);
   return nullptr;
 }
 
-void SetSafety(const HttpRequest& request, EasyOptions& options) {
+void SetSafety(EasyOptions& options) {
   options.Set(CURLOPT_PROTOCOLS_STR, kSchemes);
   options.Set(CURLOPT_REDIR_PROTOCOLS_STR, kSchemes);
-  options.Set(CURLOPT_FOLLOWLOCATION, request.redirect_limit > 0 ? 1L : 0L);
-  options.Set(CURLOPT_MAXREDIRS, static_cast<long>(request.redirect_limit));
   options.Set(CURLOPT_HTTP09_ALLOWED, 0L);
   options.Set(CURLOPT_SSL_VERIFYPEER, 1L);
   options.Set(CURLOPT_SSL_VERIFYHOST, 2L);
   options.Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  options.SetUnlessEmpty(CURLOPT_CAINFO, request.ca_file);
 }
 
-void SetConnection(const HttpRequest& request, EasyOptions& options) {
+void SetConnection(EasyOptions& options) {
   options.Set(CURLOPT_NOSIGNAL, 1L);
   // A transfer that is dropped while a name is looked up does not wait for the look-up's thread.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
-  options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(request.inactivity_timeout.count()));
   options.Set(CURLOPT_TCP_KEEPALIVE, 1L);
   options.Set(CURLOPT_BUFFERSIZE, kReceiveBufferSize);
   options.Set(CURLOPT_SOCKOPTFUNCTION, OnSocket);
+}
+
+void SetCallbacks(EasyOptions& options) {
+  options.Set(CURLOPT_HEADERFUNCTION, OnHeader);
+  options.Set(CURLOPT_DEBUGFUNCTION, OnDebug);
+  options.Set(CURLOPT_WRITEFUNCTION, OnBody);
+  options.Set(CURLOPT_PREREQFUNCTION, OnConnected);
+  options.Set(CURLOPT_XFERINFOFUNCTION, OnProgress);
+  options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+  options.Set(CURLOPT_HTTP_CONTENT_DECODING, 0L);
+}
+
+void SetDefaults(const HttpRequest& request, EasyOptions& options) {
+  options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(request.inactivity_timeout.count()));
+  options.Set(CURLOPT_FOLLOWLOCATION, request.redirect_limit > 0 ? 1L : 0L);
+  options.Set(CURLOPT_MAXREDIRS, static_cast<long>(request.redirect_limit));
+  options.SetUnlessEmpty(CURLOPT_CAINFO, request.ca_file);
   options.SetUnlessEmpty(CURLOPT_PROXY, request.proxy);
 }
 
+// GET is what a prepared handle does by itself.
 void SetBody(const HttpRequest& request, EasyOptions& options) {
-  if (!request.is_upload) {
-    options.Set(CURLOPT_HTTPGET, 1L);
-    return;
-  }
+  if (!request.is_upload) return;
   options.Set(CURLOPT_POST, 1L);
   options.Set(CURLOPT_POSTFIELDS, request.body ? request.body->data() : "");
   options.Set(CURLOPT_POSTFIELDSIZE_LARGE,
               static_cast<curl_off_t>(request.body ? request.body->size() : 0));
 }
 
-void SetCallbacks(HttpExchange& exchange, bool wants_upload_progress, EasyOptions& options) {
+void SetClient(HttpExchange& exchange, bool wants_upload_progress, EasyOptions& options) {
   void* const client = &exchange;
-  options.Set(CURLOPT_HEADERFUNCTION, OnHeader);
   options.Set(CURLOPT_HEADERDATA, client);
-  options.Set(CURLOPT_WRITEFUNCTION, OnBody);
+  options.Set(CURLOPT_DEBUGDATA, client);
   options.Set(CURLOPT_WRITEDATA, client);
-  options.Set(CURLOPT_PREREQFUNCTION, OnConnected);
   options.Set(CURLOPT_PREREQDATA, client);
-  options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-  options.Set(CURLOPT_HTTP_CONTENT_DECODING, 0L);
   if (wants_upload_progress) {
-    options.Set(CURLOPT_NOPROGRESS, 0L);
-    options.Set(CURLOPT_XFERINFOFUNCTION, OnProgress);
     options.Set(CURLOPT_XFERINFODATA, client);
+    options.Set(CURLOPT_NOPROGRESS, 0L);
   }
+}
+
+const char* WhyNotSet(const EasyOptions& options) {
+  if (options.result() == CURLE_OUT_OF_MEMORY) throw std::bad_alloc();
+  return options.result() == CURLE_OK ? nullptr : curl_easy_strerror(options.result());
 }
 
 }  // namespace
@@ -169,19 +207,43 @@ const char* SetExchangeOptions(const HttpRequest& request, HttpExchange& exchang
                                HeaderList& headers) {
   const std::string url = request.url.utf8();
   if (!HasScheme(url) || url.find('\0') != std::string::npos) return "not an http or https URL";
-  if (const char* why = MakeHeaderList(request, headers)) return why;
+  curl_slist* lines = nullptr;
+  if (IsPlain(request)) {
+    lines = PlainHeaders();
+  } else {
+    if (const char* why = MakeHeaderList(request, headers)) return why;
+    lines = static_cast<curl_slist*>(headers.get());
+  }
+  if (const char* why = PrepareForExchange(easy)) return why;
 
   EasyOptions options(easy);
   options.Set(CURLOPT_URL, url.c_str());
-  options.Set(CURLOPT_HTTPHEADER, static_cast<curl_slist*>(headers.get()));
+  options.Set(CURLOPT_HTTPHEADER, lines);
   options.Set(CURLOPT_ERRORBUFFER, error_buffer.data());
-  SetSafety(request, options);
-  SetConnection(request, options);
+  SetDefaults(request, options);
   SetBody(request, options);
-  SetCallbacks(exchange, wants_upload_progress && request.is_upload, options);
-  if (options.result() == CURLE_OUT_OF_MEMORY) throw std::bad_alloc();
-  if (options.result() == CURLE_OK) return nullptr;
-  return curl_easy_strerror(options.result());
+  SetClient(exchange, wants_upload_progress && request.is_upload, options);
+  return WhyNotSet(options);
+}
+
+const char* PrepareForExchange(void* easy) {
+  const char* mark = nullptr;
+  curl_easy_getinfo(easy, CURLINFO_PRIVATE, &mark);
+  if (mark == kPrepared) return nullptr;
+  EasyOptions options(easy);
+  SetSafety(options);
+  SetConnection(options);
+  SetCallbacks(options);
+  options.Set(CURLOPT_PRIVATE, kPrepared);
+  return WhyNotSet(options);
+}
+
+bool ReleaseFromExchange(const HttpRequest& request, void* easy) {
+  EasyOptions options(easy);
+  options.Set(CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
+  options.Set(CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
+  return options.result() == CURLE_OK && !request.is_upload && request.ca_file.empty() &&
+         request.proxy.empty();
 }
 
 }  // namespace ovrant::internet

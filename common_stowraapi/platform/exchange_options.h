@@ -16,7 +16,7 @@ class HttpExchange;
 // Bytes that libcurl may write of an error's text.
 inline constexpr std::size_t kErrorBufferSize = 256;
 
-// Sets every option of `easy`, which is fresh or reset: it will make `request`, report to
+// Sets every option of `easy`, which is fresh, reset or prepared: it will make `request`, report to
 // `exchange`, of the upload's progress too where that is wanted, and describe an error in
 // `error_buffer`. `request`, `exchange`, `error_buffer` and what is put into `headers` must outlive
 // the transfer. Null, or why the request cannot be made (a text that is never freed).
@@ -25,6 +25,14 @@ const char* SetExchangeOptions(const HttpRequest& request, HttpExchange& exchang
                                bool wants_upload_progress,
                                std::array<char, kErrorBufferSize>& error_buffer, void* easy,
                                HeaderList& headers);
+
+// Sets those options of `easy`, which is fresh or reset, that are the same for all exchanges, so
+// that SetExchangeOptions finds them done. The result is as there.
+const char* PrepareForExchange(void* easy);
+
+// Undoes what SetExchangeOptions did for `request` on `easy`, whose transfer is over, as far as
+// another SetExchangeOptions would not. False when that takes a reset of the handle.
+bool ReleaseFromExchange(const HttpRequest& request, void* easy);
 
 }  // namespace ovrant::internet
 

@@ -6,7 +6,6 @@ namespace ovrant::internet {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kTokenSymbols = "!#$%&'*+-.^_`|~";
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -18,16 +17,6 @@ bool IsTokenCharacter(char c) {
 }
 
 }  // namespace
-
-std::string_view TrimHeaderText(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && StartsWithIgnoringCase(a, b);
-}
 
 bool StartsWithIgnoringCase(std::string_view text, std::string_view prefix) {
   return text.size() >= prefix.size() &&

@@ -7,14 +7,28 @@
 
 namespace ovrant::internet {
 
-// Without spaces, tabs and line ends on either side.
-std::string_view TrimHeaderText(std::string_view text);
+// A space, a tab or part of a line end.
+inline bool IsHeaderBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
-// Equal but for the case of ASCII letters.
-bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+// Without blanks on either side.
+inline std::string_view TrimHeaderText(std::string_view text) {
+  while (!text.empty() && IsHeaderBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsHeaderBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+// Whether `text` begins with a space or a tab, as a line does that continues the one before.
+inline bool BeginsWithBlank(std::string_view text) {
+  return !text.empty() && (text.front() == ' ' || text.front() == '\t');
+}
 
 // Whether `text` begins with `prefix` but for the case of ASCII letters.
 bool StartsWithIgnoringCase(std::string_view text, std::string_view prefix);
+
+// Equal but for the case of ASCII letters.
+inline bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && StartsWithIgnoringCase(a, b);
+}
 
 // Whether these can stand in a request's header.
 bool IsHeaderName(std::string_view name);

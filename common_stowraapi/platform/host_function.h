@@ -3,6 +3,7 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_HOST_FUNCTION_H_
 #define COMMON_STOWRAAPI_PLATFORM_HOST_FUNCTION_H_
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -53,12 +54,14 @@ class HostFunction {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       current_.swap(next);
+      is_set_ = current_ != nullptr;
     }
     if (next) next->Close();
   }
 
   // Null when none is set.
   std::shared_ptr<Set> Current() const {
+    if (!is_set_) return nullptr;
     const std::lock_guard<std::mutex> lock(mutex_);
     return current_;
   }
@@ -66,6 +69,7 @@ class HostFunction {
  private:
   mutable std::mutex mutex_;
   std::shared_ptr<Set> current_;
+  std::atomic<bool> is_set_{false};
 };
 
 }  // namespace ovrant::internet

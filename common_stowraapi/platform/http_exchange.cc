@@ -24,12 +24,12 @@ constexpr int kLastRedirect = 399;
 
 }  // namespace
 
-HttpExchange::HttpExchange(HttpRequest request, std::shared_ptr<TransferListener> listener)
+HttpExchange::HttpExchange(HttpRequest&& request, std::shared_ptr<TransferListener> listener)
     : request_(std::move(request)), listener_(std::move(listener)) {}
 
 bool HttpExchange::Begin(void* easy) noexcept {
   easy_ = easy;
-  NoteProgress();
+  last_progress_ = Clock::now();
   began_ = true;
   Tell(TransferEvent::Kind::kStarted);
   try {
@@ -39,6 +39,11 @@ bool HttpExchange::Begin(void* easy) noexcept {
     refused_ = kNoMemory;
   }
   return refused_ == nullptr;
+}
+
+bool HttpExchange::Release() noexcept {
+  LookAhead(false);
+  return ReleaseFromExchange(request_, std::exchange(easy_, nullptr)) && reply_.received;
 }
 
 void HttpExchange::End(int curl_code) noexcept {
@@ -85,6 +90,13 @@ bool HttpExchange::OnHeaderLine(std::string_view line) noexcept {
   return refused_ == nullptr;
 }
 
+// libcurl must not take a continuation of nothing (EasyReuse), and does not once it is paused.
+void HttpExchange::OnHeaderLineAhead(std::string_view line) noexcept {
+  if (!BeginsWithBlank(line)) return;
+  Refuse("the response's headers begin with a continuation");
+  curl_easy_pause(easy_, CURLPAUSE_RECV);
+}
+
 bool HttpExchange::OnBody(const void* data, std::size_t length) noexcept {
   try {
     TakeBody(data, length);
@@ -112,12 +124,22 @@ void HttpExchange::OnSent(std::size_t bytes_in_all) noexcept {
 
 void HttpExchange::TakeHeaderLine(std::string_view line) {
   NoteProgress();
-  if (head_.BeginsResponse(line)) {
+  if (const char* why = head_.AddLine(line)) Refuse(why);
+  if (head_.at_beginning()) {
     reply_.body.Clear();
     gzip_.reset();
     encoded_bytes_ = 0;
   }
-  if (const char* why = head_.AddLine(line)) Refuse(why);
+  has_field_ = has_field_ || (has_line_ && !head_.fields().empty());
+  has_line_ = true;
+  LookAhead(!has_field_);
+}
+
+// Wanted between the first status line and the first header field of a transfer.
+void HttpExchange::LookAhead(bool wanted) {
+  if (wanted == looks_ahead_ || HowToReuseEasyHandles() != EasyReuse::kGuarded) return;
+  looks_ahead_ = wanted;
+  curl_easy_setopt(easy_, CURLOPT_VERBOSE, wanted ? 1L : 0L);
 }
 
 void HttpExchange::TakeBody(const void* data, std::size_t length) {
@@ -161,7 +183,7 @@ void HttpExchange::Conclude(bool received, const char* error) noexcept {
   reply_.received = received;
   reply_.status = head_.status();
   if (received) {
-    reply_.headers = std::move(head_.headers());
+    reply_.headers = std::move(head_.fields());
   } else {
     reply_.body.Clear();
   }

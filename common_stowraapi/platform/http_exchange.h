@@ -32,14 +32,18 @@ class HttpExchange {
   using Clock = std::chrono::steady_clock;
 
   // `listener`, if any, is told of the start, progress and end.
-  HttpExchange(HttpRequest request, std::shared_ptr<TransferListener> listener);
+  HttpExchange(HttpRequest&& request, std::shared_ptr<TransferListener> listener);
 
   HttpExchange(const HttpExchange&) = delete;
   HttpExchange& operator=(const HttpExchange&) = delete;
 
-  // Sets every option of `easy`, which is fresh or reset and stays the caller's, and starts the
-  // clock. False when the request cannot be made: End follows.
+  // Sets every option of `easy`, which is fresh, reset or prepared and stays the caller's, and
+  // starts the clock. False when the request cannot be made: End follows.
   bool Begin(void* easy) noexcept;
+
+  // Lets go of the handle, whose transfer is over. False when it has to be reset before another
+  // exchange uses it: after a failure it always is.
+  bool Release() noexcept;
 
   // Ends the exchange with libcurl's result for it, or as dropped, failed or timed out. Only the
   // first counts.
@@ -50,18 +54,25 @@ class HttpExchange {
 
   bool ended() const { return ended_; }
 
+  // Whether a failure is certain, and nothing more is to be waited for.
+  bool is_refused() const { return refused_ != nullptr; }
+
   // REQUIRES: ended().
   HttpReply TakeReply() { return std::move(reply_); }
 
-  // Bytes have moved in either direction.
-  void NoteProgress() { last_progress_ = Clock::now(); }
+  // Bytes have moved in either direction since the last Settle, which says when that was.
+  void NoteProgress() { has_progressed_ = true; }
+  void Settle(Clock::time_point now) {
+    if (has_progressed_) last_progress_ = now;
+    has_progressed_ = false;
+  }
 
   // What the system still holds of the upload: progress when it is less than before.
   void NoteUnsent(std::size_t bytes);
 
   bool is_upload() const { return request_.is_upload && request_.body != nullptr; }
 
-  // When the exchange times out unless there is progress.
+  // When the exchange times out unless there is progress, by what has been settled.
   Clock::time_point deadline() const { return last_progress_ + request_.inactivity_timeout; }
 
   // Whether the whole reply is here though the upload has not ended, so that nothing more is to be
@@ -74,8 +85,12 @@ class HttpExchange {
   bool OnConnected() noexcept;
   void OnSent(std::size_t bytes_in_all) noexcept;
 
+  // A header line that libcurl is about to take. Only told of where it matters.
+  void OnHeaderLineAhead(std::string_view line) noexcept;
+
  private:
   void TakeHeaderLine(std::string_view line);
+  void LookAhead(bool wanted);
   void TakeBody(const void* data, std::size_t length);
   void Decode(const void* data, std::size_t length);
   void Refuse(const char* why);
@@ -91,9 +106,13 @@ class HttpExchange {
   HeaderList header_list_;
   std::array<char, kErrorBufferSize> error_buffer_{};
   Clock::time_point last_progress_;
+  bool has_progressed_ = false;
 
   ResponseHead head_;
   std::optional<GzipDecoder> gzip_;
+  bool looks_ahead_ = false;
+  bool has_line_ = false;
+  bool has_field_ = false;
   std::size_t encoded_bytes_ = 0;
   std::size_t sent_bytes_ = 0;
   std::size_t unsent_bytes_ = 0;

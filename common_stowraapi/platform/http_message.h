@@ -9,6 +9,7 @@
 #include <string>
 
 #include "common_stowraapi/platform/body_buffer.h"
+#include "common_stowraapi/platform/header_fields.h"
 #include "common_stowraapi/platform/ustring.h"
 
 namespace ovrant::internet {
@@ -47,7 +48,7 @@ struct HttpReply {
   // Whether a whole reply came; what else is known of it otherwise is its status.
   bool received = false;
   int status = 0;
-  ovrant::utils::StringMap headers;
+  HeaderFields headers;
   BodyBuffer body;
 };
 

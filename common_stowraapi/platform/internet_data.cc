@@ -2,14 +2,15 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 #include "common_stowraapi/platform/background_transfer.h"
 #include "common_stowraapi/platform/background_worker.h"
+#include "common_stowraapi/platform/body_memory.h"
 #include "common_stowraapi/platform/http_message.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/synchronous_transfers.h"
+#include "common_stowraapi/platform/transfer_record.h"
 #include "common_stowraapi/platform/transfer_settings.h"
 
 namespace ovrant::internet {
@@ -44,7 +45,7 @@ std::chrono::milliseconds ToTimeout(float wanted, float otherwise) {
 
 InternetData::~InternetData() {
   if (transfer_) DropTransfer();
-  std::free(received_data_);
+  BodyMemory::Free(received_data_);
 }
 
 bool InternetData::Download() { return Perform(MakeRequest(url_, false, nullptr)); }
@@ -73,8 +74,16 @@ bool InternetData::SendAndRead(ovrant_ustring url, unsigned char** data, unsigne
   if (data != nullptr) *data = received_data_;
   if (data_length != nullptr) *data_length = received_data_length_;
   if (status != nullptr) *status = status_code_;
-  if (received_headers != nullptr) *received_headers = received_headers_;
+  if (received_headers != nullptr) *received_headers = this->received_headers();
   return received;
+}
+
+const StringMap& InternetData::received_headers() const {
+  if (transfer_ && !transfer_->unread_headers.empty()) {
+    received_headers_ = transfer_->unread_headers.ToMap();
+    transfer_->unread_headers = HeaderFields();
+  }
+  return received_headers_;
 }
 
 void InternetData::SetDefaults(const TransferDefaults& defaults) {
@@ -103,9 +112,9 @@ HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
   request.inactivity_timeout = ToTimeout(defaults->inactivity_timeout, inactivity_timeout_);
   if (defaults->body_cap > 0) request.body_cap = defaults->body_cap;
   if (redirect_limit_ >= 0) request.redirect_limit = redirect_limit_;
-  request.ca_file = defaults->ca_file.utf8();
-  request.proxy = defaults->proxy.utf8();
-  request.user_agent = defaults->user_agent.utf8();
+  if (!defaults->ca_file.empty()) request.ca_file = defaults->ca_file.utf8();
+  if (!defaults->proxy.empty()) request.proxy = defaults->proxy.utf8();
+  if (!defaults->user_agent.empty()) request.user_agent = defaults->user_agent.utf8();
   return request;
 }
 
@@ -133,17 +142,20 @@ void InternetData::Reset() {
 }
 
 void InternetData::DropTransfer() {
-  transfer_->Abandon();
-  BackgroundWorker::NoteAbandoned();
+  if (transfer_->Abandon()) BackgroundWorker::NoteAbandoned();
   transfer_.reset();
 }
 
 void InternetData::Publish(HttpReply reply) {
-  std::free(received_data_);
+  BodyMemory::Free(received_data_);
   received_data_length_ = reply.body.size();
   received_data_ = reply.body.Release();
   status_code_ = reply.status;
-  received_headers_ = std::move(reply.headers);
+  received_headers_.clear();
+  if (!reply.headers.empty()) {
+    if (!transfer_) transfer_ = std::make_shared<TransferRecord>();
+    transfer_->unread_headers = std::move(reply.headers);
+  }
   responded_ = reply.received;
 }
 

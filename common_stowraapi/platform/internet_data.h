@@ -13,9 +13,9 @@
 
 namespace ovrant::internet {
 
-class BackgroundTransfer;
 class InternetDataDelegate;
 class RequestBody;
+class TransferRecord;
 struct HttpReply;
 struct HttpRequest;
 
@@ -91,8 +91,8 @@ class STOWRA_EXPORT InternetData {
   unsigned long received_data_length() const { return received_data_length_; }
 
   // The last response's headers, names as the server spelt them; the values of a repeated one are
-  // joined by ", ".
-  const ovrant::utils::StringMap& received_headers() const { return received_headers_; }
+  // joined by ", ". Made when they are first asked for.
+  const ovrant::utils::StringMap& received_headers() const;
 
   // What holds for all transfers of the process that start from now on. Safe from any thread.
   static void SetDefaults(const TransferDefaults& defaults);
@@ -128,14 +128,14 @@ class STOWRA_EXPORT InternetData {
   float inactivity_timeout_ = 30.0F;  // seconds, where the defaults set none
   int redirect_limit_ = -1;           // -1: the library's; 0: redirects are responses
   ovrant::utils::ovrant_ustring reserved_texts_[4];
-  unsigned char* received_data_ = nullptr;  // from malloc
+  unsigned char* received_data_ = nullptr;  // owned
   unsigned long received_data_length_ = 0;
   ovrant::utils::StringMap send_headers_;
   int status_code_ = 0;
   bool responded_ = false;
-  ovrant::utils::StringMap received_headers_;
+  mutable ovrant::utils::StringMap received_headers_;  // without those in transfer_
   std::shared_ptr<const RequestBody> send_data_;
-  std::shared_ptr<BackgroundTransfer> transfer_;
+  std::shared_ptr<TransferRecord> transfer_;
   [[maybe_unused]] bool reserved_flags_[2] = {false, true};
 };
 

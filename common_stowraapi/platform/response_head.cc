@@ -7,8 +7,6 @@
 
 namespace ovrant::internet {
 
-using ovrant::utils::ovrant_ustring;
-
 namespace {
 
 constexpr std::string_view kStatusLineStart = "HTTP/";
@@ -26,13 +24,6 @@ int ReadStatus(std::string_view line) {
   return status;
 }
 
-ovrant_ustring ToText(std::string_view bytes) { return ovrant_ustring(bytes.data(), bytes.size()); }
-
-void AppendText(std::string_view separator, std::string_view text, ovrant_ustring& value) {
-  if (!value.empty()) value += ToText(separator);
-  value += ToText(text);
-}
-
 }  // namespace
 
 bool ResponseHead::BeginsResponse(std::string_view line) const {
@@ -41,36 +32,26 @@ bool ResponseHead::BeginsResponse(std::string_view line) const {
 }
 
 const char* ResponseHead::AddLine(std::string_view line) {
-  if (BeginsResponse(line)) {
+  const bool begins_response = BeginsResponse(line);
+  if (begins_response) {
     *this = ResponseHead();
-    last_ = headers_.end();
     status_ = ReadStatus(line);
   }
+  at_beginning_ = begins_response;
   bytes_ += line.size();
   if (bytes_ > kMaxBytes) return "the response's headers are too long";
-
-  const std::string_view text = TrimHeaderText(line);
-  if (complete_) return nullptr;  // a trailer after the body
-  if (text.empty()) {
+  if (begins_response || complete_) return nullptr;  // complete: a trailer after the body
+  if (std::all_of(line.begin(), line.end(), IsHeaderBlank)) {
     complete_ = status_ >= kFirstFinalStatus;
     return nullptr;
   }
-  if (line.front() == ' ' || line.front() == '\t') {
-    if (last_ != headers_.end()) AppendText(" ", text, last_->second);
-    return nullptr;
-  }
-  const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos) return nullptr;
-  return AddHeader(TrimHeaderText(text.substr(0, colon)), TrimHeaderText(text.substr(colon + 1)));
+  fields_.AddLine(line);
+  const std::size_t colon = line.find(':');
+  if (colon == std::string_view::npos || BeginsWithBlank(line)) return nullptr;
+  return TakeMeaning(TrimHeaderText(line.substr(0, colon)), line.substr(colon + 1));
 }
 
 bool ResponseHead::HasNoBody() const { return status_ == kNoContent || status_ == kNotModified; }
-
-const char* ResponseHead::AddHeader(std::string_view name, std::string_view value) {
-  last_ = headers_.try_emplace(ToText(name)).first;
-  AppendText(", ", value, last_->second);
-  return TakeMeaning(name, value);
-}
 
 // A list of one number repeated is that number (RFC 9110, 8.6).
 const char* ResponseHead::AddLengths(std::string_view list) {
@@ -91,18 +72,20 @@ const char* ResponseHead::AddLengths(std::string_view list) {
   return nullptr;
 }
 
-const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view value) {
+const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view untrimmed) {
   if (EqualsIgnoringCase(name, "Content-Encoding")) {
+    const std::string_view value = TrimHeaderText(untrimmed);
     if (value.empty() || EqualsIgnoringCase(value, "identity")) return nullptr;
     const bool known = EqualsIgnoringCase(value, "gzip") || EqualsIgnoringCase(value, "x-gzip");
     if (!known || is_gzip_) return "the response has a content encoding that was not offered";
     is_gzip_ = true;
   } else if (EqualsIgnoringCase(name, "Transfer-Encoding")) {
+    const std::string_view value = TrimHeaderText(untrimmed);
     if (!EqualsIgnoringCase(value, "chunked") && !EqualsIgnoringCase(value, "identity")) {
       return "the response has a transfer encoding that was not offered";
     }
   } else if (EqualsIgnoringCase(name, "Content-Length")) {
-    return AddLengths(value);
+    return AddLengths(untrimmed);
   }
   return nullptr;
 }

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "common_stowraapi/platform/ustring.h"
+#include "common_stowraapi/platform/header_fields.h"
 
 namespace ovrant::internet {
 
@@ -18,12 +18,12 @@ class ResponseHead {
   // Bytes of header lines beyond which one response is refused.
   static constexpr std::size_t kMaxBytes = std::size_t{256} << 10;
 
-  // Whether `line` begins another response.
-  bool BeginsResponse(std::string_view line) const;
-
   // Takes the next line, with its line end. Null, or why the response must be refused (a text that
   // is never freed).
   const char* AddLine(std::string_view line);
+
+  // Whether the last line began a response.
+  bool at_beginning() const { return at_beginning_; }
 
   // Whether the empty line after a final response's headers has come.
   bool complete() const { return complete_; }
@@ -37,22 +37,20 @@ class ResponseHead {
   // Whether the response has no body whatever its headers say.
   bool HasNoBody() const;
 
-  // Names as they were spelt; the values of a repeated one joined by ", ".
-  ovrant::utils::StringMap& headers() { return headers_; }
+  HeaderFields& fields() { return fields_; }
 
  private:
-  const char* AddHeader(std::string_view name, std::string_view value);
-  const char* TakeMeaning(std::string_view name, std::string_view value);
+  bool BeginsResponse(std::string_view line) const;
+  const char* TakeMeaning(std::string_view name, std::string_view untrimmed);
   const char* AddLengths(std::string_view list);
 
+  bool at_beginning_ = false;
   std::size_t bytes_ = 0;
   int status_ = 0;
   bool complete_ = false;
   bool is_gzip_ = false;
   std::optional<std::size_t> content_length_;
-  ovrant::utils::StringMap headers_;
-  // The header that a folded line continues.
-  ovrant::utils::StringMap::iterator last_ = headers_.end();
+  HeaderFields fields_;
 };
 
 }  // namespace ovrant::internet

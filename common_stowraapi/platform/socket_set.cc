@@ -57,12 +57,15 @@ const pollfd* SocketSet::FindOwned(const void* owner) const {
 
 const std::vector<SocketSet::Ready>& SocketSet::Wait(int milliseconds) {
   ready_.clear();
+  is_woken_ = false;
   // An interrupted wait is one in which nothing was ready.
   int left = poll(polls_.data(), static_cast<nfds_t>(polls_.size()), milliseconds);
   for (std::size_t i = 0; i < polls_.size() && left > 0; ++i) {
     if (polls_[i].revents == 0) continue;
     --left;
-    if (i > 0 || !has_wake_socket_) {
+    if (i == 0 && has_wake_socket_) {
+      is_woken_ = true;
+    } else {
       ready_.push_back({polls_[i].fd, polls_[i].revents, owners_[i]});
     }
   }

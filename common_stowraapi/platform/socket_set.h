@@ -19,7 +19,7 @@ class SocketSet {
     void* owner;
   };
 
-  // `wake_socket`, if not -1, always belongs to the set, and is never reported.
+  // `wake_socket`, if not -1, always belongs to the set, and is not among the ready ones.
   explicit SocketSet(int wake_socket);
 
   // Room for `count` sockets in all, so that Watch does not fail. std::bad_alloc changes nothing.
@@ -37,10 +37,14 @@ class SocketSet {
   // the next call.
   const std::vector<Ready>& Wait(int milliseconds);
 
+  // Whether the last wait found the wake socket readable.
+  bool is_woken() const { return is_woken_; }
+
  private:
   std::size_t IndexOf(int socket) const;
 
   const bool has_wake_socket_;
+  bool is_woken_ = false;
   std::vector<pollfd> polls_;
   std::vector<void*> owners_;  // of polls_[i]
   std::vector<Ready> ready_;

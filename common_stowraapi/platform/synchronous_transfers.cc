@@ -52,7 +52,7 @@ class LoopPool {
 
 }  // namespace
 
-HttpReply PerformSynchronously(HttpRequest request) {
+HttpReply PerformSynchronously(HttpRequest&& request) {
   try {
     std::unique_ptr<TransferLoop> loop = LoopPool::Instance().Take();
     HttpExchange exchange(std::move(request), TransferSettings::Instance().listener().Current());

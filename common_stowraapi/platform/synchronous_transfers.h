@@ -9,7 +9,7 @@ namespace ovrant::internet {
 
 // Makes the request and waits for its end. Connections are kept for the next request of any thread,
 // and no two threads use one at the same time. Want of memory is a reply that was not received.
-HttpReply PerformSynchronously(HttpRequest request);
+HttpReply PerformSynchronously(HttpRequest&& request);
 
 }  // namespace ovrant::internet
 

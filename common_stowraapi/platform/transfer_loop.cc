@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "common_stowraapi/platform/socket_set.h"
+#include "common_stowraapi/platform/wake_pipe.h"
 
 namespace ovrant::internet {
 
@@ -16,6 +17,11 @@ namespace {
 // While it connects, one transfer may have a socket for each address family and one for the name
 // look-up.
 constexpr std::size_t kSocketsPerTransfer = 4;
+
+// Used handles that wait for a time to be cleared away.
+constexpr std::size_t kMostUsed = 16;
+
+constexpr auto kAtOnce = TransferLoop::Clock::time_point::min();
 
 // How often the system is asked what it has sent of an upload, which no event tells.
 constexpr std::chrono::milliseconds kUploadSample(100);
@@ -35,6 +41,8 @@ int OnTimerChange(CURLM* /*multi*/, long milliseconds, void* timer) {
   auto& time = *static_cast<std::optional<TransferLoop::Clock::time_point>*>(timer);
   if (milliseconds < 0) {
     time.reset();
+  } else if (milliseconds == 0) {
+    time = kAtOnce;
   } else {
     time = TransferLoop::Clock::now() + std::chrono::milliseconds(milliseconds);
   }
@@ -51,7 +59,8 @@ int ToCurlEvents(short events) {
 
 }  // namespace
 
-TransferLoop::TransferLoop(int wake_socket) : sockets_(std::make_unique<SocketSet>(wake_socket)) {
+TransferLoop::TransferLoop(WakePipe* wake)
+    : wake_(wake), sockets_(std::make_unique<SocketSet>(wake != nullptr ? wake->socket() : -1)) {
   EnsureCurl();
   multi_ = MakeMultiHandle();
   curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, OnSocketChange);
@@ -69,7 +78,7 @@ void TransferLoop::Start(HttpExchange& exchange) {
   EasyHandle easy = TakeEasy();
   if (!exchange.Begin(easy.get())) {
     exchange.End(CURLE_FAILED_INIT);
-    Recycle(std::move(easy));
+    used_.push_back(std::move(easy));
     ended_.insert(ended_.begin(), &exchange);
     return;
   }
@@ -93,12 +102,14 @@ void TransferLoop::Drop(HttpExchange& exchange) {
   exchange.EndDropped();
 }
 
-void TransferLoop::Turn() {
-  HandleSockets();
-  HandleTimer();
-  TakeResults();
-  NoteWhatUploadsSent();
-  EndOverdue();
+// What is due goes first: a transfer that has been started begins at once.
+bool TransferLoop::Turn(std::chrono::milliseconds longest) {
+  const bool was_due = HandleTimer();
+  const Clock::time_point now = Clock::now();
+  if (was_due) Conclude(now);
+  const bool something_came = HandleSockets(MillisecondsToWait(now, longest));
+  Conclude(Clock::now());
+  return something_came || !ended_.empty();
 }
 
 HttpExchange* TransferLoop::NextEnded() {
@@ -113,30 +124,50 @@ void TransferLoop::MakeRoom() {
   const std::size_t count = size() + 1;
   slots_.reserve(count);
   ended_.reserve(count);
-  idle_.reserve(count + idle_.size());
-  sockets_->Reserve((count + idle_.size()) * kSocketsPerTransfer);
+  ready_.reserve(count + ready_.size() + used_.size());
+  used_.reserve(count + used_.size());
+  sockets_->Reserve((count + ready_.size() + used_.size()) * kSocketsPerTransfer);
 }
 
 EasyHandle TransferLoop::TakeEasy() {
-  if (idle_.empty()) return MakeEasyHandle();
-  EasyHandle easy = std::move(idle_.back());
-  idle_.pop_back();
+  if (used_.size() >= kMostUsed) PrepareEasy();
+  if (ready_.empty()) return MakeEasyHandle();
+  EasyHandle easy = std::move(ready_.back());
+  ready_.pop_back();
   return easy;
 }
 
+// Done while there is nothing but the network to wait for. A handle that cannot be prepared again,
+// because its transfer left something behind, is given up.
+void TransferLoop::PrepareEasy() noexcept {
+  if (HowToReuseEasyHandles() == EasyReuse::kNever) used_.clear();
+  for (; !used_.empty(); used_.pop_back()) {
+    curl_easy_reset(used_.back().get());
+    KeepIfPrepared(std::move(used_.back()));
+  }
+  try {
+    if (ready_.empty()) KeepIfPrepared(MakeEasyHandle());
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the next exchange will see
+  }
+}
+
+void TransferLoop::KeepIfPrepared(EasyHandle easy) noexcept {
+  try {
+    if (PrepareForExchange(easy.get()) == nullptr) ready_.push_back(std::move(easy));
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the next exchange will see
+  }
+}
+
 void TransferLoop::Detach(std::size_t index) {
+  HttpExchange& exchange = *slots_[index].exchange;
   EasyHandle easy = std::move(slots_[index].easy);
   if (index + 1 != slots_.size()) slots_[index] = std::move(slots_.back());
   slots_.pop_back();
   curl_multi_remove_handle(multi_.get(), easy.get());
   sockets_->ForgetOwner(easy.get());
-  Recycle(std::move(easy));
-}
-
-void TransferLoop::Recycle(EasyHandle easy) {
-  if (!MayReuseEasyHandles()) return;
-  curl_easy_reset(easy.get());
-  idle_.push_back(std::move(easy));
+  const bool is_prepared = exchange.Release();
+  const bool may_reuse = HowToReuseEasyHandles() != EasyReuse::kNever;
+  (is_prepared && may_reuse ? ready_ : used_).push_back(std::move(easy));
 }
 
 // The exchange has ended, or ends with its handle.
@@ -156,31 +187,47 @@ HttpExchange* TransferLoop::ExchangeOf(const void* easy) const {
   return index < slots_.size() ? slots_[index].exchange : nullptr;
 }
 
-int TransferLoop::MillisecondsToWait() const {
+int TransferLoop::MillisecondsToWait(Clock::time_point now,
+                                     std::chrono::milliseconds longest) const {
   if (!ended_.empty()) return 0;
   Clock::time_point until = timer_.value_or(Clock::time_point::max());
+  if (until == kAtOnce) return 0;
   for (const Slot& slot : slots_) {
     until = std::min(until, slot.exchange->deadline());
-    if (slot.exchange->is_upload()) until = std::min(until, Clock::now() + kUploadSample);
+    if (slot.exchange->is_upload()) until = std::min(until, now + kUploadSample);
   }
+  if (longest != kForever) until = std::min(until, now + longest);
   if (until == Clock::time_point::max()) return -1;
-  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
   return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, std::numeric_limits<int>::max()));
 }
 
-void TransferLoop::HandleSockets() {
+// False when no socket was ready.
+bool TransferLoop::HandleSockets(int milliseconds) {
+  if (milliseconds != 0) PrepareEasy();
   int running = 0;
-  for (const SocketSet::Ready& ready : sockets_->Wait(MillisecondsToWait())) {
+  const std::vector<SocketSet::Ready>& all_ready = sockets_->Wait(milliseconds);
+  for (const SocketSet::Ready& ready : all_ready) {
     if (HttpExchange* exchange = ExchangeOf(ready.owner)) exchange->NoteProgress();
     curl_multi_socket_action(multi_.get(), ready.socket, ToCurlEvents(ready.events), &running);
   }
+  if (sockets_->is_woken()) wake_->Drain();
+  return !all_ready.empty() || sockets_->is_woken();
 }
 
-void TransferLoop::HandleTimer() {
-  if (!timer_ || *timer_ > Clock::now()) return;
+// False when nothing was due.
+bool TransferLoop::HandleTimer() {
+  if (!timer_ || (*timer_ != kAtOnce && *timer_ > Clock::now())) return false;
   timer_.reset();
   int running = 0;
   curl_multi_socket_action(multi_.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+  return true;
+}
+
+void TransferLoop::Conclude(Clock::time_point now) {
+  TakeResults();
+  NoteWhatUploadsSent();
+  EndOverdue(now);
 }
 
 void TransferLoop::TakeResults() {
@@ -193,12 +240,12 @@ void TransferLoop::TakeResults() {
   }
 }
 
-void TransferLoop::EndOverdue() {
-  const Clock::time_point now = Clock::now();
+void TransferLoop::EndOverdue(Clock::time_point now) {
   // Backwards: Finish puts the last slot in the place of the one that it takes out.
   for (std::size_t i = slots_.size(); i > 0; --i) {
     HttpExchange& exchange = *slots_[i - 1].exchange;
-    if (IsAnsweredEarly(slots_[i - 1])) {
+    exchange.Settle(now);
+    if (exchange.is_refused() || IsAnsweredEarly(slots_[i - 1])) {
       exchange.End(CURLE_OK);
     } else if (exchange.deadline() <= now) {
       exchange.EndTimedOut();

@@ -15,6 +15,7 @@
 namespace ovrant::internet {
 
 class SocketSet;
+class WakePipe;
 
 // One libcurl multi handle with its connections, and the wait for them. The sockets are watched
 // here rather than by libcurl, because only that tells progress from silence while a single header
@@ -23,8 +24,8 @@ class TransferLoop {
  public:
   using Clock = HttpExchange::Clock;
 
-  // `wake_socket`, if not -1, is readable when Turn is to return.
-  explicit TransferLoop(int wake_socket = -1);
+  // A Wake of `wake`, if there is one, ends a Turn. It must outlive the loop.
+  explicit TransferLoop(WakePipe* wake = nullptr);
   ~TransferLoop();
 
   TransferLoop(const TransferLoop&) = delete;
@@ -37,8 +38,11 @@ class TransferLoop {
   // Ends an exchange that has been started and not been given. Does not wait for the network.
   void Drop(HttpExchange& exchange);
 
-  // Waits until something happens to an exchange, or the wake socket is readable, and handles it.
-  void Turn();
+  // Waits until something happens to an exchange and handles it, or until a Wake, or for `longest`.
+  // False when nothing has come but the time.
+  bool Turn(std::chrono::milliseconds longest = kForever);
+
+  static constexpr std::chrono::milliseconds kForever = std::chrono::milliseconds::max();
 
   // The next exchange that has ended; null when there is none.
   HttpExchange* NextEnded();
@@ -55,24 +59,29 @@ class TransferLoop {
 
   void MakeRoom();
   EasyHandle TakeEasy();
+  void PrepareEasy() noexcept;
+  void KeepIfPrepared(EasyHandle easy) noexcept;
   void Detach(std::size_t index);
-  void Recycle(EasyHandle easy);
   void Finish(std::size_t index);
   std::size_t IndexOf(const void* easy) const;
   HttpExchange* ExchangeOf(const void* easy) const;
-  int MillisecondsToWait() const;
-  void HandleSockets();
-  void HandleTimer();
+  int MillisecondsToWait(Clock::time_point now, std::chrono::milliseconds longest) const;
+  bool HandleSockets(int milliseconds);
+  bool HandleTimer();
+  void Conclude(Clock::time_point now);
   void TakeResults();
-  void EndOverdue();
+  void EndOverdue(Clock::time_point now);
   bool IsAnsweredEarly(const Slot& slot) const;
   void NoteWhatUploadsSent();
+
+  WakePipe* const wake_;
 
   // libcurl reports to these while its handle is destroyed, too.
   std::unique_ptr<SocketSet> sockets_;
   std::optional<Clock::time_point> timer_;
 
-  std::vector<EasyHandle> idle_;
+  std::vector<EasyHandle> ready_;  // for the exchanges to come
+  std::vector<EasyHandle> used_;   // by exchanges that have ended
   MultiHandle multi_;
   std::vector<Slot> slots_;
   std::vector<HttpExchange*> ended_;  // the next one is last

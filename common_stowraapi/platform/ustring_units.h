@@ -13,8 +13,8 @@ struct UstringUnits {
   // Valid until the string is next changed.
   static std::u16string_view Of(const ovrant_ustring& text) { return text.units_; }
 
-  // Replaces the content, in the memory that the string has if that is enough. `units` may be a part
-  // of it.
+  // Replaces the content, in the memory that the string has if that is enough. `units` may be a
+  // part of it.
   static void Set(std::u16string_view units, ovrant_ustring& text) { text.units_ = units; }
 };
 

@@ -21,15 +21,17 @@ WakePipe::~WakePipe() {
 }
 
 void WakePipe::Wake() {
+  if (woken_.exchange(true)) return;
   const char byte = 0;
-  // A full pipe wakes as well as one byte more would.
+  // There is room: no more than one byte is on its way.
   static_cast<void>(write(ends_[1], &byte, 1) == 1);
 }
 
 void WakePipe::Drain() {
-  std::array<char, 64> bytes;
-  while (read(ends_[0], bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size())) {
-  }
+  char byte = 0;
+  // The byte goes first: a Wake between the two calls is one that the caller has yet to look for.
+  static_cast<void>(read(ends_[0], &byte, 1) == 1);
+  woken_.exchange(false);
 }
 
 }  // namespace ovrant::internet

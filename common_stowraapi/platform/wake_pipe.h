@@ -4,10 +4,11 @@
 #define COMMON_STOWRAAPI_PLATFORM_WAKE_PIPE_H_
 
 #include <array>
+#include <atomic>
 
 namespace ovrant::internet {
 
-// A pipe to itself. Any number of Wakes before a Drain count as one.
+// A pipe to itself. Any number of Wakes before a Drain count as one, and make one system call.
 class WakePipe {
  public:
   // std::system_error when the process has no descriptors left.
@@ -22,10 +23,13 @@ class WakePipe {
 
   // Any thread.
   void Wake();
+
+  // Once the socket is readable. Whoever looks after it for what a Wake was about, finds it.
   void Drain();
 
  private:
   std::array<int, 2> ends_;
+  std::atomic<bool> woken_{false};
 };
 
 }  // namespace ovrant::internet

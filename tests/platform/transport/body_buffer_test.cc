@@ -4,9 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <string>
 #include <utility>
@@ -22,6 +20,7 @@ namespace stowra_test {
 namespace {
 
 using ovrant::internet::BodyBuffer;
+using ovrant::internet::BodyBytes;
 
 std::string TextOf(const BodyBuffer& buffer) {
   return std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size());
@@ -69,7 +68,7 @@ TEST(BodyBuffer, ReserveKeepsTheBytesAndMakesGrowthStay) {
 TEST(BodyBuffer, ReleaseHandsTheBytesOver) {
   BodyBuffer buffer;
   buffer.Append("hello", 5);
-  const std::unique_ptr<unsigned char, void (*)(void*)> bytes(buffer.Release(), std::free);
+  const BodyBytes bytes(buffer.Release());
   ASSERT_NE(bytes, nullptr);
   EXPECT_EQ(std::memcmp(bytes.get(), "hello", 5), 0);
   EXPECT_EQ(buffer.size(), 0U);

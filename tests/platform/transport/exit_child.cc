@@ -194,8 +194,8 @@ int ReturnWhileAnObserverHangs() {
 
 int ReturnDuringABlockingDownload() {
   StartHeld();
-  std::thread([] {
-    InternetData transport((url + "blocking").c_str());
+  std::thread([blocking = url + "blocking"] {
+    InternetData transport(blocking.c_str());
     transport.Download();
   }).detach();
   WaitForWord();

@@ -292,6 +292,30 @@ TEST_F(ListenerTest, MayDeleteTheTransportAndItsDelegate) {
   EXPECT_TRUE(background.recorder.entries().empty());
 }
 
+TEST_F(ListenerTest, MayStartATransferWhileNothingElseHappens) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target == "/stall") {
+      connection.Stall();
+    } else {
+      connection.Write(Response(200, "hello"));
+    }
+  });
+  {
+    Background before(server.Url());
+    ASSERT_TRUE(before.Start());
+    EXPECT_EQ(before.WaitForEnd(), kReturned);
+  }
+  Background stalled(server.Url("/stall"));
+  Background started(server.Url());
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    if (event.kind != Kind::kStarted || event.url != Text(server.Url("/stall"))) return;
+    started.transport->DownloadWithDelegate(started.delegate.get(), nullptr);
+  });
+  ASSERT_TRUE(stalled.Start());
+  EXPECT_EQ(started.WaitForEnd(), kReturned);
+  EXPECT_EQ(BodyOf(*started.transport), "hello");
+}
+
 TEST_F(ListenerTest, HearsOfTransfersOnSeveralThreads) {
   const RawServer server(Always(Response(200, "hello")));
   std::vector<std::thread> threads;

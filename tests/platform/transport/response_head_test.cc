@@ -25,8 +25,9 @@ class ResponseHeadTest : public ::testing::Test {
   }
 
   std::string Header(const char* name) {
-    const auto found = head_.headers().find(name);
-    return found == head_.headers().end() ? "(none)" : found->second.utf8();
+    const auto headers = head_.fields().ToMap();
+    const auto found = headers.find(name);
+    return found == headers.end() ? "(none)" : found->second.utf8();
   }
 
   ResponseHead head_;
@@ -37,7 +38,7 @@ TEST_F(ResponseHeadTest, IsEmptyAtFirst) {
   EXPECT_FALSE(head_.complete());
   EXPECT_FALSE(head_.is_gzip());
   EXPECT_EQ(head_.content_length(), std::nullopt);
-  EXPECT_TRUE(head_.headers().empty());
+  EXPECT_TRUE(head_.fields().empty());
 }
 
 TEST_F(ResponseHeadTest, IsCompleteAfterTheEmptyLine) {
@@ -61,11 +62,13 @@ TEST_F(ResponseHeadTest, ReadsTheStatusOfEveryVersion) {
 TEST_F(ResponseHeadTest, InterimResponseIsNotComplete) {
   EXPECT_EQ(Add({"HTTP/1.1 100 Continue", "X-Interim: 1", ""}), "");
   EXPECT_FALSE(head_.complete());
-  EXPECT_TRUE(head_.BeginsResponse("HTTP/1.1 200 OK\r\n"));
-  EXPECT_EQ(Add({"HTTP/1.1 200 OK", ""}), "");
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK"}), "");
+  EXPECT_TRUE(head_.at_beginning());
+  EXPECT_EQ(Add({""}), "");
+  EXPECT_FALSE(head_.at_beginning());
   EXPECT_TRUE(head_.complete());
   EXPECT_EQ(head_.status(), 200);
-  EXPECT_TRUE(head_.headers().empty());
+  EXPECT_TRUE(head_.fields().empty());
 }
 
 TEST_F(ResponseHeadTest, NextResponseStartsAfresh) {
@@ -80,8 +83,8 @@ TEST_F(ResponseHeadTest, NextResponseStartsAfresh) {
 
 TEST_F(ResponseHeadTest, StatusLineInsideTheHeadersIsNoNewResponse) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-One: 1"}), "");
-  EXPECT_FALSE(head_.BeginsResponse("HTTP/1.1 404 Not Found\r\n"));
   EXPECT_EQ(Add({"HTTP/1.1 404 Not Found"}), "");
+  EXPECT_FALSE(head_.at_beginning());
   EXPECT_EQ(head_.status(), 200);
   EXPECT_EQ(Header("X-One"), "1");
 }
@@ -91,7 +94,7 @@ TEST_F(ResponseHeadTest, TrailersChangeNothing) {
       Add({"HTTP/1.1 200 OK", "", "X-Trailer: 1", "Content-Length: 9", "Content-Encoding: br", ""}),
       "");
   EXPECT_TRUE(head_.complete());
-  EXPECT_TRUE(head_.headers().empty());
+  EXPECT_TRUE(head_.fields().empty());
   EXPECT_EQ(head_.content_length(), std::nullopt);
 }
 
@@ -113,12 +116,12 @@ TEST_F(ResponseHeadTest, UnfoldsLines) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", " stray", "X-A: one", " two", "\tthree", "X-B: 1"}), "");
   EXPECT_EQ(Header("X-A"), "one two three");
   EXPECT_EQ(Header("X-B"), "1");
-  EXPECT_EQ(head_.headers().size(), 2U);
+  EXPECT_EQ(head_.fields().ToMap().size(), 2U);
 }
 
 TEST_F(ResponseHeadTest, LinesWithoutAColonAreIgnored) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "garbage", "X-A: 1"}), "");
-  EXPECT_EQ(head_.headers().size(), 1U);
+  EXPECT_EQ(head_.fields().ToMap().size(), 1U);
 }
 
 TEST_F(ResponseHeadTest, KnowsGzip) {
@@ -203,7 +206,7 @@ TEST_F(ResponseHeadTest, MovesWithItsFoldedHeader) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-A: one"}), "");
   ResponseHead moved(std::move(head_));
   EXPECT_EQ(moved.AddLine(" two\r\n"), nullptr);
-  EXPECT_EQ(moved.headers().at("X-A"), ovrant::utils::ovrant_ustring("one two"));
+  EXPECT_EQ(moved.fields().ToMap().at("X-A"), ovrant::utils::ovrant_ustring("one two"));
 }
 
 }  // namespace
