@@ -10,8 +10,8 @@ docs=$2
 here=$(cd "$(dirname "$0")" && pwd)
 results="$build/results"
 
-# Enough for a median that stands, in about ten minutes for all.
-rounds=7
+# Enough for a median that stands, in about six minutes for all.
+rounds=5
 seconds_each=0.1
 
 processor() {
