@@ -2,7 +2,7 @@
 
 #include <sys/mman.h>
 
-#include <cstdint>
+#include <memory>
 
 namespace ovrant::utils {
 
@@ -15,12 +15,10 @@ constexpr std::size_t kLargePage = std::size_t{2} << 20;
 }  // namespace
 
 void PreferLargePages(void* block, std::size_t size) {
-  // A block has whole large pages inside, wherever it begins, from twice their size on.
-  if (size < 2 * kLargePage) return;
-  const auto begin = reinterpret_cast<std::uintptr_t>(block);
-  const std::uintptr_t first = (begin + kLargePage - 1) / kLargePage * kLargePage;
-  const std::uintptr_t end = (begin + size) / kLargePage * kLargePage;
-  madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+  // Whole large pages, which begin and end where such pages do.
+  void* first = block;
+  if (std::align(kLargePage, kLargePage, first, size) == nullptr) return;
+  madvise(first, size / kLargePage * kLargePage, MADV_HUGEPAGE);
 }
 
 #else
