@@ -1,10 +1,13 @@
 #include "common_stowraapi/request/web_service_request_base.h"
 
 #include <cstring>
+#include <optional>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/succeeds.h"
+#include "common_stowraapi/request/delivery_check.h"
 
 namespace ovrant::webservices {
 
@@ -17,17 +20,16 @@ namespace {
 constexpr int kHttpOk = 200;
 
 bool ParseBody(WebServiceRequestBase& request, const InternetData& transport) {
-  return request.ParseResponse(ovrant_ustring(
-      reinterpret_cast<const char*>(transport.received_data()), transport.received_data_length()));
+  return Succeeds([&] {
+    return request.ParseResponse(
+        ovrant_ustring(reinterpret_cast<const char*>(transport.received_data()),
+                       transport.received_data_length()));
+  });
 }
 
-// The success hook still sees the transport; it is gone when this returns.
-bool DownloadAndParse(WebServiceRequestBase& request, const ovrant_ustring& url) {
-  InternetData transport(url);
-  if (!transport.Download() || transport.status_code() != kHttpOk) return false;
-  if (!ParseBody(request, transport)) return false;
-  request.OnSyncResponseSuccess();
-  return true;
+bool Download(const ovrant_ustring& url, std::optional<InternetData>& transport) {
+  return Succeeds(
+      [&] { return transport.emplace(url).Download() && transport->status_code() == kHttpOk; });
 }
 
 }  // namespace
@@ -37,12 +39,14 @@ bool DownloadAndParse(WebServiceRequestBase& request, const ovrant_ustring& url)
 WebServiceRequestBase::WebServiceRequestBase() = default;
 
 WebServiceRequestBase::~WebServiceRequestBase() {
+  DeliveryCheck::ExpectOutside(this, "a web service request was destroyed");
   CleanUpRequest();
   RemoveNotifications();
 }
 
 void WebServiceRequestBase::OnNotification(const char* name, void* /*payload*/) {
-  // A hook may delete this object: nothing follows one.
+  const DeliveryCheck check(this);
+  // Though the host must not, a hook may delete this object: nothing follows one.
   if (std::strcmp(name, returned_notification_) == 0) {
     if (!internet_data_) return;
     if (internet_data_->status_code() == kHttpOk && ParseBody(*this, *internet_data_)) {
@@ -68,18 +72,31 @@ void WebServiceRequestBase::OnAsyncResponseSuccess() {}
 void WebServiceRequestBase::OnAsyncResponseFail() {}
 
 bool WebServiceRequestBase::SynchronousRequest() {
-  if (!url_.empty() && DownloadAndParse(*this, url_)) return true;
+  std::optional<InternetData> transport;
+  if (!url_.empty() && Download(url_, transport) && ParseBody(*this, *transport)) {
+    // The hook still sees the transport.
+    OnSyncResponseSuccess();
+    return true;
+  }
+  transport.reset();
   OnSyncResponseFail();
   return false;
 }
 
 void WebServiceRequestBase::AsynchronousRequest() {
+  DeliveryCheck::ExpectOutside(this, "AsynchronousRequest was called");
   if (url_.empty()) return;
   CleanUpRequest();
-  internet_data_ = std::make_unique<InternetData>(url_);
-  delegate_ = std::make_unique<InternetDataDelegate>(
-      context_, returned_message_, returned_notification_, failed_message_, failed_notification_);
-  internet_data_->DownloadWithDelegate(delegate_.get(), nullptr);
+  const bool began = Succeeds([this] {
+    internet_data_ = std::make_unique<InternetData>(url_);
+    delegate_ = std::make_unique<InternetDataDelegate>(
+        context_, returned_message_, returned_notification_, failed_message_, failed_notification_);
+    internet_data_->DownloadWithDelegate(delegate_.get(), nullptr);
+    return true;
+  });
+  if (began) return;
+  CleanUpRequest();
+  OnAsyncResponseFail();
 }
 
 void WebServiceRequestBase::AddNotifications() {
@@ -93,6 +110,7 @@ void WebServiceRequestBase::RemoveNotifications() {
 }
 
 void WebServiceRequestBase::CleanUpRequest() {
+  DeliveryCheck::ExpectOutside(this, "CleanUpRequest was called");
   delegate_.reset();
   internet_data_.reset();
 }

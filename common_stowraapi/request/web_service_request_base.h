@@ -27,8 +27,13 @@ namespace ovrant::webservices {
 //
 // For one thread at a time. The asynchronous hooks run on the thread that posts the transfer's end
 // (see InternetData::SetCompletionExecutor); AsynchronousRequest, CleanUpRequest and the destructor
-// must not be called while a notification for the same object is being delivered. Otherwise it may
-// be destroyed at any moment, and no hook runs after that.
+// must not be called while a notification for the same object is being delivered, by its hooks and
+// by observers of what they post; a debug build of this library aborts with a message then.
+// Otherwise it may be destroyed at any moment, also by an observer of what another object posts,
+// and no hook runs after that.
+//
+// A request that runs out of memory has failed: that is what the hooks say, and nothing throws but
+// what a hook throws. The object may be used on.
 //
 // The order of the virtual functions and of the members is part of the binary interface.
 class STOWRA_EXPORT WebServiceRequestBase : public IObserver {
@@ -66,8 +71,9 @@ class STOWRA_EXPORT WebServiceRequestBase : public IObserver {
   bool SynchronousRequest();
 
   // Drops the background transfer, if any, and starts another. Returns at once;
-  // OnAsyncResponseSuccess or OnAsyncResponseFail follows. With an empty URL it does nothing at
-  // all.
+  // OnAsyncResponseSuccess or OnAsyncResponseFail follows; the latter at once, on this thread, when
+  // there is no memory for the transfer. With an empty URL it does nothing at all, and no hook
+  // follows when the transport says that it cannot start (see InternetData::DownloadWithDelegate).
   void AsynchronousRequest();
 
   // Observes both notification names through CNotificationCenter::Default(); stops observing.

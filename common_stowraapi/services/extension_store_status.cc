@@ -6,6 +6,8 @@
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/succeeds.h"
+#include "common_stowraapi/request/delivery_check.h"
 #include "common_stowraapi/services/item_map.h"
 
 const unsigned int kExtensionStoreStatusRequestReturnedMessage = 28002;
@@ -39,13 +41,12 @@ void SetSendData(InternetData& transport, const std::string& body) {
   transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
 }
 
-ovrant_ustring ReceivedText(const InternetData& transport) {
-  return ovrant_ustring(reinterpret_cast<const char*>(transport.received_data()),
-                        transport.received_data_length());
-}
-
-void SetSyncCompleted() {
+// Notes the success, too.
+ovrant_ustring TakeResponse(const InternetData& transport) {
+  ovrant_ustring text(reinterpret_cast<const char*>(transport.received_data()),
+                      transport.received_data_length());
   __atomic_store_n(&ExtensionStoreStatus::status_sync_completed_, true, __ATOMIC_RELAXED);
+  return text;
 }
 
 }  // namespace
@@ -60,6 +61,7 @@ ExtensionStoreItem::~ExtensionStoreItem() = default;
 ExtensionStoreStatus::ExtensionStoreStatus() { AddNotifications(); }
 
 ExtensionStoreStatus::~ExtensionStoreStatus() {
+  DeliveryCheck::ExpectOutside(this, "an extension store status was destroyed");
   RemoveNotifications();
   delegate_.reset();
   internet_data_.reset();
@@ -75,36 +77,46 @@ void ExtensionStoreStatus::Init(const ovrant_ustring& url, void* context,
 }
 
 bool ExtensionStoreStatus::SynchronousStatus() {
-  InternetData transport(url_);
-  SetSendData(transport, request_body_.utf8());
-  StringMap headers;
-  headers[kContentTypeHeader] = kJsonContentType;
-  int status = 0;
-  if (!transport.SendAndRead(url_, nullptr, nullptr, &status, &headers, false, false, true,
-                             ovrant_ustring(), ovrant_ustring(), nullptr) ||
-      status != static_cast<int>(kHttpOk)) {
-    return false;
-  }
-  SetSyncCompleted();
-  response_ = ReceivedText(transport);
-  return true;
+  return Succeeds([this] {
+    InternetData transport(url_);
+    SetSendData(transport, request_body_.utf8());
+    StringMap headers;
+    headers[kContentTypeHeader] = kJsonContentType;
+    int status = 0;
+    if (!transport.SendAndRead(url_, nullptr, nullptr, &status, &headers, false, false, true,
+                               ovrant_ustring(), ovrant_ustring(), nullptr) ||
+        status != static_cast<int>(kHttpOk)) {
+      return false;
+    }
+    response_ = TakeResponse(transport);
+    return true;
+  });
 }
 
 void ExtensionStoreStatus::AsynchronousStatus() {
-  internet_data_.reset();
-  internet_data_ = std::make_unique<InternetData>(url_);
+  DeliveryCheck::ExpectOutside(this, "AsynchronousStatus was called");
+  const bool began = Succeeds([this] {
+    internet_data_.reset();
+    internet_data_ = std::make_unique<InternetData>(url_);
+    delegate_.reset();
+    delegate_ = std::make_unique<InternetDataDelegate>(
+        context_, kExtensionStoreStatusRequestReturnedMessage,
+        kExtensionStoreStatusRequestReturnedNotification, kExtensionStoreStatusRequestFailedMessage,
+        kExtensionStoreStatusRequestFailedNotification);
+    internet_data_->SetValueForHTTPSendHeaders(kContentTypeHeader, kJsonContentType);
+    SetSendData(*internet_data_, request_body_.utf8());
+    internet_data_->UploadWithDelegate(delegate_.get(), nullptr);
+    return true;
+  });
+  if (began) return;
   delegate_.reset();
-  delegate_ = std::make_unique<InternetDataDelegate>(
-      context_, kExtensionStoreStatusRequestReturnedMessage,
-      kExtensionStoreStatusRequestReturnedNotification, kExtensionStoreStatusRequestFailedMessage,
-      kExtensionStoreStatusRequestFailedNotification);
-  internet_data_->SetValueForHTTPSendHeaders(kContentTypeHeader, kJsonContentType);
-  SetSendData(*internet_data_, request_body_.utf8());
-  internet_data_->UploadWithDelegate(delegate_.get(), nullptr);
+  internet_data_.reset();
+  Post(kExtensionStoreAsynchStatusFailedNotification);
 }
 
 void ExtensionStoreStatus::OnNotification(const char* name, void* /*payload*/) {
-  // What is posted may delete this object: nothing follows a post.
+  const DeliveryCheck check(this);
+  // Though the host must not, an observer may delete this object: nothing follows a post.
   if (std::strcmp(name, kExtensionStoreStatusRequestReturnedNotification) == 0) {
     if (internet_data_) {
       OnReceivedStatusResponse(static_cast<unsigned int>(internet_data_->status_code()));
@@ -120,9 +132,12 @@ void ExtensionStoreStatus::OnReceivedStatusResponse(unsigned int status) {
     return;
   }
   if (!internet_data_) return;
-  SetSyncCompleted();
-  response_ = ReceivedText(*internet_data_);
-  Post(kExtensionStoreAsynchStatusSucceededNotification);
+  const bool kept = Succeeds([this] {
+    response_ = TakeResponse(*internet_data_);
+    return true;
+  });
+  Post(kept ? kExtensionStoreAsynchStatusSucceededNotification
+            : kExtensionStoreAsynchStatusFailedNotification);
 }
 
 std::map<ovrant_ustring, ExtensionStoreItem> ExtensionStoreStatus::GetItemMapFromResponse() {

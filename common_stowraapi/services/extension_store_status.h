@@ -56,8 +56,13 @@ struct STOWRA_EXPORT ExtensionStoreItem {
 // Owns its transport and delegate from AsynchronousStatus until the next one or destruction. For
 // one thread at a time; OnNotification runs on the thread that posts the transfer's end (see
 // InternetData::SetCompletionExecutor). AsynchronousStatus and the destructor must not be called
-// while a notification for the same object is being delivered; otherwise it may be destroyed at any
-// moment, and posts nothing after that. The order of the members is part of the binary interface.
+// while a notification for the same object is being delivered, by observers of what it posts; a
+// debug build of this library aborts with a message then. Otherwise it may be destroyed at any
+// moment, also by an observer of what another object posts, and posts nothing after that. The order
+// of the members is part of the binary interface.
+//
+// A request that runs out of memory has failed, like any other that fails; the object may be used
+// on. Only the constructor, Init, AddNotifications and GetItemMapFromResponse throw std::bad_alloc.
 class STOWRA_EXPORT ExtensionStoreStatus : public IObserver {
  public:
   // Whether any request of any object in this process has succeeded. Never reset by the library.
@@ -81,7 +86,9 @@ class STOWRA_EXPORT ExtensionStoreStatus : public IObserver {
   bool SynchronousStatus();
 
   // Drops the background transfer, if any, and sends the request in the background. Returns at
-  // once; "ExtensionStoreAsyncStatusSucceeded" or "ExtensionStoreAsyncStatusFailed" follows.
+  // once; "ExtensionStoreAsyncStatusSucceeded" or "ExtensionStoreAsyncStatusFailed" follows; the
+  // latter at once, on this thread, when there is no memory for the transfer. Nothing follows when
+  // the transport says that it cannot start (see InternetData::UploadWithDelegate).
   void AsynchronousStatus();
 
   // Handles the end of this object's background transfer, by name; any other name is ignored.
@@ -89,8 +96,8 @@ class STOWRA_EXPORT ExtensionStoreStatus : public IObserver {
   using IObserver::OnNotification;
 
   // Handles a background transfer that ended with HTTP status `status`: 200 keeps the response,
-  // which is not looked at, and posts the success; any other posts the failure. Ignores a 200 while
-  // there is no transfer.
+  // which is not looked at, and posts the success; any other, or one that there is no memory to
+  // keep, posts the failure. Ignores a 200 while there is no transfer.
   void OnReceivedStatusResponse(unsigned int status);
 
   // The last response's "extensions", by id; of a repeated id, the missing one included, the last

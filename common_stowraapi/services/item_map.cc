@@ -35,6 +35,16 @@ ExtensionStoreItem ReadItem(const Value& element) {
   return item;
 }
 
+// An item takes the place of one with the same id just before it, so that a list of nothing but
+// empty objects costs no more than the list.
+void Append(ExtensionStoreItem item, std::vector<ExtensionStoreItem>& items) {
+  if (!items.empty() && items.back().id == item.id) {
+    items.back() = std::move(item);
+  } else {
+    items.push_back(std::move(item));
+  }
+}
+
 std::vector<ExtensionStoreItem> ReadItems(const ovrant_ustring& response) {
   std::vector<ExtensionStoreItem> items;
   if (response.empty()) return items;
@@ -44,7 +54,7 @@ std::vector<ExtensionStoreItem> ReadItems(const ovrant_ustring& response) {
   if (!extensions.IsArray()) return items;
   for (unsigned int i = 0; i < extensions.Size(); ++i) {
     const Value element = Lookup::Element(extensions, i);
-    if (element.IsObject()) items.push_back(ReadItem(element));
+    if (element.IsObject()) Append(ReadItem(element), items);
   }
   return items;
 }

@@ -1,5 +1,6 @@
 #include "common_stowraapi/services/update_query.h"
 
+#include <cstddef>
 #include <utility>
 
 #include "common_stowraapi/json/document.h"
@@ -35,8 +36,15 @@ void ReadMessage(const Value& message, MessageData& result) {
   ReadString(message, "url", result.url);
 }
 
+std::size_t CountObjects(const Value& array) {
+  std::size_t count = 0;
+  for (unsigned int i = 0; i < array.Size(); ++i) count += Lookup::Element(array, i).IsObject();
+  return count;
+}
+
 void AppendDataFiles(const Value& files, std::vector<DataFileData>& result) {
   if (!files.IsArray()) return;
+  result.reserve(CountObjects(files));
   for (unsigned int i = 0; i < files.Size(); ++i) {
     const Value file = Lookup::Element(files, i);
     if (!file.IsObject()) continue;
