@@ -1,0 +1,181 @@
+#include "tests/memory/parsers.h"
+
+#include <memory>
+#include <sstream>
+#include <utility>
+
+#include "benchmarks/support/inputs.h"
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/upload_config.h"
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/ustring.h"
+#include "common_stowraapi/platform/xml_input.h"
+#include "common_stowraapi/services/item_map.h"
+#include "common_stowraapi/services/update_query.h"
+#include "common_stowraapi/services/user_info_query.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::IXMLInput;
+using ovrant::internet::InternetData;
+using ovrant::json::Document;
+using ovrant::stowraapiclient::ContentQuery;
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::stowraapiclient::UploadFile;
+using ovrant::utils::ovrant_ustring;
+using ovrant::webservices::UpdateQuery;
+using ovrant::webservices::UserInfoQuery;
+
+constexpr std::size_t kSize = 400'000;
+
+std::string Repeated(const std::string& text) {
+  std::string result;
+  while (result.size() < kSize) result += text;
+  return result;
+}
+
+// `before`, the text again and again with commas between, `after`.
+std::string List(const std::string& before, const std::string& text, const std::string& after) {
+  return before + Repeated(text + ",") + text + after;
+}
+
+ovrant_ustring Text(const std::string& utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
+
+// The XML parsers take what they do not change through a pointer that could.
+unsigned char* Bytes(const std::string& text) {
+  return reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
+}
+
+std::shared_ptr<void> ReadText(const std::string& input) {
+  return std::make_shared<ovrant_ustring>(Text(input));
+}
+
+std::shared_ptr<void> ReadDocument(const std::string& input) {
+  auto document = std::make_shared<Document>();
+  return document->Load(Text(input)) ? document : nullptr;
+}
+
+template <typename Query>
+std::shared_ptr<void> ReadWith(const std::string& input) {
+  auto query = std::make_shared<Query>();
+  return query->ParseResponse(Text(input)) ? query : nullptr;
+}
+
+std::shared_ptr<void> ReadItemMap(const std::string& input) {
+  auto map = ovrant::extensionstoreapi::ReadItemMap(Text(input));
+  return map.empty() ? nullptr : std::make_shared<decltype(map)>(std::move(map));
+}
+
+std::shared_ptr<void> ReadXml(const std::string& input) {
+  return {ovrant::Get_IXMLInput(Bytes(input), static_cast<int>(input.size())),
+          [](IXMLInput* reader) { ovrant::End_IXMLInput(&reader); }};
+}
+
+std::shared_ptr<void> ReadFeed(const std::string& input) {
+  auto query = std::make_shared<ContentQuery>();
+  return query->Load(Bytes(input), static_cast<int>(input.size())) ? query : nullptr;
+}
+
+std::shared_ptr<void> ReadConfig(const std::string& input) {
+  auto config = std::make_shared<UploadConfig>();
+  return config->ParseResponse(Bytes(input), input.size()) ? config : nullptr;
+}
+
+// Downloads the input from a server that says how long it is, or not. The server's own memory is
+// other threads', but for what the first download takes to start it.
+Parse DownloadWith(const std::string& header) {
+  auto server = std::make_shared<std::unique_ptr<RawServer>>();
+  return [server, header](const std::string& input) -> std::shared_ptr<void> {
+    if (!*server) {
+      *server = std::make_unique<RawServer>(
+          AlwaysThenClose("HTTP/1.1 200 OK\r\n" + header + "\r\n" + input));
+    }
+    auto transport = std::make_shared<InternetData>(Text((*server)->Url()));
+    return transport->Download() ? transport : nullptr;
+  };
+}
+
+// The other direction: what is read is the file to send.
+std::shared_ptr<void> WritePayload(const std::string& input) {
+  UploadFile file;
+  file.file_path_ = "stool.qmf";
+  auto stream = std::make_shared<std::stringstream>();
+  ovrant::stowraapiclient::multipartupload::SetupPayload("m42", &file, Bytes(input), input.size(),
+                                                         "boundary", stream.get());
+  return stream;
+}
+
+std::string UserInfo() {
+  std::string members = stowra_bench::MakeFlatObject(8000);
+  return R"({"uid":"u","email":"e","vkr_id":"v",)" + members.substr(1);
+}
+
+std::string DataFiles() {
+  return R"({"update":{"current_version":"1","expire_version":"1"},"datafiles":)" +
+         List("[", R"({"version":1,"filename":"materials.zip","url":"https://host/m"})", "]}");
+}
+
+std::string EmptyDataFiles() {
+  return R"({"update":{"current_version":"1","expire_version":"1"},"datafiles":)" +
+         List("[", "{}", "]}");
+}
+
+constexpr char kLengthHeader[] = "Content-Length: 400000\r\n";
+
+std::string BodyText() { return stowra_bench::MakeBytes(kSize); }
+
+std::string EmptyFeedEntries() {
+  return "<feed xmlns='http://www.w3.org/2005/Atom'>" + Repeated("<entry/>") + "</feed>";
+}
+
+constexpr char kFile[] =
+    "<file><type>model</type><uploadUrl>https://host/u?task=create&amp;title=Stool</uploadUrl>"
+    "<zipped>false</zipped><format>k2</format></file>";
+
+std::string Config(const std::string& file) {
+  return "<upload><successUrl>https://host/s</successUrl><failureUrl>https://host/f</failureUrl>"
+         "<files>" +
+         Repeated(file) + "</files></upload>";
+}
+
+}  // namespace
+
+void PrintTo(const MeasuredInput& measured, std::ostream* out) { *out << measured.name; }
+
+std::vector<MeasuredInput> MeasuredInputs() {
+  return {
+      {"TextAscii", stowra_bench::MakeAsciiText(kSize), ReadText, true, 2.5, 2.5},
+      {"TextMixed", stowra_bench::MakeMixedText(kSize), ReadText, true, 2.5, 2.5},
+      {"TextOfNoUtf8", std::string(kSize, '\xff'), ReadText, true, 2.5, 2.5},
+      {"JsonExtensions", stowra_bench::MakeExtensionStatus(1300), ReadDocument, true, 5, 2},
+      {"JsonEmptyArrays", List("[", "[]", "]"), ReadDocument, true, 15.5, 6},
+      {"JsonZeros", List("[", "0", "]"), ReadDocument, true, 21.5, 9},
+      {"JsonEmptyNames", List("{", R"("":0)", "}"), ReadDocument, true, 20, 7.5},
+      {"JsonOneText", "[\"" + std::string(kSize, 'x') + "\"]", ReadDocument, true, 5, 1.5},
+      {"JsonCutOff", List("[", "0", ""), ReadDocument, false, 19, 0.01},
+      {"UserInfo", UserInfo(), ReadWith<UserInfoQuery>, true, 8, 4},
+      {"UpdateDataFiles", DataFiles(), ReadWith<UpdateQuery>, true, 7.5, 3},
+      {"UpdateEmptyDataFiles", EmptyDataFiles(), ReadWith<UpdateQuery>, true, 35, 26.5},
+      {"Extensions", stowra_bench::MakeExtensionStatus(1300), ReadItemMap, true, 6, 2.5},
+      {"ExtensionsEmpty", R"({"extensions":)" + List("[", "{}", "]}"), ReadItemMap, true, 16, 0.01},
+      {"XmlFeed", stowra_bench::MakeFeed(150), ReadXml, true, 4, 2.5},
+      {"XmlEmptyElements", "<a>" + Repeated("<a/>") + "</a>", ReadXml, true, 9.5, 8},
+      {"XmlAttributes", "<a>" + Repeated("<a a=''/>") + "</a>", ReadXml, true, 8, 6.5},
+      {"XmlText", "<a>" + Repeated("text ") + "</a>", ReadXml, true, 3, 1.5},
+      {"XmlCutOff", "<a>" + Repeated("<a/>"), ReadXml, false, 9.5, 0.01},
+      {"Feed", stowra_bench::MakeFeed(150), ReadFeed, true, 4, 1},
+      {"FeedOfLinks", stowra_bench::MakeFeedOfLinks(5000), ReadFeed, true, 5, 0.01},
+      {"FeedOfEmptyEntries", EmptyFeedEntries(), ReadFeed, false, 6, 0.01},
+      {"Config", Config(kFile), ReadConfig, true, 7, 3.5},
+      {"ConfigEmptyFiles", Config("<file/>"), ReadConfig, false, 66, 0.01},
+      {"BodyOfKnownLength", BodyText(), DownloadWith(kLengthHeader), true, 1.5, 1.5},
+      {"BodyOfUnknownLength", BodyText(), DownloadWith(""), true, 2.5, 1.5},
+      {"Multipart", stowra_bench::MakeBytes(kSize), WritePayload, true, 2, 1.5},
+  };
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,145 @@
+// A thousand loads into one object: good ones, cut off ones and empty ones in turn.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+#include "benchmarks/support/inputs.h"
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/upload_config.h"
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/ustring.h"
+#include "common_stowraapi/platform/xml_input.h"
+#include "common_stowraapi/services/item_map.h"
+#include "common_stowraapi/services/update_query.h"
+#include "common_stowraapi/services/user_info_query.h"
+#include "tests/platform/xml/counting_malloc.h"
+#include "tests/support/raw_server.h"
+
+#ifdef STOWRA_COUNTS_MEMORY
+
+namespace stowra_test {
+namespace {
+
+using ovrant::json::Document;
+using ovrant::stowraapiclient::ContentQuery;
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::utils::ovrant_ustring;
+using ovrant::webservices::UpdateQuery;
+using ovrant::webservices::UserInfoQuery;
+
+constexpr char kUserInfo[] = R"({"uid":"u-1","email":"zoe@example.com","vkr_id":"v-1"})";
+
+constexpr char kConfig[] =
+    "<upload><successUrl>s</successUrl><failureUrl>f</failureUrl><files>"
+    "<file><type>model</type><uploadUrl>https://host/u</uploadUrl></file></files></upload>";
+
+ovrant_ustring Text(const std::string& utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
+
+unsigned char* Bytes(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
+
+// `load` says whether it could use the text. What the first loads leave in the object, room for the
+// next ones, is all that any number of them leaves.
+template <typename Load>
+void ExpectThatNothingIsLeft(const std::string& good, const Load& load) {
+  std::array<std::string, 3> texts = {good, good.substr(0, good.size() / 2), ""};
+  const auto load_each = [&] {
+    EXPECT_TRUE(load(texts[0]));
+    EXPECT_FALSE(load(texts[1]));
+    EXPECT_FALSE(load(texts[2]));
+    EXPECT_TRUE(load(texts[0]));
+  };
+  load_each();
+  const MemoryWatch watch;
+  for (int i = 0; i < 250; ++i) load_each();
+  EXPECT_EQ(watch.live(), 0U);
+}
+
+TEST(ThousandLoadsTest, OfAFeedLeaveNothing) {
+  ContentQuery query;
+  ExpectThatNothingIsLeft(stowra_bench::MakeFeed(4), [&query](std::string& text) {
+    return query.Load(Bytes(text), static_cast<int>(text.size()));
+  });
+}
+
+TEST(ThousandLoadsTest, OfAnUploadConfigurationLeaveNothing) {
+  UploadConfig config;
+  ExpectThatNothingIsLeft(kConfig, [&config](std::string& text) {
+    config.Clear();
+    return config.ParseResponse(Bytes(text), text.size());
+  });
+}
+
+TEST(ThousandLoadsTest, OfAnUpdateLeaveNothing) {
+  UpdateQuery query;
+  ExpectThatNothingIsLeft(stowra_bench::MakeUpdateResponse(),
+                          [&query](std::string& text) { return query.ParseResponse(Text(text)); });
+}
+
+TEST(ThousandLoadsTest, OfAUserLeaveNothing) {
+  UserInfoQuery query;
+  ExpectThatNothingIsLeft(kUserInfo,
+                          [&query](std::string& text) { return query.ParseResponse(Text(text)); });
+}
+
+TEST(ThousandLoadsTest, OfExtensionsLeaveNothing) {
+  ExpectThatNothingIsLeft(stowra_bench::MakeExtensionStatus(4), [](std::string& text) {
+    return !ovrant::extensionstoreapi::ReadItemMap(Text(text)).empty();
+  });
+}
+
+TEST(ThousandLoadsTest, OfXmlReadersLeaveNothing) {
+  ExpectThatNothingIsLeft(kConfig, [](std::string& text) {
+    ovrant::IXMLInput* reader = ovrant::Get_IXMLInput(Bytes(text), static_cast<int>(text.size()));
+    const bool is_read = reader != nullptr;
+    ovrant::End_IXMLInput(&reader);
+    return is_read;
+  });
+}
+
+// One document keeps what it has loaded until it is destroyed.
+TEST(ThousandLoadsTest, OfADocumentLeaveNothingOnceItIsDestroyed) {
+  const ovrant_ustring good = Text(stowra_bench::MakeUpdateResponse());
+  const ovrant_ustring bad = good.Left(300);
+  { Document().Load(good); }
+  const MemoryWatch watch;
+  {
+    Document document;
+    for (int i = 0; i < 500; ++i) {
+      EXPECT_TRUE(document.Load(good));
+      EXPECT_FALSE(document["update"].IsNull());
+      EXPECT_FALSE(document.Load(bad));
+    }
+    EXPECT_GT(watch.live(), 0U);
+  }
+  EXPECT_EQ(watch.live(), 0U);
+}
+
+TEST(ThousandLoadsTest, OfATransportLeaveNothing) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target == "/good") {
+      connection.Write(Response(200, std::string(3000, 'x')));
+    } else {
+      connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\ncut");
+      connection.Close();
+    }
+  });
+  ovrant::internet::InternetData good(Text(server.Url("/good")));
+  ovrant::internet::InternetData bad(Text(server.Url("/cut")));
+  const auto download_each = [&] {
+    EXPECT_TRUE(good.Download());
+    EXPECT_FALSE(bad.Download());
+  };
+  for (int i = 0; i < 20; ++i) download_each();
+  const MemoryWatch watch;
+  for (int i = 0; i < 500; ++i) download_each();
+  // A kept connection's record changes with its addresses' lengths.
+  EXPECT_LT(watch.live(), 1000U);
+}
+
+}  // namespace
+}  // namespace stowra_test
+
+#endif  // STOWRA_COUNTS_MEMORY

@@ -1,0 +1,66 @@
+// SECURITY.md states the limits that the library has.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "common_stowraapi/json/document.h"
+#include "common_stowraapi/platform/background_worker.h"
+#include "common_stowraapi/platform/http_message.h"
+#include "common_stowraapi/platform/response_head.h"
+#include "common_stowraapi/platform/xml_limits.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::BackgroundWorker;
+using ovrant::internet::HttpRequest;
+using ovrant::internet::ResponseHead;
+
+constexpr std::size_t kKib = 1024;
+constexpr std::size_t kMib = 1024 * kKib;
+
+std::string Page() {
+  std::ifstream file(STOWRA_SECURITY_PAGE);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// Expects a row of the table that begins so.
+void ExpectRow(const std::string& what, const std::string& limit) {
+  EXPECT_NE(Page().find("\n| " + what + " | " + limit), std::string::npos)
+      << what << " is limited to " << limit;
+}
+
+TEST(SecurityPageTest, StatesTheLimitsOfReplies) {
+  ExpectRow("body of a reply, decoded",
+            std::to_string(HttpRequest::kDefaultBodyCap / kMib) + " MiB,");
+  ExpectRow("header lines of a reply", std::to_string(ResponseHead::kMaxBytes / kKib) + " KiB |");
+  ExpectRow("redirects", std::to_string(HttpRequest::kDefaultRedirectLimit) + " |");
+  ExpectRow("background transfers at a time", std::to_string(BackgroundWorker::kMaxActive) + " |");
+}
+
+TEST(SecurityPageTest, StatesTheLimitsOfJson) {
+  ExpectRow("JSON: levels", std::to_string(ovrant::json::Document::kMaxDepth) + " |");
+}
+
+TEST(SecurityPageTest, StatesTheLimitsOfXml) {
+  namespace xml = ovrant::xml;
+  ExpectRow("XML: levels of elements", std::to_string(xml::kMaxDepth) + " |");
+  ExpectRow("XML: a namespace URI", std::to_string(xml::kMaxNamespaceUri) + " bytes |");
+  ExpectRow("XML: entities that refer to other declared ones",
+            std::to_string(xml::kMaxNestedEntities) + " |");
+  ExpectRow("XML: what entities add", std::to_string(static_cast<int>(xml::kMaxEntityGrowth)) +
+                                          " times the document, once that is " +
+                                          std::to_string(xml::kMinEntityBytes / kMib) + " MiB |");
+  ExpectRow("XML: bytes of the tree, and of the parser",
+            "each " + std::to_string(xml::kTreeBytesPerByte) + " times the document and " +
+                std::to_string(xml::kTreeBytesBesides / kMib) + " MiB |");
+  ExpectRow("XML: what declarations make the parser do",
+            std::to_string(xml::kDeclarationCostPerByte) + " looks or bytes a byte, and " +
+                std::to_string(xml::kDeclarationCostBesides / kMib) + " MiB |");
+}
+
+}  // namespace
+}  // namespace stowra_test
