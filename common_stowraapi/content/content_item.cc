@@ -3,6 +3,7 @@
 #include "common_stowraapi/content/entry_reader.h"
 #include "common_stowraapi/content/item_values.h"
 #include "common_stowraapi/content/text_search.h"
+#include "common_stowraapi/platform/succeeds.h"
 
 namespace ovrant::stowraapiclient {
 
@@ -54,7 +55,7 @@ void ContentItem::SetThumbnailBuffer(int size, unsigned char* buffer) {
 
 bool ContentItem::Load(IXMLInput* reader) {
   Clear();
-  return EntryReader(*reader).Read(*this);
+  return Succeeds([&] { return EntryReader(*reader).Read(*this); });
 }
 
 bool ContentItem::ExtractQmfVersionFromRTypValue(ovrant_ustring value, int& version) {

@@ -45,8 +45,8 @@ class STOWRA_EXPORT ContentItem {
   //     download;
   //   - a collection: a content with a src, of the type of a feed.
   // False otherwise, with what could be read; without a group nothing of it has been read and
-  // `reader` has not moved, either. std::bad_alloc leaves the item partly read and `reader`
-  // somewhere in the entry.
+  // `reader` has not moved, either. False, too, for want of memory: the item is partly read then,
+  // and `reader` stands somewhere in the entry.
   bool Load(ovrant::IXMLInput* reader);
 
   // The version of the model file that the rendition `value` holds: "s7" is 7 and "s" is 5. False

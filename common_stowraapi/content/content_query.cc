@@ -8,6 +8,7 @@
 #include "common_stowraapi/content/feed_link.h"
 #include "common_stowraapi/content/feed_names.h"
 #include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/platform/xml_input.h"
 
 namespace ovrant::stowraapiclient {
@@ -81,24 +82,6 @@ struct EndReader {
 };
 using ReaderHandle = std::unique_ptr<IXMLInput, EndReader>;
 
-// Clears the query unless it is told not to, however the scope is left.
-class ClearOnFailure {
- public:
-  explicit ClearOnFailure(ContentQuery& query) : query_(query) {}
-  ~ClearOnFailure() {
-    if (!succeeded_) query_.Clear();
-  }
-
-  ClearOnFailure(const ClearOnFailure&) = delete;
-  ClearOnFailure& operator=(const ClearOnFailure&) = delete;
-
-  void Succeed() { succeeded_ = true; }
-
- private:
-  ContentQuery& query_;
-  bool succeeded_ = false;
-};
-
 }  // namespace
 
 ContentQuery::ContentQuery() { Clear(); }
@@ -124,20 +107,23 @@ bool ContentQuery::BackValid() { return HasResults() && !previous_url_.empty(); 
 
 bool ContentQuery::QueryFeed(const ovrant_ustring& url) {
   if (url.empty()) return false;
-  InternetData transport(url);
-  if (!transport.Download()) return false;
-  const unsigned long length = transport.received_data_length();
-  // No reader opens what is longer than it can be told.
-  return Load(transport.received_data(), length > INT_MAX ? -1 : static_cast<int>(length));
+  return Succeeds([&] {
+    InternetData transport(url);
+    if (!transport.Download()) return false;
+    const unsigned long length = transport.received_data_length();
+    // No reader opens what is longer than it can be told.
+    return Load(transport.received_data(), length > INT_MAX ? -1 : static_cast<int>(length));
+  });
 }
 
 bool ContentQuery::Load(unsigned char* data, int length) {
   Clear();
-  ClearOnFailure outcome(*this);
-  const ReaderHandle reader(Get_IXMLInput(data, length));
-  if (!reader || !ReadFeed(*reader, *this)) return false;
-  outcome.Succeed();
-  return true;
+  const bool succeeded = Succeeds([&] {
+    const ReaderHandle reader(Get_IXMLInput(data, length));
+    return reader && ReadFeed(*reader, *this);
+  });
+  if (!succeeded) Clear();
+  return succeeded;
 }
 
 }  // namespace ovrant::stowraapiclient

@@ -35,13 +35,13 @@ class STOWRA_EXPORT ContentQuery {
   bool BackValid();
 
   // Downloads `url` and loads the body, whatever the HTTP status. False with the contents unchanged
-  // when `url` is empty or nothing was received; else as Load.
+  // when `url` is empty or nothing was received, want of memory among the reasons; else as Load.
   bool QueryFeed(const ovrant::utils::ovrant_ustring& url);
 
   // Replaces the contents by the feed in `data`, which stays the caller's: `length` bytes that
   // Get_IXMLInput opens. False, with the query empty, when it is no Atom feed with a title and all
-  // three counts. An entry that ContentItem::Load refuses is left out. std::bad_alloc leaves the
-  // query empty, too.
+  // three counts, or memory runs out. An entry that ContentItem::Load refuses for another reason is
+  // left out.
   bool Load(unsigned char* data, int length);
 
   int total_results_;                       // of the whole search; 0 at first

@@ -2,10 +2,10 @@
 
 #include <climits>
 #include <memory>
-#include <new>
 
 #include "common_stowraapi/content/element_list.h"
 #include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/platform/xml_input.h"
 
 namespace ovrant::stowraapiclient {
@@ -83,21 +83,14 @@ void UploadConfig::Clear() {
 bool UploadConfig::ParseResponse(unsigned char* data, unsigned long length) {
   // No reader opens what is longer than it can be told.
   if (length > INT_MAX) return false;
-  try {
+  return Succeeds([&] {
     const std::unique_ptr<IXMLInput> reader(Get_IXMLInput(data, static_cast<int>(length)));
     return reader && ReadUpload(*reader, *this);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
 bool UploadConfig::SynchronousQuery() {
-  bool succeeded = false;
-  try {
-    succeeded = DownloadAndParse(*this);
-  } catch (const std::bad_alloc&) {
-    succeeded = false;
-  }
+  const bool succeeded = Succeeds([this] { return DownloadAndParse(*this); });
   if (!succeeded) Clear();
   return succeeded;
 }

@@ -61,7 +61,7 @@ bool BackgroundWorker::Submit(std::shared_ptr<BackgroundTransfer> transfer) {
   try {
     return Instance().Add(std::move(transfer));
   } catch (const std::system_error&) {
-    return false;
+    throw std::bad_alloc();
   }
 }
 
@@ -173,6 +173,7 @@ void BackgroundWorker::StartWaiting() {
 }
 
 void BackgroundWorker::DropAbandoned() {
+  waiting_.remove_if([](const Job& each) { return each.transfer->IsAbandoned(); });
   for (std::size_t i = active_.size(); i > 0; --i) {
     if (!active_[i - 1].transfer->IsAbandoned()) continue;
     loop_->Drop(active_[i - 1].transfer->exchange());
@@ -182,7 +183,10 @@ void BackgroundWorker::DropAbandoned() {
 
 void BackgroundWorker::CompleteEnded() {
   will_look = true;
-  while (const HttpExchange* exchange = loop_->NextEnded()) {
+  // When the process ends while an observer is still running, it is the last one that is called.
+  while (!stopping_) {
+    const HttpExchange* const exchange = loop_->NextEnded();
+    if (exchange == nullptr) break;
     const auto job = std::find_if(active_.begin(), active_.end(), [exchange](const Job& each) {
       return &each.transfer->exchange() == exchange;
     });

@@ -28,7 +28,7 @@ class BackgroundWorker {
   static constexpr std::size_t kMaxActive = 100;
 
   // Queues `transfer`, which ends with a delivery unless it is abandoned. False when the process is
-  // exiting or the thread cannot be started. std::bad_alloc queues nothing. Any thread.
+  // exiting. std::bad_alloc, when there is no memory or no thread, queues nothing. Any thread.
   static bool Submit(std::shared_ptr<BackgroundTransfer> transfer);
 
   // Some transfer has been abandoned: the thread drops it soon. Any thread.
@@ -63,7 +63,7 @@ class BackgroundWorker {
   std::mutex mutex_;
   std::condition_variable thread_ended_;
   std::list<Job> submitted_;
-  bool stopping_ = false;
+  std::atomic<bool> stopping_{false};  // set under the lock
   bool ended_ = false;
   std::thread thread_;
 

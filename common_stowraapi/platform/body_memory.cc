@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 
 namespace ovrant::internet {
 
@@ -42,9 +43,11 @@ bool IsKeptSize(std::size_t capacity) {
 
 class KeptPieces {
  public:
-  // Never destroyed, so that it also serves static destructors.
+  // Never destroyed, so that it also serves static destructors; and it needs no memory, because to
+  // free some must not fail.
   static KeptPieces& Instance() {
-    static auto* const pieces = new KeptPieces;
+    alignas(KeptPieces) static std::byte place[sizeof(KeptPieces)];
+    static auto* const pieces = new (place) KeptPieces;
     return *pieces;
   }
 

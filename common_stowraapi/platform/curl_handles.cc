@@ -4,6 +4,8 @@
 
 #include <new>
 
+#include "common_stowraapi/platform/header_text.h"
+
 namespace ovrant::internet {
 
 namespace {
@@ -23,8 +25,11 @@ void HeaderListDeleter::operator()(void* list) const {
 }
 
 void EnsureCurl() {
-  static const CURLcode result = curl_global_init(CURL_GLOBAL_ALL);
-  if (result != CURLE_OK) throw std::bad_alloc();
+  // What has failed is tried again by the next call.
+  [[maybe_unused]] static const bool is_done = [] {
+    if (curl_global_init(CURL_GLOBAL_ALL) != CURLE_OK) throw std::bad_alloc();
+    return true;
+  }();
 }
 
 EasyReuse HowToReuseEasyHandles() {
@@ -33,6 +38,14 @@ EasyReuse HowToReuseEasyHandles() {
   static const unsigned int version = curl_version_info(CURLVERSION_NOW)->version_num;
   if (version >= kFirstSafeVersion) return EasyReuse::kFree;
   return version == kKnownVersion ? EasyReuse::kGuarded : EasyReuse::kNever;
+}
+
+bool ShowsTlsMessages() {
+  static const bool shows = [] {
+    const char* const name = curl_version_info(CURLVERSION_NOW)->ssl_version;
+    return name != nullptr && StartsWithIgnoringCase(name, "OpenSSL/");
+  }();
+  return shows;
 }
 
 EasyHandle MakeEasyHandle() { return Checked<EasyHandle>(curl_easy_init()); }

@@ -33,6 +33,9 @@ enum class EasyReuse { kFree, kGuarded, kNever };
 // Whether, in the version that runs, an easy handle may make another transfer.
 EasyReuse HowToReuseEasyHandles();
 
+// Whether libcurl shows the messages of TLS (CURLOPT_DEBUGFUNCTION), as it does with OpenSSL.
+bool ShowsTlsMessages();
+
 // std::bad_alloc when there is no memory.
 EasyHandle MakeEasyHandle();
 MultiHandle MakeMultiHandle();

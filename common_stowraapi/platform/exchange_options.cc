@@ -35,6 +35,8 @@ std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* exch
 int OnDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t length, void* exchange) {
   if (kind == CURLINFO_HEADER_IN) {
     ExchangeAt(exchange).OnHeaderLineAhead(std::string_view(data, length));
+  } else if (kind == CURLINFO_SSL_DATA_IN) {
+    ExchangeAt(exchange).OnTlsMessage(std::string_view(data, length));
   }
   return 0;
 }
@@ -50,10 +52,10 @@ int OnConnected(void* exchange, char* /*remote_ip*/, char* /*local_ip*/, int /*r
   return ExchangeAt(exchange).OnConnected() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
-int OnProgress(void* exchange, curl_off_t /*to_receive*/, curl_off_t /*received*/,
+int OnProgress(void* exchange, curl_off_t /*to_receive*/, curl_off_t received,
                curl_off_t /*to_send*/, curl_off_t sent) {
   ExchangeAt(exchange).OnSent(static_cast<std::size_t>(sent));
-  return 0;
+  return ExchangeAt(exchange).OnReceived(static_cast<std::size_t>(received)) ? 0 : 1;
 }
 
 // A program that the host starts does not inherit the connection.
@@ -94,8 +96,9 @@ bool IsOwnHeader(std::string_view name) {
 
 const char* AppendHeader(const std::string& name, const std::string& value, HeaderList& list) {
   if (!IsHeaderName(name) || !IsHeaderValue(value)) return "a request header cannot be sent";
-  // libcurl's spelling of a header without a value.
-  AppendHeaderLine((value.empty() ? name + ";" : name + ": " + value).c_str(), list);
+  // libcurl's spelling of a header without a value, which would otherwise take the header out.
+  const bool is_empty = TrimHeaderText(value).empty();
+  AppendHeaderLine((is_empty ? name + ";" : name + ": " + value).c_str(), list);
   return nullptr;
 }
 
@@ -177,6 +180,7 @@ void SetDefaults(const HttpRequest& request, EasyOptions& options) {
 void SetBody(const HttpRequest& request, EasyOptions& options) {
   if (!request.is_upload) return;
   options.Set(CURLOPT_POST, 1L);
+  options.Set(CURLOPT_HTTP_TRANSFER_DECODING, 0L);
   options.Set(CURLOPT_POSTFIELDS, request.body ? request.body->data() : "");
   options.Set(CURLOPT_POSTFIELDSIZE_LARGE,
               static_cast<curl_off_t>(request.body ? request.body->size() : 0));
@@ -188,10 +192,8 @@ void SetClient(HttpExchange& exchange, bool wants_upload_progress, EasyOptions& 
   options.Set(CURLOPT_DEBUGDATA, client);
   options.Set(CURLOPT_WRITEDATA, client);
   options.Set(CURLOPT_PREREQDATA, client);
-  if (wants_upload_progress) {
-    options.Set(CURLOPT_XFERINFODATA, client);
-    options.Set(CURLOPT_NOPROGRESS, 0L);
-  }
+  options.Set(CURLOPT_XFERINFODATA, client);
+  if (wants_upload_progress) options.Set(CURLOPT_NOPROGRESS, 0L);
 }
 
 const char* WhyNotSet(const EasyOptions& options) {
@@ -238,10 +240,15 @@ const char* PrepareForExchange(void* easy) {
   return WhyNotSet(options);
 }
 
+bool LeavesChunksHere(const HttpRequest& request) { return request.is_upload; }
+
+void WatchProgress(void* easy) { curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L); }
+
 bool ReleaseFromExchange(const HttpRequest& request, void* easy) {
   EasyOptions options(easy);
   options.Set(CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
   options.Set(CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
+  options.Set(CURLOPT_NOPROGRESS, 1L);
   return options.result() == CURLE_OK && !request.is_upload && request.ca_file.empty() &&
          request.proxy.empty();
 }

@@ -30,6 +30,12 @@ const char* SetExchangeOptions(const HttpRequest& request, HttpExchange& exchang
 // that SetExchangeOptions finds them done. The result is as there.
 const char* PrepareForExchange(void* easy);
 
+// Whether libcurl hands the chunked bodies of the responses to `request` over as they come.
+bool LeavesChunksHere(const HttpRequest& request);
+
+// From now on, and for the rest of the transfer, HttpExchange::OnReceived is told of what comes.
+void WatchProgress(void* easy);
+
 // Undoes what SetExchangeOptions did for `request` on `easy`, whose transfer is over, as far as
 // another SetExchangeOptions would not. False when that takes a reset of the handle.
 bool ReleaseFromExchange(const HttpRequest& request, void* easy);

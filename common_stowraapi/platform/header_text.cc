@@ -12,6 +12,9 @@ bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 
 char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+// A tab is none here.
+bool IsControl(char c) { return (static_cast<unsigned char>(c) < 0x20 && c != '\t') || c == 0x7F; }
+
 bool IsTokenCharacter(char c) {
   return IsLetter(c) || (c >= '0' && c <= '9') || kTokenSymbols.find(c) != std::string_view::npos;
 }
@@ -29,7 +32,7 @@ bool IsHeaderName(std::string_view name) {
 }
 
 bool IsHeaderValue(std::string_view value) {
-  return value.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+  return std::none_of(value.begin(), value.end(), IsControl);
 }
 
 }  // namespace ovrant::internet

@@ -34,10 +34,15 @@ class SetFunction {
     return true;
   }
 
-  void Close() { gate_.Close(); }
+  // On return no other thread is inside the function, and it has been destroyed: its code may be
+  // unloaded. Inside a delivery, where nobody waits, it goes with the last transfer that knows it.
+  void Close() {
+    gate_.Close();
+    if (!DeliveryScope::IsInside()) function_ = nullptr;
+  }
 
  private:
-  const std::function<void(Args...)> function_;
+  std::function<void(Args...)> function_;
   DeliveryGate gate_;
 };
 
@@ -47,8 +52,8 @@ class HostFunction {
  public:
   using Set = SetFunction<Args...>;
 
-  // On return the function before is not running on another thread, unless this is called inside a
-  // delivery.
+  // On return the function before is not running on another thread and has been destroyed, unless
+  // this is called inside a delivery.
   void Replace(std::function<void(Args...)> function) {
     auto next = function ? std::make_shared<Set>(std::move(function)) : nullptr;
     {

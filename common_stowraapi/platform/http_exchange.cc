@@ -17,7 +17,10 @@ namespace {
 constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
 
 constexpr char kNoMemory[] = "out of memory";
+constexpr char kHeadersBreakOff[] = "the connection closed inside the response's headers";
 constexpr char kTooLarge[] = "the response's body is too large";
+
+constexpr char kHttps[] = "https:";
 
 constexpr int kFirstRedirect = 300;
 constexpr int kLastRedirect = 399;
@@ -35,15 +38,20 @@ bool HttpExchange::Begin(void* easy) noexcept {
   try {
     refused_ = SetExchangeOptions(request_, *this, listener_ != nullptr, error_buffer_, easy,
                                   header_list_);
+    if (refused_ == nullptr) WatchTls(StartsWithIgnoringCase(request_.url.utf8(), kHttps));
   } catch (const std::bad_alloc&) {
     refused_ = kNoMemory;
   }
   return refused_ == nullptr;
 }
 
+// A handle counts how often it has repeated a request because a kept connection closed, and gives
+// up after a few; it does not begin anew with its next transfer, only when it is reset.
 bool HttpExchange::Release() noexcept {
   LookAhead(false);
-  return ReleaseFromExchange(request_, std::exchange(easy_, nullptr)) && reply_.received;
+  WatchTls(false);
+  const bool is_released = ReleaseFromExchange(request_, std::exchange(easy_, nullptr));
+  return is_released && reply_.received && requests_ == 1;
 }
 
 void HttpExchange::End(int curl_code) noexcept {
@@ -77,7 +85,7 @@ bool HttpExchange::IsAnsweredEarly(bool receiving_is_done) const {
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_, CURLINFO_SIZE_UPLOAD_T, &sent);
   if (static_cast<std::size_t>(sent) >= request_.body->size()) return false;
-  return receiving_is_done || head_.HasNoBody() ||
+  return receiving_is_done || head_.HasNoBody() || chunks_ ||
          (head_.content_length() && encoded_bytes_ == *head_.content_length());
 }
 
@@ -92,9 +100,15 @@ bool HttpExchange::OnHeaderLine(std::string_view line) noexcept {
 
 // libcurl must not take a continuation of nothing (EasyReuse), and does not once it is paused.
 void HttpExchange::OnHeaderLineAhead(std::string_view line) noexcept {
-  if (!BeginsWithBlank(line)) return;
+  if (!looks_ahead_ || !BeginsWithBlank(line)) return;
   Refuse("the response's headers begin with a continuation");
   curl_easy_pause(easy_, CURLPAUSE_RECV);
+}
+
+void HttpExchange::OnTlsMessage(std::string_view message) noexcept {
+  // An alert (RFC 8446, 6) of two bytes; no other message is as short.
+  constexpr char kCloseNotify = 0;
+  tls_ended_ = tls_ended_ || (message.size() == 2 && message[1] == kCloseNotify);
 }
 
 bool HttpExchange::OnBody(const void* data, std::size_t length) noexcept {
@@ -108,9 +122,13 @@ bool HttpExchange::OnBody(const void* data, std::size_t length) noexcept {
 
 bool HttpExchange::OnConnected() noexcept {
   NoteProgress();
+  ++requests_;
+  // libcurl follows a redirect though it broke off.
+  if (head_.status() != 0 && !head_.complete()) Refuse(kHeadersBreakOff);
+  awaits_response_ = true;
   const char* url = nullptr;
   curl_easy_getinfo(easy_, CURLINFO_EFFECTIVE_URL, &url);
-  const bool is_https = url != nullptr && StartsWithIgnoringCase(url, "https:");
+  const bool is_https = url != nullptr && StartsWithIgnoringCase(url, kHttps);
   if (was_https_ && !is_https) Refuse("a redirect leads from https to http");
   was_https_ = is_https;
   return refused_ == nullptr;
@@ -122,13 +140,29 @@ void HttpExchange::OnSent(std::size_t bytes_in_all) noexcept {
   Tell(TransferEvent::Kind::kProgress);
 }
 
+bool HttpExchange::OnReceived(std::size_t bytes) noexcept {
+  if (WillFollowRedirect() && bytes > request_.body_cap) Refuse(kTooLarge);
+  return refused_ == nullptr;
+}
+
 void HttpExchange::TakeHeaderLine(std::string_view line) {
   NoteProgress();
-  if (const char* why = head_.AddLine(line)) Refuse(why);
+  const bool is_trailer = head_.complete() && !awaits_response_;
+  if (const char* why = is_trailer ? head_.AddTrailer(line) : head_.AddLine(line)) Refuse(why);
   if (head_.at_beginning()) {
+    awaits_response_ = false;
+    // Its body is thrown away and not handed over.
+    if (WillFollowRedirect()) WatchProgress(easy_);
+    if (WillFollowRedirect()) WatchTls(true);  // It may lead to https.
+    tls_ended_ = false;
     reply_.body.Clear();
+    chunks_.reset();
     gzip_.reset();
     encoded_bytes_ = 0;
+  }
+  if (head_.complete() && !chunks_ && LeavesChunksHere(request_) && head_.is_chunked() &&
+      !head_.HasNoBody()) {
+    chunks_.emplace();
   }
   has_field_ = has_field_ || (has_line_ && !head_.fields().empty());
   has_line_ = true;
@@ -139,6 +173,20 @@ void HttpExchange::TakeHeaderLine(std::string_view line) {
 void HttpExchange::LookAhead(bool wanted) {
   if (wanted == looks_ahead_ || HowToReuseEasyHandles() != EasyReuse::kGuarded) return;
   looks_ahead_ = wanted;
+  AskToBeShown();
+}
+
+// Wanted from before a TLS connection is made, for all its transfers.
+void HttpExchange::WatchTls(bool wanted) {
+  if (wanted == watches_tls_ || !ShowsTlsMessages()) return;
+  watches_tls_ = wanted;
+  AskToBeShown();
+}
+
+void HttpExchange::AskToBeShown() {
+  const bool wanted = looks_ahead_ || watches_tls_;
+  if (wanted == is_shown_) return;
+  is_shown_ = wanted;
   curl_easy_setopt(easy_, CURLOPT_VERBOSE, wanted ? 1L : 0L);
 }
 
@@ -148,8 +196,19 @@ void HttpExchange::TakeBody(const void* data, std::size_t length) {
     reply_.body.Reserve(std::min({*head_.content_length(), request_.body_cap, kMaxReserve}));
   }
   encoded_bytes_ += length;
-  Decode(data, length);
+  if (chunks_) {
+    TakeEncoded(std::string_view(static_cast<const char*>(data), length));
+  } else {
+    Decode(data, length);
+  }
   Tell(TransferEvent::Kind::kProgress);
+}
+
+void HttpExchange::TakeEncoded(std::string_view encoded) {
+  while (!encoded.empty() && refused_ == nullptr) {
+    const std::string_view piece = chunks_->Next(encoded);
+    if (!piece.empty()) Decode(piece.data(), piece.size());
+  }
 }
 
 void HttpExchange::Decode(const void* data, std::size_t length) {
@@ -191,7 +250,20 @@ void HttpExchange::Conclude(bool received, const char* error) noexcept {
   header_list_.reset();
 }
 
-bool HttpExchange::IsReplyWhole() const { return head_.complete() && (!gzip_ || gzip_->AtEnd()); }
+bool HttpExchange::IsReplyWhole() const {
+  return head_.complete() && (!chunks_ || chunks_->AtEnd()) && (!gzip_ || gzip_->AtEnd()) &&
+         !IsCutOff();
+}
+
+// A body that ends with its connection ends there only if TLS says so (RFC 9112, 9.8): anybody can
+// close the connection below it. libcurl does not insist on that with every OpenSSL.
+bool HttpExchange::IsCutOff() const {
+  if (!watches_tls_ || !was_https_ || tls_ended_) return false;
+  if (head_.HasNoBody() || head_.is_chunked() || head_.content_length()) return false;
+  long version = 0;
+  curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
+  return version < CURL_HTTP_VERSION_2_0;
+}
 
 bool HttpExchange::WillFollowRedirect() const {
   return request_.redirect_limit > 0 && head_.status() >= kFirstRedirect &&
@@ -205,8 +277,8 @@ const char* HttpExchange::WhyNotReceived(int curl_code) const {
     return error_buffer_[0] != '\0' ? error_buffer_.data()
                                     : curl_easy_strerror(static_cast<CURLcode>(curl_code));
   }
-  return head_.complete() ? "the response's gzip encoding breaks off"
-                          : "the connection closed inside the response's headers";
+  if (head_.complete() && IsCutOff()) return "the connection closed inside the response's body";
+  return head_.complete() ? "the response's gzip encoding breaks off" : kHeadersBreakOff;
 }
 
 void HttpExchange::Tell(TransferEvent::Kind kind, const char* error) noexcept {

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common_stowraapi/platform/chunk_decoder.h"
 #include "common_stowraapi/platform/curl_handles.h"
 #include "common_stowraapi/platform/exchange_options.h"
 #include "common_stowraapi/platform/gzip_decoder.h"
@@ -84,18 +85,25 @@ class HttpExchange {
   bool OnBody(const void* data, std::size_t length) noexcept;
   bool OnConnected() noexcept;
   void OnSent(std::size_t bytes_in_all) noexcept;
+  bool OnReceived(std::size_t bytes_of_body) noexcept;
 
-  // A header line that libcurl is about to take. Only told of where it matters.
+  // A header line that libcurl is about to take, and a message of TLS from the server. Only told of
+  // where one of them matters.
   void OnHeaderLineAhead(std::string_view line) noexcept;
+  void OnTlsMessage(std::string_view message) noexcept;
 
  private:
   void TakeHeaderLine(std::string_view line);
   void LookAhead(bool wanted);
+  void WatchTls(bool wanted);
+  void AskToBeShown();
   void TakeBody(const void* data, std::size_t length);
+  void TakeEncoded(std::string_view encoded);
   void Decode(const void* data, std::size_t length);
   void Refuse(const char* why);
   void Conclude(bool received, const char* error) noexcept;
   bool IsReplyWhole() const;
+  bool IsCutOff() const;
   bool WillFollowRedirect() const;
   const char* WhyNotReceived(int curl_code) const;
   void Tell(TransferEvent::Kind kind, const char* error = "") noexcept;
@@ -109,8 +117,12 @@ class HttpExchange {
   bool has_progressed_ = false;
 
   ResponseHead head_;
+  std::optional<ChunkDecoder> chunks_;  // where libcurl is told to leave them to this
   std::optional<GzipDecoder> gzip_;
   bool looks_ahead_ = false;
+  bool watches_tls_ = false;
+  bool is_shown_ = false;   // libcurl shows what goes over the connection
+  bool tls_ended_ = false;  // the server has said that its direction ends
   bool has_line_ = false;
   bool has_field_ = false;
   std::size_t encoded_bytes_ = 0;
@@ -118,6 +130,8 @@ class HttpExchange {
   std::size_t unsent_bytes_ = 0;
   const char* refused_ = nullptr;
   bool was_https_ = false;
+  bool awaits_response_ = false;  // a request has been made since the last response began
+  int requests_ = 0;  // made by libcurl for this one: more where it follows redirects, or repeats
   bool began_ = false;
   bool ended_ = false;
   HttpReply reply_;

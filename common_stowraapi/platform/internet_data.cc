@@ -2,13 +2,16 @@
 
 #include <chrono>
 #include <cmath>
+#include <new>
 #include <string>
+#include <utility>
 
 #include "common_stowraapi/platform/background_transfer.h"
 #include "common_stowraapi/platform/background_worker.h"
 #include "common_stowraapi/platform/body_memory.h"
 #include "common_stowraapi/platform/http_message.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/platform/synchronous_transfers.h"
 #include "common_stowraapi/platform/transfer_record.h"
 #include "common_stowraapi/platform/transfer_settings.h"
@@ -23,12 +26,23 @@ namespace {
 // Longer than any transfer, and what the clock can add to any moment.
 constexpr float kLongestTimeout = 1e6F;
 
-// Header names are equal whatever their letter case.
+// Header names are equal whatever their letter case. std::bad_alloc changes nothing.
 void SetHeader(const ovrant_ustring& name, const ovrant_ustring& value, StringMap& headers) {
+  StringMap added;
+  added.emplace(name, value);
   for (auto entry = headers.begin(); entry != headers.end();) {
     entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
   }
-  headers[name] = value;
+  headers.merge(added);
+}
+
+// What an observer throws is its own affair, as on the transport's thread.
+void PostFailure(const InternetDataDelegate& delegate) {
+  try {
+    CNotificationCenter::Default()->SendNotification(delegate.failed_notification(),
+                                                     delegate.context());
+  } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody to pass it to
+  }
 }
 
 void SetHeaders(const StringMap& added, StringMap& headers) {
@@ -48,7 +62,7 @@ InternetData::~InternetData() {
   BodyMemory::Free(received_data_);
 }
 
-bool InternetData::Download() { return Perform(MakeRequest(url_, false, nullptr)); }
+bool InternetData::Download() { return Perform(url_, false, nullptr); }
 
 bool InternetData::DownloadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
   return StartInBackground(delegate, false);
@@ -70,12 +84,12 @@ bool InternetData::SendAndRead(ovrant_ustring url, unsigned char** data, unsigne
                                int* status, StringMap* send_headers, bool /*flag1*/, bool /*flag2*/,
                                bool /*flag3*/, ovrant_ustring /*text1*/, ovrant_ustring /*text2*/,
                                StringMap* received_headers) {
-  const bool received = Perform(MakeRequest(url, true, send_headers));
+  Perform(url, true, send_headers);
+  if (received_headers != nullptr) CopyReceivedHeaders(*received_headers);
   if (data != nullptr) *data = received_data_;
   if (data_length != nullptr) *data_length = received_data_length_;
   if (status != nullptr) *status = status_code_;
-  if (received_headers != nullptr) *received_headers = this->received_headers();
-  return received;
+  return responded_;
 }
 
 const StringMap& InternetData::received_headers() const {
@@ -118,21 +132,47 @@ HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
   return request;
 }
 
-bool InternetData::Perform(HttpRequest request) {
-  Reset();
-  Publish(PerformSynchronously(std::move(request)));
+bool InternetData::Perform(const ovrant_ustring& url, bool is_upload,
+                           const StringMap* send_headers) {
+  try {
+    HttpRequest request = MakeRequest(url, is_upload, send_headers);
+    Reset();
+    transfer_ = std::make_shared<TransferRecord>();
+    Publish(PerformSynchronously(std::move(request)));
+  } catch (const std::bad_alloc&) {
+    Reset();
+  }
   return responded_;
 }
 
 bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upload) {
   if (delegate == nullptr) return false;
-  HttpRequest request = MakeRequest(url_, is_upload, nullptr);
-  auto transfer = std::make_shared<BackgroundTransfer>(
-      std::move(request), TransferSettings::Instance().listener().Current(), *delegate,
-      delegate->gate_, [this](HttpReply reply) { Publish(std::move(reply)); });
-  Reset();
-  transfer_ = transfer;
-  return BackgroundWorker::Submit(std::move(transfer));
+  try {
+    HttpRequest request = MakeRequest(url_, is_upload, nullptr);
+    auto transfer = std::make_shared<BackgroundTransfer>(
+        std::move(request), TransferSettings::Instance().listener().Current(), *delegate,
+        delegate->gate_, [this](HttpReply reply) { Publish(std::move(reply)); });
+    Reset();
+    transfer_ = transfer;
+    return BackgroundWorker::Submit(std::move(transfer));
+  } catch (const std::bad_alloc&) {
+    Reset();
+    PostFailure(*delegate);
+    return true;
+  }
+}
+
+// Want of memory makes a failure of the transfer.
+void InternetData::CopyReceivedHeaders(StringMap& copy) {
+  try {
+    copy = received_headers();
+  } catch (const std::bad_alloc&) {
+    copy.clear();
+    HttpReply failure;
+    failure.status = status_code_;
+    Reset();
+    Publish(std::move(failure));
+  }
 }
 
 void InternetData::Reset() {
@@ -152,10 +192,7 @@ void InternetData::Publish(HttpReply reply) {
   received_data_ = reply.body.Release();
   status_code_ = reply.status;
   received_headers_.clear();
-  if (!reply.headers.empty()) {
-    if (!transfer_) transfer_ = std::make_shared<TransferRecord>();
-    transfer_->unread_headers = std::move(reply.headers);
-  }
+  if (transfer_) transfer_->unread_headers = std::move(reply.headers);
   responded_ = reply.received;
 }
 

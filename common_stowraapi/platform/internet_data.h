@@ -38,7 +38,8 @@ struct HttpRequest;
 // a delivery: then it does not wait. It never waits for the network.
 //
 // Starting a transfer resets status, body and headers, and drops one that still runs: its delegate
-// posts nothing.
+// posts nothing. A transfer that runs out of memory fails like any other. What has no way to say so
+// throws std::bad_alloc and has changed nothing then.
 class STOWRA_EXPORT InternetData {
  public:
   explicit InternetData(ovrant::utils::ovrant_ustring url) : url_(std::move(url)) {}
@@ -54,8 +55,9 @@ class STOWRA_EXPORT InternetData {
   // transfer it posts its returned name if a response was received, else its failed name. Status,
   // body and headers appear in this object just before the post, on the thread that posts.
   // `user_data` is not used. A hundred transfers run at a time; the others wait, and the time of
-  // one that waits has not begun. False, and nothing will be posted, when `delegate` is null, the
-  // process is exiting or the transport's thread cannot be started.
+  // one that waits has not begun. When there is no memory or no thread to start it, the failed
+  // name is posted before this returns, on this thread. False, and nothing will be posted, when
+  // `delegate` is null or the process is exiting.
   bool DownloadWithDelegate(InternetDataDelegate* delegate, void* user_data);
 
   // The same as POST of the send data, or of an empty body where none is set.
@@ -100,8 +102,8 @@ class STOWRA_EXPORT InternetData {
   // Is told of the start, the progress and the end of every transfer that starts from now on, on
   // the thread that runs it, without a lock held; a background transfer is dropped with an end,
   // too, if it has started. Must not throw. On return the function set before is no longer running
-  // on another thread, unless the call is made from inside it or inside a delivery. An empty
-  // function ends it.
+  // on another thread and has been destroyed, so that its code may be unloaded, unless the call is
+  // made from inside it or inside a delivery. An empty function ends it.
   static void SetTransferListener(std::function<void(const TransferEvent&)> listener);
 
   // How the completion of a background transfer reaches the host: `executor` is called on the
@@ -116,8 +118,10 @@ class STOWRA_EXPORT InternetData {
 
   HttpRequest MakeRequest(const ovrant::utils::ovrant_ustring& url, bool is_upload,
                           const ovrant::utils::StringMap* send_headers) const;
-  bool Perform(HttpRequest request);
+  bool Perform(const ovrant::utils::ovrant_ustring& url, bool is_upload,
+               const ovrant::utils::StringMap* send_headers);
   bool StartInBackground(InternetDataDelegate* delegate, bool is_upload);
+  void CopyReceivedHeaders(ovrant::utils::StringMap& copy);
   void Reset();
   void DropTransfer();
   void Publish(HttpReply reply);

@@ -9,18 +9,30 @@ namespace ovrant::internet {
 
 namespace {
 
+constexpr char kTooLong[] = "the response's headers are too long";
+
 constexpr std::string_view kStatusLineStart = "HTTP/";
 constexpr int kFirstFinalStatus = 200;
 constexpr int kNoContent = 204;
 constexpr int kNotModified = 304;
 
+bool FramesBody(std::string_view name) {
+  return EqualsIgnoringCase(name, "Content-Encoding") ||
+         EqualsIgnoringCase(name, "Transfer-Encoding") ||
+         EqualsIgnoringCase(name, "Content-Length");
+}
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// 0 unless a version and a status of three digits are there.
 int ReadStatus(std::string_view line) {
-  const std::size_t space = line.find(' ');
+  const std::string_view version = line.substr(kStatusLineStart.size());
+  if (version.empty() || !IsDigit(version.front())) return 0;
+  const std::string_view text = TrimHeaderText(line.substr(std::min(line.find(' '), line.size())));
+  const bool is_status = text.size() >= 3 && std::all_of(text.begin(), text.begin() + 3, IsDigit) &&
+                         text.front() != '0' && (text.size() == 3 || !IsDigit(text[3]));
   int status = 0;
-  if (space != std::string_view::npos) {
-    const std::string_view digits = TrimHeaderText(line.substr(space));
-    std::from_chars(digits.data(), digits.data() + digits.size(), status);
-  }
+  if (is_status) std::from_chars(text.data(), text.data() + 3, status);
   return status;
 }
 
@@ -39,16 +51,37 @@ const char* ResponseHead::AddLine(std::string_view line) {
   }
   at_beginning_ = begins_response;
   bytes_ += line.size();
-  if (bytes_ > kMaxBytes) return "the response's headers are too long";
-  if (begins_response || complete_) return nullptr;  // complete: a trailer after the body
+  if (bytes_ > kMaxBytes) return kTooLong;
+  if (begins_response && status_ == 0) return "the response's status line is none";
+  if (begins_response || complete_) return nullptr;
   if (std::all_of(line.begin(), line.end(), IsHeaderBlank)) {
     complete_ = status_ >= kFirstFinalStatus;
     return nullptr;
   }
   fields_.AddLine(line);
-  const std::size_t colon = line.find(':');
-  if (colon == std::string_view::npos || BeginsWithBlank(line)) return nullptr;
-  return TakeMeaning(TrimHeaderText(line.substr(0, colon)), line.substr(colon + 1));
+  return TakeField(line);
+}
+
+const char* ResponseHead::AddTrailer(std::string_view line) {
+  at_beginning_ = false;
+  bytes_ += line.size();
+  return bytes_ > kMaxBytes ? kTooLong : nullptr;
+}
+
+// libcurl takes neither what follows a blank before the colon nor a continuation for what frames
+// the body; others do.
+const char* ResponseHead::TakeField(std::string_view line) {
+  if (BeginsWithBlank(line)) {
+    return in_framing_ ? "the response continues a header that frames its body" : nullptr;
+  }
+  const std::size_t colon = std::min(line.find(':'), line.size());
+  const std::string_view name = TrimHeaderText(line.substr(0, colon));
+  in_framing_ = FramesBody(name);
+  if (!in_framing_ || colon == line.size()) return nullptr;
+  if (name.size() != colon) return "the response has a blank in the name of a header";
+  if (const char* why = TakeMeaning(name, line.substr(colon + 1))) return why;
+  return is_unframed_ && content_length_ ? "the response has a length that does not count"
+                                         : nullptr;
 }
 
 bool ResponseHead::HasNoBody() const { return status_ == kNoContent || status_ == kNotModified; }
@@ -81,10 +114,12 @@ const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view un
     is_gzip_ = true;
   } else if (EqualsIgnoringCase(name, "Transfer-Encoding")) {
     const std::string_view value = TrimHeaderText(untrimmed);
-    if (!EqualsIgnoringCase(value, "chunked") && !EqualsIgnoringCase(value, "identity")) {
+    is_chunked_ = is_chunked_ || EqualsIgnoringCase(value, "chunked");
+    is_unframed_ = EqualsIgnoringCase(value, "identity");
+    if (!is_chunked_ && !is_unframed_) {
       return "the response has a transfer encoding that was not offered";
     }
-  } else if (EqualsIgnoringCase(name, "Content-Length")) {
+  } else {
     return AddLengths(untrimmed);
   }
   return nullptr;

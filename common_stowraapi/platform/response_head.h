@@ -22,6 +22,9 @@ class ResponseHead {
   // is never freed).
   const char* AddLine(std::string_view line);
 
+  // The same for a line behind the body, which changes nothing whatever it says.
+  const char* AddTrailer(std::string_view line);
+
   // Whether the last line began a response.
   bool at_beginning() const { return at_beginning_; }
 
@@ -32,7 +35,12 @@ class ResponseHead {
   int status() const { return status_; }
 
   bool is_gzip() const { return is_gzip_; }
-  std::optional<std::size_t> content_length() const { return content_length_; }
+  bool is_chunked() const { return is_chunked_; }
+
+  // The body's; none where chunks frame it, whatever length is given beside them (RFC 9112, 6.3).
+  std::optional<std::size_t> content_length() const {
+    return is_chunked_ ? std::nullopt : content_length_;
+  }
 
   // Whether the response has no body whatever its headers say.
   bool HasNoBody() const;
@@ -41,6 +49,7 @@ class ResponseHead {
 
  private:
   bool BeginsResponse(std::string_view line) const;
+  const char* TakeField(std::string_view line);
   const char* TakeMeaning(std::string_view name, std::string_view untrimmed);
   const char* AddLengths(std::string_view list);
 
@@ -48,7 +57,10 @@ class ResponseHead {
   std::size_t bytes_ = 0;
   int status_ = 0;
   bool complete_ = false;
+  bool in_framing_ = false;  // the last field says how the body is framed or encoded
   bool is_gzip_ = false;
+  bool is_chunked_ = false;
+  bool is_unframed_ = false;  // until the connection closes
   std::optional<std::size_t> content_length_;
   HeaderFields fields_;
 };

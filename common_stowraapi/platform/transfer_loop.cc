@@ -61,8 +61,14 @@ int ToCurlEvents(short events) {
 
 TransferLoop::TransferLoop(WakePipe* wake)
     : wake_(wake), sockets_(std::make_unique<SocketSet>(wake != nullptr ? wake->socket() : -1)) {
+  MakeMulti();
+}
+
+void TransferLoop::MakeMulti() {
   EnsureCurl();
   multi_ = MakeMultiHandle();
+  // What moves on a connection counts as its one transfer's progress.
+  curl_multi_setopt(multi_.get(), CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
   curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, OnSocketChange);
   curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, sockets_.get());
   curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, OnTimerChange);
@@ -74,6 +80,8 @@ TransferLoop::~TransferLoop() {
 }
 
 void TransferLoop::Start(HttpExchange& exchange) {
+  if (failure_ != nullptr) EndAll();
+  if (!multi_) MakeMulti();
   MakeRoom();
   EasyHandle easy = TakeEasy();
   if (!exchange.Begin(easy.get())) {
@@ -85,7 +93,8 @@ void TransferLoop::Start(HttpExchange& exchange) {
   const CURLMcode added = curl_multi_add_handle(multi_.get(), easy.get());
   slots_.push_back({std::move(easy), &exchange});
   if (added != CURLM_OK) {
-    exchange.EndFailed(curl_multi_strerror(added));
+    failure_ = curl_multi_strerror(added);
+    exchange.EndFailed(failure_);
     Finish(slots_.size() - 1);
   }
 }
@@ -119,9 +128,10 @@ HttpExchange* TransferLoop::NextEnded() {
   return exchange;
 }
 
-// Whatever is done to the exchanges from here on needs no more memory of this object.
+// Whatever is done to the exchanges from here on needs no more memory of this object: all handles
+// may end in one list, with the one more that PrepareEasy makes.
 void TransferLoop::MakeRoom() {
-  const std::size_t count = size() + 1;
+  const std::size_t count = size() + 2;
   slots_.reserve(count);
   ended_.reserve(count);
   ready_.reserve(count + ready_.size() + used_.size());
@@ -205,11 +215,10 @@ int TransferLoop::MillisecondsToWait(Clock::time_point now,
 // False when no socket was ready.
 bool TransferLoop::HandleSockets(int milliseconds) {
   if (milliseconds != 0) PrepareEasy();
-  int running = 0;
   const std::vector<SocketSet::Ready>& all_ready = sockets_->Wait(milliseconds);
   for (const SocketSet::Ready& ready : all_ready) {
     if (HttpExchange* exchange = ExchangeOf(ready.owner)) exchange->NoteProgress();
-    curl_multi_socket_action(multi_.get(), ready.socket, ToCurlEvents(ready.events), &running);
+    Act(ready.socket, ToCurlEvents(ready.events));
   }
   if (sockets_->is_woken()) wake_->Drain();
   return !all_ready.empty() || sockets_->is_woken();
@@ -219,15 +228,31 @@ bool TransferLoop::HandleSockets(int milliseconds) {
 bool TransferLoop::HandleTimer() {
   if (!timer_ || (*timer_ != kAtOnce && *timer_ > Clock::now())) return false;
   timer_.reset();
-  int running = 0;
-  curl_multi_socket_action(multi_.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+  Act(CURL_SOCKET_TIMEOUT, 0);
   return true;
+}
+
+void TransferLoop::Act(int socket, int events) {
+  int running = 0;
+  const CURLMcode acted = curl_multi_socket_action(multi_.get(), socket, events, &running);
+  if (acted != CURLM_OK) failure_ = curl_multi_strerror(acted);
 }
 
 void TransferLoop::Conclude(Clock::time_point now) {
   TakeResults();
+  if (failure_ != nullptr) EndAll();
   NoteWhatUploadsSent();
   EndOverdue(now);
+}
+
+void TransferLoop::EndAll() {
+  while (!slots_.empty()) {
+    slots_.back().exchange->EndFailed(failure_);
+    Finish(slots_.size() - 1);
+  }
+  multi_.reset();
+  timer_.reset();
+  failure_ = nullptr;
 }
 
 void TransferLoop::TakeResults() {
@@ -235,7 +260,9 @@ void TransferLoop::TakeResults() {
   while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
     if (message->msg != CURLMSG_DONE) continue;
     const std::size_t index = IndexOf(message->easy_handle);
-    slots_[index].exchange->End(message->data.result);
+    const CURLcode result = message->data.result;
+    if (result == CURLE_OUT_OF_MEMORY) failure_ = curl_easy_strerror(result);
+    slots_[index].exchange->End(result);
     Finish(index);
   }
 }

@@ -57,6 +57,7 @@ class TransferLoop {
     HttpExchange* exchange;
   };
 
+  void MakeMulti();
   void MakeRoom();
   EasyHandle TakeEasy();
   void PrepareEasy() noexcept;
@@ -68,8 +69,10 @@ class TransferLoop {
   int MillisecondsToWait(Clock::time_point now, std::chrono::milliseconds longest) const;
   bool HandleSockets(int milliseconds);
   bool HandleTimer();
+  void Act(int socket, int events);
   void Conclude(Clock::time_point now);
   void TakeResults();
+  void EndAll();
   void EndOverdue(Clock::time_point now);
   bool IsAnsweredEarly(const Slot& slot) const;
   void NoteWhatUploadsSent();
@@ -79,6 +82,11 @@ class TransferLoop {
   // libcurl reports to these while its handle is destroyed, too.
   std::unique_ptr<SocketSet> sockets_;
   std::optional<Clock::time_point> timer_;
+
+  // Why libcurl has failed, mostly for want of memory. It does not say in which transfer, reports
+  // nothing more of that one, and may hold half a record of it, over which it falls later: all
+  // transfers end then, and the multi handle with them. The next one to start makes another.
+  const char* failure_ = nullptr;
 
   std::vector<EasyHandle> ready_;  // for the exchanges to come
   std::vector<EasyHandle> used_;   // by exchanges that have ended

@@ -17,7 +17,8 @@ class STOWRA_EXPORT URL {
   // Finds the first parameter named `key`, as it is written in the URL (parameters are separated by
   // '&', name and value by the first '='). True with its value in `value`: percent-decoded as
   // UTF-8, "+" read as a space, empty if the parameter has none. A '%' without two hexadecimal
-  // digits stands for itself. False if there is no such parameter; `value` is then unchanged.
+  // digits stands for itself. False if there is no such parameter; `value` is then unchanged, as it
+  // is when memory runs out, which throws std::bad_alloc.
   bool getValueForExtraInfoKey(ovrant::utils::ovrant_ustring key,
                                ovrant::utils::ovrant_ustring& value);
 

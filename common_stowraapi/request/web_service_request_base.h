@@ -72,8 +72,7 @@ class STOWRA_EXPORT WebServiceRequestBase : public IObserver {
 
   // Drops the background transfer, if any, and starts another. Returns at once;
   // OnAsyncResponseSuccess or OnAsyncResponseFail follows; the latter at once, on this thread, when
-  // there is no memory for the transfer. With an empty URL it does nothing at all, and no hook
-  // follows when the transport says that it cannot start (see InternetData::DownloadWithDelegate).
+  // there is no memory for the transfer. With an empty URL it does nothing at all.
   void AsynchronousRequest();
 
   // Observes both notification names through CNotificationCenter::Default(); stops observing.

@@ -1,6 +1,7 @@
 #include "common_stowraapi/services/extension_store_status.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "common_stowraapi/platform/internet_data.h"
@@ -147,7 +148,13 @@ std::map<ovrant_ustring, ExtensionStoreItem> ExtensionStoreStatus::GetItemMapFro
 void ExtensionStoreStatus::AddNotifications() {
   CNotificationCenter* center = CNotificationCenter::Default();
   center->AddObserver(kExtensionStoreStatusRequestReturnedNotification, this);
-  center->AddObserver(kExtensionStoreStatusRequestFailedNotification, this);
+  try {
+    center->AddObserver(kExtensionStoreStatusRequestFailedNotification, this);
+  } catch (const std::bad_alloc&) {
+    // No destructor follows a constructor that has thrown.
+    RemoveNotifications();
+    throw;
+  }
 }
 
 void ExtensionStoreStatus::RemoveNotifications() {

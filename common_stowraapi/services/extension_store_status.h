@@ -87,8 +87,7 @@ class STOWRA_EXPORT ExtensionStoreStatus : public IObserver {
 
   // Drops the background transfer, if any, and sends the request in the background. Returns at
   // once; "ExtensionStoreAsyncStatusSucceeded" or "ExtensionStoreAsyncStatusFailed" follows; the
-  // latter at once, on this thread, when there is no memory for the transfer. Nothing follows when
-  // the transport says that it cannot start (see InternetData::UploadWithDelegate).
+  // latter at once, on this thread, when there is no memory for the transfer.
   void AsynchronousStatus();
 
   // Handles the end of this object's background transfer, by name; any other name is ignored.

@@ -6,6 +6,7 @@
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/services/json_fields.h"
 
 namespace ovrant::webservices {
@@ -56,6 +57,22 @@ void AppendDataFiles(const Value& files, std::vector<DataFileData>& result) {
   }
 }
 
+bool ReadResults(const ovrant_ustring& body, UpdateQuery& query) {
+  json::Document document;
+  if (!document.Load(body)) return false;
+  const Value root = Lookup::Root(document);
+  const Value update = Lookup::Member(root, "update");
+  ReadString(update, "current_version", query.current_version_);
+  ReadString(update, "expire_version", query.expire_version_);
+  // A version kept from an earlier response counts.
+  const bool valid = update.HasMember("expire_version") && !query.current_version_.empty() &&
+                     !query.expire_version_.empty();
+
+  ReadMessage(Lookup::Member(root, "message"), query.message_);
+  AppendDataFiles(Lookup::Member(root, "datafiles"), query.data_files_);
+  return valid;
+}
+
 }  // namespace
 
 MessageData::MessageData() = default;
@@ -84,21 +101,7 @@ UpdateQuery::~UpdateQuery() { RemoveNotifications(); }
 
 bool UpdateQuery::ParseResponse(const ovrant_ustring& body) {
   data_files_.clear();
-  if (body.empty()) return false;
-  json::Document document;
-  if (!document.Load(body)) return false;
-
-  const Value root = Lookup::Root(document);
-  const Value update = Lookup::Member(root, "update");
-  ReadString(update, "current_version", current_version_);
-  ReadString(update, "expire_version", expire_version_);
-  // A version kept from an earlier response counts.
-  const bool valid =
-      update.HasMember("expire_version") && !current_version_.empty() && !expire_version_.empty();
-
-  ReadMessage(Lookup::Member(root, "message"), message_);
-  AppendDataFiles(Lookup::Member(root, "datafiles"), data_files_);
-  return valid;
+  return !body.empty() && Succeeds([&] { return ReadResults(body, *this); });
 }
 
 void UpdateQuery::OnSyncResponseSuccess() { Post(kUpdateQuerySucceededNotification); }

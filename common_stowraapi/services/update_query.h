@@ -67,7 +67,7 @@ class STOWRA_EXPORT UpdateQuery : public WebServiceRequestBase {
   // Reads the results from the JSON object in `body`. Each field that is missing there, or has
   // another type, keeps the value it had, from an earlier answer too; data_files_ is emptied first,
   // whatever follows. True when `body` has an "update" with an "expire_version" and both versions
-  // are now non-empty.
+  // are now non-empty. False otherwise, and for want of memory, with what could be read.
   bool ParseResponse(const ovrant::utils::ovrant_ustring& body) override;
 
   // Post "UpdateQueryAsyncSucceeded" and "UpdateQueryAsyncFailed".

@@ -3,6 +3,7 @@
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/succeeds.h"
 
 namespace ovrant::webservices {
 
@@ -60,12 +61,14 @@ void UserInfoQuery::SendCacheUpdateNotification() {
 }
 
 bool UserInfoQuery::ParseResponse(const ovrant_ustring& body) {
-  StringMap candidate = ReadMembers(body);
-  for (const ovrant_ustring* key : {&kUserIdKey, &kUserEmailKey, &kUserVkrhIdKey}) {
-    if (candidate.count(*key) == 0) return false;
-  }
-  user_info_cache_.swap(candidate);
-  return true;
+  return Succeeds([&] {
+    StringMap candidate = ReadMembers(body);
+    for (const ovrant_ustring* key : {&kUserIdKey, &kUserEmailKey, &kUserVkrhIdKey}) {
+      if (candidate.count(*key) == 0) return false;
+    }
+    user_info_cache_.swap(candidate);
+    return true;
+  });
 }
 
 void UserInfoQuery::OnSyncResponseSuccess() { SendCacheUpdateNotification(); }

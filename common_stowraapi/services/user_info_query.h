@@ -47,7 +47,7 @@ class STOWRA_EXPORT UserInfoQuery : public WebServiceRequestBase {
 
   // Replaces the cache by the members of the JSON object in `body`; of a repeated name the last one
   // counts, and a value that is no string counts as the empty one. False, with the cache unchanged,
-  // when `body` is not such an object or lacks a required member.
+  // when `body` is not such an object or lacks a required member, or memory runs out.
   bool ParseResponse(const ovrant::utils::ovrant_ustring& body) override;
 
   // Success posts "UserInfoUpdated"; failure does nothing.

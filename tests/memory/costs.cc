@@ -1,6 +1,6 @@
 #include "tests/memory/costs.h"
 
-#include "tests/platform/xml/counting_malloc.h"
+#include "tests/support/failing_malloc.h"
 
 namespace stowra_test {
 

@@ -7,7 +7,7 @@
 
 #include "tests/memory/costs.h"
 #include "tests/memory/parsers.h"
-#include "tests/platform/xml/counting_malloc.h"
+#include "tests/support/failing_malloc.h"
 
 #ifdef STOWRA_COUNTS_MEMORY
 

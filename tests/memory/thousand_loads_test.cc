@@ -15,7 +15,7 @@
 #include "common_stowraapi/services/item_map.h"
 #include "common_stowraapi/services/update_query.h"
 #include "common_stowraapi/services/user_info_query.h"
-#include "tests/platform/xml/counting_malloc.h"
+#include "tests/support/failing_malloc.h"
 #include "tests/support/raw_server.h"
 
 #ifdef STOWRA_COUNTS_MEMORY

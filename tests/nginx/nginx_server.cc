@@ -38,13 +38,15 @@ http {
   scgi_temp_path @FOLDER@/scgi;
   log_format words '$request_method $uri $status $connection $connection_requests '
                    '$sent_http_content_length $sent_http_content_encoding '
-                   '$sent_http_transfer_encoding';
+                   '$sent_http_transfer_encoding $server_protocol';
   access_log @FOLDER@/access.log words;
+  lingering_close off;
   default_type application/atom+xml;
   server {
     listen 127.0.0.1:@LISTEN@;
     @TLS@
     location /plain/ { alias @FOLDER@/pages/; }
+    location /slow/ { alias @FOLDER@/pages/; limit_rate 200k; limit_rate_after 20k; }
     location /gzip/ { alias @FOLDER@/pages/; gzip on; gzip_types *; gzip_min_length 1; }
     location /chunked/ { alias @FOLDER@/pages/; ssi on; ssi_types *; }
     location /moved/ { rewrite ^/moved/(.*)$ /plain/$1 redirect; }
@@ -142,7 +144,7 @@ std::string NginxServer::Configuration() const {
   const std::string port = std::to_string(port_);
   const std::string pem = Inside("certificate.pem").string();
   std::string text = kConfiguration;
-  Replace(text, "@LISTEN@", port + (has_tls_ ? " ssl" : ""));
+  Replace(text, "@LISTEN@", port + (has_tls_ ? " ssl http2" : ""));
   Replace(text, "@TLS@",
           has_tls_ ? "ssl_certificate " + pem + "; ssl_certificate_key " + pem + ";" : "");
   Replace(text, "@USER@", UserDirective());
@@ -168,7 +170,7 @@ std::vector<LoggedRequest> NginxServer::Stop() {
   std::istringstream log(ReadFile(Inside("access.log")));
   for (LoggedRequest next; log >> next.method >> next.path >> next.status >> next.connection >>
                            next.connection_requests >> next.content_length >>
-                           next.content_encoding >> next.transfer_encoding;) {
+                           next.content_encoding >> next.transfer_encoding >> next.protocol;) {
     requests.push_back(next);
   }
   EXPECT_TRUE(log.eof());

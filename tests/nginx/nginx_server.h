@@ -25,6 +25,7 @@ struct LoggedRequest {
   std::string content_length;   // of the response, as the next three
   std::string content_encoding;
   std::string transfer_encoding;
+  std::string protocol;  // of the request: HTTP/1.1 or HTTP/2.0
 };
 
 // Listens on 127.0.0.1 and a port of the system's choice; everything that it writes lies in a
@@ -34,10 +35,11 @@ struct LoggedRequest {
 //   /gzip/FILE     the same, packed while it is sent
 //   /chunked/FILE  the same, of unknown length
 //   /moved/FILE    leads to /plain/FILE
+//   /slow/FILE     the same as /plain/FILE, 200 KB a second after the first 20 KB
 //   /upload        takes what is posted, up to 32 MB; more than 1 MB at /upload/small is refused
 class NginxServer {
  public:
-  // With TLS if there is a certificate.
+  // With TLS, and HTTP/2 for who asks for it, if there is a certificate.
   explicit NginxServer(const Certificate* certificate = nullptr);
   ~NginxServer();
   NginxServer(const NginxServer&) = delete;

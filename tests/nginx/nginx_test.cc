@@ -14,15 +14,18 @@
 #include "common_stowraapi/content/multipart_upload.h"
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
 #include "tests/nginx/feed_text.h"
 #include "tests/nginx/nginx_server.h"
 #include "tests/support/certificates.h"
+#include "tests/support/notification_recorder.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::internet::InternetData;
+using ovrant::internet::InternetDataDelegate;
 using ovrant::internet::TransferDefaults;
 using ovrant::internet::TransferEvent;
 using ovrant::stowraapiclient::ContentQuery;
@@ -35,6 +38,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr int kModels = 300;
+constexpr char kEnded[] = "NginxTestEnded";
 
 ovrant_ustring Text(const std::string& utf8) { return utf8.c_str(); }
 
@@ -150,6 +154,32 @@ TEST_F(NginxTest, SearchesOverTls) {
     ExpectModels("chairs", kModels);
   }
   EXPECT_THAT(server.Stop(), SizeIs(5));
+}
+
+// On a shared connection no transfer could tell its own silence from another one's progress.
+TEST_F(NginxTest, EachTransferUnderWayHasAConnectionOfItsOwnOverHttp2) {
+  const CertificateAuthority authority("Ours");
+  Trust(authority);
+  const Certificate certificate = authority.Issue("IP:127.0.0.1");
+  NginxServer server(&certificate);
+  server.AddFile("page", std::string(60'000, 'x'));
+  InternetData plain(Text(server.Url("/plain/page")));
+  InternetData first(Text(server.Url("/slow/page")));
+  InternetData second(Text(server.Url("/slow/page")));
+  NotificationRecorder recorder({kEnded});
+  InternetDataDelegate delegate(nullptr, 1, kEnded, 2, kEnded);
+  // One connection is there that both could use.
+  ASSERT_TRUE(plain.DownloadWithDelegate(&delegate, nullptr));
+  ASSERT_TRUE(recorder.WaitFor(1));
+  ASSERT_TRUE(first.DownloadWithDelegate(&delegate, nullptr));
+  ASSERT_TRUE(second.DownloadWithDelegate(&delegate, nullptr));
+  ASSERT_TRUE(recorder.WaitFor(3));
+  EXPECT_EQ(first.received_data_length(), 60'000U);
+  EXPECT_EQ(second.received_data_length(), 60'000U);
+  const std::vector<LoggedRequest> log = server.Stop();
+  ASSERT_THAT(log, SizeIs(3));
+  EXPECT_NE(log[1].connection, log[2].connection);
+  for (const LoggedRequest& request : log) EXPECT_EQ(request.protocol, "HTTP/2.0");
 }
 
 TEST_F(NginxTest, RefusesACertificateForAnotherName) {

@@ -122,11 +122,11 @@ TEST_F(ContentQueryFeedTest, TheUrlMayBeTheQuerysOwn) {
   }
 }
 
-TEST_F(ContentQueryFeedTest, RunningOutOfMemoryDeletesTheTransport) {
+TEST_F(ContentQueryFeedTest, RunningOutOfMemoryIsAFailureAndDeletesTheTransport) {
   ScriptTransfer(Reply(200, "body"));
   ScriptDocument(Feed());
   SetFailingOperation("GetElementInt o:startIndex");
-  EXPECT_THROW(query.QueryFeed("http://a/"), std::bad_alloc);
+  EXPECT_FALSE(query.QueryFeed("http://a/"));
   EXPECT_EQ(CountTransports(), 0);
   EXPECT_EQ(query.title_, "");
 }

@@ -187,7 +187,10 @@ TEST_F(ExtensionStoreAsyncTest, AReceivedFailureWithoutATransportIsPosted) {
   EXPECT_THAT(TakeEffects(), ElementsAre(kPublicFailure));
 }
 
-TEST_F(ExtensionStoreAsyncTest, MayBeDeletedInItsPublicNotification) {
+#ifdef NDEBUG
+
+// No host may do so, and a debug build says so. Elsewhere nothing is checked, and nothing breaks.
+TEST_F(ExtensionStoreAsyncTest, DeletionInItsPublicNotificationBreaksNothing) {
   const Outcome outcomes[] = {Reply(200, kOne), Reply(500, ""), NoReply()};
   for (const Outcome& outcome : outcomes) {
     auto mortal = std::make_unique<ExtensionStoreStatus>();
@@ -201,6 +204,8 @@ TEST_F(ExtensionStoreAsyncTest, MayBeDeletedInItsPublicNotification) {
     EXPECT_EQ(success.count() + failure.count(), 1);
   }
 }
+
+#endif
 
 }  // namespace
 }  // namespace stowra_substitute

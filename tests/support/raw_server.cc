@@ -17,6 +17,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tests/support/bystander.h"
 #include "tests/support/event.h"
 
 namespace stowra_test {
@@ -92,7 +93,7 @@ bool RawRequest::HasHeader(std::string_view name) const {
 RawServer::RawServer(Handler handler) : RawServer(std::move(handler), Options()) {}
 
 RawServer::RawServer(Handler handler, const Options& options)
-    : handler_(std::move(handler)), reads_body_(options.reads_body) {
+    : handler_(std::move(handler)), reads_body_(options.reads_body), records_(options.records) {
   if (options.certificate != nullptr) tls_ = MakeTls(*options.certificate);
   Check(pipe(stop_pipe_.data()) == 0);
   for (const int end : stop_pipe_) CloseOnExec(end);
@@ -141,9 +142,9 @@ bool RawServer::WaitForConnections(int count) const {
   return changed_.wait_for(lock, kPatience, [this, count] { return connections_ >= count; });
 }
 
-bool RawServer::WaitUntilUnused() const {
+bool RawServer::WaitUntilOpen(int count) const {
   std::unique_lock<std::mutex> lock(mutex_);
-  return changed_.wait_for(lock, kPatience, [this] { return open_ == 0; });
+  return changed_.wait_for(lock, kPatience, [this, count] { return open_ == count; });
 }
 
 void RawServer::Listen(int receive_buffer) {
@@ -166,6 +167,7 @@ void RawServer::Listen(int receive_buffer) {
 }
 
 void RawServer::Accept() {
+  is_bystander = true;
   while (true) {
     std::array<pollfd, 2> polls = {{{listener_, POLLIN, 0}, {stop_socket(), POLLIN, 0}}};
     if (poll(polls.data(), polls.size(), -1) < 0 && errno != EINTR) return;
@@ -193,6 +195,7 @@ void RawServer::Accept() {
 }
 
 void RawServer::Serve(Client& client, int index) {
+  is_bystander = true;
   BlockBrokenPipeSignal();
   {
     RawConnection connection(client.socket, tls_.get(), *this);
@@ -235,6 +238,7 @@ bool RawServer::ReadRequest(RawConnection& connection, RawRequest& request) cons
 }
 
 void RawServer::Record(const RawRequest& request) {
+  if (!records_) return;
   const std::lock_guard<std::mutex> lock(mutex_);
   requests_.push_back(request);
   changed_.notify_all();
@@ -294,6 +298,12 @@ void RawConnection::EndWriting() {
 void RawConnection::Close() {
   if (closed_) return;
   EndWriting();
+  Stall();
+}
+
+void RawConnection::Cut() {
+  closed_ = true;
+  shutdown(socket_, SHUT_WR);
   Stall();
 }
 

@@ -57,6 +57,9 @@ class RawConnection {
   void EndWriting();
   void Close();
 
+  // Ends the server's direction below TLS, whose own end is not announced; then as Close.
+  void Cut();
+
   // Ends the connection so that the client sees a reset.
   void Reset();
 
@@ -96,6 +99,7 @@ class RawServer {
     const Certificate* certificate = nullptr;  // TLS if given
     bool reads_body = true;                    // false: the handler is called after the headers
     int receive_buffer = 0;                    // bytes; 0: the system's choice
+    bool records = true;                       // false: requests() stays empty
   };
 
   explicit RawServer(Handler handler);
@@ -118,7 +122,10 @@ class RawServer {
   bool WaitForConnections(int count) const;
 
   // Whether no connection is open any more within kPatience.
-  bool WaitUntilUnused() const;
+  bool WaitUntilUnused() const { return WaitUntilOpen(0); }
+
+  // Whether `count` connections are open within kPatience.
+  bool WaitUntilOpen(int count) const;
 
  private:
   friend class RawConnection;
@@ -139,6 +146,7 @@ class RawServer {
 
   const Handler handler_;
   const bool reads_body_;
+  const bool records_;
   std::unique_ptr<SSL_CTX, OpensslDeleter> tls_;
   int listener_ = -1;
   int port_ = 0;

@@ -113,6 +113,20 @@ TEST_F(BodyCapTest, BodyOfARedirectDoesNotCount) {
   EXPECT_TRUE(BodyOf(transport) == std::string(kCap, 'x'));
 }
 
+TEST_F(BodyCapTest, HoldsForTheBodyOfARedirect) {
+  SetBodyCap(kCap);
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    const std::string piece = "100000\r\n" + std::string(kMebibyte, 'x') + "\r\n";
+    connection.Write("HTTP/1.1 302 Found\r\nLocation: /next\r\nTransfer-Encoding: chunked\r\n\r\n");
+    while (connection.Write(piece)) {
+    }
+  });
+  InternetData transport(Text(server.Url()));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport, 302);
+  EXPECT_EQ(LastRequest(server).target, "/");
+}
+
 TEST_F(BodyCapTest, CapThatIsTakenBackIsTheDefaultAgain) {
   SetBodyCap(kCap);
   InternetData::SetDefaults(TransferDefaults());

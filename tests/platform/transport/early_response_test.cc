@@ -86,6 +86,22 @@ INSTANTIATE_TEST_SUITE_P(
 
 class EarlyEndTest : public TransportTest {};
 
+TEST_F(EarlyEndTest, LengthBesideChunksDoesNotMakeACutResponseWhole) {
+  const RawServer server(
+      [](const RawRequest&, RawConnection& connection) {
+        connection.Write(
+            "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nContent-Length: 5\r\n\r\n"
+            "5\r\nhello\r\n");
+        connection.Close();
+      },
+      {nullptr, false, 0});
+  InternetData transport(Text("none:"));
+  SetSendData(std::string(kLargeBody, 'x'), transport);
+  EXPECT_FALSE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                     false, true, "", "", nullptr));
+  ExpectFailureState(transport, 200);
+}
+
 TEST_F(EarlyEndTest, ResponseThatEndsWithTheConnectionIsReceived) {
   // Whatever the upload does: the server's direction has ended in order.
   const RawServer server(

@@ -3,14 +3,17 @@
 // Starts transfers of URL, which nobody answers unless the mode says so, waits for a line on its
 // input, says "leaving" and leaves as the mode says, with kExitChildCode.
 
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -29,6 +32,19 @@ extern "C" __attribute__((visibility("default"))) const char* __tsan_default_opt
 const char* __tsan_default_options() { return "atexit_sleep_ms=0"; }
 
 namespace stowra_test {
+
+void WaitForWord() {
+  char line[16];
+  if (std::fgets(line, sizeof(line), stdin) == nullptr) std::abort();
+}
+
+void Say(const char* text) {
+  std::puts(text);
+  std::fflush(stdout);
+}
+
+void Leave() { Say(kExitChildLeaving); }
+
 namespace {
 
 using ovrant::internet::InternetData;
@@ -60,18 +76,6 @@ void StartHeld() {
   held = new Transfers;
   held->Start();
 }
-
-void WaitForWord() {
-  char line[16];
-  if (std::fgets(line, sizeof(line), stdin) == nullptr) std::abort();
-}
-
-void Say(const char* text) {
-  std::puts(text);
-  std::fflush(stdout);
-}
-
-void Leave() { Say(kExitChildLeaving); }
 
 // What to do at the end of each transfer.
 class Observer final : public ovrant::IObserver {
@@ -244,7 +248,51 @@ int ForkAndExec(const char* self) {
   return kExitChildCode;
 }
 
-int Run(const std::string& mode, const char* self) {
+// libcurl has a pair of local sockets in each of its multi handles, unused here, that other
+// programs may inherit: it names them to nobody.
+bool IsOpen(int descriptor) {
+  if (fcntl(descriptor, F_GETFD) < 0) return false;
+  sockaddr_storage address = {};
+  socklen_t length = sizeof(address);
+  return getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
+         address.ss_family != AF_UNIX;
+}
+
+int OpenDescriptors() {
+  int count = 0;
+  for (int descriptor = 0; descriptor < 1024; ++descriptor) count += IsOpen(descriptor);
+  return count;
+}
+
+// A program that is started while transfers run has as many descriptors as this one had at first,
+// and the transfers, which are answered after the second word, end as if nothing had been.
+int ForkAndExecThenEnd(const char* self, int descriptors_at_first) {
+  static std::promise<void> all_ended;
+  static std::atomic<int> ended{0};
+  static Observer* const observer = new Observer([] {
+    if (++ended == kExitChildTransfers) all_ended.set_value();
+  });
+  static_cast<void>(observer);
+  StartHeld();
+  WaitForWord();
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(self, self, "count-descriptors", static_cast<char*>(nullptr));
+    _exit(1);
+  }
+  int status = 0;
+  if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return 2;
+  if (WEXITSTATUS(status) != descriptors_at_first) return 3;
+  Say(kExitChildReady);
+  all_ended.get_future().wait();
+  for (const auto& transport : held->transports) {
+    if (transport->status_code() != 200) return 4;
+  }
+  Leave();
+  return kExitChildCode;
+}
+
+int Run(const std::string& mode, const char* self, int descriptors_at_first) {
   const std::map<std::string, std::function<int()>> modes = {
       {"return", Return},
       {"return-and-destroy", ReturnAndDestroy},
@@ -258,9 +306,10 @@ int Run(const std::string& mode, const char* self) {
       {"return-during-a-blocking-download", ReturnDuringABlockingDownload},
       {"return-with-queued-completions", ReturnWithQueuedCompletions},
       {"fork-and-exec", [self] { return ForkAndExec(self); }},
+      {"fork-and-exec-then-end", [=] { return ForkAndExecThenEnd(self, descriptors_at_first); }},
   };
   const auto found = modes.find(mode);
-  return found == modes.end() ? 2 : found->second();
+  return found == modes.end() ? RunWithRequests(mode, url) : found->second();
 }
 
 }  // namespace
@@ -268,7 +317,9 @@ int Run(const std::string& mode, const char* self) {
 
 int main(int count, char** arguments) {
   if (count < 2) return 2;
+  const int descriptors = stowra_test::OpenDescriptors();
   const std::string mode = arguments[1];
+  if (mode == "count-descriptors") return descriptors;
   if (mode == "count-connections") return stowra_test::OpenConnections();
   if (count < 3) return 2;
   stowra_test::url = arguments[2];
@@ -277,5 +328,5 @@ int main(int count, char** arguments) {
     defaults.ca_file = arguments[3];
     stowra_test::InternetData::SetDefaults(defaults);
   }
-  return stowra_test::Run(mode, arguments[0]);
+  return stowra_test::Run(mode, arguments[0], descriptors);
 }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <mutex>
+#include <set>
 #include <string>
 
 #include "common_stowraapi/platform/curl_handles.h"
@@ -124,6 +126,21 @@ TEST_F(HandleReuseTest, DefaultsThatAreTakenBackAreForgotten) {
   ExpectHello(server.Url("/direct"));
   EXPECT_EQ(LastRequest(server).target, "/direct");
   EXPECT_EQ(LastRequest(server).Header("User-Agent"), "");
+}
+
+// Such a request is made again on another connection, and that only so many times.
+TEST_F(HandleReuseTest, KeptConnectionsMayCloseUnderAnyNumberOfTransfers) {
+  std::mutex mutex;
+  std::set<int> used;
+  const RawServer server([&](const RawRequest& request, RawConnection& connection) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (used.insert(request.connection).second) {
+      connection.Write(Response(200, "hello"));
+    } else {
+      connection.EndWriting();
+    }
+  });
+  for (int i = 0; i < 20; ++i) ExpectHello(server.Url());
 }
 
 TEST_F(HandleReuseTest, ManyTransfersThatCannotBeMadeSpoilNone) {

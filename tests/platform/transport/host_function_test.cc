@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -38,6 +39,29 @@ TEST(HostFunction, CallsWithTheArgumentsInsideADelivery) {
   EXPECT_EQ(seen, "1a");
   EXPECT_TRUE(inside);
   EXPECT_FALSE(DeliveryScope::IsInside());
+}
+
+TEST(HostFunction, ReplacedOneIsDestroyedAtOnceThoughATransferKnowsIt) {
+  HostFunction<> place;
+  const auto held = std::make_shared<int>(0);
+  place.Replace([held] { ++*held; });
+  const auto known = place.Current();
+  EXPECT_EQ(held.use_count(), 2);
+  place.Replace(nullptr);
+  EXPECT_EQ(held.use_count(), 1);
+  EXPECT_FALSE(known->Call());
+}
+
+TEST(HostFunction, ReplacedOneInsideItsOwnCallLivesToItsEnd) {
+  HostFunction<> place;
+  const auto held = std::make_shared<int>(0);
+  place.Replace([&place, held] {
+    place.Replace(nullptr);
+    ++*held;
+  });
+  EXPECT_TRUE(place.Current()->Call());
+  EXPECT_EQ(*held, 1);
+  EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST(HostFunction, ReplacedOneIsNotCalledAndLeavesTheArguments) {

@@ -104,7 +104,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"ChunkSizeBeyondAllNumbers", CHUNKED "fffffffffffffffff\r\nhello\r\n0\r\n\r\n", 200},
         Case{"ChunkLongerThanItsSize", CHUNKED "3\r\nhello\r\n0\r\n\r\n", 200},
         Case{"UnknownTransferEncoding", "HTTP/1.1 200 OK\r\nTransfer-Encoding: rot13\r\n\r\nhello",
-             200}),
+             200},
+        Case{"StatusOfFourDigits", "HTTP/1.1 2000 OK\r\nContent-Length: 5\r\n\r\nhello", 0},
+        Case{"NoVersion", "HTTP//1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello", 0}),
     [](const auto& test) { return test.param.name; });
 
 class OddResponseTest : public TransportTest {};
@@ -117,6 +119,15 @@ TEST_F(OddResponseTest, SameLengthTwiceIsNoContradiction) {
     EXPECT_TRUE(transport.Download()) << lengths;
     EXPECT_EQ(BodyOf(transport), "hello");
   }
+}
+
+TEST_F(OddResponseTest, TrailerLikeAStatusLineIsATrailer) {
+  const RawServer server(
+      Always(CHUNKED "5\r\nhello\r\n0\r\nHTTP/1.1 404 Not: Found\r\nX-Trailer: 1\r\n\r\n"));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(transport.status_code(), 200);
+  EXPECT_EQ(BodyOf(transport), "hello");
 }
 
 TEST_F(OddResponseTest, FoldedLineThatContinuesNothingHarmsNobody) {

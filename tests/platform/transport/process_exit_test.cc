@@ -106,6 +106,12 @@ class Child {
   bool output_ended_ = false;
 };
 
+std::string NameOfWay(const testing::TestParamInfo<const char*>& test) {
+  std::string name = test.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
 class ProcessExitTest : public ::testing::TestWithParam<const char*> {};
 
 // Transfers that nobody answers.
@@ -147,11 +153,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, ProcessExitTest,
                                            "return-with-young-static", "exit",
                                            "exit-from-another-thread", "exit-inside-the-listener",
                                            "fork-and-exec"),
-                         [](const auto& test) {
-                           std::string name = test.param;
-                           std::replace(name.begin(), name.end(), '-', '_');
-                           return name;
-                         });
+                         NameOfWay);
 
 class ProcessEndTest : public ::testing::Test {};
 
@@ -206,24 +208,74 @@ TEST_F(ProcessEndTest, IsQuickDuringABlockingDownload) {
   child.ExpectToLeave();
 }
 
-TEST_F(ProcessEndTest, IsQuickWhenItsUserWasUnloaded) {
-  const RawServer server(Silence());
-  Child child({STOWRA_UNLOAD_CHILD, STOWRA_UNLOAD_PLUGIN, server.Url()});
+// The program that it starts meanwhile inherits nothing of them.
+TEST_F(ProcessEndTest, TransfersEndAfterForkAndExec) {
+  Event answer;
+  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
+    if (answer.Wait()) connection.Write(Response(200, "hello"));
+  });
+  Child child({STOWRA_EXIT_CHILD, "fork-and-exec-then-end", server.Url()});
   ASSERT_TRUE(server.WaitForRequests(kTransfers));
+  const auto begin = Clock::now();
+  child.SayGo();
+  child.ExpectLine(kExitChildReady);
+  EXPECT_LT(Clock::now() - begin, kLongestExit);
+  answer.Set();
+  child.ExpectToLeave();
+}
+
+class RequestsAtExitTest : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(RequestsAtExitTest, AreNoHindrance) {
+  const RawServer server(Silence());
+  Child child({STOWRA_EXIT_CHILD, GetParam(), server.Url()});
+  ASSERT_TRUE(server.WaitForRequests(kExitChildRequests));
+  child.SayGo();
+  child.ExpectToLeave();
+}
+
+constexpr const char* kWaysWithRequests[] = {
+    "return-with-requests",
+    "return-and-destroy-requests",
+    "return-with-young-static-requests",
+    "return-with-old-static-requests",
+    "exit-with-requests",
+#if !defined(__APPLE__)
+    "quick-exit-with-requests",
+#endif
+    "exit-at-once-with-requests",
+};
+
+INSTANTIATE_TEST_SUITE_P(Ways, RequestsAtExitTest, ::testing::ValuesIn(kWaysWithRequests),
+                         NameOfWay);
+
+// A plugin that starts transfers, or requests, and is unloaded; and how many.
+struct Plugin {
+  const char* name;
+  const char* path;
+  std::size_t transfers;
+};
+
+class UnloadedUserTest : public ::testing::TestWithParam<Plugin> {};
+
+TEST_P(UnloadedUserTest, ExitIsQuick) {
+  const RawServer server(Silence());
+  Child child({STOWRA_UNLOAD_CHILD, GetParam().path, server.Url()});
+  ASSERT_TRUE(server.WaitForRequests(GetParam().transfers));
   child.SayGo();
   child.ExpectLine(kUnloadChildUnloaded);
   child.SayGo();
   child.ExpectToLeave();
 }
 
-TEST_F(ProcessEndTest, TransfersEndAfterTheirUserWasUnloaded) {
+TEST_P(UnloadedUserTest, TransfersEnd) {
   Event answer;
   const RawServer server([&](const RawRequest&, RawConnection& connection) {
     if (!answer.Wait()) return;
     connection.Write(Response(200, "hello", "Connection: close\r\n"));
   });
-  Child child({STOWRA_UNLOAD_CHILD, STOWRA_UNLOAD_PLUGIN, server.Url()});
-  ASSERT_TRUE(server.WaitForRequests(kTransfers));
+  Child child({STOWRA_UNLOAD_CHILD, GetParam().path, server.Url()});
+  ASSERT_TRUE(server.WaitForRequests(GetParam().transfers));
   child.SayGo();
   child.ExpectLine(kUnloadChildUnloaded);
   answer.Set();
@@ -232,6 +284,12 @@ TEST_F(ProcessEndTest, TransfersEndAfterTheirUserWasUnloaded) {
   child.SayGo();
   child.ExpectToLeave();
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Plugins, UnloadedUserTest,
+    ::testing::Values(Plugin{"of_the_platform", STOWRA_UNLOAD_PLUGIN, kTransfers},
+                      Plugin{"of_requests", STOWRA_UNLOAD_REQUESTS_PLUGIN, kExitChildRequests}),
+    [](const auto& test) { return test.param.name; });
 
 }  // namespace
 }  // namespace stowra_test

@@ -153,6 +153,19 @@ TEST_F(RedirectTest, OtherProtocolsAreRefused) {
   }
 }
 
+// Otherwise the status would be that of the one and the body that of the other.
+TEST_F(RedirectTest, RedirectThatBreaksOffInItsHeadersIsAFailure) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target != "/from") return static_cast<void>(connection.Write(Response(200, "no")));
+    connection.Write("HTTP/1.1 302 Found\r\nLocation: /to\r\n");
+    connection.Close();
+  });
+  InternetData transport(Text(server.Url("/from")));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport, 302);
+  EXPECT_EQ(server.requests().size(), 1U);
+}
+
 TEST_F(RedirectTest, RedirectWithoutALocationIsAResponse) {
   const RawServer server(Always(Response(302, "nowhere")));
   InternetData transport(Text(server.Url("/")));

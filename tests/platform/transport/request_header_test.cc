@@ -105,6 +105,13 @@ TEST_F(RequestHeaderTest, EmptyValueIsSentAsEmpty) {
   EXPECT_EQ(request.Header("X-Empty"), "");
 }
 
+TEST_F(RequestHeaderTest, ValueOfBlanksIsSentAsEmpty) {
+  transport_.SetValueForHTTPSendHeaders("X-Blank", " \t ");
+  const RawRequest request = Get(transport_);
+  EXPECT_TRUE(request.HasHeader("X-Blank"));
+  EXPECT_EQ(request.Header("X-Blank"), "");
+}
+
 TEST_F(RequestHeaderTest, ValueKeepsWhatHeadersMayHold) {
   transport_.SetValueForHTTPSendHeaders("X-Own", "a: b; c=\"d\", e\tf");
   transport_.SetValueForHTTPSendHeaders("X-Unicode", "\xC3\xA9\xE2\x82\xAC");

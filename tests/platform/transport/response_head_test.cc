@@ -59,6 +59,15 @@ TEST_F(ResponseHeadTest, ReadsTheStatusOfEveryVersion) {
   }
 }
 
+TEST_F(ResponseHeadTest, RefusesAStatusLineWithoutAVersionOrAStatus) {
+  for (const char* line : {"HTTP/1.1 2000 OK", "HTTP/1.1 20", "HTTP/1.1 099", "HTTP/1.1 +200",
+                           "HTTP/1.1 two", "HTTP/1.1", "HTTP/1.1 ", "HTTP//1.1 200", "HTTP/ 200"}) {
+    head_ = ResponseHead();
+    EXPECT_EQ(Add({line}), "the response's status line is none") << line;
+    EXPECT_EQ(head_.status(), 0) << line;
+  }
+}
+
 TEST_F(ResponseHeadTest, InterimResponseIsNotComplete) {
   EXPECT_EQ(Add({"HTTP/1.1 100 Continue", "X-Interim: 1", ""}), "");
   EXPECT_FALSE(head_.complete());
@@ -96,6 +105,24 @@ TEST_F(ResponseHeadTest, TrailersChangeNothing) {
   EXPECT_TRUE(head_.complete());
   EXPECT_TRUE(head_.fields().empty());
   EXPECT_EQ(head_.content_length(), std::nullopt);
+}
+
+TEST_F(ResponseHeadTest, TrailerIsNoResponseWhateverItSays) {
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-A: 1", ""}), "");
+  for (const char* line : {"HTTP/1.1 404 Not Found\r\n", "X-A: 2\r\n", "\r\n"}) {
+    EXPECT_EQ(head_.AddTrailer(line), nullptr);
+    EXPECT_FALSE(head_.at_beginning());
+  }
+  EXPECT_TRUE(head_.complete());
+  EXPECT_EQ(head_.status(), 200);
+  EXPECT_EQ(Header("X-A"), "1");
+}
+
+TEST_F(ResponseHeadTest, RefusesEndlessTrailers) {
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", ""}), "");
+  const std::string half(ResponseHead::kMaxBytes / 2, 'x');
+  EXPECT_EQ(head_.AddTrailer(half), nullptr);
+  EXPECT_NE(head_.AddTrailer(half), nullptr);
 }
 
 TEST_F(ResponseHeadTest, JoinsRepeatedHeadersOfTheSameName) {
@@ -156,6 +183,36 @@ TEST_F(ResponseHeadTest, RefusesTwoLengths) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 5", "content-length: 5"}), "");
   EXPECT_EQ(head_.content_length(), 5U);
   EXPECT_NE(Add({"Content-Length: 6"}), "");
+}
+
+TEST_F(ResponseHeadTest, LengthBesideChunksDoesNotCount) {
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 5", "Transfer-Encoding: chunked"}), "");
+  EXPECT_EQ(head_.content_length(), std::nullopt);
+}
+
+TEST_F(ResponseHeadTest, RefusesALengthBesideNoTransferEncoding) {
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Transfer-Encoding: identity"}), "");
+  EXPECT_NE(Add({"Content-Length: 5"}), "");
+}
+
+TEST_F(ResponseHeadTest, RefusesABlankBeforeTheColonWhereTheBodyIsFramed) {
+  for (const char* line :
+       {"Content-Length : 5", "Transfer-Encoding\t: chunked", "Content-Encoding : gzip"}) {
+    head_ = ResponseHead();
+    EXPECT_NE(Add({"HTTP/1.1 200 OK", line}), "") << line;
+  }
+  head_ = ResponseHead();
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-Other : 5"}), "");
+}
+
+TEST_F(ResponseHeadTest, RefusesAContinuationWhereTheBodyIsFramed) {
+  for (const char* line : {"Content-Length:", "Transfer-Encoding:", "Content-Encoding:"}) {
+    head_ = ResponseHead();
+    Add({"HTTP/1.1 200 OK", line});
+    EXPECT_NE(Add({" gzip"}), "") << line;
+  }
+  head_ = ResponseHead();
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 5", "X-Other: 1", " 2"}), "");
 }
 
 TEST_F(ResponseHeadTest, LengthThatIsNoNumberIsRefused) {

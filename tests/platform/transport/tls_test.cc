@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/platform/transport/transport_fixture.h"
 #include "tests/support/certificates.h"
@@ -138,6 +139,48 @@ TEST_F(TlsTest, ResponseWithoutALengthThatIsCutOffIsAFailure) {
       With(good_));
   InternetData transport(Text(server.Url()));
   EXPECT_FALSE(transport.Download());
+}
+
+// What ends with the connection ends well, or not, by what TLS has said before.
+class TlsEndTest : public TlsTest {
+ protected:
+  // The results of a download on a new connection, on a used one and after a redirect from http, of
+  // an upload and of a download in the background, from a server that ends with `end`.
+  std::vector<bool> Results(void (RawConnection::*end)()) const {
+    const RawServer server(
+        [end](const RawRequest& request, RawConnection& connection) {
+          if (request.target == "/good") {
+            connection.Write(Response(200, "hello"));
+          } else {
+            connection.Write("HTTP/1.1 200 OK\r\nX-Folded: 1\r\n 2\r\n\r\nhalf of it");
+            (connection.*end)();
+          }
+        },
+        With(good_));
+    const RawServer plain(Always(Response(302, "", "Location: " + server.Url() + "\r\n")));
+    InternetData first(Text(server.Url()));
+    std::vector<bool> results = {first.Download()};
+    InternetData opener(Text(server.Url("/good")));
+    EXPECT_TRUE(opener.Download());
+    results.push_back(first.Download());
+    InternetData redirected(Text(plain.Url()));
+    results.push_back(redirected.Download());
+    SetSendData("data", first);
+    results.push_back(first.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr,
+                                        false, false, true, "", "", nullptr));
+    Background background(server.Url());
+    EXPECT_TRUE(background.Start());
+    results.push_back(background.WaitForEnd() == kReturned);
+    return results;
+  }
+};
+
+TEST_F(TlsEndTest, BodyThatEndsWithTheTlsStreamIsReceived) {
+  EXPECT_EQ(Results(&RawConnection::Close), std::vector<bool>(5, true));
+}
+
+TEST_F(TlsEndTest, BodyThatEndsWithTheConnectionBelowTlsIsAFailure) {
+  EXPECT_EQ(Results(&RawConnection::Cut), std::vector<bool>(5, false));
 }
 
 TEST_F(TlsTest, ServerThatGoesAwayDuringAnUploadIsAFailure) {

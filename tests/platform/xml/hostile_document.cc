@@ -5,7 +5,7 @@
 #include <chrono>
 #include <memory>
 
-#include "tests/platform/xml/counting_malloc.h"
+#include "tests/support/failing_malloc.h"
 #include "tests/support/small_stack.h"
 
 namespace stowra_test {

@@ -1,0 +1,229 @@
+// Searching and uploading.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "common_stowraapi/content/content_helpers.h"
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/upload_config.h"
+#include "common_stowraapi/platform/xml_input.h"
+#include "tests/allocation/each_failure.h"
+#include "tests/content/feed_text.h"
+#include "tests/support/raw_server.h"
+
+#ifdef STOWRA_FAILS_ALLOCATIONS
+
+namespace stowra_test {
+namespace {
+
+using ovrant::stowraapiclient::ContentItem;
+using ovrant::stowraapiclient::ContentQuery;
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::stowraapiclient::UploadFile;
+using ovrant::utils::ovrant_ustring;
+
+std::string Page() {
+  return Feed()
+      .With("links", Link("next", "http://a/a-long-url", "application/atom+xml"))
+      .With("entries", Model().text() + Collection().text())
+      .text();
+}
+
+void ExpectEmpty(const ContentQuery& query) {
+  EXPECT_TRUE(query.items_.empty());
+  EXPECT_EQ(query.title_, "");
+  EXPECT_EQ(query.next_url_, "");
+  EXPECT_EQ(query.total_results_, 0);
+  EXPECT_EQ(query.start_index_, 1);
+}
+
+struct Loaded {
+  Loaded() { EXPECT_TRUE(LoadText(Page(), query)); }
+
+  ContentQuery query;
+  bool result = false;
+};
+
+TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
+  DocumentBytes page(Page());
+  const auto load = [&](Loaded& loaded) {
+    loaded.result = loaded.query.Load(page.data(), page.length());
+  };
+  const auto check = [&](Loaded& loaded, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_TRUE(loaded.result || outcome.failed());
+    EXPECT_EQ(loaded.query.items_.size(), loaded.result ? 2U : 0U);
+    if (!loaded.result) ExpectEmpty(loaded.query);
+    load(loaded);
+    EXPECT_TRUE(loaded.result);
+    EXPECT_EQ(loaded.query.items_.size(), 2U);
+  };
+  EXPECT_GT(FailEachAllocation<Loaded>(load, check), 40);
+}
+
+// Without a reply the query is as it was; a reply that cannot be loaded empties it.
+TEST(ContentAllocationTest, AQueryThatCannotAskIsFalse) {
+  const RawServer server(Always(Response(200, Page())));
+  const ovrant_ustring url = Text(server.Url());
+  const auto ask = [&](Loaded& loaded) { loaded.result = loaded.query.QueryFeed(url); };
+  const auto check = [&](Loaded& loaded, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_TRUE(loaded.result || outcome.failed());
+    if (!loaded.result && loaded.query.items_.empty()) ExpectEmpty(loaded.query);
+    EXPECT_EQ(loaded.query.items_.size(), loaded.query.items_.empty() ? 0U : 2U);
+    ask(loaded);
+    EXPECT_TRUE(loaded.result);
+    EXPECT_EQ(loaded.query.items_.size(), 2U);
+  };
+  EXPECT_GT(FailEachAllocation<Loaded>(ask, check), 60);
+}
+
+TEST(ContentAllocationTest, AnItemThatCannotLoadIsFalse) {
+  for (const std::string& entry : {Model().text(), Collection().text()}) {
+    const std::string bytes = FeedOf(entry);
+    struct Entry {
+      explicit Entry(const std::string& document) { Open(document); }
+
+      void Open(const std::string& document) {
+        reader.reset(ovrant::Get_IXMLInput(reinterpret_cast<const unsigned char*>(document.data()),
+                                           static_cast<int>(document.size())));
+        EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:feed"));
+        EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
+      }
+
+      std::unique_ptr<ovrant::IXMLInput> reader;
+      ContentItem item;
+      bool result = false;
+    };
+    const auto load = [](Entry& state) { state.result = state.item.Load(state.reader.get()); };
+    const auto check = [&](Entry& state, Outcome outcome) {
+      EXPECT_FALSE(outcome.threw);
+      EXPECT_EQ(state.result, !outcome.failed());
+      state.Open(bytes);
+      load(state);
+      EXPECT_TRUE(state.result);
+      EXPECT_FALSE(state.item.title_.empty());
+    };
+    EXPECT_GT(FailEachAllocationOf([&] { return Entry(bytes); }, load, check), 20);
+  }
+}
+
+const char kConfig[] =
+    "<upload><successUrl>http://success/long</successUrl><failureUrl>http://failure/long"
+    "</failureUrl><files><file><uploadUrl>http://upload/?long=yes</uploadUrl><type>t</type></file>"
+    "<file><uploadUrl>http://upload/?long=yes</uploadUrl><type>t</type></file></files></upload>";
+
+struct Upload {
+  UploadConfig config;
+  bool result = false;
+};
+
+TEST(ContentAllocationTest, AConfigurationThatCannotBeParsedIsFalse) {
+  DocumentBytes document(kConfig);
+  const auto parse = [&](Upload& upload) {
+    upload.result = upload.config.ParseResponse(document.data(), document.size());
+  };
+  const auto check = [&](Upload& upload, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_EQ(upload.result, !outcome.failed());
+    upload.config.Clear();
+    parse(upload);
+    EXPECT_TRUE(upload.result);
+    EXPECT_EQ(upload.config.files_.size(), 2U);
+  };
+  EXPECT_GT(FailEachAllocation<Upload>(parse, check), 20);
+}
+
+TEST(ContentAllocationTest, AConfigurationThatCannotBeFetchedIsEmpty) {
+  const RawServer server(Always(Response(200, kConfig)));
+  const auto ask = [](Upload& upload) { upload.result = upload.config.SynchronousQuery(); };
+  const auto check = [&](Upload& upload, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_TRUE(upload.result || outcome.failed());
+    EXPECT_EQ(upload.config.files_.size(), upload.result ? 2U : 0U);
+    EXPECT_EQ(upload.config.success_url_.empty(), !upload.result);
+    upload.config.Clear();
+    ask(upload);
+    EXPECT_TRUE(upload.result);
+  };
+  const auto make_with_url = [&] {
+    Upload upload;
+    upload.config.Init(Text(server.Url("/a-long-target")));
+    return upload;
+  };
+  EXPECT_GT(FailEachAllocationOf(make_with_url, ask, check), 60);
+}
+
+struct Nothing {};
+
+// The others throw, and leave nothing behind.
+TEST(ContentAllocationTest, OtherFunctionsThrow) {
+  UploadFile file;
+  file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
+  file.upload_url_ = "http://upload/?name=a-long-name&type=a-long-type&task=a-long-task";
+  const auto url = Text("http://a/?mid=0123456789abcdef0123456789&x=y");
+  const auto header = Text("attachment; filename=\"a-name-that-is-long.qmf\"");
+  const auto rendition = Text("s" + std::string(40, '0') + "7");
+  const std::string boundary = "BrevixClient0385119264730052";
+  UploadConfig config;
+  ASSERT_TRUE(config.ParseResponse(DocumentBytes(kConfig).data(), sizeof(kConfig) - 1));
+  using namespace ovrant::stowraapiclient;                   // NOLINT(google-build-using-namespace)
+  using namespace ovrant::stowraapiclient::multipartupload;  // NOLINT(google-build-using-namespace)
+  int version = 0;
+  const std::function<void()> calls[] = {[&] { GetStowraIdFromUrl(url); },
+                                         [&] { GetFilenameFromContentDisposition(header); },
+                                         [&] { CreateHeaderDictionary(boundary, 1); },
+                                         [&] { GetBoundaryString(); },
+                                         [&] { const UploadFile copy(file); },
+                                         [&] { const UploadConfig copy(config); },
+                                         [&] {
+                                           ContentItem item;
+                                           item.ExtractQmfVersionFromRTypValue(rendition, version);
+                                         }};
+  for (const std::function<void()>& call : calls) {
+    EXPECT_GT(FailEachAllocation<Nothing>(
+                  [&](Nothing&) { call(); },
+                  [](Nothing&, Outcome outcome) { EXPECT_EQ(outcome.threw, outcome.failed()); }),
+              0);
+  }
+  EXPECT_EQ(version, 7);
+}
+
+// What does not fit into the stream shows in its state, as it does for any other text.
+TEST(ContentAllocationTest, ABodyThatCannotBeWrittenThrowsOrMarksTheStream) {
+  struct Body {
+    std::stringstream stream;
+  };
+  UploadFile file;
+  file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
+  file.upload_url_ = "http://upload/?name=a-long-name&type=a-long-type&task=a-long-task";
+  const ovrant_ustring subject("a subject that is long");
+  const std::string content(10'000, 'c');
+  const auto write = [&](Body& body) {
+    ovrant::stowraapiclient::multipartupload::SetupPayload(
+        subject, &file, reinterpret_cast<const unsigned char*>(content.data()), content.size(),
+        "BrevixClient0385119264730052", &body.stream);
+  };
+  Body whole;
+  write(whole);
+  const std::string expected = whole.stream.str();
+  const auto check = [&](Body& body, Outcome outcome) {
+    EXPECT_TRUE(outcome.threw || !body.stream.good() || body.stream.str() == expected);
+    EXPECT_TRUE(outcome.failed() || body.stream.str() == expected);
+    Body again;
+    write(again);
+    EXPECT_EQ(again.stream.str(), expected);
+  };
+  EXPECT_GT(FailEachAllocation<Body>(write, check), 20);
+}
+
+}  // namespace
+}  // namespace stowra_test
+
+#endif  // STOWRA_FAILS_ALLOCATIONS

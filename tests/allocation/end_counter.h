@@ -1,0 +1,64 @@
+// An observer that only counts: it needs no memory.
+
+#ifndef TESTS_ALLOCATION_END_COUNTER_H_
+#define TESTS_ALLOCATION_END_COUNTER_H_
+
+#include <condition_variable>
+#include <cstring>
+#include <initializer_list>
+#include <mutex>
+
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/observer.h"
+#include "tests/support/event.h"
+
+namespace stowra_test {
+
+// Registered at the default center from its construction to its destruction. Safe from any thread.
+class EndCounter final : public ovrant::IObserver {
+ public:
+  EndCounter(const char* success, const char* failure) : success_(success) {
+    for (const char* name : {success, failure}) {
+      CNotificationCenter::Default()->AddObserver(name, this);
+    }
+  }
+  ~EndCounter() override { CNotificationCenter::Default()->RemoveObserver(this); }
+
+  EndCounter(const EndCounter&) = delete;
+  EndCounter& operator=(const EndCounter&) = delete;
+
+  using ovrant::IObserver::OnNotification;
+  void OnNotification(const char* name, void* /*payload*/) override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ++(std::strcmp(name, success_) == 0 ? successes_ : failures_);
+    changed_.notify_all();
+  }
+
+  // Whether `count` have come within kPatience.
+  bool WaitFor(int count) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return changed_.wait_for(lock, kPatience,
+                             [this, count] { return successes_ + failures_ >= count; });
+  }
+
+  int count() { return successes() + failures(); }
+  int successes() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return successes_;
+  }
+  int failures() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return failures_;
+  }
+
+ private:
+  const char* const success_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int successes_ = 0;
+  int failures_ = 0;
+};
+
+}  // namespace stowra_test
+
+#endif  // TESTS_ALLOCATION_END_COUNTER_H_

@@ -1,0 +1,187 @@
+// The XML reader.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "common_stowraapi/platform/xml_input.h"
+#include "tests/allocation/each_failure.h"
+#include "tests/platform/xml/xml_document.h"
+
+#ifdef STOWRA_FAILS_ALLOCATIONS
+
+namespace stowra_test {
+namespace {
+
+using ovrant::Get_IXMLInput;
+using ovrant::IXMLInput;
+using ovrant::utils::ovrant_ustring;
+
+// A document whose parts need allocations of every kind.
+std::string LargeDocument() {
+  std::string bytes =
+      "<!DOCTYPE a [<!ENTITY e 'entity'><!ENTITY f '&e;<i>&e;</i>'>"
+      "<!ATTLIST a d CDATA 'default'>]><a xmlns:p='urn:p'>";
+  for (int i = 0; i < 60; ++i) {
+    const std::string number = std::to_string(i);
+    bytes += "<p:element" + number + " attribute" + number + "='value " + number + "'>text " +
+             number + "&f;<![CDATA[ and more ]]></p:element" + number + ">";
+  }
+  return bytes + "<text>" + std::string(50'000, 'x') + "</text></a>";
+}
+
+// The same document in two bytes for each character.
+std::string Utf16(const std::string& ascii) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : ascii) bytes += {c, '\0'};
+  return bytes;
+}
+
+struct Opened {
+  std::unique_ptr<IXMLInput> reader;
+};
+
+TEST(XmlAllocationTest, OpeningGivesNullAndThrowsNothing) {
+  for (const std::string& bytes : {LargeDocument(), Utf16(LargeDocument())}) {
+    const auto open = [&](Opened& opened) {
+      opened.reader.reset(Get_IXMLInput(reinterpret_cast<const unsigned char*>(bytes.data()),
+                                        static_cast<int>(bytes.size())));
+    };
+    const auto check = [&](Opened& opened, Outcome outcome) {
+      EXPECT_FALSE(outcome.threw);
+      EXPECT_EQ(opened.reader == nullptr, outcome.failed());
+      open(opened);
+      ASSERT_NE(opened.reader, nullptr);
+      EXPECT_TRUE(opened.reader->FindElement("a"));
+      EXPECT_TRUE(opened.reader->FindElement("text"));
+    };
+    EXPECT_GT(FailEachAllocation<Opened>(open, check), 40);
+  }
+}
+
+TEST(XmlAllocationTest, OpeningWhatIsNoDocumentGivesNull) {
+  for (const std::string& bytes : {std::string("<a><b></a>"), LargeDocument() + "<",
+                                   "<a>" + std::string(1000, '<') + "</a>"}) {
+    const auto open = [&](Opened& opened) {
+      opened.reader.reset(Get_IXMLInput(reinterpret_cast<const unsigned char*>(bytes.data()),
+                                        static_cast<int>(bytes.size())));
+    };
+    EXPECT_GT(FailEachAllocation<Opened>(open,
+                                         [](Opened& opened, Outcome outcome) {
+                                           EXPECT_FALSE(outcome.threw);
+                                           EXPECT_EQ(opened.reader, nullptr);
+                                         }),
+              10);
+  }
+}
+
+// Names and values here are too long for any buffer inside a string.
+const std::string kLong(300, 'n');
+const std::string kInt(300, 'i');
+const std::string kBool(300, 'b');
+const std::string kValue(300, 'v');
+const ovrant_ustring kLongName = UString(kLong);
+const ovrant_ustring kIntName = UString(kInt);
+const ovrant_ustring kBoolName = UString(kBool);
+
+struct Texts {
+  Texts() { EXPECT_TRUE(document.Find(kLong)); }
+
+  XmlDocument document{"<" + kLong + " " + kLong + "='" + kValue + "'><b>" + kValue + "</b><" +
+                       kInt + ">" + std::string(300, '0') + "1</" + kInt + "><" + kBool + ">" +
+                       std::string(300, ' ') + "true</" + kBool + "></" + kLong + ">"};
+  ovrant_ustring text = "before";
+  int number = -77;
+  bool flag = false;
+  bool found = false;
+};
+
+// `ask` throws whenever it has no memory; `is_before` must hold then, and the same question is
+// answered afterwards.
+template <typename Ask, typename IsBefore>
+void FailToAsk(const Ask& ask, const IsBefore& is_before) {
+  const long failing_runs =
+      FailEachAllocation<Texts>([&](Texts& texts) { texts.found = ask(texts); },
+                                [&](Texts& texts, Outcome outcome) {
+                                  EXPECT_EQ(outcome.threw, outcome.failed());
+                                  EXPECT_EQ(is_before(texts), outcome.threw);
+                                  EXPECT_EQ(texts.found, !outcome.threw);
+                                  EXPECT_TRUE(ask(texts));
+                                  EXPECT_FALSE(is_before(texts));
+                                });
+  EXPECT_GT(failing_runs, 0);
+}
+
+TEST(XmlAllocationTest, GettersThrowAndChangeNothing) {
+  const auto has_old_text = [](const Texts& texts) { return texts.text == "before"; };
+  FailToAsk(
+      [](Texts& texts) { return texts.document.reader().GetAttribute(kLongName, texts.text); },
+      has_old_text);
+  FailToAsk([](Texts& texts) { return texts.document.reader().GetElementText("b", texts.text); },
+            has_old_text);
+}
+
+TEST(XmlAllocationTest, NumbersAndFlagsThrowAndChangeNothing) {
+  FailToAsk(
+      [](Texts& texts) { return texts.document.reader().GetElementInt(kIntName, texts.number); },
+      [](const Texts& texts) { return texts.number == -77; });
+  FailToAsk(
+      [](Texts& texts) { return texts.document.reader().GetElementBool(kBoolName, texts.flag); },
+      [](const Texts& texts) { return !texts.flag; });
+}
+
+// Many children, of which the reader stands at one; it has forgotten all names that it was asked
+// for.
+struct Siblings {
+  Siblings() {
+    std::string bytes = "<a n='root'><" + kLong + " n='1'/>";
+    for (int i = 0; i < 1000; ++i) bytes += "<b/>";
+    document = std::make_unique<XmlDocument>(bytes + "<" + kLong + " n='2'/></a>");
+    EXPECT_TRUE(document->Find("a"));
+  }
+
+  void MoveToFirst() {
+    EXPECT_TRUE(document->Find(kLong));
+    for (int i = 0; i < 63; ++i) EXPECT_FALSE(document->Find("absent" + std::to_string(i)));
+  }
+
+  IXMLInput& reader() const { return document->reader(); }
+
+  std::unique_ptr<XmlDocument> document;
+  bool moved = false;
+};
+
+struct AtFirstSibling : Siblings {
+  AtFirstSibling() { MoveToFirst(); }
+};
+
+// `move` leads from the element with one attribute to the one with the other, or throws and stays.
+template <typename Start, typename Move>
+void FailToMove(const Move& move, const char* from, const char* to) {
+  EXPECT_GT(FailEachAllocation<Start>([&](Start& start) { start.moved = move(start.reader()); },
+                                      [&](Start& start, Outcome outcome) {
+                                        EXPECT_EQ(outcome.threw, outcome.failed());
+                                        EXPECT_EQ(start.moved, !outcome.threw);
+                                        if (outcome.threw) {
+                                          EXPECT_EQ(start.document->Attribute("n"), from);
+                                          EXPECT_TRUE(move(start.reader()));
+                                        }
+                                        EXPECT_EQ(start.document->Attribute("n"), to);
+                                      }),
+            0);
+}
+
+TEST(XmlAllocationTest, MovesThrowAndStay) {
+  FailToMove<Siblings>([](IXMLInput& reader) { return reader.FindElement(kLongName); }, "root",
+                       "1");
+  FailToMove<AtFirstSibling>([](IXMLInput& reader) { return reader.NextElement(kLongName); }, "1",
+                             "2");
+  FailToMove<AtFirstSibling>([](IXMLInput& reader) { return reader.LeaveElement(kLongName); }, "1",
+                             "root");
+}
+
+}  // namespace
+}  // namespace stowra_test
+
+#endif  // STOWRA_FAILS_ALLOCATIONS

@@ -1,0 +1,197 @@
+#include "tests/support/failing_malloc.h"
+
+#ifdef STOWRA_FAILS_ALLOCATIONS
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <new>
+
+#include "tests/support/bystander.h"
+
+// The allocator behind the one here, by the names that stay its own. NOLINTBEGIN(*-identifier)
+#ifdef STOWRA_UNDER_ADDRESS_SANITIZER
+#define STOWRA_REAL(function) __interceptor_##function
+#else
+#define STOWRA_REAL(function) __libc_##function
+#endif
+extern "C" void* STOWRA_REAL(malloc)(std::size_t size);
+extern "C" void* STOWRA_REAL(calloc)(std::size_t count, std::size_t size);
+extern "C" void* STOWRA_REAL(realloc)(void* block, std::size_t size);
+extern "C" void* STOWRA_REAL(memalign)(std::size_t alignment, std::size_t size);
+extern "C" void STOWRA_REAL(free)(void* block);
+// NOLINTEND(*-identifier)
+
+// Other libraries are to find these, too.
+#define STOWRA_SEEN_BY_ALL __attribute__((visibility("default")))
+
+namespace {
+
+using stowra_test::FailingMalloc;
+using stowra_test::Threads;
+
+struct Counts {
+  long blocks = 0;
+  long long bytes = 0;
+  long long peak = 0;
+};
+
+thread_local Counts own;
+std::atomic<long> all_blocks{0};
+std::atomic<long long> all_bytes{0};
+
+std::atomic<bool> is_armed{false};
+std::atomic<const Counts*> arming_thread{nullptr};
+std::atomic<Threads> failing_threads{Threads::kThis};
+std::atomic<FailingMalloc::Mode> mode{FailingMalloc::Mode::kOnce};
+std::atomic<long> allowed_allocations{0};
+std::atomic<long> failure_count{0};
+
+// A sanitizer gives up when it has no memory to begin a thread, which it does ahead of the thread's
+// own first allocations.
+bool IsThreadStarting() {
+#ifdef STOWRA_UNDER_ADDRESS_SANITIZER
+  constexpr int kOfTheSanitizer = 4;
+  thread_local int allocations = 0;
+  return allocations < kOfTheSanitizer && ++allocations <= kOfTheSanitizer;
+#else
+  return false;
+#endif
+}
+
+bool MustFail() {
+  if (IsThreadStarting() || !is_armed || stowra_test::is_bystander) return false;
+  const bool is_this = arming_thread == &own;
+  if (failing_threads == (is_this ? Threads::kOthers : Threads::kThis)) return false;
+  const long allowed = allowed_allocations.fetch_sub(1);
+  if (allowed > 0 || (allowed < 0 && mode == FailingMalloc::Mode::kOnce)) return false;
+  ++failure_count;
+  errno = ENOMEM;
+  return true;
+}
+
+void Add(long blocks, long long bytes) {
+  own.blocks += blocks;
+  own.bytes += bytes;
+  own.peak = std::max(own.peak, own.bytes);
+  if (stowra_test::is_bystander) return;
+  all_blocks.fetch_add(blocks, std::memory_order_relaxed);
+  all_bytes.fetch_add(bytes, std::memory_order_relaxed);
+}
+
+long long SizeOf([[maybe_unused]] void* block) {
+#ifdef STOWRA_COUNTS_MEMORY
+  return static_cast<long long>(malloc_usable_size(block));
+#else
+  return 0;
+#endif
+}
+
+void* Counted(void* block) {
+  if (block != nullptr) Add(1, SizeOf(block));
+  return block;
+}
+
+}  // namespace
+
+extern "C" STOWRA_SEEN_BY_ALL void* malloc(std::size_t size) noexcept {
+  return MustFail() ? nullptr : Counted(STOWRA_REAL(malloc)(size));
+}
+
+extern "C" STOWRA_SEEN_BY_ALL void* calloc(std::size_t count, std::size_t size) noexcept {
+  return MustFail() ? nullptr : Counted(STOWRA_REAL(calloc)(count, size));
+}
+
+// While a block moves, both it and its copy are there.
+extern "C" STOWRA_SEEN_BY_ALL void* realloc(void* block, std::size_t size) noexcept {
+  if (MustFail()) return nullptr;
+  const long long before = block == nullptr ? 0 : SizeOf(block);
+  void* const moved = STOWRA_REAL(realloc)(block, size);
+  if (moved == nullptr && size != 0) return nullptr;
+  Counted(moved);
+  if (block != nullptr) Add(-1, -before);
+  return moved;
+}
+
+extern "C" STOWRA_SEEN_BY_ALL void* memalign(std::size_t alignment, std::size_t size) noexcept {
+  return MustFail() ? nullptr : Counted(STOWRA_REAL(memalign)(alignment, size));
+}
+
+extern "C" STOWRA_SEEN_BY_ALL void* aligned_alloc(std::size_t alignment,
+                                                  std::size_t size) noexcept {
+  return memalign(alignment, size);
+}
+
+extern "C" STOWRA_SEEN_BY_ALL int posix_memalign(void** block, std::size_t alignment,
+                                                 std::size_t size) noexcept {
+  void* const made = memalign(alignment, size);
+  if (made == nullptr) return ENOMEM;
+  *block = made;
+  return 0;
+}
+
+extern "C" STOWRA_SEEN_BY_ALL void free(void* block) noexcept {
+  if (block != nullptr) Add(-1, -SizeOf(block));
+  STOWRA_REAL(free)(block);
+}
+
+// A sanitizer's own would not come by here.
+STOWRA_SEEN_BY_ALL void* operator new(std::size_t size) {
+  void* const block = malloc(std::max<std::size_t>(size, 1));
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+STOWRA_SEEN_BY_ALL void* operator new[](std::size_t size) { return operator new(size); }
+STOWRA_SEEN_BY_ALL void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return malloc(std::max<std::size_t>(size, 1));
+}
+STOWRA_SEEN_BY_ALL void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return malloc(std::max<std::size_t>(size, 1));
+}
+STOWRA_SEEN_BY_ALL void operator delete(void* block) noexcept { free(block); }
+STOWRA_SEEN_BY_ALL void operator delete[](void* block) noexcept { free(block); }
+STOWRA_SEEN_BY_ALL void operator delete(void* block, std::size_t) noexcept { free(block); }
+STOWRA_SEEN_BY_ALL void operator delete[](void* block, std::size_t) noexcept { free(block); }
+
+namespace stowra_test {
+namespace {
+
+long Blocks(Threads threads) { return threads == Threads::kThis ? own.blocks : all_blocks.load(); }
+
+long long Bytes(Threads threads) {
+  return threads == Threads::kThis ? own.bytes : all_bytes.load();
+}
+
+}  // namespace
+
+MemoryWatch::MemoryWatch(Threads threads)
+    : threads_(threads), blocks_before_(Blocks(threads)), bytes_before_(Bytes(threads)) {
+  own.peak = own.bytes;
+}
+
+long MemoryWatch::blocks() const { return Blocks(threads_) - blocks_before_; }
+
+std::size_t MemoryWatch::live() const {
+  return static_cast<std::size_t>(std::max(0LL, Bytes(threads_) - bytes_before_));
+}
+
+std::size_t MemoryWatch::peak() const { return static_cast<std::size_t>(own.peak - bytes_before_); }
+
+FailingMalloc::FailingMalloc(long allowed, Threads threads, Mode wanted_mode) {
+  failure_count = 0;
+  allowed_allocations = allowed;
+  failing_threads = threads;
+  mode = wanted_mode;
+  arming_thread = &own;
+  is_armed = true;
+}
+
+FailingMalloc::~FailingMalloc() { is_armed = false; }
+
+long FailingMalloc::failures() const { return failure_count; }
+
+}  // namespace stowra_test
+
+#endif  // STOWRA_FAILS_ALLOCATIONS
