@@ -14,6 +14,7 @@ common_stowraapi/services  common_stowraapi/(services/|request/|json/|platform/|
 common_stowraapi/content   common_stowraapi/(content/|platform/|export\.h)                            -
 host                       (host/|PUBLIC)                                                             <(CLI/|fmt/)
 benchmarks                 (benchmarks/|PUBLIC)                                                       <(benchmark/|CLI/|curl/|expat\.h|fmt/|libxml/|malloc\.h|nlohmann/|Poco/|Q[A-Za-z]+>|rapidjson/|unicode/)
+fuzz                       (fuzz/|tests/|common_stowraapi/)                                           <(expat\.h|nlohmann/|zlib\.h)
 emulator                   emulator/                                                                  <(CLI/|httplib\.h|nlohmann/|sqlite3\.h|zlib\.h)
 '
 
