@@ -1,0 +1,199 @@
+// Connections that are not made, break, or fall silent.
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <stdexcept>
+
+#include "tests/faults/fault.h"
+#include "tests/support/full_listener.h"
+
+namespace stowra_test {
+namespace {
+
+constexpr char kPartOfHead[] = "HTTP/1.1 200 OK\r\nContent-Le";
+constexpr char kHead[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n";
+constexpr char kPartOfBody[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel";
+
+constexpr std::chrono::milliseconds kPause(50);  // before each byte of a drip
+
+// A port that is taken, and at which nobody listens.
+class ClosedPort {
+ public:
+  ClosedPort() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof(address);
+    auto* const any_address = reinterpret_cast<sockaddr*>(&address);
+    if (bind(socket_, any_address, length) != 0 ||
+        getsockname(socket_, any_address, &length) != 0) {
+      throw std::runtime_error("cannot take a port");
+    }
+    port_ = ntohs(address.sin_port);
+  }
+  ~ClosedPort() { close(socket_); }
+
+  ClosedPort(const ClosedPort&) = delete;
+  ClosedPort& operator=(const ClosedPort&) = delete;
+
+  std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
+
+ private:
+  const int socket_;
+  int port_ = 0;
+};
+
+std::function<void(Stage&)> Serve(RawServer::Handler handler) {
+  return [handler](Stage& stage) { stage.AddServer(GoodOr(handler)); };
+}
+
+RawServer::Handler SayThenReset(std::string bytes) {
+  return [bytes](const RawRequest&, RawConnection& connection) {
+    connection.Write(bytes);
+    connection.Reset();
+  };
+}
+
+RawServer::Handler SayThenStall(std::string bytes) {
+  return [bytes](const RawRequest&, RawConnection& connection) {
+    connection.Write(bytes);
+    connection.Stall();
+  };
+}
+
+Fault Reset(const char* name, const char* bytes, int status) {
+  Fault fault = {name, Serve(SayThenReset(bytes)), {false, status, ""}};
+  fault.ways = EveryWay();
+  fault.may_lose_status = true;
+  return fault;
+}
+
+Fault NotLetIn(const char* name, std::function<void(Stage&)> set) {
+  Fault fault = {name, std::move(set), {false, 0, ""}};
+  fault.ways = EveryWay();
+  return fault;
+}
+
+Fault Silent(const char* name, std::function<void(Stage&)> set, int status) {
+  Fault fault = {name, std::move(set), {false, status, ""}};
+  fault.end = End::kAt;
+  fault.ways = EveryWay();
+  fault.runs = 1;
+  return fault;
+}
+
+Fault OnUsedConnection(Fault fault) {
+  fault.on_used_connection = true;
+  return fault;
+}
+
+// Has closed its direction, and no more, when the next request comes.
+Fault HalfClosedBetween() {
+  Fault fault = {"HalfClosedBetweenTwo",
+                 [](Stage& stage) {
+                   stage.AddServer([](const RawRequest& request, RawConnection& connection) {
+                     connection.Write(Response(200, kGoodBody));
+                     if (request.target == kGoodTarget) connection.Close();
+                   });
+                 },
+                 {true, 200, kGoodBody}};
+  fault.ways = EveryWay();
+  fault.kept_connections = 1;
+  return OnUsedConnection(fault);
+}
+
+Fault Drip() {
+  Fault fault = {"DripOfAByte",
+                 Serve([](const RawRequest&, RawConnection& connection) {
+                   connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n");
+                   connection.Drip(std::string(20, 'x'), kPause);
+                 }),
+                 {true, 200, std::string(20, 'x')}};
+  fault.end = End::kAfter;
+  fault.kept_connections = 1;
+  fault.runs = 1;
+  return fault;
+}
+
+// Lets one through for each time that it is opened.
+class Turnstile {
+ public:
+  void Open() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ++open_for_;
+    opened_.notify_one();
+  }
+
+  // Waits for kPatience at most.
+  void Pass() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (opened_.wait_for(lock, kPatience, [this] { return open_for_ > 0; })) --open_for_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable opened_;
+  int open_for_ = 0;
+};
+
+// Answers after the headers of an upload that is larger than what the systems between hold, and
+// takes nothing of its body until the transfer has ended.
+void AnswerEarly(int status, const std::string& body, Stage& stage) {
+  auto turnstile = std::make_shared<Turnstile>();
+  stage.set_after([turnstile] { turnstile->Open(); });
+  RawServer::Options options;
+  options.reads_body = false;
+  options.receive_buffer = 4096;
+  stage.AddServer(
+      [status, body, turnstile](const RawRequest&, RawConnection& connection) {
+        connection.Write(Response(status, body));
+        turnstile->Pass();
+        connection.Close();
+      },
+      options);
+}
+
+Fault AnsweredEarly(const char* name, int status, const char* body) {
+  Fault fault = {name,
+                 [status, body](Stage& stage) { AnswerEarly(status, body, stage); },
+                 {true, status, body}};
+  fault.ways = Uploads();
+  fault.upload_size = kLargeBody;
+  fault.runs = 5;
+  return fault;
+}
+
+}  // namespace
+
+std::vector<Fault> ConnectionFaults() {
+  const auto set_closed = [](Stage& stage) {
+    stage.set_url(stage.Keep(std::make_shared<ClosedPort>()).Url());
+  };
+  const auto set_full = [](Stage& stage) {
+    stage.set_url(stage.Keep(std::make_shared<FullListener>()).Url());
+  };
+  return {NotLetIn("Refused", set_closed),
+          Silent("NotAccepted", set_full, 0),
+          Silent("NoAnswer", Serve(Silence()), 0),
+          Silent("StallInsideHeaders", Serve(SayThenStall(kPartOfHead)), 200),
+          Silent("StallInsideBody", Serve(SayThenStall(kPartOfBody)), 200),
+          Reset("ResetBeforeHeaders", "", 0),
+          Reset("ResetInsideHeaders", kPartOfHead, 200),
+          Reset("ResetAfterHeaders", kHead, 200),
+          Reset("ResetInsideBody", kPartOfBody, 200),
+          OnUsedConnection(Silent("StallOnUsedConnection", Serve(Silence()), 0)),
+          OnUsedConnection(Reset("ResetOnUsedConnection", kPartOfBody, 200)),
+          OnUsedConnection(
+              {"CutOnUsedConnection", Serve(AlwaysThenClose(kPartOfBody)), {false, 200, ""}}),
+          HalfClosedBetween(),
+          Drip(),
+          AnsweredEarly("TakenBeforeTheUpload", 200, "taken"),
+          AnsweredEarly("RefusedBeforeTheUpload", 413, "too large")};
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,94 @@
+#include "tests/faults/fault_table.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "tests/support/failing_malloc.h"
+
+namespace stowra_test {
+namespace {
+
+// More than the program ever has open, and quick to look through.
+constexpr rlim_t kMostDescriptors = 256;
+
+std::vector<FaultRow>& Rows() {
+  static std::vector<FaultRow> rows;
+  return rows;
+}
+
+// The idle handles of libcurl keep buffers, and what they remember of their last transfer: more or
+// less of it, by the order in which they were used.
+constexpr long long kKeptBytes = 2 << 20;
+
+int CountDescriptors() {
+  int count = 0;
+  for (int descriptor = 0; descriptor < static_cast<int>(kMostDescriptors); ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) != -1) ++count;
+  }
+  return count;
+}
+
+class Program final : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    rlimit limit = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    limit.rlim_cur = std::min(limit.rlim_cur, kMostDescriptors);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  }
+
+  void TearDown() override {
+    if (Rows().empty()) return;
+    std::printf("%-30s %-21s %6s  %-26s %8s  %17s  %15s  %11s\n", "fault", "way", "runs", "answer",
+                "ms", "bytes", "blocks", "descriptors");
+    for (const FaultRow& row : Rows()) {
+      std::printf("%-30s %-21s %6d  %-26s %8.1f  %8lld %8lld  %7ld %7ld  %5d %5d\n",
+                  row.fault.c_str(), row.way.c_str(), row.runs, row.answer.c_str(),
+                  row.longest.count(), row.before.bytes, row.after.bytes, row.before.blocks,
+                  row.after.blocks, row.before.descriptors, row.after.descriptors);
+    }
+  }
+};
+
+::testing::Environment* const program = ::testing::AddGlobalTestEnvironment(new Program);
+
+}  // namespace
+
+Holdings CurrentHoldings() {
+  Holdings holdings;
+#ifdef STOWRA_COUNTS_MEMORY
+  static const MemoryWatch watch(Threads::kAll);
+  holdings.blocks = watch.blocks();
+  holdings.bytes = static_cast<long long>(watch.live());
+#endif
+  holdings.descriptors = CountDescriptors();
+  return holdings;
+}
+
+void Record(FaultRow row) { Rows().push_back(std::move(row)); }
+
+void ExpectNothingIsLeft(FaultRow row, int warm_up_runs, const std::function<void(FaultRow&)>& run,
+                         const std::function<void()>& settle) {
+  CurrentHoldings();
+  const auto run_times = [&](int count) {
+    for (int i = 0; i < count && !::testing::Test::HasFatalFailure(); ++i) run(row);
+    settle();
+  };
+  run_times(warm_up_runs);
+  row.longest = {};
+  row.before = CurrentHoldings();
+  run_times(row.runs);
+  row.after = CurrentHoldings();
+  EXPECT_LE(row.after.blocks, row.before.blocks + row.kept_blocks);
+  EXPECT_LE(row.after.bytes, row.before.bytes + kKeptBytes);
+  EXPECT_LE(row.after.descriptors, row.before.descriptors);
+  Record(std::move(row));
+}
+
+}  // namespace stowra_test

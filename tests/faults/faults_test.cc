@@ -1,0 +1,134 @@
+// Every fault of the network, met by every way of making a transfer: the answer, the time it takes,
+// and what it leaves in the process.
+//
+// Run as one program, without ctest, it ends with the table of all of them:
+//   build/release/tests/faults/faults_test
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/faults/ask.h"
+#include "tests/faults/fault.h"
+#include "tests/faults/fault_table.h"
+#include "tests/platform/transport/transport_fixture.h"
+
+namespace stowra_test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<float>;
+
+// What is said in the end must not be taken for silence, however busy the machine is.
+constexpr Seconds kLongTimeout(5);
+constexpr Seconds kDripTimeout(0.6F);
+constexpr Seconds kShortTimeout(0.5F);
+
+// How much later than that a silent transfer may end, and how much sooner clocks may say it did.
+constexpr Seconds kLate(1);
+constexpr Seconds kEarly(0.01F);
+
+// As many as there are TLS sessions that libcurl remembers, and more.
+constexpr int kWarmUpRuns = 10;
+
+struct Case {
+  Fault fault;
+  Way way;
+};
+
+void PrintTo(const Case& item, std::ostream* out) {
+  *out << item.fault.name << " " << NameOf(item.way);
+}
+
+std::vector<Case> AllCases() {
+  std::vector<Case> cases;
+  for (auto* const faults : {ConnectionFaults, ReplyFaults, RedirectFaults, TlsFaults}) {
+    for (const Fault& fault : faults()) {
+      for (const Way way : fault.ways) cases.push_back({fault, way});
+    }
+  }
+  return cases;
+}
+
+Seconds TimeoutFor(End end) {
+  switch (end) {
+    case End::kBefore:
+      return kLongTimeout;
+    case End::kAt:
+      return kShortTimeout;
+    case End::kAfter:
+      return kDripTimeout;
+  }
+  return {};
+}
+
+void ExpectTimely(End end, Seconds took) {
+  const Seconds timeout = TimeoutFor(end);
+  if (end == End::kBefore) {
+    EXPECT_LT(took.count(), timeout.count());
+  } else {
+    EXPECT_GT(took.count(), (timeout - kEarly).count());
+  }
+  if (end == End::kAt) {
+    EXPECT_LT(took.count(), (timeout + kLate).count());
+  }
+}
+
+// The way of downloading that shares its connections with `way`.
+Way DownloadLike(Way way) {
+  const bool is_background = way == Way::kDownloadWithDelegate || way == Way::kUploadWithDelegate;
+  return is_background ? Way::kDownloadWithDelegate : Way::kDownload;
+}
+
+class FaultTest : public TransportTest, public ::testing::WithParamInterface<Case> {};
+
+TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
+  const Fault& fault = GetParam().fault;
+  const Way way = GetParam().way;
+  const std::string upload(fault.upload_size, 'x');
+  Stage stage;
+  fault.set(stage);
+  stage.defaults().inactivity_timeout = TimeoutFor(fault.end).count();
+  InternetData::SetDefaults(stage.defaults());
+
+  RawServer::Options options;
+  options.records = false;
+  const RawServer calm(Always(Response(200, kGoodBody)), options);
+
+  FaultRow row;
+  row.fault = fault.name;
+  row.way = NameOf(way);
+  row.runs = fault.runs;
+  row.kept_blocks = fault.kept_blocks;
+  const auto run = [&](FaultRow& current) {
+    if (fault.on_used_connection) {
+      ASSERT_EQ(Ask(way, stage.Url(kGoodTarget), upload), (Answer{true, 200, kGoodBody}));
+    }
+    const auto begin = Clock::now();
+    Answer answer = Ask(way, stage.Url(), upload);
+    const auto took = Clock::now() - begin;
+    if (fault.may_lose_status && answer.status == 0) answer.status = fault.answer.status;
+    ASSERT_EQ(answer, fault.answer);
+    ExpectTimely(fault.end, took);
+    stage.NoteEnd();
+    ASSERT_TRUE(stage.WaitUntilQuiet(fault.kept_connections));
+    current.answer = TextOf(answer);
+    current.longest = std::max<decltype(current.longest)>(current.longest, took);
+  };
+  const auto settle = [&] {
+    ASSERT_EQ(Ask(DownloadLike(way), calm.Url(), ""), (Answer{true, 200, kGoodBody}));
+  };
+  ExpectNothingIsLeft(row, fault.end == End::kBefore ? kWarmUpRuns : 1, run, settle);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, ::testing::ValuesIn(AllCases()), [](const auto& test) {
+  return std::string(test.param.fault.name) + "_" + NameOf(test.param.way);
+});
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,102 @@
+// Servers that are not who they say, and TLS that breaks off.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/faults/fault.h"
+#include "tests/support/certificates.h"
+#include "tests/support/temporary_folder.h"
+
+namespace stowra_test {
+namespace {
+
+// A connection costs ten times what it does without TLS.
+constexpr int kRuns = 100;
+
+constexpr char kLocalNames[] = "DNS:localhost,IP:127.0.0.1";
+
+using Issue = std::function<Certificate(const CertificateAuthority&)>;
+
+Certificate IssueGood(const CertificateAuthority& authority) {
+  return authority.Issue(kLocalNames);
+}
+
+// A server with a certificate that `issue` makes, by an authority that the transport trusts.
+void AddServer(const Issue& issue, RawServer::Handler handler, Stage& stage) {
+  const CertificateAuthority authority("trusted");
+  const auto file = stage.Keep(std::make_shared<TemporaryFolder>()).path() / "authority.pem";
+  authority.WriteTo(file);
+  stage.defaults().ca_file = file.c_str();
+  const Certificate certificate = issue(authority);
+  RawServer::Options options;
+  options.certificate = &certificate;
+  stage.AddServer(std::move(handler), options);
+}
+
+Fault Untrusted(const char* name, const Issue& issue) {
+  Fault fault = {name,
+                 [issue](Stage& stage) { AddServer(issue, Always(Response(200, "")), stage); },
+                 {false, 0, ""}};
+  fault.ways = EveryWay();
+  fault.runs = kRuns;
+  return fault;
+}
+
+// The connection ends in order, but not the TLS stream in it: anybody may have cut it.
+Fault Cut(const char* name, const char* bytes) {
+  Fault fault = {name,
+                 [bytes](Stage& stage) {
+                   const auto say = [bytes](const RawRequest&, RawConnection& connection) {
+                     connection.Write(bytes);
+                     connection.Cut();
+                   };
+                   AddServer(IssueGood, say, stage);
+                 },
+                 {false, 200, ""}};
+  fault.runs = kRuns;
+  return fault;
+}
+
+Fault Downgrade() {
+  Fault fault = {"RedirectFromHttpsToHttp",
+                 [](Stage& stage) {
+                   const RawServer& plain = stage.AddServer(Always(Response(200, "plain")));
+                   const std::string location = "Location: " + plain.Url() + "\r\n";
+                   // It is connected to, and not asked.
+                   stage.set_after([&plain, count = 0]() mutable {
+                     EXPECT_TRUE(plain.WaitForConnections(++count));
+                   });
+                   AddServer(IssueGood, Always(Response(302, "moved", location)), stage);
+                 },
+                 {false, 302, ""}};
+  fault.ways = EveryWay();
+  fault.kept_connections = 1;
+  fault.runs = 1500;
+  fault.kept_blocks = kMostKeptBlocks;
+  return fault;
+}
+
+}  // namespace
+
+std::vector<Fault> TlsFaults() {
+  return {
+      Untrusted("CertificateExpired",
+                [](const CertificateAuthority& authority) {
+                  return authority.IssueExpired(kLocalNames);
+                }),
+      Untrusted("CertificateOfUnknownAuthority",
+                [](const CertificateAuthority&) {
+                  return CertificateAuthority("stranger").Issue(kLocalNames);
+                }),
+      Untrusted("CertificateOfAnotherHost",
+                [](const CertificateAuthority& authority) {
+                  return authority.Issue("DNS:other.example,IP:127.0.0.2");
+                }),
+      Cut("TlsCutInsideBodyWithLength", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"),
+      Cut("TlsCutInsideBody", "HTTP/1.1 200 OK\r\n\r\nhalf of it"),
+      Downgrade(),
+  };
+}
+
+}  // namespace stowra_test
