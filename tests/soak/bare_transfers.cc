@@ -1,0 +1,206 @@
+#include "tests/soak/bare_transfers.h"
+
+#include <utility>
+
+#include "common_stowraapi/platform/notification_center.h"
+
+namespace stowra_test {
+
+using ovrant::internet::InternetData;
+using ovrant::internet::InternetDataDelegate;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A transfer that is kept has ended by then, unless its completion was destroyed.
+constexpr std::chrono::seconds kOverdue(15);
+
+// No destructor waits for the network; this one has a busy machine to wait for.
+constexpr std::chrono::seconds kLongestDeletion(5);
+
+constexpr std::uint32_t kLongestPause = 800;  // microseconds
+
+}  // namespace
+
+void* BareTransfers::Context::Pack() const {
+  const std::uint64_t packed =
+      start << 32 | (number & 0xFFFFFU) << 12 | place << 4 | static_cast<std::uint32_t>(manner);
+  return reinterpret_cast<void*>(static_cast<std::uintptr_t>(packed));
+}
+
+BareTransfers::Context BareTransfers::Context::Unpack(const void* context) {
+  const std::uint64_t packed = reinterpret_cast<std::uintptr_t>(context);
+  return {packed >> 32, static_cast<std::uint32_t>(packed >> 12 & 0xFFFFFU),
+          static_cast<std::uint32_t>(packed >> 4 & 0xFFU), static_cast<Manner>(packed & 0xFU)};
+}
+
+BareTransfers::BareTransfers(int index, const RawServer& server, const MainLoop& loop,
+                             std::uint32_t seed)
+    : returned_("SoakReturned" + std::to_string(index)),
+      failed_("SoakFailed" + std::to_string(index)),
+      server_(server),
+      loop_(loop),
+      random_(seed) {
+  CNotificationCenter::Default()->AddObserver(returned_.c_str(), this);
+  CNotificationCenter::Default()->AddObserver(failed_.c_str(), this);
+  thread_ = std::thread(&BareTransfers::Run, this);
+}
+
+BareTransfers::~BareTransfers() {
+  thread_.join();
+  for (Place& place : places_) {
+    if (place.is_taken && !Finish(place)) Delete(place);
+  }
+  CNotificationCenter::Default()->RemoveObserver(this);
+}
+
+int BareTransfers::CountUnposted() {
+  int count = 0;
+  for (Place& place : places_) count += place.is_taken && !Finish(place);
+  return count;
+}
+
+void BareTransfers::Run() {
+  while (!stopping_ && !IsViolated()) {
+    Act(random_.Draw(kPlaces));
+    std::this_thread::sleep_for(std::chrono::microseconds(random_.Draw(kLongestPause)));
+  }
+  for (Place& place : places_) {
+    if (place.is_taken && place.fate == Fate::kDeletedAnywhen) Delete(place);
+  }
+  has_stopped_ = true;
+}
+
+void BareTransfers::Act(std::uint32_t index) {
+  Place& place = places_[index];
+  const bool is_own = place.fate == Fate::kDeletedAnywhen;
+  if (place.was_emptied) {
+    Finish(place);
+  } else if (!place.is_taken) {
+    Create(index);
+  } else if (is_own && random_.OneIn(3)) {
+    Start(place, true);
+  } else if (is_own) {
+    Delete(place);
+  } else if (!Finish(place) && Clock::now() - place.begin > kOverdue) {
+    // Its completion must have been destroyed; at the end the two numbers are compared.
+    tally.never_posted.Add();
+    Delete(place);
+  }
+}
+
+void BareTransfers::Create(std::uint32_t index) {
+  Place& place = places_[index];
+  place.is_taken = true;
+  const std::uint32_t fate = random_.Draw(8);
+  place.fate = fate == 0   ? Fate::kDeletedInsideItsNotification
+               : fate == 1 ? Fate::kKept
+                           : Fate::kDeletedAnywhen;
+  const Target target = {Document::kNumber, DrawManner(random_), ++number_ & 0xFFFFFU};
+  place.context.number = target.number;
+  place.context.place = index;
+  place.context.manner = target.manner;
+  place.transport = std::make_unique<InternetData>(server_.Url(target.Path()).c_str());
+  place.seen_transport.store(place.transport.get(), std::memory_order_relaxed);
+  const std::string body = BodyOf(target);
+  place.transport->set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
+  tally.bare_created.Add();
+  Start(place, false);
+}
+
+// Starting again drops the transfer before: nothing of it is posted once the start has returned.
+void BareTransfers::Start(Place& place, bool again) {
+  place.begin = Clock::now();
+  const std::uint64_t before = place.context.start;
+  const std::uint64_t start = ++place.context.start;
+  place.StandingOf(start).start_and_phase.store(Standing::Join(start, Phase::kLive),
+                                                std::memory_order_relaxed);
+  auto delegate = std::make_unique<InternetDataDelegate>(place.context.Pack(), 1, returned_.c_str(),
+                                                         2, failed_.c_str());
+  InternetDataDelegate* const started = delegate.get();
+  // The main loop may look for it at once.
+  const bool delegate_goes_first =
+      place.fate == Fate::kDeletedInsideItsNotification || random_.OneIn(2);
+  if (delegate_goes_first) place.delegate = std::move(delegate);
+  const bool began = random_.OneIn(3) ? place.transport->UploadWithDelegate(started, nullptr)
+                                      : place.transport->DownloadWithDelegate(started, nullptr);
+  Check(began, "a transfer did not start");
+  if (again) NoteDropped(place, before);
+  if (!delegate_goes_first) place.delegate = std::move(delegate);
+  (again ? tally.bare_restarted : tally.bare_started).Add();
+}
+
+void BareTransfers::Delete(Place& place) {
+  const auto begin = Clock::now();
+  if (random_.OneIn(2)) {
+    place.transport.reset();
+    NoteDropped(place, place.context.start);
+    place.delegate.reset();
+  } else {
+    place.delegate.reset();
+    NoteDropped(place, place.context.start);
+    place.transport.reset();
+  }
+  place.is_taken = false;
+  Check(Clock::now() - begin < kLongestDeletion, "a deletion took long");
+  tally.bare_deleted.Add();
+}
+
+// Empties the place of a kept transfer that has posted. False when it has not.
+bool BareTransfers::Finish(Place& place) {
+  if (place.fate == Fate::kDeletedInsideItsNotification) {
+    if (!place.was_emptied.exchange(false)) return false;
+    place.is_taken = false;
+    return true;
+  }
+  if (place.StandingOf(place.context.start).phase() != Phase::kPosted) return false;
+  Delete(place);
+  return true;
+}
+
+void BareTransfers::NoteDropped(Place& place, std::uint64_t start) {
+  const std::uint64_t was = place.StandingOf(start).start_and_phase.exchange(
+      Standing::Join(start, Phase::kDropped), std::memory_order_relaxed);
+  if (was == Standing::Join(start, Phase::kLive)) tally.dropped_in_flight.Add();
+}
+
+void BareTransfers::OnNotification(const char* name, void* payload) {
+  if (!loop_.IsThisThread()) Violate("a transfer was delivered on another thread");
+  const Context context = Context::Unpack(payload);
+  if (context.place >= kPlaces) return Violate("a transfer posted with a wrong context");
+  const bool returned = returned_ == name;
+  tally.transfer_posts.Add();
+  if (returned) tally.returned.Add();
+
+  Place& place = places_[context.place];
+  std::uint64_t expected = Standing::Join(context.start, Phase::kLive);
+  if (!place.StandingOf(context.start)
+           .start_and_phase.compare_exchange_strong(expected,
+                                                    Standing::Join(context.start, Phase::kPosted),
+                                                    std::memory_order_relaxed)) {
+    Violate(expected == Standing::Join(context.start, Phase::kPosted)
+                ? "a transfer posted twice"
+                : "a transfer posted after it was dropped");
+    return;
+  }
+  CheckPost(place, context, returned);
+}
+
+// The objects are alive until this call has returned: their deletion waits for it.
+void BareTransfers::CheckPost(Place& place, const Context& context, bool returned) {
+  const InternetData& transport = *place.seen_transport.load(std::memory_order_relaxed);
+  const unsigned long length = transport.received_data_length();
+  const std::string body =
+      length == 0 ? ""
+                  : std::string(reinterpret_cast<const char*>(transport.received_data()), length);
+  CheckReply({Document::kNumber, context.manner, context.number}, returned, transport.status_code(),
+             body);
+  if (place.fate != Fate::kDeletedInsideItsNotification) return;
+  place.delegate.reset();
+  place.transport.reset();
+  tally.bare_deleted_inside.Add();
+  place.was_emptied = true;
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,134 @@
+#include "tests/soak/passing_observers.h"
+
+#include <chrono>
+#include <cstring>
+#include <utility>
+
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/observer.h"
+#include "tests/soak/public_names.h"
+
+namespace stowra_test {
+
+namespace {
+
+constexpr char kSharedName[] = "SoakShared";
+constexpr std::size_t kMostObservers = 12;
+constexpr std::uint32_t kLongestPause = 600;  // microseconds
+
+}  // namespace
+
+class PassingObservers::Observer final : public ovrant::IObserver {
+ public:
+  // `removes_itself`: in its first call.
+  Observer(const char* own_name, bool observes_own, bool removes_itself, const MainLoop& loop)
+      : own_name_(own_name),
+        observes_own_(observes_own),
+        removes_itself_(removes_itself),
+        loop_(loop) {
+    CNotificationCenter* const center = CNotificationCenter::Default();
+    if (observes_own_) center->AddObserver(own_name, this);
+    center->AddObserver(kSharedName, this);
+    for (const char* name : PublicNames()) center->AddObserver(name, this);
+    tally.observers_added.Add();
+  }
+  // It is not called once the removal has returned.
+  ~Observer() override {
+    CNotificationCenter::Default()->RemoveObserver(this);
+    is_gone_.store(true, std::memory_order_relaxed);
+    tally.observers_removed.Add();
+  }
+
+  Observer(const Observer&) = delete;
+  Observer& operator=(const Observer&) = delete;
+
+  using ovrant::IObserver::OnNotification;
+  void OnNotification(const char* name, void* payload) override {
+    if (is_gone_.load(std::memory_order_relaxed))
+      Violate("an observer was called after its removal");
+    tally.observer_calls.Add();
+    if (std::strcmp(name, kSharedName) == 0) return Linger();
+    if (std::strcmp(name, own_name_) == 0) {
+      Check(payload == own_name_, "a notification has another's payload");
+      ++own_calls_;
+      // Its thread is the one that sends.
+      if (!removes_itself_) return;
+      CNotificationCenter::Default()->RemoveObserver(this);
+      has_removed_itself_ = true;
+    } else {
+      Check(loop_.IsThisThread() && payload == nullptr, "a public notification is another's");
+    }
+  }
+
+  // How often it has been called under its own name, by the thread that asks.
+  int own_calls() const { return own_calls_; }
+  bool expects_own() const { return observes_own_ && !has_removed_itself_; }
+
+ private:
+  // Gives a removal on another thread the time to come in between.
+  void Linger() {
+    std::this_thread::sleep_for(std::chrono::microseconds(1));
+    if (is_gone_.load(std::memory_order_relaxed)) Violate("an observer was removed inside a call");
+  }
+
+  const char* const own_name_;
+  const bool observes_own_;
+  const bool removes_itself_;
+  const MainLoop& loop_;
+  int own_calls_ = 0;
+  bool has_removed_itself_ = false;
+  std::atomic<bool> is_gone_{false};
+};
+
+PassingObservers::PassingObservers(int index, const MainLoop& loop, std::uint32_t seed)
+    : own_name_("SoakOwn" + std::to_string(index)),
+      loop_(loop),
+      random_(seed),
+      thread_(&PassingObservers::Run, this) {}
+
+PassingObservers::~PassingObservers() {
+  stopping_ = true;
+  thread_.join();
+}
+
+void PassingObservers::Run() {
+  while (!stopping_ && !IsViolated()) {
+    const std::uint32_t what = random_.Draw(4);
+    if (observers_.empty() || (what == 0 && observers_.size() < kMostObservers)) {
+      AddOne();
+    } else if (what == 1) {
+      RemoveOne();
+    } else if (what == 2) {
+      SendOwn();
+    } else {
+      CNotificationCenter::Default()->SendNotification(kSharedName, nullptr);
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(random_.Draw(kLongestPause)));
+  }
+  observers_.clear();
+}
+
+void PassingObservers::AddOne() {
+  observers_.push_back(
+      std::make_unique<Observer>(own_name_.c_str(), random_.OneIn(2), random_.OneIn(4), loop_));
+}
+
+void PassingObservers::RemoveOne() {
+  std::swap(observers_[random_.Draw(static_cast<std::uint32_t>(observers_.size()))],
+            observers_.back());
+  observers_.pop_back();
+}
+
+// Every observer of the name is called once, before the call returns, and no other.
+void PassingObservers::SendOwn() {
+  std::vector<int> expected;
+  for (const auto& observer : observers_) {
+    expected.push_back(observer->own_calls() + (observer->expects_own() ? 1 : 0));
+  }
+  CNotificationCenter::Default()->SendNotification(own_name_.c_str(), own_name_.data());
+  for (std::size_t i = 0; i < observers_.size(); ++i) {
+    Check(observers_[i]->own_calls() == expected[i], "an observer was not called just once");
+  }
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,162 @@
+#include "tests/soak/requests.h"
+
+#include <cstring>
+
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/services/extension_store_status.h"
+#include "common_stowraapi/services/update_query.h"
+#include "common_stowraapi/services/user_info_query.h"
+#include "tests/soak/public_names.h"
+
+namespace stowra_test {
+
+using ovrant::webservices::UpdateQuery;
+using ovrant::webservices::UserInfoQuery;
+
+namespace {
+
+std::array<const char*, 3> ReturnedNames() {
+  return {UserInfoQuery::kAsynchReturnedNotification, UpdateQuery::kAsynchReturnedNotification,
+          kExtensionStoreStatusRequestReturnedNotification};
+}
+
+std::array<const char*, 3> FailedNames() {
+  return {UserInfoQuery::kAsyncFailedNotification, UpdateQuery::kAsyncFailedNotification,
+          kExtensionStoreStatusRequestFailedNotification};
+}
+
+template <typename Names>
+bool Contains(const Names& names, const char* name) {
+  for (const char* each : names) {
+    if (std::strcmp(each, name) == 0) return true;
+  }
+  return false;
+}
+
+void* Pack(std::uint32_t index, std::uint32_t start) {
+  return reinterpret_cast<void*>(static_cast<std::uintptr_t>(std::uint64_t{start} << 8 | index));
+}
+
+}  // namespace
+
+// The first observer of all names: it knows of an end before the requests do.
+Requests::Requests(const RawServer& server, const MainLoop& loop, std::uint32_t seed)
+    : server_(server), loop_(loop), random_(seed) {
+  CNotificationCenter* const center = CNotificationCenter::Default();
+  for (const char* name : ReturnedNames()) center->AddObserver(name, this);
+  for (const char* name : FailedNames()) center->AddObserver(name, this);
+  for (const char* name : PublicNames()) center->AddObserver(name, this);
+}
+
+Requests::~Requests() {
+  for (Place& place : places_) {
+    if (place.request) Delete(place);
+  }
+  CNotificationCenter::Default()->RemoveObserver(this);
+}
+
+void Requests::Act() {
+  const std::uint32_t index = random_.Draw(kPlaces);
+  Place& place = places_[index];
+  if (!place.request) {
+    place.request = MakeRequest(KindOf(index));
+    tally.requests_created.Add();
+    return;
+  }
+  switch (random_.Draw(10)) {
+    case 0:
+      return RunBlocking(index);
+    case 1:
+      return CleanUp(place);
+    case 2:
+      return Delete(place);
+    case 3:
+      return place.request->Poke();
+    case 4:
+      return StartOne(index);
+    default:
+      // Most are kept until they have ended.
+      if (!place.is_live) StartOne(index);
+  }
+}
+
+int Requests::CountUnposted() const {
+  int count = 0;
+  for (const Place& place : places_) count += place.is_live;
+  return count;
+}
+
+void Requests::StartOne(std::uint32_t index) {
+  Place& place = places_[index];
+  const Target target = {KindOf(index), DrawManner(random_), ++number_};
+  (place.is_live ? tally.requests_retargeted : tally.requests_started).Add();
+  NoteDropped(place);
+  place.start = number_;
+  place.is_live = true;
+  place.request->Start(server_, target, Pack(index, place.start));
+}
+
+// Only what is answered at once: the main loop stands still meanwhile.
+void Requests::RunBlocking(std::uint32_t index) {
+  const Target target = {KindOf(index), static_cast<Manner>(random_.Draw(2)), ++number_};
+  places_[index].request->RunBlocking(server_, target);
+  tally.requests_run_blocking.Add();
+}
+
+void Requests::CleanUp(Place& place) {
+  if (!place.request->CleanUp()) return;
+  NoteDropped(place);
+  tally.requests_cleaned_up.Add();
+}
+
+void Requests::Delete(Place& place) {
+  place.request.reset();
+  NoteDropped(place);
+  tally.requests_deleted.Add();
+}
+
+void Requests::NoteDropped(Place& place) {
+  if (place.is_live) tally.dropped_in_flight.Add();
+  place.is_live = false;
+}
+
+void Requests::OnNotification(const char* name, void* payload) {
+  if (!loop_.IsThisThread()) return Violate("a request was delivered on another thread");
+  if (Contains(PublicNames(), name)) return OnPublic();
+  tally.transfer_posts.Add();
+  if (Contains(ReturnedNames(), name)) tally.returned.Add();
+  OnEnd(payload);
+}
+
+void Requests::OnEnd(const void* payload) {
+  const std::uint64_t packed = reinterpret_cast<std::uintptr_t>(payload);
+  const std::uint64_t index = packed & 0xFFU;
+  if (index >= kPlaces) return Violate("a request's transfer posted with a wrong context");
+  Place& place = places_[index];
+  if (!place.is_live || place.start != packed >> 8) {
+    return Violate("a request's transfer posted twice, or after it was dropped");
+  }
+  place.is_live = false;
+}
+
+// Leaves the requests alone that the notification is delivered to, directly or as the one that
+// posts.
+void Requests::OnPublic() {
+  tally.public_received.Add();
+  const std::uint32_t index = random_.Draw(kPlaces);
+  Place& place = places_[index];
+  if (!place.request || place.request->is_busy()) return;
+  switch (random_.Draw(4)) {
+    case 0:
+      tally.requests_deleted_by_observers.Add();
+      return Delete(place);
+    case 1:
+      return CleanUp(place);
+    case 2:
+      return StartOne(index);
+    default:
+      return;
+  }
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,17 @@
+// What a process holds.
+
+#ifndef TESTS_SOAK_RESOURCES_H_
+#define TESTS_SOAK_RESOURCES_H_
+
+#include <cstddef>
+
+namespace stowra_test {
+
+int CountOpenDescriptors();
+
+// Bytes allocated and not freed; 0 where nothing tells.
+std::size_t LiveHeapBytes();
+
+}  // namespace stowra_test
+
+#endif  // TESTS_SOAK_RESOURCES_H_

@@ -1,0 +1,133 @@
+#include "tests/soak/settings.h"
+
+#include <chrono>
+#include <functional>
+#include <utility>
+
+#include "common_stowraapi/platform/internet_data.h"
+
+namespace stowra_test {
+
+using ovrant::internet::InternetData;
+using ovrant::internet::TransferDefaults;
+using ovrant::internet::TransferEvent;
+
+namespace {
+
+constexpr std::chrono::milliseconds kPace(5);
+constexpr std::uint32_t kLongestDelay = 30;  // milliseconds
+constexpr std::uint32_t kOneDroppedOf = 200;
+
+}  // namespace
+
+// Called by the library's thread only.
+struct SettingsChanges::Executor {
+  Executor(MainLoop& main_loop, std::uint32_t seed, bool drops) : loop(main_loop), random(seed) {
+    is_late = random.OneIn(2);
+    is_dropping = drops && random.OneIn(2);
+  }
+
+  void Call(std::function<void()> completion) {
+    if (is_retired) Violate("an executor was called after it had been replaced");
+    if (is_dropping && random.OneIn(kOneDroppedOf)) {
+      tally.completions_dropped.Add();
+      return;
+    }
+    // Late ones overtake each other.
+    const std::chrono::milliseconds delay(is_late ? random.Draw(kLongestDelay) : 0);
+    loop.Post(std::move(completion), MainLoop::Clock::now() + delay);
+  }
+
+  MainLoop& loop;
+  Random random;
+  bool is_late;
+  bool is_dropping;
+  std::atomic<bool> is_retired{false};
+};
+
+// Called by every thread that runs transfers.
+struct SettingsChanges::Listener {
+  void Call(const TransferEvent& event) {
+    if (is_retired.load(std::memory_order_relaxed)) {
+      Violate("a listener was called after it had been replaced");
+    }
+    tally.listener_events.Add();
+    if (event.kind == TransferEvent::Kind::kStarted) started.Add();
+    if (event.kind == TransferEvent::Kind::kEnded) ended.Add();
+    if (event.url.empty()) Violate("a listener heard of a transfer without URL");
+  }
+
+  Counter started;
+  Counter ended;
+  std::atomic<bool> is_retired{false};
+};
+
+SettingsChanges::SettingsChanges(MainLoop& loop, std::uint32_t seed, bool drops_completions)
+    : loop_(loop), random_(seed), drops_completions_(drops_completions) {
+  ReplaceExecutor();
+  ReplaceListener();
+  ReplaceDefaults();
+  thread_ = std::thread(&SettingsChanges::Run, this);
+}
+
+SettingsChanges::~SettingsChanges() {
+  stopping_ = true;
+  thread_.join();
+  InternetData::SetTransferListener(nullptr);
+  listener_->is_retired = true;
+  // One that keeps all, for what still runs.
+  InternetData::SetCompletionExecutor([&loop = loop_](std::function<void()> completion) {
+    loop.Post(std::move(completion), MainLoop::Clock::now());
+  });
+  executor_->is_retired = true;
+}
+
+void SettingsChanges::Run() {
+  while (!stopping_) {
+    switch (random_.Draw(3)) {
+      case 0:
+        ReplaceExecutor();
+        break;
+      case 1:
+        ReplaceListener();
+        break;
+      default:
+        ReplaceDefaults();
+    }
+    std::this_thread::sleep_for(kPace);
+  }
+}
+
+void SettingsChanges::ReplaceExecutor() {
+  auto next = std::make_shared<Executor>(loop_, random_.Draw(UINT32_MAX), drops_completions_);
+  InternetData::SetCompletionExecutor(
+      [next](std::function<void()> completion) { next->Call(std::move(completion)); });
+  if (executor_) executor_->is_retired = true;
+  executor_ = std::move(next);
+  tally.executors.Add();
+}
+
+void SettingsChanges::ReplaceListener() {
+  auto next = std::make_shared<Listener>();
+  InternetData::SetTransferListener([next](const TransferEvent& event) { next->Call(event); });
+  if (listener_) {
+    listener_->is_retired = true;
+    Check(listener_->ended.value() <= listener_->started.value(),
+          "a listener heard of more ends than starts");
+  }
+  listener_ = std::move(next);
+  tally.listeners.Add();
+}
+
+void SettingsChanges::ReplaceDefaults() {
+  TransferDefaults defaults;
+  defaults.inactivity_timeout = 0.5F + static_cast<float>(random_.Draw(3)) / 4;
+  // Some lie below the big bodies.
+  if (random_.OneIn(4)) defaults.body_cap = 100'000 + random_.Draw(1'000'000);
+  if (random_.OneIn(2)) defaults.user_agent = "soak";
+  if (random_.OneIn(2)) defaults.extra_request_headers["X-Soak"] = "yes";
+  InternetData::SetDefaults(defaults);
+  tally.defaults.Add();
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,46 @@
+// What a host sets for all transfers, replaced again and again while they run.
+
+#ifndef TESTS_SOAK_SETTINGS_H_
+#define TESTS_SOAK_SETTINGS_H_
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "tests/soak/main_loop.h"
+#include "tests/soak/report.h"
+
+namespace stowra_test {
+
+// Replaces completion executor, listener and defaults on a thread of its own, from its construction
+// to its destruction. Every executor hands what it gets to the main loop: at once, late, or in
+// another order; some destroy a few, if `drops_completions`.
+class SettingsChanges {
+ public:
+  SettingsChanges(MainLoop& loop, std::uint32_t seed, bool drops_completions);
+  ~SettingsChanges();
+
+  SettingsChanges(const SettingsChanges&) = delete;
+  SettingsChanges& operator=(const SettingsChanges&) = delete;
+
+ private:
+  struct Executor;
+  struct Listener;
+
+  void Run();
+  void ReplaceExecutor();
+  void ReplaceListener();
+  void ReplaceDefaults();
+
+  MainLoop& loop_;
+  Random random_;
+  const bool drops_completions_;
+  std::shared_ptr<Executor> executor_;
+  std::shared_ptr<Listener> listener_;
+  std::atomic<bool> stopping_{false};
+  std::thread thread_;
+};
+
+}  // namespace stowra_test
+
+#endif  // TESTS_SOAK_SETTINGS_H_
