@@ -22,3 +22,12 @@ if(STOWRA_SANITIZE)
       -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/ubsan_ignore.txt)
   endif()
 endif()
+
+# Read by tests/coverage/coverage.sh; needs g++. Threads count, too, hence the atomic counters.
+option(STOWRA_COVERAGE "Count which lines and branches are executed" OFF)
+if(STOWRA_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic -O0)
+  add_link_options(--coverage)
+  # Otherwise the shared libraries share one set of counting functions, and none can be unloaded.
+  add_link_options(-Wl,--exclude-libs,libgcov.a)
+endif()

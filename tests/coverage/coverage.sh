@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# coverage.sh BUILD_DIR: runs the tests of a build with the preset "coverage" and judges what they execute; see judge.py.
+set -euo pipefail
+folder=$(cd "$(dirname "$0")" && pwd)
+source=$(cd "$folder/../.." && pwd)
+build=$1
+
+# Not what executes no code of the rooms, nor what measures cost: counting costs more than what is measured.
+left_out='^(architecture|benchmarks|install|readme)\.|^XmlHostile(Attributes|Hash|Namespaces|Order|Size)Test\.'
+left_out+='|^XmlModelTest\.EveryElement'
+
+export PYTHONDONTWRITEBYTECODE=1
+python3 "$folder/judge_test.py"
+find "$build" -name '*.gcda' -delete
+ctest --test-dir "$build" -j "$(getconf _NPROCESSORS_ONLN)" --output-on-failure --no-tests=error -E "$left_out"
+gcovr -j "$(getconf _NPROCESSORS_ONLN)" -r "$source" \
+  --filter "$source/common_stowraapi/(platform|json|request|services|content)/" \
+  --exclude-throw-branches --exclude-unreachable-branches --json "$build/coverage.json" "$build"
+python3 "$folder/judge.py" "$source" "$build/coverage.json" "$folder/uncovered.txt"
