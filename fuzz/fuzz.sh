@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # fuzz.sh BUILD_DIR SECONDS [TARGET...]
 #
-# Runs the fuzzers of BUILD_DIR side by side for SECONDS, all of them or those named. Each keeps the inputs that it found
-# worth keeping in BUILD_DIR/fuzz/corpus and begins with them the next time. An input that fails is copied to the
-# target's folder of findings, where it is a test from then on. Prints a table; fails when there is a finding.
+# Runs the fuzzers of BUILD_DIR, all of them or those named, each for SECONDS and as many side by side as there are
+# processors. Each keeps the inputs that it found worth keeping in BUILD_DIR/fuzz/corpus and begins with them the next
+# time. An input that fails is copied to the target's folder of findings, where it is a test from then on. Prints a table;
+# fails when there is a finding.
 set -uo pipefail
 build=$1
 seconds=$2
@@ -13,7 +14,6 @@ targets=("$@")
 logs=$build/fuzz/logs
 mkdir -p "$logs"
 
-# A target's program and its folder in the sources.
 fuzz_one() {
   local target=$1 program folder corpus artifacts
   read -r program folder <"$build/fuzz/targets/$target"
@@ -21,16 +21,20 @@ fuzz_one() {
   artifacts=$build/fuzz/artifacts/$target
   rm -rf "$artifacts"
   mkdir -p "$corpus" "$artifacts" "$folder/findings"
-  "$program" -max_total_time="$seconds" -max_len=4096 -timeout=20 -rss_limit_mb=2048 \
-    -dict="$folder.dict" -artifact_prefix="$artifacts/" -print_final_stats=1 \
-    "$corpus" "$folder/seeds" "$folder/findings" >"$logs/$target" 2>&1
-  find "$artifacts" -type f -exec cp {} "$folder/findings/" \;
+  "$program" -max_total_time="$seconds" -max_len=4096 -timeout=20 -rss_limit_mb=2048 -dict="$folder.dict" \
+    -artifact_prefix="$artifacts/" -print_final_stats=1 "$corpus" "$folder/seeds" "$folder/findings" \
+    >"$logs/$target" 2>&1 || touch "$artifacts/failed"
+  find "$artifacts" -type f ! -name failed -exec cp {} "$folder/findings/" \;
   rmdir --ignore-fail-on-non-empty "$folder/findings"
 }
 
 stat_of() { sed -n "s/^stat::$2: *//p" "$logs/$1"; }
 
-for target in "${targets[@]}"; do fuzz_one "$target" & done
+processors=$(getconf _NPROCESSORS_ONLN)
+for target in "${targets[@]}"; do
+  while [ "$(jobs -pr | wc -l)" -ge "$processors" ]; do wait -n; done
+  fuzz_one "$target" &
+done
 wait
 
 failed=0
@@ -38,13 +42,14 @@ total=0
 printf '%-28s %12s %12s %9s %9s\n' target executions per-second peak-MB findings
 for target in "${targets[@]}"; do
   executions=$(stat_of "$target" number_of_executed_units)
-  findings=$(find "$build/fuzz/artifacts/$target" -type f | wc -l)
+  artifacts=$build/fuzz/artifacts/$target
+  findings=$(find "$artifacts" -type f ! -name failed | wc -l)
   printf '%-28s %12s %12s %9s %9s\n' "$target" "${executions:-none}" "$(stat_of "$target" average_exec_per_sec)" \
     "$(stat_of "$target" peak_rss_mb)" "$findings"
   total=$((total + ${executions:-0}))
-  if [ "$findings" -gt 0 ] || [ -z "$executions" ]; then
+  if [ -e "$artifacts/failed" ]; then
     failed=1
-    echo "  see $logs/$target"
+    echo "  failed: see $logs/$target"
   fi
 done
 printf '%-28s %12s\n' all "$total"

@@ -24,11 +24,13 @@ bool FramesBody(std::string_view name) {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// 0 unless a version and a status of three digits are there.
+// 0 unless a version, spaces and a status of three digits are there.
 int ReadStatus(std::string_view line) {
   const std::string_view version = line.substr(kStatusLineStart.size());
   if (version.empty() || !IsDigit(version.front())) return 0;
-  const std::string_view text = TrimHeaderText(line.substr(std::min(line.find(' '), line.size())));
+  const std::size_t space = std::min(line.find(' '), line.size());
+  const std::string_view text =
+      line.substr(std::min(line.find_first_not_of(' ', space), line.size()));
   const bool is_status = text.size() >= 3 && std::all_of(text.begin(), text.begin() + 3, IsDigit) &&
                          text.front() != '0' && (text.size() == 3 || !IsDigit(text[3]));
   int status = 0;

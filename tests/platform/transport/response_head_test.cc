@@ -61,7 +61,8 @@ TEST_F(ResponseHeadTest, ReadsTheStatusOfEveryVersion) {
 
 TEST_F(ResponseHeadTest, RefusesAStatusLineWithoutAVersionOrAStatus) {
   for (const char* line : {"HTTP/1.1 2000 OK", "HTTP/1.1 20", "HTTP/1.1 099", "HTTP/1.1 +200",
-                           "HTTP/1.1 two", "HTTP/1.1", "HTTP/1.1 ", "HTTP//1.1 200", "HTTP/ 200"}) {
+                           "HTTP/1.1 two", "HTTP/1.1", "HTTP/1.1 ", "HTTP//1.1 200", "HTTP/ 200",
+                           "HTTP/1.1 \r200 OK", "HTTP/1.1\t200 OK"}) {
     head_ = ResponseHead();
     EXPECT_EQ(Add({line}), "the response's status line is none") << line;
     EXPECT_EQ(head_.status(), 0) << line;
