@@ -1,8 +1,12 @@
 #include "common_stowraapi/platform/chunk_decoder.h"
 
+#include <limits>
+
 namespace ovrant::internet {
 
 namespace {
+
+constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max();
 
 // The value of a hexadecimal digit, or -1.
 int HexValue(char digit) {
@@ -15,7 +19,7 @@ int HexValue(char digit) {
 }  // namespace
 
 std::string_view ChunkDecoder::Next(std::string_view& encoded) {
-  while (!encoded.empty() && part_ != Part::kEnd) {
+  while (!encoded.empty() && part_ != Part::kEnd && part_ != Part::kBroken) {
     if (part_ == Part::kData) {
       const std::string_view piece = encoded.substr(0, left_);
       encoded.remove_prefix(piece.size());
@@ -30,21 +34,22 @@ std::string_view ChunkDecoder::Next(std::string_view& encoded) {
   return {};
 }
 
-// Lines end with a line feed, and what is before it hardly matters.
+// A line feed alone ends a line, too.
 void ChunkDecoder::Take(char c) {
   switch (part_) {
     case Part::kSize:
-      if (const int digit = HexValue(c); digit >= 0) {
-        left_ = left_ * 16 + static_cast<std::size_t>(digit);
-        return;
-      }
-      part_ = Part::kExtension;
-      [[fallthrough]];
+      TakeSize(c);
+      return;
     case Part::kExtension:
       if (c == '\n') part_ = left_ > 0 ? Part::kData : Part::kTrailer;
       return;
     case Part::kDataEnd:
-      if (c == '\n') part_ = Part::kSize;
+      if (c == '\n') {
+        part_ = Part::kSize;
+        has_size_ = false;
+      } else if (c != '\r') {
+        part_ = Part::kBroken;
+      }
       return;
     case Part::kTrailer:
       if (c == '\n' && is_line_empty_) part_ = Part::kEnd;
@@ -52,7 +57,21 @@ void ChunkDecoder::Take(char c) {
       return;
     case Part::kData:
     case Part::kEnd:
+    case Part::kBroken:
       return;
+  }
+}
+
+void ChunkDecoder::TakeSize(char c) {
+  const int digit = HexValue(c);
+  if (digit < 0) {
+    part_ = has_size_ ? Part::kExtension : Part::kBroken;
+    if (has_size_) Take(c);
+  } else if (left_ > kLargest / 16) {
+    part_ = Part::kBroken;
+  } else {
+    left_ = left_ * 16 + static_cast<std::size_t>(digit);
+    has_size_ = true;
   }
 }
 

@@ -47,6 +47,16 @@ TEST(ChunkDecoder, TakesBareLineFeeds) {
   EXPECT_TRUE(decoder.AtEnd());
 }
 
+TEST(ChunkDecoder, HasNoEndWhereTheCodingIsBroken) {
+  for (const char* body :
+       {"5\r\nhello!\r\n0\r\n\r\n", "x\r\n0\r\n\r\n", "\r\n0\r\n\r\n",
+        "5\r\nhello\r\n\r\n0\r\n\r\n", "-1\r\n0\r\n\r\n", "10000000000000000\r\n0\r\n\r\n"}) {
+    ChunkDecoder decoder;
+    Decoded(body, 3, decoder);
+    EXPECT_FALSE(decoder.AtEnd()) << body;
+  }
+}
+
 TEST(ChunkDecoder, TakesNothingBehindTheEnd) {
   ChunkDecoder decoder;
   EXPECT_EQ(Decoded("0\r\n\r\n5\r\nhello\r\n", 100, decoder), "");

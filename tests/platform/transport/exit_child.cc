@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -196,6 +197,35 @@ int ReturnWhileAnObserverHangs() {
   return Return();
 }
 
+// Destroyed after the library has stopped waiting for the observer, which returns only then.
+struct LateEnd {
+  std::promise<void> library_has_stopped;
+  std::promise<void> called_again;
+  std::atomic<int> calls{0};
+  bool is_user = false;
+
+  void OnCall() {
+    if (++calls > 1) return called_again.set_value();
+    Say(kExitChildReady);
+    library_has_stopped.get_future().wait();
+  }
+
+  ~LateEnd() {
+    if (!is_user) return;
+    library_has_stopped.set_value();
+    const auto again = called_again.get_future();
+    if (again.wait_for(std::chrono::milliseconds(200)) == std::future_status::ready) _exit(1);
+  }
+} late_end;
+
+// The transfers are answered at once; the first one's observer is the last that is called.
+int ReturnWhileAnObserverIsSlow() {
+  late_end.is_user = true;
+  static Observer* const observer = new Observer([] { late_end.OnCall(); });
+  static_cast<void>(observer);
+  return Return();
+}
+
 int ReturnDuringABlockingDownload() {
   StartHeld();
   std::thread([blocking = url + "blocking"] {
@@ -303,6 +333,7 @@ int Run(const std::string& mode, const char* self, int descriptors_at_first) {
       {"exit-inside-a-notification", ExitInsideANotification},
       {"exit-inside-the-listener", ExitInsideTheListener},
       {"return-while-an-observer-hangs", ReturnWhileAnObserverHangs},
+      {"return-while-an-observer-is-slow", ReturnWhileAnObserverIsSlow},
       {"return-during-a-blocking-download", ReturnDuringABlockingDownload},
       {"return-with-queued-completions", ReturnWithQueuedCompletions},
       {"fork-and-exec", [self] { return ForkAndExec(self); }},
