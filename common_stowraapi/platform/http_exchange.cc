@@ -151,9 +151,10 @@ void HttpExchange::TakeHeaderLine(std::string_view line) {
   if (const char* why = is_trailer ? head_.AddTrailer(line) : head_.AddLine(line)) Refuse(why);
   if (head_.at_beginning()) {
     awaits_response_ = false;
-    // Its body is thrown away and not handed over.
-    if (WillFollowRedirect()) WatchProgress(easy_);
-    if (WillFollowRedirect()) WatchTls(true);  // It may lead to https.
+    if (WillFollowRedirect()) {
+      WatchProgress(easy_);  // its body is thrown away and not handed over
+      WatchTls(true);        // it may lead to https
+    }
     tls_ended_ = false;
     reply_.body.Clear();
     chunks_.reset();
