@@ -39,6 +39,11 @@ class JudgeTest(unittest.TestCase):
         self.assertEqual(judge(replaced("json/node.cc", 7, taken=1), [entry])[1], [])
         self.assertEqual(judge(replaced("platform/url.cc", 7, taken=1), [])[1], [])
 
+    def test_lets_a_place_of_chance_be_reached_or_not(self):
+        entry = Listed("platform/url.cc", "f7();", "by chance: why")
+        self.assertEqual(judge(well_tested(), [entry])[1], [])
+        self.assertEqual(judge(replaced("platform/url.cc", 7, is_executed=False, taken=0), [entry])[1], [])
+
     def test_wants_a_reason_for_each_of_two_equal_lines(self):
         lines = [line._replace(is_executed=False, text="same") if line.path == "platform/url.cc" and line.number < 2
                  else line for line in well_tested()]

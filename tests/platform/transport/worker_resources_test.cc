@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -90,6 +91,21 @@ TEST_F(WorkerResourcesTest, WithoutDescriptorsATransferFailsAtOnce) {
                   server_.Url(), [] { SetDescriptorLimit(DescriptorsInUse()); },
                   [&] { SetDescriptorLimit(usual.rlim_cur); }),
               testing::ExitedWithCode(0), "");
+}
+
+// Nothing of what it throws comes out of the start.
+void StartRefusedWithAThrowingObserver(const std::string& url) {
+  Background refused(url, [] { throw std::runtime_error("thrown by an observer"); });
+  rlimit usual = {};
+  getrlimit(RLIMIT_NOFILE, &usual);
+  SetDescriptorLimit(DescriptorsInUse());
+  const bool started = refused.Start();
+  SetDescriptorLimit(usual.rlim_cur);
+  std::exit(started ? 0 : 1);
+}
+
+TEST_F(WorkerResourcesTest, ObserverOfAFailureAtOnceMayThrow) {
+  EXPECT_EXIT(StartRefusedWithAThrowingObserver(server_.Url()), testing::ExitedWithCode(0), "");
 }
 
 #if defined(__GLIBC__)
