@@ -71,8 +71,9 @@ void StartRefusedThenAllowed(const std::string& url, const Refuse& refuse, const
   std::exit(allowed.WaitForEnd() == kReturned ? 0 : 3);
 }
 
-// UndefinedBehaviorSanitizer looks at an object through a pipe, for which it needs descriptors.
-#ifndef STOWRA_UNDER_ADDRESS_SANITIZER
+// UndefinedBehaviorSanitizer looks at an object through a pipe, for which it needs descriptors;
+// ThreadSanitizer reports the threads of the server, which the process leaves behind.
+#if !defined(STOWRA_UNDER_ADDRESS_SANITIZER) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
 
 // Leaves what is open as it is.
 void SetDescriptorLimit(rlim_t limit) {
@@ -114,7 +115,7 @@ TEST_F(WorkerResourcesTest, ObserverOfAFailureAtOnceMayThrow) {
 
 #endif
 
-#if defined(__GLIBC__)
+#if defined(__GLIBC__) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
 
 // For the threads to come.
 void SetStackSize(std::size_t bytes) {
