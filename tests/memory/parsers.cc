@@ -85,14 +85,15 @@ std::shared_ptr<void> ReadConfig(const std::string& input) {
   return config->ParseResponse(Bytes(input), input.size()) ? config : nullptr;
 }
 
-// Downloads the input from a server that says how long it is, or not. The server's own memory is
-// other threads', but for what the first download takes to start it.
+// Downloads the input from a server that says how long it is, or not, and that it will close: no
+// connection is kept. The server's own memory is other threads', but for what the first download
+// takes to start it.
 Parse DownloadWith(const std::string& header) {
   auto server = std::make_shared<std::unique_ptr<RawServer>>();
   return [server, header](const std::string& input) -> std::shared_ptr<void> {
     if (!*server) {
       *server = std::make_unique<RawServer>(
-          AlwaysThenClose("HTTP/1.1 200 OK\r\n" + header + "\r\n" + input));
+          AlwaysThenClose("HTTP/1.1 200 OK\r\nConnection: close\r\n" + header + "\r\n" + input));
     }
     auto transport = std::make_shared<InternetData>(Text((*server)->Url()));
     return transport->Download() ? transport : nullptr;

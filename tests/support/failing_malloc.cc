@@ -2,11 +2,10 @@
 
 #ifdef STOWRA_FAILS_ALLOCATIONS
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <new>
 
 #include "tests/support/bystander.h"
@@ -81,13 +80,78 @@ void Add(long blocks, long long bytes) {
   all_bytes.fetch_add(bytes, std::memory_order_relaxed);
 }
 
-long long SizeOf([[maybe_unused]] void* block) {
+// The functions below are the allocator behind this one, made to remember what was asked of it: it
+// may give a few bytes more, and not always as many.
 #ifdef STOWRA_COUNTS_MEMORY
-  return static_cast<long long>(malloc_usable_size(block));
-#else
-  return 0;
-#endif
+
+// Stands in front of each block.
+struct alignas(std::max_align_t) Label {
+  std::size_t size;    // asked for
+  std::size_t offset;  // of the block in what the allocator gave
+};
+
+Label* LabelOf(void* block) { return static_cast<Label*>(block) - 1; }
+
+void* BaseOf(void* block) { return static_cast<char*>(block) - LabelOf(block)->offset; }
+
+void* Labelled(void* base, std::size_t size, std::size_t offset) {
+  if (base == nullptr) return nullptr;
+  void* const block = static_cast<char*>(base) + offset;
+  *LabelOf(block) = {size, offset};
+  return block;
 }
+
+long long SizeOf(void* block) { return static_cast<long long>(LabelOf(block)->size); }
+
+// False, with errno set, when a block of that size and its label are more than can be counted.
+bool HasRoom(std::size_t size, std::size_t offset) {
+  if (size <= SIZE_MAX - offset) return true;
+  errno = ENOMEM;
+  return false;
+}
+
+void* Allocate(std::size_t size) {
+  constexpr std::size_t kOffset = sizeof(Label);
+  if (!HasRoom(size, kOffset)) return nullptr;
+  return Labelled(STOWRA_REAL(malloc)(size + kOffset), size, kOffset);
+}
+
+void* AllocateZeros(std::size_t count, std::size_t size) {
+  constexpr std::size_t kOffset = sizeof(Label);
+  if (size != 0 && count > SIZE_MAX / size) count = SIZE_MAX;
+  const std::size_t all = count == SIZE_MAX ? SIZE_MAX : count * size;
+  if (!HasRoom(all, kOffset)) return nullptr;
+  return Labelled(STOWRA_REAL(calloc)(1, all + kOffset), all, kOffset);
+}
+
+void* AllocateAligned(std::size_t alignment, std::size_t size) {
+  const std::size_t offset = std::max(alignment, sizeof(Label));
+  if (!HasRoom(size, offset)) return nullptr;
+  return Labelled(STOWRA_REAL(memalign)(offset, size + offset), size, offset);
+}
+
+void* Reallocate(void* block, std::size_t size) {
+  const std::size_t offset = LabelOf(block)->offset;
+  if (!HasRoom(size, offset)) return nullptr;
+  return Labelled(STOWRA_REAL(realloc)(BaseOf(block), size + offset), size, offset);
+}
+
+void Free(void* block) { STOWRA_REAL(free)(BaseOf(block)); }
+
+#else
+
+long long SizeOf(void* /*block*/) { return 0; }
+void* Allocate(std::size_t size) { return STOWRA_REAL(malloc)(size); }
+void* AllocateZeros(std::size_t count, std::size_t size) {
+  return STOWRA_REAL(calloc)(count, size);
+}
+void* AllocateAligned(std::size_t alignment, std::size_t size) {
+  return STOWRA_REAL(memalign)(alignment, size);
+}
+void* Reallocate(void* block, std::size_t size) { return STOWRA_REAL(realloc)(block, size); }
+void Free(void* block) { STOWRA_REAL(free)(block); }
+
+#endif
 
 void* Counted(void* block) {
   if (block != nullptr) Add(1, SizeOf(block));
@@ -97,27 +161,44 @@ void* Counted(void* block) {
 }  // namespace
 
 extern "C" STOWRA_SEEN_BY_ALL void* malloc(std::size_t size) noexcept {
-  return MustFail() ? nullptr : Counted(STOWRA_REAL(malloc)(size));
+  return MustFail() ? nullptr : Counted(Allocate(size));
+}
+
+extern "C" STOWRA_SEEN_BY_ALL void free(void* block) noexcept {
+  if (block == nullptr) return;
+  Add(-1, -SizeOf(block));
+  Free(block);
 }
 
 extern "C" STOWRA_SEEN_BY_ALL void* calloc(std::size_t count, std::size_t size) noexcept {
-  return MustFail() ? nullptr : Counted(STOWRA_REAL(calloc)(count, size));
+  return MustFail() ? nullptr : Counted(AllocateZeros(count, size));
 }
 
 // While a block moves, both it and its copy are there.
 extern "C" STOWRA_SEEN_BY_ALL void* realloc(void* block, std::size_t size) noexcept {
+  if (block == nullptr) return malloc(size);
+  if (size == 0) {
+    free(block);
+    return nullptr;
+  }
   if (MustFail()) return nullptr;
-  const long long before = block == nullptr ? 0 : SizeOf(block);
-  void* const moved = STOWRA_REAL(realloc)(block, size);
-  if (moved == nullptr && size != 0) return nullptr;
+  const long long before = SizeOf(block);
+  void* const moved = Reallocate(block, size);
+  if (moved == nullptr) return nullptr;
   Counted(moved);
-  if (block != nullptr) Add(-1, -before);
+  Add(-1, -before);
   return moved;
 }
 
 extern "C" STOWRA_SEEN_BY_ALL void* memalign(std::size_t alignment, std::size_t size) noexcept {
-  return MustFail() ? nullptr : Counted(STOWRA_REAL(memalign)(alignment, size));
+  return MustFail() ? nullptr : Counted(AllocateAligned(alignment, size));
 }
+
+#ifdef STOWRA_COUNTS_MEMORY
+extern "C" STOWRA_SEEN_BY_ALL std::size_t malloc_usable_size(void* block) noexcept {
+  return block == nullptr ? 0 : LabelOf(block)->size;
+}
+#endif
 
 extern "C" STOWRA_SEEN_BY_ALL void* aligned_alloc(std::size_t alignment,
                                                   std::size_t size) noexcept {
@@ -130,11 +211,6 @@ extern "C" STOWRA_SEEN_BY_ALL int posix_memalign(void** block, std::size_t align
   if (made == nullptr) return ENOMEM;
   *block = made;
   return 0;
-}
-
-extern "C" STOWRA_SEEN_BY_ALL void free(void* block) noexcept {
-  if (block != nullptr) Add(-1, -SizeOf(block));
-  STOWRA_REAL(free)(block);
 }
 
 // A sanitizer's own would not come by here.
