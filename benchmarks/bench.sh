@@ -31,7 +31,7 @@ rm -rf "$results"
 mkdir -p "$results"
 for round in $(seq $rounds); do
   echo "== round $round of $rounds" >&2
-  for program in "$build"/benchmarks/*/*_bench; do
+  for program in $(find "$build/benchmarks" -name "*_bench" -type f | sort); do
     number=0
     while read -r benchmark; do
       number=$((number + 1))

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "benchmarks/platform/bare_curl.h"
+#include "benchmarks/platform/http/bare_curl.h"
 #include "benchmarks/support/inputs.h"
 #include "benchmarks/support/nginx.h"
 #include "common_stowraapi/services/update_query.h"

@@ -3,7 +3,7 @@
 #include "common_stowraapi/content/entry_reader.h"
 #include "common_stowraapi/content/item_values.h"
 #include "common_stowraapi/content/text_search.h"
-#include "common_stowraapi/platform/succeeds.h"
+#include "common_stowraapi/succeeds.h"
 
 namespace ovrant::stowraapiclient {
 

@@ -3,6 +3,7 @@
 #ifndef COMMON_STOWRAAPI_CONTENT_CONTENT_ITEM_H_
 #define COMMON_STOWRAAPI_CONTENT_CONTENT_ITEM_H_
 
+#include "common_stowraapi/content/content_schema.h"
 #include "common_stowraapi/export.h"
 #include "common_stowraapi/platform/ustring.h"
 
@@ -11,10 +12,6 @@ class IXMLInput;
 }  // namespace ovrant
 
 namespace ovrant::stowraapiclient {
-
-// The namespace of the service's own elements. With "#model", "#collection" and "#user.query"
-// behind it, also the name of a category or of a link's relation.
-inline constexpr const char* kContentSchemaNamespace = "http://schemas.stowra.example/stowra/2008";
 
 // A model or a collection, read from an Atom entry (RFC 4287) with Media RSS renditions, and the
 // thumbnail that the host loads for it later. For one thread at a time. The order, the types and

@@ -8,8 +8,8 @@
 #include "common_stowraapi/content/feed_link.h"
 #include "common_stowraapi/content/feed_names.h"
 #include "common_stowraapi/platform/internet_data.h"
-#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/platform/xml_input.h"
+#include "common_stowraapi/succeeds.h"
 
 namespace ovrant::stowraapiclient {
 

@@ -1,6 +1,6 @@
 #include "common_stowraapi/content/feed_names.h"
 
-#include "common_stowraapi/content/content_item.h"
+#include "common_stowraapi/content/content_schema.h"
 
 namespace ovrant::stowraapiclient {
 

@@ -1,9 +1,8 @@
 #include "common_stowraapi/json/document.h"
 
-#include <list>
 #include <memory>
 
-#include "common_stowraapi/json/lookup.h"
+#include "common_stowraapi/json/document_tree.h"
 #include "common_stowraapi/json/node.h"
 #include "common_stowraapi/json/tree_reader.h"
 #include "common_stowraapi/json/tree_writer.h"
@@ -11,15 +10,6 @@
 namespace ovrant::json {
 
 using ovrant::utils::ovrant_ustring;
-
-struct Document::Tree {
-  ParsedText text{rapidjson::kObjectType};
-  std::list<Value> handles;
-
-  Node& root() { return text; }
-  Value RootHandle() { return Value(false, &root(), &text.GetAllocator()); }
-  Value& HandOut(Node* node) { return handles.emplace_back(false, node, &text.GetAllocator()); }
-};
 
 Document::Document() : tree_(std::make_unique<Tree>()) {}
 
@@ -73,7 +63,5 @@ ovrant_ustring Document::MemberNameAt(unsigned int index) const {
   const Node::Member* const member = FindMemberAt(&tree_->root(), index);
   return member == nullptr ? ovrant_ustring() : ReadText(member->name);
 }
-
-Value Lookup::Root(const Document& document) { return document.tree_->RootHandle(); }
 
 }  // namespace ovrant::json

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <limits>
 
-#include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/json/node.h"
 
 namespace ovrant::json {
@@ -170,19 +169,6 @@ void Value::Clear() {
 void Value::AddMember(const ovrant_ustring& name, const Value& item) {
   if (!IsObject() || allocator_ == nullptr || item.node_ == node_) return;
   MoveToMember(*NodeOf(node_), name, NodeOf(item.node_), *PoolOf(allocator_));
-}
-
-Value Lookup::Member(const Value& object, std::string_view name) {
-  return Value(false, FindMember(NodeOf(object.node_), name), object.allocator_);
-}
-
-Value Lookup::MemberAt(const Value& object, unsigned int index) {
-  Node::Member* const member = FindMemberAt(NodeOf(object.node_), index);
-  return Value(false, member == nullptr ? nullptr : &member->value, object.allocator_);
-}
-
-Value Lookup::Element(const Value& array, unsigned int index) {
-  return Value(false, FindElement(NodeOf(array.node_), index), array.allocator_);
 }
 
 }  // namespace ovrant::json

@@ -6,8 +6,8 @@
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/request/delivery_check.h"
+#include "common_stowraapi/succeeds.h"
 
 namespace ovrant::webservices {
 

@@ -7,9 +7,9 @@
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/request/delivery_check.h"
 #include "common_stowraapi/services/item_map.h"
+#include "common_stowraapi/succeeds.h"
 
 const unsigned int kExtensionStoreStatusRequestReturnedMessage = 28002;
 const unsigned int kExtensionStoreStatusRequestFailedMessage = 28003;
@@ -51,13 +51,6 @@ ovrant_ustring TakeResponse(const InternetData& transport) {
 }
 
 }  // namespace
-
-ExtensionStoreItem::ExtensionStoreItem() = default;
-ExtensionStoreItem::ExtensionStoreItem(const ExtensionStoreItem& other) = default;
-ExtensionStoreItem::ExtensionStoreItem(ExtensionStoreItem&& other) noexcept = default;
-ExtensionStoreItem& ExtensionStoreItem::operator=(const ExtensionStoreItem& other) = default;
-ExtensionStoreItem& ExtensionStoreItem::operator=(ExtensionStoreItem&& other) noexcept = default;
-ExtensionStoreItem::~ExtensionStoreItem() = default;
 
 ExtensionStoreStatus::ExtensionStoreStatus() { AddNotifications(); }
 

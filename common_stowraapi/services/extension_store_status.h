@@ -9,6 +9,7 @@
 #include "common_stowraapi/export.h"
 #include "common_stowraapi/platform/observer.h"
 #include "common_stowraapi/platform/ustring.h"
+#include "common_stowraapi/services/extension_store_item.h"
 
 namespace ovrant::internet {
 class InternetData;
@@ -27,24 +28,6 @@ STOWRA_EXPORT extern const char* const kExtensionStoreAsynchStatusSucceededNotif
 STOWRA_EXPORT extern const char* const kExtensionStoreAsynchStatusFailedNotification;
 
 namespace ovrant::extensionstoreapi {
-
-// What the store says of one extension.
-struct STOWRA_EXPORT ExtensionStoreItem {
-  ExtensionStoreItem();
-  ExtensionStoreItem(const ExtensionStoreItem& other);
-  ExtensionStoreItem(ExtensionStoreItem&& other) noexcept;
-  ExtensionStoreItem& operator=(const ExtensionStoreItem& other);
-  ExtensionStoreItem& operator=(ExtensionStoreItem&& other) noexcept;
-  ~ExtensionStoreItem();
-
-  ovrant::utils::ovrant_ustring id;
-  ovrant::utils::ovrant_ustring version_uuid;
-  float version = 0.0F;  // the newest
-  ovrant::utils::ovrant_ustring file_url;
-  bool update = false;       // an update is due
-  bool remote_kill = false;  // it has been withdrawn
-  bool enabled = false;
-};
 
 // Sends a JSON text that the host composed to the extension store, keeps the answer, and reads it
 // into records when the host asks.

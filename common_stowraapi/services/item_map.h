@@ -6,7 +6,7 @@
 #include <map>
 
 #include "common_stowraapi/platform/ustring.h"
-#include "common_stowraapi/services/extension_store_status.h"
+#include "common_stowraapi/services/extension_store_item.h"
 
 namespace ovrant::extensionstoreapi {
 

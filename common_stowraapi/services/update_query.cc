@@ -6,8 +6,8 @@
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/platform/succeeds.h"
 #include "common_stowraapi/services/json_fields.h"
+#include "common_stowraapi/succeeds.h"
 
 namespace ovrant::webservices {
 

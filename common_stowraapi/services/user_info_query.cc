@@ -3,7 +3,7 @@
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/lookup.h"
 #include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/platform/succeeds.h"
+#include "common_stowraapi/succeeds.h"
 
 namespace ovrant::webservices {
 

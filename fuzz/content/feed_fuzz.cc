@@ -14,7 +14,7 @@
 #include "common_stowraapi/platform/ustring.h"
 #include "common_stowraapi/platform/xml_input.h"
 #include "fuzz/content/feed_model.h"
-#include "fuzz/platform/xml_tree.h"
+#include "fuzz/platform/xml/tree.h"
 #include "fuzz/support/check.h"
 #include "fuzz/support/input.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/platform/xml_tree.h"
+#include "fuzz/platform/xml/tree.h"
 
 namespace stowra_fuzz {
 

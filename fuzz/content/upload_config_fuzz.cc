@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "common_stowraapi/platform/ustring.h"
-#include "fuzz/platform/xml_tree.h"
+#include "fuzz/platform/xml/tree.h"
 #include "fuzz/support/check.h"
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include "common_stowraapi/platform/xml_input.h"
 #include "tests/allocation/each_failure.h"
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 
 #ifdef STOWRA_FAILS_ALLOCATIONS
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/platform/transport/transport_fixture.h"
+#include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "tests/faults/ask.h"
 #include "tests/faults/fault_table.h"
-#include "tests/platform/transport/transport_fixture.h"
+#include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
 
 namespace stowra_test {

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "tests/faults/fault.h"
-#include "tests/platform/transport/gzip_text.h"
+#include "tests/platform/http/gzip_text.h"
 #include "tests/support/failing_malloc.h"
 
 namespace stowra_test {

@@ -12,7 +12,7 @@
 #include "common_stowraapi/services/update_query.h"
 #include "tests/faults/fault.h"
 #include "tests/faults/fault_table.h"
-#include "tests/platform/transport/transport_fixture.h"
+#include "tests/platform/http/transport_fixture.h"
 #include "tests/support/event.h"
 #include "tests/support/notification_recorder.h"
 #include "tests/support/raw_server.h"

@@ -7,10 +7,10 @@
 #include <string>
 
 #include "common_stowraapi/json/document.h"
-#include "common_stowraapi/platform/background_worker.h"
-#include "common_stowraapi/platform/http_message.h"
-#include "common_stowraapi/platform/response_head.h"
-#include "common_stowraapi/platform/xml_limits.h"
+#include "common_stowraapi/platform/http/background_worker.h"
+#include "common_stowraapi/platform/http/message.h"
+#include "common_stowraapi/platform/http/response_head.h"
+#include "common_stowraapi/platform/xml/limits.h"
 
 namespace stowra_test {
 namespace {

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstdlib>
 
-#include "tests/platform/transport/gzip_text.h"
+#include "tests/platform/http/gzip_text.h"
 
 namespace stowra_test {
 namespace {

@@ -7,8 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "tests/platform/xml/document.h"
 #include "tests/platform/xml/open_watch.h"
-#include "tests/platform/xml/xml_document.h"
 #include "tests/support/corpora.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/temporary_folder.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 
 namespace stowra_test {
 namespace {

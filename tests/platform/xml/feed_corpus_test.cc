@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 #include "tests/support/corpora.h"
 
 namespace stowra_test {

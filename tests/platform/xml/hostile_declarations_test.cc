@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "tests/platform/xml/document.h"
 #include "tests/platform/xml/hostile_document.h"
-#include "tests/platform/xml/xml_document.h"
 
 namespace stowra_test {
 namespace {

@@ -12,8 +12,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "tests/platform/xml/document.h"
 #include "tests/platform/xml/hostile_document.h"
-#include "tests/platform/xml/xml_document.h"
 
 namespace stowra_test {
 namespace {

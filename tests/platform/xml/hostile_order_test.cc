@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/platform/xml/document.h"
 #include "tests/platform/xml/hostile_document.h"
-#include "tests/platform/xml/xml_document.h"
 
 namespace stowra_test {
 namespace {

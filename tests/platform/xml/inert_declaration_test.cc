@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/platform/xml/document.h"
 #include "tests/platform/xml/open_watch.h"
-#include "tests/platform/xml/xml_document.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_test {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 
 namespace stowra_test {
 namespace {

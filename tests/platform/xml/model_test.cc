@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 
 namespace stowra_test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 
 namespace stowra_test {
 namespace {

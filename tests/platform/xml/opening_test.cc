@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 #include "tests/support/small_stack.h"
 
 namespace stowra_test {

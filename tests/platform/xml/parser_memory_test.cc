@@ -1,4 +1,4 @@
-#include "common_stowraapi/platform/xml_parser_memory.h"
+#include "common_stowraapi/platform/xml/parser_memory.h"
 
 #include <gtest/gtest.h>
 

@@ -10,7 +10,7 @@
 #include <new>
 #include <string>
 
-#include "tests/platform/xml/xml_document.h"
+#include "tests/platform/xml/document.h"
 
 #if defined(__clang__)
 #define STOWRA_ANY_FUNCTION_TYPE __attribute__((no_sanitize("function")))

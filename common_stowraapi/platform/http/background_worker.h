@@ -1,0 +1,82 @@
+// The thread that runs the background transfers.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_WORKER_H_
+#define COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_WORKER_H_
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "common_stowraapi/platform/http/background_transfer.h"
+#include "common_stowraapi/platform/http/transfer_loop.h"
+#include "common_stowraapi/platform/http/wake_pipe.h"
+
+namespace ovrant::internet {
+
+// One for the process: the first Submit starts its thread, the process's exit ends it, without
+// waiting for the network. Never destroyed, because objects of the host may outlive any moment at
+// which that could be done.
+class BackgroundWorker {
+ public:
+  // Transfers at a time; the others wait for their turn, in order, and their time has not begun.
+  static constexpr std::size_t kMaxActive = 100;
+
+  // Queues `transfer`, which ends with a delivery unless it is abandoned. False when the process is
+  // exiting. std::bad_alloc, when there is no memory or no thread, queues nothing. Any thread.
+  static bool Submit(std::shared_ptr<BackgroundTransfer> transfer);
+
+  // Some transfer has been abandoned: the thread drops it soon. Any thread.
+  static void NoteAbandoned();
+
+ private:
+  class ExitGuard;
+
+  // A transfer with what completes it, made beforehand so that an end needs no memory.
+  struct Job {
+    std::shared_ptr<BackgroundTransfer> transfer;
+    std::function<void()> completion;
+  };
+
+  BackgroundWorker() = default;
+
+  static BackgroundWorker& Instance();
+
+  bool Add(std::shared_ptr<BackgroundTransfer> transfer);
+  void Stop();
+
+  void Wake();
+  void Run();
+  void WaitForEvents();
+  bool TakeSubmitted();
+  void StartWaiting();
+  void DropAbandoned();
+  void CompleteEnded();
+  Job TakeActive(std::size_t index);
+  static void Complete(Job job) noexcept;
+
+  std::mutex mutex_;
+  std::condition_variable thread_ended_;
+  std::list<Job> submitted_;
+  std::atomic<bool> stopping_{false};  // set under the lock
+  bool ended_ = false;
+  std::thread thread_;
+
+  std::atomic<bool> has_abandoned_{false};
+  WakePipe wake_;
+
+  // The thread's own.
+  std::unique_ptr<TransferLoop> loop_;
+  std::list<Job> waiting_;
+  std::vector<Job> active_;
+  bool keeps_memory_ = false;
+};
+
+}  // namespace ovrant::internet
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_WORKER_H_

@@ -1,0 +1,201 @@
+#include "common_stowraapi/platform/internet_data.h"
+
+#include <chrono>
+#include <cmath>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "common_stowraapi/platform/http/background_transfer.h"
+#include "common_stowraapi/platform/http/background_worker.h"
+#include "common_stowraapi/platform/http/body_memory.h"
+#include "common_stowraapi/platform/http/message.h"
+#include "common_stowraapi/platform/http/synchronous_transfers.h"
+#include "common_stowraapi/platform/http/transfer_record.h"
+#include "common_stowraapi/platform/http/transfer_settings.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/notification_center.h"
+
+namespace ovrant::internet {
+
+using ovrant::utils::ovrant_ustring;
+using ovrant::utils::StringMap;
+
+namespace {
+
+// Longer than any transfer, and what the clock can add to any moment.
+constexpr float kLongestTimeout = 1e6F;
+
+// Header names are equal whatever their letter case. std::bad_alloc changes nothing.
+void SetHeader(const ovrant_ustring& name, const ovrant_ustring& value, StringMap& headers) {
+  StringMap added;
+  added.emplace(name, value);
+  for (auto entry = headers.begin(); entry != headers.end();) {
+    entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
+  }
+  headers.merge(added);
+}
+
+// What an observer throws is its own affair, as on the transport's thread.
+void PostFailure(const InternetDataDelegate& delegate) {
+  try {
+    CNotificationCenter::Default()->SendNotification(delegate.failed_notification(),
+                                                     delegate.context());
+  } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody to pass it to
+  }
+}
+
+void SetHeaders(const StringMap& added, StringMap& headers) {
+  for (const auto& [name, value] : added) SetHeader(name, value, headers);
+}
+
+std::chrono::milliseconds ToTimeout(float wanted, float otherwise) {
+  const float seconds = wanted > 0 && std::isfinite(wanted) ? wanted : otherwise;
+  return std::chrono::milliseconds(
+      static_cast<long>(std::ceil(std::fmin(seconds, kLongestTimeout) * 1000)));
+}
+
+}  // namespace
+
+InternetData::~InternetData() {
+  if (transfer_) DropTransfer();
+  BodyMemory::Free(received_data_);
+}
+
+bool InternetData::Download() { return Perform(url_, false, nullptr); }
+
+bool InternetData::DownloadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
+  return StartInBackground(delegate, false);
+}
+
+bool InternetData::UploadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
+  return StartInBackground(delegate, true);
+}
+
+void InternetData::set_send_data(const unsigned char* data, unsigned long length) {
+  send_data_ = length > 0 ? std::make_shared<RequestBody>(data, length) : nullptr;
+}
+
+void InternetData::SetValueForHTTPSendHeaders(ovrant_ustring name, ovrant_ustring value) {
+  SetHeader(name, value, send_headers_);
+}
+
+bool InternetData::SendAndRead(ovrant_ustring url, unsigned char** data, unsigned long* data_length,
+                               int* status, StringMap* send_headers, bool /*flag1*/, bool /*flag2*/,
+                               bool /*flag3*/, ovrant_ustring /*text1*/, ovrant_ustring /*text2*/,
+                               StringMap* received_headers) {
+  Perform(url, true, send_headers);
+  if (received_headers != nullptr) CopyReceivedHeaders(*received_headers);
+  if (data != nullptr) *data = received_data_;
+  if (data_length != nullptr) *data_length = received_data_length_;
+  if (status != nullptr) *status = status_code_;
+  return responded_;
+}
+
+const StringMap& InternetData::received_headers() const {
+  if (transfer_ && !transfer_->unread_headers.empty()) {
+    received_headers_ = transfer_->unread_headers.ToMap();
+    transfer_->unread_headers = HeaderFields();
+  }
+  return received_headers_;
+}
+
+void InternetData::SetDefaults(const TransferDefaults& defaults) {
+  TransferSettings::Instance().SetDefaults(defaults);
+}
+
+void InternetData::SetTransferListener(std::function<void(const TransferEvent&)> listener) {
+  TransferSettings::Instance().listener().Replace(std::move(listener));
+}
+
+void InternetData::SetCompletionExecutor(
+    std::function<void(std::function<void()> completion)> executor) {
+  TransferSettings::Instance().executor().Replace(std::move(executor));
+}
+
+HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
+                                      const StringMap* send_headers) const {
+  const auto defaults = TransferSettings::Instance().defaults();
+  HttpRequest request;
+  request.url = url;
+  SetHeaders(defaults->extra_request_headers, request.headers);
+  SetHeaders(send_headers_, request.headers);
+  if (send_headers != nullptr) SetHeaders(*send_headers, request.headers);
+  request.is_upload = is_upload;
+  if (is_upload) request.body = send_data_;
+  request.inactivity_timeout = ToTimeout(defaults->inactivity_timeout, inactivity_timeout_);
+  if (defaults->body_cap > 0) request.body_cap = defaults->body_cap;
+  if (redirect_limit_ >= 0) request.redirect_limit = redirect_limit_;
+  if (!defaults->ca_file.empty()) request.ca_file = defaults->ca_file.utf8();
+  if (!defaults->proxy.empty()) request.proxy = defaults->proxy.utf8();
+  if (!defaults->user_agent.empty()) request.user_agent = defaults->user_agent.utf8();
+  return request;
+}
+
+bool InternetData::Perform(const ovrant_ustring& url, bool is_upload,
+                           const StringMap* send_headers) {
+  try {
+    HttpRequest request = MakeRequest(url, is_upload, send_headers);
+    Reset();
+    transfer_ = std::make_shared<TransferRecord>();
+    Publish(PerformSynchronously(std::move(request)));
+  } catch (const std::bad_alloc&) {
+    Reset();
+  }
+  return responded_;
+}
+
+bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upload) {
+  if (delegate == nullptr) return false;
+  try {
+    HttpRequest request = MakeRequest(url_, is_upload, nullptr);
+    auto transfer = std::make_shared<BackgroundTransfer>(
+        std::move(request), TransferSettings::Instance().listener().Current(),
+        Announcement{delegate->context(), delegate->returned_notification(),
+                     delegate->failed_notification(), delegate->gate_},
+        [this](HttpReply reply) { Publish(std::move(reply)); });
+    Reset();
+    transfer_ = transfer;
+    return BackgroundWorker::Submit(std::move(transfer));
+  } catch (const std::bad_alloc&) {
+    Reset();
+    PostFailure(*delegate);
+    return true;
+  }
+}
+
+// Want of memory makes a failure of the transfer.
+void InternetData::CopyReceivedHeaders(StringMap& copy) {
+  try {
+    copy = received_headers();
+  } catch (const std::bad_alloc&) {
+    copy.clear();
+    HttpReply failure;
+    failure.status = status_code_;
+    Reset();
+    Publish(std::move(failure));
+  }
+}
+
+void InternetData::Reset() {
+  if (transfer_) DropTransfer();
+  Publish(HttpReply());
+  started_ = true;
+}
+
+void InternetData::DropTransfer() {
+  if (transfer_->Abandon()) BackgroundWorker::NoteAbandoned();
+  transfer_.reset();
+}
+
+void InternetData::Publish(HttpReply reply) {
+  BodyMemory::Free(received_data_);
+  received_data_length_ = reply.body.size();
+  received_data_ = reply.body.Release();
+  status_code_ = reply.status;
+  received_headers_.clear();
+  if (transfer_) transfer_->unread_headers = std::move(reply.headers);
+  responded_ = reply.received;
+}
+
+}  // namespace ovrant::internet

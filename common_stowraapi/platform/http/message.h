@@ -1,0 +1,57 @@
+// One HTTP request, and the reply to it.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_MESSAGE_H_
+#define COMMON_STOWRAAPI_PLATFORM_HTTP_MESSAGE_H_
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "common_stowraapi/platform/http/body_buffer.h"
+#include "common_stowraapi/platform/http/header_fields.h"
+#include "common_stowraapi/platform/ustring.h"
+
+namespace ovrant::internet {
+
+// Bytes to upload, shared by the transport that was given them and the transfers that send them.
+class RequestBody {
+ public:
+  RequestBody(const unsigned char* data, std::size_t length)
+      : bytes_(reinterpret_cast<const char*>(data), length) {}
+
+  const char* data() const { return bytes_.data(); }
+  std::size_t size() const { return bytes_.size(); }
+
+ private:
+  const std::string bytes_;
+};
+
+struct HttpRequest {
+  static constexpr int kDefaultRedirectLimit = 20;
+  static constexpr std::size_t kDefaultBodyCap = std::size_t{256} << 20;
+
+  ovrant::utils::ovrant_ustring url;
+  ovrant::utils::StringMap headers;
+  bool is_upload = false;
+  std::shared_ptr<const RequestBody> body;  // null: empty
+
+  std::chrono::milliseconds inactivity_timeout{0};  // above 0
+  std::size_t body_cap = kDefaultBodyCap;
+  int redirect_limit = kDefaultRedirectLimit;  // 0: a redirect is the reply
+  std::string ca_file;
+  std::string proxy;
+  std::string user_agent;
+};
+
+struct HttpReply {
+  // Whether a whole reply came; what else is known of it otherwise is its status.
+  bool received = false;
+  int status = 0;
+  HeaderFields headers;
+  BodyBuffer body;
+};
+
+}  // namespace ovrant::internet
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_HTTP_MESSAGE_H_

@@ -1,0 +1,23 @@
+// The code units of a string, for the platform's own use.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_USTRING_UNITS_H_
+#define COMMON_STOWRAAPI_PLATFORM_TEXT_USTRING_UNITS_H_
+
+#include <string_view>
+
+#include "common_stowraapi/platform/ustring.h"
+
+namespace ovrant::utils {
+
+struct UstringUnits {
+  // Valid until the string is next changed.
+  static std::u16string_view Of(const ovrant_ustring& text) { return text.units_; }
+
+  // Replaces the content, in the memory that the string has if that is enough. `units` may be a
+  // part of it.
+  static void Set(std::u16string_view units, ovrant_ustring& text) { text.units_ = units; }
+};
+
+}  // namespace ovrant::utils
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_TEXT_USTRING_UNITS_H_

@@ -1,0 +1,331 @@
+// Transfers: on the caller's thread, on the worker's, and on both at once.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "tests/allocation/each_failure.h"
+#include "tests/allocation/end_counter.h"
+#include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+#ifdef STOWRA_FAILS_ALLOCATIONS
+
+namespace stowra_test {
+namespace {
+
+const std::string kBody(5000, 'b');
+const std::string kSent(3000, 's');
+
+// Answers by the target: "/gzip", "/redirect" (to "/"), "/stall", and anything else.
+void Answer(const RawRequest& request, RawConnection& connection) {
+  if (request.target == "/gzip") {
+    connection.Write(Response(200, Gzip(kBody), "Content-Encoding: gzip\r\n"));
+  } else if (request.target == "/redirect") {
+    connection.Write(Response(302, "", "Location: /\r\n"));
+  } else {
+    connection.Write(Response(200, kBody, "X-Long-Name: " + std::string(300, 'h') + "\r\n"));
+  }
+}
+
+class TransportAllocationTest : public TransportTest {
+ protected:
+  auto To(const char* target = "/") const {
+    return [url = server_.Url(target)] { return url; };
+  }
+
+  const RawServer server_{Answer};
+};
+
+// One transport, and what its transfer was said to be.
+struct Sent {
+  explicit Sent(const std::string& text, const StringMap& headers_to_set = {})
+      : own_url(Text(text)), transport(own_url) {
+    SetSendData(kSent, transport);
+    for (const auto& [name, value] : headers_to_set) {
+      transport.SetValueForHTTPSendHeaders(name, value);
+    }
+  }
+
+  bool Download() {
+    headers.clear();
+    succeeded = transport.Download();
+    return succeeded;
+  }
+
+  // The text's and the map's copies are the transport's own.
+  bool SendAndRead() {
+    succeeded = transport.SendAndRead(std::move(url), &data, &length, &status, &send_headers, false,
+                                      false, true, "", "", &headers);
+    return succeeded;
+  }
+
+  const ovrant_ustring own_url;
+  ovrant_ustring url = own_url;
+  InternetData transport;
+  StringMap send_headers = {{"Content-Type", "application/json; charset=utf-8"},
+                            {"X-A-Name-That-Is-Long", "a value that is long as well"}};
+  bool succeeded = false;
+  std::chrono::steady_clock::duration time{0};
+  unsigned char* data = nullptr;
+  unsigned long length = 0;
+  int status = -1;
+  StringMap headers;
+};
+
+// `transfer` to the next URL succeeds or fails, and throws nothing; afterwards the same one
+// succeeds.
+template <typename NextUrl, typename Transfer>
+long FailTransfer(const NextUrl& next_url, const Transfer& transfer) {
+  return FailEachAllocationOf([&] { return Sent(next_url()); }, transfer,
+                              [&](Sent& sent, Outcome outcome) {
+                                EXPECT_FALSE(outcome.threw);
+                                if (sent.succeeded) {
+                                  EXPECT_EQ(BodyOf(sent.transport), kBody);
+                                } else {
+                                  EXPECT_TRUE(outcome.failed());
+                                  ExpectFailureState(sent.transport, sent.transport.status_code());
+                                }
+                                sent.url = sent.own_url;
+                                EXPECT_TRUE(transfer(sent));
+                                EXPECT_EQ(BodyOf(sent.transport), kBody);
+                                EXPECT_FALSE(sent.transport.received_headers().empty());
+                              });
+}
+
+TEST_F(TransportAllocationTest, ADownloadFailsOrSucceeds) {
+  EXPECT_GT(FailTransfer(To(), [](Sent& sent) { return sent.Download(); }), 20);
+}
+
+TEST_F(TransportAllocationTest, ADownloadThroughGzipFailsOrSucceeds) {
+  EXPECT_GT(FailTransfer(To("/gzip"), [](Sent& sent) { return sent.Download(); }), 20);
+}
+
+TEST_F(TransportAllocationTest, ARedirectedDownloadFailsOrSucceeds) {
+  EXPECT_GT(FailTransfer(To("/redirect"), [](Sent& sent) { return sent.Download(); }), 20);
+}
+
+TEST_F(TransportAllocationTest, ADownloadByNameFailsOrSucceeds) {
+  const std::string url = "http://localhost:" + std::to_string(server_.port()) + "/";
+  EXPECT_GT(FailTransfer([&] { return url; }, [](Sent& sent) { return sent.Download(); }), 20);
+}
+
+TEST_F(TransportAllocationTest, AFailedSendAndReadSaysSoEverywhere) {
+  const auto send = [](Sent& sent) {
+    const bool succeeded = sent.SendAndRead();
+    if (sent.data != sent.transport.received_data()) throw std::bad_alloc();
+    return succeeded;
+  };
+  EXPECT_GT(FailTransfer(To(), send), 30);
+  FailEachAllocationOf([&] { return Sent(server_.Url()); }, send,
+                       [](Sent& sent, Outcome) {
+                         EXPECT_EQ(sent.status, sent.transport.status_code());
+                         EXPECT_EQ(sent.length, sent.transport.received_data_length());
+                         EXPECT_EQ(sent.headers.empty(), !sent.succeeded);
+                         EXPECT_TRUE(sent.succeeded || sent.data == nullptr);
+                       });
+}
+
+TEST_F(TransportAllocationTest, ATransferWithAllSettingsFailsOrSucceeds) {
+  TransferDefaults defaults;
+  defaults.user_agent = "an agent with a name that is long";
+  defaults.extra_request_headers = {{"X-Extra-And-Long-As-A-Name", "a value that is long as well"}};
+  InternetData::SetDefaults(defaults);
+  std::atomic<int> starts{0};
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    starts += event.kind == TransferEvent::Kind::kStarted ? 1 : 0;
+  });
+  EXPECT_GT(FailTransfer(To(), [](Sent& sent) { return sent.SendAndRead(); }), 40);
+  EXPECT_GT(starts, 0);
+}
+
+// A transfer in the background, and what is posted of it.
+struct InBackground {
+  explicit InBackground(const std::string& url) : transport(Text(url)) {
+    SetSendData(kSent, transport);
+  }
+
+  bool Start(bool is_upload) {
+    started = is_upload ? transport.UploadWithDelegate(delegate.get(), nullptr)
+                        : transport.DownloadWithDelegate(delegate.get(), nullptr);
+    return started;
+  }
+
+  EndCounter ends{kReturned, kFailed};
+  const std::unique_ptr<InternetDataDelegate> delegate = MakeDelegate();
+  InternetData transport;
+  bool started = false;
+};
+
+// A transfer that was started posts one end, one that was not posts nothing; afterwards the worker
+// still lives, and the same transport succeeds.
+long FailInBackground(const std::string& url, bool is_upload, Threads threads) {
+  return FailEachAllocationOf([&] { return InBackground(url); },
+                              [&](InBackground& transfer) {
+                                if (transfer.Start(is_upload)) transfer.ends.WaitFor(1);
+                              },
+                              [&](InBackground& transfer, Outcome outcome) {
+                                EXPECT_FALSE(outcome.threw);
+                                EXPECT_EQ(transfer.ends.count(), transfer.started ? 1 : 0);
+                                EXPECT_TRUE(transfer.started || outcome.failed());
+                                if (transfer.ends.successes() == 1) {
+                                  EXPECT_EQ(BodyOf(transfer.transport), kBody);
+                                } else {
+                                  EXPECT_TRUE(outcome.failed());
+                                  ExpectFailureState(transfer.transport,
+                                                     transfer.transport.status_code());
+                                }
+                                const int before = transfer.ends.count();
+                                ASSERT_TRUE(transfer.Start(is_upload));
+                                ASSERT_TRUE(transfer.ends.WaitFor(before + 1));
+                                EXPECT_EQ(BodyOf(transfer.transport), kBody);
+                                LetWorkerCatchUp();
+                                EXPECT_EQ(transfer.ends.count(), before + 1);
+                              },
+                              threads);
+}
+
+TEST_F(TransportAllocationTest, AStartInTheBackgroundIsRefusedOrEndsOnce) {
+  EXPECT_GT(FailInBackground(server_.Url(), false, Threads::kThis), 5);
+  EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kThis), 5);
+}
+
+TEST_F(TransportAllocationTest, AFailureOnTheWorkerEndsTheTransferOnce) {
+  EXPECT_GT(FailInBackground(server_.Url(), false, Threads::kOthers), 10);
+  EXPECT_GT(FailInBackground(server_.Url("/gzip"), true, Threads::kOthers), 10);
+  EXPECT_GT(FailInBackground(server_.Url("/redirect"), false, Threads::kOthers), 10);
+}
+
+TEST_F(TransportAllocationTest, AFailureOnAnyThreadEndsTheTransferOnce) {
+  EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kAll), 15);
+}
+
+TEST_F(TransportAllocationTest, AFailureOnTheWorkerIsToldToTheListenerAndByTheExecutor) {
+  std::atomic<int> events{0};
+  InternetData::SetTransferListener([&](const TransferEvent&) { ++events; });
+  std::atomic<int> completions{0};
+  InternetData::SetCompletionExecutor([&](std::function<void()> completion) {
+    ++completions;
+    completion();
+  });
+  EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kAll), 15);
+  EXPECT_GT(events, 0);
+  EXPECT_GT(completions, 0);
+}
+
+// A transfer that is deleted when the server has got its request, or when it has failed.
+TEST_F(TransportAllocationTest, ADeletionInFlightPostsNothing) {
+  std::mutex mutex;
+  std::condition_variable changed;
+  int arrived = 0;
+  int gone = 0;
+  const auto note = [&](int& count) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    ++count;
+    changed.notify_all();
+  };
+  const RawServer silent([&](const RawRequest&, RawConnection& connection) {
+    note(arrived);
+    connection.Stall();
+    note(gone);
+  });
+  struct Deleted {
+    explicit Deleted(const std::string& url)
+        : transport(std::make_unique<InternetData>(Text(url))) {}
+
+    EndCounter ends{kReturned, kFailed};
+    const std::unique_ptr<InternetDataDelegate> delegate = MakeDelegate();
+    std::unique_ptr<InternetData> transport;
+  };
+  const auto work = [&](Deleted& deleted) {
+    std::unique_lock<std::mutex> lock(mutex);
+    const int before = arrived;
+    lock.unlock();
+    if (!deleted.transport->DownloadWithDelegate(deleted.delegate.get(), nullptr)) return;
+    const auto limit = std::chrono::steady_clock::now() + kPatience;
+    lock.lock();
+    while (arrived == before && deleted.ends.count() == 0) {
+      // The end of a failed transfer is noted elsewhere.
+      changed.wait_for(lock, std::chrono::milliseconds(1));
+      if (std::chrono::steady_clock::now() > limit) return;
+    }
+    const bool is_in_flight = arrived != before;
+    lock.unlock();
+    deleted.transport.reset();
+    lock.lock();
+    if (is_in_flight) changed.wait_for(lock, kPatience, [&] { return gone == arrived; });
+  };
+  const auto check = [&](Deleted& deleted, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_TRUE(deleted.ends.count() == 0 || outcome.failed());
+    EXPECT_EQ(deleted.ends.successes(), 0);
+    EXPECT_EQ(gone, arrived);
+    InBackground next(server_.Url());
+    ASSERT_TRUE(next.Start(false));
+    ASSERT_TRUE(next.ends.WaitFor(1));
+    EXPECT_EQ(BodyOf(next.transport), kBody);
+  };
+  const auto make = [&] { return Deleted(silent.Url()); };
+  EXPECT_GT(FailEachAllocationOf(make, work, check, Threads::kOthers), 10);
+  EXPECT_GT(FailEachAllocationOf(make, work, check, Threads::kThis), 5);
+}
+
+TEST(SettingsAllocationTest, SettersThrowAndChangeNothing) {
+  struct Settings {
+    Settings() { transport.SetValueForHTTPSendHeaders("x-name-that-is-long", "the value before"); }
+
+    InternetData transport{"http://a/"};
+  };
+  TransferDefaults defaults;
+  defaults.user_agent = "an agent with a name that is long";
+  defaults.extra_request_headers = {{"X-Extra-And-Long-As-A-Name", "a value that is long as well"}};
+  const std::function<void(const TransferEvent&)> listener = [](const TransferEvent&) {};
+  const std::function<void(std::function<void()>)> executor = [](std::function<void()>) {};
+  const std::function<void(Settings&)> setters[] = {
+      [&](Settings&) { InternetData::SetDefaults(defaults); },
+      [&](Settings&) { InternetData::SetTransferListener(listener); },
+      [&](Settings&) { InternetData::SetCompletionExecutor(executor); },
+      [&](Settings& settings) { SetSendData(kSent, settings.transport); },
+      [&](Settings& settings) {
+        settings.transport.SetValueForHTTPSendHeaders("X-Name-That-Is-Long",
+                                                      "the value afterwards");
+      }};
+  for (const auto& setter : setters) {
+    const long failing_runs = FailEachAllocation<Settings>(setter, [](Settings&, Outcome outcome) {
+      EXPECT_EQ(outcome.threw, outcome.failed());
+      InternetData::SetDefaults(TransferDefaults());
+      InternetData::SetTransferListener(nullptr);
+      InternetData::SetCompletionExecutor(nullptr);
+    });
+    EXPECT_GT(failing_runs, 0);
+  }
+}
+
+// Whichever allocation of a replacement failed, the value before is still sent.
+TEST_F(TransportAllocationTest, AFailedHeaderLeavesTheOneBefore) {
+  const auto work = [](Sent& sent) {
+    sent.transport.SetValueForHTTPSendHeaders("X-NAME", std::string(300, 'n').c_str());
+  };
+  const auto make = [&] { return Sent(server_.Url(), {{"x-name", "before"}}); };
+  const auto check = [&](Sent& sent, Outcome outcome) {
+    ASSERT_TRUE(sent.Download());
+    EXPECT_EQ(LastRequest(server_).Header("X-Name"),
+              outcome.threw ? "before" : std::string(300, 'n'));
+  };
+  EXPECT_GT(FailEachAllocationOf(make, work, check), 3);
+}
+
+}  // namespace
+}  // namespace stowra_test
+
+#endif  // STOWRA_FAILS_ALLOCATIONS

@@ -1,0 +1,92 @@
+// Notifications.
+
+#include <gtest/gtest.h>
+
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/observer.h"
+#include "tests/allocation/each_failure.h"
+
+#ifdef STOWRA_FAILS_ALLOCATIONS
+
+namespace stowra_test {
+namespace {
+
+CNotificationCenter& Center() { return *CNotificationCenter::Default(); }
+
+class CountingObserver final : public ovrant::IObserver {
+ public:
+  ~CountingObserver() override { Center().RemoveObserver(this); }
+
+  using ovrant::IObserver::OnNotification;
+  void OnNotification(const char* /*name*/, void* /*payload*/) override { ++calls; }
+
+  int calls = 0;
+};
+
+constexpr char kName[] = "AllocationTest, a name that no small buffer holds";
+constexpr char kOtherName[] = "AllocationTest, another one";
+
+int CallsOf(CountingObserver& observer) {
+  observer.calls = 0;
+  Center().SendNotification(kName, nullptr);
+  Center().SendNotification(kOtherName, nullptr);
+  return observer.calls;
+}
+
+TEST(NotificationAllocationTest, AFailedAdditionLeavesTheCenterAsItWas) {
+  for (const bool name_is_new : {true, false}) {
+    CountingObserver neighbour;
+    if (!name_is_new) Center().AddObserver(kName, &neighbour);
+    struct Added {
+      CountingObserver observer;
+    };
+    EXPECT_GT(FailEachAllocation<Added>(
+                  [](Added& added) { Center().AddObserver(kName, &added.observer); },
+                  [&](Added& added, Outcome outcome) {
+                    EXPECT_EQ(outcome.threw, outcome.failed());
+                    EXPECT_EQ(CallsOf(added.observer), outcome.threw ? 0 : 1);
+                    EXPECT_EQ(CallsOf(neighbour), name_is_new ? 0 : 1);
+                    Center().AddObserver(kName, &added.observer);
+                    EXPECT_EQ(CallsOf(added.observer), 1);
+                  }),
+              2);
+  }
+}
+
+TEST(NotificationAllocationTest, AFailedSecondAdditionKeepsTheFirst) {
+  struct Added {
+    Added() { Center().AddObserver(kName, &observer); }
+    CountingObserver observer;
+  };
+  EXPECT_GT(FailEachAllocation<Added>(
+                [](Added& added) { Center().AddObserver(kOtherName, &added.observer); },
+                [](Added& added, Outcome outcome) {
+                  EXPECT_EQ(CallsOf(added.observer), outcome.threw ? 1 : 2);
+                }),
+            2);
+}
+
+TEST(NotificationAllocationTest, SendingAndRemovingNeedNoMemory) {
+  struct Crowd {
+    Crowd() {
+      for (CountingObserver& observer : observers) Center().AddObserver(kName, &observer);
+    }
+    CountingObserver observers[20];
+  };
+  const auto work = [](Crowd& crowd) {
+    Center().SendNotification(kName, nullptr);
+    Center().RemoveObserver(&crowd.observers[0]);
+    Center().SendNotification(kName, nullptr);
+  };
+  const auto check = [](Crowd& crowd, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_EQ(crowd.observers[0].calls, 1);
+    EXPECT_EQ(crowd.observers[19].calls, 2);
+  };
+  EXPECT_EQ(FailEachAllocation<Crowd>(work, check), 0);
+}
+
+}  // namespace
+}  // namespace stowra_test
+
+#endif  // STOWRA_FAILS_ALLOCATIONS

@@ -1,0 +1,67 @@
+#include "common_stowraapi/platform/http/chunk_decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::ChunkDecoder;
+
+// Fed in pieces of that size.
+std::string Decoded(std::string_view encoded, std::size_t size, ChunkDecoder& decoder) {
+  std::string decoded;
+  for (; !encoded.empty(); encoded.remove_prefix(std::min(size, encoded.size()))) {
+    for (std::string_view rest = encoded.substr(0, size); !rest.empty();) {
+      decoded += decoder.Next(rest);
+    }
+  }
+  return decoded;
+}
+
+TEST(ChunkDecoder, JoinsTheChunksWhateverThePieces) {
+  constexpr char kBody[] =
+      "5\r\nhello\r\n1;name=value\r\n \r\n00b\r\n0\r\n\r\n world\r\n0\r\nTrailer: x\r\n\r\n";
+  for (std::size_t size = 1; size < sizeof(kBody); ++size) {
+    ChunkDecoder decoder;
+    EXPECT_EQ(Decoded(kBody, size, decoder), "hello 0\r\n\r\n world") << size;
+    EXPECT_TRUE(decoder.AtEnd()) << size;
+  }
+}
+
+TEST(ChunkDecoder, IsNotAtTheEndBefore) {
+  constexpr std::string_view kBody = "A\r\n0123456789\r\n0\r\nTrailer: x\r\n\r\n";
+  for (std::size_t length = 0; length < kBody.size(); ++length) {
+    ChunkDecoder decoder;
+    Decoded(kBody.substr(0, length), 3, decoder);
+    EXPECT_FALSE(decoder.AtEnd()) << length;
+  }
+}
+
+TEST(ChunkDecoder, TakesBareLineFeeds) {
+  ChunkDecoder decoder;
+  EXPECT_EQ(Decoded("f\n0123456789abcde\n0\n\n", 100, decoder), "0123456789abcde");
+  EXPECT_TRUE(decoder.AtEnd());
+}
+
+TEST(ChunkDecoder, HasNoEndWhereTheCodingIsBroken) {
+  for (const char* body :
+       {"5\r\nhello!\r\n0\r\n\r\n", "x\r\n0\r\n\r\n", "\r\n0\r\n\r\n",
+        "5\r\nhello\r\n\r\n0\r\n\r\n", "-1\r\n0\r\n\r\n", "10000000000000000\r\n0\r\n\r\n"}) {
+    ChunkDecoder decoder;
+    Decoded(body, 3, decoder);
+    EXPECT_FALSE(decoder.AtEnd()) << body;
+  }
+}
+
+TEST(ChunkDecoder, TakesNothingBehindTheEnd) {
+  ChunkDecoder decoder;
+  EXPECT_EQ(Decoded("0\r\n\r\n5\r\nhello\r\n", 100, decoder), "");
+  EXPECT_TRUE(decoder.AtEnd());
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+class ConnectionReuseTest : public TransportTest {
+ protected:
+  static void Download(const RawServer& server) {
+    InternetData transport(Text(server.Url()));
+    EXPECT_TRUE(transport.Download());
+    EXPECT_EQ(BodyOf(transport), "hello");
+  }
+
+  static void DownloadInBackground(const RawServer& server) {
+    Background background(server.Url());
+    ASSERT_TRUE(background.Start());
+    EXPECT_EQ(background.WaitForEnd(), kReturned);
+    EXPECT_EQ(BodyOf(*background.transport), "hello");
+  }
+};
+
+TEST_F(ConnectionReuseTest, SynchronousTransfersShareAConnection) {
+  const RawServer server(Always(Response(200, "hello")));
+  for (int i = 0; i < 5; ++i) Download(server);
+  EXPECT_EQ(server.requests().size(), 5U);
+  EXPECT_EQ(server.connections(), 1);
+}
+
+TEST_F(ConnectionReuseTest, UploadsAndDownloadsShareAConnection) {
+  const RawServer server(Always(Response(200, "hello")));
+  Download(server);
+  InternetData transport(Text("none:"));
+  SetSendData("data", transport);
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                    false, true, "", "", nullptr));
+  Download(server);
+  EXPECT_EQ(server.connections(), 1);
+}
+
+TEST_F(ConnectionReuseTest, ThreadsShareAConnectionOneAfterTheOther) {
+  const RawServer server(Always(Response(200, "hello")));
+  for (int i = 0; i < 3; ++i) {
+    std::thread thread([&server] { Download(server); });
+    thread.join();
+  }
+  EXPECT_EQ(server.connections(), 1);
+}
+
+TEST_F(ConnectionReuseTest, ThreadsAtTheSameTimeUseConnectionsOfTheirOwn) {
+  std::atomic<int> inside{0};
+  Event both_inside;
+  const RawServer server([&](const RawRequest&, RawConnection& connection) {
+    if (++inside == 2) both_inside.Set();
+    EXPECT_TRUE(both_inside.Wait());
+    connection.Write(Response(200, "hello"));
+  });
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 2; ++i) {
+    threads.emplace_back([&server] {
+      for (int k = 0; k < 5; ++k) Download(server);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(server.requests().size(), 10U);
+  EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(ConnectionReuseTest, BackgroundTransfersShareAConnection) {
+  const RawServer server(Always(Response(200, "hello")));
+  for (int i = 0; i < 5; ++i) DownloadInBackground(server);
+  EXPECT_EQ(server.requests().size(), 5U);
+  EXPECT_EQ(server.connections(), 1);
+}
+
+TEST_F(ConnectionReuseTest, ConnectionThatTheServerHasClosedIsReplaced) {
+  const RawServer server(AlwaysThenClose(Response(200, "hello")));
+  for (int i = 0; i < 3; ++i) Download(server);
+  for (int i = 0; i < 3; ++i) DownloadInBackground(server);
+  EXPECT_EQ(server.connections(), 6);
+}
+
+TEST_F(ConnectionReuseTest, ConnectionThatTheServerHasResetIsReplaced) {
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write(Response(200, "hello"));
+    connection.Reset();
+  });
+  // A reset may overtake the response that went before it: only what follows is looked at.
+  for (int i = 0; i < 3; ++i) {
+    InternetData transport(Text(server.Url()));
+    transport.Download();
+    EXPECT_TRUE(server.WaitUntilUnused());
+  }
+  EXPECT_EQ(server.connections(), 3);
+}
+
+TEST_F(ConnectionReuseTest, UploadOnAConnectionThatTheServerHasClosedSucceeds) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, request.body));
+    if (request.body == "first") connection.Close();
+  });
+  for (const char* data : {"first", "second"}) {
+    Background background(server.Url());
+    SetSendData(data, *background.transport);
+    ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
+    EXPECT_EQ(background.WaitForEnd(), kReturned);
+    EXPECT_EQ(BodyOf(*background.transport), data);
+  }
+}
+
+TEST_F(ConnectionReuseTest, ServerThatAsksForItHasItsConnectionClosed) {
+  const RawServer server(Always(Response(200, "hello", "Connection: close\r\n")));
+  Download(server);
+  EXPECT_TRUE(server.WaitUntilUnused());
+  Download(server);
+  EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(ConnectionReuseTest, ConnectionOfAFailedTransferIsNotUsedAgain) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.connection == 0
+                         ? Response(200, "hello", "Content-Encoding: unknown\r\n")
+                         : Response(200, "hello"));
+  });
+  InternetData transport(Text(server.Url()));
+  EXPECT_FALSE(transport.Download());
+  Download(server);
+  EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(ConnectionReuseTest, GivenUpTransferClosesItsConnection) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target == "/stall") {
+      connection.Stall();
+    } else {
+      connection.Write(Response(200, "hello"));
+    }
+  });
+  // On a connection that is made already nothing but the deletion wakes the thread.
+  DownloadInBackground(server);
+  {
+    Background background(server.Url("/stall"));
+    ASSERT_TRUE(background.Start());
+    ASSERT_TRUE(server.WaitForRequests(2));
+  }
+  EXPECT_TRUE(server.WaitUntilUnused());
+  EXPECT_EQ(server.connections(), 1);
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,423 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+// Every byte, NUL among them.
+std::string AllBytes() {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  return bytes;
+}
+
+class ExchangeTest : public TransportTest {};
+
+TEST_F(ExchangeTest, DownloadGetsTheUrl) {
+  const RawServer server(Always(Response(200, "hello")));
+  InternetData transport(Text(server.Url("/a/b?c=d&e=%20f")));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(transport.status_code(), 200);
+  EXPECT_EQ(BodyOf(transport), "hello");
+
+  const auto requests = server.requests();
+  ASSERT_EQ(requests.size(), 1U);
+  EXPECT_EQ(requests[0].method, "GET");
+  EXPECT_EQ(requests[0].target, "/a/b?c=d&e=%20f");
+  EXPECT_EQ(requests[0].Header("Host"), "127.0.0.1:" + std::to_string(server.port()));
+  EXPECT_EQ(requests[0].body, "");
+  EXPECT_FALSE(requests[0].HasHeader("Content-Length"));
+}
+
+TEST_F(ExchangeTest, FragmentIsNotSent) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text(server.Url("/a#fragment")));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(server.requests().at(0).target, "/a");
+}
+
+TEST_F(ExchangeTest, DownloadSendsNoDataThatIsSetForUploads) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text(server.Url()));
+  SetSendData("data", transport);
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(server.requests().at(0).method, "GET");
+  EXPECT_EQ(server.requests().at(0).body, "");
+}
+
+TEST_F(ExchangeTest, SchemeIsCaseInsensitive) {
+  const RawServer server(Always(Response(200, "hello")));
+  InternetData transport(Text("HTTP" + server.Url().substr(4)));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(BodyOf(transport), "hello");
+}
+
+TEST_F(ExchangeTest, BodyKeepsEveryByte) {
+  const RawServer server(Always(Response(200, AllBytes())));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(BodyOf(transport), AllBytes());
+}
+
+TEST_F(ExchangeTest, EmptyBodyIsNull) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(transport.status_code(), 200);
+  EXPECT_EQ(transport.received_data(), nullptr);
+  EXPECT_EQ(transport.received_data_length(), 0U);
+}
+
+TEST_F(ExchangeTest, LargeBodiesArriveWholeInBothDirections) {
+  std::string body(kLargeBody, '\0');
+  for (std::size_t i = 0; i < body.size(); ++i) body[i] = static_cast<char>(i * 31 >> 7);
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, request.body));
+  });
+  InternetData transport(Text(server.Url()));
+  SetSendData(body, transport);
+  int status = 0;
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, &status, nullptr, false,
+                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(BodyOf(transport) == body);
+}
+
+class AnyStatusTest : public TransportTest, public ::testing::WithParamInterface<int> {};
+
+TEST_P(AnyStatusTest, IsAResponseReceivedSynchronously) {
+  const RawServer server(Always(Response(GetParam(), "the body")));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(transport.status_code(), GetParam());
+  EXPECT_EQ(BodyOf(transport), "the body");
+}
+
+TEST_P(AnyStatusTest, IsAResponseReceivedInTheBackground) {
+  const RawServer server(Always(Response(GetParam(), "the body")));
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(background.transport->status_code(), GetParam());
+}
+
+TEST_P(AnyStatusTest, IsAResponseReceivedForAnUpload) {
+  const RawServer server(Always(Response(GetParam(), "the body")));
+  InternetData transport(Text("none:"));
+  SetSendData("data", transport);
+  int status = 0;
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, &status, nullptr, false,
+                                    false, true, "", "", nullptr));
+  EXPECT_EQ(status, GetParam());
+  EXPECT_EQ(BodyOf(transport), "the body");
+}
+
+INSTANTIATE_TEST_SUITE_P(Statuses, AnyStatusTest,
+                         ::testing::Values(200, 201, 206, 299, 300, 400, 401, 403, 404, 407, 409,
+                                           410, 429, 500, 502, 503, 599, 999));
+
+TEST_F(ExchangeTest, ResponsesWithoutABodyEndWithTheirHeaders) {
+  for (const int status : {204, 304}) {
+    // The length is what a body would have had.
+    const RawServer server(
+        Always("HTTP/1.1 " + std::to_string(status) + " Text\r\nContent-Length: 5\r\n\r\n"));
+    InternetData transport(Text(server.Url()));
+    EXPECT_TRUE(transport.Download()) << status;
+    EXPECT_EQ(transport.status_code(), status);
+    EXPECT_EQ(transport.received_data(), nullptr);
+  }
+}
+
+TEST_F(ExchangeTest, BodyWithoutALengthEndsWithTheConnection) {
+  const RawServer server(AlwaysThenClose("HTTP/1.1 200 OK\r\n\r\nuntil the end"));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(BodyOf(transport), "until the end");
+}
+
+TEST_F(ExchangeTest, ReadsChunkedBodiesWithExtensionsAndTrailers) {
+  const RawServer server(
+      Always("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+             "5;name=value\r\nhello\r\n06\r\n world\r\n0\r\nX-Trailer: 1\r\n\r\n"));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(BodyOf(transport), "hello world");
+}
+
+TEST_F(ExchangeTest, SkipsInterimResponses) {
+  const RawServer server(
+      Always("HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early Hints\r\nLink: early\r\n\r\n" +
+             Response(200, "final")));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(transport.status_code(), 200);
+  EXPECT_EQ(BodyOf(transport), "final");
+  EXPECT_EQ(HeaderOf(transport, "Link"), "(none)");
+}
+
+TEST_F(ExchangeTest, GivesTheResponseHeaders) {
+  const RawServer server(
+      Always(Response(200, "", "X-One:  1 \r\nx-Two: a\r\nX-Empty:\r\nx-Two: b\r\n")));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(HeaderOf(transport, "X-One"), "1");
+  EXPECT_EQ(HeaderOf(transport, "x-Two"), "a, b");
+  EXPECT_EQ(HeaderOf(transport, "X-Empty"), "");
+  EXPECT_EQ(HeaderOf(transport, "Content-Length"), "0");
+  EXPECT_EQ(transport.received_headers().size(), 4U);
+}
+
+TEST_F(ExchangeTest, NextTransferReplacesTheResponse) {
+  int count = 0;
+  const RawServer server([&count](const RawRequest&, RawConnection& connection) {
+    connection.Write(++count == 1 ? Response(200, "first", "X-First: 1\r\n")
+                                  : Response(404, "", "X-Second: 2\r\n"));
+  });
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(transport.status_code(), 404);
+  EXPECT_EQ(transport.received_data(), nullptr);
+  EXPECT_EQ(HeaderOf(transport, "X-First"), "(none)");
+  EXPECT_EQ(HeaderOf(transport, "X-Second"), "2");
+}
+
+TEST_F(ExchangeTest, FailureLeavesNothingOfTheResponseBefore) {
+  const RawServer server(Always(Response(200, "first")));
+  InternetData transport(Text(server.Url()));
+  ASSERT_TRUE(transport.Download());
+  int status = -1;
+  EXPECT_FALSE(transport.SendAndRead(Text("none:"), nullptr, nullptr, &status, nullptr, false,
+                                     false, true, "", "", nullptr));
+  EXPECT_EQ(status, 0);
+  ExpectFailureState(transport);
+}
+
+TEST_F(ExchangeTest, StartOfABackgroundTransferResetsTheResponse) {
+  Event answer;
+  int count = 0;
+  const RawServer server([&](const RawRequest&, RawConnection& connection) {
+    const bool is_first = ++count == 1;
+    EXPECT_TRUE(is_first || answer.Wait());
+    connection.Write(Response(is_first ? 200 : 404, is_first ? "first" : "second"));
+  });
+  Background background(server.Url());
+  ASSERT_TRUE(background.transport->Download());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(server.WaitForRequests(2));
+  ExpectFailureState(*background.transport);
+  answer.Set();
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(background.transport->status_code(), 404);
+  EXPECT_EQ(BodyOf(*background.transport), "second");
+}
+
+TEST_F(ExchangeTest, SendAndReadFillsEveryPlace) {
+  const RawServer server(Always(Response(201, "hello", "X-Reply: yes\r\n")));
+  InternetData transport(Text("none:"));
+  SetSendData(AllBytes(), transport);
+  unsigned char* data = nullptr;
+  unsigned long length = 0;
+  int status = 0;
+  StringMap sent;
+  sent["Content-Type"] = "application/json";
+  StringMap received;
+  received["stale"] = "1";
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url("/post")), &data, &length, &status, &sent,
+                                    false, false, true, "", "", &received));
+  EXPECT_EQ(data, transport.received_data());
+  EXPECT_EQ(length, 5U);
+  EXPECT_EQ(BodyOf(transport), "hello");
+  EXPECT_EQ(status, 201);
+  EXPECT_EQ(transport.status_code(), 201);
+  EXPECT_EQ(received.at("X-Reply"), Text("yes"));
+  EXPECT_EQ(received.count("stale"), 0U);
+
+  const auto requests = server.requests();
+  ASSERT_EQ(requests.size(), 1U);
+  EXPECT_EQ(requests[0].method, "POST");
+  EXPECT_EQ(requests[0].target, "/post");
+  EXPECT_EQ(requests[0].body, AllBytes());
+  EXPECT_EQ(requests[0].Header("Content-Type"), "application/json");
+}
+
+TEST_F(ExchangeTest, SendAndReadEmptiesEveryPlaceAfterAFailure) {
+  const RawServer server(AlwaysThenClose("HTTP/1.1 203 Text\r\nContent-Length: 9\r\n\r\nshort"));
+  InternetData transport(Text("none:"));
+  unsigned char stale = 0;
+  unsigned char* data = &stale;
+  unsigned long length = 1;
+  int status = -1;
+  StringMap received;
+  received["stale"] = "1";
+  EXPECT_FALSE(transport.SendAndRead(Text(server.Url()), &data, &length, &status, nullptr, false,
+                                     false, true, "", "", &received));
+  EXPECT_EQ(data, nullptr);
+  EXPECT_EQ(length, 0U);
+  EXPECT_EQ(status, 203);
+  EXPECT_TRUE(received.empty());
+  ExpectFailureState(transport, 203);
+}
+
+TEST_F(ExchangeTest, SendAndReadTakesNullForEveryPlace) {
+  const RawServer server(Always(Response(200, "hello")));
+  InternetData transport(Text("none:"));
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                    false, true, "", "", nullptr));
+  EXPECT_EQ(BodyOf(transport), "hello");
+}
+
+TEST_F(ExchangeTest, UploadWithoutDataSendsAnEmptyBody) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text("none:"));
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                    false, true, "", "", nullptr));
+  Background background(server.Url());
+  ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  for (const RawRequest& request : server.requests()) {
+    EXPECT_EQ(request.method, "POST");
+    EXPECT_EQ(request.Header("Content-Length"), "0");
+    EXPECT_FALSE(request.HasHeader("Transfer-Encoding"));
+  }
+  EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST_F(ExchangeTest, SendDataCanBeReplacedAndTakenBack) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text("none:"));
+  const auto send = [&] {
+    EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                      false, true, "", "", nullptr));
+  };
+  SetSendData("one", transport);
+  send();
+  send();
+  SetSendData("two", transport);
+  send();
+  transport.set_send_data(nullptr, 0);
+  send();
+  std::vector<std::string> bodies;
+  for (const RawRequest& request : server.requests()) bodies.push_back(request.body);
+  EXPECT_EQ(bodies, (std::vector<std::string>{"one", "one", "two", ""}));
+}
+
+TEST_F(ExchangeTest, SendDataIsCopied) {
+  Event go_on;
+  const RawServer server(
+      [&go_on](const RawRequest&, RawConnection& connection) {
+        EXPECT_TRUE(go_on.Wait());
+        std::string body;
+        while (body.size() < kLargeBody && connection.Read(body)) {
+        }
+        connection.Write(Response(200, body == std::string(kLargeBody, 'a') ? "same" : "other"));
+      },
+      {nullptr, false, 0});
+  Background background(server.Url());
+  std::string data(kLargeBody, 'a');
+  SetSendData(data, *background.transport);
+  data.assign(kLargeBody, 'b');
+  ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
+  // Even data that is set while the upload runs is for later uploads alone.
+  SetSendData(data, *background.transport);
+  go_on.Set();
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(BodyOf(*background.transport), "same");
+}
+
+TEST_F(ExchangeTest, DistinctTransportsWorkOnDistinctThreads) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, request.target));
+  });
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 6; ++i) {
+    threads.emplace_back([&server, i] {
+      for (int k = 0; k < 20; ++k) {
+        const std::string target = "/" + std::to_string(i) + "/" + std::to_string(k);
+        InternetData transport(Text(server.Url(target)));
+        EXPECT_TRUE(transport.Download());
+        EXPECT_EQ(BodyOf(transport), target);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+class RefusedUrlTest : public TransportTest, public ::testing::WithParamInterface<std::string> {};
+
+TEST_P(RefusedUrlTest, FailsWithoutAResponse) {
+  InternetData transport(Text(GetParam()));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport);
+  Background background(GetParam());
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kFailed);
+  ExpectFailureState(*background.transport);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Urls, RefusedUrlTest,
+    ::testing::Values("", " ", "garbage", "/relative", "//127.0.0.1/", "none:", ":", "http",
+                      "http:", "http:/", "http://", "https://", "http:///", "http://:80/",
+                      "http://[::1", "http://127.0.0.1:99999/", "http://127.0.0.1:-1/",
+                      "http://127.0.0.1:port/", "http://exa mple/", "http://a\r\nHost: b/",
+                      "http://%00/", "http://\xC3\xA9 /", "file:///etc/passwd",
+                      "FILE:///etc/passwd", "ftp://127.0.0.1/", "gopher://127.0.0.1/",
+                      "dict://127.0.0.1/", "ldap://127.0.0.1/", "data:text/plain,x", "javascript:0",
+                      "ws://127.0.0.1/", "httpx://127.0.0.1/", "https+file://x", "\xFF\xFE"));
+
+TEST_F(ExchangeTest, RefusesAUrlWithANul) {
+  const RawServer server(Always(Response(200, "")));
+  std::string url = server.Url("/a");
+  url += '\0';
+  url += "b";
+  InternetData transport(Text(url));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport);
+  EXPECT_EQ(server.connections(), 0);
+}
+
+TEST_F(ExchangeTest, LineEndsInAUrlAddNoRequestLines) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text(server.Url("/a HTTP/1.1\r\nX-Injected: 1\r\n\r\n")));
+  transport.Download();
+  for (const RawRequest& request : server.requests()) {
+    EXPECT_FALSE(request.HasHeader("X-Injected"));
+  }
+}
+
+TEST_F(ExchangeTest, TransferThatCouldNotBeMadeSpoilsNoneAfterIt) {
+  const RawServer server(Always(Response(200, "hello")));
+  for (const std::string& url : {server.Url("/a b\r\n"), std::string("http://"),
+                                 std::string("none:"), server.Url("/\x01")}) {
+    InternetData refused((Text(url)));
+    EXPECT_FALSE(refused.Download());
+    InternetData good(Text(server.Url()));
+    EXPECT_TRUE(good.Download());
+    Background refused_in_background(url);
+    ASSERT_TRUE(refused_in_background.Start());
+    EXPECT_EQ(refused_in_background.WaitForEnd(), kFailed);
+    Background background(server.Url());
+    ASSERT_TRUE(background.Start());
+    EXPECT_EQ(background.WaitForEnd(), kReturned);
+  }
+}
+
+TEST_F(ExchangeTest, FailsWhereNobodyListens) {
+  std::string url;
+  {
+    const RawServer server(Silence());
+    url = server.Url();
+  }
+  InternetData transport((Text(url)));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport);
+}
+
+}  // namespace
+}  // namespace stowra_test

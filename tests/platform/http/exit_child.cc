@@ -1,0 +1,363 @@
+// A program that leaves while transfers run. Usage: exit_child MODE URL [CA_FILE].
+//
+// Starts transfers of URL, which nobody answers unless the mode says so, waits for a line on its
+// input, says "leaving" and leaves as the mode says, with kExitChildCode.
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <future>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/observer.h"
+#include "tests/platform/http/exit_child.h"
+
+// Read by the thread sanitizer, which by itself waits a second at a process's exit.
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
+const char* __tsan_default_options() { return "atexit_sleep_ms=0"; }
+
+namespace stowra_test {
+
+void WaitForWord() {
+  char line[16];
+  if (std::fgets(line, sizeof(line), stdin) == nullptr) std::abort();
+}
+
+void Say(const char* text) {
+  std::puts(text);
+  std::fflush(stdout);
+}
+
+void Leave() { Say(kExitChildLeaving); }
+
+namespace {
+
+using ovrant::internet::InternetData;
+using ovrant::internet::InternetDataDelegate;
+using ovrant::internet::TransferDefaults;
+using ovrant::internet::TransferEvent;
+
+constexpr char kEnded[] = "ExitChildEnded";
+
+std::string url;
+
+// What is alive when the process ends.
+struct Transfers {
+  InternetDataDelegate delegate{nullptr, 1, kEnded, 2, kEnded};
+  std::vector<std::unique_ptr<InternetData>> transports;
+
+  void Start() {
+    for (int i = 0; i < kExitChildTransfers; ++i) {
+      transports.push_back(std::make_unique<InternetData>(url.c_str()));
+      if (!transports.back()->DownloadWithDelegate(&delegate, nullptr)) std::abort();
+    }
+  }
+};
+
+// Never deleted, but held.
+Transfers* held = nullptr;
+
+void StartHeld() {
+  held = new Transfers;
+  held->Start();
+}
+
+// What to do at the end of each transfer.
+class Observer final : public ovrant::IObserver {
+ public:
+  explicit Observer(std::function<void()> function) : function_(std::move(function)) {
+    CNotificationCenter::Default()->AddObserver(kEnded, this);
+  }
+  using ovrant::IObserver::OnNotification;
+  void OnNotification(const char* /*name*/, void* /*payload*/) override { function_(); }
+
+ private:
+  const std::function<void()> function_;
+};
+
+// Waits for ever.
+[[noreturn]] void Sleep() {
+  while (true) pause();
+}
+
+int Return() {
+  StartHeld();
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
+int ReturnAndDestroy() {
+  Transfers transfers;
+  transfers.Start();
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
+// Destroyed before the library's own objects: it is younger.
+int ReturnWithYoungStatic() {
+  static Transfers young;
+  young.Start();
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
+// Destroyed after the library's own objects.
+struct OldStatic {
+  std::unique_ptr<Transfers> transfers;
+  bool is_user = false;
+
+  ~OldStatic() {
+    if (!is_user) return;
+    // The background is closed; what blocks still works.
+    InternetData late((url + "late").c_str());
+    if (late.DownloadWithDelegate(&transfers->delegate, nullptr)) std::abort();
+    if (!late.Download()) std::abort();
+    transfers.reset();
+    CNotificationCenter::Default()->SendNotification(kEnded, nullptr);
+  }
+} old_static;
+
+int ReturnWithOldStatic() {
+  old_static.transfers = std::make_unique<Transfers>();
+  old_static.transfers->Start();
+  old_static.is_user = true;
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
+int Exit() {
+  Transfers transfers;
+  transfers.Start();
+  WaitForWord();
+  Leave();
+  std::exit(kExitChildCode);
+}
+
+int ExitFromAnotherThread() {
+  StartHeld();
+  std::thread([] {
+    WaitForWord();
+    Leave();
+    std::exit(kExitChildCode);
+  }).detach();
+  Sleep();
+}
+
+// The transfers are answered after the word.
+int ExitInsideANotification() {
+  static Observer* const observer = new Observer([] {
+    Leave();
+    std::exit(kExitChildCode);
+  });
+  static_cast<void>(observer);
+  StartHeld();
+  WaitForWord();
+  Sleep();
+}
+
+int ExitInsideTheListener() {
+  StartHeld();
+  WaitForWord();
+  InternetData::SetTransferListener([](const TransferEvent&) {
+    Leave();
+    std::exit(kExitChildCode);
+  });
+  InternetData another(url.c_str());
+  another.DownloadWithDelegate(&held->delegate, nullptr);
+  Sleep();
+}
+
+// The transfers are answered at once, and the first of them is never done.
+int ReturnWhileAnObserverHangs() {
+  static Observer* const observer = new Observer([] {
+    Say(kExitChildReady);
+    Sleep();
+  });
+  static_cast<void>(observer);
+  return Return();
+}
+
+// Destroyed after the library has stopped waiting for the observer, which returns only then.
+struct LateEnd {
+  std::promise<void> library_has_stopped;
+  std::promise<void> called_again;
+  std::atomic<int> calls{0};
+  bool is_user = false;
+
+  void OnCall() {
+    if (++calls > 1) return called_again.set_value();
+    Say(kExitChildReady);
+    library_has_stopped.get_future().wait();
+  }
+
+  ~LateEnd() {
+    if (!is_user) return;
+    library_has_stopped.set_value();
+    const auto again = called_again.get_future();
+    if (again.wait_for(std::chrono::milliseconds(200)) == std::future_status::ready) _exit(1);
+  }
+} late_end;
+
+// The transfers are answered at once; the first one's observer is the last that is called.
+int ReturnWhileAnObserverIsSlow() {
+  late_end.is_user = true;
+  static Observer* const observer = new Observer([] { late_end.OnCall(); });
+  static_cast<void>(observer);
+  return Return();
+}
+
+int ReturnDuringABlockingDownload() {
+  StartHeld();
+  std::thread([blocking = url + "blocking"] {
+    InternetData transport(blocking.c_str());
+    transport.Download();
+  }).detach();
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
+// Completions that were queued, and are run by nobody. The transfers are answered at once.
+int ReturnWithQueuedCompletions() {
+  static auto* const mutex = new std::mutex;
+  static std::vector<std::function<void()>> queue;
+  InternetData::SetCompletionExecutor([](std::function<void()> completion) {
+    const std::lock_guard<std::mutex> lock(*mutex);
+    queue.push_back(std::move(completion));
+    if (queue.size() == kExitChildTransfers) Say(kExitChildReady);
+  });
+  return Return();
+}
+
+int OpenConnections() {
+  int count = 0;
+  for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+    sockaddr_in address = {};
+    socklen_t length = sizeof(address);
+    if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
+        address.sin_family == AF_INET) {
+      ++count;
+    }
+  }
+  return count;
+}
+
+// A program that is started while transfers run has none of their connections.
+int ForkAndExec(const char* self) {
+  StartHeld();
+  WaitForWord();
+  if (OpenConnections() != kExitChildTransfers) return 1;
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(self, self, "count-connections", static_cast<char*>(nullptr));
+    _exit(1);
+  }
+  int status = 0;
+  if (waitpid(child, &status, 0) != child || status != 0) return 2;
+  Leave();
+  return kExitChildCode;
+}
+
+// libcurl has a pair of local sockets in each of its multi handles, unused here, that other
+// programs may inherit: it names them to nobody.
+bool IsOpen(int descriptor) {
+  if (fcntl(descriptor, F_GETFD) < 0) return false;
+  sockaddr_storage address = {};
+  socklen_t length = sizeof(address);
+  return getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
+         address.ss_family != AF_UNIX;
+}
+
+int OpenDescriptors() {
+  int count = 0;
+  for (int descriptor = 0; descriptor < 1024; ++descriptor) count += IsOpen(descriptor);
+  return count;
+}
+
+// A program that is started while transfers run has as many descriptors as this one had at first,
+// and the transfers, which are answered after the second word, end as if nothing had been.
+int ForkAndExecThenEnd(const char* self, int descriptors_at_first) {
+  static std::promise<void> all_ended;
+  static std::atomic<int> ended{0};
+  static Observer* const observer = new Observer([] {
+    if (++ended == kExitChildTransfers) all_ended.set_value();
+  });
+  static_cast<void>(observer);
+  StartHeld();
+  WaitForWord();
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(self, self, "count-descriptors", static_cast<char*>(nullptr));
+    _exit(1);
+  }
+  int status = 0;
+  if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return 2;
+  if (WEXITSTATUS(status) != descriptors_at_first) return 3;
+  Say(kExitChildReady);
+  all_ended.get_future().wait();
+  for (const auto& transport : held->transports) {
+    if (transport->status_code() != 200) return 4;
+  }
+  Leave();
+  return kExitChildCode;
+}
+
+int Run(const std::string& mode, const char* self, int descriptors_at_first) {
+  const std::map<std::string, std::function<int()>> modes = {
+      {"return", Return},
+      {"return-and-destroy", ReturnAndDestroy},
+      {"return-with-young-static", ReturnWithYoungStatic},
+      {"return-with-old-static", ReturnWithOldStatic},
+      {"exit", Exit},
+      {"exit-from-another-thread", ExitFromAnotherThread},
+      {"exit-inside-a-notification", ExitInsideANotification},
+      {"exit-inside-the-listener", ExitInsideTheListener},
+      {"return-while-an-observer-hangs", ReturnWhileAnObserverHangs},
+      {"return-while-an-observer-is-slow", ReturnWhileAnObserverIsSlow},
+      {"return-during-a-blocking-download", ReturnDuringABlockingDownload},
+      {"return-with-queued-completions", ReturnWithQueuedCompletions},
+      {"fork-and-exec", [self] { return ForkAndExec(self); }},
+      {"fork-and-exec-then-end", [=] { return ForkAndExecThenEnd(self, descriptors_at_first); }},
+  };
+  const auto found = modes.find(mode);
+  return found == modes.end() ? RunWithRequests(mode, url) : found->second();
+}
+
+}  // namespace
+}  // namespace stowra_test
+
+int main(int count, char** arguments) {
+  if (count < 2) return 2;
+  const int descriptors = stowra_test::OpenDescriptors();
+  const std::string mode = arguments[1];
+  if (mode == "count-descriptors") return descriptors;
+  if (mode == "count-connections") return stowra_test::OpenConnections();
+  if (count < 3) return 2;
+  stowra_test::url = arguments[2];
+  if (count > 3) {
+    stowra_test::TransferDefaults defaults;
+    defaults.ca_file = arguments[3];
+    stowra_test::InternetData::SetDefaults(defaults);
+  }
+  return stowra_test::Run(mode, arguments[0], descriptors);
+}

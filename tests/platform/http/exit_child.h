@@ -1,0 +1,27 @@
+// What exit_child and unload_child agree upon with the test that runs them.
+
+#ifndef TESTS_PLATFORM_HTTP_EXIT_CHILD_H_
+#define TESTS_PLATFORM_HTTP_EXIT_CHILD_H_
+
+#include <string>
+
+namespace stowra_test {
+
+inline constexpr int kExitChildTransfers = 10;
+inline constexpr int kExitChildRequests = 3;  // one of each kind
+inline constexpr int kExitChildCode = 7;
+inline constexpr char kExitChildLeaving[] = "leaving";
+inline constexpr char kExitChildReady[] = "ready";
+inline constexpr char kUnloadChildUnloaded[] = "unloaded";
+
+// What the parts of exit_child share.
+void WaitForWord();
+void Say(const char* text);
+void Leave();
+
+// Leaves while a request of each kind runs. 2 when there is no such mode.
+int RunWithRequests(const std::string& mode, const std::string& url);
+
+}  // namespace stowra_test
+
+#endif  // TESTS_PLATFORM_HTTP_EXIT_CHILD_H_

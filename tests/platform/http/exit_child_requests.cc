@@ -1,0 +1,116 @@
+// The part of exit_child that leaves while requests run.
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "common_stowraapi/common_stowraapi.h"
+#include "tests/platform/http/exit_child.h"
+
+namespace stowra_test {
+namespace {
+
+// One of each kind.
+struct Requests {
+  ovrant::webservices::UserInfoQuery user_info;
+  ovrant::webservices::UpdateQuery update;
+  ovrant::extensionstoreapi::ExtensionStoreStatus status;
+
+  void Start(const std::string& url) {
+    user_info.Init(url.c_str(), nullptr);
+    user_info.AsynchronousRequest();
+    update.Init(url.c_str(), nullptr);
+    update.AsynchronousRequest();
+    status.Init(url.c_str(), nullptr, "{}");
+    status.AsynchronousStatus();
+  }
+};
+
+// Older than the library's thread, and destroyed after that has ended.
+Requests old_requests;
+
+// Never deleted, but held.
+Requests* held_requests = nullptr;
+
+void StartHeldRequests(const std::string& url) {
+  held_requests = new Requests;
+  held_requests->Start(url);
+}
+
+int WaitAndLeave() {
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
+int Return(const std::string& url) {
+  StartHeldRequests(url);
+  return WaitAndLeave();
+}
+
+int ReturnAndDestroy(const std::string& url) {
+  Requests requests;
+  requests.Start(url);
+  return WaitAndLeave();
+}
+
+int ReturnWithYoungStatic(const std::string& url) {
+  {
+    // There is a thread already.
+    Requests first;
+    first.Start(url);
+  }
+  static Requests young;
+  young.Start(url);
+  return WaitAndLeave();
+}
+
+int ReturnWithOldStatic(const std::string& url) {
+  old_requests.Start(url);
+  return WaitAndLeave();
+}
+
+int Exit(const std::string& url) {
+  Requests requests;
+  requests.Start(url);
+  std::exit(WaitAndLeave());
+}
+
+int ExitAtOnce(const std::string& url) {
+  Requests requests;
+  requests.Start(url);
+  _exit(WaitAndLeave());
+}
+
+#if !defined(__APPLE__)
+
+int QuickExit(const std::string& url) {
+  Requests requests;
+  requests.Start(url);
+  std::quick_exit(WaitAndLeave());
+}
+
+#endif
+
+}  // namespace
+
+int RunWithRequests(const std::string& mode, const std::string& url) {
+  const std::map<std::string, int (*)(const std::string&)> modes = {
+    {"return-with-requests", Return},
+    {"return-and-destroy-requests", ReturnAndDestroy},
+    {"return-with-young-static-requests", ReturnWithYoungStatic},
+    {"return-with-old-static-requests", ReturnWithOldStatic},
+    {"exit-with-requests", Exit},
+    {"exit-at-once-with-requests", ExitAtOnce},
+#if !defined(__APPLE__)
+    {"quick-exit-with-requests", QuickExit},
+#endif
+  };
+  const auto found = modes.find(mode);
+  return found == modes.end() ? 2 : found->second(url);
+}
+
+}  // namespace stowra_test

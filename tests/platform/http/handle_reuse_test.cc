@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "common_stowraapi/platform/http/curl_handles.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::EasyReuse;
+
+constexpr char kOk[] = "HTTP/1.1 200 OK\r\n";
+constexpr char kEnd[] = "Content-Length: 0\r\n\r\n";
+
+// A value for which memory of its own is taken, so that the sanitizers see who touches it.
+const std::string kLong(100, 'x');
+
+// Transfers, each of which may use the handle of the one before.
+class HandleReuseTest : public TransportTest {
+ protected:
+  static void ExpectHello(const std::string& url) {
+    InternetData transport((Text(url)));
+    EXPECT_TRUE(transport.Download());
+    EXPECT_EQ(BodyOf(transport), "hello");
+    Background background(url);
+    ASSERT_TRUE(background.Start());
+    EXPECT_EQ(background.WaitForEnd(), kReturned);
+    EXPECT_EQ(BodyOf(*background.transport), "hello");
+  }
+
+  // Downloads from one that answers "/odd" with `bytes` and anything else well, in turn. Whether
+  // the odd response is one is for libcurl to say, unless it has to be guarded.
+  static void ExpectHarmless(const std::string& bytes, bool dripped = false) {
+    const RawServer server([&](const RawRequest& request, RawConnection& connection) {
+      if (request.target != "/odd") {
+        connection.Write(Response(200, "hello", "X-Long: " + kLong + "\r\n"));
+      } else if (dripped) {
+        connection.Drip(bytes, std::chrono::milliseconds(0));
+      } else {
+        connection.Write(bytes);
+      }
+    });
+    for (int i = 0; i < 3; ++i) {
+      ExpectHello(server.Url("/good"));
+      InternetData odd(Text(server.Url("/odd")));
+      const bool received = odd.Download();
+      Background background(server.Url("/odd"));
+      ASSERT_TRUE(background.Start());
+      EXPECT_EQ(background.WaitForEnd(), received ? kReturned : kFailed);
+      if (ovrant::internet::HowToReuseEasyHandles() == EasyReuse::kGuarded) {
+        EXPECT_FALSE(received);
+        ExpectFailureState(odd, odd.status_code());
+      }
+    }
+  }
+};
+
+TEST_F(HandleReuseTest, HeadersThatBeginWithAContinuationHarmNobody) {
+  ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd);
+  ExpectHarmless(kOk + ("\tfolded: " + kLong) + "\r\nX-Next: 1\r\n more\r\n" + kEnd);
+}
+
+TEST_F(HandleReuseTest, TheyHarmNobodyWhenTheyComeByAndBy) {
+  ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd, true);
+}
+
+TEST_F(HandleReuseTest, TheyHarmNobodyInAnInterimResponseOrAfterOne) {
+  ExpectHarmless("HTTP/1.1 100 Continue\r\n folded: " + kLong + "\r\n\r\n" + kOk + kEnd);
+  ExpectHarmless("HTTP/1.1 100 Continue\r\n\r\n" + std::string(kOk) + " folded: " + kLong + "\r\n" +
+                 kEnd);
+}
+
+TEST_F(HandleReuseTest, TheyHarmNobodyInARedirect) {
+  ExpectHarmless("HTTP/1.1 302 Found\r\n folded: " + kLong + "\r\nLocation: /good\r\n" + kEnd);
+}
+
+TEST_F(HandleReuseTest, ContinuationOfAFieldIsTaken) {
+  const RawServer server(Always(kOk + ("X-Long: " + kLong) + "\r\n more: of it\r\n" + kEnd));
+  for (int i = 0; i < 3; ++i) {
+    InternetData transport(Text(server.Url()));
+    EXPECT_TRUE(transport.Download());
+    EXPECT_EQ(HeaderOf(transport, "X-Long"), kLong + " more: of it");
+  }
+}
+
+TEST_F(HandleReuseTest, ResponseWithoutAnyHeaderIsTaken) {
+  const RawServer server(AlwaysThenClose(std::string(kOk) + "\r\nhello"));
+  for (int i = 0; i < 3; ++i) ExpectHello(server.Url());
+}
+
+TEST_F(HandleReuseTest, NothingOfARequestGoesIntoTheNext) {
+  const RawServer server(Always(Response(200, "hello")));
+  std::string with_user = server.Url();
+  with_user.insert(with_user.find("//") + 2, "user:password@");
+  InternetData first((Text(with_user)));
+  first.SetValueForHTTPSendHeaders("X-Own", "1");
+  EXPECT_TRUE(first.Download());
+  EXPECT_NE(LastRequest(server).Header("Authorization"), "");
+  SetSendData("data", first);
+  EXPECT_TRUE(first.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
+                                false, true, "", "", nullptr));
+  InternetData second(Text(server.Url()));
+  EXPECT_TRUE(second.Download());
+  const RawRequest request = LastRequest(server);
+  EXPECT_EQ(request.method, "GET");
+  EXPECT_EQ(request.body, "");
+  EXPECT_EQ(request.Header("Authorization"), "");
+  EXPECT_EQ(request.Header("X-Own"), "");
+  EXPECT_EQ(request.Header("Accept-Encoding"), "gzip");
+}
+
+TEST_F(HandleReuseTest, DefaultsThatAreTakenBackAreForgotten) {
+  const RawServer server(Always(Response(200, "hello")));
+  TransferDefaults defaults;
+  defaults.proxy = Text(server.Url());
+  defaults.user_agent = "agent";
+  InternetData::SetDefaults(defaults);
+  ExpectHello("http://elsewhere.invalid/");
+  EXPECT_EQ(LastRequest(server).Header("User-Agent"), "agent");
+  InternetData::SetDefaults({});
+  ExpectHello(server.Url("/direct"));
+  EXPECT_EQ(LastRequest(server).target, "/direct");
+  EXPECT_EQ(LastRequest(server).Header("User-Agent"), "");
+}
+
+// Such a request is made again on another connection, and that only so many times.
+TEST_F(HandleReuseTest, KeptConnectionsMayCloseUnderAnyNumberOfTransfers) {
+  std::mutex mutex;
+  std::set<int> used;
+  const RawServer server([&](const RawRequest& request, RawConnection& connection) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (used.insert(request.connection).second) {
+      connection.Write(Response(200, "hello"));
+    } else {
+      connection.EndWriting();
+    }
+  });
+  for (int i = 0; i < 20; ++i) ExpectHello(server.Url());
+}
+
+TEST_F(HandleReuseTest, ManyTransfersThatCannotBeMadeSpoilNone) {
+  const RawServer server(Always(Response(200, "hello")));
+  for (const char* url : {"none:", "http://127.0.0.1:99999/", "http://127.0.0.1/a b"}) {
+    for (int i = 0; i < 100; ++i) {
+      InternetData refused((Text(url)));
+      EXPECT_FALSE(refused.Download());
+    }
+    ExpectHello(server.Url());
+  }
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include "tests/platform/http/internet_data_test_peer.h"
+#include "tests/platform/http/transport_fixture.h"
+
+namespace stowra_test {
+namespace {
+
+using Peer = ovrant::internet::InternetDataTestPeer;
+
+TEST(InitialState, FreshTransportHoldsItsUrlAndNoResponse) {
+  const InternetData transport(Text("http://example.invalid/"));
+  EXPECT_EQ(Peer::Url(transport), Text("http://example.invalid/"));
+  EXPECT_EQ(transport.status_code(), 0);
+  EXPECT_EQ(transport.received_data(), nullptr);
+  EXPECT_EQ(transport.received_data_length(), 0U);
+  EXPECT_TRUE(transport.received_headers().empty());
+}
+
+TEST(InitialState, SettingsHaveTheirInitialValues) {
+  const InternetData transport(Text("http://example.invalid/"));
+  EXPECT_FALSE(Peer::FirstFlag(transport));
+  EXPECT_EQ(Peer::FloatSetting(transport), 30.0F);
+  EXPECT_EQ(Peer::IntegerSetting(transport), -1);
+  for (int i = 0; i < 4; ++i) EXPECT_TRUE(Peer::TextSetting(transport, i).empty());
+  EXPECT_TRUE(Peer::FirstMap(transport).empty());
+  EXPECT_FALSE(Peer::SecondFlag(transport));
+  EXPECT_FALSE(Peer::HasPointers(transport));
+  EXPECT_FALSE(Peer::LastFlag(transport, 0));
+  EXPECT_TRUE(Peer::LastFlag(transport, 1));
+}
+
+TEST(InitialState, MembersLieInTheOrderOfTheBinaryInterface) {
+  const InternetData transport(Text(""));
+  std::vector<const void*> members = Peer::Members(transport);
+  members.insert(members.begin(), &transport);
+  EXPECT_TRUE(std::is_sorted(members.begin(), members.end(), std::less_equal<const void*>()));
+  static_assert(std::is_same_v<decltype(transport.received_data()), unsigned char*>);
+  static_assert(std::is_same_v<decltype(transport.received_data_length()), unsigned long>);
+  static_assert(std::is_same_v<decltype(transport.status_code()), int>);
+}
+
+TEST(InitialState, CopiesTheUrl) {
+  ovrant_ustring url = Text("http://example.invalid/");
+  const InternetData transport(url);
+  url.clear();
+  EXPECT_EQ(Peer::Url(transport), Text("http://example.invalid/"));
+}
+
+class DerivedTransport final : public InternetData {
+ public:
+  DerivedTransport(const ovrant_ustring& url, bool& destroyed)
+      : InternetData(url), destroyed_(destroyed) {}
+  ~DerivedTransport() override { destroyed_ = true; }
+
+ private:
+  bool& destroyed_;
+};
+
+class DerivedDelegate final : public InternetDataDelegate {
+ public:
+  explicit DerivedDelegate(bool& destroyed)
+      : InternetDataDelegate(nullptr, 0, kReturned, 0, kFailed), destroyed_(destroyed) {}
+  ~DerivedDelegate() override { destroyed_ = true; }
+
+ private:
+  bool& destroyed_;
+};
+
+TEST(InitialState, DestructorsAreVirtual) {
+  bool transport_destroyed = false;
+  std::unique_ptr<InternetData> transport =
+      std::make_unique<DerivedTransport>(Text(""), transport_destroyed);
+  bool delegate_destroyed = false;
+  std::unique_ptr<InternetDataDelegate> delegate =
+      std::make_unique<DerivedDelegate>(delegate_destroyed);
+  transport.reset();
+  delegate.reset();
+  EXPECT_TRUE(transport_destroyed);
+  EXPECT_TRUE(delegate_destroyed);
+}
+
+TEST(InitialState, DelegateCarriesWhatItWasGiven) {
+  int context = 0;
+  const InternetDataDelegate delegate(&context, 28004, kReturned, 28005, kFailed);
+  EXPECT_EQ(delegate.context(), &context);
+  EXPECT_EQ(delegate.returned_message(), 28004U);
+  EXPECT_STREQ(delegate.returned_notification(), kReturned);
+  EXPECT_EQ(delegate.failed_message(), 28005U);
+  EXPECT_STREQ(delegate.failed_notification(), kFailed);
+}
+
+}  // namespace
+}  // namespace stowra_test

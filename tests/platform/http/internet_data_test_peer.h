@@ -1,0 +1,53 @@
+// The private side of a transport.
+
+#ifndef TESTS_PLATFORM_HTTP_INTERNET_DATA_TEST_PEER_H_
+#define TESTS_PLATFORM_HTTP_INTERNET_DATA_TEST_PEER_H_
+
+#include <vector>
+
+#include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/ustring.h"
+
+namespace ovrant::internet {
+
+class InternetDataTestPeer {
+ public:
+  // A redirect becomes a response like any other.
+  static void StopFollowingRedirects(InternetData& transport) { transport.redirect_limit_ = 0; }
+
+  static const ovrant::utils::ovrant_ustring& Url(const InternetData& t) { return t.url_; }
+  static bool FirstFlag(const InternetData& t) { return t.started_; }
+  static float FloatSetting(const InternetData& t) { return t.inactivity_timeout_; }
+  static int IntegerSetting(const InternetData& t) { return t.redirect_limit_; }
+  static const ovrant::utils::ovrant_ustring& TextSetting(const InternetData& t, int index) {
+    return t.reserved_texts_[index];
+  }
+  static const ovrant::utils::StringMap& FirstMap(const InternetData& t) { return t.send_headers_; }
+  static bool SecondFlag(const InternetData& t) { return t.responded_; }
+  static bool HasPointers(const InternetData& t) { return t.send_data_ || t.transfer_; }
+  static bool LastFlag(const InternetData& t, int index) { return t.reserved_flags_[index]; }
+
+  // In the order that the binary interface gives them.
+  static std::vector<const void*> Members(const InternetData& t) {
+    return {&t.started_,
+            &t.url_,
+            &t.inactivity_timeout_,
+            &t.redirect_limit_,
+            &t.reserved_texts_[0],
+            &t.reserved_texts_[3],
+            &t.received_data_,
+            &t.received_data_length_,
+            &t.send_headers_,
+            &t.status_code_,
+            &t.responded_,
+            &t.received_headers_,
+            &t.send_data_,
+            &t.transfer_,
+            &t.reserved_flags_[0],
+            &t.reserved_flags_[1]};
+  }
+};
+
+}  // namespace ovrant::internet
+
+#endif  // TESTS_PLATFORM_HTTP_INTERNET_DATA_TEST_PEER_H_

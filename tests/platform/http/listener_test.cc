@@ -1,0 +1,342 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using Kind = TransferEvent::Kind;
+
+struct Told {
+  TransferEvent event;
+  std::thread::id thread;
+};
+
+// Collects what the listener is told.
+class ListenerTest : public TransportTest {
+ protected:
+  ListenerTest() {
+    InternetData::SetTransferListener([this](const TransferEvent& event) {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      told_.push_back({event, std::this_thread::get_id()});
+    });
+  }
+  ~ListenerTest() override { InternetData::SetTransferListener(nullptr); }
+
+  std::vector<Told> told() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return told_;
+  }
+
+  // Expects one start, then progress alone, then one end, whose error text it gives.
+  std::string ErrorOfTheOneTransfer(const std::string& url) {
+    const auto events = told();
+    if (events.size() < 2) {
+      ADD_FAILURE() << "only " << events.size() << " events";
+      return "(none)";
+    }
+    for (const Told& each : events) {
+      const Kind expected = &each == &events.front()  ? Kind::kStarted
+                            : &each == &events.back() ? Kind::kEnded
+                                                      : Kind::kProgress;
+      EXPECT_EQ(each.event.kind, expected);
+      EXPECT_EQ(each.event.url, Text(url));
+      EXPECT_TRUE(expected == Kind::kEnded || each.event.error.empty());
+    }
+    return events.back().event.error.utf8();
+  }
+
+  std::mutex mutex_;
+  std::vector<Told> told_;
+};
+
+TEST_F(ListenerTest, IsToldOfADownload) {
+  const std::string body(300'000, 'x');
+  const RawServer server(Always(Response(200, body)));
+  InternetData transport(Text(server.Url("/a")));
+  EXPECT_TRUE(transport.Download());
+
+  EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/a")), "");
+  const auto events = told();
+  ASSERT_GE(events.size(), 3U);
+  EXPECT_EQ(events.front().event.status, 0);
+  EXPECT_EQ(events.front().event.bytes_received, 0U);
+  unsigned long before = 0;
+  for (const Told& each : events) {
+    EXPECT_GE(each.event.bytes_received, before);
+    before = each.event.bytes_received;
+    EXPECT_EQ(each.event.bytes_to_send, 0U);
+    EXPECT_EQ(each.thread, std::this_thread::get_id());
+    if (each.event.kind == Kind::kProgress) {
+      EXPECT_EQ(each.event.status, 200);
+      EXPECT_EQ(each.event.bytes_expected, body.size());
+    }
+  }
+  EXPECT_EQ(events.back().event.status, 200);
+  EXPECT_EQ(events.back().event.bytes_received, body.size());
+  EXPECT_EQ(events.back().event.bytes_expected, body.size());
+}
+
+TEST_F(ListenerTest, IsToldOfABackgroundTransferOnItsThread) {
+  const RawServer server(Always(Response(404, "hello")));
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(ErrorOfTheOneTransfer(server.Url()), "");
+  EXPECT_EQ(told().back().event.status, 404);
+  const auto posting_thread = background.recorder.entries().at(0).thread;
+  EXPECT_NE(posting_thread, std::this_thread::get_id());
+  for (const Told& each : told()) EXPECT_EQ(each.thread, posting_thread);
+}
+
+TEST_F(ListenerTest, IsToldOfAnUpload) {
+  const RawServer server(Always(Response(200, "")));
+  InternetData transport(Text("none:"));
+  SetSendData(std::string(kLargeBody, 'x'), transport);
+  EXPECT_TRUE(transport.SendAndRead(Text(server.Url("/up")), nullptr, nullptr, nullptr, nullptr,
+                                    false, false, true, "", "", nullptr));
+  EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/up")), "");
+  const auto events = told();
+  bool seen_midway = false;
+  unsigned long before = 0;
+  for (const Told& each : events) {
+    EXPECT_EQ(each.event.bytes_to_send, kLargeBody);
+    EXPECT_GE(each.event.bytes_sent, before);
+    before = each.event.bytes_sent;
+    seen_midway = seen_midway || (before > 0 && before < kLargeBody);
+  }
+  EXPECT_TRUE(seen_midway);
+  EXPECT_EQ(events.front().event.bytes_sent, 0U);
+  EXPECT_EQ(events.back().event.bytes_sent, kLargeBody);
+}
+
+TEST_F(ListenerTest, DecodedBytesCountAndTheirNumberIsUnknownBeforehand) {
+  const std::string text(100'000, 'x');
+  const RawServer server(Always(Response(200, Gzip(text), "Content-Encoding: gzip\r\n")));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(told().back().event.bytes_received, text.size());
+  for (const Told& each : told()) EXPECT_EQ(each.event.bytes_expected, 0U);
+}
+
+TEST_F(ListenerTest, UrlIsTheOneBeforeTheRedirects) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
+                                               : Response(200, "hello"));
+  });
+  InternetData transport(Text(server.Url("/from")));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/from")), "");
+  EXPECT_EQ(told().back().event.status, 200);
+}
+
+TEST_F(ListenerTest, FailuresHaveATextEach) {
+  const RawServer cut(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhe"));
+  const RawServer inside_headers(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent"));
+  const RawServer encoded(Always(Response(200, "x", "Content-Encoding: br\r\n")));
+  const RawServer truncated(
+      Always(Response(200, Gzip("hello").substr(0, 15), "Content-Encoding: gzip\r\n")));
+  const RawServer circle(Always(Response(302, "", "Location: /\r\n")));
+  const RawServer elsewhere(Always(Response(302, "", "Location: file:///etc/passwd\r\n")));
+  std::string nobody;
+  {
+    const RawServer gone(Silence());
+    nobody = gone.Url();
+  }
+  for (const std::string& url :
+       {cut.Url(), inside_headers.Url(), encoded.Url(), truncated.Url(), circle.Url(),
+        elsewhere.Url(), nobody, std::string("ftp://127.0.0.1/"), std::string()}) {
+    told_.clear();
+    InternetData transport((Text(url)));
+    EXPECT_FALSE(transport.Download()) << url;
+    EXPECT_NE(ErrorOfTheOneTransfer(url), "") << url;
+  }
+}
+
+TEST_F(ListenerTest, TimeoutSaysSo) {
+  SetInactivityTimeout(0.25F);
+  const RawServer server(Silence());
+  InternetData transport(Text(server.Url()));
+  EXPECT_FALSE(transport.Download());
+  EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()), ::testing::HasSubstr("0.25"));
+}
+
+TEST_F(ListenerTest, IsToldTheEndOfATransferThatIsDropped) {
+  const RawServer server(Silence());
+  {
+    Background background(server.Url());
+    ASSERT_TRUE(background.Start());
+    ASSERT_TRUE(server.WaitForRequests(1));
+  }
+  ASSERT_TRUE(server.WaitUntilUnused());
+  LetWorkerCatchUp();
+  auto events = told();
+  ASSERT_GE(events.size(), 2U);
+  int ends = 0;
+  for (const Told& each : events) {
+    if (each.event.url != Text(server.Url()) || each.event.kind != Kind::kEnded) continue;
+    ++ends;
+    EXPECT_FALSE(each.event.error.empty());
+  }
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(ListenerTest, IsTakenWhenATransferStarts) {
+  Event answer;
+  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
+    EXPECT_TRUE(answer.Wait());
+    connection.Write(Response(200, "hello"));
+  });
+  Background before(server.Url("/before"));
+  InternetData::SetTransferListener(nullptr);
+  ASSERT_TRUE(before.Start());
+  ASSERT_TRUE(server.WaitForRequests(1));
+  InternetData::SetTransferListener([this](const TransferEvent& event) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    told_.push_back({event, std::this_thread::get_id()});
+  });
+  answer.Set();
+  EXPECT_EQ(before.WaitForEnd(), kReturned);
+  EXPECT_TRUE(told().empty());
+}
+
+TEST_F(ListenerTest, ThatIsEndedIsToldNothingMoreOfATransferUnderWay) {
+  Event answer;
+  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
+    EXPECT_TRUE(answer.Wait());
+    connection.Write(Response(200, "hello"));
+  });
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(server.WaitForRequests(1));
+  InternetData::SetTransferListener(nullptr);
+  const std::size_t count = told().size();
+  answer.Set();
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(told().size(), count);
+}
+
+TEST_F(ListenerTest, ReplacementWaitsForACallOnAnotherThread) {
+  Event entered;
+  Event replaced;
+  std::atomic<bool> returned_too_early{false};
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    if (event.kind != Kind::kStarted) return;
+    entered.Set();
+    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
+  });
+  const RawServer server(Always(Response(200, "hello")));
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(entered.Wait());
+  InternetData::SetTransferListener(nullptr);
+  replaced.Set();
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST_F(ListenerTest, MayReplaceItself) {
+  std::atomic<int> calls{0};
+  InternetData::SetTransferListener([&calls](const TransferEvent&) {
+    ++calls;
+    InternetData::SetTransferListener(nullptr);
+  });
+  const RawServer server(Always(Response(200, "hello")));
+  InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(ListenerTest, MayStartATransfer) {
+  const RawServer server(Always(Response(200, "hello")));
+  bool nested = false;
+  bool nested_received = false;
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    if (event.kind != Kind::kProgress || nested) return;
+    nested = true;
+    InternetData inner(Text(server.Url("/inner")));
+    nested_received = inner.Download();
+  });
+  InternetData transport(Text(server.Url("/outer")));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(nested_received);
+}
+
+TEST_F(ListenerTest, MayDeleteTheTransportAndItsDelegate) {
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhello");
+    connection.Stall();
+  });
+  Background background(server.Url());
+  Event deleted;
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    if (event.kind != Kind::kProgress) return;
+    background.transport.reset();
+    background.delegate.reset();
+    deleted.Set();
+  });
+  ASSERT_TRUE(background.Start());
+  EXPECT_TRUE(deleted.Wait());
+  InternetData::SetTransferListener(nullptr);
+  EXPECT_TRUE(server.WaitUntilUnused());
+  LetWorkerCatchUp();
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+TEST_F(ListenerTest, MayStartATransferWhileNothingElseHappens) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target == "/stall") {
+      connection.Stall();
+    } else {
+      connection.Write(Response(200, "hello"));
+    }
+  });
+  {
+    Background before(server.Url());
+    ASSERT_TRUE(before.Start());
+    EXPECT_EQ(before.WaitForEnd(), kReturned);
+  }
+  Background stalled(server.Url("/stall"));
+  Background started(server.Url());
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    if (event.kind != Kind::kStarted || event.url != Text(server.Url("/stall"))) return;
+    started.transport->DownloadWithDelegate(started.delegate.get(), nullptr);
+  });
+  ASSERT_TRUE(stalled.Start());
+  EXPECT_EQ(started.WaitForEnd(), kReturned);
+  EXPECT_EQ(BodyOf(*started.transport), "hello");
+}
+
+TEST_F(ListenerTest, HearsOfTransfersOnSeveralThreads) {
+  const RawServer server(Always(Response(200, "hello")));
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&server] {
+      for (int k = 0; k < 10; ++k) {
+        InternetData transport(Text(server.Url()));
+        EXPECT_TRUE(transport.Download());
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  int starts = 0;
+  int ends = 0;
+  for (const Told& each : told()) {
+    if (each.event.kind == Kind::kStarted) ++starts;
+    if (each.event.kind == Kind::kEnded) ++ends;
+  }
+  EXPECT_EQ(starts, 40);
+  EXPECT_EQ(ends, 40);
+}
+
+}  // namespace
+}  // namespace stowra_test

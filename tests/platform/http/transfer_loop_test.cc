@@ -1,0 +1,48 @@
+#include "common_stowraapi/platform/http/transfer_loop.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "common_stowraapi/platform/http/exchange.h"
+#include "common_stowraapi/platform/http/message.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::HttpExchange;
+using ovrant::internet::HttpRequest;
+using ovrant::internet::TransferLoop;
+
+// One that cannot be made: it has ended as soon as it is started.
+HttpExchange Impossible() {
+  HttpRequest request;
+  request.url = "ftp://127.0.0.1/";
+  return HttpExchange(std::move(request), nullptr);
+}
+
+TEST(TransferLoopTest, GivesWhatCannotBeMadeAtOnce) {
+  TransferLoop loop;
+  HttpExchange exchange = Impossible();
+  loop.Start(exchange);
+  EXPECT_EQ(loop.size(), 1U);
+  EXPECT_EQ(loop.NextEnded(), &exchange);
+  EXPECT_EQ(loop.NextEnded(), nullptr);
+  EXPECT_FALSE(exchange.TakeReply().received);
+}
+
+TEST(TransferLoopTest, DoesNotGiveWhatWasDroppedAfterItsEnd) {
+  TransferLoop loop;
+  HttpExchange dropped = Impossible();
+  HttpExchange kept = Impossible();
+  loop.Start(dropped);
+  loop.Start(kept);
+  loop.Drop(dropped);
+  EXPECT_EQ(loop.size(), 1U);
+  EXPECT_EQ(loop.NextEnded(), &kept);
+  EXPECT_EQ(loop.NextEnded(), nullptr);
+  EXPECT_TRUE(dropped.ended());
+}
+
+}  // namespace
+}  // namespace stowra_test

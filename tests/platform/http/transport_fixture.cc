@@ -1,0 +1,107 @@
+#include "tests/platform/http/transport_fixture.h"
+
+#include <stdlib.h>
+
+#include <utility>
+
+namespace stowra_test {
+namespace {
+
+void ResetSettings() {
+  InternetData::SetDefaults(TransferDefaults());
+  InternetData::SetTransferListener(nullptr);
+  InternetData::SetCompletionExecutor(nullptr);
+}
+
+// The servers of the tests are on this machine, whatever proxy its user has.
+const bool kWithoutProxies = [] {
+  for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                           "no_proxy", "NO_PROXY"}) {
+    unsetenv(name);
+  }
+  return true;
+}();
+
+}  // namespace
+
+ovrant_ustring Text(std::string_view utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
+
+std::string BodyOf(const InternetData& transport) {
+  if (transport.received_data() == nullptr) {
+    EXPECT_EQ(transport.received_data_length(), 0U);
+    return "";
+  }
+  return std::string(reinterpret_cast<const char*>(transport.received_data()),
+                     transport.received_data_length());
+}
+
+std::string HeaderOf(const InternetData& transport, const char* name) {
+  const auto found = transport.received_headers().find(name);
+  return found == transport.received_headers().end() ? "(none)" : found->second.utf8();
+}
+
+RawRequest LastRequest(const RawServer& server) {
+  const auto requests = server.requests();
+  EXPECT_FALSE(requests.empty());
+  return requests.empty() ? RawRequest() : requests.back();
+}
+
+void SetSendData(std::string_view data, InternetData& transport) {
+  transport.set_send_data(reinterpret_cast<const unsigned char*>(data.data()), data.size());
+}
+
+void ExpectFailureState(const InternetData& transport, int status) {
+  EXPECT_EQ(transport.status_code(), status);
+  EXPECT_EQ(transport.received_data(), nullptr);
+  EXPECT_EQ(transport.received_data_length(), 0U);
+  EXPECT_TRUE(transport.received_headers().empty());
+}
+
+std::unique_ptr<InternetDataDelegate> MakeDelegate(void* context, const char* returned,
+                                                   const char* failed) {
+  return std::make_unique<InternetDataDelegate>(context, kReturnedMessage, returned, kFailedMessage,
+                                                failed);
+}
+
+Background::Background(const std::string& url, std::function<void()> on_notification)
+    : recorder({kReturned, kFailed}, std::move(on_notification)),
+      delegate(MakeDelegate()),
+      transport(std::make_unique<InternetData>(Text(url))) {}
+
+bool Background::Start() { return transport->DownloadWithDelegate(delegate.get(), nullptr); }
+
+std::string Background::WaitForEnd() {
+  if (!recorder.WaitFor(1)) return "(nothing)";
+  return recorder.entries().back().name;
+}
+
+void LetWorkerCatchUp() {
+  constexpr char kCaughtUp[] = "TransportTestCaughtUp";
+  NotificationRecorder recorder({kCaughtUp});
+  const auto delegate = MakeDelegate(nullptr, kCaughtUp, kCaughtUp);
+  // Refused without a connection.
+  InternetData transport(Text("none:"));
+  ASSERT_TRUE(transport.DownloadWithDelegate(delegate.get(), nullptr));
+  ASSERT_TRUE(recorder.WaitFor(1));
+}
+
+TransportTest::TransportTest() {
+  EXPECT_TRUE(kWithoutProxies);
+  ResetSettings();
+}
+
+TransportTest::~TransportTest() { ResetSettings(); }
+
+void TransportTest::SetInactivityTimeout(float seconds) {
+  TransferDefaults defaults;
+  defaults.inactivity_timeout = seconds;
+  InternetData::SetDefaults(defaults);
+}
+
+void TransportTest::SetBodyCap(unsigned long bytes) {
+  TransferDefaults defaults;
+  defaults.body_cap = bytes;
+  InternetData::SetDefaults(defaults);
+}
+
+}  // namespace stowra_test

@@ -1,0 +1,276 @@
+#include "common_stowraapi/platform/url.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/platform/text/units.h"
+#include "tests/support/corpora.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::URL;
+using ovrant::utils::ovrant_ustring;
+
+// The value of `key`, or nothing if there is none.
+std::optional<ovrant_ustring> ValueOf(const ovrant_ustring& url, const ovrant_ustring& key) {
+  ovrant_ustring value("unchanged");
+  URL parsed(url);
+  if (parsed.getValueForExtraInfoKey(key, value)) return value;
+  EXPECT_EQ(value, "unchanged");
+  return std::nullopt;
+}
+
+TEST(UrlTest, FindsTheValueOfAParameter) {
+  const ovrant_ustring url("https://models.example/get?id=12&rtyp=s8&x=y");
+  EXPECT_EQ(ValueOf(url, "rtyp"), ovrant_ustring("s8"));
+  EXPECT_EQ(ValueOf(url, "id"), ovrant_ustring("12"));
+  EXPECT_EQ(ValueOf(url, "x"), ovrant_ustring("y"));
+}
+
+TEST(UrlTest, LeavesTheValueAloneWithoutSuchAParameter) {
+  EXPECT_EQ(ValueOf("https://models.example/get?id=12", "rtyp"), std::nullopt);
+  EXPECT_EQ(ValueOf("https://models.example/get", "rtyp"), std::nullopt);
+  EXPECT_EQ(ValueOf("https://models.example/get?", "rtyp"), std::nullopt);
+  EXPECT_EQ(ValueOf("", "rtyp"), std::nullopt);
+}
+
+TEST(UrlTest, MatchesTheWholeNameAndItsCase) {
+  const ovrant_ustring url("http://h/?rtypx=1&xrtyp=2&RTYP=3&rty=4");
+  EXPECT_EQ(ValueOf(url, "rtyp"), std::nullopt);
+}
+
+TEST(UrlTest, TakesTheFirstParameterOfThatName) {
+  EXPECT_EQ(ValueOf("http://h/?a=1&a=2", "a"), ovrant_ustring("1"));
+  EXPECT_EQ(ValueOf("http://h/?a&a=2", "a"), ovrant_ustring(""));
+}
+
+TEST(UrlTest, TheQueryIsBetweenTheFirstQuestionMarkAndTheFragment) {
+  EXPECT_EQ(ValueOf("http://h/a=0?a=1#a=2", "a"), ovrant_ustring("1"));
+  EXPECT_EQ(ValueOf("http://h/?b=1#?a=2", "a"), std::nullopt);
+  EXPECT_EQ(ValueOf("http://h/#?a=2", "a"), std::nullopt);
+  EXPECT_EQ(ValueOf("http://h/?a=1?b=2", "a"), ovrant_ustring("1?b=2"));
+  EXPECT_EQ(ValueOf("http://h/&a=1", "a"), std::nullopt);
+}
+
+TEST(UrlTest, FindsAnEmptyValue) {
+  EXPECT_EQ(ValueOf("http://h/?a=&b=1", "a"), ovrant_ustring(""));
+  EXPECT_EQ(ValueOf("http://h/?b=1&a", "a"), ovrant_ustring(""));
+  EXPECT_EQ(ValueOf("http://h/?a=", "a"), ovrant_ustring(""));
+}
+
+TEST(UrlTest, TheFirstEqualsSignEndsTheName) {
+  EXPECT_EQ(ValueOf("http://h/?a=b=c", "a"), ovrant_ustring("b=c"));
+  EXPECT_EQ(ValueOf("http://h/?a==", "a"), ovrant_ustring("="));
+  EXPECT_EQ(ValueOf("http://h/?=b", ""), ovrant_ustring("b"));
+}
+
+TEST(UrlTest, NothingBetweenSeparatorsIsNoParameter) {
+  EXPECT_EQ(ValueOf("http://h/?", ""), std::nullopt);
+  EXPECT_EQ(ValueOf("http://h/?&&a=1&", ""), std::nullopt);
+  EXPECT_EQ(ValueOf("http://h/?&&a=1&", "a"), ovrant_ustring("1"));
+}
+
+TEST(UrlTest, DecodesTheValue) {
+  EXPECT_EQ(ValueOf("http://h/?a=1%202%2B3%26%3d%2523", "a"), ovrant_ustring("1 2+3&=%23"));
+  EXPECT_EQ(ValueOf("http://h/?a=x+y++z", "a"), ovrant_ustring("x y  z"));
+  EXPECT_EQ(ValueOf("http://h/?a=%C3%A9%e2%82%ac%F0%9F%98%80", "a"),
+            ovrant_ustring("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
+  EXPECT_EQ(ValueOf("http://h/?a=%00b", "a"), ovrant_ustring("\0b", 2));
+}
+
+TEST(UrlTest, DecodesEveryByteInEitherCase) {
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    const std::string bytes(1, static_cast<char>(byte));
+    char small[8];
+    char capital[8];
+    std::snprintf(small, sizeof(small), "?a=%%%02x", byte);
+    std::snprintf(capital, sizeof(capital), "?a=%%%02X", byte);
+    EXPECT_EQ(ValueOf(small, "a"), ovrant_ustring(bytes.data(), 1)) << small;
+    EXPECT_EQ(ValueOf(capital, "a"), ovrant_ustring(bytes.data(), 1)) << capital;
+  }
+}
+
+TEST(UrlTest, DecodesTextThatIsNotEncodedTogetherWithTextThatIs) {
+  EXPECT_EQ(ValueOf("http://h/?a=\xC3\xA9%C3%A9", "a"), ovrant_ustring("\xC3\xA9\xC3\xA9"));
+}
+
+TEST(UrlTest, APercentSignWithoutTwoDigitsStandsForItself) {
+  EXPECT_EQ(ValueOf("http://h/?a=%", "a"), ovrant_ustring("%"));
+  EXPECT_EQ(ValueOf("http://h/?a=%4", "a"), ovrant_ustring("%4"));
+  EXPECT_EQ(ValueOf("http://h/?a=%4&b=1", "a"), ovrant_ustring("%4"));
+  EXPECT_EQ(ValueOf("http://h/?a=%4g%g4%%41%", "a"), ovrant_ustring("%4g%g4%A%"));
+  EXPECT_EQ(ValueOf("http://h/?a=100%+x", "a"), ovrant_ustring("100% x"));
+}
+
+TEST(UrlTest, BytesThatAreNotUtf8BecomeReplacementCharacters) {
+  EXPECT_EQ(ValueOf("http://h/?a=%FFx%E2%82", "a"), ovrant_ustring("\xEF\xBF\xBDx\xEF\xBF\xBD"));
+}
+
+TEST(UrlTest, TakesTheNameAsItIsWritten) {
+  EXPECT_EQ(ValueOf("http://h/?%61=1", "a"), std::nullopt);
+  EXPECT_EQ(ValueOf("http://h/?%61=1", "%61"), ovrant_ustring("1"));
+  EXPECT_EQ(ValueOf("http://h/?a+b=1", "a b"), std::nullopt);
+  EXPECT_EQ(ValueOf("http://h/?\xC3\xA9=1", "\xC3\xA9"), ovrant_ustring("1"));
+}
+
+TEST(UrlTest, AcceptsAnyText) {
+  EXPECT_EQ(ValueOf("?a=1", "a"), ovrant_ustring("1"));
+  EXPECT_EQ(ValueOf("no url at all ?a=1", "a"), ovrant_ustring("1"));
+  EXPECT_EQ(ValueOf(TextOf(u"\xD800?a=\xDC00"), "a"), ovrant_ustring("\xEF\xBF\xBD"));
+  EXPECT_EQ(ValueOf(ovrant_ustring("h\0?a=\0", 6), "a"), ovrant_ustring("\0", 1));
+}
+
+TEST(UrlTest, MayBeAskedAgain) {
+  URL url("http://h/?a=1&b=2");
+  ovrant_ustring value;
+  EXPECT_TRUE(url.getValueForExtraInfoKey("b", value));
+  EXPECT_TRUE(url.getValueForExtraInfoKey("a", value));
+  EXPECT_FALSE(url.getValueForExtraInfoKey("c", value));
+  EXPECT_EQ(value, "1");
+}
+
+// The same rules once more, written another way: one pass over the bytes, keeping every parameter.
+using Parameters = std::vector<std::pair<std::string, std::string>>;
+
+std::string DecodeAgain(const std::string& raw) {
+  const std::string digits = "0123456789abcdef0123456789ABCDEF";
+  std::string bytes;
+  for (std::size_t i = 0; i < raw.size(); ++i) {
+    const bool has_two = raw[i] == '%' && i + 2 < raw.size() &&
+                         digits.find(raw[i + 1]) != std::string::npos &&
+                         digits.find(raw[i + 2]) != std::string::npos;
+    if (has_two) {
+      bytes += static_cast<char>(std::stoi(raw.substr(i + 1, 2), nullptr, 16));
+      i += 2;
+    } else if (raw[i] == '+') {
+      bytes += ' ';
+    } else {
+      bytes += raw[i];
+    }
+  }
+  return bytes;
+}
+
+Parameters ParametersOf(const std::string& url) {
+  enum { kBeforeQuery, kName, kValue } state = kBeforeQuery;
+  Parameters parameters;
+  std::string name;
+  std::string value;
+  const auto finish = [&] {
+    if (state == kValue || !name.empty()) parameters.emplace_back(name, DecodeAgain(value));
+    name.clear();
+    value.clear();
+    state = kName;
+  };
+  for (const char byte : url) {
+    if (byte == '#') break;
+    if (state == kBeforeQuery) {
+      if (byte == '?') state = kName;
+    } else if (byte == '&') {
+      finish();
+    } else if (state == kName && byte == '=') {
+      state = kValue;
+    } else {
+      (state == kName ? name : value) += byte;
+    }
+  }
+  if (state != kBeforeQuery) finish();
+  return parameters;
+}
+
+// Asks for every parameter that there is, and for some that there are not. Returns how many it
+// found.
+std::size_t CheckUrl(const std::string& url) {
+  const ovrant_ustring text(url.data(), url.size());
+  std::map<std::string, std::string> first;
+  for (const auto& [name, value] : ParametersOf(url)) first.emplace(name, value);
+  for (const auto& [name, value] : first) {
+    EXPECT_EQ(ValueOf(text, ovrant_ustring(name.data(), name.size())),
+              ovrant_ustring(value.data(), value.size()))
+        << "parameter " << name << " of " << url;
+  }
+  for (const std::string& name : {std::string(), std::string("rtyp"), std::string("?"), url}) {
+    if (first.count(name) == 0) {
+      EXPECT_EQ(ValueOf(text, ovrant_ustring(name.data(), name.size())), std::nullopt)
+          << "parameter " << name << " of " << url;
+    }
+  }
+  return first.size();
+}
+
+nlohmann::json ReadJson(const std::filesystem::path& file) {
+  return nlohmann::json::parse(ReadFile(file));
+}
+
+TEST(UrlCorpusTest, AnswersEveryUrlByTheRules) {
+  SKIP_WITHOUT_CORPUS(folder, "url-whatwg");
+  std::size_t urls = 0;
+  std::size_t found = 0;
+  for (const nlohmann::json& test : ReadJson(folder / "urltestdata.json")) {
+    if (!test.is_object()) continue;  // a comment
+    ++urls;
+    found += CheckUrl(test.at("input").get<std::string>());
+  }
+  EXPECT_EQ(urls, 891u);
+  EXPECT_GT(found, 30u);
+}
+
+TEST(UrlCorpusTest, AnswersEveryQueryByTheRules) {
+  SKIP_WITHOUT_CORPUS(folder, "url-whatwg");
+  std::size_t queries = 0;
+  std::size_t found = 0;
+  for (const nlohmann::json& test : ReadJson(folder / "urlencoded-parser-data.json")) {
+    ++queries;
+    found += CheckUrl("http://h/?" + test.at("input").get<std::string>());
+  }
+  EXPECT_EQ(queries, 35u);
+  EXPECT_GT(found, 35u);
+}
+
+// The standard decodes names too. A first name that needs no decoding has the value that it gives.
+TEST(UrlCorpusTest, DecodesValuesAsTheStandardDoes) {
+  SKIP_WITHOUT_CORPUS(folder, "url-whatwg");
+  int compared = 0;
+  for (const nlohmann::json& test : ReadJson(folder / "urlencoded-parser-data.json")) {
+    const auto input = test.at("input").get<std::string>();
+    const auto output = test.at("output").get<Parameters>();
+    if (output.empty() || input.rfind(output[0].first + "=", 0) != 0) continue;
+    const auto found = ValueOf(("http://h/?" + input).c_str(), output[0].first.c_str());
+    ASSERT_TRUE(found) << input;
+    EXPECT_EQ(found->utf8(), output[0].second) << input;
+    ++compared;
+  }
+  EXPECT_GT(compared, 10);
+}
+
+TEST(UrlCorpusTest, TakesEveryOtherTextOfTheCorpus) {
+  SKIP_WITHOUT_CORPUS(folder, "url-whatwg");
+  int urls = 0;
+  const nlohmann::json setters = ReadJson(folder / "setters_tests.json");
+  for (const auto& [attribute, tests] : setters.items()) {
+    if (attribute == "comment") continue;
+    for (const nlohmann::json& test : tests) {
+      CheckUrl(test.at("href").get<std::string>());
+      CheckUrl("http://h/?" + test.at("new_value").get<std::string>());
+      ++urls;
+    }
+  }
+  for (const char* file : {"toascii.json", "percent-encoding.json"}) {
+    for (const nlohmann::json& test : ReadJson(folder / file)) {
+      if (!test.is_object()) continue;
+      CheckUrl("http://h/?x=" + test.at("input").get<std::string>());
+      ++urls;
+    }
+  }
+  EXPECT_GT(urls, 300);
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,139 @@
+// What the thread of the background transfers takes from the system, and what it gives back.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#if defined(__GLIBC__)
+#include <pthread.h>
+#endif
+
+#include <chrono>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "common_stowraapi/platform/http/body_memory.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/failing_malloc.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::BodyBytes;
+using ovrant::internet::BodyMemory;
+using std::chrono::steady_clock;
+
+class WorkerResourcesTest : public TransportTest {
+ protected:
+  // The tests of what is refused are for a process that has no worker yet.
+  WorkerResourcesTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  const RawServer server_{Always(Response(200, std::string(100'000, 'x')))};
+};
+
+// Whether a body's memory is kept for another: a smaller one would get it.
+bool KeepsBodyMemory() {
+  constexpr std::size_t kSmaller = 60'000;
+  const BodyBytes piece(BodyMemory::Allocate(kSmaller));
+  return BodyMemory::CapacityOf(piece.get()) > kSmaller;
+}
+
+TEST_F(WorkerResourcesTest, MemoryIsGivenBackWhenNoTransferFollows) {
+  {
+    Background background(server_.Url());
+    ASSERT_TRUE(background.Start());
+    ASSERT_EQ(background.WaitForEnd(), kReturned);
+  }
+  EXPECT_TRUE(KeepsBodyMemory());
+  // Nothing tells of it.
+  const auto begin = steady_clock::now();
+  while (KeepsBodyMemory() && steady_clock::now() - begin < kPatience) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_FALSE(KeepsBodyMemory());
+}
+
+// Ends the process: with 0 when a transfer fails at once while `refuse` holds, and one succeeds
+// after `allow`.
+template <typename Refuse, typename Allow>
+void StartRefusedThenAllowed(const std::string& url, const Refuse& refuse, const Allow& allow) {
+  Background refused(url);
+  refuse();
+  const bool started = refused.Start();
+  const std::size_t ends = refused.recorder.entries().size();
+  allow();
+  if (!started || ends != 1 || refused.WaitForEnd() != kFailed) std::exit(1);
+  Background allowed(url);
+  if (!allowed.Start()) std::exit(2);
+  std::exit(allowed.WaitForEnd() == kReturned ? 0 : 3);
+}
+
+// UndefinedBehaviorSanitizer looks at an object through a pipe, for which it needs descriptors;
+// ThreadSanitizer reports the threads of the server, which the process leaves behind.
+#if !defined(STOWRA_UNDER_ADDRESS_SANITIZER) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
+
+// Leaves what is open as it is.
+void SetDescriptorLimit(rlim_t limit) {
+  rlimit now = {};
+  getrlimit(RLIMIT_NOFILE, &now);
+  now.rlim_cur = limit;
+  setrlimit(RLIMIT_NOFILE, &now);
+}
+
+rlim_t DescriptorsInUse() {
+  const int next = dup(STDERR_FILENO);
+  close(next);
+  return static_cast<rlim_t>(next);
+}
+
+TEST_F(WorkerResourcesTest, WithoutDescriptorsATransferFailsAtOnce) {
+  rlimit usual = {};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  EXPECT_EXIT(StartRefusedThenAllowed(
+                  server_.Url(), [] { SetDescriptorLimit(DescriptorsInUse()); },
+                  [&] { SetDescriptorLimit(usual.rlim_cur); }),
+              testing::ExitedWithCode(0), "");
+}
+
+// Nothing of what it throws comes out of the start.
+void StartRefusedWithAThrowingObserver(const std::string& url) {
+  Background refused(url, [] { throw std::runtime_error("thrown by an observer"); });
+  rlimit usual = {};
+  getrlimit(RLIMIT_NOFILE, &usual);
+  SetDescriptorLimit(DescriptorsInUse());
+  const bool started = refused.Start();
+  SetDescriptorLimit(usual.rlim_cur);
+  std::exit(started ? 0 : 1);
+}
+
+TEST_F(WorkerResourcesTest, ObserverOfAFailureAtOnceMayThrow) {
+  EXPECT_EXIT(StartRefusedWithAThrowingObserver(server_.Url()), testing::ExitedWithCode(0), "");
+}
+
+#endif
+
+#if defined(__GLIBC__) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
+
+// For the threads to come.
+void SetStackSize(std::size_t bytes) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, bytes);
+  pthread_setattr_default_np(&attributes);
+  pthread_attr_destroy(&attributes);
+}
+
+TEST_F(WorkerResourcesTest, WithoutAThreadATransferFailsAtOnce) {
+  EXPECT_EXIT(StartRefusedThenAllowed(
+                  server_.Url(), [] { SetStackSize(std::size_t{1} << 50); },
+                  [] { SetStackSize(std::size_t{1} << 23); }),
+              testing::ExitedWithCode(0), "");
+}
+
+#endif
+
+}  // namespace
+}  // namespace stowra_test

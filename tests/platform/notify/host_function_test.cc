@@ -1,0 +1,137 @@
+#include "common_stowraapi/platform/notify/host_function.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "common_stowraapi/platform/notify/delivery_scope.h"
+#include "tests/support/event.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::DeliveryScope;
+using ovrant::internet::HostFunction;
+
+TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyOne) {
+  HostFunction<int> place;
+  EXPECT_EQ(place.Current(), nullptr);
+  place.Replace([](int) {});
+  EXPECT_NE(place.Current(), nullptr);
+  place.Replace(nullptr);
+  EXPECT_EQ(place.Current(), nullptr);
+}
+
+TEST(HostFunction, CallsWithTheArgumentsInsideADelivery) {
+  HostFunction<int, std::string> place;
+  std::string seen;
+  bool inside = false;
+  place.Replace([&](int number, const std::string& text) {
+    seen = std::to_string(number) + text;
+    inside = DeliveryScope::IsInside();
+  });
+  EXPECT_TRUE(place.Current()->Call(1, "a"));
+  EXPECT_EQ(seen, "1a");
+  EXPECT_TRUE(inside);
+  EXPECT_FALSE(DeliveryScope::IsInside());
+}
+
+TEST(HostFunction, ReplacedOneIsDestroyedAtOnceThoughATransferKnowsIt) {
+  HostFunction<> place;
+  const auto held = std::make_shared<int>(0);
+  place.Replace([held] { ++*held; });
+  const auto known = place.Current();
+  EXPECT_EQ(held.use_count(), 2);
+  place.Replace(nullptr);
+  EXPECT_EQ(held.use_count(), 1);
+  EXPECT_FALSE(known->Call());
+}
+
+TEST(HostFunction, ReplacedOneInsideItsOwnCallLivesToItsEnd) {
+  HostFunction<> place;
+  const auto held = std::make_shared<int>(0);
+  place.Replace([&place, held] {
+    place.Replace(nullptr);
+    ++*held;
+  });
+  EXPECT_TRUE(place.Current()->Call());
+  EXPECT_EQ(*held, 1);
+  EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(HostFunction, ReplacedOneIsNotCalledAndLeavesTheArguments) {
+  HostFunction<std::string> place;
+  int calls = 0;
+  place.Replace([&calls](const std::string&) { ++calls; });
+  const auto old = place.Current();
+  place.Replace(nullptr);
+  std::string argument = "kept, and too long to be stored inside the string itself";
+  EXPECT_FALSE(old->Call(std::move(argument)));
+  EXPECT_EQ(argument, "kept, and too long to be stored inside the string itself");
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(HostFunction, KeepsWhatItThrowsToItself) {
+  HostFunction<> place;
+  place.Replace([] { throw std::runtime_error("from the host"); });
+  const auto current = place.Current();
+  EXPECT_TRUE(current->Call());
+  EXPECT_FALSE(DeliveryScope::IsInside());
+  // It has left: replacing it does not wait.
+  place.Replace(nullptr);
+}
+
+TEST(HostFunction, MayReplaceItself) {
+  HostFunction<> place;
+  int calls = 0;
+  place.Replace([&] {
+    ++calls;
+    place.Replace(nullptr);
+  });
+  EXPECT_TRUE(place.Current()->Call());
+  EXPECT_EQ(place.Current(), nullptr);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(HostFunction, ReplaceWaitsForACallOnAnotherThread) {
+  HostFunction<> place;
+  Event entered;
+  Event replaced;
+  std::atomic<bool> returned_too_early{false};
+  place.Replace([&] {
+    entered.Set();
+    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
+  });
+  std::thread caller([&place] { place.Current()->Call(); });
+  EXPECT_TRUE(entered.Wait());
+  place.Replace(nullptr);
+  replaced.Set();
+  caller.join();
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST(HostFunction, ReplaceInsideADeliveryDoesNotWait) {
+  HostFunction<> place;
+  Event entered;
+  Event replaced;
+  place.Replace([&] {
+    entered.Set();
+    EXPECT_TRUE(replaced.Wait());
+  });
+  std::thread caller([&place] { place.Current()->Call(); });
+  EXPECT_TRUE(entered.Wait());
+  {
+    const DeliveryScope scope;
+    place.Replace(nullptr);
+  }
+  replaced.Set();
+  caller.join();
+}
+
+}  // namespace
+}  // namespace stowra_test

@@ -1,0 +1,334 @@
+// Format: the conversions against the C library's own, then what it promises beyond that.
+
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common_stowraapi/platform/ustring.h"
+#include "tests/platform/text/comma_locale.h"
+#include "tests/platform/text/units.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::utils::ovrant_ustring;
+
+template <typename... Args>
+ovrant_ustring Formatted(const ovrant_ustring& format, const Args&... args) {
+  ovrant_ustring text("what was there before");
+  text.Format(format, args...);
+  return text;
+}
+
+// What the C library writes. Its arguments are of the types that the format names.
+template <typename... Args>
+std::string Printed(const std::string& format, Args... args) {
+  char text[1000];
+  std::snprintf(text, sizeof(text), format.c_str(), args...);
+  return text;
+}
+
+// Every mixture of flags, width and precision before `conversion`.
+std::vector<std::string> FormatsOf(const std::string& conversion) {
+  std::vector<std::string> formats;
+  for (unsigned flags = 0; flags < 32; ++flags) {
+    std::string start = "<%";
+    for (unsigned bit = 0; bit < 5; ++bit) {
+      if ((flags >> bit & 1) != 0) start += "-+ #0"[bit];
+    }
+    for (const char* width : {"", "1", "9", "25"}) {
+      for (const char* precision : {"", ".", ".0", ".1", ".4", ".12"}) {
+        formats.push_back(start + width + precision + conversion + ">");
+      }
+    }
+  }
+  return formats;
+}
+
+template <typename Value>
+void ExpectAsPrinted(const std::string& conversion, const std::vector<Value>& values) {
+  for (const std::string& format : FormatsOf(conversion)) {
+    for (const Value value : values) {
+      ASSERT_EQ(Formatted(format.c_str(), value).utf8(), Printed(format, value)) << format;
+    }
+  }
+}
+
+TEST(UStringFormatTest, WritesIntegersAsPrintfDoes) {
+  const std::vector<int> values{0, 1, -1, 9, 42, -300, 65536, INT_MAX, INT_MIN};
+  for (const char* conversion : {"d", "i"}) ExpectAsPrinted(conversion, values);
+  const std::vector<unsigned> naturals{0, 1, 8, 42, 65535, UINT_MAX};
+  for (const char* conversion : {"u", "o", "x", "X"}) ExpectAsPrinted(conversion, naturals);
+}
+
+TEST(UStringFormatTest, WritesIntegersOfEveryLengthAsPrintfDoes) {
+  const std::vector<long> longs{0, -1, LONG_MAX, LONG_MIN};
+  const std::vector<long long> long_longs{0, -1, LLONG_MAX, LLONG_MIN};
+  ExpectAsPrinted<long>("ld", longs);
+  ExpectAsPrinted<long long>("lld", long_longs);
+  ExpectAsPrinted<std::intmax_t>("jd", {0, -1, INTMAX_MAX});
+  ExpectAsPrinted<std::size_t>("zu", {0, 1, SIZE_MAX});
+  ExpectAsPrinted<std::ptrdiff_t>("td", {0, -1, PTRDIFF_MIN});
+  ExpectAsPrinted<unsigned long long>("llx", {0, 255, ULLONG_MAX});
+  for (const char* conversion : {"hhd", "hd", "hhu", "hu", "hhx", "ho"}) {
+    ExpectAsPrinted<int>(conversion, {0, 1, -1, 127, 128, 200, 255, 300, 40000, 70000, INT_MIN});
+  }
+}
+
+TEST(UStringFormatTest, WritesFloatsAsPrintfDoes) {
+  const std::vector<double> values{0.0,  -0.0, 1.0,   -1.5,    0.1,     2.5,   1234567.891,
+                                   1e-5, 1e20, 1e100, 123e-20, DBL_MIN, 99.995};
+  for (const char* conversion : {"f", "F", "e", "E", "g", "G", "a", "A", "lf", "Lg"}) {
+    const std::vector<std::string> formats = FormatsOf(conversion);
+    // The C library reads another type for "L".
+    const std::vector<std::string> plain = FormatsOf(conversion + std::strlen(conversion) - 1);
+    for (std::size_t i = 0; i < formats.size(); ++i) {
+      for (const double value : values) {
+        ASSERT_EQ(Formatted(formats[i].c_str(), value).utf8(), Printed(plain[i], value))
+            << formats[i];
+      }
+    }
+  }
+}
+
+TEST(UStringFormatTest, WritesWhatIsNotFiniteAsPrintfDoes) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const char* conversion : {"f", "F", "e", "G", "a", "A"}) {
+    ExpectAsPrinted<double>(conversion, {infinity, -infinity});
+  }
+  EXPECT_EQ(Formatted("%f %F", std::nan(""), std::nan("")), "nan NAN");
+}
+
+TEST(UStringFormatTest, WritesTextAsPrintfDoes) {
+  for (const char* format : {"<%s>", "<%5s>", "<%-5s>", "<%.2s>", "<%6.1s>", "<%.0s>", "<%.9s>"}) {
+    for (const char* value : {"", "a", "abcdefgh"}) {
+      ASSERT_EQ(Formatted(format, value).utf8(), Printed(format, value)) << format;
+    }
+  }
+  EXPECT_EQ(Formatted("%c%c", 'a', 'b'), "ab");
+  EXPECT_EQ(Formatted("<%3c><%-3c>", 'a', 'b'), "<  a><b  >");
+}
+
+TEST(UStringFormatTest, CopiesWhatIsNoConversion) {
+  EXPECT_EQ(Formatted(""), "");
+  EXPECT_EQ(Formatted("plain"), "plain");
+  EXPECT_EQ(Formatted("100%%"), "100%");
+  EXPECT_EQ(Formatted("%5%"), "%");
+  const std::u16string units(u"\u20AC\0%d\xD800", 5);
+  const std::u16string expected(
+      u"\u20AC\0"
+      u"7\xD800",
+      4);
+  EXPECT_EQ(UnitsOf(Formatted(TextOf(units), 7)), expected);
+}
+
+TEST(UStringFormatTest, WritesTheDigitsOfABoundary) {
+  ovrant_ustring text;
+  for (const int digit : {0, 3, 9}) {
+    ovrant_ustring one;
+    one.Format("%i", digit);
+    text += one;
+  }
+  EXPECT_EQ(text, "039");
+}
+
+TEST(UStringFormatTest, TakesEveryKindOfText) {
+  const ovrant_ustring string("\xC3\xA9");
+  const wchar_t* wide = L"\u20AC\U0001F600";
+  EXPECT_EQ(UnitsOf(Formatted("%s|%s|%s", "a\xC3\xA9", wide, string)),
+            u"a\u00E9|\u20AC\U0001F600|\u00E9");
+  EXPECT_EQ(UnitsOf(Formatted("%ls|%hs", wide, "a")), u"\u20AC\U0001F600|a");
+  EXPECT_EQ(UnitsOf(Formatted("%s|%s|%.9s", "\xFF", "a\xE2\x82", "a\xE2\x82")),
+            u"\uFFFD|a\uFFFD|a\uFFFD");
+  const ovrant_ustring nul("a\0b", 3);
+  EXPECT_EQ(Formatted("<%s>", nul).length(), 5u);
+}
+
+TEST(UStringFormatTest, KeepsLoneSurrogatesOfAString) {
+  EXPECT_EQ(UnitsOf(Formatted("%s", TextOf(u"\xD800"))), u"\xD800");
+}
+
+TEST(UStringFormatTest, ANullTextIsEmpty) {
+  const char* utf8 = nullptr;
+  const wchar_t* wide = nullptr;
+  EXPECT_EQ(Formatted("<%s%s%3s>", utf8, wide, utf8), "<   >");
+}
+
+TEST(UStringFormatTest, CountsWidthInCodeUnits) {
+  EXPECT_EQ(UnitsOf(Formatted("%3s|%-3s|%3s", "\xC3\xA9", L"\u20AC", "\xF0\x9F\x98\x80")),
+            u"  \u00E9|\u20AC  | \U0001F600");
+}
+
+TEST(UStringFormatTest, APrecisionNeverCutsACharacter) {
+  EXPECT_EQ(UnitsOf(Formatted("%.1s|%.2s|%.3s", "\xC3\xA9z", "\xC3\xA9z", "\xC3\xA9z")),
+            u"|\u00E9|\u00E9z");
+  EXPECT_EQ(UnitsOf(Formatted("%.3s|%.4s", "\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80")),
+            u"|\U0001F600");
+  const ovrant_ustring string(
+      "a\xF0\x9F\x98\x80"
+      "b");
+  EXPECT_EQ(UnitsOf(Formatted("%.2s|%.3s|%.9s", string, string, string)),
+            u"a|a\U0001F600|a\U0001F600"
+            u"b");
+  EXPECT_EQ(UnitsOf(Formatted("%.1s", L"\U0001F600x")), u"\U0001F600");
+}
+
+// The buffers have no terminator and no byte behind them.
+TEST(UStringFormatTest, ReadsNoMoreThanThePrecision) {
+  const std::unique_ptr<char[]> utf8(new char[3]{'a', 'b', '\xC3'});
+  EXPECT_EQ(Formatted("%.3s|%.*s", static_cast<const char*>(utf8.get()), 2,
+                      static_cast<const char*>(utf8.get())),
+            "ab|ab");
+  const std::unique_ptr<wchar_t[]> wide(new wchar_t[2]{L'x', L'y'});
+  EXPECT_EQ(Formatted("%.2s", static_cast<const wchar_t*>(wide.get())), "xy");
+}
+
+TEST(UStringFormatTest, APrecisionOfTextHasNoBound) {
+  const std::string text(10000, 'x');
+  EXPECT_EQ(Formatted("%.9999s", text.c_str()).length(), 9999u);
+}
+
+TEST(UStringFormatTest, TakesWidthAndPrecisionFromArguments) {
+  EXPECT_EQ(Formatted("<%*d>", 5, 42), "<   42>");
+  EXPECT_EQ(Formatted("<%*d>", -5, 42), "<42   >");
+  EXPECT_EQ(Formatted("<%.*f>", 2, 1.234), "<1.23>");
+  EXPECT_EQ(Formatted("<%.*f>", -1, 1.5), "<1.500000>");
+  EXPECT_EQ(Formatted("<%*.*s>", 4, 2, "abc"), "<  ab>");
+  EXPECT_EQ(Formatted("<%*d>", std::size_t{4}, 42), "<  42>");
+  EXPECT_EQ(Formatted("<%-*c>", short{3}, 'x'), "<x  >");
+}
+
+TEST(UStringFormatTest, ConvertsBetweenIntegersAndFloats) {
+  EXPECT_EQ(Formatted("%.1f %g %e", 3, 4u, -5L), "3.0 4 -5.000000e+00");
+  EXPECT_EQ(Formatted("%d %i %u %x", 3.99, -3.99, 42.0, 255.5f), "3 -3 42 ff");
+  EXPECT_EQ(Formatted("%.0f", ULLONG_MAX), "18446744073709551616");
+  EXPECT_EQ(Formatted("%d", true), "1");
+}
+
+TEST(UStringFormatTest, FloatsOutsideTheIntegersGiveTheNearest) {
+  EXPECT_EQ(Formatted("%d %d", 1e300, -1e300), "18446744073709551615 -9223372036854775808");
+  const double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(Formatted("%d %d", infinity, -infinity), "18446744073709551615 -9223372036854775808");
+  EXPECT_EQ(Formatted("%d", std::nan("")), "0");
+}
+
+TEST(UStringFormatTest, TheArgumentsOwnTypeDecides) {
+  EXPECT_EQ(Formatted("%d %i", 5000000000LL, ULLONG_MAX), "5000000000 18446744073709551615");
+  EXPECT_EQ(Formatted("%d", 3000000000u), "3000000000");
+  EXPECT_EQ(Formatted("%i", static_cast<int>(3000000000u)), "-1294967296");
+  EXPECT_EQ(Formatted("%ld %lld", 1, short{-2}), "1 -2");
+}
+
+TEST(UStringFormatTest, ANegativeNumberInAConversionWithoutSignShowsItsOwnBytes) {
+  EXPECT_EQ(Formatted("%x", -1), "ffffffff");
+  EXPECT_EQ(Formatted("%x", -1LL), "ffffffffffffffff");
+  EXPECT_EQ(Formatted("%u", short{-1}), "65535");
+  EXPECT_EQ(Formatted("%X", static_cast<signed char>(-2)), "FE");
+  EXPECT_EQ(Formatted("%hhx", -2), "fe");
+}
+
+TEST(UStringFormatTest, WritesCharactersByCodeUnitOrCodePoint) {
+  EXPECT_EQ(UnitsOf(Formatted("%c%c%c", 0xE9, 0x20AC, 0x1F600)), u"\u00E9\u20AC\U0001F600");
+  EXPECT_EQ(UnitsOf(Formatted("%c%lc", u'\u20AC', L'\u20AC')), u"\u20AC\u20AC");
+  EXPECT_EQ(UnitsOf(Formatted("%c%c", char16_t{0xD83D}, char16_t{0xDE00})), u"\U0001F600");
+  EXPECT_EQ(UnitsOf(Formatted("%c", 0)), std::u16string(1, u'\0'));
+  EXPECT_EQ(UnitsOf(Formatted("%c%c%c", -1, 0x110000, ULLONG_MAX)), u"\uFFFD\uFFFD\uFFFD");
+  EXPECT_EQ(UnitsOf(Formatted("%c%c", '\xE9', static_cast<unsigned char>(0xE9))), u"\uFFFD\uFFFD");
+}
+
+TEST(UStringFormatTest, WritesPointers) {
+  int object = 0;
+  const void* pointer = &object;
+  const std::string hex =
+      Printed("%llx", static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(pointer)));
+  EXPECT_EQ(Formatted("%p", pointer).utf8(), "0x" + hex);
+  EXPECT_EQ(Formatted("%p", &object).utf8(), "0x" + hex);
+  EXPECT_EQ(Formatted("<%5p><%-5p>", static_cast<void*>(nullptr), static_cast<char*>(nullptr)),
+            "<  0x0><0x0  >");
+}
+
+TEST(UStringFormatTest, WritesNothingForN) {
+  int count = 1234;
+  EXPECT_EQ(Formatted("ab%ncd%d", &count, 5), "abcd5");
+  EXPECT_EQ(count, 1234);
+}
+
+TEST(UStringFormatTest, LeavesTheTextOfAConversionWithoutArgument) {
+  EXPECT_EQ(Formatted("%d %-5.2f %s"), "%d %-5.2f %s");
+  EXPECT_EQ(Formatted("%d %d", 1), "1 %d");
+  EXPECT_EQ(Formatted("%*d", 5), "%*d");
+  EXPECT_EQ(Formatted("%*.*s"), "%*.*s");
+  EXPECT_EQ(Formatted("100% done"), "100% done");
+}
+
+TEST(UStringFormatTest, LeavesTheTextOfAConversionThatDoesNotFit) {
+  const ovrant_ustring string("x");
+  const void* pointer = &string;
+  EXPECT_EQ(Formatted("%d|%f|%c|%p", "x", L"x", string, string), "%d|%f|%c|%p");
+  EXPECT_EQ(Formatted("%s|%5s|%s", 1, 2.5, pointer), "%s|%5s|%s");
+  EXPECT_EQ(Formatted("%c|%p|%p", 1.5, 1, 2.5), "%c|%p|%p");
+  EXPECT_EQ(Formatted("%d|%f", pointer, pointer), "%d|%f");
+}
+
+TEST(UStringFormatTest, AConversionThatDoesNotFitTakesItsArgumentsAllTheSame) {
+  EXPECT_EQ(Formatted("%s %d", 1, 2), "%s 2");
+  EXPECT_EQ(Formatted("%*d %d", "x", 1, 2), "%*d 2");
+  EXPECT_EQ(Formatted("%*d %d", 1.5, 1, 2), "%*d 2");
+}
+
+TEST(UStringFormatTest, LeavesWhatIsNoConversionOfIts) {
+  EXPECT_EQ(Formatted("%y %d", 1), "%y 1");
+  EXPECT_EQ(Formatted("%1$d", 1), "%1$d");
+  EXPECT_EQ(Formatted("%'d", 1), "%'d");
+  EXPECT_EQ(Formatted("%m%S%D", 1), "%m%S%D");
+  EXPECT_EQ(Formatted("%"), "%");
+  EXPECT_EQ(Formatted("a%-08.3l", 1), "a%-08.3l");
+  EXPECT_EQ(UnitsOf(Formatted(TextOf(u"%\u20AC%d"), 1)),
+            u"%\u20AC"
+            u"1");
+}
+
+TEST(UStringFormatTest, IgnoresArgumentsThatAreLeft) {
+  EXPECT_EQ(Formatted("%d", 1, "x", 2.5), "1");
+}
+
+TEST(UStringFormatTest, BoundsWidthAndPrecision) {
+  EXPECT_EQ(Formatted("%4096d", 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%4097d", 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%999999999999999999999d", 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%-2147483648s|", "x").length(), 4097u);
+  EXPECT_EQ(Formatted("%*d", INT_MIN, 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%*d", LLONG_MAX, 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%*d", LLONG_MIN, 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%.99999999d", 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%.99999999f", 1.5).length(), 4098u);
+  EXPECT_EQ(Formatted("%.99999999f", DBL_MAX).length(), 309u + 1 + 4096);
+  EXPECT_EQ(Formatted("%.99999999a", 1.0).length(), 4u + 4096 + 3);
+  EXPECT_EQ(Formatted("%.*f", LLONG_MIN, 1.5), "1.500000");
+}
+
+TEST(UStringFormatTest, TakesItselfAsFormatAndAsArgument) {
+  ovrant_ustring text("<%s>");
+  text.Format(text, text);
+  EXPECT_EQ(text, "<<%s>>");
+}
+
+TEST(UStringFormatTest, IsIndependentOfTheLocale) {
+  const CommaLocale locale;
+  EXPECT_EQ(Formatted("%.2f %g %#.0f %e", 1.5, 2.5, 3.0, 4.25), "1.50 2.5 3. 4.250000e+00");
+  EXPECT_EQ(Formatted("<%7.2f>", 1.5), "<   1.50>");
+  EXPECT_EQ(Formatted("%a", 1.5), "0x1.8p+0");
+  EXPECT_EQ(Formatted("%d", 1234567), "1234567");
+}
+
+}  // namespace
+}  // namespace stowra_test
