@@ -15,6 +15,7 @@
 namespace stowra_test {
 namespace {
 
+using ovrant::internet::Announcement;
 using ovrant::internet::BackgroundTransfer;
 using ovrant::internet::BackgroundWorker;
 using ovrant::internet::DeliveryGate;
@@ -44,9 +45,9 @@ TEST_F(AbandonedWaitingTest, AreFreedThoughTheirTurnDoesNotCome) {
   ASSERT_TRUE(server.WaitForRequests(BackgroundWorker::kMaxActive));
 
   Event freed;
-  const auto delegate = MakeDelegate();
   auto transfer = std::make_shared<BackgroundTransfer>(
-      HttpRequest(), nullptr, *delegate, std::make_shared<DeliveryGate>(),
+      HttpRequest(), nullptr,
+      Announcement{nullptr, "returned", "failed", std::make_shared<DeliveryGate>()},
       [farewell = std::make_shared<Farewell>(freed)](const HttpReply&) {});
   BackgroundTransfer& waiting = *transfer;
   ASSERT_TRUE(BackgroundWorker::Submit(std::move(transfer)));
