@@ -49,7 +49,10 @@ public=$(sed -n 's/^#include "\(.*\)"$/\1/p' $library/$library.h; echo $library/
 failed=0
 complain() { printf '%s: %s\n' "$1" "$2"; failed=1; }
 
-is_public() { grep -qxF "$1" <<<"$public"; }
+# has_line TEXT LINE
+has_line() { [[ $'\n'$1$'\n' == *$'\n'"$2"$'\n'* ]]; }
+
+is_public() { has_line "$public" "$1"; }
 
 includes_of() { sed -nE 's/^[[:space:]]*#[[:space:]]*include[[:space:]]*([<"][^>"]+[>"]).*/\1/p' "$1"; }
 
@@ -109,7 +112,7 @@ circles=$(
       included=${include//\"/}
       included=${included%.*}
       [ "$unit" = "$included" ] && continue
-      grep -qxF -e "$included $unit" <<<"$facades" && continue
+      has_line "$facades" "$included $unit" && continue
       echo "$unit $included"
     done < <(includes_of "$file")
   done < <(files_in $library) | tsort 2>&1 >/dev/null | sed 's/^tsort: //'
