@@ -1,11 +1,11 @@
-// Threads of a test that are none of the library's.
+// Marks threads that belong to the test and not to the library.
 
 #ifndef TESTS_SUPPORT_BYSTANDER_H_
 #define TESTS_SUPPORT_BYSTANDER_H_
 
 namespace stowra_test {
 
-// Set by such a thread: what it allocates neither counts nor fails (failing_malloc.h).
+// Such a thread sets this. Its allocations then neither count nor fail (failing_malloc.h).
 inline thread_local bool is_bystander = false;
 
 }  // namespace stowra_test

@@ -27,7 +27,7 @@ void AddExtension(X509& certificate, X509& issuer, int nid, const std::string& t
   X509_EXTENSION_free(extension);
 }
 
-// Unsigned, with a new key, valid from `begin` to `end` seconds from now.
+// Has a new key and is valid from `begin` to `end` (seconds from now).
 Certificate MakeUnsigned(const std::string& common_name, long begin, long end) {
   Certificate made;
   made.key.reset(EVP_EC_gen("P-256"));

@@ -1,4 +1,4 @@
-// Certificates for TLS servers on this machine, made afresh by each test program.
+// Certificates for TLS servers on this machine. Each test program makes new ones.
 
 #ifndef TESTS_SUPPORT_CERTIFICATES_H_
 #define TESTS_SUPPORT_CERTIFICATES_H_
@@ -24,15 +24,15 @@ struct Certificate {
   std::unique_ptr<EVP_PKEY, OpensslDeleter> key;
 };
 
-// A certificate authority of its own.
+// A certificate authority with a self-signed certificate, valid until tomorrow.
 class CertificateAuthority {
  public:
   explicit CertificateAuthority(const std::string& name);
 
-  // Valid from an hour ago to tomorrow, for the names of the extension text "DNS:name,IP:address".
+  // Valid from an hour ago until tomorrow. `names` has the form "DNS:name,IP:address".
   Certificate Issue(const std::string& names) const;
 
-  // The same, but it ended yesterday.
+  // The same, but it expired yesterday.
   Certificate IssueExpired(const std::string& names) const;
 
   // Writes the authority's own certificate as PEM.

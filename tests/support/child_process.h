@@ -1,4 +1,4 @@
-// Programs that a test runs as processes of their own.
+// Runs programs as child processes of a test.
 
 #ifndef TESTS_SUPPORT_CHILD_PROCESS_H_
 #define TESTS_SUPPORT_CHILD_PROCESS_H_
@@ -13,7 +13,7 @@
 
 namespace stowra_test {
 
-// A file descriptor that is closed with its owner, and that child processes do not inherit.
+// Owns a file descriptor and closes it. Child processes do not inherit it.
 class OwnedDescriptor {
  public:
   explicit OwnedDescriptor(int number = -1);
@@ -27,7 +27,7 @@ class OwnedDescriptor {
   int number() const { return number_; }
   void Close();
 
-  // All of `bytes`, or exactly `count` of them; false when the other end has gone.
+  // Write all of `bytes`, or read exactly `count`. False on an error or if the other end closes.
   bool WriteAll(std::string_view bytes) const;
   bool ReadExactly(std::size_t count, std::string& bytes) const;
 
@@ -42,17 +42,17 @@ struct OwnedPipe {
   OwnedDescriptor write_end;
 };
 
-// Ended with SIGKILL if it still runs at destruction.
+// Kills the child with SIGKILL if it still runs at destruction.
 class ChildProcess {
  public:
   struct Start {
     std::string program;                           // a path
     std::vector<std::string> arguments;            // without the program's name
-    std::vector<std::string> environment;          // "NAME=value", beside the test's own
-    std::vector<std::pair<int, int>> descriptors;  // (the test's, the child's)
+    std::vector<std::string> environment;          // "NAME=value", added to the test's own
+    std::vector<std::pair<int, int>> descriptors;  // (number here, number in the child)
   };
 
-  // Fails the current test when the program cannot be run.
+  // Fails the current test if the program cannot run.
   explicit ChildProcess(const Start& start);
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
@@ -60,7 +60,7 @@ class ChildProcess {
 
   void Signal(int number) const;
 
-  // Waits for its end. The exit status, or minus the signal that ended it.
+  // Waits for the end. Returns the exit status, or minus the signal that ended the child.
   int Wait();
 
  private:

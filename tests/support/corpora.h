@@ -1,4 +1,4 @@
-// Where the test corpora are.
+// Finds and reads the test corpora.
 
 #ifndef TESTS_SUPPORT_CORPORA_H_
 #define TESTS_SUPPORT_CORPORA_H_
@@ -9,19 +9,18 @@
 
 namespace stowra_test {
 
-// The folder of one corpus; empty where the corpora are not on this machine: see
-// SKIP_WITHOUT_CORPUS.
+// The folder of one corpus, or an empty path without it (SKIP_WITHOUT_CORPUS).
 std::filesystem::path CorpusFolder(const std::string& name);
 
 // The regular files directly in a folder, sorted by name.
 std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder);
 
-// The whole file as bytes; fails the current test when it cannot be read.
+// The file's bytes. Fails the current test if it cannot read them.
 std::string ReadFile(const std::filesystem::path& file);
 
 }  // namespace stowra_test
 
-// Declares `folder`, or skips the test with a message.
+// Declares `folder`, or skips the test if the corpus is missing.
 #define SKIP_WITHOUT_CORPUS(folder, name)                               \
   const std::filesystem::path folder = stowra_test::CorpusFolder(name); \
   if (folder.empty()) GTEST_SKIP() << "no corpus '" << (name) << "' in STOWRA_CORPORA_DIR"

@@ -1,4 +1,4 @@
-// Waiting for another thread.
+// Waits for another thread.
 
 #ifndef TESTS_SUPPORT_EVENT_H_
 #define TESTS_SUPPORT_EVENT_H_
@@ -9,11 +9,11 @@
 
 namespace stowra_test {
 
-// How long a test waits for what is to happen at once: only a fault takes that long. It is less
-// than the time after which the transport itself gives a silent server up.
+// How long a test waits for something that should happen at once. Only a fault takes this long.
+// Less than the transport's own timeout for a silent server.
 inline constexpr std::chrono::seconds kPatience(20);
 
-// What happens at once, even on a busy machine, is over by then.
+// Something that happens at once ends within this time even on a busy machine.
 inline constexpr std::chrono::seconds kSoon(5);
 
 // Something that happens once. Safe from any thread.
@@ -25,7 +25,7 @@ class Event {
     changed_.notify_all();
   }
 
-  // Whether it has happened within `limit`.
+  // Waits for Set. False after `limit`.
   bool Wait(std::chrono::milliseconds limit = kPatience) {
     std::unique_lock<std::mutex> lock(mutex_);
     return changed_.wait_for(lock, limit, [this] { return is_set_; });

@@ -10,7 +10,7 @@
 
 #include "tests/support/bystander.h"
 
-// The allocator behind the one here, by the names that stay its own. NOLINTBEGIN(*-identifier)
+// The real allocator, under names that nothing here replaces. NOLINTBEGIN(*-identifier)
 #ifdef STOWRA_UNDER_ADDRESS_SANITIZER
 #define STOWRA_REAL(function) __interceptor_##function
 #else
@@ -23,7 +23,7 @@ extern "C" void* STOWRA_REAL(memalign)(std::size_t alignment, std::size_t size);
 extern "C" void STOWRA_REAL(free)(void* block);
 // NOLINTEND(*-identifier)
 
-// Other libraries are to find these, too.
+// Shared libraries must find these too.
 #define STOWRA_SEEN_BY_ALL __attribute__((visibility("default")))
 
 namespace {
@@ -48,8 +48,8 @@ std::atomic<FailingMalloc::Mode> mode{FailingMalloc::Mode::kOnce};
 std::atomic<long> allowed_allocations{0};
 std::atomic<long> failure_count{0};
 
-// A sanitizer gives up when it has no memory to begin a thread, which it does ahead of the thread's
-// own first allocations.
+// AddressSanitizer aborts if it cannot allocate while it starts a thread. It does so before the
+// thread itself allocates.
 bool IsThreadStarting() {
 #ifdef STOWRA_UNDER_ADDRESS_SANITIZER
   constexpr int kOfTheSanitizer = 4;
@@ -80,14 +80,14 @@ void Add(long blocks, long long bytes) {
   all_bytes.fetch_add(bytes, std::memory_order_relaxed);
 }
 
-// The functions below are the allocator behind this one, made to remember what was asked of it: it
-// may give a few bytes more, and not always as many.
+// The functions below call the real allocator. With STOWRA_COUNTS_MEMORY they also store the size
+// that the caller asked for. The real block may be larger, by an amount that varies.
 #ifdef STOWRA_COUNTS_MEMORY
 
-// Stands in front of each block.
+// Lies directly before each block.
 struct alignas(std::max_align_t) Label {
-  std::size_t size;    // asked for
-  std::size_t offset;  // of the block in what the allocator gave
+  std::size_t size;    // that the caller asked for
+  std::size_t offset;  // from the real block's start to the caller's block
 };
 
 Label* LabelOf(void* block) { return static_cast<Label*>(block) - 1; }
@@ -103,7 +103,7 @@ void* Labelled(void* base, std::size_t size, std::size_t offset) {
 
 long long SizeOf(void* block) { return static_cast<long long>(LabelOf(block)->size); }
 
-// False, with errno set, when a block of that size and its label are more than can be counted.
+// False, with errno set, if `size` + `offset` overflows.
 bool HasRoom(std::size_t size, std::size_t offset) {
   if (size <= SIZE_MAX - offset) return true;
   errno = ENOMEM;
@@ -174,7 +174,7 @@ extern "C" STOWRA_SEEN_BY_ALL void* calloc(std::size_t count, std::size_t size) 
   return MustFail() ? nullptr : Counted(AllocateZeros(count, size));
 }
 
-// While a block moves, both it and its copy are there.
+// The peak counts the old block and the new one together, since both may exist during the move.
 extern "C" STOWRA_SEEN_BY_ALL void* realloc(void* block, std::size_t size) noexcept {
   if (block == nullptr) return malloc(size);
   if (size == 0) {
@@ -213,7 +213,7 @@ extern "C" STOWRA_SEEN_BY_ALL int posix_memalign(void** block, std::size_t align
   return 0;
 }
 
-// A sanitizer's own would not come by here.
+// AddressSanitizer's own operator new would not call the malloc above.
 STOWRA_SEEN_BY_ALL void* operator new(std::size_t size) {
   void* const block = malloc(std::max<std::size_t>(size, 1));
   if (block == nullptr) throw std::bad_alloc();

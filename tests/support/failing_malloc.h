@@ -1,5 +1,5 @@
-// The test program's own malloc and operator new: they count, and fail when told to. For the
-// programs that compile failing_malloc.cc.
+// Replaces malloc and operator new: they count allocations and fail on request. For programs that
+// compile failing_malloc.cc.
 
 #ifndef TESTS_SUPPORT_FAILING_MALLOC_H_
 #define TESTS_SUPPORT_FAILING_MALLOC_H_
@@ -19,27 +19,27 @@
 #endif
 #endif
 
-// Only where the functions that are replaced stay at hand under another name.
+// The replaced functions must have a second name, under which the program can still call them.
 #if defined(__GLIBC__) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
 #define STOWRA_FAILS_ALLOCATIONS
-// An address sanitizer cannot be asked for sizes at any time: bytes are not counted under one.
+// AddressSanitizer cannot tell a block's size at every moment, so bytes are not counted there.
 #ifndef STOWRA_UNDER_ADDRESS_SANITIZER
 #define STOWRA_COUNTS_MEMORY
 #endif
 
 namespace stowra_test {
 
-// Whose allocations count. Bystanders' never do.
+// The threads whose allocations count, seen from the thread that asks. Bystanders never count.
 enum class Threads { kThis, kOthers, kAll };
 
-// What has been allocated and not freed while one lives, by this thread or by all.
+// Counts what this thread (kThis), or any thread, has allocated since construction and not freed.
 class MemoryWatch {
  public:
   explicit MemoryWatch(Threads threads = Threads::kThis);
 
   long blocks() const;
 
-  // Bytes that are live; the most that ever were, of this thread's. Never negative.
+  // Bytes, never negative. peak() is the most at any one time. It requires kThis.
   std::size_t live() const;
   std::size_t peak() const;
 
@@ -49,8 +49,9 @@ class MemoryWatch {
   const long long bytes_before_;
 };
 
-// While one lives, the allocation of those threads that follows after `allowed` others fails; those
-// after it succeed again, or with kFromThenOn fail, too. One at a time in the process.
+// Lets `allowed` allocations of those threads succeed, then fails the next one. Later ones succeed
+// again with kOnce and fail with kFromThenOn. Works until destruction. Only one may exist at a
+// time.
 class FailingMalloc {
  public:
   enum class Mode { kOnce, kFromThenOn };

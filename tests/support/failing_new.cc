@@ -8,8 +8,8 @@
 namespace {
 
 thread_local long live_allocations = 0;
-thread_local long live_arrays = 0;           // of those, the ones from new[]
-thread_local long allowed_allocations = -1;  // negative: all of them
+thread_local long live_arrays = 0;
+thread_local long allowed_allocations = -1;  // negative: no limit
 
 }  // namespace
 

@@ -1,11 +1,10 @@
-// The test program's own operator new: it counts, and fails when told to. For the programs that
-// compile failing_new.cc.
+// Replaces operator new: it counts allocations and fails on request. For programs that compile
+// failing_new.cc.
 
 #ifndef TESTS_SUPPORT_FAILING_NEW_H_
 #define TESTS_SUPPORT_FAILING_NEW_H_
 
-// ThreadSanitizer brings an operator new that no other can replace. The tests of this header are
-// not about threads, and are left out there.
+// ThreadSanitizer's operator new cannot be replaced. Tests that use this header are left out there.
 #if defined(__SANITIZE_THREAD__)
 #define STOWRA_UNDER_THREAD_SANITIZER
 #elif defined(__has_feature)
@@ -20,14 +19,14 @@
 
 namespace stowra_test {
 
-// Allocations of this thread less those that it freed.
+// This thread's allocations minus its deallocations.
 long LiveAllocations();
 
-// Of those, the ones from new[].
+// The same for new[] and delete[] alone.
 long LiveArrays();
 
-// While one lives, the allocation of this thread that follows after `allowed` others throws
-// std::bad_alloc; those after it succeed again.
+// Lets `allowed` allocations of this thread succeed, then the next one throws std::bad_alloc. Later
+// ones succeed again. Works until destruction.
 class FailingNew {
  public:
   explicit FailingNew(long allowed);
@@ -37,8 +36,7 @@ class FailingNew {
   FailingNew& operator=(const FailingNew&) = delete;
 };
 
-// Whether `work` threw std::bad_alloc when the allocation that followed after `allowed` others
-// failed.
+// Runs `work` under FailingNew(allowed). True if it threw std::bad_alloc.
 bool RunsOutOfMemory(const std::function<void()>& work, long allowed);
 
 }  // namespace stowra_test

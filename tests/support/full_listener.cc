@@ -13,10 +13,10 @@
 namespace stowra_test {
 namespace {
 
-// More than any system lets into a queue of length 0.
+// More than any system accepts into a backlog of 0.
 constexpr int kMostConnections = 64;
 
-// What a connection on this machine takes at most, if it is let in at all.
+// A connection on this machine that the queue accepts takes less than this.
 constexpr int kMillisecondsToConnect = 200;
 
 void Check(bool good) {

@@ -1,4 +1,4 @@
-// A port that is open, and at which nobody gets in.
+// An open port to which no client can connect.
 
 #ifndef TESTS_SUPPORT_FULL_LISTENER_H_
 #define TESTS_SUPPORT_FULL_LISTENER_H_
@@ -8,7 +8,7 @@
 
 namespace stowra_test {
 
-// Listens on 127.0.0.1, accepts nothing and has filled its own queue: who connects waits.
+// Listens on 127.0.0.1, accepts nothing and fills its own queue, so further clients wait.
 class FullListener {
  public:
   FullListener();

@@ -1,4 +1,4 @@
-// An observer that remembers what it is told.
+// An observer that records its notifications.
 
 #ifndef TESTS_SUPPORT_NOTIFICATION_RECORDER_H_
 #define TESTS_SUPPORT_NOTIFICATION_RECORDER_H_
@@ -16,7 +16,7 @@
 
 namespace stowra_test {
 
-// Registered at the default center from its construction to its destruction. Safe from any thread.
+// Observes the default center from construction to destruction. Safe from any thread.
 class NotificationRecorder final : public ovrant::IObserver {
  public:
   struct Entry {
@@ -25,7 +25,7 @@ class NotificationRecorder final : public ovrant::IObserver {
     std::thread::id thread;
   };
 
-  // `on_notification`, if given, runs inside each delivery, before that is recorded.
+  // `on_notification`, if given, runs in each delivery before the entry is recorded.
   explicit NotificationRecorder(std::initializer_list<const char*> names,
                                 std::function<void()> on_notification = nullptr);
   ~NotificationRecorder() override;
@@ -36,7 +36,7 @@ class NotificationRecorder final : public ovrant::IObserver {
   using ovrant::IObserver::OnNotification;
   void OnNotification(const char* name, void* payload) override;
 
-  // Whether at least `count` have come within kPatience.
+  // Waits for at least `count` notifications. False after kPatience.
   bool WaitFor(std::size_t count);
 
   std::vector<Entry> entries();

@@ -30,10 +30,10 @@ void Check(bool good) {
   if (!good) throw std::system_error(errno, std::generic_category(), "test server");
 }
 
-// A program that a test starts does not inherit it.
+// Programs that a test starts do not inherit the descriptor.
 void CloseOnExec(int descriptor) { Check(fcntl(descriptor, F_SETFD, FD_CLOEXEC) == 0); }
 
-// A client that goes away while it is written to is an error result, not a signal.
+// Makes a write to a closed connection return an error instead of raising SIGPIPE.
 void BlockBrokenPipeSignal() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -244,7 +244,7 @@ void RawServer::Record(const RawRequest& request) {
   changed_.notify_all();
 }
 
-// Called on the accepting thread, which alone adds and removes clients.
+// Called on the accepting thread. No other thread adds or removes clients.
 void RawServer::JoinEnded() {
   std::list<Client> ended;
   {
@@ -309,7 +309,7 @@ void RawConnection::Cut() {
 
 void RawConnection::Reset() {
   closed_ = true;
-  // With no time to linger, the close that follows is a reset.
+  // With a linger time of 0, the coming close sends a reset.
   const linger none = {1, 0};
   setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof(none));
 }
@@ -332,7 +332,7 @@ bool RawConnection::Read(std::string& bytes) {
   return true;
 }
 
-// Adds to what is pending.
+// Waits for bytes and appends them to `pending_`.
 bool RawConnection::Receive() {
   std::array<char, 16384> buffer;
   if (closed_) return false;

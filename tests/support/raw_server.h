@@ -1,4 +1,4 @@
-// A server whose every byte the test decides.
+// An HTTP server whose every byte the test chooses.
 
 #ifndef TESTS_SUPPORT_RAW_SERVER_H_
 #define TESTS_SUPPORT_RAW_SERVER_H_
@@ -23,7 +23,7 @@
 
 namespace stowra_test {
 
-// A request as it came over the wire.
+// A request as it was received.
 struct RawRequest {
   std::string method;
   std::string target;
@@ -31,14 +31,14 @@ struct RawRequest {
   std::string body;
   int connection = 0;  // in order of arrival, from 0
 
-  // The values of every header of that name, whatever its letter case, joined by "|".
+  // The values of all headers of that name in any letter case, joined by "|".
   std::string Header(std::string_view name) const;
   bool HasHeader(std::string_view name) const;
 };
 
 class RawServer;
 
-// The server's end of a connection, for the handler of a request that came over it.
+// The server's end of a connection. A request's handler uses it to answer.
 class RawConnection {
  public:
   RawConnection(int socket, SSL_CTX* tls, const RawServer& server);
@@ -47,32 +47,32 @@ class RawConnection {
   RawConnection(const RawConnection&) = delete;
   RawConnection& operator=(const RawConnection&) = delete;
 
-  // False once the client has gone or the server stops.
+  // False if the connection has ended or the server stops.
   bool Write(std::string_view bytes);
 
-  // One byte at a time, with a pause before each.
+  // The same, one byte at a time with a pause before each.
   bool Drip(std::string_view bytes, std::chrono::milliseconds pause);
 
-  // Ends the server's direction; Close also waits until the client has closed, too.
+  // Ends the server's direction. Close also waits until the client closes or the server stops.
   void EndWriting();
   void Close();
 
-  // Ends the server's direction below TLS, whose own end is not announced; then as Close.
+  // Like Close, but without TLS's close_notify.
   void Cut();
 
   // Ends the connection so that the client sees a reset.
   void Reset();
 
-  // Says nothing until the client has closed or the server stops.
+  // Sends nothing and discards what arrives, until the client closes or the server stops.
   void Stall();
 
-  // The same, and takes nothing of what the client may still send.
+  // Sends and reads nothing until the server stops.
   void StallWithoutReading();
 
   // Whether the handler has ended the connection.
   bool is_closed() const { return closed_; }
 
-  // Appends the next bytes; false at the end of the client's direction or when the server stops.
+  // Waits for bytes and appends them. False if the client closes its direction or the server stops.
   bool Read(std::string& bytes);
 
  private:
@@ -84,13 +84,13 @@ class RawConnection {
   const int socket_;
   const RawServer& server_;
   std::unique_ptr<SSL, OpensslDeleter> tls_;
-  std::string pending_;  // has been read, and belongs to what comes after the last request
+  std::string pending_;  // received after the last request
   bool closed_ = false;
 };
 
-// Listens on 127.0.0.1 and a port of the system's choice. Reads each request whole and hands it to
-// the handler, on the connection's own thread; a connection stays open between requests unless the
-// handler ends it. The destructor ends every connection and waits for their handlers.
+// Listens on 127.0.0.1, on a port that the system chooses. Each connection has a thread, which
+// reads whole requests and calls the handler. A connection stays open between requests unless the
+// handler ends it. The destructor ends all connections and waits for their handlers.
 class RawServer {
  public:
   using Handler = std::function<void(const RawRequest&, RawConnection&)>;
@@ -98,7 +98,7 @@ class RawServer {
   struct Options {
     const Certificate* certificate = nullptr;  // TLS if given
     bool reads_body = true;                    // false: the handler is called after the headers
-    int receive_buffer = 0;                    // bytes; 0: the system's choice
+    int receive_buffer = 0;                    // bytes; 0: the system's default
     bool records = true;                       // false: requests() stays empty
   };
 
@@ -111,21 +111,19 @@ class RawServer {
 
   int port() const { return port_; }
 
-  // "http://127.0.0.1:port" and `target`; https with a certificate.
+  // "http://127.0.0.1:port" and `target`, or https with a certificate.
   std::string Url(std::string_view target = "/") const;
 
   std::vector<RawRequest> requests() const;
   int connections() const;
 
-  // Whether at least `count` requests, or connections, have come within kPatience.
+  // Waits for at least `count` requests or connections. False after kPatience.
   bool WaitForRequests(std::size_t count) const;
   bool WaitForConnections(int count) const;
 
-  // Whether no connection is open any more within kPatience.
-  bool WaitUntilUnused() const { return WaitUntilOpen(0); }
-
-  // Whether `count` connections are open within kPatience.
+  // Waits until exactly `count` connections are open, or none. False after kPatience.
   bool WaitUntilOpen(int count) const;
+  bool WaitUntilUnused() const { return WaitUntilOpen(0); }
 
  private:
   friend class RawConnection;
@@ -163,14 +161,14 @@ class RawServer {
   std::thread acceptor_;
 };
 
-// A whole response; `headers` are further lines, each with its line end.
+// A whole response with Content-Length. `headers` are further lines, each with its line end.
 std::string Response(int status, std::string_view body, std::string_view headers = "");
 
-// Handlers that answer every request with the same bytes, and keep the connection or close it.
+// Handlers that answer every request with the same bytes. The second one then closes.
 RawServer::Handler Always(std::string response);
 RawServer::Handler AlwaysThenClose(std::string response);
 
-// A handler that answers nothing.
+// A handler that never answers.
 RawServer::Handler Silence();
 
 }  // namespace stowra_test

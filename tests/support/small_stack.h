@@ -1,4 +1,4 @@
-// Running code on a thread with the smallest stack that hosts give their threads.
+// Runs code on the smallest stack that hosts give their threads.
 
 #ifndef TESTS_SUPPORT_SMALL_STACK_H_
 #define TESTS_SUPPORT_SMALL_STACK_H_
@@ -7,8 +7,7 @@
 
 namespace stowra_test {
 
-// Runs `work` on a thread with a stack of 512 KiB and waits for it.
-
+// Runs `work` on a thread with a stack of 512 KiB and waits for its end.
 void RunOnSmallStack(const std::function<void()>& work);
 
 }  // namespace stowra_test

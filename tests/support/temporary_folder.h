@@ -1,4 +1,4 @@
-// A place for the files of one test.
+// A folder for the files of one test.
 
 #ifndef TESTS_SUPPORT_TEMPORARY_FOLDER_H_
 #define TESTS_SUPPORT_TEMPORARY_FOLDER_H_
@@ -7,7 +7,7 @@
 
 namespace stowra_test {
 
-// A new folder in the system's temporary one, removed with what is in it.
+// A new folder in the system's temporary folder. The destructor removes it and its contents.
 class TemporaryFolder {
  public:
   TemporaryFolder();
