@@ -1,4 +1,4 @@
-// A piece of work with each of its allocations failing in turn.
+// Runs code once for each of its allocations and fails that allocation.
 
 #ifndef TESTS_ALLOCATION_EACH_FAILURE_H_
 #define TESTS_ALLOCATION_EACH_FAILURE_H_
@@ -13,7 +13,7 @@
 
 namespace stowra_test {
 
-// What came of one run.
+// The outcome of one run.
 struct Outcome {
   long failures = 0;  // allocations that failed
   bool threw = false;
@@ -21,21 +21,21 @@ struct Outcome {
   bool failed() const { return failures > 0; }
 };
 
-// Whether the process holds no more blocks than when `watch` began, or does so at once: another
-// thread may yet be freeing what it is done with.
+// Whether all blocks allocated since `watch` began are freed. Waits a millisecond at most, since
+// another thread may still be freeing some.
 bool GivesAllBack(const MemoryWatch& watch);
 
-// How often a run is made again that leaves more blocks than it found.
-// The transport alone keeps up to 16 used handles before it clears them away.
+// A run that leaves blocks is repeated up to this number of runs. The transport alone keeps up to
+// 16 used handles before it frees them.
 inline constexpr int kMostTries = 60;
 
-// Adds to what the test and its program print: how many runs had a failure.
+// Prints how many runs had a failure, and adds it to the sum that the program prints at its end.
 void CountFailingRuns(long runs);
 
 inline constexpr long kNoneFails = 1'000'000'000;
 
-// Runs `work` on what `make` makes while the allocation after `allowed` others fails, then `check`
-// on that state and the outcome, with all the memory there is.
+// Calls `work` with the result of `make`, under FailingMalloc(allowed, threads, mode). Then calls
+// `check` with that state and the outcome, when allocations succeed again.
 template <typename Make, typename Work, typename Check>
 Outcome RunWithFailure(long allowed, Threads threads, FailingMalloc::Mode mode, const Make& make,
                        const Work& work, const Check& check) {
@@ -54,9 +54,9 @@ Outcome RunWithFailure(long allowed, Threads threads, FailingMalloc::Mode mode, 
   return outcome;
 }
 
-// The runs with one failing allocation more each time until none fails: each alone, then each with
-// all that follow. A run that leaves more blocks of memory than it found is made again, and again:
-// a cache is filled at some time, a leak grows with each. Returns how many allocations failed.
+// Repeats the run with one more allowed allocation each time, until none fails. Does so twice:
+// first one allocation fails alone, then all later ones fail too. Repeats a run that leaves blocks,
+// because a cache fills up but a leak grows on each run. Returns how many runs had a failure.
 template <typename Make, typename Work, typename Check>
 long FailEachAllocationOf(const Make& make, const Work& work, const Check& check,
                           Threads threads = Threads::kThis) {
@@ -74,7 +74,7 @@ long FailEachAllocationOf(const Make& make, const Work& work, const Check& check
         if (testing::Test::HasFailure()) return failing_runs;
         gave_all_back = GivesAllBack(watch);
       }
-      EXPECT_TRUE(gave_all_back) << "blocks of memory are left";
+      EXPECT_TRUE(gave_all_back) << "blocks are leaked";
       if (!failed || !gave_all_back) break;
       ++failing_runs;
     }
@@ -83,7 +83,7 @@ long FailEachAllocationOf(const Make& make, const Work& work, const Check& check
   return failing_runs;
 }
 
-// The same on a State that needs nothing to be made.
+// The same with a default-constructed State.
 template <typename State, typename Work, typename Check>
 long FailEachAllocation(const Work& work, const Check& check, Threads threads = Threads::kThis) {
   return FailEachAllocationOf([] { return State(); }, work, check, threads);

@@ -1,4 +1,4 @@
-// An observer that only counts: it needs no memory.
+// An observer that counts its notifications and allocates nothing when called.
 
 #ifndef TESTS_ALLOCATION_END_COUNTER_H_
 #define TESTS_ALLOCATION_END_COUNTER_H_
@@ -14,7 +14,7 @@
 
 namespace stowra_test {
 
-// Registered at the default center from its construction to its destruction. Safe from any thread.
+// Observes the default center from construction to destruction. Safe from any thread.
 class EndCounter final : public ovrant::IObserver {
  public:
   EndCounter(const char* success, const char* failure) : success_(success) {
@@ -34,7 +34,7 @@ class EndCounter final : public ovrant::IObserver {
     changed_.notify_all();
   }
 
-  // Whether `count` have come within kPatience.
+  // Waits for at least `count` notifications. False after kPatience.
   bool WaitFor(int count) {
     std::unique_lock<std::mutex> lock(mutex_);
     return changed_.wait_for(lock, kPatience,

@@ -1,4 +1,4 @@
-// What it costs in memory to read something.
+// Measures the memory that a parser needs.
 
 #ifndef TESTS_MEMORY_COSTS_H_
 #define TESTS_MEMORY_COSTS_H_
@@ -10,17 +10,18 @@
 
 namespace stowra_test {
 
-// Reads an input into an object. What it gives holds the results, and frees them.
+// Parses an input and returns an object that owns the results, or null on failure.
 using Parse = std::function<std::shared_ptr<void>(const std::string& input)>;
 
-// Bytes of the heap beyond the input's own.
+// Heap bytes in addition to the input.
 struct Costs {
-  std::size_t peak = 0;   // while the input was read
-  std::size_t final = 0;  // that the results hold
-  std::size_t left = 0;   // after they have been freed
+  std::size_t peak = 0;   // the most during parsing
+  std::size_t final = 0;  // held by the results
+  std::size_t left = 0;   // after the results are freed
 };
 
-// Of the second reading: what the first one leaves for good is no cost of an input.
+// Parses twice and measures the second time. The first call may allocate memory that stays for all
+// later calls.
 Costs MeasureCosts(const Parse& parse, const std::string& input);
 
 }  // namespace stowra_test

@@ -1,5 +1,4 @@
-// The memory that each parser needs, as a multiple of what it reads. Run whole, the program prints
-// them all.
+// Limits the memory of each parser to a multiple of its input, and prints the multiples.
 
 #include <gtest/gtest.h>
 
@@ -16,14 +15,14 @@ namespace {
 
 class MemoryTest : public ::testing::TestWithParam<MeasuredInput> {};
 
-TEST_P(MemoryTest, IsAMultipleOfTheInputAndGivenBack) {
+TEST_P(MemoryTest, StaysWithinMultipleOfInputAndIsFreed) {
   const MeasuredInput& measured = GetParam();
   ASSERT_EQ(measured.parse(measured.input) != nullptr, measured.is_taken);
   const Costs costs = MeasureCosts(measured.parse, measured.input);
   const auto size = static_cast<double>(measured.input.size());
   const double peak = static_cast<double>(costs.peak) / size;
   const double final = static_cast<double>(costs.final) / size;
-  std::printf("%-22s %7zu bytes: peak %6.2f times that, results %6.2f\n", measured.name.c_str(),
+  std::printf("%-22s %7zu bytes: peak %6.2f times, results %6.2f times\n", measured.name.c_str(),
               measured.input.size(), peak, final);
   EXPECT_LE(peak, measured.most_peak);
   EXPECT_LE(final, measured.most_final);

@@ -38,14 +38,14 @@ std::string Repeated(const std::string& text) {
   return result;
 }
 
-// `before`, the text again and again with commas between, `after`.
+// `before`, then `text` repeated with commas between, then `after`.
 std::string List(const std::string& before, const std::string& text, const std::string& after) {
   return before + Repeated(text + ",") + text + after;
 }
 
 ovrant_ustring Text(const std::string& utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
 
-// The XML parsers take what they do not change through a pointer that could.
+// The XML parsers take a pointer to non-const bytes but do not change them.
 unsigned char* Bytes(const std::string& text) {
   return reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
 }
@@ -85,9 +85,8 @@ std::shared_ptr<void> ReadConfig(const std::string& input) {
   return config->ParseResponse(Bytes(input), input.size()) ? config : nullptr;
 }
 
-// Downloads the input from a server that says how long it is, or not, and that it will close: no
-// connection is kept. The server's own memory is other threads', but for what the first download
-// takes to start it.
+// Downloads the input from a server that adds `header` and then closes the connection. The first
+// download starts the server. After that its memory belongs to other threads and is not counted.
 Parse DownloadWith(const std::string& header) {
   auto server = std::make_shared<std::unique_ptr<RawServer>>();
   return [server, header](const std::string& input) -> std::shared_ptr<void> {
@@ -100,7 +99,7 @@ Parse DownloadWith(const std::string& header) {
   };
 }
 
-// The other direction: what is read is the file to send.
+// Writes a body. The input is the file to send.
 std::shared_ptr<void> WritePayload(const std::string& input) {
   UploadFile file;
   file.file_path_ = "stool.qmf";

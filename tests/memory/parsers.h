@@ -1,4 +1,4 @@
-// The library's parsers, each with the inputs that say what it costs.
+// The library's parsers, with inputs and the memory that each may use.
 
 #ifndef TESTS_MEMORY_PARSERS_H_
 #define TESTS_MEMORY_PARSERS_H_
@@ -13,14 +13,14 @@ namespace stowra_test {
 
 struct MeasuredInput {
   std::string name;   // letters and digits
-  std::string input;  // some hundred KB, so that what is fixed does not count
+  std::string input;  // some hundred KB, so that fixed costs do not matter
   Parse parse;
-  bool is_taken;     // whether the parser says that it can use the input
-  double most_peak;  // multiples of the input's size
-  double most_final;
+  bool is_taken;      // whether the parser accepts the input
+  double most_peak;   // Costs::peak as a multiple of the input's size
+  double most_final;  // the same for Costs::final
 };
 
-// For GoogleTest.
+// GoogleTest prints parameters with it.
 void PrintTo(const MeasuredInput& measured, std::ostream* out);
 
 std::vector<MeasuredInput> MeasuredInputs();

@@ -1,4 +1,4 @@
-// A thousand loads into one object: good ones, cut off ones and empty ones in turn.
+// Loads a thousand texts into one object: good, cut off and empty ones in turn.
 
 #include <gtest/gtest.h>
 
@@ -40,8 +40,8 @@ ovrant_ustring Text(const std::string& utf8) { return ovrant_ustring(utf8.data()
 
 unsigned char* Bytes(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
 
-// `load` says whether it could use the text. What the first loads leave in the object, room for the
-// next ones, is all that any number of them leaves.
+// `load` returns whether it accepted the text. The object may keep memory from the first loads and
+// reuse it. Later loads must not add to that.
 template <typename Load>
 void ExpectThatNothingIsLeft(const std::string& good, const Load& load) {
   std::array<std::string, 3> texts = {good, good.substr(0, good.size() / 2), ""};
@@ -57,14 +57,14 @@ void ExpectThatNothingIsLeft(const std::string& good, const Load& load) {
   EXPECT_EQ(watch.live(), 0U);
 }
 
-TEST(ThousandLoadsTest, OfAFeedLeaveNothing) {
+TEST(ThousandLoadsTest, FeedsLeaveNoMemory) {
   ContentQuery query;
   ExpectThatNothingIsLeft(stowra_bench::MakeFeed(4), [&query](std::string& text) {
     return query.Load(Bytes(text), static_cast<int>(text.size()));
   });
 }
 
-TEST(ThousandLoadsTest, OfAnUploadConfigurationLeaveNothing) {
+TEST(ThousandLoadsTest, UploadConfigurationsLeaveNoMemory) {
   UploadConfig config;
   ExpectThatNothingIsLeft(kConfig, [&config](std::string& text) {
     config.Clear();
@@ -72,25 +72,25 @@ TEST(ThousandLoadsTest, OfAnUploadConfigurationLeaveNothing) {
   });
 }
 
-TEST(ThousandLoadsTest, OfAnUpdateLeaveNothing) {
+TEST(ThousandLoadsTest, UpdatesLeaveNoMemory) {
   UpdateQuery query;
   ExpectThatNothingIsLeft(stowra_bench::MakeUpdateResponse(),
                           [&query](std::string& text) { return query.ParseResponse(Text(text)); });
 }
 
-TEST(ThousandLoadsTest, OfAUserLeaveNothing) {
+TEST(ThousandLoadsTest, UserInfosLeaveNoMemory) {
   UserInfoQuery query;
   ExpectThatNothingIsLeft(kUserInfo,
                           [&query](std::string& text) { return query.ParseResponse(Text(text)); });
 }
 
-TEST(ThousandLoadsTest, OfExtensionsLeaveNothing) {
+TEST(ThousandLoadsTest, ExtensionsLeaveNoMemory) {
   ExpectThatNothingIsLeft(stowra_bench::MakeExtensionStatus(4), [](std::string& text) {
     return !ovrant::extensionstoreapi::ReadItemMap(Text(text)).empty();
   });
 }
 
-TEST(ThousandLoadsTest, OfXmlReadersLeaveNothing) {
+TEST(ThousandLoadsTest, XmlReadersLeaveNoMemory) {
   ExpectThatNothingIsLeft(kConfig, [](std::string& text) {
     ovrant::IXMLInput* reader = ovrant::Get_IXMLInput(Bytes(text), static_cast<int>(text.size()));
     const bool is_read = reader != nullptr;
@@ -99,8 +99,8 @@ TEST(ThousandLoadsTest, OfXmlReadersLeaveNothing) {
   });
 }
 
-// One document keeps what it has loaded until it is destroyed.
-TEST(ThousandLoadsTest, OfADocumentLeaveNothingOnceItIsDestroyed) {
+// A document keeps the memory of its loads until it is destroyed.
+TEST(ThousandLoadsTest, DestroyedDocumentLeavesNoMemory) {
   const ovrant_ustring good = Text(stowra_bench::MakeUpdateResponse());
   const ovrant_ustring bad = good.Left(300);
   { Document().Load(good); }
@@ -117,7 +117,7 @@ TEST(ThousandLoadsTest, OfADocumentLeaveNothingOnceItIsDestroyed) {
   EXPECT_EQ(watch.live(), 0U);
 }
 
-TEST(ThousandLoadsTest, OfATransportLeaveNothing) {
+TEST(ThousandLoadsTest, TransfersLeaveNoMemory) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     if (request.target == "/good") {
       connection.Write(Response(200, std::string(3000, 'x')));
@@ -135,7 +135,7 @@ TEST(ThousandLoadsTest, OfATransportLeaveNothing) {
   for (int i = 0; i < 20; ++i) download_each();
   const MemoryWatch watch;
   for (int i = 0; i < 500; ++i) download_each();
-  // A kept connection's record changes with its addresses' lengths.
+  // The record of a pooled connection varies with the lengths of its addresses.
   EXPECT_LT(watch.live(), 1000U);
 }
 
