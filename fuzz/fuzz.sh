@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
 # fuzz.sh BUILD_DIR SECONDS [TARGET...]
 #
-# Runs the fuzzers of BUILD_DIR, all of them or those named, each for SECONDS and as many side by side as there are
-# processors. Each keeps the inputs that it found worth keeping in BUILD_DIR/fuzz/corpus and begins with them the next
-# time. An input that fails is copied to the target's folder of findings, where it is a test from then on. Prints a table;
-# fails when there is a finding.
+# Runs all fuzzers of BUILD_DIR, or the named ones, each for SECONDS. One fuzzer runs on each processor. A fuzzer
+# collects useful inputs in BUILD_DIR/fuzz/corpus and starts from them next time. A failing input is copied to the
+# target's findings folder, where the tests run it from then on. Prints a table and fails if there is a finding.
 set -uo pipefail
 build=$1
 seconds=$2

@@ -1,4 +1,4 @@
-// What a fuzz target expects of its subject.
+// Checks for fuzz targets.
 
 #ifndef FUZZ_SUPPORT_CHECK_H_
 #define FUZZ_SUPPORT_CHECK_H_
@@ -6,14 +6,14 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Ends the program, which is a finding, unless `condition` holds.
+// Aborts the program if `condition` is false. The fuzzer reports that as a finding.
 #define FUZZ_CHECK(condition) \
   ((condition) ? static_cast<void>(0) : stowra_fuzz::Fail(__FILE__, __LINE__, #condition))
 
 namespace stowra_fuzz {
 
 [[noreturn]] inline void Fail(const char* file, int line, const char* condition) {
-  std::fprintf(stderr, "%s:%d: not so: %s\n", file, line, condition);
+  std::fprintf(stderr, "%s:%d: check failed: %s\n", file, line, condition);
   std::abort();
 }
 

@@ -1,4 +1,4 @@
-// The fuzzer's bytes as a source of choices.
+// Turns the fuzzer's bytes into choices.
 
 #ifndef FUZZ_SUPPORT_INPUT_H_
 #define FUZZ_SUPPORT_INPUT_H_
@@ -11,8 +11,8 @@
 
 namespace stowra_fuzz {
 
-// Gives numbers from the front and keeps the rest as text; all zero once it is empty. Does not own
-// the bytes.
+// Takes values from the front of the bytes. Numbers are 0 once no byte is left. Does not own the
+// bytes.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size)
@@ -27,7 +27,7 @@ class Input {
     return byte;
   }
 
-  // Two bytes, the more significant one first.
+  // Two bytes, most significant first.
   std::uint16_t Word() {
     const unsigned int high = Byte();
     return static_cast<std::uint16_t>(high << 8 | Byte());
@@ -36,14 +36,15 @@ class Input {
   // From 0 to `end` - 1. REQUIRES: 0 < end <= 256.
   std::size_t Below(std::size_t end) { return Byte() % end; }
 
-  // The next bytes, as many as there are.
+  // The next `wanted` bytes, or fewer at the end.
   std::string_view Bytes(std::size_t wanted) {
     const std::string_view bytes = rest_.substr(0, wanted);
     rest_.remove_prefix(bytes.size());
     return bytes;
   }
 
-  // The bytes before the next `separator`, which is taken, too; all that is left where none comes.
+  // The bytes before the next `separator`, which is taken too. Without one, all bytes that are
+  // left.
   std::string_view Until(char separator) {
     const std::size_t end = std::min(rest_.find(separator), rest_.size());
     const std::string_view bytes = rest_.substr(0, end);
@@ -51,7 +52,6 @@ class Input {
     return bytes;
   }
 
-  // All that is left.
   std::string_view Rest() { return Bytes(rest_.size()); }
 
  private:

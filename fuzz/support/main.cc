@@ -1,5 +1,5 @@
-// Runs a fuzz target over files, and over the files of folders, where no fuzzer does. Fails when
-// there is none to run over.
+// A main program for builds without a fuzzer. Runs a fuzz target on files and on the files in
+// folders. Fails if it finds no file.
 
 #include <algorithm>
 #include <cstdint>
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-// A folder may be missing: it holds nothing then.
+// Treats a missing path as an empty folder.
 void AppendFiles(const std::filesystem::path& path, std::vector<std::filesystem::path>& files) {
   if (!std::filesystem::is_directory(path)) {
     if (std::filesystem::exists(path)) files.push_back(path);
@@ -26,16 +26,16 @@ void AppendFiles(const std::filesystem::path& path, std::vector<std::filesystem:
   }
 }
 
-// A copy of its exact size on the heap, so that a read beyond its end is seen.
+// Copies the file to a heap block of the exact size, so that a sanitizer sees a read past the end.
 bool RunOver(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (!file) {
-    std::fprintf(stderr, "%s cannot be read\n", path.c_str());
+    std::fprintf(stderr, "cannot read %s\n", path.c_str());
     return false;
   }
   const std::vector<std::uint8_t> bytes(text.begin(), text.end());
-  // Whoever looks for the input that ended the program finds it as the last one here.
+  // If the target crashes, the last printed path is the input to blame.
   std::printf("%s\n", path.c_str());
   std::fflush(stdout);
   return LLVMFuzzerTestOneInput(bytes.data(), bytes.size()) == 0;
@@ -48,7 +48,7 @@ int main(int count, char** arguments) {
   for (int i = 1; i < count; ++i) AppendFiles(arguments[i], files);
   std::sort(files.begin(), files.end());
   if (files.empty()) {
-    std::fprintf(stderr, "usage: %s FILE_OR_FOLDER...; there is no file\n", arguments[0]);
+    std::fprintf(stderr, "no input file found\nusage: %s FILE_OR_FOLDER...\n", arguments[0]);
     return 2;
   }
   for (const auto& file : files) {
