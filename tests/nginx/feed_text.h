@@ -1,4 +1,4 @@
-// The documents that a content service would send.
+// Documents of a content service.
 
 #ifndef TESTS_NGINX_FEED_TEXT_H_
 #define TESTS_NGINX_FEED_TEXT_H_
@@ -7,16 +7,14 @@
 
 namespace stowra_test {
 
-// The title of the model at `index`, in UTF-8.
+// The title (UTF-8) and the download URL of the model at `index`.
 std::string ModelTitle(int index);
-
-// The URL from which that model is downloaded.
 std::string ModelDownload(int index);
 
-// A page of search results with that title and so many models.
+// A page of search results with `models` models.
 std::string FeedText(const std::string& title, int models);
 
-// An upload configuration with one file, to be sent to `upload_url`.
+// An upload configuration with one file for `upload_url`.
 std::string UploadConfigText(const std::string& upload_url);
 
 }  // namespace stowra_test

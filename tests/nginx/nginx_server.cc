@@ -19,9 +19,9 @@
 namespace stowra_test {
 namespace {
 
-// @FOLDER@, @LISTEN@, @TLS@, @SELF@ and @USER@ are filled in. A compressed and an included page are
-// sent in chunks, since their length is not known when they begin. An upload is written to a file,
-// and then answered by this same server.
+// Configuration() replaces the @WORDS@. nginx sends gzipped and SSI pages in chunks, because it
+// does not know their length in advance. It writes an upload to a file and then proxies the request
+// to itself for the answer.
 constexpr const char* kConfiguration = R"(
 @USER@
 daemon off;
@@ -87,7 +87,7 @@ void WriteCertificate(const Certificate& certificate, const std::filesystem::pat
   EXPECT_EQ(std::fclose(stream), 0);
 }
 
-// The worker of an nginx that root runs would become nobody, who sees nothing of the folder.
+// nginx started by root would run its worker as nobody, who cannot read the folder.
 std::string UserDirective() {
   if (::geteuid() != 0) return {};
   const passwd* const user = ::getpwuid(::geteuid());
@@ -96,7 +96,7 @@ std::string UserDirective() {
   return std::string("user ") + user->pw_name + " " + users->gr_name + ";";
 }
 
-// Listening on a free port of 127.0.0.1, which is stored to `port`.
+// Listens on a free port of 127.0.0.1 and stores it to `port`.
 OwnedDescriptor Listen(int& port) {
   OwnedDescriptor listener(::socket(AF_INET, SOCK_STREAM, 0));
   sockaddr_in address = {};
@@ -120,9 +120,9 @@ NginxServer::NginxServer(const Certificate* certificate) : has_tls_(certificate 
   std::filesystem::create_directory(Inside("pages"));
   if (has_tls_) WriteCertificate(*certificate, Inside("certificate.pem"));
 
-  // nginx cannot choose a port and tell it. But it takes over open sockets, as at the change of its
-  // own program, from the descriptors that this variable names: who connects waits in the socket
-  // until nginx is there, and when it has ended nobody listens any more.
+  // nginx cannot report a port that the system chose. But for upgrades of its own binary it can
+  // inherit a listening socket, whose descriptor the variable NGINX names. Clients that connect
+  // early wait in the socket's queue. When nginx ends, the port is closed.
   const OwnedDescriptor listener = Listen(port_);
   WriteFile(Inside("nginx.conf"), Configuration());
   ChildProcess::Start start;
@@ -136,7 +136,7 @@ NginxServer::NginxServer(const Certificate* certificate) : has_tls_(certificate 
 
 NginxServer::~NginxServer() {
   if (process_ == nullptr) return;
-  process_->Signal(SIGTERM);  // SIGKILL would leave its worker behind
+  process_->Signal(SIGTERM);  // SIGKILL would leave the worker running
   process_->Wait();
 }
 

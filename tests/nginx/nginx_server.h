@@ -1,4 +1,4 @@
-// An nginx for one test.
+// Runs nginx for one test.
 
 #ifndef TESTS_NGINX_NGINX_SERVER_H_
 #define TESTS_NGINX_NGINX_SERVER_H_
@@ -15,31 +15,32 @@
 
 namespace stowra_test {
 
-// A request as nginx logs it; "-" stands for what its response does not have.
+// A request as nginx logs it. "-" stands for a header field that the response lacks.
 struct LoggedRequest {
   std::string method;
   std::string path;
   int status = 0;
-  int connection = 0;           // the same number for all requests of one connection
-  int connection_requests = 0;  // how many that connection has had, this one included
-  std::string content_length;   // of the response, as the next three
+  int connection = 0;           // the connection's number
+  int connection_requests = 0;  // requests on that connection, including this one
+  std::string content_length;   // of the response, like the next two
   std::string content_encoding;
   std::string transfer_encoding;
   std::string protocol;  // of the request: HTTP/1.1 or HTTP/2.0
 };
 
-// Listens on 127.0.0.1 and a port of the system's choice; everything that it writes lies in a
-// folder of its own. The test fails when nginx is missing.
+// Listens on 127.0.0.1, on a port that the system chooses. Writes only to a temporary folder. The
+// test fails if nginx is missing.
 //
-//   /plain/FILE    a file of AddFile, with its length
-//   /gzip/FILE     the same, packed while it is sent
-//   /chunked/FILE  the same, of unknown length
-//   /moved/FILE    leads to /plain/FILE
-//   /slow/FILE     the same as /plain/FILE, 200 KB a second after the first 20 KB
-//   /upload        takes what is posted, up to 32 MB; more than 1 MB at /upload/small is refused
+//   /plain/FILE    Sends a file of AddFile with Content-Length.
+//   /gzip/FILE     Sends the file gzipped on the fly.
+//   /chunked/FILE  Sends the file with chunked encoding.
+//   /moved/FILE    Redirects to /plain/FILE.
+//   /slow/FILE     Like /plain/FILE, but sends 200 KB per second after the first 20 KB.
+//   /upload        Accepts a POST of up to 32 MB.
+//   /upload/small  Accepts a POST of up to 1 MB.
 class NginxServer {
  public:
-  // With TLS, and HTTP/2 for who asks for it, if there is a certificate.
+  // Offers TLS and HTTP/2 if there is a certificate.
   explicit NginxServer(const Certificate* certificate = nullptr);
   ~NginxServer();
   NginxServer(const NginxServer&) = delete;
@@ -49,10 +50,10 @@ class NginxServer {
 
   std::string Url(const std::string& path) const;
 
-  // Lets the requests under way end, and nginx with them. All of its requests, in order.
+  // Lets current requests end, then stops nginx. Returns all requests in order.
   std::vector<LoggedRequest> Stop();
 
-  // The bodies that were posted, in order.
+  // The uploaded bodies in order.
   std::vector<std::string> Uploads() const;
 
  private:

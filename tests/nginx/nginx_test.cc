@@ -1,4 +1,4 @@
-// The content service's client against a web server that many services run.
+// Runs the content service's client against nginx.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -70,7 +70,7 @@ class NginxTest : public testing::Test {
     }
   }
 
-  // Queries one page; its only request, or the last of two.
+  // Queries one page. Expects `requests` requests and returns the last one.
   LoggedRequest QueryPage(const std::string& path, std::size_t requests = 1) {
     NginxServer server;
     server.AddFile("feed", FeedText("chairs", kModels));
@@ -81,8 +81,8 @@ class NginxTest : public testing::Test {
     return log.empty() ? LoggedRequest() : log.back();
   }
 
-  // A server with a certificate that does not do: the query fails for that reason, before there is
-  // a request, and keeps what it had.
+  // Expects the query to fail because of the certificate, before any request, and to stay
+  // unchanged.
   void ExpectRefused(const Certificate& certificate) {
     query_.title_ = "before";
     std::string error;
@@ -101,31 +101,31 @@ class NginxTest : public testing::Test {
   const TemporaryFolder folder_;
 };
 
-TEST_F(NginxTest, SearchesAPageWithItsLength) {
+TEST_F(NginxTest, ReadsPageWithContentLength) {
   const LoggedRequest request = QueryPage("/plain/feed");
   EXPECT_EQ(request.content_length, std::to_string(FeedText("chairs", kModels).size()));
   EXPECT_EQ(request.content_encoding, "-");
 }
 
-TEST_F(NginxTest, SearchesAPackedPage) {
+TEST_F(NginxTest, ReadsGzippedPage) {
   const LoggedRequest request = QueryPage("/gzip/feed");
   EXPECT_EQ(request.content_encoding, "gzip");
   EXPECT_EQ(request.transfer_encoding, "chunked");
 }
 
-TEST_F(NginxTest, SearchesAPageInChunks) {
+TEST_F(NginxTest, ReadsChunkedPage) {
   const LoggedRequest request = QueryPage("/chunked/feed");
   EXPECT_EQ(request.content_encoding, "-");
   EXPECT_EQ(request.transfer_encoding, "chunked");
 }
 
-TEST_F(NginxTest, FollowsARedirect) {
+TEST_F(NginxTest, FollowsRedirect) {
   const LoggedRequest request = QueryPage("/moved/feed", 2);
   EXPECT_EQ(request.path, "/plain/feed");
   EXPECT_EQ(request.connection_requests, 2);
 }
 
-TEST_F(NginxTest, KeepsOneConnectionForAllPages) {
+TEST_F(NginxTest, ReusesOneConnectionForAllPages) {
   NginxServer server;
   const std::vector<std::string> paths = {"/plain/a", "/gzip/b", "/chunked/a", "/moved/b",
                                           "/gzip/a"};
@@ -143,7 +143,7 @@ TEST_F(NginxTest, KeepsOneConnectionForAllPages) {
   }
 }
 
-TEST_F(NginxTest, SearchesOverTls) {
+TEST_F(NginxTest, ReadsPagesOverTls) {
   const CertificateAuthority authority("Ours");
   Trust(authority);
   const Certificate certificate = authority.Issue("IP:127.0.0.1");
@@ -156,8 +156,8 @@ TEST_F(NginxTest, SearchesOverTls) {
   EXPECT_THAT(server.Stop(), SizeIs(5));
 }
 
-// On a shared connection no transfer could tell its own silence from another one's progress.
-TEST_F(NginxTest, EachTransferUnderWayHasAConnectionOfItsOwnOverHttp2) {
+// On a shared connection, one transfer's progress would hide another one's inactivity.
+TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
   const CertificateAuthority authority("Ours");
   Trust(authority);
   const Certificate certificate = authority.Issue("IP:127.0.0.1");
@@ -168,7 +168,7 @@ TEST_F(NginxTest, EachTransferUnderWayHasAConnectionOfItsOwnOverHttp2) {
   InternetData second(Text(server.Url("/slow/page")));
   NotificationRecorder recorder({kEnded});
   InternetDataDelegate delegate(nullptr, 1, kEnded, 2, kEnded);
-  // One connection is there that both could use.
+  // Leaves one connection in the pool that both could share.
   ASSERT_TRUE(plain.DownloadWithDelegate(&delegate, nullptr));
   ASSERT_TRUE(recorder.WaitFor(1));
   ASSERT_TRUE(first.DownloadWithDelegate(&delegate, nullptr));
@@ -182,28 +182,28 @@ TEST_F(NginxTest, EachTransferUnderWayHasAConnectionOfItsOwnOverHttp2) {
   for (const LoggedRequest& request : log) EXPECT_EQ(request.protocol, "HTTP/2.0");
 }
 
-TEST_F(NginxTest, RefusesACertificateForAnotherName) {
+TEST_F(NginxTest, RefusesCertificateForAnotherName) {
   const CertificateAuthority authority("Ours");
   Trust(authority);
   ExpectRefused(authority.Issue("DNS:other.example,IP:127.0.0.2"));
 }
 
-TEST_F(NginxTest, RefusesAnExpiredCertificate) {
+TEST_F(NginxTest, RefusesExpiredCertificate) {
   const CertificateAuthority authority("Ours");
   Trust(authority);
   ExpectRefused(authority.IssueExpired("IP:127.0.0.1"));
 }
 
-TEST_F(NginxTest, RefusesACertificateOfAnUnknownAuthority) {
+TEST_F(NginxTest, RefusesCertificateOfUnknownAuthority) {
   Trust(CertificateAuthority("Ours"));
   ExpectRefused(CertificateAuthority("Theirs").Issue("IP:127.0.0.1"));
 }
 
-TEST_F(NginxTest, TrustsNoAuthorityOfItsOwnAccord) {
+TEST_F(NginxTest, RefusesTestAuthorityUnlessItIsSet) {
   ExpectRefused(CertificateAuthority("Ours").Issue("IP:127.0.0.1"));
 }
 
-// A body as a host builds and posts it; the status of the answer.
+// Builds a body as a host does, posts it and returns the status.
 int Upload(const UploadFile& file, const std::string& data, std::string& body) {
   namespace multipartupload = ovrant::stowraapiclient::multipartupload;
   const std::string boundary = multipartupload::GetBoundaryString();
@@ -222,7 +222,7 @@ int Upload(const UploadFile& file, const std::string& data, std::string& body) {
   return status;
 }
 
-TEST_F(NginxTest, UploadsToWhereTheConfigurationSays) {
+TEST_F(NginxTest, UploadsToConfiguredUrl) {
   NginxServer server;
   server.AddFile("config", UploadConfigText(server.Url("/upload?name=Chair")));
   UploadConfig config;
@@ -242,7 +242,7 @@ TEST_F(NginxTest, UploadsToWhereTheConfigurationSays) {
   EXPECT_TRUE(uploads[0] == body) << uploads[0].size() << " bytes of " << body.size();
 }
 
-TEST_F(NginxTest, HearsThatAnUploadIsTooLarge) {
+TEST_F(NginxTest, ReportsStatus413ForTooLargeUpload) {
   NginxServer server;
   UploadFile file;
   file.upload_url_ = Text(server.Url("/upload/small"));
