@@ -1,5 +1,4 @@
-// How far the second parser can be believed: bodies by other hands, of which it is known what
-// stands in them.
+// Tests the second parser itself, on bodies from another source with known parts.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,34 +20,32 @@ namespace {
 
 using testing::ElementsAreArray;
 
-// Where multiparty goes another way than the corpus, and what it does there. None of it touches
-// what the library builds.
+// How multiparty differs from the corpus. The library never builds such bodies.
 struct Difference {
-  std::string error;  // multiparty's, if it refuses the body
-  std::size_t parts;  // as many as it finds
+  std::string error;  // multiparty's, if it rejects the body
+  std::size_t parts;  // that it finds
   const char* reason;
 };
 const std::map<std::string, Difference> kDifferences = {
     {"CRLF_in_header",
-     {"", 1, "takes a line without a colon for the end of the headers; the part has no name"}},
+     {"", 1, "takes a line without a colon as the end of the headers, so the part has no name"}},
     {"almost_match_boundary_without_final_hyphen",
      {"Expected HYPHEN Received 81", 0,
-      "the data holds a line that begins with the boundary, which RFC 2046, 5.1.1 forbids"}},
+      "a line of the data begins with the boundary, which RFC 2046, 5.1.1 forbids"}},
     {"bad_initial_boundary",
-     {"", 0,
-      "what precedes the first boundary is a preamble, which a reader skips: RFC 2046, 5.1.1"}},
+     {"", 0, "skips the text before the first boundary as a preamble (RFC 2046, 5.1.1)"}},
     {"header_with_number",
      {"Expected alphabetic character, received 49", 0,
-      "takes only letters and hyphens for the name of a header"}},
+      "allows only letters and hyphens in the name of a header"}},
     {"quoted_printable_encoding",
      {"unknown transfer-encoding: quoted-printable", 0,
-      "RFC 7578, 4.7 deprecates transfer encodings; of them it decodes base64 alone"}},
+      "decodes only base64, since RFC 7578, 4.7 deprecates transfer encodings"}},
     {"single_field_blocks",
      {"stream ended unexpectedly", 0,
-      "the corpus names the boundary --boundary, and the body has boundary"}}};
+      "the corpus says that the boundary is --boundary, but the body uses boundary"}}};
 
-// The corpus tells no header whole, and the type not of every part. One without a Content-Type is
-// text/plain (RFC 7578, 4.4).
+// Removes what the corpus does not state: whole headers, and the type of some parts. A part without
+// Content-Type is text/plain (RFC 7578, 4.4).
 std::vector<Part> AsCorpusTells(std::vector<Part> parts, const std::vector<Part>& expected) {
   for (std::size_t i = 0; i < parts.size(); ++i) {
     parts[i].disposition.reset();
@@ -73,7 +70,7 @@ void ExpectAgreement(const Reading& reading, const Reading& expected) {
   EXPECT_THAT(AsCorpusTells(reading.parts, expected.parts), ElementsAreArray(expected.parts));
 }
 
-TEST(MultipartCorpusTest, MultipartyFindsWhatIsThere) {
+TEST(MultipartCorpusTest, MultipartyFindsExpectedParts) {
   SKIP_WITHOUT_CORPUS(folder, "multipart");
   std::vector<std::string> cases;
   for (const std::filesystem::path& file : FilesIn(folder / "http")) {
@@ -102,7 +99,7 @@ TEST(MultipartCorpusTest, MultipartyFindsWhatIsThere) {
   EXPECT_EQ(differences, kDifferences.size());
 }
 
-TEST(MultipartyTest, GivesSomeFileNamesAsBrowsersMeantThem) {
+TEST(MultipartyTest, UndoesBrowserEscapesInFileNames) {
   const std::vector<std::pair<std::string, std::string>> names = {
       {"chair.qmf", "chair.qmf"},
       {"12%22 chair.qmf", "12\" chair.qmf"},

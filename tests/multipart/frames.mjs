@@ -1,5 +1,5 @@
-// The form in which the test program and the programs here speak to each other: numbers are four
-// bytes, the highest first; a text is its length and its bytes, an absent one the length 0xFFFFFFFF.
+// The messages between the test program and the scripts here. A number is four bytes, most
+// significant first. A text is its length and its bytes. An absent text is the length 0xFFFFFFFF.
 
 import { readSync } from 'node:fs';
 
@@ -41,7 +41,7 @@ function readExactly(count) {
   return bytes;
 }
 
-// The next text on the standard input; undefined at its end.
+// The next text on standard input, or undefined at its end.
 export function readText() {
   const length = readExactly(4);
   return length && readExactly(length.readUInt32BE());

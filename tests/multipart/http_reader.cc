@@ -44,7 +44,7 @@ HttpReader::HttpReader() {
   port_ = server_.bind_to_any_port("127.0.0.1");
   EXPECT_GT(port_, 0);
   thread_ = std::thread([this] { server_.listen_after_bind(); });
-  // A server that has not yet begun cannot be stopped.
+  // The server must be running before stop() works.
   EXPECT_TRUE(httplib::Client("127.0.0.1", port_).Get("/ready"));
 }
 

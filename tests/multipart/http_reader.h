@@ -1,4 +1,4 @@
-// A parser of multipart bodies behind a server.
+// A server that parses multipart bodies with cpp-httplib.
 
 #ifndef TESTS_MULTIPART_HTTP_READER_H_
 #define TESTS_MULTIPART_HTTP_READER_H_
@@ -10,9 +10,8 @@
 
 namespace stowra_test {
 
-// A server on 127.0.0.1, built on cpp-httplib. It answers a POST with the parts that cpp-httplib
-// finds in its body, in their order, encoded as in part.h. Any status but 200 means that it was
-// none that it can read.
+// Listens on 127.0.0.1. Answers a POST with the parts of its body in order, encoded as in part.h. A
+// status other than 200 means that it could not read the body.
 class HttpReader {
  public:
   HttpReader();

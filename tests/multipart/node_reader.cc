@@ -7,11 +7,12 @@
 #include <utility>
 
 namespace stowra_test {
+
 NodeProgram::NodeProgram(const std::string& script, const std::vector<std::string>& arguments) {
   const std::string node = STOWRA_NODE;
   EXPECT_NE(node, "") << "node and npm are not installed; ./run installs them";
   if (node.empty()) return;
-  ::signal(SIGPIPE, SIG_IGN);  // a program that has ended is an error of the write
+  ::signal(SIGPIPE, SIG_IGN);  // a write to an ended program then returns an error
   OwnedPipe input;
   OwnedPipe output;
   ChildProcess::Start start;
@@ -26,7 +27,7 @@ NodeProgram::NodeProgram(const std::string& script, const std::vector<std::strin
 }
 
 std::string NodeProgram::Ask(const std::string& request) {
-  EXPECT_TRUE(input_.WriteAll(request)) << "the program has ended";
+  EXPECT_TRUE(input_.WriteAll(request)) << "the Node program has ended";
   return ReadText();
 }
 
@@ -36,7 +37,7 @@ std::string NodeProgram::ReadText() {
       output_.ReadExactly(DecodeNumber(bytes), bytes)) {
     return bytes;
   }
-  ADD_FAILURE() << "the program has ended";
+  ADD_FAILURE() << "the Node program has ended";
   return {};
 }
 

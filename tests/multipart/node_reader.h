@@ -1,4 +1,4 @@
-// A parser of multipart bodies in another language.
+// Reads multipart bodies with a parser in JavaScript.
 
 #ifndef TESTS_MULTIPART_NODE_READER_H_
 #define TESTS_MULTIPART_NODE_READER_H_
@@ -13,16 +13,16 @@
 
 namespace stowra_test {
 
-// A program of Node's, one of those beside this file, that answers each request on its standard
-// input on its standard output. The test fails where Node is missing or the program ends.
+// Runs a Node script of this folder. It reads requests from standard input and writes answers to
+// standard output. The test fails if Node is missing or the script ends early.
 class NodeProgram {
  public:
   explicit NodeProgram(const std::string& script, const std::vector<std::string>& arguments = {});
 
-  // Empty after a failure.
+  // Sends a request and returns the answer, or an empty text on failure.
   std::string Ask(const std::string& request);
 
-  // What comes next of its output: a length and as many bytes.
+  // Reads the next text of the output: a length, then that many bytes. Fails like Ask.
   std::string ReadText();
 
  private:
@@ -42,9 +42,9 @@ class NodeReader {
   NodeProgram program_;
 };
 
-// Whether multiparty gives a file name otherwise than it stands in the header. Browsers wrote a
-// quotation mark as %22 and what their encoding lacks as &#8364; and old ones sent the folders,
-// too: multiparty undoes all three.
+// Whether multiparty changes this file name. Browsers write a quotation mark as %22 and a character
+// outside their encoding as &#8364;. Old browsers also send the folder. Multiparty undoes all
+// three.
 bool IsRewrittenByMultiparty(const std::string& file_name);
 
 }  // namespace stowra_test

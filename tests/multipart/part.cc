@@ -24,7 +24,7 @@ std::string EncodeOptional(const std::optional<std::string>& text) {
   return text.has_value() ? EncodeText(*text) : EncodeNumber(kAbsent);
 }
 
-// Takes values from the front of some bytes.
+// Decodes values from the front of the bytes.
 class Decoder {
  public:
   explicit Decoder(std::string_view bytes) : rest_(bytes) {}
@@ -96,7 +96,7 @@ Reading Decode(std::string_view bytes) {
     part.content = decoder.Text();
     reading.parts.push_back(std::move(part));
   }
-  EXPECT_TRUE(decoder.IsWhole()) << "a reading that is cut or too long";
+  EXPECT_TRUE(decoder.IsWhole()) << "the encoded reading is too short or too long";
   return reading;
 }
 

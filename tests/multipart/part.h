@@ -1,4 +1,4 @@
-// What a parser has found in a body.
+// The parts that a parser found in a body.
 
 #ifndef TESTS_MULTIPART_PART_H_
 #define TESTS_MULTIPART_PART_H_
@@ -11,8 +11,7 @@
 
 namespace stowra_test {
 
-// One part. What is absent here is a header, or a parameter of one, that the part does not have, or
-// that the parser does not tell apart from an empty one.
+// One part. An optional field is absent if the part lacks it or the parser does not report it.
 struct Part {
   std::string name;
   std::optional<std::string> file_name;
@@ -24,19 +23,19 @@ struct Part {
 bool operator==(const Part& a, const Part& b);
 std::ostream& operator<<(std::ostream& out, const Part& part);
 
-// A body, or the parser's words about why it is none.
+// The parts of a body, or the parser's error text.
 struct Reading {
   std::string error;
   std::vector<Part> parts;
 };
 
-// A reading as bytes, and back. Numbers are four bytes, the highest first; a text is its length and
-// its bytes, an absent one the length 0xFFFFFFFF. Decode fails the current test when the
-// bytes are no reading.
+// Encodes a reading as bytes, or decodes it. A number is four bytes, most significant first. A text
+// is its length and its bytes. An absent text is the length 0xFFFFFFFF. Decode fails the current
+// test if the bytes are malformed.
 std::string Encode(const Reading& reading);
 Reading Decode(std::string_view bytes);
 
-// A number and a text in that form.
+// Single values in that format.
 std::string EncodeNumber(std::size_t number);
 std::string EncodeText(std::string_view text);
 std::size_t DecodeNumber(std::string_view bytes);

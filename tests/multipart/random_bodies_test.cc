@@ -1,5 +1,4 @@
-// Bodies that the library builds, read back by two parsers that share nothing with it or with each
-// other.
+// Reads the library's bodies back with two parsers that share no code with it or each other.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,8 +26,8 @@ using testing::ElementsAreArray;
 constexpr std::uint32_t kBodies = STOWRA_MULTIPART_BODIES;
 constexpr std::uint32_t kThreads = 2;
 
-// What cpp-httplib tells of the parts: not the whole Content-Disposition, and no difference between
-// a file name or type that is absent and one that is empty.
+// The parts as cpp-httplib reports them. It leaves out the whole Content-Disposition. It reports an
+// absent file name or type as empty.
 std::vector<Part> AsHttplibTells(std::vector<Part> parts) {
   for (Part& part : parts) {
     part.disposition.reset();
@@ -38,7 +37,7 @@ std::vector<Part> AsHttplibTells(std::vector<Part> parts) {
   return parts;
 }
 
-// Posts the body with its headers, as a host does, and gives the answer's parts.
+// Posts the body with its headers as a host does, and returns the parts of the answer.
 std::vector<Part> PostTo(const std::string& url, BuiltUpload upload) {
   InternetData transport{ovrant_ustring(url.c_str())};
   transport.set_send_data(reinterpret_cast<const unsigned char*>(upload.body.data()),
@@ -53,7 +52,7 @@ std::vector<Part> PostTo(const std::string& url, BuiltUpload upload) {
   return Decode(std::string_view(reinterpret_cast<const char*>(data), length)).parts;
 }
 
-TEST(RandomBodiesTest, HttplibReadsBackOverHttpWhatWentIn) {
+TEST(RandomBodiesTest, HttplibReadsBackUploadedParts) {
   HttpReader reader;
   std::atomic<std::uint32_t> next{0};
   std::vector<std::thread> threads;
@@ -71,7 +70,7 @@ TEST(RandomBodiesTest, HttplibReadsBackOverHttpWhatWentIn) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST(RandomBodiesTest, MultipartyReadsBackWhatWentIn) {
+TEST(RandomBodiesTest, MultipartyReadsBackBuiltParts) {
   NodeReader reader;
   std::uint32_t rewritten = 0;
   for (std::uint32_t number = 0; number < kBodies && !HasFailure(); ++number) {

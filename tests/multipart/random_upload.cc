@@ -16,7 +16,7 @@ namespace {
 
 using ovrant::utils::ovrant_ustring;
 
-// What parsers of headers, of URLs and of bodies may stumble over.
+// Characters and texts that parsers of headers, URLs or bodies might misread.
 constexpr std::string_view kSyntax = ";=%&#\\:-'()<>@,/[]?{}*+~ \t.";
 constexpr std::array<std::string_view, 10> kTellingTexts = {
     "%22",   "%0D%0A",       "&#8364;", "; filename=x", "filename*=UTF-8''x",
@@ -70,7 +70,7 @@ class UploadMaker {
   }
 
  private:
-  // The parameters of the upload URL that count; absent where it has none of that name.
+  // The parameters of the upload URL that the library uses. Empty if the URL lacks them.
   struct Query {
     std::optional<std::string> name;
     std::optional<std::string> type;
@@ -84,13 +84,13 @@ class UploadMaker {
   void MakeBoundary() {
     upload_.boundary = ovrant::stowraapiclient::multipartupload::GetBoundaryString();
     if (OneIn(4)) return;
-    constexpr std::size_t kDigits = 16;  // the rest is the same in every one
+    constexpr std::size_t kDigits = 16;  // at the end; only they vary
     for (std::size_t i = upload_.boundary.size() - kDigits; i < upload_.boundary.size(); ++i) {
       upload_.boundary[i] = static_cast<char>('0' + Below(10));
     }
   }
 
-  // The boundary line without its end, and without the end of the boundary itself.
+  // A random part of the boundary line's beginning, never the whole line.
   std::string CutBoundaryLine() {
     const std::string line = "\r\n--" + upload_.boundary;
     return line.substr(0, 1 + Below(line.size() - 1));
@@ -128,7 +128,7 @@ class UploadMaker {
     return 1 + Below(OneIn(10) ? 200 : 20);
   }
 
-  // A text for a name or a value, also without the characters in `excluded`.
+  // A text for a name or a value, without the characters in `excluded`.
   std::string Text(std::string_view excluded) {
     std::string text;
     for (std::size_t left = TextLength(); left > 0; --left) {
@@ -148,7 +148,7 @@ class UploadMaker {
     return text;
   }
 
-  // The name of the file that is to be sent.
+  // Sets both paths. Returns the file name that the body must contain.
   std::string FillPaths() {
     const std::string name = Text("/");
     std::string folder;
@@ -185,7 +185,7 @@ class UploadMaker {
     add("priority=", Text("&?"), query.priority);
     AddOtherParameters(parameters);
     std::shuffle(parameters.begin(), parameters.end(), random_);
-    // Of several parameters of one name the first counts.
+    // The library uses the first of several parameters with one name.
     const std::vector<std::string> repeated = parameters;
     for (const std::string& parameter : repeated) {
       if (OneIn(16)) parameters.push_back(parameter.substr(0, parameter.find('=') + 1) + "again");
@@ -205,7 +205,7 @@ class UploadMaker {
     }
   }
 
-  // What has no part in the body.
+  // Sets members that do not appear in the body.
   void FillUnused() {
     upload_.file.type_ = FromUtf8(Text(""));
     upload_.file.name_ = FromUtf8(Text(""));

@@ -1,4 +1,4 @@
-// Uploads made up by chance.
+// Makes random uploads.
 
 #ifndef TESTS_MULTIPART_RANDOM_UPLOAD_H_
 #define TESTS_MULTIPART_RANDOM_UPLOAD_H_
@@ -13,7 +13,7 @@
 
 namespace stowra_test {
 
-// What goes into a body, and what must come out of it.
+// The input of a body, and the parts that a parser must find in it.
 struct RandomUpload {
   ovrant::utils::ovrant_ustring subject_id;
   ovrant::stowraapiclient::UploadFile file;
@@ -22,13 +22,13 @@ struct RandomUpload {
   std::vector<Part> parts;
 };
 
-// The same number gives the same upload, but for boundaries taken from the clock. It has nothing
-// that a body cannot carry: quotation marks and line ends in names and values, the boundary
-// anywhere, and blanks at the ends of a content type, which do not belong to a header's value
-// (RFC 9110, 5.5).
+// One number always gives the same upload, except for boundaries that come from the clock. The
+// upload has no text that a body cannot carry. Names and values have no quotation marks and no line
+// ends. The boundary occurs nowhere. A content type has no white space at its ends, because parsers
+// drop it from a header value (RFC 9110, 5.5).
 RandomUpload MakeRandomUpload(std::uint32_t number);
 
-// The body and the value of Content-Type that the library makes of it.
+// The body and the headers that the library builds from the upload.
 struct BuiltUpload {
   std::string body;
   ovrant::utils::StringMap headers;

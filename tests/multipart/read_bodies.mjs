@@ -1,5 +1,5 @@
-// Reads multipart bodies. Each request is a Content-Type and a body; the answer is what the parser
-// has found in it.
+// Reads multipart bodies. A request is a Content-Type and a body. The answer is the parser's
+// reading.
 
 import multiparty from 'multiparty';
 import { Readable } from 'node:stream';
@@ -21,7 +21,7 @@ function read(contentType, body) {
     form.on('part', part => {
       const chunks = [];
       part.on('data', chunk => chunks.push(chunk));
-      part.on('error', () => {});  // the form has the same error
+      part.on('error', () => {});  // the form reports the same error
       found.push({ part, chunks });
     });
     form.on('error', error => resolve({ error: error.message }));

@@ -1,5 +1,4 @@
-// What the YAML files named on the command line expect of the body beside each: for each file the
-// boundary and a reading.
+// Writes the boundary and the expected reading of each YAML file on the command line.
 
 import { readFileSync } from 'node:fs';
 import { parse } from 'yaml';
