@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# coverage.sh BUILD_DIR: runs the tests of a build with the preset "coverage" and judges what they execute; see judge.py.
+# coverage.sh BUILD_DIR: runs the tests of a build with the preset "coverage" and judges their coverage with judge.py.
 set -euo pipefail
 folder=$(cd "$(dirname "$0")" && pwd)
 source=$(cd "$folder/../.." && pwd)
 build=$1
 
-# Not what executes no code of the rooms, nor what measures cost: counting costs more than what is measured.
+# Leaves out tests that execute no code of the rooms. Also leaves out tests of cost, since counting would distort it.
 left_out='^(architecture|benchmarks|install|readme)\.|^XmlHostile(Attributes|Hash|Namespaces|Order|Size)Test\.'
 left_out+='|^XmlModelTest\.EveryElement'
 

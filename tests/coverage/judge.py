@@ -1,12 +1,13 @@
-"""judge.py SOURCE_DIR COVERAGE_JSON UNCOVERED: judges what the tests execute, as gcovr has counted it.
+"""judge.py SOURCE_DIR COVERAGE_JSON UNCOVERED: judges the coverage that gcovr has counted.
 
-Prints the shares by room and by piece, and what is not executed with its reason. Fails when a room or all of them
-together fall below a limit, or when UNCOVERED is not exactly what is left: each line that no test executes, and in the
-pieces each line with a branch that none takes. It has a line for each:
+Prints the coverage of each room and piece, and each uncovered line with its reason. Fails if a room, or all rooms
+together, fall below a limit. Also fails if UNCOVERED is not an exact list of the uncovered lines. These are the lines
+that no test executes. In a piece they include each line with a branch that no test takes. UNCOVERED has an entry for
+each of them:
 
     path | the line of source, trimmed | why no test gets there
 
-A reason that begins with "by chance: " is for a place that some runs reach.
+A reason that begins with "by chance: " marks a line that only some runs reach.
 """
 
 import collections
@@ -19,7 +20,7 @@ LEAST_LINES = 0.95
 LEAST_BRANCHES = 0.90
 BY_CHANCE = "by chance: "
 
-# What is to be executed in every branch: the beginnings of paths.
+# Code whose every branch must be taken, by the beginnings of its paths.
 PIECES = {
     "json": ["json/"],
     "XML reader": ["platform/xml/"],
@@ -34,7 +35,7 @@ Listed = collections.namedtuple("Listed", "path text reason")
 
 
 def read_lines(coverage, read_source):
-    """The lines that have code; read_source gives a file's lines by its path."""
+    """Returns the lines with code. read_source returns the lines of the file at a path."""
     lines = []
     for file in coverage["files"]:
         path = file["file"]
@@ -56,7 +57,7 @@ def read_list(text):
     for line in text.splitlines():
         if not line or line.startswith("#"):
             continue
-        # The source may have bars of its own.
+        # The source may contain bars too.
         path, _, rest = line.partition(" | ")
         text, _, reason = rest.rpartition(" | ")
         if not path or not text or not reason:
@@ -98,7 +99,7 @@ def cell(part, whole):
 
 
 def judge(lines, entries):
-    """Returns the report and the problems, both as lists of lines of text."""
+    """Returns the report and the problems, both as lists of text lines."""
     report = ["%-16s%24s%24s" % ("", "lines", "branches")]
     problems = []
     shares = {room: Share([line for line in lines if line.path.startswith(room + "/")]) for room in ROOMS}
@@ -106,19 +107,19 @@ def judge(lines, entries):
     for name, share in shares.items():
         report.append(share.row(name))
         if not share.is_enough():
-            problems.append("%s: less than %.0f %% of the lines or %.0f %% of the branches are executed" %
+            problems.append("%s: covers less than %.0f %% of the lines or %.0f %% of the branches" %
                             (name, 100 * LEAST_LINES, 100 * LEAST_BRANCHES))
-    report.append("to be executed in every branch, but for what is listed:")
+    report.append("every branch must be taken, except in listed lines:")
     for name, beginnings in PIECES.items():
         piece = [line for line in lines if starts_with_any(line.path, beginnings)]
         report.append(Share(piece).row(name))
         if not piece:
-            problems.append(name + ": there is no such code")
+            problems.append(name + ": no such code")
 
     listed = collections.defaultdict(list)
     for entry in entries:
         listed[entry.path, entry.text].append(entry.reason)
-    report.append("not executed, or in a piece not in every branch:")
+    report.append("not executed, or a branch not taken:")
     for line in filter(is_left, lines):
         place = "%s:%d: %s" % (line.path, line.number, line.text)
         reasons = listed[line.path, line.text]
@@ -126,12 +127,12 @@ def judge(lines, entries):
             report.append("  %s\n      %s" % (place, reasons.pop(0)))
         else:
             what = "a branch is not taken" if line.is_executed else "not executed"
-            problems.append("%s (%s, and not listed)" % (place, what))
+            problems.append("%s (%s and not listed)" % (place, what))
     for (path, text), reasons in listed.items():
         for reason in reasons:
             if reason.startswith(BY_CHANCE):
                 continue
-            problems.append("%s: %s (listed, but executed or gone; the reason was: %s)" % (path, text, reason))
+            problems.append("%s: %s (listed but executed or gone, reason: %s)" % (path, text, reason))
     return report, problems
 
 

@@ -1,4 +1,4 @@
-"""Whether judge.py refuses what it has to refuse."""
+"""Tests what judge.py accepts and what it rejects."""
 
 import unittest
 
@@ -10,7 +10,8 @@ def lines_of(path, count):
 
 
 def well_tested():
-    paths = ["platform/url.cc", "platform/xml_tree.cc", "json/node.cc", "request/base.cc", "services/item_map.cc",
+    paths = ["platform/text/case.cc", "platform/notify/gate.cc", "platform/http/url.cc", "platform/http/loop.cc",
+             "platform/xml/tree.cc", "json/node.cc", "request/base.cc", "services/item_map.cc",
              "content/multipart_upload.cc", "content/content_helpers.cc"]
     return [line for path in paths for line in lines_of(path, 20)]
 
@@ -25,44 +26,42 @@ class JudgeTest(unittest.TestCase):
         self.assertEqual(len(problems), 1, problems)
         self.assertIn(text, problems[0])
 
-    def test_is_content_when_all_is_executed(self):
+    def test_accepts_code_that_is_fully_executed(self):
         self.assertEqual(judge(well_tested(), [])[1], [])
 
-    def test_wants_a_reason_for_a_line(self):
-        lines = replaced("platform/url.cc", 7, is_executed=False, taken=0)
+    def test_requires_reason_for_unexecuted_line(self):
+        lines = replaced("platform/http/url.cc", 7, is_executed=False, taken=0)
         self.expect_problem("url.cc:7: f7(); (not executed", lines, [])
-        self.assertEqual(judge(lines, [Listed("platform/url.cc", "f7();", "why")])[1], [])
+        self.assertEqual(judge(lines, [Listed("platform/http/url.cc", "f7();", "why")])[1], [])
 
-    def test_wants_a_reason_for_a_branch_of_a_piece_only(self):
+    def test_requires_reason_for_branch_only_in_a_piece(self):
         entry = Listed("json/node.cc", "f7();", "why")
         self.expect_problem("node.cc:7: f7(); (a branch", replaced("json/node.cc", 7, taken=1), [])
         self.assertEqual(judge(replaced("json/node.cc", 7, taken=1), [entry])[1], [])
-        self.assertEqual(judge(replaced("platform/url.cc", 7, taken=1), [])[1], [])
+        self.assertEqual(judge(replaced("platform/http/url.cc", 7, taken=1), [])[1], [])
 
-    def test_lets_a_place_of_chance_be_reached_or_not(self):
-        entry = Listed("platform/url.cc", "f7();", "by chance: why")
+    def test_allows_chance_line_to_be_executed_or_not(self):
+        entry = Listed("platform/http/url.cc", "f7();", "by chance: why")
         self.assertEqual(judge(well_tested(), [entry])[1], [])
-        self.assertEqual(judge(replaced("platform/url.cc", 7, is_executed=False, taken=0), [entry])[1], [])
+        self.assertEqual(judge(replaced("platform/http/url.cc", 7, is_executed=False, taken=0), [entry])[1], [])
 
-    def test_wants_a_reason_for_each_of_two_equal_lines(self):
-        lines = [line._replace(is_executed=False, text="same") if line.path == "platform/url.cc" and line.number < 2
-                 else line for line in well_tested()]
-        second = lines[1]._replace(is_executed=False, text="same")
-        lines[1] = second
-        entry = Listed("platform/url.cc", "same", "why")
-        # Two of the room's forty lines: just enough of them are executed.
+    def test_requires_reason_for_each_of_two_equal_lines(self):
+        lines = [line._replace(is_executed=False, text="same")
+                 if line.path == "platform/http/url.cc" and line.number < 3 else line for line in well_tested()]
+        entry = Listed("platform/http/url.cc", "same", "why")
+        # 38 of the room's 40 lines are executed, which is just enough.
         self.expect_problem("url.cc:2: same", lines, [entry])
         self.assertEqual(judge(lines, [entry, entry])[1], [])
 
-    def test_refuses_what_is_listed_but_executed_or_gone(self):
-        self.expect_problem("listed, but", well_tested(), [Listed("json/node.cc", "f7();", "why")])
-        self.expect_problem("listed, but", well_tested(), [Listed("json/gone.cc", "f7();", "why")])
+    def test_rejects_listed_line_that_is_executed_or_gone(self):
+        self.expect_problem("listed but", well_tested(), [Listed("json/node.cc", "f7();", "why")])
+        self.expect_problem("listed but", well_tested(), [Listed("json/gone.cc", "f7();", "why")])
 
-    def test_refuses_a_room_below_a_limit(self):
+    def test_rejects_room_below_a_limit(self):
         def half(path):
             return [line._replace(taken=1) if line.path == path and line.number < 10 else line
                     for line in well_tested()]
-        self.expect_problem("services: less", half("services/item_map.cc"), [])
+        self.expect_problem("services: covers less", half("services/item_map.cc"), [])
 
         lines = replaced("services/item_map.cc", 1, is_executed=False)
         entries = [Listed("services/item_map.cc", "f1();", "why")]
@@ -70,15 +69,15 @@ class JudgeTest(unittest.TestCase):
         lines = [line._replace(is_executed=False) if line.path == "services/item_map.cc" and line.number < 3 else line
                  for line in lines]
         entries.append(Listed("services/item_map.cc", "f2();", "why"))
-        self.expect_problem("services: less", lines, entries)
+        self.expect_problem("services: covers less", lines, entries)
 
-    def test_refuses_a_room_or_a_piece_without_code(self):
+    def test_rejects_room_or_piece_without_code(self):
         without = [line for line in well_tested() if not line.path.startswith("request/")]
-        self.expect_problem("request: less", without, [])
+        self.expect_problem("request: covers less", without, [])
         without = [line for line in well_tested() if not line.path.startswith("content/multipart")]
-        self.expect_problem("multipart: there is no", without, [])
+        self.expect_problem("multipart: no such code", without, [])
 
-    def test_reads_what_gcovr_writes(self):
+    def test_reads_json_of_gcovr(self):
         coverage = {"files": [{"file": "common_stowraapi/json/node.cc", "lines": [
             {"line_number": 1, "count": 3, "branches": [{"count": 0}, {"count": 3}]},
             {"line_number": 2, "count": 0, "branches": [], "gcovr/noncode": True},
@@ -87,7 +86,7 @@ class JudgeTest(unittest.TestCase):
         self.assertEqual(lines, [Line("json/node.cc", 1, "if (a) {", True, 2, 1),
                                  Line("json/node.cc", 3, "b();", False, 0, 0)])
 
-    def test_reads_the_list_and_refuses_a_line_without_a_reason(self):
+    def test_reads_list_and_rejects_entry_without_reason(self):
         self.assertEqual(read_list("# why\n\njson/a.cc | if (a | b) { | too large\n"),
                          [Listed("json/a.cc", "if (a | b) {", "too large")])
         for line in ["json/a.cc | f();", "json/a.cc | f(); | ", "json/a.cc"]:
