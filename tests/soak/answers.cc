@@ -67,7 +67,7 @@ void AnswerInPieces(const Target& target, const std::string& body, RawConnection
       connection.EndWriting();
       return;
     default:
-      Violate("the server was asked for what there is not");
+      Violate("the server got an unknown request");
   }
 }
 
@@ -126,11 +126,11 @@ void CheckReply(const Target& target, bool received, int status, const std::stri
   if (!received) {
     if (!body.empty()) Violate(asked + "failed with a body");
   } else if (StatusOf(target.manner) == 0) {
-    Violate(asked + "received what was never sent whole");
+    Violate(asked + "received a reply that was never sent whole");
   } else if (status != StatusOf(target.manner)) {
     Violate(asked + "has status " + std::to_string(status));
   } else if (body != BodyOf(target)) {
-    Violate(asked + "has another's body: " + body.substr(0, 80));
+    Violate(asked + "has a wrong body: " + body.substr(0, 80));
   }
 }
 

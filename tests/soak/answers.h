@@ -1,4 +1,4 @@
-// What the server of a soak is asked, and what it answers.
+// The requests to the soak's server, and its replies.
 
 #ifndef TESTS_SOAK_ANSWERS_H_
 #define TESTS_SOAK_ANSWERS_H_
@@ -13,7 +13,7 @@ namespace stowra_test {
 
 enum class Document { kNumber, kUser, kUpdate, kExtensions, kFeed, kConfiguration };
 
-// How the document comes.
+// How the server sends the document.
 enum class Manner {
   kWell,
   kGzip,
@@ -32,7 +32,7 @@ enum class Manner {
 };
 inline constexpr std::uint32_t kManners = 14;
 
-// A document of its own for each number.
+// Each number has its own document.
 struct Target {
   Document document = Document::kNumber;
   Manner manner = Manner::kWell;
@@ -41,21 +41,21 @@ struct Target {
   std::string Path() const;
 };
 
-// Mostly those that are answered at once.
+// Random, but mostly a manner that answers at once.
 Manner DrawManner(Random& random);
 
-// The status of a whole reply; 0 where none may come.
+// The status of a whole reply, or 0 if no whole reply may arrive.
 int StatusOf(Manner manner);
 
 std::string BodyOf(const Target& target);
 
-// Violates unless this reply to a GET of `target` may have been received.
+// Reports a violation if a GET of `target` must not have this result.
 void CheckReply(const Target& target, bool received, int status, const std::string& body);
 
-// The handler of the server. A POST is answered with its body where a GET gets the document.
+// The server's handler. It answers a GET with the document and a POST with the POST's own body.
 void Answer(const RawRequest& request, RawConnection& connection);
 
-// How many requests are being answered.
+// The number of requests that the server is answering now.
 int AnswersUnderWay();
 
 }  // namespace stowra_test

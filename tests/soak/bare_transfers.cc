@@ -13,10 +13,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A transfer that is kept has ended by then, unless its completion was destroyed.
+// A kept transfer has posted by then, unless its completion was dropped.
 constexpr std::chrono::seconds kOverdue(15);
 
-// No destructor waits for the network; this one has a busy machine to wait for.
+// Destructors do not wait for the network. The limit allows for a busy machine.
 constexpr std::chrono::seconds kLongestDeletion(5);
 
 constexpr std::uint32_t kLongestPause = 800;  // microseconds
@@ -84,7 +84,7 @@ void BareTransfers::Act(std::uint32_t index) {
   } else if (is_own) {
     Delete(place);
   } else if (!Finish(place) && Clock::now() - place.begin > kOverdue) {
-    // Its completion must have been destroyed; at the end the two numbers are compared.
+    // Its completion must have been dropped. The soak compares the two counts at the end.
     tally.never_posted.Add();
     Delete(place);
   }
@@ -109,7 +109,7 @@ void BareTransfers::Create(std::uint32_t index) {
   Start(place, false);
 }
 
-// Starting again drops the transfer before: nothing of it is posted once the start has returned.
+// A restart drops the earlier transfer, which must not post once the restart has returned.
 void BareTransfers::Start(Place& place, bool again) {
   place.begin = Clock::now();
   const std::uint64_t before = place.context.start;
@@ -119,7 +119,7 @@ void BareTransfers::Start(Place& place, bool again) {
   auto delegate = std::make_unique<InternetDataDelegate>(place.context.Pack(), 1, returned_.c_str(),
                                                          2, failed_.c_str());
   InternetDataDelegate* const started = delegate.get();
-  // The main loop may look for it at once.
+  // The main loop may delete the delegate at once.
   const bool delegate_goes_first =
       place.fate == Fate::kDeletedInsideItsNotification || random_.OneIn(2);
   if (delegate_goes_first) place.delegate = std::move(delegate);
@@ -147,7 +147,7 @@ void BareTransfers::Delete(Place& place) {
   tally.bare_deleted.Add();
 }
 
-// Empties the place of a kept transfer that has posted. False when it has not.
+// Empties the place of a kept transfer that has posted. False if it has not.
 bool BareTransfers::Finish(Place& place) {
   if (place.fate == Fate::kDeletedInsideItsNotification) {
     if (!place.was_emptied.exchange(false)) return false;
@@ -187,7 +187,7 @@ void BareTransfers::OnNotification(const char* name, void* payload) {
   CheckPost(place, context, returned);
 }
 
-// The objects are alive until this call has returned: their deletion waits for it.
+// The objects stay alive during this call, because their destructors wait for it.
 void BareTransfers::CheckPost(Place& place, const Context& context, bool returned) {
   const InternetData& transport = *place.seen_transport.load(std::memory_order_relaxed);
   const unsigned long length = transport.received_data_length();

@@ -1,4 +1,4 @@
-// Transports and delegates on their own, on a thread of their own.
+// Uses transports and delegates directly, without requests.
 
 #ifndef TESTS_SOAK_BARE_TRANSFERS_H_
 #define TESTS_SOAK_BARE_TRANSFERS_H_
@@ -21,12 +21,13 @@
 
 namespace stowra_test {
 
-// Creates, starts, starts again and deletes at random, from its construction until it is told to
-// stop, while the main loop delivers. Then it deletes all but the transfers that are to be kept.
+// Creates, starts, restarts and deletes transfers at random on its own thread, from construction to
+// Stop(). The main loop delivers their notifications. After Stop(), the thread deletes all
+// transfers except those with the fate to be kept.
 class BareTransfers final : public ovrant::IObserver {
  public:
   BareTransfers(int index, const RawServer& server, const MainLoop& loop, std::uint32_t seed);
-  // Deletes what is left. REQUIRES: has_stopped.
+  // Deletes the kept transfers. REQUIRES: has_stopped().
   ~BareTransfers() override;
 
   BareTransfers(const BareTransfers&) = delete;
@@ -35,7 +36,7 @@ class BareTransfers final : public ovrant::IObserver {
   void Stop() { stopping_ = true; }
   bool has_stopped() const { return has_stopped_; }
 
-  // Transfers that are kept and have not posted yet, once it has stopped.
+  // Counts kept transfers that have not posted yet. REQUIRES: has_stopped().
   int CountUnposted();
 
   using ovrant::IObserver::OnNotification;
@@ -45,9 +46,9 @@ class BareTransfers final : public ovrant::IObserver {
   enum class Fate { kDeletedAnywhen, kKept, kDeletedInsideItsNotification };
   enum class Phase : std::uint64_t { kDropped, kLive, kPosted };
 
-  // Which start of which place has posted, as the delegate's context says it.
+  // Identifies a start. The delegate's context carries it.
   struct Context {
-    std::uint64_t start;   // of that place, from 1
+    std::uint64_t start;   // at that place, from 1
     std::uint32_t number;  // of the transport
     std::uint32_t place;
     Manner manner;
@@ -56,7 +57,7 @@ class BareTransfers final : public ovrant::IObserver {
     static Context Unpack(const void* context);
   };
 
-  // How a transfer stands. The one before it may still be on its way.
+  // The state of one start.
   struct Standing {
     std::atomic<std::uint64_t> start_and_phase{0};
 
@@ -68,17 +69,17 @@ class BareTransfers final : public ovrant::IObserver {
     }
   };
 
-  // The thread's own, but for what the main loop's thread needs during the notification.
+  // Belongs to this object's thread. During a notification the main loop's thread uses it too.
   struct Place {
     bool is_taken = false;
     Fate fate = Fate::kDeletedAnywhen;
     Context context = {};
     std::unique_ptr<ovrant::internet::InternetData> transport;
-    // Of the last one, which may be about to be deleted: that waits while it is looked at.
+    // The last transport. During a notification it is valid, since its destructor waits.
     std::atomic<const ovrant::internet::InternetData*> seen_transport{nullptr};
     std::unique_ptr<ovrant::internet::InternetDataDelegate> delegate;
     std::chrono::steady_clock::time_point begin;
-    std::array<Standing, 2> standings;  // of the last two starts
+    std::array<Standing, 2> standings;  // of the last two starts, as both may be under way
     std::atomic<bool> was_emptied{false};
 
     Standing& StandingOf(std::uint64_t start) { return standings[start % 2]; }

@@ -75,7 +75,8 @@ void BlockingCalls::SendAndRead() {
   const bool received = transport.SendAndRead(url, &data, &length, &status, &headers, false, false,
                                               true, "", "", &received_headers);
   CheckReply(target, received, status, Body(data, length));
-  Check(received != received_headers.empty(), "headers without a response, or none with one");
+  Check(received != received_headers.empty(),
+        "headers without a response, or a response without any");
   tally.blocking_uploads.Add();
 }
 
@@ -85,7 +86,7 @@ void BlockingCalls::QueryFeed() {
   const bool good = query.QueryFeed(server_.Url(target.Path()).c_str());
   const ovrant_ustring title = std::to_string(target.number).c_str();
   Check(!good || (StatusOf(target.manner) != 0 && query.title_ == title),
-        "a feed that was not asked for");
+        "a feed that was not requested");
   Check(good || query.title_.empty(), "a failed feed has a title");
   tally.blocking_feeds.Add();
 }
@@ -98,7 +99,7 @@ void BlockingCalls::QueryConfiguration() {
   const ovrant_ustring number = std::to_string(target.number).c_str();
   Check(!good || (StatusOf(target.manner) != 0 && config.success_url_ == number &&
                   config.files_.size() == 1),
-        "a configuration that was not asked for");
+        "a configuration that was not requested");
   Check(good || config.files_.empty(), "a failed configuration has files");
   tally.blocking_configurations.Add();
 }

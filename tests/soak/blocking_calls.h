@@ -1,4 +1,4 @@
-// Calls that block their threads until the reply.
+// Makes calls that block until the reply.
 
 #ifndef TESTS_SOAK_BLOCKING_CALLS_H_
 #define TESTS_SOAK_BLOCKING_CALLS_H_
@@ -12,8 +12,8 @@
 
 namespace stowra_test {
 
-// Makes them, one after the other, on a thread of its own, from its construction until it is told
-// to stop. What each gives is compared with what it asked for.
+// Makes such calls on its own thread, one after the other, from construction to Stop(). Checks each
+// result against the request.
 class BlockingCalls {
  public:
   BlockingCalls(const RawServer& server, std::uint32_t seed);

@@ -1,4 +1,4 @@
-// The host's main loop, on which completions are delivered.
+// The host's main loop, which runs completions.
 
 #ifndef TESTS_SOAK_MAIN_LOOP_H_
 #define TESTS_SOAK_MAIN_LOOP_H_
@@ -15,16 +15,16 @@
 
 namespace stowra_test {
 
-// The thread that makes the loop is the one that runs it.
+// The thread that constructs the loop runs it.
 class MainLoop {
  public:
   using Function = std::function<void()>;
   using Clock = std::chrono::steady_clock;
 
-  // Any thread.
+  // Lets the loop run `completion` once it is due. Safe from any thread.
   void Post(Function completion, Clock::time_point due);
 
-  // Waits a moment for something to come, then runs a few of what is due, in a random order.
+  // Waits briefly for a completion, then runs a few that are due, in random order.
   void RunSome(Random& random);
 
   bool IsThisThread() const { return std::this_thread::get_id() == thread_; }

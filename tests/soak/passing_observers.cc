@@ -20,7 +20,7 @@ constexpr std::uint32_t kLongestPause = 600;  // microseconds
 
 class PassingObservers::Observer final : public ovrant::IObserver {
  public:
-  // `removes_itself`: in its first call.
+  // With `removes_itself`, it does so in its first call under its own name.
   Observer(const char* own_name, bool observes_own, bool removes_itself, const MainLoop& loop)
       : own_name_(own_name),
         observes_own_(observes_own),
@@ -32,7 +32,7 @@ class PassingObservers::Observer final : public ovrant::IObserver {
     for (const char* name : PublicNames()) center->AddObserver(name, this);
     tally.observers_added.Add();
   }
-  // It is not called once the removal has returned.
+  // No call may come once the removal has returned.
   ~Observer() override {
     CNotificationCenter::Default()->RemoveObserver(this);
     is_gone_.store(true, std::memory_order_relaxed);
@@ -49,26 +49,27 @@ class PassingObservers::Observer final : public ovrant::IObserver {
     tally.observer_calls.Add();
     if (std::strcmp(name, kSharedName) == 0) return Linger();
     if (std::strcmp(name, own_name_) == 0) {
-      Check(payload == own_name_, "a notification has another's payload");
+      Check(payload == own_name_, "a notification has a wrong payload");
       ++own_calls_;
-      // Its thread is the one that sends.
+      // These members belong to the sending thread.
       if (!removes_itself_) return;
       CNotificationCenter::Default()->RemoveObserver(this);
       has_removed_itself_ = true;
     } else {
-      Check(loop_.IsThisThread() && payload == nullptr, "a public notification is another's");
+      Check(loop_.IsThisThread() && payload == nullptr,
+            "a public notification is on a wrong thread or has a payload");
     }
   }
 
-  // How often it has been called under its own name, by the thread that asks.
+  // The number of calls under its own name. Only for the sending thread.
   int own_calls() const { return own_calls_; }
   bool expects_own() const { return observes_own_ && !has_removed_itself_; }
 
  private:
-  // Gives a removal on another thread the time to come in between.
+  // Gives another thread time to remove the observer during the call.
   void Linger() {
     std::this_thread::sleep_for(std::chrono::microseconds(1));
-    if (is_gone_.load(std::memory_order_relaxed)) Violate("an observer was removed inside a call");
+    if (is_gone_.load(std::memory_order_relaxed)) Violate("a removal did not wait for a call");
   }
 
   const char* const own_name_;
@@ -119,7 +120,7 @@ void PassingObservers::RemoveOne() {
   observers_.pop_back();
 }
 
-// Every observer of the name is called once, before the call returns, and no other.
+// Every observer of the name must be called once before the call returns, and no other observer.
 void PassingObservers::SendOwn() {
   std::vector<int> expected;
   for (const auto& observer : observers_) {
@@ -127,7 +128,8 @@ void PassingObservers::SendOwn() {
   }
   CNotificationCenter::Default()->SendNotification(own_name_.c_str(), own_name_.data());
   for (std::size_t i = 0; i < observers_.size(); ++i) {
-    Check(observers_[i]->own_calls() == expected[i], "an observer was not called just once");
+    Check(observers_[i]->own_calls() == expected[i],
+          "an observer was not called as often as expected");
   }
 }
 

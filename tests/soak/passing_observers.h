@@ -1,4 +1,4 @@
-// Observers that come and go.
+// Adds and removes observers while notifications are sent.
 
 #ifndef TESTS_SOAK_PASSING_OBSERVERS_H_
 #define TESTS_SOAK_PASSING_OBSERVERS_H_
@@ -14,8 +14,8 @@
 
 namespace stowra_test {
 
-// Adds, removes and destroys observers of the public names, of a name of its own and of one that
-// all of these threads send, on a thread of its own, from its construction to its destruction.
+// Works on its own thread, from construction to destruction. Its observers observe the public
+// names, a name that only this object sends and a name that all such objects send.
 class PassingObservers {
  public:
   PassingObservers(int index, const MainLoop& loop, std::uint32_t seed);

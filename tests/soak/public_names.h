@@ -1,4 +1,4 @@
-// What the requests post for the host.
+// The names under which requests post for the host.
 
 #ifndef TESTS_SOAK_PUBLIC_NAMES_H_
 #define TESTS_SOAK_PUBLIC_NAMES_H_

@@ -28,14 +28,14 @@ void PrintSummary(double seconds) {
   std::printf("%.1f seconds\n", seconds);
   Print("requests created", tally.requests_created);
   Print("requests started", tally.requests_started);
-  Print("requests given another URL", tally.requests_retargeted);
+  Print("requests restarted with another URL", tally.requests_retargeted);
   Print("requests cleaned up", tally.requests_cleaned_up);
   Print("requests deleted", tally.requests_deleted);
   Print("requests deleted by observers", tally.requests_deleted_by_observers);
   Print("requests run blocking", tally.requests_run_blocking);
   Print("transports created", tally.bare_created);
   Print("transports started", tally.bare_started);
-  Print("transports started again", tally.bare_restarted);
+  Print("transports restarted", tally.bare_restarted);
   Print("transports deleted", tally.bare_deleted);
   Print("transports deleted in their notification", tally.bare_deleted_inside);
   Print("transfers dropped in flight", tally.dropped_in_flight);
@@ -45,7 +45,7 @@ void PrintSummary(double seconds) {
   Print("blocking configurations", tally.blocking_configurations);
   Print("observers added", tally.observers_added);
   Print("observers removed", tally.observers_removed);
-  Print("calls of observers that come and go", tally.observer_calls);
+  Print("observer calls", tally.observer_calls);
   Print("executors set", tally.executors);
   Print("listeners set", tally.listeners);
   Print("defaults set", tally.defaults);
@@ -53,10 +53,10 @@ void PrintSummary(double seconds) {
   Print("completions dropped", tally.completions_dropped);
   Print("listener events", tally.listener_events);
   Print("transfers posted", tally.transfer_posts);
-  Print("of them with a response", tally.returned);
+  Print("transfers posted with a response", tally.returned);
   Print("public notifications posted", tally.public_posted);
   Print("public notifications received", tally.public_received);
-  Print("kept, never posted (dropped completions)", tally.never_posted);
+  Print("transfers given up after a drop", tally.never_posted);
   std::printf("violations: %d\n", violations.load());
 }
 

@@ -1,4 +1,4 @@
-// What a soak did and saw, and what it must not see.
+// Counts what a soak does, and reports violations.
 
 #ifndef TESTS_SOAK_REPORT_H_
 #define TESTS_SOAK_REPORT_H_
@@ -10,7 +10,7 @@
 
 namespace stowra_test {
 
-// Orders nothing between threads: counting must not hide what a thread sanitizer looks for.
+// Does not order memory between threads, so that it hides no data race from ThreadSanitizer.
 class Counter {
  public:
   void Add(std::int64_t count = 1) { value_.fetch_add(count, std::memory_order_relaxed); }
@@ -20,7 +20,7 @@ class Counter {
   std::atomic<std::int64_t> value_{0};
 };
 
-// One for the process.
+// The counts of the whole process.
 struct Tally {
   // Requests, of all kinds together.
   Counter requests_created;
@@ -38,7 +38,7 @@ struct Tally {
   Counter bare_deleted;
   Counter bare_deleted_inside;  // their own notification
 
-  // Of both: in flight when deleted, cleaned up or started again.
+  // Transfers of both kinds, in flight when deleted, cleaned up or restarted.
   Counter dropped_in_flight;
 
   Counter blocking_downloads;
@@ -48,7 +48,7 @@ struct Tally {
 
   Counter observers_added;
   Counter observers_removed;
-  Counter observer_calls;  // of those that come and go
+  Counter observer_calls;  // of passing observers
 
   Counter executors;
   Counter listeners;
@@ -58,31 +58,31 @@ struct Tally {
   Counter listener_events;
 
   Counter transfer_posts;  // under the names of transfers
-  Counter returned;        // of them
+  Counter returned;        // those with a response
   Counter public_posted;
   Counter public_received;
-  Counter never_posted;  // kept, and given up at last
+  Counter never_posted;  // kept transfers that were given up
 };
 
 extern Tally tally;
 
-// Says what is wrong and makes the soak fail; the soak ends soon. Any thread.
+// Prints `what` and makes the soak end soon and fail. Safe from any thread.
 void Violate(const std::string& what);
 bool IsViolated();
 
-// Violates unless `good`.
+// Reports a violation unless `good`.
 inline void Check(bool good, const char* what) {
   if (!good) Violate(what);
 }
 
 void PrintSummary(double seconds);
 
-// A thread's own.
+// Random numbers for one thread.
 class Random {
  public:
   explicit Random(std::uint32_t seed) : engine_(seed) {}
 
-  // Below `count`.
+  // A number below `count`.
   std::uint32_t Draw(std::uint32_t count) {
     return std::uniform_int_distribution<std::uint32_t>(0, count - 1)(engine_);
   }

@@ -1,4 +1,4 @@
-// The three kinds, each with a watch on what it does for one notification.
+// The three kinds of requests. Each checks its own reaction to a notification.
 
 #include <cstring>
 #include <string>
@@ -23,7 +23,7 @@ ovrant_ustring UrlOf(const RawServer& server, const Target& target) {
   return server.Url(target.Path()).c_str();
 }
 
-// Compares what an object posts with what is received meanwhile.
+// Compares the notifications that an object posts with those received meanwhile.
 class PostWatch {
  public:
   bool is_busy() const { return depth_ > 0; }
@@ -41,7 +41,7 @@ class PostWatch {
     function();
     --depth_;
     Check(tally.public_received.value() - received_before == posts_ - posts_before,
-          "as many public notifications are not received as are posted");
+          "public notifications posted and received differ in number");
   }
 
  private:
@@ -87,7 +87,7 @@ class WatchedQuery final : public Query, public SoakRequest {
     bool good = false;
     const int hooks_before = hooks_;
     watch_.Watch([&] { good = Query::SynchronousRequest(); });
-    Check(hooks_ == hooks_before + 1, "a blocking request ran not just one hook");
+    Check(hooks_ == hooks_before + 1, "a blocking request did not run exactly one hook");
     return good;
   }
 
@@ -102,7 +102,7 @@ class WatchedQuery final : public Query, public SoakRequest {
     const bool returned = std::strcmp(name, Query::kAsynchReturnedNotification) == 0;
     const int hooks_after = hooks_ + (!returned || has_transport_ ? 1 : 0);
     watch_.Watch([&] { Query::OnNotification(name, payload); });
-    Check(hooks_ == hooks_after, "a notification ran other hooks than it should");
+    Check(hooks_ == hooks_after, "a notification ran a wrong number of hooks");
   }
 
   void OnSyncResponseSuccess() override {
@@ -126,7 +126,7 @@ class WatchedQuery final : public Query, public SoakRequest {
   void NoteSuccess(const ovrant_ustring& asked) {
     ++hooks_;
     watch_.NotePost();
-    Check(ResultOf(*this) == asked, "a request has a result that it did not ask for");
+    Check(ResultOf(*this) == asked, "a request has a result that it did not request");
   }
   void NoteFailure() {
     ++hooks_;
@@ -158,7 +158,7 @@ class WatchedStatus final : public ExtensionStoreStatus, public SoakRequest {
     bool good = false;
     watch_.Watch([&] { good = SynchronousStatus(); });
     Check(!good || GetItemMapFromResponse().count(NumberOf(target)) == 1,
-          "a status has a response that it did not ask for");
+          "a status has a response that it did not request");
     asked_blocking_ = NumberOf(target);
     return good;
   }
@@ -174,7 +174,7 @@ class WatchedStatus final : public ExtensionStoreStatus, public SoakRequest {
     });
     for (const auto& item : GetItemMapFromResponse()) {
       Check(item.first == asked_ || item.first == asked_blocking_,
-            "a status has an item that it did not ask for");
+            "a status has an item that it did not request");
     }
   }
 

@@ -39,7 +39,7 @@ void* Pack(std::uint32_t index, std::uint32_t start) {
 
 }  // namespace
 
-// The first observer of all names: it knows of an end before the requests do.
+// Registers before the requests do, so that it sees each end before they do.
 Requests::Requests(const RawServer& server, const MainLoop& loop, std::uint32_t seed)
     : server_(server), loop_(loop), random_(seed) {
   CNotificationCenter* const center = CNotificationCenter::Default();
@@ -75,7 +75,7 @@ void Requests::Act() {
     case 4:
       return StartOne(index);
     default:
-      // Most are kept until they have ended.
+      // Lets most transfers run to their end.
       if (!place.is_live) StartOne(index);
   }
 }
@@ -96,7 +96,7 @@ void Requests::StartOne(std::uint32_t index) {
   place.request->Start(server_, target, Pack(index, place.start));
 }
 
-// Only what is answered at once: the main loop stands still meanwhile.
+// Uses only manners that answer at once, since it blocks the main loop.
 void Requests::RunBlocking(std::uint32_t index) {
   const Target target = {KindOf(index), static_cast<Manner>(random_.Draw(2)), ++number_};
   places_[index].request->RunBlocking(server_, target);
@@ -139,8 +139,7 @@ void Requests::OnEnd(const void* payload) {
   place.is_live = false;
 }
 
-// Leaves the requests alone that the notification is delivered to, directly or as the one that
-// posts.
+// Leaves busy requests alone, such as the one that posts this notification.
 void Requests::OnPublic() {
   tally.public_received.Add();
   const std::uint32_t index = random_.Draw(kPlaces);

@@ -1,4 +1,4 @@
-// Requests of all three kinds, as a host uses them: on the thread of its main loop.
+// Uses requests of all three kinds on the main loop's thread, as a host does.
 
 #ifndef TESTS_SOAK_REQUESTS_H_
 #define TESTS_SOAK_REQUESTS_H_
@@ -16,29 +16,30 @@
 
 namespace stowra_test {
 
-// What is asked of one request, whatever its kind.
+// One request of any kind.
 class SoakRequest {
  public:
   virtual ~SoakRequest() = default;
 
-  // Sets the URL of `target` and starts; `context` comes back with the end of the transfer.
+  // Sets the URL of `target` and starts. The transfer's end notification carries `context`.
   virtual void Start(const RawServer& server, const Target& target, void* context) = 0;
 
-  // Gives up the transfer, where the kind can.
+  // Gives up the transfer. False if this kind cannot.
   virtual bool CleanUp() = 0;
 
-  // The same target on this thread; whether it succeeded.
+  // Runs `target` on this thread. True if it succeeded.
   virtual bool RunBlocking(const RawServer& server, const Target& target) = 0;
 
-  // Posts by itself, where the kind can.
+  // Makes the request post by itself, if this kind can.
   virtual void Poke() {}
 
-  // Whether a notification is being delivered to it: it must be left alone then.
+  // Whether a notification is being delivered to it. It must not be used or deleted then.
   virtual bool is_busy() const = 0;
 };
 
-// Creates, starts, points elsewhere, cleans up and deletes them at random, some of it from inside
-// the notifications of others, and observes all that they post. For the main loop's thread.
+// Creates, starts, restarts, cleans up and deletes requests at random. Some of this happens inside
+// the notifications of other requests. Observes all that they post. For the main loop's thread
+// only.
 class Requests final : public ovrant::IObserver {
  public:
   Requests(const RawServer& server, const MainLoop& loop, std::uint32_t seed);
@@ -47,10 +48,10 @@ class Requests final : public ovrant::IObserver {
   Requests(const Requests&) = delete;
   Requests& operator=(const Requests&) = delete;
 
-  // Does something to one of them.
+  // Does one random thing to a random request.
   void Act();
 
-  // Transfers that have neither been dropped nor posted.
+  // Counts transfers that have neither posted nor been dropped.
   int CountUnposted() const;
 
   using ovrant::IObserver::OnNotification;
@@ -61,8 +62,8 @@ class Requests final : public ovrant::IObserver {
 
   struct Place {
     std::unique_ptr<SoakRequest> request;
-    std::uint32_t start = 0;  // the last one's number
-    bool is_live = false;     // and it has not posted
+    std::uint32_t start = 0;  // number of the last start
+    bool is_live = false;     // the last start has neither posted nor been dropped
   };
 
   static Document KindOf(std::uint32_t index) { return static_cast<Document>(1 + index % 3); }
@@ -82,7 +83,7 @@ class Requests final : public ovrant::IObserver {
   std::array<Place, kPlaces> places_;
 };
 
-// `kind` is what it reads.
+// `kind` is the document that the request reads.
 std::unique_ptr<SoakRequest> MakeRequest(Document kind);
 
 }  // namespace stowra_test

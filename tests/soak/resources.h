@@ -1,4 +1,4 @@
-// What a process holds.
+// Measures the resources of the process.
 
 #ifndef TESTS_SOAK_RESOURCES_H_
 #define TESTS_SOAK_RESOURCES_H_
@@ -9,7 +9,7 @@ namespace stowra_test {
 
 int CountOpenDescriptors();
 
-// Bytes allocated and not freed; 0 where nothing tells.
+// Bytes allocated and not freed, or 0 if the platform cannot tell.
 std::size_t LiveHeapBytes();
 
 }  // namespace stowra_test

@@ -20,7 +20,7 @@ constexpr std::uint32_t kOneDroppedOf = 200;
 
 }  // namespace
 
-// Called by the library's thread only.
+// Only the library's thread calls it.
 struct SettingsChanges::Executor {
   Executor(MainLoop& main_loop, std::uint32_t seed, bool drops) : loop(main_loop), random(seed) {
     is_late = random.OneIn(2);
@@ -33,7 +33,7 @@ struct SettingsChanges::Executor {
       tally.completions_dropped.Add();
       return;
     }
-    // Late ones overtake each other.
+    // Random delays let completions overtake each other.
     const std::chrono::milliseconds delay(is_late ? random.Draw(kLongestDelay) : 0);
     loop.Post(std::move(completion), MainLoop::Clock::now() + delay);
   }
@@ -45,7 +45,7 @@ struct SettingsChanges::Executor {
   std::atomic<bool> is_retired{false};
 };
 
-// Called by every thread that runs transfers.
+// Every thread that runs transfers calls it.
 struct SettingsChanges::Listener {
   void Call(const TransferEvent& event) {
     if (is_retired.load(std::memory_order_relaxed)) {
@@ -54,7 +54,7 @@ struct SettingsChanges::Listener {
     tally.listener_events.Add();
     if (event.kind == TransferEvent::Kind::kStarted) started.Add();
     if (event.kind == TransferEvent::Kind::kEnded) ended.Add();
-    if (event.url.empty()) Violate("a listener heard of a transfer without URL");
+    if (event.url.empty()) Violate("a listener event has no URL");
   }
 
   Counter started;
@@ -75,7 +75,7 @@ SettingsChanges::~SettingsChanges() {
   thread_.join();
   InternetData::SetTransferListener(nullptr);
   listener_->is_retired = true;
-  // One that keeps all, for what still runs.
+  // For the transfers that still run: an executor that drops nothing.
   InternetData::SetCompletionExecutor([&loop = loop_](std::function<void()> completion) {
     loop.Post(std::move(completion), MainLoop::Clock::now());
   });
@@ -113,7 +113,7 @@ void SettingsChanges::ReplaceListener() {
   if (listener_) {
     listener_->is_retired = true;
     Check(listener_->ended.value() <= listener_->started.value(),
-          "a listener heard of more ends than starts");
+          "a listener got more end events than start events");
   }
   listener_ = std::move(next);
   tally.listeners.Add();
@@ -122,7 +122,7 @@ void SettingsChanges::ReplaceListener() {
 void SettingsChanges::ReplaceDefaults() {
   TransferDefaults defaults;
   defaults.inactivity_timeout = 0.5F + static_cast<float>(random_.Draw(3)) / 4;
-  // Some lie below the big bodies.
+  // Some caps are smaller than the big bodies.
   if (random_.OneIn(4)) defaults.body_cap = 100'000 + random_.Draw(1'000'000);
   if (random_.OneIn(2)) defaults.user_agent = "soak";
   if (random_.OneIn(2)) defaults.extra_request_headers["X-Soak"] = "yes";

@@ -1,4 +1,4 @@
-// What a host sets for all transfers, replaced again and again while they run.
+// Replaces the settings for all transfers while transfers run.
 
 #ifndef TESTS_SOAK_SETTINGS_H_
 #define TESTS_SOAK_SETTINGS_H_
@@ -12,9 +12,9 @@
 
 namespace stowra_test {
 
-// Replaces completion executor, listener and defaults on a thread of its own, from its construction
-// to its destruction. Every executor hands what it gets to the main loop: at once, late, or in
-// another order; some destroy a few, if `drops_completions`.
+// Replaces completion executor, listener and defaults on its own thread, from construction to
+// destruction. Every executor passes completions to the main loop, some of them late and in another
+// order. If `drops_completions`, some executors drop a few.
 class SettingsChanges {
  public:
   SettingsChanges(MainLoop& loop, std::uint32_t seed, bool drops_completions);

@@ -1,9 +1,9 @@
-// Everything at once, at random. Usage: soak SECONDS [--seed NUMBER]
+// Uses everything at once, at random. Usage: soak SECONDS [--seed NUMBER]
 //
-// Creates, starts, points elsewhere, cleans up and deletes requests of all three kinds on the main
-// thread, which delivers; bare transports on other threads; blocking calls, observers that come and
-// go, and changes of executor, listener and defaults on more. Exits with 1 when something happens
-// that must not, or when more is held at the end than after a short round at first.
+// The main thread delivers, and uses requests of all three kinds. Other threads use bare
+// transports, make blocking calls, add and remove observers, and change executor, listener and
+// defaults. Exits with 1 on a violation. More descriptors, or clearly more heap, than after the
+// first short round are violations too.
 
 #include <stdlib.h>
 
@@ -43,21 +43,21 @@ constexpr int kBareThreads = 3;
 constexpr int kBlockingThreads = 3;
 constexpr int kObserverThreads = 2;
 
-// What the library, the allocator and the sanitizers may keep more of after a long round than after
-// a short one.
+// Bytes by which the heap may grow after the first round, in the library, the allocator or a
+// sanitizer.
 constexpr std::size_t kMostGrowth = std::size_t{4} << 20;
 
-// As many as the library keeps connections of, and more.
+// More than the connections that the library keeps.
 constexpr int kFlushThreads = 12;
 
 class Soak {
  public:
   explicit Soak(std::uint32_t seed) : seed_(seed) {}
 
-  // Leaves no transfer. Where no completion is dropped, every transfer that is kept must post.
+  // Ends with no transfer running. Every kept transfer must post, unless a completion is dropped.
   void RunRound(std::chrono::duration<double> length, bool drops_completions);
 
-  // Replaces the connections that are kept by none, so that what is held can be compared.
+  // Closes the kept connections, so that descriptors and heap can be compared.
   void Flush();
 
  private:
@@ -69,7 +69,7 @@ class Soak {
   MainLoop loop_;
 };
 
-// How many kept transfers may not have posted, beside those that have been given up as such.
+// How many kept transfers may still fail to post, because completions were dropped.
 std::int64_t CountExcused() {
   return tally.completions_dropped.value() - tally.never_posted.value();
 }
@@ -118,10 +118,10 @@ void Soak::RunRound(std::chrono::duration<double> length, bool drops_completions
   while (!loop_.IsEmpty()) loop_.RunSome(random);
   const auto end = Clock::now() + kPatience;
   while (AnswersUnderWay() > 0 && Clock::now() < end) loop_.RunSome(random);
-  Check(AnswersUnderWay() == 0, "transfers are left");
+  Check(AnswersUnderWay() == 0, "transfers are still running");
 }
 
-// Runs until all transfers that are kept have posted, but for as many as completions were dropped.
+// Runs until all kept transfers have posted, except one for each dropped completion.
 void Soak::Settle(Requests& requests, std::vector<std::unique_ptr<BareTransfers>>& bare,
                   std::int64_t excused_before, Random& random) {
   const auto end = Clock::now() + kPatience;
@@ -132,14 +132,13 @@ void Soak::Settle(Requests& requests, std::vector<std::unique_ptr<BareTransfers>
     const std::int64_t excused = CountExcused() - excused_before;
     if (unposted <= excused) return;
     if (Clock::now() > end) {
-      Violate(std::to_string(unposted) + " kept transfers never posted; dropped completions of " +
-              std::to_string(excused));
+      Violate(std::to_string(unposted) + " kept transfers never posted, but completions of only " +
+              std::to_string(excused) + " were dropped");
     }
   }
 }
 
-// libcurl looks after the connections that it keeps when it makes a new one, but not more than once
-// a second.
+// libcurl closes dead kept connections when it makes a new one, but at most once a second.
 void Soak::Flush() {
   Random random(NextSeed());
   std::this_thread::sleep_for(std::chrono::milliseconds(1100));
@@ -169,7 +168,7 @@ void Soak::Flush() {
 }
 
 int Run(double seconds, std::uint32_t seed) {
-  // The server is on this machine, whatever proxy its user has.
+  // The server is on this machine, so a proxy must not be used.
   for (const char* name : {"http_proxy", "all_proxy", "ALL_PROXY"}) unsetenv(name);
   std::printf("soak: %g seconds, seed %u\n", seconds, seed);
   std::fflush(stdout);
@@ -192,9 +191,9 @@ int Run(double seconds, std::uint32_t seed) {
   if (descriptors > descriptors_before) Violate("descriptors are left open");
   if (heap > heap_before + kMostGrowth) Violate("the heap has grown");
   Check(tally.public_received.value() == tally.public_posted.value(),
-        "as many public notifications were not received as were posted");
+        "public notifications posted and received differ in number");
   Check(tally.returned.value() > 0 && tally.returned.value() < tally.transfer_posts.value(),
-        "there were no failures, or nothing else");
+        "either no transfer failed or all did");
   return IsViolated() ? 1 : 0;
 }
 
