@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # bench.sh BUILD_DIR DOCS_DIR
 #
-# Runs every benchmark of a build, counts the instructions of the small cases, and writes performance.md, performance.json
-# and performance.svg. Fails when a row of rows.json was not measured; one that is not reached is told, no more.
+# Runs all benchmarks of a build, counts the instructions of the small cases, and writes performance.md,
+# performance.json and performance.svg. Fails if a row of rows.json was not measured. Only reports a row that is not
+# reached.
 set -euo pipefail
 
 build=$1
@@ -10,7 +11,7 @@ docs=$2
 here=$(cd "$(dirname "$0")" && pwd)
 results="$build/results"
 
-# Enough for a median that stands, in about six minutes for all.
+# Enough for a stable median. All benchmarks take about six minutes.
 rounds=5
 seconds_each=0.1
 
@@ -20,8 +21,8 @@ processor() {
   echo "${name:-$(uname -m)}"
 }
 
-# measure PROGRAM BENCHMARK OUTPUT: in a process of its own, so that no other benchmark has left a heap in pieces or vector
-# registers half in use: either makes a parser slower by a tenth.
+# measure PROGRAM BENCHMARK OUTPUT: runs one benchmark in its own process. Another benchmark in the process could leave
+# a fragmented heap or vector registers in use. Either makes a parser a tenth slower.
 measure() {
   "$1" --benchmark_filter="^$2\$" --benchmark_min_time=$seconds_each --benchmark_out="$3.json" \
     --benchmark_out_format=json >"$3.log" 2>&1 || { cat "$3.log" >&2; exit 1; }
@@ -44,7 +45,7 @@ echo "== instructions" >&2
 if command -v valgrind >/dev/null; then
   "$here/instructions/count.sh" "$build/benchmarks/instructions/stowra-instructions" >"$results/counts.txt"
 else
-  echo "no valgrind here: instructions are not counted" >&2
+  echo "valgrind is not installed: instructions are not counted" >&2
   : >"$results/counts.txt"
 fi
 

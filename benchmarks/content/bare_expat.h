@@ -1,4 +1,4 @@
-// The least that reading a feed can cost: the parser alone.
+// The limit for reading a feed: the parser alone.
 
 #ifndef BENCHMARKS_CONTENT_BARE_EXPAT_H_
 #define BENCHMARKS_CONTENT_BARE_EXPAT_H_
@@ -7,7 +7,7 @@
 
 namespace stowra_bench {
 
-// Parses `document` with a fresh expat in namespace mode, without any handler. False when it is not
+// Parses `document` with a new expat parser in namespace mode, without handlers. False if it is not
 // well-formed.
 bool ParseBare(std::string_view document);
 

@@ -1,4 +1,4 @@
-// From the bytes of a feed to its items.
+// Measures reading the bytes of a feed into items.
 
 #include <benchmark/benchmark.h>
 
@@ -19,7 +19,7 @@ using ovrant::stowraapiclient::ContentQuery;
 
 constexpr int kNewestVersion = 8;
 
-// Measures `load`, which gives the number of items.
+// Measures `load`, which returns the number of items.
 template <typename Load>
 void Measure(benchmark::State& state, std::string document, std::size_t items, const Load& load) {
   for (auto _ : state) {
@@ -36,7 +36,7 @@ std::size_t Load(std::string& document) {
   return loaded ? query.items_.size() : 0;
 }
 
-// A reader of another library, which has the same signature but for the record.
+// Calls another library's reader. The readers differ only in the record that they fill.
 template <typename FeedRecord, bool (*Read)(std::string_view, int, FeedRecord&)>
 std::size_t LoadWithPeer(const std::string& document) {
   FeedRecord feed;
@@ -52,7 +52,7 @@ void RegisterFeed(const char* name, const Load& load) {
   benchmark::RegisterBenchmark(name, measure)->Arg(12)->Arg(200)->Arg(2000)->UseRealTime();
 }
 
-// The parser alone finds no items.
+// The parser alone counts no items, so success returns the expected number.
 std::size_t ParseOnly(const std::string& document, std::size_t items) {
   return ParseBare(document) ? items : 0;
 }

@@ -167,7 +167,7 @@ void FeedBuilder::StartInGroup(Element element, const Attributes& attributes) {
 
 void FeedBuilder::Enter(Place place) { place_ = place; }
 
-// The element and all inside it.
+// Skips the current element and all elements inside it.
 void FeedBuilder::Ignore() { ignored_ = 1; }
 
 bool FeedBuilder::HasSeen(Element element) const { return (seen_in_entry_ & Bit(element)) != 0; }

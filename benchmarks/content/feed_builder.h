@@ -1,4 +1,4 @@
-// The part of reading a feed that all parsers which report events have in common.
+// Builds a feed from parser events. Shared by the peers' event parsers and tree walks.
 
 #ifndef BENCHMARKS_CONTENT_FEED_BUILDER_H_
 #define BENCHMARKS_CONTENT_FEED_BUILDER_H_
@@ -46,7 +46,7 @@ struct ElementName {
   Element element;
 };
 
-// The most frequent first.
+// The most frequent elements come first.
 inline constexpr ElementName kElementNames[] = {
     {kMediaNamespace, "content", Element::kMediaContent},
     {kAtomNamespace, "link", Element::kLink},
@@ -69,7 +69,7 @@ inline constexpr ElementName kElementNames[] = {
     {kOpenSearchNamespace, "itemsPerPage", Element::kItemsPerPage},
 };
 
-// Those that are read. Views stay valid during the event only.
+// The attributes that the builder reads. The views are valid only during the event.
 struct Attributes {
   std::optional<std::string_view> rel;
   std::optional<std::string_view> href;
@@ -78,14 +78,14 @@ struct Attributes {
   std::optional<std::string_view> src;
   std::optional<std::string_view> url;
 
-  // Keeps an attribute that has no prefix, if it is one of these.
+  // Keeps an attribute without a prefix if it is one of these.
   void Set(std::string_view name, std::string_view value);
 };
 
-// Whether an element's attributes are read.
+// Whether the builder reads this element's attributes.
 bool HasAttributes(Element element);
 
-// Fills a feed from the events of a parser. For one document.
+// Fills a feed from the events of one document.
 class FeedBuilder {
  public:
   FeedBuilder(int max_qmf_version, StdFeed& feed);
@@ -94,7 +94,7 @@ class FeedBuilder {
   void Characters(std::string_view text);
   void End();
 
-  // Whether there was a feed with all that it must have.
+  // Whether the document had a feed with all required elements.
   bool complete() const;
 
  private:
@@ -123,18 +123,18 @@ class FeedBuilder {
   StdFeed& feed_;
   StdFeedItem item_;
   Place place_ = Place::kDocument;
-  int ignored_ = 0;              // open elements that are not read
-  std::string* text_ = nullptr;  // of the open element, where its text is read
+  int ignored_ = 0;              // open elements that are skipped
+  std::string* text_ = nullptr;  // receives the open element's text, if it is read
   Element text_element_ = Element::kOther;
   int text_depth_ = 0;  // elements inside that one
-  std::string value_;   // a text that is a number or a boolean
+  std::string value_;   // the text of a number or a boolean
   std::uint32_t seen_in_feed_ = 0;
   std::uint32_t seen_in_entry_ = 0;
   int counts_ = 0;
   bool has_feed_ = false;
-  bool is_broken_ = false;             // the entry, whatever its kind
-  bool is_collection_broken_ = false;  // if it is a collection
-  bool is_model_broken_ = false;       // if it is a model
+  bool is_broken_ = false;             // the entry is unusable
+  bool is_collection_broken_ = false;  // the entry is unusable as a collection
+  bool is_model_broken_ = false;       // the entry is unusable as a model
   int best_version_ = 0;
 };
 

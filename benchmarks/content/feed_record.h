@@ -1,5 +1,5 @@
-// What a feed is turned into by the libraries that the content room is compared with: the same
-// fields as ContentQuery and ContentItem, with each library's own text type.
+// The record that the peer libraries read a feed into. It has the fields of ContentQuery and
+// ContentItem, with each library's own text type.
 
 #ifndef BENCHMARKS_CONTENT_FEED_RECORD_H_
 #define BENCHMARKS_CONTENT_FEED_RECORD_H_

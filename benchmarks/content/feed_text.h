@@ -1,4 +1,4 @@
-// Reading the texts of a feed that are held as std::string.
+// Reads values from a feed's texts in std::string.
 
 #ifndef BENCHMARKS_CONTENT_FEED_TEXT_H_
 #define BENCHMARKS_CONTENT_FEED_TEXT_H_
@@ -9,10 +9,10 @@
 
 namespace stowra_bench {
 
-// Takes the white space of XML away from both ends.
+// Removes XML white space from both ends.
 void TrimInPlace(std::string& text);
 
-// False, and `value` is unchanged, if the text is no decimal number of 32 bits.
+// False, with `value` unchanged, if the text is not a decimal number that fits 32 bits.
 bool ToInt(std::string_view text, int& value);
 
 bool IsTrue(std::string_view text);
@@ -22,12 +22,12 @@ void RemoveSearchOperators(std::string& title);
 // The value of the parameter "uq".
 std::string_view FindAuthorId(std::string_view uri);
 
-// The value of a parameter of the URL's query, percent-decoded; it lies in the URL or, where
-// something had to be decoded, in `decoded`.
+// The percent-decoded value of a parameter of the URL's query. It points into the URL, or into
+// `decoded` if there was something to decode.
 std::optional<std::string_view> FindParameter(std::string_view url, std::string_view name,
                                               std::string& decoded);
 
-// The version of a rendition's model file; 0 for any other rendition.
+// The version of a rendition's model file, or 0 for any other rendition.
 int QmfVersion(std::string_view rendition);
 
 }  // namespace stowra_bench

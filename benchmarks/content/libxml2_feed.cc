@@ -19,7 +19,8 @@ Reading& Of(void* context) {
   return *static_cast<Reading*>(static_cast<xmlParserCtxt*>(context)->_private);
 }
 
-// `fields` are name, prefix, namespace, begin and end of the value.
+// `fields` holds five pointers for each attribute: name, prefix, namespace, value begin and value
+// end.
 void OnStart(void* context, const xmlChar* local_name, const xmlChar* /*prefix*/,
              const xmlChar* uri, int /*namespace_count*/, const xmlChar** /*namespaces*/, int count,
              int /*defaulted*/, const xmlChar** fields) {

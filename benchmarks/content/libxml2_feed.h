@@ -1,5 +1,4 @@
-// A feed read with libxml2: from the events of its SAX2 parser, which is its fastest way, and from
-// the tree that it builds, which is its usual one.
+// Reads a feed with libxml2. The SAX2 events are its fastest way, the tree its usual way.
 
 #ifndef BENCHMARKS_CONTENT_LIBXML2_FEED_H_
 #define BENCHMARKS_CONTENT_LIBXML2_FEED_H_
@@ -10,7 +9,7 @@
 
 namespace stowra_bench {
 
-// Both add what `document` holds to an empty feed. False when it is no complete feed.
+// Both read `document` into an empty feed. False if it is not a complete feed.
 bool LoadWithLibxml2(std::string_view document, int max_qmf_version, StdFeed& feed);
 bool LoadWithLibxml2Tree(std::string_view document, int max_qmf_version, StdFeed& feed);
 

@@ -1,4 +1,4 @@
-// The names of a feed's elements as libxml2 holds them.
+// The names of a feed's elements in libxml2.
 
 #ifndef BENCHMARKS_CONTENT_LIBXML2_NAMES_H_
 #define BENCHMARKS_CONTENT_LIBXML2_NAMES_H_
@@ -16,13 +16,13 @@ inline const xmlChar* Chars(const char* text) { return reinterpret_cast<const xm
 
 inline const char* Chars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
-// Without NOENT the events' values still have "&" written "&#38;"; HUGE takes the limit off the
-// size of the document.
+// Without NOENT, values in events contain "&#38;" for "&". HUGE removes the size limit of a
+// document.
 inline constexpr int kLibxml2Options =
     XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
 
-// The names as they lie in a parser's dictionary, from which it takes those that it reports: to
-// compare two of them is to compare pointers.
+// The names in a parser's dictionary. The parser reports names from the same dictionary, so
+// comparing pointers is enough.
 class Libxml2Names {
  public:
   explicit Libxml2Names(xmlDict* dictionary) {

@@ -11,7 +11,7 @@ struct FreeDocument {
   void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
 };
 
-// A tree holds copies of the namespaces' URIs, which are compared as texts.
+// Compares URIs as text, because a tree holds copies of them.
 Element Classify(const xmlNode& node) {
   if (node.ns == nullptr) return Element::kOther;
   for (const ElementName& name : kElementNames) {
@@ -36,7 +36,7 @@ void Start(const xmlNode& node, FeedBuilder& builder) {
   builder.Start(element, values);
 }
 
-// Reports the tree's nodes in the order of the document.
+// Reports the tree's nodes in document order.
 void Walk(const xmlNode* root, FeedBuilder& builder) {
   const xmlNode* node = root;
   while (true) {

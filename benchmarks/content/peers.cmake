@@ -1,4 +1,4 @@
-# What others would read a feed with: stowra_bench_content_peers.
+# stowra_bench_content_peers: reads a feed with other libraries.
 
 find_package(Qt6 REQUIRED COMPONENTS Core)
 find_package(Poco REQUIRED COMPONENTS XML)

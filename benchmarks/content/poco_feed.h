@@ -1,4 +1,4 @@
-// A feed read with POCO: from the events of its SAX parser, and from the tree that it builds.
+// Reads a feed with POCO, from SAX events or from a tree.
 
 #ifndef BENCHMARKS_CONTENT_POCO_FEED_H_
 #define BENCHMARKS_CONTENT_POCO_FEED_H_
@@ -9,7 +9,7 @@
 
 namespace stowra_bench {
 
-// Both add what `document` holds to an empty feed. False when it is no complete feed.
+// Both read `document` into an empty feed. False if it is not a complete feed.
 bool LoadWithPoco(std::string_view document, int max_qmf_version, StdFeed& feed);
 bool LoadWithPocoTree(std::string_view document, int max_qmf_version, StdFeed& feed);
 

@@ -34,7 +34,7 @@ void Start(const Poco::XML::Element& node, FeedBuilder& builder) {
   builder.Start(element, values);
 }
 
-// Reports the tree's nodes in the order of the document.
+// Reports the tree's nodes in document order.
 void Walk(const Node* root, FeedBuilder& builder) {
   const Node* node = root;
   while (true) {

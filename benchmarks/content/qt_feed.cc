@@ -38,7 +38,7 @@ std::optional<QString> FindParameter(QStringView url, QLatin1StringView name) {
   return std::nullopt;
 }
 
-// The version of a rendition's model file; 0 for any other rendition.
+// The version of a rendition's model file, or 0 for any other rendition.
 int QmfVersion(QStringView rendition) {
   constexpr int kVersionOfBareMark = 5;
   if (!rendition.startsWith(u's')) return 0;
@@ -68,7 +68,7 @@ class Reader {
   bool Read() {
     if (!xml_.readNextStartElement() || !Is(kAtom, "feed"_L1)) return false;
     while (xml_.readNextStartElement()) ReadInFeed();
-    // What follows the root must be well-formed, too.
+    // The text after the root must be well-formed too.
     while (!xml_.atEnd()) xml_.readNext();
     for (const QLatin1StringView search_operator :
          {" filetype:qmf"_L1, " is:downloadable"_L1, "filetype:qmf"_L1, "is:downloadable"_L1}) {
@@ -78,7 +78,7 @@ class Reader {
   }
 
  private:
-  // What is known about the entry that is being read.
+  // The entry that is being read.
   struct Entry {
     QtFeedItem item;
     bool has_id = false;
@@ -106,7 +106,7 @@ class Reader {
 
   QString Text() { return xml_.readElementText(QXmlStreamReader::IncludeChildElements).trimmed(); }
 
-  // The text of the first element of a kind.
+  // Reads the first element of its kind and skips the others.
   void ReadText(bool& is_known, QString& text) {
     if (is_known) return xml_.skipCurrentElement();
     is_known = true;
@@ -119,7 +119,7 @@ class Reader {
     flag = ToBool(Text());
   }
 
-  // `state`: 0 nothing read, 1 a number, -1 something else.
+  // `state` is 0 before the first value, 1 after a number and -1 after any other text.
   void ReadCount(int& state, int& count) {
     if (state != 0) return xml_.skipCurrentElement();
     bool is_number = false;

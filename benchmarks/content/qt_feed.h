@@ -1,4 +1,4 @@
-// A feed read with Qt's QXmlStreamReader.
+// Reads a feed with Qt's QXmlStreamReader.
 
 #ifndef BENCHMARKS_CONTENT_QT_FEED_H_
 #define BENCHMARKS_CONTENT_QT_FEED_H_
@@ -13,7 +13,7 @@ namespace stowra_bench {
 using QtFeed = Feed<QString>;
 using QtFeedItem = FeedItem<QString>;
 
-// Adds what `document` holds to an empty feed. False when it is no complete feed.
+// Reads `document` into an empty feed. False if it is not a complete feed.
 bool LoadWithQt(std::string_view document, int max_qmf_version, QtFeed& feed);
 
 }  // namespace stowra_bench

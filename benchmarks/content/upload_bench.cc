@@ -1,4 +1,4 @@
-// The body of an upload, beside one write of the same file.
+// Measures building an upload's body against one write of the same file.
 
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
@@ -34,8 +34,7 @@ std::size_t SizeOf(std::stringstream& body) {
   return static_cast<std::size_t>(body.seekp(0, std::ios::end).tellp());
 }
 
-// Each returns whether the whole file is in a fresh stream.
-
+// Both write to a new stream and return whether it holds the whole file.
 bool WriteBody(std::string_view file) {
   UploadFile upload;
   upload.file_path_ = "/home/ann/models/chair.qmf";
@@ -53,8 +52,8 @@ bool WriteBare(std::string_view file) {
   return body.good() && SizeOf(body) == file.size();
 }
 
-// The most memory that a child process had which did `work` and nothing else, as the system
-// counts; 0 if that failed.
+// Runs only `work` in a child process. Returns the child's peak memory in the system's unit, or 0
+// on failure.
 template <typename Work>
 double PeakOf(const Work& work) {
   const pid_t child = fork();
@@ -65,15 +64,15 @@ double PeakOf(const Work& work) {
   return done && status == 0 ? static_cast<double>(usage.ru_maxrss) : 0;
 }
 
-// What was freed, to the system: as in a process that uploads once. Otherwise chance decides which
-// sizes find memory that was used before.
+// Returns freed memory to the system, as in a process that uploads once. Otherwise only some sizes
+// would reuse memory, by chance.
 void GiveMemoryBack() {
 #if defined(__GLIBC__)
   malloc_trim(0);
 #endif
 }
 
-// The first `size` bytes of the one file, which stays where it is.
+// The first `size` bytes of one file, which is made once.
 std::string_view FileOf(std::int64_t size) {
   static const std::string file = MakeBytes(static_cast<std::size_t>(kLargeFile));
   return std::string_view(file).substr(0, static_cast<std::size_t>(size));
@@ -82,7 +81,7 @@ std::string_view FileOf(std::int64_t size) {
 template <bool (*kWrite)(std::string_view)>
 void Upload(benchmark::State& state) {
   const std::string_view file = FileOf(state.range());
-  // In the unit of the system, which is 1 KiB on Linux; the file itself is not in it.
+  // In the system's unit, which is 1 KiB on Linux. Does not include the file.
   state.counters["peak"] = PeakOf([&] { return kWrite(file); }) - PeakOf([] { return true; });
   for (auto _ : state) {
     state.PauseTiming();

@@ -1,4 +1,4 @@
-// What is counted.
+// The cases whose instructions are counted.
 
 #ifndef BENCHMARKS_INSTRUCTIONS_CASE_H_
 #define BENCHMARKS_INSTRUCTIONS_CASE_H_
@@ -9,15 +9,16 @@
 
 namespace stowra_bench {
 
-// One piece of work, of the library or of its limit, named like the benchmark of the same work.
+// A small piece of work of the library or of its limit. It has the name of the benchmark for the
+// same work.
 struct Case {
   std::string name;
-  std::function<bool()> run;  // false when the result is not the expected one
+  std::function<bool()> run;  // false on an unexpected result
 };
 
 using Cases = std::vector<Case>;
 
-// Append the cases of one room. Inputs are made here, once.
+// Make the inputs and append the cases of one room.
 void AddTextCases(Cases& cases);
 void AddNotificationCases(Cases& cases);
 void AddJsonCases(Cases& cases);

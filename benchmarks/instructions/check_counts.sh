@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # check_counts.sh [--update] RECORD COUNTS
 #
-# Compares COUNTS, what count.sh printed, with RECORD, which is kept. Fails when a case takes 5 % more instructions than
-# recorded, was not counted, or is not recorded; --update rewrites RECORD instead.
+# Compares COUNTS, the output of count.sh, with RECORD. Fails if a case takes over 5 % more instructions than recorded,
+# was not counted, or is not recorded. With --update, rewrites RECORD instead.
 set -euo pipefail
 
 update=
@@ -16,7 +16,7 @@ machine=$(uname -m)
 
 fail() { echo "instructions: $1" >&2; exit 1; }
 
-[ -s "$counts" ] || fail "$counts: nothing was counted"
+[ -s "$counts" ] || fail "$counts: no counts"
 if [ -n "$update" ]; then
   {
     echo "# Instructions of each case in the release preset, from count.sh; check_counts.sh --update rewrites this file."
@@ -28,9 +28,9 @@ if [ -n "$update" ]; then
 fi
 
 recorded_machine=$(sed -n 's/^# machine: //p' "$record")
-[ -n "$recorded_machine" ] || fail "$record: does not say of which machine it is"
+[ -n "$recorded_machine" ] || fail "$record: does not name its machine"
 if [ "$recorded_machine" != "$machine" ]; then
-  echo "instructions: the record is of $recorded_machine and this is $machine: not compared"
+  echo "instructions: not compared, since the record is from $recorded_machine and this is $machine"
   exit
 fi
 
@@ -51,7 +51,7 @@ awk -v record="$record" -v counts="$counts" '
       else if (counted[name] * 100 < recorded[name] * 95) print "instructions: less than recorded: " text
     }
     for (name in counted) if (!(name in recorded)) complain(name ": not recorded")
-    if (failed) print "instructions: where it is meant, check_counts.sh --update " record " " counts
+    if (failed) print "instructions: if this is intended, run check_counts.sh --update " record " " counts
     else print "instructions: no case takes 5 % more than recorded"
     exit failed
   }

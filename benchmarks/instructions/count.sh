@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # count.sh PROGRAM
 #
-# Prints each case of stowra-instructions and the number of instructions that it takes, in the order of the names.
+# Prints each case of stowra-instructions and its number of instructions, sorted by name.
 set -euo pipefail
 
 program=$1
@@ -11,7 +11,7 @@ trap 'rm -rf "$folder"' EXIT
 valgrind --tool=callgrind --callgrind-out-file="$folder/counts" --toggle-collect=stowra_counted_case \
   --dump-after=stowra_counted_case "$program" >"$folder/cases" 2>"$folder/log" || { cat "$folder/log" >&2; exit 1; }
 
-# One dump a case: counts.1, counts.2 and so on.
+# callgrind writes one dump for each case: counts.1, counts.2 and so on.
 number=0
 while IFS= read -r name; do
   number=$((number + 1))

@@ -34,7 +34,7 @@ void AddJsonCases(Cases& cases) {
   cases.push_back({"DocumentToString/stowra/" + count, [loaded, size = text.length()] {
                      ovrant_ustring written;
                      loaded->ToString(written);
-                     // Without the white space of the input.
+                     // The output lacks the input's white space.
                      return written.length() > size * 9 / 10;
                    }});
 }

@@ -1,13 +1,12 @@
-// stowra-instructions: runs each case once to warm up and once more to be counted, and prints their
-// names in that order. Run it by count.sh, which has callgrind count.
+// stowra-instructions: runs each case once to warm up and once to be counted, and prints its name.
+// count.sh runs it under callgrind.
 
 #include <cstdio>
 #include <exception>
 
 #include "benchmarks/instructions/case.h"
 
-// The function that callgrind watches for: it counts from its begin to its end, and no other
-// instruction of the program.
+// callgrind counts only the instructions inside this function.
 extern "C" __attribute__((noinline)) bool stowra_counted_case(const stowra_bench::Case& counted) {
   return counted.run();
 }

@@ -15,7 +15,8 @@ class Counter : public ovrant::IObserver {
   int count = 0;
 };
 
-// Registered for as long as it lives: one observer of its own name among many of others.
+// One observer of its own name, among many observers of other names. All are registered until
+// destruction.
 class Crowd {
  public:
   Crowd() : others_(kOthers) {

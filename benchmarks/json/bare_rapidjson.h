@@ -1,4 +1,4 @@
-// The least that loading a JSON text can cost: the parser alone.
+// The limit for loading a JSON text: the parser alone.
 
 #ifndef BENCHMARKS_JSON_BARE_RAPIDJSON_H_
 #define BENCHMARKS_JSON_BARE_RAPIDJSON_H_
@@ -7,7 +7,7 @@
 
 namespace stowra_bench {
 
-// Parses `text` into a fresh RapidJSON document as packaged, without its SIMD switch. False when it
+// Parses `text` into a new RapidJSON document, as packaged and without its SIMD switch. False if it
 // is not JSON.
 bool ParseBareJson(const std::string& text);
 

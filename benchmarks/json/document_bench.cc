@@ -1,4 +1,4 @@
-// From a JSON text to a document.
+// Measures loading a JSON text into a document.
 
 #include <benchmark/benchmark.h>
 
@@ -50,7 +50,8 @@ void LoadBare(benchmark::State& state, const std::string& text) {
   SetBytes(state, text);
 }
 
-// Reads every member. Loads too, since the document keeps a handle for each member.
+// Loads and reads every member. Loads each time, because a document keeps a handle for each member
+// read.
 bool LoadAndWalk(const ovrant_ustring& text, unsigned members, Document& document) {
   if (!document.Load(text)) return false;
   unsigned long length = 0;
@@ -61,8 +62,8 @@ bool LoadAndWalk(const ovrant_ustring& text, unsigned members, Document& documen
   return length == kValueLength * members;
 }
 
-// `load` for ten texts, with the documents all kept: as much as for a text of ten times the size,
-// and in as much memory.
+// Runs `load` on ten texts and keeps all documents. That is the work and memory of one text of ten
+// times the size.
 template <typename Text, typename Load>
 void LoadTen(benchmark::State& state, const Text& text, const Load& load) {
   const std::vector<Text> texts(10, text);

@@ -5,7 +5,7 @@
 namespace stowra_bench {
 
 Environment ReadEnvironment(std::istream& file) {
-  // Keeps the order of the libraries.
+  // ordered_json keeps the order of the libraries.
   const auto document = nlohmann::ordered_json::parse(file);
   Environment environment;
   environment.system = document.at("system").get<std::string>();

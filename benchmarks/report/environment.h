@@ -1,4 +1,4 @@
-// Where and with what the measurements were made.
+// The machine and the software of the measurements.
 
 #ifndef BENCHMARKS_REPORT_ENVIRONMENT_H_
 #define BENCHMARKS_REPORT_ENVIRONMENT_H_
@@ -18,7 +18,7 @@ struct Environment {
   std::vector<std::pair<std::string, std::string>> libraries;  // name and version
 };
 
-// Reads what the build wrote down (see environment.json.in); the processor stays empty. Throws a
+// Reads the file that the build writes (environment.json.in). The processor stays empty. Throws a
 // std::exception for another document.
 Environment ReadEnvironment(std::istream& file);
 

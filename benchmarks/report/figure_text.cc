@@ -7,14 +7,14 @@
 namespace stowra_bench {
 namespace {
 
-// Three digits, and no exponent.
+// Three digits without an exponent.
 std::string ThreeDigits(double value) {
   if (std::abs(value) >= 99.95) return fmt::format("{:.0f}", value);
   if (std::abs(value) >= 9.995) return fmt::format("{:.1f}", value);
   return fmt::format("{:.2f}", value);
 }
 
-// More digits than a median is worth, so that a ratio just beyond its bound is not shown equal to
+// Shows more digits than a median deserves. A ratio just beyond its bound must not look equal to
 // it.
 std::string RatioText(double ratio) {
   return ratio < 2 ? fmt::format("{:.3f}", ratio) : fmt::format("{:.2f}", ratio);

@@ -1,4 +1,4 @@
-// Figures as people read them.
+// Formats figures for people.
 
 #ifndef BENCHMARKS_REPORT_FIGURE_TEXT_H_
 #define BENCHMARKS_REPORT_FIGURE_TEXT_H_
@@ -12,14 +12,14 @@ namespace stowra_bench {
 // Three digits and a unit from "ns" to "s".
 std::string TimeText(double nanoseconds);
 
-// Digits in groups of three.
+// The digits are in groups of three.
 std::string CountText(double count);
 
-// A median of the row: a time, a number of instructions or a value in the row's unit.
+// A median of the row. It is a time, a number of instructions or a value in the row's unit.
 std::string MedianText(double median, const Row& row);
 
-// The figure that is judged, such as "0.934x" (the other's time), "2.310 times as fast" or "12.5
-// MiB", which requires that it was measured; and its bound.
+// The judged figure and its bound, such as "0.934x", "2.31 times as fast" or "12.5 MiB". FigureText
+// requires verdict.is_measured().
 std::string FigureText(const Verdict& verdict);
 std::string BoundText(const Row& row);
 

@@ -1,4 +1,4 @@
-// stowra-bench-report: judges the results of the benchmarks and writes them down.
+// stowra-bench-report: judges the results of the benchmarks and writes the report.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -26,7 +26,7 @@ struct Options {
   std::vector<std::string> results;
 };
 
-// What `read` makes of a file; what it throws names the file.
+// Returns `read` of the file. Adds the path to an exception's text.
 template <typename Read>
 auto ReadFile(const std::string& path, const Read& read) {
   std::ifstream file(path);
@@ -68,11 +68,11 @@ bool IsComplete(const Report& report) {
 int Run(int argc, char** argv) {
   Options options;
   CLI::App app(
-      "Judges the results of the benchmarks and writes them down; 1 if a row is not measured");
-  app.add_option("--rows", options.rows, "what is to be reached")->required();
-  app.add_option("--environment", options.environment, "what the build wrote down")->required();
+      "Judges benchmark results and writes the report. Exits with 1 if a row is not measured.");
+  app.add_option("--rows", options.rows, "the goals")->required();
+  app.add_option("--environment", options.environment, "the build's environment.json")->required();
   app.add_option("--counts", options.counts, "instruction counts")->required();
-  app.add_option("--processor", options.processor, "its name")->required();
+  app.add_option("--processor", options.processor, "the processor's name")->required();
   app.add_option("--document", options.document, "the Markdown file to write")->required();
   app.add_option("--summary", options.summary, "the JSON file to write")->required();
   app.add_option("--plot-data", options.plot_data, "the data file to write")->required();

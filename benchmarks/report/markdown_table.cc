@@ -7,7 +7,7 @@
 namespace stowra_bench {
 namespace {
 
-// Characters of a UTF-8 text, which take a column each in the texts of a report.
+// The number of characters in a UTF-8 text. Each character of a report is one column wide.
 std::size_t WidthOf(const std::string& text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;

@@ -1,4 +1,4 @@
-// A table that reads well as plain text, too.
+// A Markdown table that is also readable as plain text.
 
 #ifndef BENCHMARKS_REPORT_MARKDOWN_TABLE_H_
 #define BENCHMARKS_REPORT_MARKDOWN_TABLE_H_
@@ -19,10 +19,10 @@ class MarkdownTable {
 
   explicit MarkdownTable(std::vector<Column> columns);
 
-  // Requires as many cells as there are columns.
+  // Requires one cell for each column.
   void AddRow(std::vector<std::string> cells);
 
-  // One line a row, its columns filled up with spaces to the width of the widest cell.
+  // One line for each row. Spaces pad each column to its widest cell.
   std::string ToText() const;
 
  private:

@@ -19,10 +19,10 @@ double NanosecondsIn(const std::string& unit) {
   if (unit == "us") return 1e3;
   if (unit == "ms") return 1e6;
   if (unit == "s") return 1e9;
-  throw std::runtime_error("a time in " + unit);
+  throw std::runtime_error("unknown time unit: " + unit);
 }
 
-// Every number that is not a part of each run's description.
+// Counters are the numbers that are not part of every run's description.
 bool IsCounter(const json::const_iterator& member) {
   static const std::array kDescription = {"family_index", "per_family_instance_index",
                                           "repetitions",  "repetition_index",

@@ -1,4 +1,4 @@
-// What was measured.
+// The results of the benchmark programs.
 
 #ifndef BENCHMARKS_REPORT_MEASUREMENTS_H_
 #define BENCHMARKS_REPORT_MEASUREMENTS_H_
@@ -14,10 +14,10 @@
 
 namespace stowra_bench {
 
-// The middle one, or the mean of the middle two; requires at least one.
+// The middle value, or the mean of the middle two. Requires at least one value.
 double Median(std::vector<double> values);
 
-// The name of a benchmark without what only says how it was run ("/real_time", "/iterations:1").
+// A benchmark's name without the parts that name run options, such as "/real_time".
 std::string PlainName(const std::string& name);
 
 struct Measurement {
@@ -25,29 +25,29 @@ struct Measurement {
   std::size_t repetitions = 0;
 };
 
-// Measurements of the kinds "time" (nanoseconds), "instructions" and "counter:NAME" by the names of
-// their benchmarks or cases.
+// Measurements by the name of their benchmark or case. The measures are "time" (nanoseconds),
+// "instructions" and "counter:NAME".
 class Measurements {
  public:
-  // One program's output, as Google Benchmark writes it in JSON. Each repetition counts; its
-  // aggregates are passed over. Throws a std::exception for another document.
+  // Adds one program's output, which is JSON of Google Benchmark. Uses each repetition and skips
+  // aggregates. Throws a std::exception for another document.
   void AddBenchmarks(std::istream& output);
 
-  // Lines of a case, white space and its number of instructions; those that begin with '#' are
-  // passed over. Throws std::runtime_error for any other line.
+  // Adds lines of a case, white space and its number of instructions. Skips empty lines and lines
+  // that begin with '#'. Throws std::runtime_error for any other line.
   void AddCounts(std::istream& lines);
 
   std::optional<Measurement> Find(const std::string& name, const std::string& measure) const;
 
-  // Calls `visit` with name, measure and measurement, in the order of the names.
+  // Calls `visit` with name, measure and measurement, sorted by name.
   void ForEach(const std::function<void(const std::string&, const std::string&,
                                         const Measurement&)>& visit) const;
 
-  // When the first of the programs ran, as an ISO 8601 time, and on how many processors.
+  // The ISO 8601 time of the first program's run, and the number of processors.
   const std::string& date() const { return date_; }
   int processors() const { return processors_; }
 
-  // Benchmarks that reported an error, with its text.
+  // The benchmarks that reported an error, with the error text.
   const std::map<std::string, std::string>& failures() const { return failures_; }
 
  private:

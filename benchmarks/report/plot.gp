@@ -1,7 +1,6 @@
 # gnuplot -c plot.gp DATA OUTPUT.svg|OUTPUT.png
 #
-# Each row of the report as a dot: how long the library takes, as a multiple of what it is compared with. The band is what
-# is to be reached.
+# Draws each row of the report as a dot: the library's time as a multiple of the other's time. The band is the goal.
 
 data = ARG1
 output_name = ARG2
@@ -55,7 +54,7 @@ set bmargin 0
 set style fill solid 1.0 noborder
 set multiplot
 
-# Against limits and peers. The axis begins left of what is drawn, which leaves room for the texts.
+# Limits and peers. The axis begins left of the dots, to leave room for the texts.
 first = 0.05
 last = 4.0
 text_left = 5e-5
@@ -76,7 +75,7 @@ do for [x in "0.1 0.2 0.5 1 2"] {
 set label "Time of the library as a multiple of" at screen 0.012, screen_y(24) left tc rgb ink
 set label "limit: parser, libcurl or memory alone" at screen 0.335, screen_y(24) left tc rgb limit_colour point pt dot ps scale lc rgb limit_colour offset 1.2, 0
 set label "peer: another library for the same" at screen 0.640, screen_y(24) left tc rgb peer_colour point pt diamond ps scale lc rgb peer_colour offset 1.2, 0
-set label "Left is faster. The green band is what is to be reached, red is outside it." at screen 0.012, screen_y(50) left tc rgb grey
+set label "Left is faster. The green band is the goal, red dots miss it." at screen 0.012, screen_y(50) left tc rgb grey
 plot data index 0 \
     using (0):1:(first):(clamp($3, first, last)):($1 - 0.36):($1 + 0.36) with boxxyerror lc rgb band, \
   '' index 0 using (clamp($3, first, last)):($1 - 0.36):(0):(0.72) with vectors nohead lw 2 lc rgb band_edge, \
@@ -92,7 +91,7 @@ unset arrow
 unset label
 unset logscale x
 last = 16.0
-# The same place on the page for 0 as for `first` above.
+# Puts 0 at the same place on the page as `first` above.
 share = log(0.05 / text_left) / log(figure_right * 1.06 / text_left)
 right_share = log(4.0 / text_left) / log(figure_right * 1.06 / text_left)
 unit = last / (right_share - share)

@@ -8,12 +8,12 @@ namespace {
 
 bool IsDrawn(const Verdict& verdict) { return verdict.is_measured() && !verdict.row.other.empty(); }
 
-// Ours as a multiple of the other's, whichever way round the row is told.
+// The bound of ours / other, also for a row that bounds other / ours.
 double BoundOf(const Row& row) { return row.is_times_as_fast ? 1 / row.bound : row.bound; }
 
 int KindOf(const Row& row) { return row.against == Row::Against::kPeer ? 1 : 0; }
 
-// `what` is said once for rows that follow each other.
+// Writes `what` once for rows that follow each other.
 std::string Block(const std::vector<Verdict>& verdicts) {
   std::string text;
   std::string said;

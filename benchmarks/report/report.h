@@ -1,4 +1,4 @@
-// What is written about the measurements.
+// The texts that are written about the measurements.
 
 #ifndef BENCHMARKS_REPORT_REPORT_H_
 #define BENCHMARKS_REPORT_REPORT_H_
@@ -26,13 +26,17 @@ std::string GrowthTable(const Report& report);
 // The whole document, in Markdown.
 std::string DocumentText(const Report& report);
 
-// Every median, one on a line, and where it comes from, in JSON.
+// A JSON document with one median on each line, and the environment.
 std::string SummaryText(const Report& report);
 
-// What plot.gp draws: the comparisons, two empty lines and the growth. A line for each row that
-// was measured and has another measurement, with the fields position, ratio (ours / other), bound
-// of the ratio, kind (0 limit, 1 peer), reached (0 or 1), what, against and figure, separated by
-// tabs.
+// The input of plot.gp: the comparisons, two empty lines and the growth. Has one line for each
+// measured row with an `other`. Tabs separate the fields:
+//
+// - position
+// - ratio (ours / other) and its bound
+// - kind (0 limit, 1 peer)
+// - reached (0 or 1)
+// - what, against and figure
 std::string PlotData(const Report& report);
 
 }  // namespace stowra_bench

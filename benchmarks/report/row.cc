@@ -36,14 +36,14 @@ Row ReadRow(const json& member) {
   row.bound = member.value(row.is_times_as_fast ? "times_as_fast" : "at_most", 0.0);
 
   Require(!row.id.empty() && !row.what.empty() && !row.ours.empty(), row.id,
-          "needs row, what and ours");
-  Require(group == "limit" || group == "peer", row.id, "its group is limit or peer");
-  Require(IsMeasure(row.measure), row.id, "its measure is time, instructions or counter:NAME");
+          "row, what and ours are required");
+  Require(group == "limit" || group == "peer", row.id, "group must be limit or peer");
+  Require(IsMeasure(row.measure), row.id, "measure must be time, instructions or counter:NAME");
   Require(member.contains("at_most") != row.is_times_as_fast, row.id,
-          "needs either at_most or times_as_fast");
-  Require(row.bound > 0, row.id, "its bound is positive");
+          "either at_most or times_as_fast is required");
+  Require(row.bound > 0, row.id, "the bound must be positive");
   Require(!row.other.empty() || (!row.unit.empty() && !row.is_times_as_fast), row.id,
-          "without other needs unit and at_most");
+          "a row without other needs unit and at_most");
   return row;
 }
 
@@ -51,7 +51,7 @@ std::vector<Row> ReadList(const json& list, std::set<std::string>& ids) {
   std::vector<Row> rows;
   for (const json& member : list) {
     rows.push_back(ReadRow(member));
-    Require(ids.insert(rows.back().id).second, rows.back().id, "is listed twice");
+    Require(ids.insert(rows.back().id).second, rows.back().id, "listed twice");
   }
   return rows;
 }

@@ -1,4 +1,4 @@
-// What the library is to reach, as listed in benchmarks/rows.json.
+// The goals of the library, as benchmarks/rows.json lists them.
 
 #ifndef BENCHMARKS_REPORT_ROW_H_
 #define BENCHMARKS_REPORT_ROW_H_
@@ -9,7 +9,7 @@
 
 namespace stowra_bench {
 
-// One comparison of two measurements, or of one with a bound.
+// Compares two measurements, or one measurement with a bound.
 struct Row {
   enum class Against { kLimit, kPeer };
 
@@ -18,11 +18,12 @@ struct Row {
   std::string against_text;  // may be empty
   Against against = Against::kLimit;
   std::string ours;   // name of a measurement
-  std::string other;  // likewise; empty where `ours` itself is bounded
+  std::string other;  // the same, or empty if `bound` limits `ours` itself
   std::string measure;
-  std::string unit;               // of a row without `other`
-  bool is_times_as_fast = false;  // the ratio is other / ours and must reach `bound`; else ours /
-                                  // other, which must not exceed it
+  std::string unit;  // of a row without `other`
+
+  // If true, other / ours must be at least `bound`. Otherwise ours / other must be at most `bound`.
+  bool is_times_as_fast = false;
   double bound = 0;
 };
 
@@ -31,8 +32,8 @@ struct Rows {
   std::vector<Row> growth;  // ten times the work over the work
 };
 
-// Reads a JSON document. Throws std::runtime_error that names the row which is incomplete or
-// contradicts itself, and another std::exception for what is no such document.
+// Reads a JSON document. Throws std::runtime_error that names an incomplete or contradictory row.
+// Throws another std::exception for another document.
 Rows ReadRows(std::istream& file);
 
 }  // namespace stowra_bench

@@ -12,7 +12,7 @@ std::string UnitOf(const std::string& measure) {
   return measure == "time" ? "ns" : measure == "instructions" ? "instructions" : "";
 }
 
-// Rates are the times over again.
+// Leaves out rates, which only repeat the times.
 bool IsKept(const std::string& measure) {
   return measure != "counter:bytes_per_second" && measure != "counter:items_per_second";
 }

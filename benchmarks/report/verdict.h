@@ -1,4 +1,4 @@
-// Whether a row is reached.
+// Judges whether a row is reached.
 
 #ifndef BENCHMARKS_REPORT_VERDICT_H_
 #define BENCHMARKS_REPORT_VERDICT_H_
@@ -13,12 +13,12 @@ namespace stowra_bench {
 
 struct Verdict {
   Row row;
-  std::optional<double> ours;   // medians; empty where nothing was measured
-  std::optional<double> other;  // likewise, and in a row that has no other
+  std::optional<double> ours;   // median, empty if not measured
+  std::optional<double> other;  // the same, also empty in a row without `other`
 
   bool is_measured() const;
 
-  // What the row's bound is a bound of. Requires is_measured().
+  // The figure that the row's bound limits. Requires is_measured().
   double Figure() const;
 
   bool is_reached() const;

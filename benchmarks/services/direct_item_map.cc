@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-// Its own name for the library, since other code in the same program uses it without the switch.
+// Renames the namespace, because other code in this program uses RapidJSON without the SIMD switch.
 #define RAPIDJSON_NAMESPACE rapidjson_in_steps
 #define RAPIDJSON_NAMESPACE_BEGIN namespace rapidjson_in_steps {
 #define RAPIDJSON_NAMESPACE_END }
@@ -29,7 +29,7 @@ using ovrant::utils::ovrant_ustring;
 
 using ItemMap = std::map<ovrant_ustring, ExtensionStoreItem>;
 
-constexpr std::size_t kPadding = 16;  // that the parser's steps may read
+constexpr std::size_t kPadding = 16;  // bytes that a SIMD step may read past the end
 
 enum class Field { kNone, kId, kVersion, kFileUrl, kUpdate, kRemoteKill, kVersionUuid, kEnabled };
 
@@ -76,7 +76,7 @@ class ItemReader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, ItemRe
     return Took();
   }
 
-  // The first of equal names counts.
+  // The first of several equal names counts.
   bool Key(const char* text, rapidjson::SizeType size, bool /*copy*/) {
     const std::string_view name(text, size);
     if (depth_ == 3 && in_list_) {
@@ -135,7 +135,7 @@ class ItemReader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, ItemRe
   bool in_list_ = false;
 };
 
-// The first four units of an id, and which item it is.
+// The first four units of an id, and the item's index.
 using Place = std::pair<std::uint64_t, std::size_t>;
 
 std::vector<Place> PlacesById(const std::vector<ExtensionStoreItem>& items) {
@@ -158,9 +158,8 @@ std::vector<Place> PlacesById(const std::vector<ExtensionStoreItem>& items) {
 
 }  // namespace
 
-// Of the ways that were tried (a document, one in place, events, events in place; each with and
-// without vector instructions; the map filled as the items come or in the order of their ids) this
-// was the fastest.
+// The fastest of the tried ways. They were a document or events, in place or not, with and without
+// SIMD. The map was filled in the items' order or in the ids' order.
 ItemMap DirectItemMap(const std::string& body) {
   std::string text;
   text.reserve(body.size() + kPadding);

@@ -1,4 +1,4 @@
-// The extension store's answer read straight through RapidJSON, by the shortest way there is.
+// The limit for reading the extension store's answer: RapidJSON alone, used as fast as possible.
 
 #ifndef BENCHMARKS_SERVICES_DIRECT_ITEM_MAP_H_
 #define BENCHMARKS_SERVICES_DIRECT_ITEM_MAP_H_
@@ -11,7 +11,7 @@
 
 namespace stowra_bench {
 
-// What ExtensionStoreStatus::GetItemMapFromResponse makes of a response with this body.
+// Returns what ExtensionStoreStatus::GetItemMapFromResponse returns for this body.
 std::map<ovrant::utils::ovrant_ustring, ovrant::extensionstoreapi::ExtensionStoreItem>
 DirectItemMap(const std::string& body);
 

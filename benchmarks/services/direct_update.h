@@ -1,4 +1,4 @@
-// The update service's answer read straight through RapidJSON.
+// The limit for reading the update service's answer: RapidJSON alone.
 
 #ifndef BENCHMARKS_SERVICES_DIRECT_UPDATE_H_
 #define BENCHMARKS_SERVICES_DIRECT_UPDATE_H_
@@ -11,7 +11,7 @@
 
 namespace stowra_bench {
 
-// The results that UpdateQuery holds.
+// The results of an UpdateQuery.
 struct UpdateResults {
   ovrant::utils::ovrant_ustring current_version;
   ovrant::utils::ovrant_ustring expire_version;
@@ -19,7 +19,7 @@ struct UpdateResults {
   std::vector<ovrant::webservices::DataFileData> data_files;
 };
 
-// Reads `body` into `results`, which are fresh, as UpdateQuery::ParseResponse would.
+// Reads `body` into new `results`, as UpdateQuery::ParseResponse does.
 bool DirectUpdate(const std::string& body, UpdateResults& results);
 
 }  // namespace stowra_bench

@@ -1,4 +1,4 @@
-// From the body of the extension store's answer to the map of items.
+// Measures reading the extension store's answer into a map of items.
 
 #include <benchmark/benchmark.h>
 
@@ -28,7 +28,7 @@ ItemMap ReadItems(ReceivedStatus& received) {
   return received.status().GetItemMapFromResponse();
 }
 
-// What every reader makes of a response, as one text.
+// An item as a text, to compare the readers' results.
 std::string Summary(const std::string& id, const std::string& uuid, const std::string& url,
                     double version, bool update, bool remote_kill, bool enabled) {
   return id + ' ' + uuid + ' ' + url + ' ' + std::to_string(version) + (update ? " update" : "") +
@@ -64,7 +64,7 @@ std::string Summary(const std::map<std::string, StandardItem>& items) {
   return summary;
 }
 
-// Measures `read`, which has to find what the library finds.
+// Measures `read`, which must find the same items as the library.
 template <typename Read>
 void Measure(benchmark::State& state, const std::string& body, const Read& read) {
   ReceivedStatus received(body);
@@ -83,7 +83,7 @@ void Stowra(benchmark::State& state) {
   Measure(state, body, [&] { return ReadItems(received); });
 }
 
-// As many items in ten answers, whose maps are all kept, as in one.
+// Reads ten answers and keeps all maps. Together they have as many items as the one large answer.
 void TenAnswers(benchmark::State& state) {
   constexpr std::size_t kCount = 2000;
   const std::string body = MakeExtensionStatus(kCount);

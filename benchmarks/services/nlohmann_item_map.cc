@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// The document is not needed afterwards: its texts are moved from.
+// Moves the text out of the document, which is not needed afterwards.
 void Take(Json& object, const char* name, std::string& field) {
   const auto member = object.find(name);
   if (member != object.end() && member->is_string()) {

@@ -1,4 +1,4 @@
-// The extension store's answer as others would read it.
+// Reads the extension store's answer with other libraries.
 
 #ifndef BENCHMARKS_SERVICES_PEER_ITEM_MAPS_H_
 #define BENCHMARKS_SERVICES_PEER_ITEM_MAPS_H_
@@ -11,7 +11,7 @@
 
 namespace stowra_bench {
 
-// ExtensionStoreItem in the text type of another library.
+// ExtensionStoreItem with the text type of another library.
 template <typename Text>
 struct PeerItem {
   Text id;
@@ -26,8 +26,8 @@ struct PeerItem {
 using QtItem = PeerItem<QString>;
 using StandardItem = PeerItem<std::string>;
 
-// Of equal ids the last one counts, and a member of the wrong type leaves its field alone. Empty
-// when `body` is not such a document.
+// The last of several equal ids counts. A member of the wrong type leaves its field unchanged.
+// Empty if `body` is not such a document.
 QMap<QString, QtItem> QtItemMap(const QByteArray& body);
 std::map<std::string, StandardItem> NlohmannItemMap(const std::string& body);
 

@@ -1,4 +1,4 @@
-// From the text of an answer to the results of a query.
+// Measures parsing an answer into the results of a query.
 
 #include <benchmark/benchmark.h>
 
@@ -19,7 +19,7 @@ using ovrant::utils::ovrant_ustring;
 using ovrant::webservices::UpdateQuery;
 using ovrant::webservices::UserInfoQuery;
 
-// The query is the same each time: what it reads replaces what it has read before.
+// Uses one query for all rounds. Each answer replaces the results of the one before.
 void UpdateFromBytes(benchmark::State& state) {
   const std::string body = MakeUpdateResponse();
   UpdateQuery query;
@@ -60,7 +60,8 @@ void UserInfo(benchmark::State& state) {
 }
 BENCHMARK(UserInfo)->Name("UserInfo/stowra")->Arg(2000)->Arg(20000)->UseRealTime();
 
-// As many members in ten answers, all of which are kept, as in one.
+// Parses ten answers and keeps all results. Together they have as many members as the one large
+// answer.
 void TenUserInfos(benchmark::State& state) {
   const std::vector<ovrant_ustring> texts(10, MakeUserInfo(2000));
   for (auto _ : state) {

@@ -44,7 +44,7 @@ ReceivedStatus::ReceivedStatus(const std::string& body) {
   status_.Init(server.Url().c_str(), nullptr, "{}");
   status_.AsynchronousStatus();
   if (!outcome.Wait()) throw std::runtime_error("the extension status did not arrive");
-  // The end of another object's request would be taken for this one's.
+  // Otherwise this object would react to the end of another object's request.
   status_.RemoveNotifications();
 }
 

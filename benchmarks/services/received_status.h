@@ -1,4 +1,4 @@
-// An extension store status that has an answer.
+// An extension store status that has received an answer.
 
 #ifndef BENCHMARKS_SERVICES_RECEIVED_STATUS_H_
 #define BENCHMARKS_SERVICES_RECEIVED_STATUS_H_
@@ -9,11 +9,11 @@
 
 namespace stowra_bench {
 
-// Its object has fetched `body` from a server on this machine, in the background, and its transport
-// still holds it: OnReceivedStatusResponse(200) takes it over as often as wanted.
+// Fetches `body` from a server on this machine in the background and keeps it in the transport.
+// OnReceivedStatusResponse(200) can read it any number of times.
 class ReceivedStatus {
  public:
-  // Throws std::runtime_error when the request fails.
+  // Throws std::runtime_error if the request fails.
   explicit ReceivedStatus(const std::string& body);
 
   ovrant::extensionstoreapi::ExtensionStoreStatus& status() { return status_; }

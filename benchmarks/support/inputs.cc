@@ -16,7 +16,7 @@ constexpr std::array kForeignWords = {"Türblatt"sv, "éclairage"sv, "καρέκ
                                       "окно"sv,     "лестница"sv,  "कुर्सी"sv,    "खिड़की"sv,
                                       "椅子"sv,     "木製の机"sv,  "🪑"sv,    "🏠🌳"sv};
 
-// The standard's engine gives the same numbers everywhere; its distributions do not.
+// Uses no standard distribution. Only the standard engines give the same numbers everywhere.
 class Source {
  public:
   std::uint32_t Below(std::uint32_t limit) { return static_cast<std::uint32_t>(engine_() % limit); }
@@ -28,7 +28,7 @@ class Source {
     return words[Below(static_cast<std::uint32_t>(words.size()))];
   }
 
-  // Of that many hexadecimal digits.
+  // A text of `digits` hexadecimal digits.
   std::string Hex(int digits) {
     std::string text;
     for (int i = 0; i < digits; ++i) text += "0123456789abcdef"[Below(16)];
@@ -45,7 +45,7 @@ class Source {
   std::mt19937 engine_{20090817};
 };
 
-// Words of several scripts, some of them behind an entity.
+// Words in several scripts, some of them after an entity.
 std::string MixedWords(Source& source, int count) {
   std::string text;
   for (int i = 0; i < count; ++i) {
@@ -145,7 +145,7 @@ void AppendEntry(Source& source, std::string& feed) {
   feed += "  </entry>\n";
 }
 
-// Appends words up to `size` bytes; what is left is filled with spaces.
+// Appends words up to `size` bytes and fills the rest with spaces.
 template <typename NextWord>
 std::string MakeText(std::size_t size, const NextWord& next_word) {
   std::string text;

@@ -28,8 +28,8 @@ namespace stowra_bench {
 
 namespace {
 
-// @FOLDER@, @PORT@ and @USER@ are filled in. Nothing is written while requests are answered, and
-// the files stay open.
+// The constructor replaces the @WORDS@. While it answers requests, nginx writes no log and keeps
+// files open.
 constexpr const char* kConfiguration = R"(
 @USER@
 daemon off;
@@ -75,9 +75,9 @@ void WriteFile(const std::filesystem::path& file, std::string_view content) {
   Check(static_cast<bool>(stream.flush()), "writing " + file.string());
 }
 
-// From here on this program, and what it starts, runs on one processor. What a transfer takes is
-// then the work that is done for it, whichever way two processes would be spread, and asleep,
-// otherwise.
+// Binds this thread, and the threads and processes that it starts later, to one processor. The time
+// of a transfer is then the work of both sides. It does not depend on how the system schedules and
+// wakes two processes.
 void KeepToOneProcessor() {
 #if defined(__linux__)
   cpu_set_t one;
@@ -93,7 +93,7 @@ std::filesystem::path MakeFolder() {
   return name;
 }
 
-// The worker of an nginx that root runs would become nobody, who sees nothing of the folder.
+// nginx started by root would run its worker as nobody, who cannot read the folder.
 std::string UserDirective() {
   if (::geteuid() != 0) return {};
   const passwd* const user = ::getpwuid(::geteuid());
@@ -102,8 +102,8 @@ std::string UserDirective() {
   return std::string("user ") + user->pw_name + " " + users->gr_name + ";";
 }
 
-// The connections made to `listener` send as fast as they are read. The system's own choice may be
-// an algorithm that spaces packets out in time.
+// Lets connections to `listener` send without pacing. The system's default algorithm may space
+// packets out.
 void SendWithoutPauses(int listener) {
 #if defined(TCP_CONGESTION)
   constexpr std::string_view kName = "reno";
@@ -130,8 +130,8 @@ int Listen(int& port) {
   return listener;
 }
 
-// Runs nginx, which takes the socket over as it does at the change of its own program: from the
-// descriptors that a variable names.
+// Starts nginx with the listening socket. nginx can inherit sockets for upgrades of its own binary,
+// from the descriptors that the variable NGINX names.
 pid_t Spawn(const std::filesystem::path& folder, int listener) {
   const std::string program = STOWRA_NGINX;
   Check(!program.empty(), "finding nginx");

@@ -1,4 +1,4 @@
-// An nginx for the benchmarks of one program.
+// Runs nginx for the benchmarks of one program.
 
 #ifndef BENCHMARKS_SUPPORT_NGINX_H_
 #define BENCHMARKS_SUPPORT_NGINX_H_
@@ -12,10 +12,10 @@
 
 namespace stowra_bench {
 
-// Listens on 127.0.0.1 and a port of the system's choice, with one worker, and sends the files of a
-// temporary folder of its own. Connections stay open. Where the system allows it, the calling
-// thread, those that it starts later and nginx share one processor from then on: their times can be
-// compared. What it throws is std::runtime_error or std::filesystem::filesystem_error.
+// Listens on 127.0.0.1, on a port that the system chooses. One worker sends files from a temporary
+// folder and keeps connections open. On Linux, the constructor binds the calling thread, its later
+// threads and nginx to one processor. This makes their times comparable. Throws std::runtime_error
+// or std::filesystem::filesystem_error.
 class Nginx {
  public:
   Nginx();
@@ -24,10 +24,11 @@ class Nginx {
   Nginx(const Nginx&) = delete;
   Nginx& operator=(const Nginx&) = delete;
 
-  // The one of this program: it starts with the first call and ends with the program.
+  // The program's only server. It starts on the first call and ends with the program.
   static Nginx& OfThisProgram();
 
-  // The URL of a file with that content, or of one of `size` zero bytes, which takes no room.
+  // Creates a file and returns its URL. The sparse file has `size` zero bytes and takes no disk
+  // space.
   std::string AddFile(const std::string& name, std::string_view content);
   std::string AddSparseFile(const std::string& name, std::size_t size);
 

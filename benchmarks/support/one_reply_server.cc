@@ -46,8 +46,7 @@ void Nudge(int listener) {
   close(connection);
 }
 
-// Reads a request to the end of its headers and of the body that they announce. False when there is
-// none.
+// Reads a request to the end of its headers and its body. False if the connection closes first.
 bool ReadRequest(int connection) {
   constexpr char kLength[] = "Content-Length: ";
   std::string request;

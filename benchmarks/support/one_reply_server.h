@@ -1,4 +1,4 @@
-// The other end of a benchmark's only request.
+// A server for one request.
 
 #ifndef BENCHMARKS_SUPPORT_ONE_REPLY_SERVER_H_
 #define BENCHMARKS_SUPPORT_ONE_REPLY_SERVER_H_
@@ -8,13 +8,13 @@
 
 namespace stowra_bench {
 
-// Listens on 127.0.0.1, on a port of the system's choice, and answers the first request with status
-// 200 and a JSON body. Throws std::system_error when it cannot listen.
+// Listens on 127.0.0.1, on a port that the system chooses. Answers the first request with status
+// 200 and a JSON body. Throws std::system_error if it cannot listen.
 class OneReplyServer {
  public:
   explicit OneReplyServer(std::string body);
 
-  // Waits until the reply is sent; ends the wait for a request that never came.
+  // Waits until the reply is sent. Stops waiting for a request that has not come.
   ~OneReplyServer();
 
   OneReplyServer(const OneReplyServer&) = delete;

@@ -42,7 +42,7 @@ bool LoadFeed(std::string feed, ContentQuery& query) {
   return query.Load(reinterpret_cast<unsigned char*>(feed.data()), static_cast<int>(feed.size()));
 }
 
-TEST(BenchmarkInputsTest, AreTheSameBytesEverywhere) {
+TEST(BenchmarkInputsTest, HaveSameBytesOnEveryMachine) {
   EXPECT_EQ(HashOf(stowra_bench::MakeUpdateResponse()), 0x7cd47abc30365014U);
   EXPECT_EQ(HashOf(stowra_bench::MakeExtensionStatus(200)), 0x3f0444e714bc134bU);
   EXPECT_EQ(HashOf(stowra_bench::MakeFeed(12)), 0x7637b4ee29563386U);
@@ -53,7 +53,7 @@ TEST(BenchmarkInputsTest, AreTheSameBytesEverywhere) {
   EXPECT_EQ(HashOf(stowra_bench::MakeBytes(1000)), 0x7f3bffa7289cef33U);
 }
 
-TEST(BenchmarkInputsTest, HaveTheSizesThatTheirBenchmarksSpeakOf) {
+TEST(BenchmarkInputsTest, HaveExpectedSizes) {
   EXPECT_NEAR(static_cast<double>(stowra_bench::MakeUpdateResponse().size()), 2048, 200);
   EXPECT_NEAR(static_cast<double>(stowra_bench::MakeExtensionStatus(20000).size()), 6e6, 5e5);
   EXPECT_NEAR(static_cast<double>(stowra_bench::MakeFeed(2000).size()), 5.5e6, 5e5);
@@ -62,14 +62,14 @@ TEST(BenchmarkInputsTest, HaveTheSizesThatTheirBenchmarksSpeakOf) {
   EXPECT_EQ(stowra_bench::MakeBytes(12345).size(), 12345U);
 }
 
-TEST(BenchmarkInputsTest, UpdateResponseIsAnOfferWithAMessageAndDataFiles) {
+TEST(BenchmarkInputsTest, UpdateResponseHasMessageAndDataFiles) {
   UpdateQuery query;
   ASSERT_TRUE(query.ParseResponse(Text(stowra_bench::MakeUpdateResponse())));
   EXPECT_EQ(query.message_.id, 4711);
   EXPECT_EQ(query.data_files_.size(), 12U);
 }
 
-TEST(BenchmarkInputsTest, ExtensionStatusHoldsAsManyDifferentExtensionsAsAskedFor) {
+TEST(BenchmarkInputsTest, ExtensionStatusHasRequestedNumberOfIds) {
   Document status;
   ASSERT_TRUE(status.Load(Text(stowra_bench::MakeExtensionStatus(200))));
   std::set<ovrant_ustring> ids;
@@ -83,7 +83,7 @@ TEST(BenchmarkInputsTest, ExtensionStatusHoldsAsManyDifferentExtensionsAsAskedFo
   EXPECT_EQ(ids.size(), 200U);
 }
 
-TEST(BenchmarkInputsTest, FeedLoadsWithEveryEntryACollectionNowAndThenAndMixedScripts) {
+TEST(BenchmarkInputsTest, FeedHasAllEntriesSomeCollectionsAndMixedScripts) {
   ContentQuery query;
   ASSERT_TRUE(LoadFeed(stowra_bench::MakeFeed(50), query));
   ASSERT_EQ(query.items_.size(), 50U);
@@ -99,7 +99,7 @@ TEST(BenchmarkInputsTest, FeedLoadsWithEveryEntryACollectionNowAndThenAndMixedSc
   EXPECT_NE(texts.find('&'), std::string::npos);
 }
 
-TEST(BenchmarkInputsTest, FeedOfLinksIsOneEntryWithAllOfThem) {
+TEST(BenchmarkInputsTest, FeedOfLinksIsOneEntryWithAllLinks) {
   const std::string feed = stowra_bench::MakeFeedOfLinks(20);
   ContentQuery query;
   ASSERT_TRUE(LoadFeed(feed, query));
@@ -112,7 +112,7 @@ TEST(BenchmarkInputsTest, FeedOfLinksIsOneEntryWithAllOfThem) {
   EXPECT_EQ(links, 20U);
 }
 
-TEST(BenchmarkInputsTest, FlatObjectHasAsManyTextMembersAsAskedFor) {
+TEST(BenchmarkInputsTest, FlatObjectHasRequestedNumberOfTextMembers) {
   Document object;
   ASSERT_TRUE(object.Load(Text(stowra_bench::MakeFlatObject(1000))));
   std::set<ovrant_ustring> names;
@@ -123,7 +123,7 @@ TEST(BenchmarkInputsTest, FlatObjectHasAsManyTextMembersAsAskedFor) {
   EXPECT_EQ(names.size(), 1000U);
 }
 
-TEST(BenchmarkInputsTest, TextsAreUtf8AndAsciiWhereTheySaySo) {
+TEST(BenchmarkInputsTest, AsciiTextIsAsciiAndMixedTextIsUtf8) {
   EXPECT_TRUE(IsAscii(stowra_bench::MakeAsciiText(1000)));
   for (const std::size_t size : {1U, 7U, 100U, 1001U}) {
     const std::string text = stowra_bench::MakeMixedText(size);

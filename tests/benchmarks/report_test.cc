@@ -49,7 +49,7 @@ Report MakeReport() {
   return report;
 }
 
-TEST(MarkdownTableTest, FillsColumnsUpToTheWidestCellWhateverItsBytes) {
+TEST(MarkdownTableTest, PadsColumnsByCharactersNotBytes) {
   MarkdownTable table({{"what"}, {"time", MarkdownTable::Align::kRight}});
   table.AddRow({"a", "1 µs"});
   table.AddRow({"longer", "10 ms"});
@@ -60,7 +60,7 @@ TEST(MarkdownTableTest, FillsColumnsUpToTheWidestCellWhateverItsBytes) {
             "| longer | 10 ms |\n");
 }
 
-TEST(ReportTest, SaysOfEachRowWhetherItIsReached) {
+TEST(ReportTest, TellsWhetherEachRowIsReached) {
   const std::string table = ComparisonTable(MakeReport());
   EXPECT_THAT(table, HasSubstr("| loading | parser  | 2,000 | 1,000 |              2.00x |"));
   EXPECT_THAT(table, HasSubstr("≤ 1.5x | **no**       |"));
@@ -68,7 +68,7 @@ TEST(ReportTest, SaysOfEachRowWhetherItIsReached) {
   EXPECT_THAT(table, HasSubstr("| not measured |"));
 }
 
-TEST(ReportTest, DocumentHasTheMachineTheTablesAndThePlot) {
+TEST(ReportTest, DocumentHasMachineTablesAndPlot) {
   const std::string document = DocumentText(MakeReport());
   EXPECT_THAT(document, HasSubstr("2026-03-14"));
   EXPECT_THAT(document, HasSubstr("Some processor"));
@@ -78,7 +78,7 @@ TEST(ReportTest, DocumentHasTheMachineTheTablesAndThePlot) {
   EXPECT_THAT(document, HasSubstr("| tenfold |"));
 }
 
-TEST(ReportTest, DocumentNamesTheBenchmarksThatFailed) {
+TEST(ReportTest, DocumentNamesFailedBenchmarks) {
   Report report = MakeReport();
   EXPECT_THAT(DocumentText(report), Not(HasSubstr("failed: ")));
   std::istringstream output(R"({"benchmarks": [
@@ -87,7 +87,7 @@ TEST(ReportTest, DocumentNamesTheBenchmarksThatFailed) {
   EXPECT_THAT(DocumentText(report), HasSubstr("`Load/x` failed: not loaded"));
 }
 
-TEST(ReportTest, SummaryIsJsonWithEveryMedianOnALine) {
+TEST(ReportTest, SummaryIsJsonWithOneMedianPerLine) {
   EXPECT_EQ(SummaryText(MakeReport()),
             R"({
 "context": {"date":"2026-03-14T09:26:53","processor":"Some processor","processors":2,)"
@@ -101,7 +101,7 @@ TEST(ReportTest, SummaryIsJsonWithEveryMedianOnALine) {
 )");
 }
 
-TEST(ReportTest, PlotShowsEveryRatioAsOursOverTheOthers) {
+TEST(ReportTest, PlotShowsRatiosAsOursOverOther) {
   EXPECT_EQ(PlotData(MakeReport()),
             "1\t2.0000\t1.5000\t0\t0\tloading\tparser\t2.00x\n"
             "2\t0.5000\t0.5000\t1\t1\t\tpeer\t2.00 times as fast\n"

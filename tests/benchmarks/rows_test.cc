@@ -15,7 +15,7 @@ namespace {
 using stowra_bench::ReadRows;
 using stowra_bench::Row;
 using stowra_bench::Rows;
-using Members = std::map<std::string, std::string>;  // the values as they stand in JSON
+using Members = std::map<std::string, std::string>;  // values as JSON text
 
 Members GoodRow() {
   return {{"row", R"("load")"},
@@ -27,7 +27,7 @@ Members GoodRow() {
           {"at_most", "1.5"}};
 }
 
-// Replaces members of GoodRow, or leaves those out whose value is empty.
+// GoodRow with changed members. An empty value removes the member.
 Members Changed(const Members& changes) {
   Members row = GoodRow();
   for (const auto& [name, value] : changes) {
@@ -54,7 +54,7 @@ void ExpectRefused(const Members& changes) {
   EXPECT_THROW(Read(Changed(changes)), std::runtime_error) << TextOf(changes);
 }
 
-TEST(RowsTest, ReadARatioThatMustNotBeExceeded) {
+TEST(RowsTest, ReadsRatioWithUpperBound) {
   const Row row = Read(GoodRow()).comparisons.at(0);
   EXPECT_EQ(row.id, "load");
   EXPECT_EQ(row.what, "loading");
@@ -66,7 +66,7 @@ TEST(RowsTest, ReadARatioThatMustNotBeExceeded) {
   EXPECT_EQ(row.bound, 1.5);
 }
 
-TEST(RowsTest, ReadARatioThatMustBeReachedAgainstAPeer) {
+TEST(RowsTest, ReadsTimesAsFastAgainstPeer) {
   const Members changes = {{"at_most", ""}, {"times_as_fast", "2"}, {"group", R"("peer")"}};
   const Row row = Read(Changed(changes)).comparisons.at(0);
   EXPECT_TRUE(row.is_times_as_fast);
@@ -74,7 +74,7 @@ TEST(RowsTest, ReadARatioThatMustBeReachedAgainstAPeer) {
   EXPECT_EQ(row.against, Row::Against::kPeer);
 }
 
-TEST(RowsTest, RefuseARowThatIsIncompleteOrContradictsItself) {
+TEST(RowsTest, RejectsIncompleteOrContradictoryRow) {
   ExpectRefused({{"row", ""}});
   ExpectRefused({{"what", ""}});
   ExpectRefused({{"ours", ""}});
@@ -86,7 +86,7 @@ TEST(RowsTest, RefuseARowThatIsIncompleteOrContradictsItself) {
   ExpectRefused({{"other", ""}});
 }
 
-TEST(RowsTest, RefuseARowListedTwice) {
+TEST(RowsTest, RejectsRowListedTwice) {
   EXPECT_THROW(Read(GoodRow(), TextOf(GoodRow())), std::runtime_error);
 }
 
@@ -103,7 +103,7 @@ class ShippedRowsTest : public ::testing::Test {
   stowra_bench::Measurements counts_;
 };
 
-TEST_F(ShippedRowsTest, CompareInstructionsOfRecordedCasesOnly) {
+TEST_F(ShippedRowsTest, CompareOnlyRecordedInstructionCases) {
   int compared = 0;
   for (const Row& row : rows_.comparisons) {
     if (row.measure != "instructions") continue;
@@ -114,7 +114,7 @@ TEST_F(ShippedRowsTest, CompareInstructionsOfRecordedCasesOnly) {
   EXPECT_EQ(compared, 2);
 }
 
-TEST_F(ShippedRowsTest, CompareGrowthOfTheLibraryWithItself) {
+TEST_F(ShippedRowsTest, CompareGrowthOfLibraryWithItself) {
   EXPECT_FALSE(rows_.growth.empty());
   for (const Row& row : rows_.growth) {
     EXPECT_EQ(row.ours.substr(0, row.ours.rfind('/')), row.other.substr(0, row.other.rfind('/')));

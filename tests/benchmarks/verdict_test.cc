@@ -20,7 +20,7 @@ using stowra_bench::Row;
 using stowra_bench::TimeText;
 using stowra_bench::Verdict;
 
-// Instructions, since they are the shortest to write down.
+// Uses instructions, because their input format is the shortest.
 Measurements Counted(const std::string& lines) {
   std::istringstream counts(lines);
   Measurements measured;
@@ -38,28 +38,28 @@ Row RowOf(bool is_times_as_fast, double bound) {
   return row;
 }
 
-TEST(VerdictTest, AMultipleOfTheOthersTimeIsReachedUpToItsBound) {
+TEST(VerdictTest, RatioIsReachedUpToBound) {
   const Row row = RowOf(false, 1.5);
   EXPECT_TRUE(Judge(row, Counted("ours 15\nother 10")).is_reached());
   EXPECT_FALSE(Judge(row, Counted("ours 1501\nother 1000")).is_reached());
   EXPECT_EQ(Judge(row, Counted("ours 15\nother 10")).Figure(), 1.5);
 }
 
-TEST(VerdictTest, TimesAsFastIsReachedFromItsBoundOn) {
+TEST(VerdictTest, TimesAsFastIsReachedFromBound) {
   const Row row = RowOf(true, 2);
   EXPECT_TRUE(Judge(row, Counted("ours 10\nother 20")).is_reached());
   EXPECT_FALSE(Judge(row, Counted("ours 1000\nother 1999")).is_reached());
   EXPECT_EQ(Judge(row, Counted("ours 10\nother 25")).Figure(), 2.5);
 }
 
-TEST(VerdictTest, AValueOfItsOwnIsReachedUpToItsBound) {
+TEST(VerdictTest, ValueWithoutOtherIsReachedUpToBound) {
   Row row = RowOf(false, 32);
   row.other.clear();
   EXPECT_TRUE(Judge(row, Counted("ours 32")).is_reached());
   EXPECT_FALSE(Judge(row, Counted("ours 33")).is_reached());
 }
 
-TEST(VerdictTest, WhatWasNotMeasuredIsNotReached) {
+TEST(VerdictTest, UnmeasuredRowIsNotReached) {
   const Row row = RowOf(false, 1.5);
   for (const char* counts : {"ours 1", "other 1", "another 1"}) {
     const Verdict verdict = Judge(row, Counted(counts));
@@ -68,7 +68,7 @@ TEST(VerdictTest, WhatWasNotMeasuredIsNotReached) {
   }
 }
 
-TEST(FigureTextTest, TimesHaveThreeDigitsAndTheUnitThatFits) {
+TEST(FigureTextTest, TimesHaveThreeDigitsAndFittingUnit) {
   EXPECT_EQ(TimeText(3.14159), "3.14 ns");
   EXPECT_EQ(TimeText(999.4), "999 ns");
   EXPECT_EQ(TimeText(999.6), "1.00 µs");
@@ -78,14 +78,14 @@ TEST(FigureTextTest, TimesHaveThreeDigitsAndTheUnitThatFits) {
   EXPECT_EQ(TimeText(1.5e9), "1.50 s");
 }
 
-TEST(FigureTextTest, CountsHaveTheirDigitsInThrees) {
+TEST(FigureTextTest, CountsGroupDigitsByThree) {
   EXPECT_EQ(CountText(7), "7");
   EXPECT_EQ(CountText(703), "703");
   EXPECT_EQ(CountText(703698), "703,698");
   EXPECT_EQ(CountText(1245154), "1,245,154");
 }
 
-TEST(FigureTextTest, FiguresAndBoundsSayWhatTheyAre) {
+TEST(FigureTextTest, FiguresAndBoundsShowTheirUnit) {
   EXPECT_EQ(FigureText(Judge(RowOf(false, 1.5), Counted("ours 934\nother 1000"))), "0.934x");
   EXPECT_EQ(BoundText(RowOf(false, 1.5)), "≤ 1.5x");
   EXPECT_EQ(FigureText(Judge(RowOf(true, 2), Counted("ours 100\nother 231"))),
