@@ -1,6 +1,6 @@
 # stowra_add_benchmark_program(<name> [LIBRARIES <target>...])
 #
-# One Google Benchmark program of every *_bench.cc in the current folder. It measures the shared libraries that are
+# Adds a Google Benchmark program from all *_bench.cc in the current folder. It links the shared libraries that are
 # shipped.
 function(stowra_add_benchmark_program name)
   cmake_parse_arguments(BENCH "" "" "LIBRARIES" ${ARGN})

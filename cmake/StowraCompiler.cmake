@@ -1,4 +1,4 @@
-# How everything in this project is compiled.
+# Compiler settings for the whole project.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -11,7 +11,7 @@ find_package(Threads REQUIRED)
 
 set(STOWRA_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
-# "address,undefined" or "thread"; needs clang++, whose UBSan takes the ignore-list.
+# "address,undefined" or "thread". Needs clang++, because only its UBSan accepts an ignore-list.
 set(STOWRA_SANITIZE "" CACHE STRING "Sanitizers to build with")
 if(STOWRA_SANITIZE)
   add_compile_options(-fsanitize=${STOWRA_SANITIZE} -fno-omit-frame-pointer -O1)
@@ -23,11 +23,11 @@ if(STOWRA_SANITIZE)
   endif()
 endif()
 
-# Read by tests/coverage/coverage.sh; needs g++. Threads count, too, hence the atomic counters.
+# For tests/coverage/coverage.sh. Needs g++. The counters are atomic, because threads share them.
 option(STOWRA_COVERAGE "Count which lines and branches are executed" OFF)
 if(STOWRA_COVERAGE)
   add_compile_options(--coverage -fprofile-update=atomic -O0)
   add_link_options(--coverage)
-  # Otherwise the shared libraries share one set of counting functions, and none can be unloaded.
+  # Gives each shared library its own counting functions, so that it can be unloaded.
   add_link_options(-Wl,--exclude-libs,libgcov.a)
 endif()

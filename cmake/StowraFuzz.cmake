@@ -2,10 +2,13 @@ add_custom_target(fuzz_targets)
 
 # stowra_add_fuzz_target(<name> [SOURCES <file>...] [LIBRARIES <target>...])
 #
-# A fuzz target in the current folder: <name>_fuzz.cc, which defines LLVMFuzzerTestOneInput, the dictionary <name>.dict,
-# the inputs to begin with in <name>/seeds, and in <name>/findings the inputs that once failed. It links the rooms'
-# objects. With the preset "fuzz" it becomes a fuzzer, otherwise a program that runs the target over both folders,
-# which is a test.
+# Adds a fuzz target from the current folder. It links the rooms' objects. With the preset "fuzz" it becomes a fuzzer.
+# Otherwise it becomes a test that runs the target on the seeds and findings. The files:
+#
+#   <name>_fuzz.cc    defines LLVMFuzzerTestOneInput
+#   <name>.dict       the dictionary
+#   <name>/seeds      the inputs to start from
+#   <name>/findings   inputs that failed once
 function(stowra_add_fuzz_target name)
   cmake_parse_arguments(FUZZ "" "" "SOURCES;LIBRARIES" ${ARGN})
   get_filename_component(room "${CMAKE_CURRENT_SOURCE_DIR}" NAME)

@@ -3,9 +3,9 @@ find_program(STOWRA_NPM npm)
 
 # stowra_add_node_folder(<target>)
 #
-# Node programs for tests: copies the current folder's *.mjs and its lists of packages to ${STOWRA_NODE_FOLDER}, a
-# folder of the build, since Node finds packages beside the program. <target> installs the packages there; without npm
-# there is none, and the tests say so.
+# Prepares Node scripts for tests. Copies the current folder's *.mjs and package lists to ${STOWRA_NODE_FOLDER} in the
+# build, because Node looks for packages beside the script. <target> installs the packages there. Without npm there is
+# no such target, and the tests fail and say so.
 macro(stowra_add_node_folder target)
   set(STOWRA_NODE_FOLDER "${CMAKE_CURRENT_BINARY_DIR}/node")
   file(GLOB node_files CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}"

@@ -1,7 +1,7 @@
 # stowra_add_room(<name> [LIBRARIES <third-party target>...])
 #
-# One room of the library: an object library of the .cc files in the current folder. What it links stays inside:
-# the shared library that takes the room in links it privately (see the property STOWRA_PRIVATE_LIBRARIES).
+# Adds one room of the library, an object library of the .cc files in the current folder. The shared library that holds
+# the room links the room's LIBRARIES privately (property STOWRA_PRIVATE_LIBRARIES).
 function(stowra_add_room name)
   cmake_parse_arguments(ROOM "" "" "LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cc")
@@ -14,8 +14,8 @@ endfunction()
 
 # stowra_add_shared_library(<target> EXPORT_NAME <name> ROOMS <room>... [SOURCES <file>...])
 #
-# A shared library of some rooms: SONAME the major version, third-party libraries private, never unloaded, since a
-# worker thread and registered observers outlive any one user of it.
+# Adds a shared library of some rooms. Its SONAME is the major version. Third-party libraries are private. The library
+# is never unloaded, because a worker thread and registered observers can outlive its users.
 function(stowra_add_shared_library target)
   cmake_parse_arguments(LIB "" "EXPORT_NAME" "ROOMS;SOURCES" ${ARGN})
   add_library(${target} SHARED ${LIB_SOURCES})

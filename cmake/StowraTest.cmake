@@ -1,10 +1,9 @@
 include(GoogleTest)
 
-# stowra_add_test_program(<name> [LIBRARIES <target>...])
+# stowra_add_test_program(<name> [LIBRARIES <target>...] [SOURCES <file>...])
 #
-# One test program of every *_test.cc in the current folder (so none can be left out), in which each GoogleTest test is
-# a test of its own. Without LIBRARIES it links the rooms' objects, internals included; name the shared
-# libraries to test what is shipped.
+# Adds a test program from all *_test.cc in the current folder, or from SOURCES. Each GoogleTest test becomes a CTest
+# test. By default it links the rooms' objects with their internals. To test what is shipped, name the shared libraries.
 function(stowra_add_test_program name)
   cmake_parse_arguments(TEST "" "" "LIBRARIES;SOURCES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_test.cc")
