@@ -15,10 +15,10 @@ using Outcome = StopEvent::Outcome;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// How long a client may go without sending, or taking, a byte of a request or response.
+// The longest time without a byte of a request or a response.
 constexpr std::chrono::seconds kInactivityTimeout(30);
 
-// How long a connection that we have closed waits for the client to close it too.
+// The longest wait for the client to close its side.
 constexpr std::chrono::seconds kLingerTimeout(1);
 
 bool WouldBlock() { return errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK; }
@@ -78,7 +78,7 @@ bool ClientSocket::Pause(milliseconds duration) const {
     char next;
     const ssize_t peeked = ::recv(socket_.get(), &next, 1, MSG_PEEK);
     if (peeked == 0 || (peeked < 0 && !WouldBlock())) return false;
-    // The next request is waiting already: from now on only a broken connection is news.
+    // The next request has arrived. From now on, wait only for a broken connection.
     if (std::exchange(events, short{0}) == 0) return false;
   }
 }

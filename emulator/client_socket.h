@@ -14,33 +14,34 @@
 
 namespace stowra_emulator {
 
-// Sends and receives, ending early when the stop event (which must outlive it) is set.
-// For one thread.
+// Sends to and receives from a client. Every wait ends early when the stop event is set. The stop
+// event must outlive this object. For one thread.
 class ClientSocket {
  public:
   ClientSocket(FileDescriptor socket, const StopEvent& stop);
 
-  // The port of this server; 0 when the connection has none any more.
+  // The port of this server, or 0 if the connection is closed.
   std::uint16_t LocalPort() const;
 
-  // True when there is something to receive, be it the end of the stream.
+  // True if bytes or the end of the stream can be received.
   bool WaitReadable(std::chrono::milliseconds timeout) const;
 
-  // The number of bytes received, 0 at the end of the stream, -1 on failure.
+  // Returns the number of bytes received, or 0 at the end of the stream. Returns -1 after an error,
+  // the stop event or 30 seconds without a byte.
   ssize_t Receive(char* data, std::size_t size);
 
-  // False when the client has gone or takes nothing for too long.
+  // False if the client has left, takes nothing for 30 seconds, or the stop event is set.
   bool Send(const char* data, std::size_t size);
 
-  // Lets the time pass. False when the client hung up in the meantime; one that has only ended its
-  // own sending counts as gone too.
+  // Waits for `duration`. False if the client leaves first or the stop event is set. A client that
+  // has shut down its sending side counts as gone.
   bool Pause(std::chrono::milliseconds duration) const;
 
-  // Ends the connection with a reset instead of an orderly close.
+  // Closes the connection with a reset.
   void Reset();
 
-  // Ends the connection in order: closes after the client has, or after a while. (A close with
-  // received bytes unread would make the system send a reset, which can overtake the response.)
+  // Ends sending, then closes once the client has closed or a second has passed. Closing at once
+  // could lose the response: unread input makes the system send a reset.
   void Finish();
 
  private:

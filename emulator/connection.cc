@@ -39,7 +39,7 @@ Connection::Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher&
       dispatcher_(dispatcher),
       log_(log),
       max_body_size_(max_body_size) {
-  // Told to the client only: Serve is what holds to it.
+  // The engine only tells the client these limits. Serve enforces them.
   set_keep_alive_timeout(kIdleTimeout.count());
   set_keep_alive_max_count(kMaxRequests);
   set_default_headers({{"Accept-Ranges", "none"}});
@@ -55,18 +55,18 @@ Connection::Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher&
   Delete(every_path, answer);
   Options(every_path, answer);
 
-  // Comes before the body is read.
+  // Runs before the engine reads the body.
   set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
     if (!HasOversizedBody(request)) return HandlerResponse::Unhandled;
     RefuseBody(response);
     return HandlerResponse::Handled;
   });
-  // For what the engine refuses by itself.
+  // Runs for every error status. Without a body it is a refusal by the engine itself.
   set_error_handler(Handler([this](const httplib::Request&, httplib::Response& response) {
     if (stream_.WantsMoreInput()) {
       RefuseBody(response);
     } else if (response.body.empty()) {
-      SetError(response, response.status, "not a request to be served");
+      SetError(response, response.status, "cannot serve this request");
     }
   }));
   set_logger([this](const httplib::Request& request, const httplib::Response& response) {
@@ -98,7 +98,7 @@ bool Connection::ServeRequest(bool is_last) {
 }
 
 void Connection::PrepareRequest(httplib::Request& request) {
-  // Without this the engine would read a request's body until the client closes.
+  // Without a length the engine would read the body until the client closes.
   if (!HasBody(request)) {
     request.headers.erase("Content-Length");
     request.set_header("Content-Length", "0");
@@ -106,7 +106,7 @@ void Connection::PrepareRequest(httplib::Request& request) {
   request.ranges.clear();
   stream_.AllowInput(max_body_size_);
   if (HasOversizedBody(request)) {
-    // No "100 Continue" for a body that is not going to be read.
+    // Nobody reads this body, so the client gets no "100 Continue".
     request.headers.erase("Expect");
     request.headers.erase("Connection");
     request.set_header("Connection", "close");
@@ -119,17 +119,17 @@ bool Connection::HasOversizedBody(const httplib::Request& request) const {
 
 void Connection::RefuseBody(httplib::Response& response) const {
   SetError(response, 413,
-           "a body of more than " + std::to_string(max_body_size_) + " bytes is not taken");
+           "a body of more than " + std::to_string(max_body_size_) + " bytes is refused");
 }
 
 void Connection::Answer(const httplib::Request& request, httplib::Response& response) {
-  // A body that was left unread would be taken for the next request.
+  // The engine would take an unread body for the next request.
   request_was_read_ = MayHaveBody(request.method) || !HasBody(request);
   try {
     const std::optional<Fault> fault =
         request.has_param("fault") ? ParseFault(request.get_param_value("fault")) : Fault();
     if (!fault) {
-      SetError(response, 400, "no such fault; there are: " + FaultUsages());
+      SetError(response, 400, "unknown fault; the faults are: " + FaultUsages());
       return;
     }
     fault_ = *fault;

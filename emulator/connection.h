@@ -15,21 +15,21 @@
 
 namespace stowra_emulator {
 
-// Serves the requests of one connection in turn, each with the fault that it asks for. The HTTP
-// library is used as an engine that reads requests and writes responses; one engine a connection
-// ties its callbacks to this connection's state. Handlers answer with a body: content providers
-// would find the engine shut down, since it does not listen itself.
-// For one thread; everything that the constructor is given must outlive it.
+// Serves the requests of one connection in turn, each with its fault. The HTTP library reads the
+// requests and writes the responses but does not listen. It calls back without naming the
+// connection, so each connection has an engine of its own. Handlers must set a body: a content
+// provider fails in an engine that does not listen.
+// For one thread. The references passed to the constructor must outlive this object.
 class Connection : private httplib::Server {
  public:
   Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher, RequestLog& log,
              std::uint64_t max_body_size);
 
-  // Returns when the client has left, a fault has ended the connection, or the stop event is set.
+  // Returns when the connection has ended or the stop event is set.
   void Serve();
 
  private:
-  // One request and its response. True when the connection can serve another.
+  // Serves one request. True if the connection can serve another.
   bool ServeRequest(bool is_last);
 
   void PrepareRequest(httplib::Request& request);
@@ -43,7 +43,7 @@ class Connection : private httplib::Server {
   RequestLog& log_;
   const std::uint64_t max_body_size_;
 
-  // Of the request being served.
+  // The state of the current request.
   Fault fault_;
   LogEntry log_entry_;
   bool request_was_read_ = false;

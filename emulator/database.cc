@@ -6,7 +6,7 @@
 namespace stowra_emulator {
 namespace {
 
-// What marks a file as ours, and the form of its tables.
+// They mark a file as made by this program, with this version of the tables.
 constexpr int kApplicationId = 0x53746577;
 constexpr int kSchemaVersion = 2;
 
@@ -102,7 +102,7 @@ int Database::Number(std::string_view sql) {
 }
 
 void Database::SeedIfNew() {
-  // The lock first: of two programs that find the file empty, one fills it.
+  // Takes the lock first. If two programs find the file empty, only one fills it.
   Transaction transaction(*this);
   if (Number("SELECT count(*) FROM sqlite_master") == 0) {
     Execute(kSchemaSql);
@@ -127,7 +127,7 @@ Transaction::~Transaction() {
   try {
     database_.Execute("ROLLBACK");
   } catch (const DatabaseError&) {
-    // SQLite has undone it already.
+    // SQLite has already rolled back.
     return;
   }
 }

@@ -1,4 +1,4 @@
-// The SQLite database that the services answer from.
+// The SQLite database behind the services.
 
 #ifndef EMULATOR_DATABASE_H_
 #define EMULATOR_DATABASE_H_
@@ -16,23 +16,24 @@ struct DatabaseError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// A prepared statement. Every operation throws DatabaseError. Must not outlive its database.
+// A prepared statement. Preparing, binding and stepping throw DatabaseError on failure. Must not
+// outlive its database.
 class Statement {
  public:
   Statement(sqlite3* database, std::string_view sql);
 
-  // Sets the parameter of that number, from 1. Bytes are not copied: they must stay until Step has
-  // returned.
+  // Each sets the parameter with this number, counted from 1. Text is copied. `bytes` are not, and
+  // must stay valid while the statement uses them.
   Statement& Bind(int parameter, std::string_view text);
   Statement& BindInt(int parameter, int number);
   Statement& BindBytes(int parameter, std::string_view bytes);
-  // For the functions of SQLite that take a pointer of that type.
+  // For SQL functions that take a pointer of this type.
   Statement& BindPointer(int parameter, void* pointer, const char* type);
 
-  // Moves to the next row; false after the last one.
+  // Moves to the next row. False after the last one.
   bool Step();
 
-  // The columns of the row, from 0. A null gives the empty text or 0.
+  // The columns of the row, counted from 0. NULL gives an empty string or 0.
   bool IsNull(int column) const;
   std::string Text(int column) const;
   int Int(int column) const;
@@ -47,16 +48,17 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
-// One thread at a time.
+// Not thread-safe.
 class Database {
  public:
-  // Opens the file, and fills it with the seed if it is new or empty. An empty name stands for a
-  // database in memory. Throws DatabaseError when it cannot be read, or is not one of ours.
+  // Opens the file and fills it with seed data if it is new or empty. An empty name means a
+  // database in memory. Throws DatabaseError if the file cannot be opened, or another program or
+  // version made it.
   explicit Database(const std::string& file);
 
   Statement Prepare(std::string_view sql) { return Statement(database_.get(), sql); }
 
-  // Runs statements that have no parameters and of whose rows nothing is wanted.
+  // Runs statements without parameters and ignores their rows. Throws DatabaseError on failure.
   void Execute(const std::string& sql);
 
  private:
@@ -70,8 +72,8 @@ class Database {
   std::unique_ptr<sqlite3, CloseDatabase> database_;
 };
 
-// What is done to the database between its construction and Commit: all of it, or, without Commit,
-// nothing. Other programs do not write in the meantime. Must not outlive the database.
+// Commit keeps all changes since construction. Without Commit the destructor undoes them. Until
+// then no other program can write. Must not outlive the database.
 class Transaction {
  public:
   explicit Transaction(Database& database);

@@ -40,7 +40,7 @@ Delivery Deliver(std::string_view response, const Fault& fault, ClientSocket& so
   delivery.body_bytes = cut ? body.size() / 2 : body.size();
   if (!Send(response.substr(0, head_size + delivery.body_bytes), socket)) return {};
   if (fault.kind == Fault::Kind::kReset) socket.Reset();
-  // A client goes on waiting for the response proper after an interim status.
+  // After an interim status the client still waits for the final response.
   const bool interim = fault.kind == Fault::Kind::kStatus && fault.status < 200;
   delivery.may_continue = !cut && !interim;
   return delivery;

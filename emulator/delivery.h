@@ -1,4 +1,4 @@
-// How a complete response is sent.
+// Sending a complete response.
 
 #ifndef EMULATOR_DELIVERY_H_
 #define EMULATOR_DELIVERY_H_
@@ -12,11 +12,11 @@
 namespace stowra_emulator {
 
 struct Delivery {
-  std::size_t body_bytes = 0;  // As many as were sent.
-  bool may_continue = false;   // Whether the connection can serve another request.
+  std::size_t body_bytes = 0;  // Bytes of the body that were sent.
+  bool may_continue = false;   // True if the connection can serve another request.
 };
 
-// Sends `response`, head and body, in the way of the fault. After a reset `socket` is closed.
+// Sends `response`, head and body, with the fault applied. A reset closes `socket`.
 Delivery Deliver(std::string_view response, const Fault& fault, ClientSocket& socket);
 
 }  // namespace stowra_emulator

@@ -24,10 +24,10 @@ void Dispatcher::Answer(const httplib::Request& request, httplib::Response& resp
     allowed += route.method == std::string("GET") ? "GET, HEAD" : route.method;
   }
   if (allowed.empty()) {
-    SetError(response, 404, "no route '" + request.path + "'; GET / lists what there is");
+    SetError(response, 404, "no route '" + request.path + "'; GET / lists all routes");
   } else {
     response.set_header("Allow", allowed);
-    SetError(response, 405, "'" + request.path + "' takes " + allowed + " only");
+    SetError(response, 405, "'" + request.path + "' accepts only " + allowed);
   }
 }
 

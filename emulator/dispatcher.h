@@ -1,4 +1,4 @@
-// From a request to its answer.
+// Finds the handler for a request and runs it.
 
 #ifndef EMULATOR_DISPATCHER_H_
 #define EMULATOR_DISPATCHER_H_
@@ -15,10 +15,11 @@ namespace stowra_emulator {
 // Owns the database and runs the handlers on it, one at a time. Safe from any thread.
 class Dispatcher {
  public:
-  // Throws DatabaseError: see Database.
+  // Throws DatabaseError, as Database does.
   explicit Dispatcher(const std::string& database_file) : database_(database_file) {}
 
-  // Answers with the route's handler, or with the error that explains why there is none.
+  // Answers with the route's handler. Sets an error if no route matches or the handler throws a
+  // RequestError. Other exceptions of a handler pass through.
   void Answer(const httplib::Request& request, httplib::Response& response);
 
  private:

@@ -1,4 +1,4 @@
-// What the HTTP engine reads requests from and writes responses to.
+// The stream between the HTTP engine and a client.
 
 #ifndef EMULATOR_ENGINE_STREAM_H_
 #define EMULATOR_ENGINE_STREAM_H_
@@ -15,36 +15,35 @@
 
 namespace stowra_emulator {
 
-// Keeps a response until it is complete, since a fault concerns how all of it is sent.
-// For one thread; the socket must outlive it.
+// Collects a whole response before it is sent, because a fault can affect all of it. For one
+// thread. The socket must outlive this object.
 class EngineStream : public httplib::Stream {
  public:
   explicit EngineStream(ClientSocket& socket) : socket_(socket) {}
 
-  // True when there is something to read, be it the end of the stream.
+  // True if bytes or the end of the stream can be read.
   bool WaitForInput(std::chrono::milliseconds timeout) const;
 
-  // Lets that many bytes more be read; further reads fail.
+  // Allows `size` more bytes to be read. Reads beyond them fail.
   void AllowInput(std::uint64_t size);
 
-  // Whether a read has failed for that.
+  // True if a read has failed because of that limit.
   bool WantsMoreInput() const { return wants_more_input_; }
 
-  // The response written since the last call.
+  // Hands out what was written since the last call.
   std::string TakeResponse();
 
   bool is_readable() const override { return true; }
   bool is_writable() const override { return true; }
 
-  // Sends what has been written before it reads: an interim "100 Continue" must not wait for the
-  // body that waits for it.
+  // First sends what has been written: the client sends no body before it gets "100 Continue".
   ssize_t read(char* data, std::size_t size) override;
   ssize_t write(const char* data, std::size_t size) override;
 
   void get_remote_ip_and_port(std::string&, int&) const override {}
   void get_local_ip_and_port(std::string& address, int& port) const override;
 
-  // None: the engine would refuse descriptors too large for select, which nobody here calls.
+  // No descriptor. The engine would refuse those too large for select, which is not used here.
   socket_t socket() const override { return INVALID_SOCKET; }
 
  private:

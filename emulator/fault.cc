@@ -42,7 +42,6 @@ std::optional<milliseconds> ParseSeconds(std::string_view text) {
   return duration + milliseconds(*thousandths);
 }
 
-// Reads the argument of a fault of `kind`.
 std::optional<Fault> WithArgument(Kind kind, std::string_view argument) {
   Fault fault;
   fault.kind = kind;
@@ -75,7 +74,7 @@ std::optional<Fault> WithoutArgument(Kind kind) {
 void AnswerStatus(int status, httplib::Response& response) {
   const bool has_body = status >= 200 && status != 204 && status != 304;
   if (has_body) {
-    SetError(response, status, "the status that the request asked for");
+    SetError(response, status, "the request asked for this status");
   } else {
     response.status = status;
   }
@@ -86,14 +85,16 @@ void AnswerStatus(int status, httplib::Response& response) {
 const std::vector<FaultDescription>& Faults() {
   static const std::vector<FaultDescription> faults = {
       {Kind::kStatus, "status", "status:CODE", "answers with that status, 100 to 599"},
-      {Kind::kStall, "stall", "stall:SECONDS", "waits before anything is sent (0.5 works too)"},
+      {Kind::kStall, "stall", "stall:SECONDS",
+       "waits before it sends anything; 0.5 is half a second"},
       {Kind::kTruncate, "truncate", "truncate",
        "declares the whole length, sends half of the body and closes"},
       {Kind::kReset, "reset", "reset", "resets the connection in the middle of the body"},
       {Kind::kDrip, "drip", "drip[:MILLISECONDS]",
-       "sends the body a byte at a time, 20 ms apart or as many as given"},
-      {Kind::kBomb, "bomb", "bomb", "sends 1 MB of gzip that inflates to 1 GiB of blanks"},
-      {Kind::kGarbage, "garbage", "garbage", "status 200 and a body in no format at all"},
+       "sends the body byte by byte, every 20 ms or as given"},
+      {Kind::kBomb, "bomb", "bomb", "sends 1 MB of gzip that inflates to 1 GiB of spaces"},
+      {Kind::kGarbage, "garbage", "garbage",
+       "answers with status 200 and a body in no known format"},
       {Kind::kRedirectLoop, "redirect-loop", "redirect-loop", "redirects to the same address"},
   };
   return faults;
@@ -126,7 +127,7 @@ bool AnswerInstead(const Fault& fault, const httplib::Request& request,
       AnswerStatus(fault.status, response);
       return true;
     case Kind::kBomb:
-      // As JSON the engine would compress it once more.
+      // The engine would compress JSON once more.
       response.set_content(GzipBomb(), "application/octet-stream");
       response.set_header("Content-Encoding", "gzip");
       return true;

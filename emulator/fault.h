@@ -38,18 +38,18 @@ struct FaultDescription {
   const char* description;
 };
 
-// Every fault there is.
+// All faults.
 const std::vector<FaultDescription>& Faults();
 
 // The usages of all faults, separated by commas.
 std::string FaultUsages();
 
-// Reads a fault such as "status:503". Nothing when there is none of that name, or its argument is
-// missing, superfluous or out of range.
+// Parses a fault such as "status:503". Empty if the name is unknown, or the argument is missing,
+// unexpected or out of range.
 std::optional<Fault> ParseFault(std::string_view text);
 
-// Sets the response of a fault that is a response of its own. False, with nothing set, for the
-// faults that concern only how an ordinary response is sent.
+// Sets the response if the fault replaces it. False, with nothing set, if the fault only changes
+// how an ordinary response is sent.
 bool AnswerInstead(const Fault& fault, const httplib::Request& request,
                    httplib::Response& response);
 

@@ -14,7 +14,7 @@ class FileDescriptor {
  public:
   FileDescriptor() = default;
 
-  // Takes `fd` over, which child processes will not inherit. A negative one owns nothing.
+  // Takes ownership of `fd`. Child processes will not inherit it. A negative `fd` owns nothing.
   explicit FileDescriptor(int fd) : fd_(fd) {
     if (fd_ >= 0) ::fcntl(fd_, F_SETFD, FD_CLOEXEC);
   }
@@ -32,7 +32,6 @@ class FileDescriptor {
     if (fd_ >= 0) ::close(std::exchange(fd_, -1));
   }
 
-  // Makes reads, writes and accepts return instead of waiting.
   void SetNonBlocking() { ::fcntl(fd_, F_SETFL, ::fcntl(fd_, F_GETFL) | O_NONBLOCK); }
 
  private:

@@ -25,8 +25,8 @@ struct Segment {
   uLong crc = crc32(0, nullptr, 0);
 };
 
-// Deflates kSegmentSize blanks. The full flush at the end leaves the stream at a byte boundary and
-// with no memory of what came before, so the segment can be repeated.
+// Deflates kSegmentSize spaces. The final full flush ends on a byte boundary and drops the history.
+// That makes the segment repeatable.
 Segment MakeSegment() {
   z_stream stream = {};
   if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, kRawDeflate, MAX_MEM_LEVEL,
@@ -34,14 +34,14 @@ Segment MakeSegment() {
     throw std::bad_alloc();
   }
   const std::unique_ptr<z_stream, EndDeflate> end_deflate(&stream);
-  std::array<Bytef, kChunkSize> blanks;
-  blanks.fill(' ');
+  std::array<Bytef, kChunkSize> spaces;
+  spaces.fill(' ');
   std::array<Bytef, kChunkSize> output;
   Segment segment;
   for (std::size_t done = 0; done < kSegmentSize; done += kChunkSize) {
-    stream.next_in = blanks.data();
+    stream.next_in = spaces.data();
     stream.avail_in = kChunkSize;
-    segment.crc = crc32(segment.crc, blanks.data(), kChunkSize);
+    segment.crc = crc32(segment.crc, spaces.data(), kChunkSize);
     const int flush = done + kChunkSize == kSegmentSize ? Z_FULL_FLUSH : Z_NO_FLUSH;
     do {
       stream.next_out = output.data();

@@ -7,8 +7,8 @@
 
 namespace stowra_emulator {
 
-// One gzip member of about 1 MB that inflates to 1 GiB of blanks. Made at the first call and kept
-// for the life of the process. Safe from any thread.
+// One gzip member of about 1 MB that inflates to 1 GiB of spaces. The first call makes it, and it
+// stays until the process ends. Safe from any thread.
 const std::string& GzipBomb();
 
 }  // namespace stowra_emulator

@@ -9,7 +9,7 @@ namespace stowra_emulator {
 
 void AnswerIndex(const httplib::Request&, Database&, httplib::Response& response) {
   std::ostringstream page;
-  page << std::left << "stowra-emulator: local services to develop against\n\nRoutes\n";
+  page << std::left << "stowra-emulator: local services to develop and test against\n\nRoutes\n";
   for (const Route& route : Routes()) {
     page << "  " << std::setw(6) << route.method << std::setw(19) << route.path << route.description
          << '\n';

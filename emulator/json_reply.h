@@ -10,7 +10,7 @@
 
 namespace stowra_emulator {
 
-// Sets the body. Bytes that are not UTF-8 are replaced.
+// Sets the body. Bytes that are not UTF-8 become U+FFFD.
 void SetJson(httplib::Response& response, const nlohmann::ordered_json& json);
 
 // Sets the status, and {"error": message} as the body.

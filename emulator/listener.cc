@@ -18,7 +18,7 @@ using Outcome = StopEvent::Outcome;
 
 constexpr std::chrono::hours kNoTimeout(24);
 
-// How long to wait when the system has no descriptor or memory for a connection.
+// The pause after the system had no descriptor or memory for a connection.
 constexpr std::chrono::milliseconds kAcceptRetry(50);
 
 FileDescriptor Listen(std::uint16_t port) {
@@ -27,8 +27,8 @@ FileDescriptor Listen(std::uint16_t port) {
                             what + std::string(" 127.0.0.1:") + std::to_string(port));
   };
   FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
-  if (socket.get() < 0) fail("cannot make a socket for");
-  // Ports that a recent run has used are free; one that another program listens on is not.
+  if (socket.get() < 0) fail("cannot create a socket for");
+  // Allows a port that a recent run used, but none that another program listens on.
   const int on = 1;
   ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
   sockaddr_in address = {};
@@ -56,7 +56,7 @@ std::uint16_t PortOf(const FileDescriptor& socket) {
 
 Listener::Listener(std::uint16_t port, const StopEvent& stop, Serve serve)
     : socket_(Listen(port)), port_(PortOf(socket_)), stop_(stop), serve_(std::move(serve)) {
-  // A client that leaves early is then an error from send.
+  // If a client has left, send then fails and the process goes on.
   std::signal(SIGPIPE, SIG_IGN);
   accepting_ = std::thread([this] { AcceptAll(); });
 }
@@ -86,7 +86,7 @@ void Listener::StartWorker(FileDescriptor client) {
       worker.finished = true;
     });
   } catch (const std::system_error&) {
-    // No thread to be had: the client sees its connection closed.
+    // The system has no more threads. The client sees its connection closed.
     workers_.pop_back();
   }
 }

@@ -14,18 +14,18 @@
 
 namespace stowra_emulator {
 
-// Accepts connections on 127.0.0.1 and serves each on a thread of its own, so that a slow one holds
-// up no other.
+// Accepts connections on 127.0.0.1 and serves each on its own thread. A slow client blocks no
+// other.
 class Listener {
  public:
   using Serve = std::function<void(FileDescriptor)>;
 
-  // Listens on `port`, on any free one if it is 0, and makes the process ignore SIGPIPE. `serve`
-  // runs on many threads at once, and must return soon after `stop` is set. Throws
-  // std::system_error when the port cannot be had.
+  // Listens on `port`, or on any free port if it is 0. Makes the process ignore SIGPIPE. `serve`
+  // runs on many threads at once and must return soon after `stop` is set. `stop` must outlive this
+  // object. Throws std::system_error if it cannot listen.
   Listener(std::uint16_t port, const StopEvent& stop, Serve serve);
 
-  // Waits for all threads; `stop` must be set.
+  // Waits for all threads. Requires that `stop` is set.
   ~Listener();
 
   std::uint16_t port() const { return port_; }
@@ -44,7 +44,7 @@ class Listener {
   std::uint16_t port_ = 0;
   const StopEvent& stop_;
   const Serve serve_;
-  std::list<Worker> workers_;  // Of the accepting thread, and of the destructor after it.
+  std::list<Worker> workers_;  // Used by the accepting thread, then by the destructor.
   std::thread accepting_;
 };
 

@@ -21,11 +21,10 @@ constexpr const char* kHelp =
     "  curl http://127.0.0.1:8080/user-info\n"
     "  curl 'http://127.0.0.1:8080/update?fault=status:503'\n"
     "\n"
-    "Local services to develop against. Prints its address when it is ready and serves until it "
-    "is\n"
-    "interrupted. GET / lists the routes and the faults that can be asked for.\n";
+    "Local services to develop and test against. Prints its address when it is ready.\n"
+    "Serves until it is interrupted. GET / lists the routes and the faults.\n";
 
-// Held back in every thread that is started later, so that WaitForSignal is what gets them.
+// Threads that start later block them too, so only WaitForSignal receives them.
 sigset_t BlockEndingSignals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -59,11 +58,11 @@ int main(int argc, char** argv) {
   stowra_emulator::EmulatorOptions options;
   bool quiet = false;
   CLI::App app(kHelp, "stowra-emulator");
-  app.add_option("--port", options.port, "Port to listen on; 0, the default, takes any free one");
+  app.add_option("--port", options.port, "Port to listen on; 0, the default, takes any free port");
   app.add_option("--database", options.database_file,
-                 "File that keeps the services' data, filled if it is new; default: in memory")
+                 "SQLite file with the data, filled if it is new; without it, data is in memory")
       ->type_name("FILE");
-  app.add_flag("--quiet", quiet, "No line on standard error for each request");
+  app.add_flag("--quiet", quiet, "Do not log requests to standard error");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -5,7 +5,7 @@
 namespace stowra_emulator {
 namespace {
 
-// https://www.w3.org/TR/xml/#NT-Char; no surrogate comes out of a decoder.
+// See https://www.w3.org/TR/xml/#NT-Char. DecodeUtf8 returns no surrogates.
 bool IsAllowed(char32_t c) {
   return (c >= 0x20 && c != 0xFFFE && c != 0xFFFF) || c == '\t' || c == '\n' || c == '\r';
 }
@@ -24,7 +24,7 @@ void AppendEscaped(std::string& out, char32_t c, std::string_view bytes) {
     case '"':
       out += "&quot;";
       break;
-    // A reader would make a space or a line feed of these.
+    // An XML parser would turn these into a space or a line feed.
     case '\t':
       out += "&#9;";
       break;

@@ -1,4 +1,4 @@
-// XML and HTML text.
+// Writing XML and HTML.
 
 #ifndef EMULATOR_MARKUP_WRITER_H_
 #define EMULATOR_MARKUP_WRITER_H_
@@ -11,34 +11,34 @@
 
 namespace stowra_emulator {
 
-// `text` as it may stand between tags and in quoted attributes. Characters that XML does not allow
-// are left out; bytes that are not UTF-8 become U+FFFD.
+// Escapes `text` for element content and quoted attributes. Drops characters that XML forbids.
+// Bytes that are not UTF-8 become U+FFFD.
 std::string EscapeMarkup(std::string_view text);
 
-// Writes a document, well-formed as XML, an element a line. Values are escaped; names are not.
+// Writes a document that is well-formed XML, an element a line. Escapes values but not names.
 class MarkupWriter {
  public:
   using Attributes = std::initializer_list<std::pair<std::string_view, std::string_view>>;
 
-  // `prologue` is what stands before the first element.
+  // `prologue` comes before the first element.
   explicit MarkupWriter(std::string_view prologue) : text_(prologue) {}
 
-  // Opens an element; what comes until the matching End is inside it.
+  // Opens an element. Everything up to the matching End goes into it.
   void Begin(const char* name, Attributes attributes = {});
   void End();
 
   void Text(std::string_view text);
 
-  // Text that is not escaped, such as a style sheet.
+  // Adds text without escaping it, such as a style sheet.
   void Verbatim(std::string_view text);
 
-  // An element with only text in it.
+  // Adds an element that holds only text.
   void Element(const char* name, std::string_view text, Attributes attributes = {});
 
-  // An element with nothing in it, as <name/>. In HTML only for those that never have an end tag.
+  // Adds an empty element, <name/>. In HTML only for elements that never have an end tag.
   void Empty(const char* name, Attributes attributes);
 
-  // Ends all open elements and gives the document. Nothing may be written afterwards.
+  // Closes all open elements and returns the document. Nothing may be written afterwards.
   std::string Finish();
 
  private:

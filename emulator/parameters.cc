@@ -19,7 +19,7 @@ void AllowParameters(const httplib::Request& request, std::initializer_list<cons
     if (name == "fault" || std::find(names.begin(), names.end(), name) != names.end()) continue;
     std::string known;
     for (const char* allowed : names) known += (known.empty() ? "" : ", ") + std::string(allowed);
-    throw RequestError(400, "no parameter " + Quoted(name) + " here; there are: " + known);
+    throw RequestError(400, "unknown parameter " + Quoted(name) + "; this route takes: " + known);
   }
 }
 

@@ -1,5 +1,4 @@
-// The parameters in a request's query. Each operation throws RequestError, status 400, for what it
-// does not take.
+// The parameters in a request's query. What a function refuses is a RequestError with status 400.
 
 #ifndef EMULATOR_PARAMETERS_H_
 #define EMULATOR_PARAMETERS_H_
@@ -11,20 +10,20 @@
 
 namespace stowra_emulator {
 
-// Throws when there is a parameter of any other name. `fault` is always allowed.
+// Throws if the request has any other parameter. `fault` is always allowed.
 void AllowParameters(const httplib::Request& request, std::initializer_list<const char*> names);
 
-// Throws when it is absent or empty.
+// Throws if it is absent or empty.
 std::string RequiredParameter(const httplib::Request& request, const char* name);
 
 std::string TextParameter(const httplib::Request& request, const char* name,
                           const char* value_when_absent);
 
-// Throws when it is no decimal number between `min`, not negative, and `max`.
+// Throws unless the value is a decimal number from `min` to `max`. Requires `min` >= 0.
 int NumberParameter(const httplib::Request& request, const char* name, int value_when_absent,
                     int min, int max);
 
-// Throws unless it is absent, "true" or "false".
+// False if it is absent. Throws unless the value is "true" or "false".
 bool FlagParameter(const httplib::Request& request, const char* name);
 
 }  // namespace stowra_emulator

@@ -2,7 +2,7 @@
 
 namespace stowra_emulator {
 
-// The seed's 64-bit FNV-1a hash, from which SplitMix64 goes on.
+// SplitMix64, started with the 64-bit FNV-1a hash of the seed.
 
 RandomStream::RandomStream(std::string_view seed) {
   for (const char c : seed) {

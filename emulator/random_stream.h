@@ -1,4 +1,4 @@
-// Numbers that look random and are always the same for the same text.
+// Pseudo-random numbers that depend only on a seed text.
 
 #ifndef EMULATOR_RANDOM_STREAM_H_
 #define EMULATOR_RANDOM_STREAM_H_
@@ -15,10 +15,10 @@ class RandomStream {
 
   std::uint64_t Next();
 
-  // From 0 to count - 1; requires count > 0.
+  // From 0 to count - 1. Requires count > 0.
   std::size_t Pick(std::size_t count) { return static_cast<std::size_t>(Next() % count); }
 
-  // From `low` to below `high`.
+  // At least `low` and below `high`.
   double Between(double low, double high);
 
  private:

@@ -8,7 +8,7 @@
 
 namespace stowra_emulator {
 
-// Thrown by a handler; becomes the answer.
+// Thrown by a handler. It becomes the answer.
 struct RequestError : std::runtime_error {
   RequestError(int error_status, const std::string& message)
       : std::runtime_error(message), status(error_status) {}

@@ -5,7 +5,7 @@
 namespace stowra_emulator {
 namespace {
 
-// A malformed request may lack either part, or bring bytes that would command a terminal.
+// A malformed request may lack a part or contain control characters for a terminal.
 std::string Printable(std::string text) {
   if (text.empty()) return "-";
   std::replace_if(

@@ -14,13 +14,13 @@ struct LogEntry {
   std::string method;
   std::string target;  // Path and query, as sent.
   int status = 0;
-  std::size_t body_bytes = 0;  // As many as were sent.
+  std::size_t body_bytes = 0;  // Bytes of the body that were sent.
 };
 
 // Safe from any thread.
 class RequestLog {
  public:
-  // Writes to `out`, which must outlive it; to nowhere when null.
+  // Writes to `out`, which must outlive this object. Writes nothing if it is null.
   explicit RequestLog(std::ostream* out) : out_(out) {}
 
   void Write(const LogEntry& entry);

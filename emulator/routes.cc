@@ -20,8 +20,10 @@ const std::vector<Route>& Routes() {
       {"GET", "/upload-config", AnswerUploadConfig,
        "where to upload; ?name, type, task, priority, zipped=true, files=N"},
       {"POST", "/upload", AnswerUpload, "a multipart form that becomes a model"},
-      {"GET", "/upload-succeeded", AnswerUploadSucceeded, "a page to show then; ?mid=MID"},
-      {"GET", "/upload-failed", AnswerUploadFailed, "a page to show then; ?reason=TEXT"},
+      {"GET", "/upload-succeeded", AnswerUploadSucceeded,
+       "a page to show after an upload; ?mid=MID"},
+      {"GET", "/upload-failed", AnswerUploadFailed,
+       "a page to show after a failed one; ?reason=TEXT"},
   };
   return routes;
 }

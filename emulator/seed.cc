@@ -14,13 +14,13 @@ CREATE TABLE users (
 CREATE UNIQUE INDEX one_user_signed_in ON users (signed_in) WHERE signed_in = 1;
 
 CREATE TABLE application_versions (
-  id              INTEGER PRIMARY KEY,  -- The highest is the one offered.
+  id              INTEGER PRIMARY KEY,  -- The highest is offered.
   current_version TEXT NOT NULL,
   expire_version  TEXT NOT NULL
 );
 
 CREATE TABLE messages (
-  id        INTEGER PRIMARY KEY,        -- The highest is the one shown.
+  id        INTEGER PRIMARY KEY,        -- The highest is shown.
   max_shows INTEGER NOT NULL,
   width     INTEGER NOT NULL,
   height    INTEGER NOT NULL,
@@ -53,7 +53,7 @@ CREATE TABLE items (
   keywords             TEXT NOT NULL,        -- Searched, not shown.
   author               TEXT NOT NULL,        -- The uid of a user.
   updated              TEXT NOT NULL,        -- Such as 2024-01-31T09:00:00Z.
-  shape                TEXT NOT NULL,        -- What its picture shows; '' leaves that to the id.
+  shape                TEXT NOT NULL,        -- Shown in its picture; if '', the mid decides.
   dynamic_component    INTEGER NOT NULL DEFAULT 0 CHECK (dynamic_component IN (0, 1)),
   classified_component INTEGER NOT NULL DEFAULT 0 CHECK (classified_component IN (0, 1))
 );
@@ -83,7 +83,7 @@ CREATE TABLE uploads (
   bytes         BLOB NOT NULL
 );
 
--- The words of the items. Symbols count as words, so that an emoji can be searched for.
+-- The words of the items. Symbols count as words, so a search can find an emoji.
 CREATE VIRTUAL TABLE item_words USING fts5(
   title, summary, keywords, content = 'items', content_rowid = 'id',
   tokenize = "unicode61 remove_diacritics 2 categories 'L* N* Co So'"

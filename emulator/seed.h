@@ -1,4 +1,4 @@
-// The tables of a new database, and what it is filled with but for the models and collections.
+// The tables of a new database, and its contents except the models and collections.
 
 #ifndef EMULATOR_SEED_H_
 #define EMULATOR_SEED_H_

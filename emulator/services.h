@@ -1,4 +1,4 @@
-// The handlers of all services: each has a source file of its own.
+// The handlers of all services.
 
 #ifndef EMULATOR_SERVICES_H_
 #define EMULATOR_SERVICES_H_
@@ -12,13 +12,13 @@ namespace stowra_emulator {
 // A plain-text page that lists the routes and the faults.
 void AnswerIndex(const httplib::Request&, Database&, httplib::Response&);
 
-// The signed-in user, or the one with the uid `user`, as one object of texts.
+// The signed-in user, or the one with the uid `user`, as a JSON object.
 void AnswerUserInfo(const httplib::Request&, Database&, httplib::Response&);
 
 // The version offered, the message and the data files.
 void AnswerUpdate(const httplib::Request&, Database&, httplib::Response&);
 
-// The state of those extensions in the request that the store knows, in the request's order.
+// The state of each extension in the request that the store knows, in the request's order.
 void AnswerExtensions(const httplib::Request&, Database&, httplib::Response&);
 
 // A page of search results: as an Atom feed, and as a web page.
@@ -34,10 +34,10 @@ void AnswerDownload(const httplib::Request&, Database&, httplib::Response&);
 // A picture of the model or collection `mid`.
 void AnswerThumbnail(const httplib::Request&, Database&, httplib::Response&);
 
-// What to upload and where to.
+// What to upload and where.
 void AnswerUploadConfig(const httplib::Request&, Database&, httplib::Response&);
 
-// Makes a model of the multipart form in the body.
+// Makes a model from the multipart form in the body.
 void AnswerUpload(const httplib::Request&, Database&, httplib::Response&);
 
 // Web pages to show after an upload.

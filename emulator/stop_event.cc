@@ -18,7 +18,8 @@ StopEvent::StopEvent() {
 }
 
 void StopEvent::Set() {
-  // The byte is never read, so the pipe stays readable for every thread. A full pipe is set too.
+  // Nobody reads the byte, so the pipe stays readable for every thread. If the pipe is full, the
+  // event is already set.
   const char byte = 0;
   while (::write(write_end_.get(), &byte, 1) < 0 && errno == EINTR) {
   }

@@ -1,4 +1,4 @@
-// How every thread of the emulator learns that it is to stop.
+// Tells every thread of the emulator to stop.
 
 #ifndef EMULATOR_STOP_EVENT_H_
 #define EMULATOR_STOP_EVENT_H_
@@ -9,19 +9,19 @@
 
 namespace stowra_emulator {
 
-// Set once and for good. All waiting in the emulator is done here, so nothing outlasts it.
-// Safe from any thread.
+// Stays set once it is set. Every wait in the emulator uses it, so no wait goes on after it. Safe
+// from any thread.
 class StopEvent {
  public:
   enum class Outcome { kReady, kTimedOut, kStopped };
 
-  // Throws std::system_error when there is no descriptor left.
+  // Throws std::system_error if the system has no more descriptors.
   StopEvent();
 
   void Set();
 
-  // Waits until `fd` is ready for one of `events` (as of poll), broken or hung up. With a negative
-  // `fd` only time passes.
+  // Waits until `fd` is ready for one of `events` (as in poll), broken or hung up. With a negative
+  // `fd` it waits only for the timeout or the stop.
   Outcome Wait(int fd, short events, std::chrono::milliseconds timeout) const;
 
  private:

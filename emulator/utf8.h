@@ -10,12 +10,12 @@ namespace stowra_emulator {
 
 struct DecodedCharacter {
   bool is_valid;
-  std::size_t size;     // Bytes that it takes up; 1 when it is not valid.
-  char32_t code_point;  // 0 when it is not valid.
+  std::size_t size;     // In bytes; 1 if it is not valid.
+  char32_t code_point;  // 0 if it is not valid.
 };
 
-// The first character of `text`, which is not empty. Overlong forms, surrogates and what lies
-// beyond U+10FFFF are not valid.
+// Decodes the first character of `text`, which must not be empty. Overlong forms, surrogates and
+// values above U+10FFFF are not valid.
 DecodedCharacter DecodeUtf8(std::string_view text);
 
 }  // namespace stowra_emulator

@@ -9,7 +9,7 @@ bool IsLetterOrDigit(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-// A name or address with or without a port.
+// A host name or IP address, with or without a port.
 bool IsUsableHost(std::string_view host) {
   constexpr std::string_view kMarks = "-._:[]";
   return !host.empty() && std::all_of(host.begin(), host.end(), [=](char c) {

@@ -1,4 +1,4 @@
-// Web addresses and what they are made of.
+// Reading and writing web addresses.
 
 #ifndef EMULATOR_WEB_ADDRESS_H_
 #define EMULATOR_WEB_ADDRESS_H_
@@ -10,14 +10,15 @@
 
 namespace stowra_emulator {
 
-// How the client reached this server, without a slash at the end: from the Host header and, behind
-// a proxy, X-Forwarded-Proto. Without a usable Host it is this server's own address.
+// The address that the client used for this server, without a final slash. It comes from the Host
+// header and, behind a proxy, from X-Forwarded-Proto. Without a usable Host it has 127.0.0.1 and
+// the server's port.
 std::string SiteAddress(const httplib::Request& request);
 
-// Escapes every byte but ASCII letters and digits, "-._~", and those in `also_kept`.
+// Escapes every byte except ASCII letters and digits, "-._~", and those in `also_kept`.
 std::string PercentEncode(std::string_view text, std::string_view also_kept = "");
 
-// Replaces each escape; a '%' that begins none stays.
+// Decodes each escape. Keeps a '%' without two hexadecimal digits.
 std::string PercentDecode(std::string_view text);
 
 }  // namespace stowra_emulator

@@ -39,7 +39,7 @@ Item ReadItem(Database& database, const Statement& row) {
   return item;
 }
 
-// The part of a statement that picks the items, and the values of its parameters.
+// The part of a statement that picks the items, with the values of its parameters.
 struct Selection {
   std::string sql = kItemTables;
   std::vector<std::string> values;

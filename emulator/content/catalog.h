@@ -15,17 +15,18 @@ namespace stowra_emulator {
 
 std::optional<Item> FindItem(Database& database, const std::string& mid);
 
-// The model with this mid. Throws RequestError, status 404, when there is none.
+// The model with this mid. Throws a RequestError with status 404 if there is no such model.
 Item GetModel(Database& database, const std::string& mid);
 
 struct ItemPage {
   int total = 0;            // Of the whole result.
   std::vector<Item> items;  // Of the page asked for.
-  std::string description;  // What is searched in; empty when that is everything.
-  std::string updated;      // When the newest item of the whole service was.
+  std::string description;  // The collection and author; empty for all.
+  std::string updated;      // Of the newest item in the whole service.
 };
 
-// The best matches first. Throws RequestError, status 404, when there is no such collection.
+// The best matches come first. Throws a RequestError with status 404 if there is no such
+// collection.
 ItemPage Search(Database& database, const SearchQuery& query);
 
 }  // namespace stowra_emulator

@@ -35,7 +35,7 @@ const std::vector<Collection>& Collections() {
   return collections;
 }
 
-// What models are offered as, in turn. Among them: no old version, no kmz, nothing but kmz.
+// Models take these sets in turn. Some have no old version, some have no kmz, one has only a kmz.
 const std::vector<std::vector<std::string>>& RenditionSets() {
   static const std::vector<std::vector<std::string>> sets = {
       {"k2", "s", "s6", "s7", "s8", "z"},
@@ -54,7 +54,6 @@ const char* TypeOfRendition(const std::string& rtyp) {
   return rtyp == "z" ? kZipType : kQmfType;
 }
 
-// The time of day is the same for all.
 std::string DayOf(int number) {
   constexpr int kDaysInEveryMonth = 28;
   const auto two_digits = [](int value) { return std::to_string(100 + value).substr(1); };
@@ -126,7 +125,7 @@ void AddCollection(Database& database, int number, const Collection& collection)
 }  // namespace
 
 void SeedContent(Database& database) {
-  // A title of each subject in turn, so that a page shows many different ones.
+  // Takes one title of each subject in turn, so that a page shows many subjects.
   int model = 0;
   for (std::size_t title = 0; title < kTitlesOfSubject; ++title) {
     for (const Subject& subject : Subjects()) {

@@ -7,7 +7,7 @@
 
 namespace stowra_emulator {
 
-// Adds a hundred models and six collections, always the same, to tables that are empty.
+// Adds a hundred models and six collections, always the same. The tables must be empty.
 void SeedContent(Database& database);
 
 }  // namespace stowra_emulator

@@ -33,7 +33,7 @@ File ReadFile(Database& database, const std::string& mid, const std::string& rty
   return {MakeModelFile(mid, rtyp), false};
 }
 
-// Without what ends the quoted name, commands the client's terminal or leads to another folder.
+// Drops characters that end the quoted name, control a terminal or lead to another folder.
 std::string FileNameOf(const std::string& title) {
   std::string name;
   for (const char c : title) {

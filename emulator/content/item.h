@@ -21,9 +21,9 @@ struct Item {
   std::string title;
   std::string summary;
   std::string author;       // The uid of a user.
-  std::string author_name;  // The uid again, for a user without a name or who is gone.
+  std::string author_name;  // The uid if the user has no name or is gone.
   std::string updated;      // Such as 2024-01-31T09:00:00Z.
-  std::string shape;        // What its picture shows; empty leaves that to the mid.
+  std::string shape;        // What its picture shows; if empty, the mid decides.
   bool dynamic_component = false;
   bool classified_component = false;
   std::vector<Rendition> renditions;  // Empty for a collection.

@@ -1,4 +1,4 @@
-// Where an item's pages and files are.
+// The addresses of an item's pages and files.
 
 #ifndef EMULATOR_CONTENT_ITEM_ADDRESS_H_
 #define EMULATOR_CONTENT_ITEM_ADDRESS_H_
@@ -9,16 +9,16 @@
 
 namespace stowra_emulator {
 
-// `site` is what the address begins with; empty for one that holds on this server only.
+// The address begins with `site`. Without a site it is a path on this server.
 
-// A page on the model, or on what is in the collection.
+// The page of a model, or a search page with the models of a collection.
 std::string PageAddress(const std::string& site, const Item& item);
 
 std::string AuthorPageAddress(const std::string& site, const std::string& uid);
 std::string DownloadAddress(const std::string& site, const std::string& mid,
                             const std::string& rtyp);
 
-// `rtyp` is one of the sizes of FindPictureSize.
+// `rtyp` names a size of FindPictureSize.
 std::string ThumbnailAddress(const std::string& site, const std::string& mid,
                              const std::string& rtyp);
 

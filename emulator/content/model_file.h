@@ -1,4 +1,4 @@
-// The files of models that nobody has uploaded.
+// Made-up files for the seeded models.
 
 #ifndef EMULATOR_CONTENT_MODEL_FILE_H_
 #define EMULATOR_CONTENT_MODEL_FILE_H_
@@ -7,7 +7,7 @@
 
 namespace stowra_emulator {
 
-// 2 to 60 KB with every byte value among them, always the same for one model and rendition.
+// 2 to 60 KB that contain every byte value. A model and a rendition always give the same bytes.
 std::string MakeModelFile(const std::string& mid, const std::string& rtyp);
 
 }  // namespace stowra_emulator

@@ -56,7 +56,7 @@ MarkupWriter BeginPage(const PageHead& head) {
   page.Empty("meta", {{"charset", "utf-8"}});
   page.Empty("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}});
   page.Element("title", head.title);
-  // None: browsers would ask for /favicon.ico.
+  // An empty icon keeps browsers from asking for /favicon.ico.
   page.Empty("link", {{"rel", "icon"}, {"href", "data:,"}});
   if (!head.feed_address.empty()) {
     page.Empty(

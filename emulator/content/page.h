@@ -1,4 +1,4 @@
-// What the web pages have in common.
+// The parts that all web pages share.
 
 #ifndef EMULATOR_CONTENT_PAGE_H_
 #define EMULATOR_CONTENT_PAGE_H_
@@ -13,14 +13,14 @@ namespace stowra_emulator {
 
 struct PageHead {
   std::string title;
-  std::string search_text;   // What stands in the search box.
-  std::string feed_address;  // Of a feed of the same contents; empty when there is none.
+  std::string search_text;   // Shown in the search box.
+  std::string feed_address;  // Of a feed with the same results; empty without one.
 };
 
-// A page up to where its contents come: they go into the element that is open.
+// Begins a page. Its contents go into the element that is left open.
 MarkupWriter BeginPage(const PageHead& head);
 
-// Ends the page and makes it the answer.
+// Finishes the page and sets it as the answer.
 void SetPage(httplib::Response& response, MarkupWriter& page);
 
 }  // namespace stowra_emulator

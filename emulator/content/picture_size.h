@@ -1,4 +1,4 @@
-// The sizes of the pictures that there are of each item.
+// The picture sizes of every item.
 
 #ifndef EMULATOR_CONTENT_PICTURE_SIZE_H_
 #define EMULATOR_CONTENT_PICTURE_SIZE_H_
@@ -10,14 +10,14 @@ namespace stowra_emulator {
 
 struct PictureSize {
   const char* rtyp;
-  int width;  // Points, as is the height.
+  int width;  // In pixels, as is the height.
   int height;
 };
 
-// The small one for lists first, then the large one.
+// First the small size for lists, then the large one.
 const std::vector<PictureSize>& PictureSizes();
 
-// Null when there is none of that name.
+// Null if there is no such size.
 const PictureSize* FindPictureSize(const std::string& rtyp);
 
 }  // namespace stowra_emulator

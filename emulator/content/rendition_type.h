@@ -15,7 +15,7 @@ constexpr const char* kZipType = "application/zip";
 // The rendition that a file of this type is offered as.
 std::string RenditionOfType(std::string_view type);
 
-// Without the dot; "bin" for a type that is not known.
+// The file extension without the dot. "bin" for an unknown type.
 std::string ExtensionOfType(std::string_view type);
 
 }  // namespace stowra_emulator

@@ -34,14 +34,14 @@ void WriteFeedLinks(MarkupWriter& feed, const std::string& site, const SearchQue
   }
 }
 
-// Clients show it without the operators in it.
+// Clients remove the operators before they show it.
 std::string TitleOf(const SearchQuery& query, const std::string& description) {
   if (query.text.empty() && description.empty()) return "All models and collections";
   if (query.text.empty() || description.empty()) return description + query.text;
   return description + " " + query.text;
 }
 
-// Clients append a further parameter to the address, so it has one already.
+// Clients append "&q=...", so the address must already have a parameter.
 std::string CollectionFeedAddress(const std::string& site, const Item& item) {
   return site + "/search?collection=" + PercentEncode(item.mid);
 }

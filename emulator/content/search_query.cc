@@ -14,7 +14,7 @@ namespace {
 constexpr int kMaxCount = 100;
 constexpr int kMaxNumber = std::numeric_limits<int>::max();
 
-// A client appends a `q` of its own to addresses that may have one already.
+// Clients append their own `q` to addresses that may already have one.
 std::string JoinedTexts(const httplib::Request& request) {
   std::string joined;
   for (std::size_t i = 0; i < request.get_param_value_count("q"); ++i) {
@@ -25,24 +25,24 @@ std::string JoinedTexts(const httplib::Request& request) {
   return joined;
 }
 
-// Clients add these, wanting only what they can open. All models can be downloaded here.
+// Clients add these to find only models that they can open. All models can be downloaded here.
 bool IsOperator(const std::string& word) {
   return word == "filetype:qmf" || word == "is:downloadable";
 }
 
-// A wide blank, as Asian keyboards type it, becomes an ordinary one.
-std::string WithPlainBlanks(std::string text) {
-  constexpr std::string_view kWideBlank = "\u3000";
-  for (std::size_t at = text.find(kWideBlank); at != std::string::npos;
-       at = text.find(kWideBlank, at)) {
-    text.replace(at, kWideBlank.size(), " ");
+// Replaces wide spaces, which Asian keyboards type, with ordinary ones.
+std::string WithPlainSpaces(std::string text) {
+  constexpr std::string_view kWideSpace = "\u3000";
+  for (std::size_t at = text.find(kWideSpace); at != std::string::npos;
+       at = text.find(kWideSpace, at)) {
+    text.replace(at, kWideSpace.size(), " ");
   }
   return text;
 }
 
-// The parts between blanks and control characters, without operators.
+// Splits at spaces and control characters, and drops operators.
 std::vector<std::string> Words(const std::string& raw_text) {
-  const std::string text = WithPlainBlanks(raw_text);
+  const std::string text = WithPlainSpaces(raw_text);
   std::vector<std::string> words;
   auto start = text.begin();
   while (start != text.end()) {
@@ -108,7 +108,7 @@ SearchQuery NextPage(const SearchQuery& query) {
 
 SearchQuery PreviousPage(const SearchQuery& query, int total) {
   SearchQuery previous = query;
-  // From beyond the end, back to the last results.
+  // From beyond the end it leads back to the last results.
   const int reached = std::min(query.start - 1, total);
   previous.start = std::max(1, reached - query.count + 1);
   return previous;

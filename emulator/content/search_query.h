@@ -1,4 +1,4 @@
-// What a search asks for.
+// The parameters of a search.
 
 #ifndef EMULATOR_CONTENT_SEARCH_QUERY_H_
 #define EMULATOR_CONTENT_SEARCH_QUERY_H_
@@ -20,18 +20,18 @@ struct SearchQuery {
   int count = 12;          // Results on a page, at least 1.
 };
 
-// Throws RequestError, status 400.
+// Throws a RequestError with status 400 if a parameter is unknown or not readable.
 SearchQuery ReadSearchQuery(const httplib::Request& request);
 
-// What to search the index for: every word of `text` in which the index finds anything, the last
-// one as a beginning, in quotation marks so that none has a meaning in the index's language. Empty
-// when there is no such word.
+// The search expression for the index, with every word of `text` that the index can hold. The last
+// word matches as a prefix. Quotation marks keep words from being operators of the index. Empty if
+// there is no such word.
 std::string MatchExpression(const std::string& text, const Tokenizer& tokenizer);
 
-// The path and query that ask for `query`.
+// `path` followed by `query` as parameters.
 std::string SearchAddress(const std::string& path, const SearchQuery& query);
 
-// The query for the page after or before; requires that there is one. `total` counts all results.
+// The query for the next or previous page, which must exist. `total` counts all results.
 SearchQuery NextPage(const SearchQuery& query);
 SearchQuery PreviousPage(const SearchQuery& query, int total);
 

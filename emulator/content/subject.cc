@@ -2,8 +2,8 @@
 
 namespace stowra_emulator {
 
-// Every title is a different one. Some hold what has a meaning in XML, in file names and to
-// programs that count bytes.
+// All titles differ. Some contain multibyte characters, and some contain special characters of XML
+// or file names.
 const std::vector<Subject>& Subjects() {
   static const std::vector<Subject> subjects = {
       {"chair",

@@ -1,4 +1,4 @@
-// What the seeded models depict.
+// What the seeded models show.
 
 #ifndef EMULATOR_CONTENT_SUBJECT_H_
 #define EMULATOR_CONTENT_SUBJECT_H_
@@ -17,7 +17,7 @@ struct Subject {
   std::array<const char*, kTitlesOfSubject> titles;
 };
 
-// Ten of them.
+// All ten.
 const std::vector<Subject>& Subjects();
 
 }  // namespace stowra_emulator

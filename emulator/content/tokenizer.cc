@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* kName = "unicode61";
 
-// As the table item_words has it. What becomes of accents has no part in what is a token.
+// The same as in the table item_words. Accents do not decide what a token is.
 constexpr std::array<const char*, 2> kOptions = {"categories", "L* N* Co So"};
 
 fts5_api& Fts5(Database& database) {
@@ -33,7 +33,7 @@ Tokenizer::Tokenizer(Database& database) {
   if (api.xFindTokenizer(&api, kName, &context, &functions_) != SQLITE_OK ||
       functions_.xCreate(context, options.data(), static_cast<int>(options.size()), &tokenizer) !=
           SQLITE_OK) {
-    throw DatabaseError("cannot make a tokenizer");
+    throw DatabaseError("cannot create a tokenizer");
   }
   tokenizer_ = {tokenizer, Delete{functions_.xDelete}};
 }

@@ -1,4 +1,4 @@
-// What the index of words takes a text apart with.
+// The tokenizer of the word index.
 
 #ifndef EMULATOR_CONTENT_TOKENIZER_H_
 #define EMULATOR_CONTENT_TOKENIZER_H_
@@ -12,13 +12,12 @@
 
 namespace stowra_emulator {
 
-// Every operation throws DatabaseError. Must not outlive its database.
+// Every operation throws DatabaseError on failure. Must not outlive its database.
 class Tokenizer {
  public:
   explicit Tokenizer(Database& database);
 
-  // Whether there is anything in the text that the index has an entry for: a letter, a digit or a
-  // symbol.
+  // True if the text contains a token of the index: a letter, a digit or a symbol.
   bool FindsAnything(std::string_view text) const;
 
  private:

@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kDefaultType = "application/octet-stream";
 
-// The name; the file's name without folders and extension when there is none.
+// The name. If it is empty, the file's name without folders and extension.
 std::string TitleOf(const UploadForm& form) {
   if (!form.name.empty()) return form.name;
   const std::string file = form.file_name.substr(form.file_name.find_last_of("/\\") + 1);
@@ -23,7 +23,7 @@ std::string TitleOf(const UploadForm& form) {
   return file.empty() ? "Untitled" : file.substr(0, dot);
 }
 
-// The mid of the new item.
+// Returns the mid of the new item.
 std::string AddItem(Database& database, const std::string& title, const std::string& summary) {
   Statement item = database.Prepare(
       "WITH next (id) AS (SELECT coalesce(max(id), 0) + 1 FROM items) "

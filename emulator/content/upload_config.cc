@@ -20,7 +20,7 @@ struct FileWanted {
   bool is_zipped = false;
 };
 
-// Clients copy the values into the form as they stand, so the type keeps what it can.
+// Clients copy the values into the form without decoding them, so the type has few escapes.
 std::string UploadAddress(const std::string& site, const FileWanted& file) {
   std::string address =
       site + "/upload?name=" + PercentEncode(file.name) + "&type=" + PercentEncode(file.type, "/+");

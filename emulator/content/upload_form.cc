@@ -11,7 +11,7 @@ namespace {
 
 using httplib::MultipartFormData;
 
-// Null when there is no part of that name.
+// Null if there is no such part. Throws if there are several.
 const MultipartFormData* FindPart(const httplib::Request& request, const char* name) {
   const auto [first, last] = request.files.equal_range(name);
   if (first == last) return nullptr;
@@ -39,12 +39,14 @@ bool ReadIsZipped(const httplib::Request& request) {
   throw RequestError(400, "the part 'isZipped' must be true or false");
 }
 
-// It is sent on in a header, where an escaped end of line would begin another one.
+// Downloads send it in a header, where a decoded line end would begin another field.
 std::string ReadContentType(const MultipartFormData& part) {
   std::string type = PercentDecode(part.content_type);
   const bool is_printable =
       std::all_of(type.begin(), type.end(), [](char c) { return c >= ' ' && c <= '~'; });
-  if (!is_printable) throw RequestError(400, "the content type of 'binary' is not ASCII text");
+  if (!is_printable) {
+    throw RequestError(400, "the content type of 'binary' must be printable ASCII");
+  }
   return type;
 }
 
@@ -57,7 +59,7 @@ UploadForm ReadUploadForm(const httplib::Request& request) {
   const MultipartFormData& binary = GetPart(request, "binary");
   if (binary.filename.empty()) throw RequestError(400, "the part 'binary' has no filename");
   UploadForm form;
-  // Clients copy these four from the address of the upload, escapes and all.
+  // Clients copy these four from the upload address without decoding them.
   form.name = PercentDecode(GetPart(request, "name").content);
   form.content_type = ReadContentType(binary);
   form.task = PercentDecode(OptionalText(request, "task"));

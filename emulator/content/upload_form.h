@@ -1,4 +1,4 @@
-// A model as a client sends it.
+// The form with which a client uploads a model.
 
 #ifndef EMULATOR_CONTENT_UPLOAD_FORM_H_
 #define EMULATOR_CONTENT_UPLOAD_FORM_H_
@@ -19,11 +19,11 @@ struct UploadForm {
   std::string task;
   std::string priority;
   bool is_zipped = false;
-  std::string_view bytes;  // They stay in the request.
+  std::string_view bytes;  // Point into the request.
 };
 
-// Reads the parts of the request's body. Throws RequestError, status 400, when it is no multipart
-// form or has too few parts or too many.
+// Reads the parts of the request's body. Throws a RequestError with status 400 if it is no
+// multipart form, or a part is missing, repeated or invalid.
 UploadForm ReadUploadForm(const httplib::Request& request);
 
 }  // namespace stowra_emulator

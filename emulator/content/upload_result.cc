@@ -19,7 +19,7 @@ void AnswerUploadSucceeded(const httplib::Request& request, Database& database,
     page.Text("See ");
     page.Element("a", model.title, {{"href", PageAddress("", model)}, {"class", "button"}});
   } else {
-    page.Text("Search for it to see it.");
+    page.Text("Search for your model to see it.");
   }
   SetPage(response, page);
 }
@@ -27,7 +27,7 @@ void AnswerUploadSucceeded(const httplib::Request& request, Database& database,
 void AnswerUploadFailed(const httplib::Request& request, Database&, httplib::Response& response) {
   AllowParameters(request, {"reason"});
   MarkupWriter page = BeginPage({"Upload failed", "", ""});
-  page.Element("h1", "The upload has failed");
+  page.Element("h1", "Your upload failed");
   page.Element("p", TextParameter(request, "reason", "Please try again."));
   SetPage(response, page);
 }

@@ -7,19 +7,19 @@
 namespace stowra_emulator {
 namespace {
 
-constexpr double kShadow = 0.84;  // What is left of the light.
+constexpr double kShadow = 0.84;  // The share of light that is left.
 
 Colour Mix(Colour from, Colour to, double share) {
   return {from.red + (to.red - from.red) * share, from.green + (to.green - from.green) * share,
           from.blue + (to.blue - from.blue) * share};
 }
 
-// Twice the area of the triangle, with a sign that tells which way round it is.
+// Twice the area of the triangle. The sign depends on the order of its corners.
 double Cross(Point a, Point b, Point c) {
   return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
 
-// The samples from `low` to `high` that lie on a line of `size`.
+// The range of samples from `low` to `high` in a row or column of `size` samples.
 int FirstSample(double low, int size) {
   return static_cast<int>(std::clamp(std::floor(low), 0.0, static_cast<double>(size)));
 }

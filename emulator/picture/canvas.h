@@ -1,4 +1,4 @@
-// Pixels, and drawing faces on them.
+// A canvas to draw faces on.
 
 #ifndef EMULATOR_PICTURE_CANVAS_H_
 #define EMULATOR_PICTURE_CANVAS_H_
@@ -12,13 +12,13 @@
 
 namespace stowra_emulator {
 
-// A point on the canvas: x goes right, y down, both in samples; nearer points have a larger z.
-// Each pixel has a square of samples, so that edges come out smooth.
+// In points on the canvas, x goes right and y goes down, both in samples. Nearer points have a
+// larger z. Each pixel averages a square of samples, so edges come out smooth.
 class Canvas {
  public:
   static constexpr int kSamplesAcross = 3;
 
-  // Shades from `top` to `bottom`. Width and height in pixels.
+  // Starts with a gradient from `top` to `bottom`. Width and height are in pixels.
   Canvas(int width, int height, Colour top, Colour bottom);
 
   int sample_width() const { return width_; }
@@ -27,7 +27,7 @@ class Canvas {
   // Fills a convex polygon where nothing nearer has been drawn.
   void Fill(const std::vector<Point>& corners, Colour colour);
 
-  // Darkens what a convex polygon covers. However many do, it is darkened once.
+  // Darkens the samples that a convex polygon covers. Each sample is darkened at most once.
   void Shade(const std::vector<Point>& corners);
 
   // Three bytes a pixel, red, green and blue, row by row.

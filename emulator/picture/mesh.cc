@@ -6,9 +6,9 @@ namespace stowra_emulator {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr int kSides = 40;  // Of what is round.
+constexpr int kSides = 40;  // Of a circle.
 
-// The angle of the n-th of the kSides corners.
+// The angle of corner `n` of kSides.
 double AngleOf(int n) { return 2 * kPi * n / kSides; }
 
 Point OnCircle(Point centre, double radius, int n) {

@@ -11,17 +11,17 @@ namespace stowra_emulator {
 
 class Mesh {
  public:
-  // With these as opposite corners, `low` having the smaller coordinates.
+  // A box with these opposite corners. `low` has the smaller coordinates.
   void AddBox(Point low, Point high, Colour colour);
 
-  // Round and upright on its base's centre. A top radius of 0 makes a cone.
+  // A round, upright body on its base's centre. A top radius of 0 makes a cone.
   void AddCone(Point base, double base_radius, double top_radius, double height, Colour colour);
 
-  // A wheel: round, with its axis along y and `low_y` as its first end.
+  // A wheel with its axis along y, from `low_y` to `high_y`.
   void AddWheel(Point centre, double radius, double low_y, double high_y, Colour colour);
 
-  // A roof with its ridge along x, on the rectangle between `low` and `high`, both at `low`'s
-  // height. The gables have a colour of their own.
+  // A roof with its ridge along x, on the rectangle between `low` and `high`. Both corners count at
+  // `low`'s height.
   void AddRoof(Point low, Point high, double height, Colour colour, Colour gable);
 
   void AddBall(Point centre, double radius, Colour colour);

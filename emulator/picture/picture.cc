@@ -18,26 +18,26 @@ constexpr Colour kBackgroundTop = {0.95, 0.96, 0.97};
 constexpr Colour kBackgroundBottom = {0.86, 0.89, 0.91};
 constexpr double kMargin = 0.08;  // Of the canvas, on each side.
 
-// Where the light comes from; of length 1.
+// The direction to the light, with length 1.
 constexpr Point kLight = {-0.20, 0.44, 0.875};
 
-// The isometric view: along the line on which x, y and z grow alike.
+// The isometric view, along the line x = y = z.
 Point Project(Point point) {
   const double kCosine = std::sqrt(3) / 2;
   return {(point.x - point.y) * kCosine, (point.x + point.y) / 2 - point.z,
           point.x + point.y + point.z};
 }
 
-// Where the light throws the point's shadow.
+// The point's shadow on the ground.
 Point OnGround(Point point) {
   return {point.x - point.z * kLight.x / kLight.z, point.y - point.z * kLight.y / kLight.z, 0};
 }
 
 Point Minus(Point a, Point b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
-// Of length 1, on the side that the viewer sees; 0 for a face without extent.
+// The normal of length 1 on the side that the viewer sees. 0 for a face without area.
 Point NormalOf(const Face& face) {
-  // The corners of a cone's tip fall together, so not every three of them span the face.
+  // The corners at a cone's tip coincide, so some triples of corners span no plane.
   for (std::size_t i = 2; i < face.corners.size(); ++i) {
     const Point a = Minus(face.corners[1], face.corners[0]);
     const Point b = Minus(face.corners[i], face.corners[0]);
@@ -58,8 +58,8 @@ Colour Lit(const Face& face) {
   return {face.colour.red * light, face.colour.green * light, face.colour.blue * light};
 }
 
-// From points in space to the canvas: everything, with its shadow, in the middle and as large as it
-// fits.
+// Maps points in space to the canvas. The mesh and its shadow are centred and fill it up to the
+// margin.
 class Frame {
  public:
   Frame(const Mesh& mesh, const Canvas& canvas) {

@@ -8,8 +8,8 @@
 
 namespace stowra_emulator {
 
-// A PNG file of that width and height (pixels, at least 16). It shows `shape`, or any one if that
-// is not known, in proportions and colours that follow from `seed`.
+// A PNG file of this width and height (pixels, at least 16). `seed` decides the proportions and
+// colours. It also picks the shape if `shape` is unknown.
 std::string DrawPicture(const std::string& shape, std::string_view seed, int width, int height);
 
 }  // namespace stowra_emulator

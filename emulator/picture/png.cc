@@ -29,11 +29,11 @@ std::string Header(int width, int height) {
   std::string header;
   AppendNumber(header, static_cast<std::uint32_t>(width));
   AppendNumber(header, static_cast<std::uint32_t>(height));
-  // Eight bits a colour, true colour, the only methods that there are, not interlaced.
+  // Eight bits a colour, true colour, the standard methods, not interlaced.
   return header + std::string("\x08\x02\0\0\0", 5);
 }
 
-// Each row begins with the filter's number; the filter stores differences from the row above,
+// Each row begins with the number of its filter. This one stores differences from the row above,
 // which compress well.
 std::string Filtered(std::size_t row_size, std::string_view pixels) {
   constexpr char kUp = 2;

@@ -1,4 +1,4 @@
-// What the pictures show.
+// The shapes in the pictures.
 
 #ifndef EMULATOR_PICTURE_SHAPES_H_
 #define EMULATOR_PICTURE_SHAPES_H_
@@ -10,8 +10,8 @@
 
 namespace stowra_emulator {
 
-// A chair, a table and so on, in proportions and colours that `random` gives. A shape that is not
-// known is one of the known ones, picked by `random`.
+// A chair, a table and so on. `random` gives the proportions and colours. It also picks the shape
+// if `shape` is unknown.
 Mesh MakeShape(const std::string& shape, RandomStream& random);
 
 }  // namespace stowra_emulator

@@ -1,6 +1,6 @@
-// An emulator and a headless Chromium that looks at it.
+// Starts an emulator and a headless Chromium for a test.
 //
-// The environment names the programs: STOWRA_EMULATOR and STOWRA_CHROMIUM.
+// The environment variables STOWRA_EMULATOR and STOWRA_CHROMIUM name the programs.
 
 import {spawn} from 'node:child_process';
 import {once} from 'node:events';
@@ -28,7 +28,8 @@ async function startEmulator() {
   return {url, stop};
 }
 
-// Calls `use` with a new page whose relative addresses are the emulator's, and ends both afterwards.
+// Calls `use` with a new page that resolves addresses against the emulator's. Ends both programs
+// afterwards.
 export async function withPage(use) {
   const emulator = await startEmulator();
   try {

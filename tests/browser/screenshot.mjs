@@ -1,4 +1,4 @@
-// screenshot.mjs FILE: the search page as a PNG picture.
+// screenshot.mjs FILE: saves the search page as a PNG picture.
 
 import {withPage} from './browser.mjs';
 

@@ -3,7 +3,7 @@ import test from 'node:test';
 
 import {withPage} from './browser.mjs';
 
-// Of each picture on the page: its text and how many points the browser found in it.
+// The text and the real size of each picture on the page.
 function pictures(page) {
   return page.locator('img').evaluateAll((images) => images.map((image) => ({
     text: image.alt,
@@ -17,13 +17,13 @@ async function assertPicturesAreThere(page, width, height) {
   const found = await pictures(page);
   assert.notEqual(found.length, 0, 'no pictures');
   for (const picture of found) {
-    assert.ok(picture.isComplete, `${picture.text} has not been loaded`);
+    assert.ok(picture.isComplete, `${picture.text} is not loaded`);
     assert.deepEqual([picture.width, picture.height], [width, height], picture.text);
   }
   return found.length;
 }
 
-// What the browser could not load or run.
+// Collects what the browser cannot load or run.
 function watchForTroubles(page) {
   const troubles = [];
   page.on('pageerror', (error) => troubles.push(String(error)));
@@ -34,7 +34,7 @@ function watchForTroubles(page) {
   return troubles;
 }
 
-test('search, follow a result and see its picture', async () => {
+test('searches, opens a result and downloads its file', async () => {
   await withPage(async (page) => {
     const troubles = watchForTroubles(page);
 

@@ -22,7 +22,7 @@ std::string PostHead(const std::string& headers) {
 
 std::string LengthHeader(const std::string& size) { return "Content-Length: " + size + "\r\n"; }
 
-TEST(BodySizeTest, OversizedBodyIsRefusedBeforeItIsSent) {
+TEST(BodySizeTest, RefusesOversizedBodyBeforeItIsSent) {
   const Emulator emulator;
   for (const char* expect : {"", "Expect: 100-continue\r\n"}) {
     for (const char* size : {"536870913", "1100000000", "18446744073709551615"}) {
@@ -38,14 +38,14 @@ TEST(BodySizeTest, OversizedBodyIsRefusedBeforeItIsSent) {
   }
 }
 
-TEST(BodySizeTest, BodyOfTheGreatestSizeIsWaitedFor) {
+TEST(BodySizeTest, WaitsForBodyOfMaximumSize) {
   const Emulator emulator;
   RawClient client(emulator.port());
   client.Send(PostHead(LengthHeader("536870912") + "Expect: 100-continue\r\n"));
   EXPECT_EQ(client.ReadUntil("\r\n\r\n"), "HTTP/1.1 100 Continue\r\n\r\n");
 }
 
-TEST(BodySizeTest, BodyOfTheGreatestSizeIsTaken) {
+TEST(BodySizeTest, AcceptsBodyOfMaximumSize) {
   EmulatorOptions options;
   options.max_body_size = kBody.size();
   const Emulator emulator(options);
@@ -58,7 +58,7 @@ TEST(BodySizeTest, BodyOfTheGreatestSizeIsTaken) {
   EXPECT_THAT(SplitResponse(client.ReadToEnd()).head, StartsWith("HTTP/1.1 413 "));
 }
 
-TEST(BodySizeTest, ChunkedBodyIsRefusedWhenItHasGrownTooLarge) {
+TEST(BodySizeTest, RefusesChunkedBodyThatGrowsTooLarge) {
   std::ostringstream log;
   EmulatorOptions options;
   options.max_body_size = 10000;

@@ -1,4 +1,4 @@
-// A program run as another process.
+// A program that runs in a process of its own.
 
 #ifndef TESTS_EMULATOR_CHILD_PROGRAM_H_
 #define TESTS_EMULATOR_CHILD_PROGRAM_H_
@@ -12,8 +12,8 @@
 
 namespace stowra_emulator {
 
-// Fails the current test when the program cannot be run. Ends it with SIGKILL if it still runs at
-// destruction.
+// Fails the current test if the program cannot start. The destructor ends it with SIGKILL if it
+// still runs.
 class ChildProgram {
  public:
   ChildProgram(const std::string& program, const std::vector<std::string>& arguments);
@@ -21,15 +21,15 @@ class ChildProgram {
   ChildProgram(const ChildProgram&) = delete;
   ChildProgram& operator=(const ChildProgram&) = delete;
 
-  // A line of its standard output, without the end of line. Waits for it.
+  // Waits for a line of its standard output. Returns it without the line end.
   std::string ReadLine();
 
   void Signal(int number);
 
-  // Waits for its end. The exit status, or minus the signal that ended it.
+  // Waits for its end. Returns its exit status, or minus the signal that ended it.
   int Wait();
 
-  // The rest of its two outputs, up to their ends.
+  // The rest of its standard output or standard error.
   std::string ReadOutput();
   std::string ReadErrors();
 

@@ -1,4 +1,4 @@
-// What the tests of the content service have in common.
+// The fixture for tests of the content service.
 
 #ifndef TESTS_EMULATOR_CONTENT_FIXTURE_H_
 #define TESTS_EMULATOR_CONTENT_FIXTURE_H_
@@ -16,10 +16,10 @@ namespace stowra_emulator {
 
 class ContentTest : public testing::Test {
  protected:
-  // Addresses are sent as they stand.
+  // Sends addresses without encoding them.
   ContentTest() { client_.set_url_encode(false); }
 
-  // Asks for a path with query, or for a whole address of this emulator.
+  // Gets a path with its query, or a whole address of this emulator.
   httplib::Response Get(const std::string& target, int status = 200);
 
   XmlElement GetFeed(const std::string& target);
@@ -27,7 +27,7 @@ class ContentTest : public testing::Test {
   // The root element of a web page.
   XmlElement GetPage(const std::string& target);
 
-  // The texts "error" of answers with that status.
+  // The text "error" of the answer, which must have this status.
   std::string GetError(const std::string& target, int status);
 
   Emulator emulator_;

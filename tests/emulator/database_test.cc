@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -26,8 +27,13 @@ class DatabaseTest : public testing::Test {
   }
   ~DatabaseTest() override { std::filesystem::remove_all(folder_); }
 
-  // Changes the file behind the services' back.
+  // Changes the file while no service uses it.
   void Change(const std::string& sql) { Database(file_.string()).Prepare(sql).Step(); }
+
+  std::string Contents() {
+    std::ifstream file(file_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
 
   std::string ErrorOfOpening() {
     try {
@@ -55,47 +61,49 @@ int CountUsers(Database& database) {
   return count.Int(0);
 }
 
-TEST_F(DatabaseTest, NewFileIsSeeded) {
+TEST_F(DatabaseTest, SeedsNewFile) {
   ASSERT_FALSE(std::filesystem::exists(file_));
   Database database(file_.string());
   EXPECT_TRUE(std::filesystem::exists(file_));
   EXPECT_EQ(CountUsers(database), 5);
 }
 
-TEST_F(DatabaseTest, EmptyFileIsSeeded) {
+TEST_F(DatabaseTest, SeedsEmptyFile) {
   std::ofstream(file_).close();
   Database database(file_.string());
   EXPECT_EQ(CountUsers(database), 5);
 }
 
-TEST_F(DatabaseTest, ExistingFileKeepsItsContents) {
+TEST_F(DatabaseTest, KeepsContentsOfExistingFile) {
   Change("DELETE FROM users WHERE uid = 'u-1002'");
   Database database(file_.string());
   EXPECT_EQ(CountUsers(database), 4);
 }
 
-TEST_F(DatabaseTest, FileThatIsNoDatabaseIsRefused) {
+TEST_F(DatabaseTest, RefusesFileThatIsNoDatabase) {
   std::ofstream(file_) << std::string(4096, 'x');
   EXPECT_THAT(ErrorOfOpening(), HasSubstr(file_.string()));
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("not a database"));
 }
 
-TEST_F(DatabaseTest, DatabaseOfAnotherProgramIsRefusedAndLeftAlone) {
+TEST_F(DatabaseTest, RefusesAndKeepsDatabaseOfAnotherProgram) {
   Change("PRAGMA application_id = 1");
+  const std::string before = Contents();
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("another program"));
+  EXPECT_TRUE(Contents() == before);
 }
 
-TEST_F(DatabaseTest, DatabaseOfAnotherVersionIsRefused) {
+TEST_F(DatabaseTest, RefusesDatabaseOfAnotherVersion) {
   Change("PRAGMA user_version = 99");
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("another version"));
 }
 
-TEST_F(DatabaseTest, MissingFolderIsRefused) {
+TEST_F(DatabaseTest, RefusesFileInMissingFolder) {
   file_ = folder_ / "absent" / "services.db";
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("unable to open"));
 }
 
-TEST_F(DatabaseTest, DatabasesInMemoryAreApart) {
+TEST_F(DatabaseTest, KeepsDatabasesInMemorySeparate) {
   Database first("");
   Database second("");
   first.Prepare("DELETE FROM users").Step();
@@ -103,16 +111,16 @@ TEST_F(DatabaseTest, DatabasesInMemoryAreApart) {
   EXPECT_EQ(CountUsers(second), 5);
 }
 
-TEST_F(DatabaseTest, BadSqlAndBrokenConstraintsThrow) {
+TEST_F(DatabaseTest, ThrowsOnBadSqlAndBrokenConstraints) {
   Database database("");
   EXPECT_THROW(database.Prepare("SELECT nonsense"), DatabaseError);
   Statement insert = database.Prepare("UPDATE users SET signed_in = 1 WHERE uid = ?");
   EXPECT_THROW(insert.Bind(2, "u-1002"), DatabaseError);
   insert.Bind(1, "u-1002");
-  EXPECT_THROW(insert.Step(), DatabaseError) << "only one user is signed in";
+  EXPECT_THROW(insert.Step(), DatabaseError) << "only one user may be signed in";
 }
 
-TEST_F(DatabaseTest, TransactionThatIsNotCommittedIsUndone) {
+TEST_F(DatabaseTest, UndoesTransactionWithoutCommit) {
   Database database("");
   {
     Transaction transaction(database);
@@ -126,7 +134,7 @@ TEST_F(DatabaseTest, TransactionThatIsNotCommittedIsUndone) {
   EXPECT_EQ(CountUsers(database), 0);
 }
 
-TEST_F(DatabaseTest, BytesAndNumbersComeBack) {
+TEST_F(DatabaseTest, ReturnsBoundBytesAndNumbers) {
   Database database("");
   const std::string bytes("\0\xFF\r\n\0", 5);
   Statement echo = database.Prepare("SELECT ?, typeof(?), length(?), ?, typeof(?)");
@@ -136,10 +144,10 @@ TEST_F(DatabaseTest, BytesAndNumbersComeBack) {
   EXPECT_EQ(echo.Text(1), "blob");
   EXPECT_EQ(echo.Int(2), 0);
   EXPECT_EQ(echo.Int(3), -7);
-  EXPECT_EQ(echo.Text(4), "blob") << "no null";
+  EXPECT_EQ(echo.Text(4), "blob") << "not NULL";
 }
 
-TEST_F(DatabaseTest, SearchFollowsWhatIsChangedInTheFile) {
+TEST_F(DatabaseTest, SearchFindsChangesInTheFile) {
   Change("UPDATE items SET title = 'Wheelbarrow', summary = '' WHERE mid = 'm-1001'");
   Change("DELETE FROM items WHERE mid = 'm-1011'");
   EXPECT_THAT(Get("/search?q=wheelbarrow")->body, HasSubstr("<title>Wheelbarrow</title>"));
@@ -168,14 +176,14 @@ TEST_F(DatabaseTest, ServicesAnswerFromTheFile) {
   EXPECT_EQ(nlohmann::json::parse(result->body).at("displayname"), "Çelik");
 }
 
-TEST_F(DatabaseTest, NobodySignedInIsNotFound) {
+TEST_F(DatabaseTest, AnswersNotFoundIfNobodyIsSignedIn) {
   Change("UPDATE users SET signed_in = 0");
   const httplib::Result result = Get("/user-info");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 404);
 }
 
-TEST_F(DatabaseTest, UpdateLeavesOutWhatThereIsNot) {
+TEST_F(DatabaseTest, UpdateOmitsAbsentMembers) {
   Change("DELETE FROM messages");
   Change("DELETE FROM application_versions");
   Change("DELETE FROM data_files");
@@ -185,7 +193,7 @@ TEST_F(DatabaseTest, UpdateLeavesOutWhatThereIsNot) {
             nlohmann::json({{"datafiles", nlohmann::json::array()}}));
 }
 
-TEST_F(DatabaseTest, HandlerThatThrowsIsAnInternalError) {
+TEST_F(DatabaseTest, AnswersInternalErrorIfHandlerThrows) {
   Change("DROP TABLE users");
   const httplib::Result result = Get("/user-info");
   ASSERT_TRUE(result);

@@ -18,7 +18,7 @@ class DownloadTest : public ContentTest {
   }
 };
 
-TEST_F(DownloadTest, EveryRenditionOfTheFeedCanBeDownloaded) {
+TEST_F(DownloadTest, DownloadsEveryRenditionInTheFeed) {
   const XmlElement feed = GetFeed("/search?count=100");
   std::set<std::string> files;
   std::size_t downloads = 0;
@@ -38,7 +38,7 @@ TEST_F(DownloadTest, EveryRenditionOfTheFeedCanBeDownloaded) {
   EXPECT_EQ(files.size(), downloads) << "no two files are the same";
 }
 
-TEST_F(DownloadTest, FileIsTheSameEveryTime) {
+TEST_F(DownloadTest, GivesTheSameFileEveryTime) {
   const std::string file = Get("/download?mid=m-1001&rtyp=k2").body;
   const Emulator other;
   const httplib::Result again = httplib::Client(other.url()).Get("/download?mid=m-1001&rtyp=k2");
@@ -47,19 +47,19 @@ TEST_F(DownloadTest, FileIsTheSameEveryTime) {
   EXPECT_TRUE(file == again->body);
 }
 
-TEST_F(DownloadTest, FileIsNamedAfterTheModel) {
+TEST_F(DownloadTest, NamesFileAfterTheModel) {
   EXPECT_EQ(NameOf("m-1001", "s8"), "attachment; filename=\"Oak Chair.qmf\"");
   EXPECT_EQ(NameOf("m-1001", "k2"), "attachment; filename=\"Oak Chair.kmz\"");
   EXPECT_EQ(NameOf("m-1001", "z"), "attachment; filename=\"Oak Chair.zip\"");
 }
 
-TEST_F(DownloadTest, NameKeepsEveryScriptAndDropsWhatANameMayNotHold) {
+TEST_F(DownloadTest, FileNameKeepsScriptsAndDropsUnsafeBytes) {
   EXPECT_EQ(NameOf("m-1041", "s13"), "attachment; filename=\"木の椅子.qmf\"");
   EXPECT_EQ(NameOf("m-1082", "k2"), "attachment; filename=\"Table 34 Duo.kmz\"");
   EXPECT_EQ(NameOf("m-1087", "s"), "attachment; filename=\"House {A|B}  Garden.qmf\"");
 }
 
-TEST_F(DownloadTest, WhatIsNotThereIsNotFound) {
+TEST_F(DownloadTest, RefusesUnknownModelRenditionAndParameter) {
   EXPECT_THAT(GetError("/download?mid=m-1004&rtyp=s8", 404), HasSubstr("no rendition 's8'"));
   EXPECT_THAT(GetError("/download?mid=m-1001&rtyp=k", 404), HasSubstr("no rendition 'k'"));
   EXPECT_THAT(GetError("/download?mid=m-9999&rtyp=k2", 404), HasSubstr("no model 'm-9999'"));
@@ -69,7 +69,7 @@ TEST_F(DownloadTest, WhatIsNotThereIsNotFound) {
   EXPECT_THAT(GetError("/download?mid=m-1001&rtyp=k2&as=x", 400), HasSubstr("'as'"));
 }
 
-TEST_F(DownloadTest, FaultsWorkHereToo) {
+TEST_F(DownloadTest, ContentRoutesTakeFaults) {
   Get("/download?mid=m-1001&rtyp=k2&fault=status:503", 503);
   EXPECT_FALSE(client_.Get("/download?mid=m-1001&rtyp=k2&fault=truncate"));
   EXPECT_FALSE(client_.Get("/thumbnail?mid=m-1001&fault=reset"));

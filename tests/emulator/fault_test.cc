@@ -36,7 +36,7 @@ TEST(ParseFaultTest, ReadsArguments) {
   EXPECT_EQ(ParseFault("redirect-loop")->kind, Fault::Kind::kRedirectLoop);
 }
 
-TEST(ParseFaultTest, RefusesEverythingElse) {
+TEST(ParseFaultTest, RefusesUnknownNamesAndBadArguments) {
   for (const char* text :
        {"",           "bogus",      "Status:503",  "status",     "status:",      "status:99",
         "status:600", "status:+50", "status:0503", "status:5x3", "stall",        "stall:",
@@ -58,7 +58,7 @@ class FaultTest : public testing::Test {
   Emulator emulator_;
 };
 
-TEST_F(FaultTest, UnknownFaultIsABadRequestThatNamesThem) {
+TEST_F(FaultTest, RefusesUnknownFaultAndListsTheKnownOnes) {
   const httplib::Result result = Get("/user-info?fault=bogus");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 400);
@@ -76,7 +76,7 @@ TEST_F(FaultTest, StatusAnswersWithAnyStatus) {
   }
 }
 
-TEST_F(FaultTest, StatusThatHasNoBodyIsSentWithout) {
+TEST_F(FaultTest, StatusWithoutBodySendsNone) {
   for (const char* status : {"204", "304"}) {
     const RawResponse response = Raw(std::string("/user-info?fault=status:") + status);
     EXPECT_THAT(response.head, StartsWith(std::string("HTTP/1.1 ") + status + " "));
@@ -92,7 +92,7 @@ TEST_F(FaultTest, InterimStatusEndsTheConnection) {
   EXPECT_EQ(response.body, "");
 }
 
-TEST_F(FaultTest, StallWaitsBeforeAnythingIsSent) {
+TEST_F(FaultTest, StallWaitsBeforeTheFirstByte) {
   const RawResponse ordinary = Raw("/user-info");
   const auto start = steady_clock::now();
   RawClient client(emulator_.port());
@@ -104,7 +104,7 @@ TEST_F(FaultTest, StallWaitsBeforeAnythingIsSent) {
   EXPECT_EQ(response.body, ordinary.body);
 }
 
-TEST_F(FaultTest, StallHoldsUpNoOtherRequest) {
+TEST_F(FaultTest, StallBlocksNoOtherRequest) {
   std::vector<RawClient> stalled;
   for (int i = 0; i < 40; ++i) {
     stalled.emplace_back(emulator_.port()).Send(GetRequest("/user-info?fault=stall:600"));
@@ -125,7 +125,7 @@ TEST_F(FaultTest, TruncateSendsHalfOfTheBodyAndCloses) {
   EXPECT_GT(response.body.size(), 0u);
 }
 
-TEST_F(FaultTest, ResetEndsInTheMiddleOfTheBody) {
+TEST_F(FaultTest, ResetComesAfterHalfOfTheBody) {
   const RawResponse ordinary = Raw("/user-info");
   RawClient client(emulator_.port());
   client.Send(GetRequest("/user-info?fault=reset"));
@@ -149,7 +149,7 @@ TEST_F(FaultTest, DripSendsTheBodyByteByByte) {
   EXPECT_EQ(body, ordinary.body);
 }
 
-TEST_F(FaultTest, DripAndStallLeaveTheConnectionUsable) {
+TEST_F(FaultTest, FaultsWithWholeResponseKeepTheConnection) {
   RawClient client(emulator_.port());
   for (const char* fault : {"drip:0", "stall:0", "status:503", "garbage"}) {
     client.Send(GetRequest(std::string("/user-info?fault=") + fault));
@@ -157,7 +157,7 @@ TEST_F(FaultTest, DripAndStallLeaveTheConnectionUsable) {
   }
 }
 
-TEST_F(FaultTest, BombIsSmallUntilItIsInflated) {
+TEST_F(FaultTest, BombIsSmallBeforeItInflates) {
   RawClient client(emulator_.port());
   client.Send("GET /user-info?fault=bomb HTTP/1.1\r\nAccept-Encoding: gzip\r\n\r\n");
   const RawResponse response = ReadResponse(client);
@@ -169,31 +169,31 @@ TEST_F(FaultTest, BombIsSmallUntilItIsInflated) {
   EXPECT_EQ(response.body, GzipBomb());
 }
 
-TEST(GzipBombTest, InflatesToOneGibibyteOfBlanks) {
+TEST(GzipBombTest, InflatesToOneGibibyteOfSpaces) {
   const std::string& bomb = GzipBomb();
   z_stream stream = {};
   ASSERT_EQ(inflateInit2(&stream, MAX_WBITS + 16), Z_OK);
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bomb.data()));
   stream.avail_in = static_cast<uInt>(bomb.size());
   static std::array<Bytef, 1 << 20> output;
-  const std::string blanks(output.size(), ' ');
+  const std::string spaces(output.size(), ' ');
   int result = Z_OK;
-  bool all_blank = true;
-  while (result == Z_OK && all_blank) {
+  bool all_spaces = true;
+  while (result == Z_OK && all_spaces) {
     stream.next_out = output.data();
     stream.avail_out = static_cast<uInt>(output.size());
     result = inflate(&stream, Z_NO_FLUSH);
-    all_blank = std::memcmp(output.data(), blanks.data(), output.size() - stream.avail_out) == 0;
+    all_spaces = std::memcmp(output.data(), spaces.data(), output.size() - stream.avail_out) == 0;
   }
-  // The end is reached only when the checksum and the size in the trailer are right.
+  // zlib reports the end only if the checksum and the size in the trailer match.
   EXPECT_EQ(result, Z_STREAM_END);
-  EXPECT_TRUE(all_blank);
+  EXPECT_TRUE(all_spaces);
   EXPECT_EQ(stream.total_out, 1u << 30);
   EXPECT_EQ(stream.avail_in, 0u);
   inflateEnd(&stream);
 }
 
-TEST_F(FaultTest, GarbageIsOkayAndNotJson) {
+TEST_F(FaultTest, GarbageHasStatus200AndIsNotJson) {
   const httplib::Result result = Get("/user-info?fault=garbage");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 200);
@@ -214,7 +214,7 @@ TEST_F(FaultTest, RedirectLoopLeadsBackToTheSameAddress) {
   EXPECT_EQ(followed.error(), httplib::Error::ExceedRedirectCount);
 }
 
-TEST_F(FaultTest, EveryRouteTakesFaults) {
+TEST_F(FaultTest, OtherRoutesTakeFaults) {
   const std::string body = R"({"extensions":[{"id":"roof-tools"}]})";
   httplib::Client client(emulator_.url());
   EXPECT_EQ(client.Get("/?fault=status:501")->status, 501);

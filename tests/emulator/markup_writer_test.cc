@@ -10,14 +10,14 @@
 namespace stowra_emulator {
 namespace {
 
-TEST(EscapeMarkupTest, MarkupBecomesText) {
+TEST(EscapeMarkupTest, EscapesMarkup) {
   EXPECT_EQ(EscapeMarkup("<a href=\"x\">&amp;</a>"),
             "&lt;a href=&quot;x&quot;&gt;&amp;amp;&lt;/a&gt;");
   EXPECT_EQ(EscapeMarkup("\t\r\n"), "&#9;&#13;&#10;");
   EXPECT_EQ(EscapeMarkup(""), "");
 }
 
-TEST(EscapeMarkupTest, WhatXmlDoesNotAllowIsDropped) {
+TEST(EscapeMarkupTest, DropsCharactersThatXmlForbids) {
   EXPECT_EQ(EscapeMarkup(std::string("a\0\x01\x08\x0B\x1F"
                                      "b",
                                      7)),
@@ -26,20 +26,22 @@ TEST(EscapeMarkupTest, WhatXmlDoesNotAllowIsDropped) {
   EXPECT_EQ(EscapeMarkup("\x7F\uFFFD\U0010FFFF"), "\x7F\uFFFD\U0010FFFF");
 }
 
-TEST(EscapeMarkupTest, BytesThatAreNotUtf8AreReplaced) {
+TEST(EscapeMarkupTest, ReplacesBytesThatAreNotUtf8) {
   EXPECT_EQ(EscapeMarkup("a\xFF"
                          "b"),
             "a\uFFFDb");
   EXPECT_EQ(EscapeMarkup("\xC3"), "\uFFFD") << "cut short";
-  EXPECT_EQ(EscapeMarkup("\xC0\xBC"), "\uFFFD\uFFFD") << "an overlong <";
-  EXPECT_EQ(EscapeMarkup("\xE0\x9F\xBF"), "\uFFFD\uFFFD\uFFFD") << "another one";
-  EXPECT_EQ(EscapeMarkup("\xF0\x8F\xBF\xBF"), "\uFFFD\uFFFD\uFFFD\uFFFD") << "and a third";
+  EXPECT_EQ(EscapeMarkup("\xC0\xBC"), "\uFFFD\uFFFD") << "an overlong form of two bytes";
+  EXPECT_EQ(EscapeMarkup("\xE0\x9F\xBF"), "\uFFFD\uFFFD\uFFFD")
+      << "an overlong form of three bytes";
+  EXPECT_EQ(EscapeMarkup("\xF0\x8F\xBF\xBF"), "\uFFFD\uFFFD\uFFFD\uFFFD")
+      << "an overlong form of four bytes";
   EXPECT_EQ(EscapeMarkup("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD") << "a surrogate";
-  EXPECT_EQ(EscapeMarkup("\xF4\x90\x80\x80"), "\uFFFD\uFFFD\uFFFD\uFFFD") << "beyond the last";
+  EXPECT_EQ(EscapeMarkup("\xF4\x90\x80\x80"), "\uFFFD\uFFFD\uFFFD\uFFFD") << "above U+10FFFF";
   EXPECT_EQ(EscapeMarkup("é€😀"), "é€😀");
 }
 
-TEST(MarkupWriterTest, WritesAnElementALineAndEndsWhatIsOpen) {
+TEST(MarkupWriterTest, WritesElementALineAndClosesOpenElements) {
   MarkupWriter writer("<?xml version=\"1.0\"?>");
   writer.Begin("a", {{"k", "\"&"}});
   writer.Begin("b");
@@ -60,7 +62,7 @@ TEST(MarkupWriterTest, WritesAnElementALineAndEndsWhatIsOpen) {
             "</a>\n");
 }
 
-TEST(MarkupWriterTest, ValuesComeBackFromAParser) {
+TEST(MarkupWriterTest, ParserReadsTheSameValues) {
   const std::string value = "a\r\n\tb <&>\"' é";
   MarkupWriter writer("");
   writer.Element("a", value, {{"k", value}});
@@ -69,7 +71,7 @@ TEST(MarkupWriterTest, ValuesComeBackFromAParser) {
   EXPECT_EQ(root.Attribute("k"), value);
 }
 
-TEST(WebAddressTest, EscapesComeBack) {
+TEST(WebAddressTest, DecodesWhatItEncodes) {
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
   const std::string encoded = PercentEncode(all);
@@ -80,7 +82,7 @@ TEST(WebAddressTest, EscapesComeBack) {
   EXPECT_EQ(PercentEncode("a/b+c d", "/+"), "a/b+c%20d");
 }
 
-TEST(WebAddressTest, PercentSignThatBeginsNoEscapeStays) {
+TEST(WebAddressTest, KeepsPercentSignThatBeginsNoEscape) {
   EXPECT_EQ(PercentDecode("%"), "%");
   EXPECT_EQ(PercentDecode("%4"), "%4");
   EXPECT_EQ(PercentDecode("100%!%zz%4g%41%e9"), "100%!%zz%4gA\xE9");

@@ -33,7 +33,7 @@ struct Chunk {
   std::string data;
 };
 
-// Fails the current test when a length or a checksum is wrong.
+// Fails the current test if a length or a checksum is wrong.
 std::vector<Chunk> ChunksOf(const std::string& png) {
   const std::string signature = "\x89PNG\r\n\x1A\n";
   EXPECT_EQ(png.substr(0, signature.size()), signature);
@@ -70,7 +70,7 @@ unsigned char Paeth(int left, int above, int corner) {
   return static_cast<unsigned char>(to_above <= to_corner ? above : corner);
 }
 
-// Takes the filters back, whichever they are.
+// Undoes the filter of each row.
 std::string Unfiltered(const std::string& rows, std::size_t row_size) {
   std::string pixels;
   for (std::size_t start = 0; start < rows.size(); start += row_size + 1) {
@@ -129,7 +129,7 @@ std::size_t CountColours(const Image& image) {
   return colours.size();
 }
 
-TEST(PngTest, PixelsComeBack) {
+TEST(PngTest, DecodesToTheSamePixels) {
   for (const int width : {1, 2, 7, 300}) {
     for (const int height : {1, 3, 41}) {
       RandomStream random("pixels");
@@ -154,12 +154,12 @@ TEST(PictureTest, EveryShapeLooksDifferent) {
   EXPECT_EQ(pictures.size(), 10u);
 }
 
-TEST(PictureTest, SameSeedGivesTheSamePictureAndAnotherOneAnother) {
+TEST(PictureTest, SeedDecidesThePicture) {
   EXPECT_EQ(DrawPicture("chair", "a", 64, 48), DrawPicture("chair", "a", 64, 48));
   EXPECT_NE(DrawPicture("chair", "a", 64, 48), DrawPicture("chair", "b", 64, 48));
 }
 
-TEST(PictureTest, UnknownShapeIsOneOfTheKnown) {
+TEST(PictureTest, DrawsAKnownShapeForAnUnknownOne) {
   std::set<std::string> pictures;
   for (const char* seed : {"a", "b", "c", "d", "e"}) {
     const std::string picture = DrawPicture("", seed, 64, 48);
@@ -169,7 +169,7 @@ TEST(PictureTest, UnknownShapeIsOneOfTheKnown) {
   EXPECT_EQ(pictures.size(), 5u);
 }
 
-TEST(PictureTest, ModelIsInTheMiddleAndInside) {
+TEST(PictureTest, CentresTheModelWithinTheMargin) {
   for (const char* shape : {"chair", "tower", "car", "tree"}) {
     const Image image = Decode(DrawPicture(shape, "seed", 120, 90));
     const auto row = [&image](std::size_t y) { return image.pixels.substr(y * 360, 360); };
@@ -185,7 +185,7 @@ TEST(PictureTest, ModelIsInTheMiddleAndInside) {
     while (right < 119 && is_background(119 - right)) ++right;
     EXPECT_GE(left, 8u) << shape;
     EXPECT_NEAR(static_cast<double>(left), static_cast<double>(right), 2) << shape;
-    // The first and last rows are background alone: one colour.
+    // The first and last rows show only the background, with one colour a row.
     for (const std::size_t y : {0U, 1U, 88U, 89U}) {
       EXPECT_EQ(row(y).substr(3), row(y).substr(0, 357)) << shape << ", row " << y;
     }
@@ -195,7 +195,7 @@ TEST(PictureTest, ModelIsInTheMiddleAndInside) {
 
 using ThumbnailTest = ContentTest;
 
-TEST_F(ThumbnailTest, HasTheSizeAskedFor) {
+TEST_F(ThumbnailTest, HasTheRequestedSize) {
   const Image by_default = Decode(Get("/thumbnail?mid=m-1001").body);
   EXPECT_EQ(by_default.width, 256u);
   EXPECT_EQ(by_default.height, 192u);
@@ -207,7 +207,7 @@ TEST_F(ThumbnailTest, HasTheSizeAskedFor) {
   EXPECT_EQ(large.height, 480u);
 }
 
-TEST_F(ThumbnailTest, DiffersFromModelToModel) {
+TEST_F(ThumbnailTest, DiffersBetweenItems) {
   std::set<std::string> pictures;
   for (int mid = 1001; mid <= 1100; ++mid) {
     pictures.insert(Get("/thumbnail?mid=m-" + std::to_string(mid)).body);
@@ -218,7 +218,7 @@ TEST_F(ThumbnailTest, DiffersFromModelToModel) {
   EXPECT_EQ(pictures.size(), 103u);
 }
 
-TEST_F(ThumbnailTest, WhatIsNotThereIsNotFound) {
+TEST_F(ThumbnailTest, RefusesUnknownItemSizeAndParameter) {
   EXPECT_THAT(GetError("/thumbnail?mid=m-9999", 404), HasSubstr("m-9999"));
   EXPECT_THAT(GetError("/thumbnail?mid=m-1001&rtyp=xl", 404), HasSubstr("'xl'"));
   EXPECT_THAT(GetError("/thumbnail", 400), HasSubstr("'mid' is missing"));

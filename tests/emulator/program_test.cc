@@ -26,7 +26,7 @@ int GetStatus(const std::string& url, const std::string& target) {
   return result ? result->status : -1;
 }
 
-TEST(ProgramTest, PrintsItsAddressAndServesUntilItIsInterrupted) {
+TEST(ProgramTest, PrintsAddressAndServesUntilInterrupted) {
   for (const int signal : {SIGINT, SIGTERM}) {
     ChildProgram program(kProgram, {});
     const std::string url = program.ReadLine();
@@ -34,12 +34,12 @@ TEST(ProgramTest, PrintsItsAddressAndServesUntilItIsInterrupted) {
     EXPECT_EQ(GetStatus(url, "/user-info"), 200);
     program.Signal(signal);
     EXPECT_EQ(program.Wait(), 0);
-    EXPECT_EQ(program.ReadOutput(), "") << "more than the one line";
+    EXPECT_EQ(program.ReadOutput(), "") << "more than one line";
     EXPECT_THAT(program.ReadErrors(), MatchesRegex("GET /user-info 200 [0-9]+\n"));
   }
 }
 
-TEST(ProgramTest, EndsSoonWhileARequestStalls) {
+TEST(ProgramTest, EndsSoonDuringASlowResponse) {
   ChildProgram program(kProgram, {"--quiet"});
   const std::string url = program.ReadLine();
   RawClient client(static_cast<std::uint16_t>(std::stoi(url.substr(url.rfind(':') + 1))));
@@ -69,7 +69,7 @@ TEST(ProgramTest, ListensOnTheGivenPort) {
   EXPECT_EQ(program.ReadLine(), "http://127.0.0.1:" + port);
 }
 
-TEST(ProgramTest, TakenPortEndsItWithOneLine) {
+TEST(ProgramTest, ReportsTakenPortInOneLine) {
   const Emulator other;
   ChildProgram program(kProgram, {"--port", std::to_string(other.port())});
   EXPECT_EQ(program.Wait(), 1);
@@ -78,7 +78,7 @@ TEST(ProgramTest, TakenPortEndsItWithOneLine) {
               MatchesRegex("stowra-emulator: cannot listen on 127\\.0\\.0\\.1:[0-9]+: [^\n]+\n"));
 }
 
-TEST(ProgramTest, UnreadableDatabaseEndsItWithOneLine) {
+TEST(ProgramTest, ReportsUnreadableDatabaseInOneLine) {
   ChildProgram program(kProgram, {"--database", kProgram});
   EXPECT_EQ(program.Wait(), 1);
   EXPECT_EQ(program.ReadOutput(), "");
@@ -86,7 +86,7 @@ TEST(ProgramTest, UnreadableDatabaseEndsItWithOneLine) {
               MatchesRegex("stowra-emulator: cannot open the database [^\n]+\n"));
 }
 
-TEST(ProgramTest, DatabaseFileIsMadeAndUsedAgain) {
+TEST(ProgramTest, CreatesAndReusesDatabaseFile) {
   std::string folder = (std::filesystem::temp_directory_path() / "emulator-XXXXXX").string();
   ASSERT_NE(::mkdtemp(folder.data()), nullptr);
   const std::string file = folder + "/services.db";
@@ -98,7 +98,7 @@ TEST(ProgramTest, DatabaseFileIsMadeAndUsedAgain) {
   std::filesystem::remove_all(folder);
 }
 
-TEST(ProgramTest, WrongUsageIsStatusTwo) {
+TEST(ProgramTest, WrongUsageEndsWithStatusTwo) {
   const std::vector<std::vector<std::string>> usages = {
       {"--nope"},          {"extra"},        {"--port"},    {"--port", "x"},
       {"--port", "65536"}, {"--port", "-1"}, {"--database"}};

@@ -1,4 +1,4 @@
-// A client that sees the bytes and how the connection ends.
+// A client that sees the raw bytes and how the connection ends.
 
 #ifndef TESTS_EMULATOR_RAW_CLIENT_H_
 #define TESTS_EMULATOR_RAW_CLIENT_H_
@@ -11,23 +11,23 @@
 
 namespace stowra_emulator {
 
-// Fails the current test when it cannot connect, or waits for a byte for 30 seconds.
+// Fails the current test if it cannot connect or waits 30 seconds for a byte.
 class RawClient {
  public:
   explicit RawClient(std::uint16_t port);
 
   void Send(std::string_view bytes);
 
-  // What has come since the last call, up to and with `mark`, or all of it at the end.
+  // Reads up to and including `mark`, or to the end of the connection.
   std::string ReadUntil(std::string_view mark);
 
-  // `size` bytes, or fewer at the end.
+  // Reads `size` bytes, or fewer at the end.
   std::string Read(std::size_t size);
 
-  // All bytes up to the end of the connection.
+  // Reads all bytes up to the end of the connection.
   std::string ReadToEnd();
 
-  // Whether the connection was found reset, not closed.
+  // True if the connection was reset, not closed.
   bool was_reset() const { return was_reset_; }
 
  private:
@@ -44,18 +44,18 @@ struct RawResponse {
   std::string head;
   std::string body;
 
-  std::string Header(const std::string& name) const;  // Empty when there is none.
+  std::string Header(const std::string& name) const;  // Empty if it is absent.
 };
 
 RawResponse SplitResponse(const std::string& bytes);
 
-// Sends one request with no body on a connection of its own and reads to the end of it.
+// Sends one request without a body on a new connection and reads to its end.
 RawResponse RawGet(std::uint16_t port, const std::string& target);
 
-// A request with no body after which the connection stays open.
+// A request without a body that keeps the connection open.
 std::string GetRequest(const std::string& target);
 
-// The next response on a connection that stays open; it must declare its length.
+// Reads the next response, which must declare its length. The connection stays open.
 RawResponse ReadResponse(RawClient& client);
 
 }  // namespace stowra_emulator

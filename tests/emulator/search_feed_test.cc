@@ -39,7 +39,7 @@ std::string RtypOf(const std::string& address) {
   return start == std::string::npos ? "" : address.substr(start + 5);
 }
 
-// From "rtyp" to the type, of one entry.
+// The type for each "rtyp" of an entry.
 std::map<std::string, std::string> RenditionsOf(const XmlElement& entry) {
   std::map<std::string, std::string> renditions;
   for (const XmlElement* content : entry.Child(Media("group")).Children(Media("content"))) {
@@ -50,7 +50,7 @@ std::map<std::string, std::string> RenditionsOf(const XmlElement& entry) {
 
 class SearchFeedTest : public ContentTest {
  protected:
-  // The entries of the whole service.
+  // All entries of the service.
   std::vector<XmlElement> AllEntries() {
     std::vector<XmlElement> all;
     for (const char* start : {"1", "101"}) {
@@ -61,7 +61,7 @@ class SearchFeedTest : public ContentTest {
     return all;
   }
 
-  // The one entry that the query finds.
+  // The only entry that the query finds.
   XmlElement FindEntry(const std::string& query) {
     const XmlElement feed = GetFeed("/search?" + query);
     const std::vector<const XmlElement*> entries = Entries(feed);
@@ -70,7 +70,7 @@ class SearchFeedTest : public ContentTest {
   }
 };
 
-TEST_F(SearchFeedTest, FeedLinksToItselfAndToTheSameResultsAsAWebPage) {
+TEST_F(SearchFeedTest, LinksToItselfAndToItsWebPage) {
   const XmlElement feed = GetFeed("/search?q=%22a%26b%22+%3C&start=3");
   EXPECT_EQ(feed.Link("self"), emulator_.url() + "/search?q=%22a%26b%22%20%3C&start=3&count=12");
   EXPECT_EQ(feed.Link("alternate"),
@@ -110,7 +110,7 @@ TEST_F(SearchFeedTest, EveryEntryIsComplete) {
   }
 }
 
-TEST_F(SearchFeedTest, EveryEntryHasASmallPictureThatThereIs) {
+TEST_F(SearchFeedTest, EveryEntryHasASmallPicture) {
   for (const XmlElement& entry : AllEntries()) {
     std::vector<std::string> small;
     for (const XmlElement* picture : entry.Child(Media("group")).Children(Media("thumbnail"))) {
@@ -122,7 +122,7 @@ TEST_F(SearchFeedTest, EveryEntryHasASmallPictureThatThereIs) {
   }
 }
 
-TEST_F(SearchFeedTest, LinksOfEveryEntryLeadSomewhere) {
+TEST_F(SearchFeedTest, EveryEntryLinksToItsPage) {
   for (const XmlElement& entry : AllEntries()) {
     const XmlElement page = GetPage(entry.Link("alternate"));
     const auto headings = page.Descendants("h1");
@@ -131,7 +131,7 @@ TEST_F(SearchFeedTest, LinksOfEveryEntryLeadSomewhere) {
   }
 }
 
-TEST_F(SearchFeedTest, UserQueryLeadsToTheAuthorsOtherWork) {
+TEST_F(SearchFeedTest, UserQueryFindsTheAuthorsOtherWork) {
   const XmlElement entry = FindEntry("q=oak+chair");
   const XmlElement others = GetFeed(entry.Link(kUserQuery) + "&count=100");
   EXPECT_EQ(Total(others), 25);
@@ -154,7 +154,7 @@ TEST_F(SearchFeedTest, ModelsHaveDownloadsAndCollectionsHaveAFeed) {
     EXPECT_THAT(RenditionsOf(entry), IsEmpty());
     ASSERT_EQ(contents.size(), 1u);
     EXPECT_EQ(contents[0]->Attribute("type"), "application/atom+xml");
-    // As a client extends it.
+    // Clients extend the address like this.
     const XmlElement feed = GetFeed(contents[0]->Attribute("src") + "&q=is:downloadable");
     EXPECT_GE(Total(feed), 10);
     EXPECT_EQ(Models(feed).size(),
@@ -163,7 +163,7 @@ TEST_F(SearchFeedTest, ModelsHaveDownloadsAndCollectionsHaveAFeed) {
   EXPECT_EQ(collections, 6);
 }
 
-TEST_F(SearchFeedTest, RenditionsOfEveryKind) {
+TEST_F(SearchFeedTest, SeedHasRenditionsOfEveryKind) {
   std::set<std::string> kinds;
   int only_kmz = 0;
   int no_kmz = 0;
@@ -190,7 +190,7 @@ TEST_F(SearchFeedTest, RenditionsOfEveryKind) {
   EXPECT_GT(no_kmz, 10);
 }
 
-TEST_F(SearchFeedTest, FlagsAreOfTheModel) {
+TEST_F(SearchFeedTest, SetsFlagsOfSomeEntries) {
   std::map<std::string, int> count;
   for (const XmlElement& entry : AllEntries()) {
     for (const char* flag : {"dynamicComponent", "classifiedComponent"}) {
@@ -201,7 +201,7 @@ TEST_F(SearchFeedTest, FlagsAreOfTheModel) {
   EXPECT_EQ(count["classifiedComponent"], 25);
 }
 
-TEST_F(SearchFeedTest, TitlesAreInManyScripts) {
+TEST_F(SearchFeedTest, SeedHasTitlesInManyScripts) {
   std::vector<std::string> titles;
   for (const XmlElement& entry : AllEntries()) titles.push_back(entry.Child(Atom("title")).text);
   EXPECT_EQ(std::set<std::string>(titles.begin(), titles.end()).size(), 106u);
@@ -212,7 +212,7 @@ TEST_F(SearchFeedTest, TitlesAreInManyScripts) {
   }
 }
 
-TEST_F(SearchFeedTest, WhatXmlDoesNotAllowIsLeftOut) {
+TEST_F(SearchFeedTest, DropsCharactersThatXmlForbids) {
   const XmlElement feed = GetFeed("/search?q=a%00%01%1Fb%EF%BF%BE%FF%E2%82%ACc%0D%0A%09d");
   EXPECT_EQ(feed.Child(Atom("title")).text, "ab\uFFFD€c\r\n\td");
   EXPECT_EQ(GetFeed(feed.Link("self")).Link("self"), feed.Link("self"));
@@ -224,7 +224,7 @@ std::string SelfLink(Emulator& emulator, const std::string& headers) {
   return ParseXml(SplitResponse(client.ReadToEnd()).body).Link("self");
 }
 
-TEST_F(SearchFeedTest, AddressesBeginAsTheClientReachedTheServer) {
+TEST_F(SearchFeedTest, AddressesBeginWithTheHostOfTheRequest) {
   const std::string rest = "/search?q=nothing-like-it&start=1&count=12";
   EXPECT_EQ(SelfLink(emulator_, "Host: models.example:81\r\n"), "http://models.example:81" + rest);
   EXPECT_EQ(SelfLink(emulator_, "Host: [::1]:8080\r\n"), "http://[::1]:8080" + rest);

@@ -21,14 +21,14 @@ class SearchTest : public ContentTest {
  protected:
   int CountOf(const std::string& query) { return Total(GetFeed("/search?q=" + query)); }
 
-  // The models of a page and of all those that `rel` leads to from there. Fails the test when an
-  // address comes again.
+  // The models of a page and of all pages that `rel` leads to. Fails the test if an address comes
+  // twice.
   std::vector<std::string> ModelsFrom(std::string address, const std::string& rel) {
     std::vector<std::string> models;
     std::set<std::string> visited;
     while (!address.empty()) {
       if (!visited.insert(address).second) {
-        ADD_FAILURE() << "again at " << address;
+        ADD_FAILURE() << "twice at " << address;
         return models;
       }
       const XmlElement feed = GetFeed(address);
@@ -42,7 +42,7 @@ class SearchTest : public ContentTest {
   std::string last_address_;
 };
 
-TEST_F(SearchTest, PagingToTheEndAndBackCoversEveryModelOnce) {
+TEST_F(SearchTest, PagingThereAndBackCoversEveryModelOnce) {
   for (const char* count : {"12", "7", "1", "53", "100"}) {
     std::vector<std::string> there = ModelsFrom("/search?count=" + std::string(count), "next");
     std::vector<std::string> back = ModelsFrom(last_address_, "previous");
@@ -67,7 +67,7 @@ TEST_F(SearchTest, PagingKeepsTheWholeQuery) {
             first.Child(std::string(kAtom) + "title").text);
 }
 
-TEST_F(SearchTest, CountsTellWhereThePageLies) {
+TEST_F(SearchTest, ReportsPagingCounts) {
   const XmlElement feed = GetFeed("/search?start=25&count=5");
   EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "totalResults").text, "106");
   EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "startIndex").text, "25");
@@ -79,20 +79,20 @@ TEST_F(SearchTest, CountsTellWhereThePageLies) {
   EXPECT_EQ(Entries(by_default).size(), 12u);
 }
 
-TEST_F(SearchTest, CountHasALimit) {
+TEST_F(SearchTest, LimitsCountToOneHundred) {
   const XmlElement feed = GetFeed("/search?count=2147483647");
   EXPECT_EQ(feed.Child(std::string(kOpenSearch) + "itemsPerPage").text, "100");
   EXPECT_EQ(Entries(feed).size(), 100u);
 }
 
-TEST_F(SearchTest, ThereIsNoNextAtTheEndAndNoPreviousAtTheStart) {
+TEST_F(SearchTest, OmitsNextAtTheEndAndPreviousAtTheStart) {
   EXPECT_EQ(GetFeed("/search?count=12").Link("previous"), "");
   EXPECT_NE(GetFeed("/search?start=94&count=12").Link("next"), "");
   EXPECT_EQ(GetFeed("/search?start=95&count=12").Link("next"), "");
   EXPECT_THAT(GetFeed("/search?start=5&count=12").Link("previous"), HasSubstr("start=1&"));
 }
 
-TEST_F(SearchTest, BeyondTheEndThereIsTheWayBack) {
+TEST_F(SearchTest, LinksBackFromBeyondTheEnd) {
   const XmlElement feed = GetFeed("/search?start=2147483647&count=100");
   EXPECT_EQ(Entries(feed).size(), 0u);
   EXPECT_EQ(Total(feed), 106);
@@ -103,19 +103,19 @@ TEST_F(SearchTest, BeyondTheEndThereIsTheWayBack) {
 }
 
 TEST_F(SearchTest, EveryWordMustOccur) {
-  EXPECT_EQ(CountOf("chair"), 11) << "ten models, and a collection that tells of chairs";
+  EXPECT_EQ(CountOf("chair"), 11) << "ten models and a collection that mentions chairs";
   EXPECT_THAT(Titles(GetFeed("/search?q=oak%20chair")), ElementsAre("Oak Chair"));
   EXPECT_THAT(Titles(GetFeed("/search?q=chair+oak")), ElementsAre("Oak Chair"));
   EXPECT_EQ(CountOf("oak%20table"), 0);
-  EXPECT_EQ(CountOf("hai"), 0) << "no word begins so";
+  EXPECT_EQ(CountOf("hai"), 0) << "no word begins with it";
 }
 
-TEST_F(SearchTest, OnlyTheLastWordMayBeABeginning) {
+TEST_F(SearchTest, OnlyTheLastWordMatchesAsPrefix) {
   EXPECT_THAT(Titles(GetFeed("/search?q=chair+oa")), ElementsAre("Oak Chair"));
   EXPECT_EQ(CountOf("oa+chair"), 0);
 }
 
-TEST_F(SearchTest, CaseAndAccentsDoNotMatter) {
+TEST_F(SearchTest, IgnoresCaseAndLatinAccents) {
   EXPECT_THAT(Titles(GetFeed("/search?q=GEMUTLICHER")), ElementsAre("Gemütlicher Stuhl"));
   EXPECT_THAT(Titles(GetFeed("/search?q=%CE%9E%CE%8E%CE%9B%CE%99%CE%9D%CE%97")),
               ElementsAre("Ξύλινη καρέκλα"));
@@ -123,33 +123,33 @@ TEST_F(SearchTest, CaseAndAccentsDoNotMatter) {
               ElementsAre("Стул со спинкой"));
 }
 
-TEST_F(SearchTest, AccentsOnOtherThanLatinLettersMatter) {
+TEST_F(SearchTest, HeedsAccentsOnOtherLetters) {
   EXPECT_EQ(CountOf("%CE%BE%CF%8D%CE%BB%CE%B9%CE%BD%CE%B7"), 1) << "ξύλινη";
   EXPECT_EQ(CountOf("%CE%BE%CF%85%CE%BB%CE%B9%CE%BD%CE%B7"), 0) << "ξυλινη";
 }
 
-TEST_F(SearchTest, EveryScriptCanBeSearchedFor) {
+TEST_F(SearchTest, FindsWordsInManyScripts) {
   EXPECT_EQ(CountOf("%E6%A4%85%E5%AD%90"), 10) << "椅子, a keyword of all chairs";
   EXPECT_THAT(Titles(GetFeed("/search?q=%E6%9C%A8%E3%81%AE")), ElementsAre("木の椅子")) << "木の";
   EXPECT_THAT(Titles(GetFeed("/search?q=%D9%83%D8%B1%D8%B3%D9%8A%20%D8%AE%D8%B4%D8%A8%D9%8A")),
               ElementsAre("كرسي خشبي"));
   EXPECT_THAT(Titles(GetFeed("/search?q=%F0%9F%AA%91")), ElementsAre("🪑 Chair for Two"));
   EXPECT_THAT(Titles(GetFeed("/search?q=%E6%A4%85%E5%AD%90%E3%80%80oak")), ElementsAre("Oak Chair"))
-      << "words apart by a wide blank";
+      << "words separated by a wide space";
 }
 
 TEST_F(SearchTest, BestMatchComesFirst) {
   EXPECT_EQ(Titles(GetFeed("/search?q=tree")).front(), "Tree & Tree & Tree");
 }
 
-TEST_F(SearchTest, OperatorsAreLeftOutOfTheSearchButNotOfTheTitle) {
+TEST_F(SearchTest, KeepsOperatorsOnlyInTheTitle) {
   for (const char* query :
        {"chair%20filetype:qmf", "chair+filetype%3Aqmf+is%3Adownloadable", "is:downloadable%20chair",
         "chair&q=is:downloadable", "filetype:qmf&q=chair"}) {
     EXPECT_EQ(CountOf(query), 11) << query;
   }
   EXPECT_EQ(CountOf("filetype:qmf%20is:downloadable"), 106);
-  EXPECT_EQ(CountOf("filetype:qmfx"), 0) << "a word, no operator";
+  EXPECT_EQ(CountOf("filetype:qmfx"), 0) << "a word, not an operator";
   const XmlElement feed = GetFeed("/search?q=oak%20chair%20filetype:qmf&q=is:downloadable");
   EXPECT_EQ(feed.Child(std::string(kAtom) + "title").text,
             "oak chair filetype:qmf is:downloadable");
@@ -161,7 +161,7 @@ TEST_F(SearchTest, EmptyQueryFindsEverything) {
             "All models and collections");
 }
 
-TEST_F(SearchTest, WordOfPunctuationOnlyIsLeftOut) {
+TEST_F(SearchTest, IgnoresWordsOfPunctuation) {
   for (const char* query : {"%26", "*", "-", "%22", "%2B", "%E2%80%A6", "%E3%80%81", "%E2%80%94",
                             "%24%20!%20%3D", "-+is:downloadable"}) {
     EXPECT_EQ(CountOf(query), 106) << query;
@@ -171,22 +171,22 @@ TEST_F(SearchTest, WordOfPunctuationOnlyIsLeftOut) {
     EXPECT_EQ(CountOf(query), CountOf("chair")) << query;
   }
   EXPECT_THAT(Titles(GetFeed("/search?q=chair+%26+oa+-")), ElementsAre("Oak Chair"));
-  EXPECT_EQ(CountOf("oa+-+chair"), 0) << "no beginning, with a word behind it";
+  EXPECT_EQ(CountOf("oa+-+chair"), 0) << "another word follows it";
 }
 
-TEST_F(SearchTest, DigitsAndSymbolsAreNoPunctuation) {
+TEST_F(SearchTest, SearchesForDigitsAndSymbols) {
   EXPECT_EQ(CountOf("%F0%9F%AA%91"), 1) << "an emoji";
-  EXPECT_EQ(CountOf("%EF%A3%BF"), 0) << "for private use";
+  EXPECT_EQ(CountOf("%EF%A3%BF"), 0) << "a private-use character";
   EXPECT_EQ(CountOf("987654"), 0);
   EXPECT_EQ(CountOf("chair+%C2%A9"), 0) << "a copyright sign";
 }
 
-TEST_F(SearchTest, TextWithoutBlanksMatchesFromItsBeginning) {
+TEST_F(SearchTest, MatchesTextWithoutSpacesFromItsStart) {
   EXPECT_THAT(Titles(GetFeed("/search?q=%E6%9C%A8%E3%81%AE")), ElementsAre("木の椅子")) << "木の";
-  EXPECT_EQ(CountOf("%E3%81%AE"), 0) << "の, inside of that title";
+  EXPECT_EQ(CountOf("%E3%81%AE"), 0) << "の, inside that title";
 }
 
-TEST_F(SearchTest, NothingInAQueryHasAMeaningInSql) {
+TEST_F(SearchTest, TakesSqlAndIndexSyntaxAsText) {
   const std::vector<std::string> queries = {"%22",
                                             "%22%22%22",
                                             "%27",
@@ -230,18 +230,18 @@ TEST_F(SearchTest, NothingInAQueryHasAMeaningInSql) {
     Get("/search.html?q=" + query);
   }
   EXPECT_EQ(CountOf("chair%22"), 11);
-  EXPECT_EQ(CountOf("title:chair"), 0) << "two words that stand nowhere together";
+  EXPECT_EQ(CountOf("title:chair"), 0) << "two words that never stand together";
   EXPECT_EQ(CountOf("%27%20OR%201%3D1%20--"), 0);
   EXPECT_EQ(CountOf(""), 106) << "nothing was dropped";
 }
 
-TEST_F(SearchTest, ManyWordsAreSearchedForToo) {
+TEST_F(SearchTest, AcceptsManyWords) {
   std::string query = "chair";
   for (int i = 0; i < 1300; ++i) query += "+chair";
-  EXPECT_EQ(CountOf(query), 10) << "the words but the last one are whole ones";
+  EXPECT_EQ(CountOf(query), 10) << "only the last word matches as a prefix";
 }
 
-TEST_F(SearchTest, WorkOfOneUser) {
+TEST_F(SearchTest, FindsTheWorkOfOneUser) {
   std::map<std::string, int> counts;
   for (const char* user : {"u-1001", "u-1002", "u-1003", "u-1004", "u-1005", "u-9999", "%27"}) {
     counts[user] = Total(GetFeed("/search?uq=" + std::string(user)));
@@ -253,7 +253,7 @@ TEST_F(SearchTest, WorkOfOneUser) {
             "By Zoë Ångström");
 }
 
-TEST_F(SearchTest, CollectionHoldsItsModelsOnly) {
+TEST_F(SearchTest, FindsOnlyTheModelsOfACollection) {
   const XmlElement feed = GetFeed("/search?collection=c-1&q=is:downloadable&count=100");
   EXPECT_EQ(Total(feed), 20) << "chairs and tables";
   EXPECT_EQ(Models(feed).size(), 20u);
@@ -263,14 +263,14 @@ TEST_F(SearchTest, CollectionHoldsItsModelsOnly) {
   EXPECT_THAT(GetError("/search?collection=m-1001", 404), HasSubstr("m-1001"));
 }
 
-TEST_F(SearchTest, OneModelCanBeLeftOut) {
+TEST_F(SearchTest, LeavesOutOneModel) {
   const XmlElement feed = GetFeed("/search?uq=u-1001&except=m-1001&count=100");
   EXPECT_EQ(Total(feed), 25);
   EXPECT_THAT(Models(feed), Not(Contains("m-1001")));
   EXPECT_THAT(Models(GetFeed("/search?uq=u-1001&count=100")), Contains("m-1001"));
 }
 
-TEST_F(SearchTest, BadParametersAreRefused) {
+TEST_F(SearchTest, RefusesBadParameters) {
   for (const char* query :
        {"start=0", "start=-1", "start=x", "start=", "start=1.5", "start=2147483648", "start=%201",
         "start=1x", "start=99999999999999999999", "count=0", "count=-12", "count=x",

@@ -29,10 +29,10 @@ using testing::StartsWith;
 
 constexpr const char* kExtensionsBody = R"({"extensions":[{"id":"roof-tools"}]})";
 
-// A log that can be waited for while it is written.
+// A log that a test can wait for.
 class WatchedLog : public std::streambuf {
  public:
-  // False when the text has not come in 30 seconds.
+  // False if the text has not come in 30 seconds.
   bool WaitFor(const std::string& text) {
     std::unique_lock<std::mutex> lock(mutex_);
     return changed_.wait_for(lock, std::chrono::seconds(30),
@@ -78,7 +78,7 @@ TEST(ServerTest, AnswersPipelinedRequestsInOrder) {
   EXPECT_THAT(ReadResponse(client).body, HasSubstr("datafiles"));
 }
 
-TEST(ServerTest, RequestThatComesDuringAFaultIsServedAfterIt) {
+TEST(ServerTest, ServesRequestThatComesDuringAFault) {
   const Emulator emulator;
   RawClient client(emulator.port());
   client.Send(GetRequest("/user-info?fault=drip:1"));
@@ -88,7 +88,7 @@ TEST(ServerTest, RequestThatComesDuringAFaultIsServedAfterIt) {
   EXPECT_THAT(ReadResponse(client).body, HasSubstr("datafiles"));
 }
 
-TEST(ServerTest, ClosesWhenTheClientAsksForIt) {
+TEST(ServerTest, ClosesWhenTheClientAsks) {
   const Emulator emulator;
   const RawResponse response = RawGet(emulator.port(), "/user-info");
   EXPECT_THAT(response.head, StartsWith("HTTP/1.1 200 "));
@@ -96,7 +96,7 @@ TEST(ServerTest, ClosesWhenTheClientAsksForIt) {
   EXPECT_EQ(response.Header("Content-Length"), std::to_string(response.body.size()));
 }
 
-TEST(ServerTest, PostWithoutALengthHasAnEmptyBody) {
+TEST(ServerTest, PostWithoutLengthHasAnEmptyBody) {
   const Emulator emulator;
   RawClient client(emulator.port());
   client.Send("POST /extensions HTTP/1.1\r\nHost: localhost\r\n\r\n");
@@ -105,7 +105,7 @@ TEST(ServerTest, PostWithoutALengthHasAnEmptyBody) {
   EXPECT_THAT(ReadResponse(client).head, StartsWith("HTTP/1.1 200 "));
 }
 
-TEST(ServerTest, ReadsAChunkedBody) {
+TEST(ServerTest, ReadsChunkedBody) {
   const Emulator emulator;
   RawClient client(emulator.port());
   client.Send(
@@ -126,7 +126,7 @@ TEST(ServerTest, TellsAWaitingClientToContinue) {
   EXPECT_THAT(ReadResponse(client).body, HasSubstr("roof-tools"));
 }
 
-TEST(ServerTest, MalformedRequestIsRefusedAndEndsTheConnection) {
+TEST(ServerTest, RefusesMalformedRequestAndCloses) {
   for (const char* request :
        {"nonsense\r\n\r\n", "GET\r\n\r\n", "BREW / HTTP/1.1\r\n\r\n", "TRACE / HTTP/1.1\r\n\r\n"}) {
     const Emulator emulator;
@@ -139,7 +139,7 @@ TEST(ServerTest, MalformedRequestIsRefusedAndEndsTheConnection) {
   }
 }
 
-TEST(ServerTest, OverlongAddressIsRefused) {
+TEST(ServerTest, RefusesOverlongAddress) {
   const Emulator emulator;
   EXPECT_THAT(RawGet(emulator.port(), "/" + std::string(8000, 'x')).head,
               StartsWith("HTTP/1.1 404 "));
@@ -147,7 +147,7 @@ TEST(ServerTest, OverlongAddressIsRefused) {
               StartsWith("HTTP/1.1 414 "));
 }
 
-TEST(ServerTest, UnreadBodyIsNotTakenForARequest) {
+TEST(ServerTest, DoesNotTakeUnreadBodyForARequest) {
   std::ostringstream log;
   EmulatorOptions options;
   options.log = &log;
@@ -161,7 +161,7 @@ TEST(ServerTest, UnreadBodyIsNotTakenForARequest) {
   EXPECT_THAT(log.str(), testing::MatchesRegex("GET /user-info 200 [0-9]+\n"));
 }
 
-TEST(ServerTest, ClosesInOrderThoughABodyIsUnread) {
+TEST(ServerTest, ClosesWithoutResetWhenBodyIsUnread) {
   const Emulator emulator;
   RawClient client(emulator.port());
   client.Send("GET /user-info HTTP/1.1\r\nContent-Length: 300000\r\n\r\n");
@@ -196,7 +196,7 @@ TEST(ServerTest, LogsMethodTargetStatusAndBytesSent) {
                                     half + "\n?[2J - 400 "));
 }
 
-TEST(ServerTest, ManyClientsAtOnce) {
+TEST(ServerTest, ServesManyClientsAtOnce) {
   const Emulator emulator;
   std::deque<RawClient> idle;
   for (int i = 0; i < 200; ++i) idle.emplace_back(emulator.port());
@@ -221,7 +221,7 @@ TEST(ServerTest, ManyClientsAtOnce) {
   }
 }
 
-TEST(ServerTest, StopsAtOnceWhateverIsUnderWay) {
+TEST(ServerTest, StopsWithinASecondDuringAnyRequest) {
   auto emulator = std::make_unique<Emulator>();
   std::deque<RawClient> clients;
   for (const char* request :
@@ -231,7 +231,7 @@ TEST(ServerTest, StopsAtOnceWhateverIsUnderWay) {
   for (const char* fault : {"stall:600", "drip:60000", "drip:1"}) {
     clients.emplace_back(emulator->port()).Send(GetRequest(std::string("/update?fault=") + fault));
   }
-  // The dripping ones are under way once their heads are here.
+  // The drips have begun once their heads have arrived.
   clients[4].ReadUntil("\r\n\r\n");
   clients[5].ReadUntil("\r\n\r\n");
   RawClient idle(emulator->port());
@@ -245,10 +245,10 @@ TEST(ServerTest, StopsAtOnceWhateverIsUnderWay) {
   EXPECT_EQ(idle.ReadToEnd(), "");
 }
 
-TEST(ServerTest, StopsWhileAClientTakesNothing) {
+TEST(ServerTest, StopsWhileAClientReadsNothing) {
   auto emulator = std::make_unique<Emulator>();
   RawClient client(emulator->port());
-  // More than the sockets hold, and none of it read.
+  // The responses are larger than the socket buffers.
   for (int i = 0; i < 20; ++i) client.Send(GetRequest("/?fault=bomb"));
   EXPECT_EQ(client.Read(9), "HTTP/1.1 ");
   const auto start = steady_clock::now();
@@ -266,7 +266,7 @@ TEST(ServerTest, StallEndsWhenTheClientLeaves) {
   EXPECT_TRUE(log.WaitFor("GET /user-info?fault=stall:600 200 0\n"));
 }
 
-TEST(ServerTest, PortThatIsTakenIsAnError) {
+TEST(ServerTest, RefusesTakenPort) {
   const Emulator first;
   EmulatorOptions options;
   options.port = first.port();
@@ -279,12 +279,12 @@ TEST(ServerTest, PortThatIsTakenIsAnError) {
   }
 }
 
-TEST(ServerTest, PortIsFreeAgainAfterwards) {
+TEST(ServerTest, LeavesPortFreeForTheNextRun) {
   EmulatorOptions options;
   {
     const Emulator first;
     options.port = first.port();
-    // The emulator closes first, which keeps the port busy on a system that is not told otherwise.
+    // The emulator closes first, so its socket stays in TIME_WAIT.
     RawClient client(first.port());
     client.Send(GetRequest("/user-info?fault=truncate"));
     client.ReadToEnd();

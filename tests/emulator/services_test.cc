@@ -36,7 +36,7 @@ class ServicesTest : public testing::Test {
     return json::parse(result->body);
   }
 
-  // Whether an update is due for `id` in the version that the JSON text `version` gives.
+  // Whether an update is due for version `version` of `id`. The version is JSON text.
   bool UpdateIsDue(const std::string& id, const std::string& version) {
     const json answer =
         PostExtensions(R"({"extensions":[{"id":")" + id + R"(","version":)" + version + "}]}");
@@ -65,7 +65,7 @@ TEST_F(ServicesTest, IndexListsEveryRouteAndFault) {
   }
 }
 
-TEST_F(ServicesTest, UserInfoIsOfTheSignedInUser) {
+TEST_F(ServicesTest, UserInfoDescribesTheSignedInUser) {
   EXPECT_EQ(GetJson("/user-info"), json({{"uid", "u-1001"},
                                          {"displayname", "Zoë Ångström"},
                                          {"email", "zoe@example.com"},
@@ -73,13 +73,13 @@ TEST_F(ServicesTest, UserInfoIsOfTheSignedInUser) {
                                          {"locale", "sv-SE"}}));
 }
 
-TEST_F(ServicesTest, AnotherUserCanBePicked) {
+TEST_F(ServicesTest, UserInfoPicksAnotherUser) {
   const json user = GetJson("/user-info?user=u-1002");
   EXPECT_EQ(user.at("uid"), "u-1002");
   EXPECT_EQ(user.at("displayname"), "山田 花子");
 }
 
-TEST_F(ServicesTest, UserInfoLeavesOutWhatTheUserLacks) {
+TEST_F(ServicesTest, UserInfoOmitsAbsentMembers) {
   EXPECT_EQ(GetJson("/user-info?user=u-1005"),
             json({{"uid", "u-1005"}, {"email", "nameless@example.com"}, {"vkr_id", ""}}));
 }
@@ -111,7 +111,7 @@ TEST_F(ServicesTest, UpdateHoldsVersionsMessageAndDataFiles) {
   EXPECT_EQ(files[2].at("filename"), "content-types.dat");
 }
 
-TEST_F(ServicesTest, ExtensionsAnswersForTheKnownIdsInTheirOrder) {
+TEST_F(ServicesTest, ExtensionsListsKnownIdsInRequestOrder) {
   const json answer = PostExtensions(R"({"extensions": [
       {"id": "gärten-窓", "version": "3.5", "name": "ignored"},
       {"id": "unheard-of", "version": "1.0"},
@@ -130,7 +130,7 @@ TEST_F(ServicesTest, ExtensionsAnswersForTheKnownIdsInTheirOrder) {
                   {"enabled", 1}}));
 }
 
-TEST_F(ServicesTest, ExtensionsTellsWhatIsWithdrawnAndDisabled) {
+TEST_F(ServicesTest, ExtensionsReportsWithdrawnAndDisabled) {
   const json answer =
       PostExtensions(R"({"extensions":[{"id":"old-exporter"},{"id":"sun-study"}]})");
   EXPECT_EQ(answer.at("extensions").at(0).at("remote_kill"), true);
@@ -144,7 +144,7 @@ TEST_F(ServicesTest, NoKnownIdGivesAnEmptyArray) {
   EXPECT_EQ(PostExtensions(R"({"extensions":[{"id":""}]})"), json({{"extensions", json::array()}}));
 }
 
-TEST_F(ServicesTest, UpdateIsDueForALowerVersionOnly) {
+TEST_F(ServicesTest, UpdateIsDueOnlyForALowerVersion) {
   EXPECT_TRUE(UpdateIsDue("roof-tools", R"("2.4")"));
   EXPECT_TRUE(UpdateIsDue("roof-tools", R"("1")"));
   EXPECT_TRUE(UpdateIsDue("roof-tools", "2.4"));
@@ -155,7 +155,7 @@ TEST_F(ServicesTest, UpdateIsDueForALowerVersionOnly) {
   EXPECT_TRUE(UpdateIsDue("sun-study", R"("9.5")")) << "10.25 is more than 9.5";
 }
 
-TEST_F(ServicesTest, NoUpdateIsDueWhenTheVersionIsUnreadable) {
+TEST_F(ServicesTest, NoUpdateIsDueForAnUnreadableVersion) {
   for (const char* version : {R"("")", R"("1.0beta")", R"("1.2.3")", "null", "true", "[]"}) {
     EXPECT_FALSE(UpdateIsDue("roof-tools", version)) << version;
   }
@@ -181,7 +181,7 @@ TEST_F(ServicesTest, AnyOtherBodyIsABadRequest) {
   }
 }
 
-TEST_F(ServicesTest, DeepNestingInARequestIsHarmless) {
+TEST_F(ServicesTest, SurvivesDeepNestingInARequest) {
   const std::string deep(500000, '[');
   const std::string closed = deep + std::string(deep.size(), ']');
   PostExtensions(deep, 400);
@@ -190,7 +190,7 @@ TEST_F(ServicesTest, DeepNestingInARequestIsHarmless) {
   EXPECT_EQ(answer.at("extensions").size(), 1u);
 }
 
-TEST_F(ServicesTest, WrongMethodIsRefusedWithTheRightOne) {
+TEST_F(ServicesTest, RefusesWrongMethodAndNamesTheRightOnes) {
   for (const char* path : {"/", "/user-info", "/update"}) {
     const httplib::Result result = client_.Post(path, "{}", "application/json");
     ASSERT_TRUE(result) << path;
@@ -223,7 +223,7 @@ TEST_F(ServicesTest, UnknownRouteIsNotFound) {
   }
 }
 
-TEST_F(ServicesTest, HeadGivesTheLengthOfTheBodyOnly) {
+TEST_F(ServicesTest, HeadGivesOnlyTheLengthOfTheBody) {
   const httplib::Result got = client_.Get("/user-info");
   const httplib::Result head = client_.Head("/user-info");
   ASSERT_TRUE(got && head);
@@ -232,7 +232,7 @@ TEST_F(ServicesTest, HeadGivesTheLengthOfTheBodyOnly) {
   EXPECT_EQ(head->get_header_value("Content-Length"), std::to_string(got->body.size()));
 }
 
-TEST_F(ServicesTest, ResponseIsCompressedForAClientThatTakesIt) {
+TEST_F(ServicesTest, CompressesForClientThatAcceptsGzip) {
   const httplib::Result plain = client_.Get("/update");
   const httplib::Result packed = client_.Get("/update", {{"Accept-Encoding", "gzip"}});
   ASSERT_TRUE(plain && packed);
@@ -241,7 +241,7 @@ TEST_F(ServicesTest, ResponseIsCompressedForAClientThatTakesIt) {
   EXPECT_EQ(packed->body, plain->body);
 }
 
-TEST_F(ServicesTest, RangeIsIgnored) {
+TEST_F(ServicesTest, IgnoresRange) {
   const httplib::Result whole = client_.Get("/update");
   const httplib::Result result = client_.Get("/update", {{"Range", "bytes=0-9"}});
   ASSERT_TRUE(whole && result);

@@ -21,13 +21,13 @@ class UploadConfigTest : public ContentTest {
     return config;
   }
 
-  // The only file asked for.
+  // The only file in the configuration.
   XmlElement GetFile(const std::string& query) {
     return GetConfig(query).Child("files").Child("file");
   }
 };
 
-TEST_F(UploadConfigTest, TellsWhatToUploadAndWhereTo) {
+TEST_F(UploadConfigTest, TellsWhatToUploadAndWhere) {
   const XmlElement config = GetConfig();
   EXPECT_EQ(config.Child("successUrl").text, emulator_.url() + "/upload-succeeded");
   EXPECT_EQ(config.Child("failureUrl").text, emulator_.url() + "/upload-failed");
@@ -43,7 +43,7 @@ TEST_F(UploadConfigTest, TellsWhatToUploadAndWhereTo) {
   EXPECT_EQ(file.Child("name").text, "Untitled");
 }
 
-TEST_F(UploadConfigTest, ClientChoosesEverything) {
+TEST_F(UploadConfigTest, TakesEveryValueFromTheQuery) {
   const XmlElement file = GetFile(
       "?name=Zo%C3%AB%20%26%20%22Co%22&type=application/vnd.pellamy.kmz&task=up+date&priority=7"
       "&zipped=true");
@@ -56,12 +56,12 @@ TEST_F(UploadConfigTest, ClientChoosesEverything) {
   EXPECT_EQ(file.Child("name").text, "Zoë & \"Co\"");
 }
 
-TEST_F(UploadConfigTest, EmptyTaskAndPriorityAreLeftOut) {
+TEST_F(UploadConfigTest, OmitsEmptyTaskAndPriority) {
   EXPECT_EQ(GetFile("?task=&priority=&zipped=false").Child("uploadUrl").text,
             emulator_.url() + "/upload?name=Untitled&type=application/vnd.brevix.qmf");
 }
 
-TEST_F(UploadConfigTest, SeveralFilesHaveNamesOfTheirOwn) {
+TEST_F(UploadConfigTest, NumbersTheNamesOfSeveralFiles) {
   const XmlElement config = GetConfig("?name=Chair&files=20");
   const auto files = config.Child("files").Children("file");
   ASSERT_THAT(files, SizeIs(20));
@@ -71,7 +71,7 @@ TEST_F(UploadConfigTest, SeveralFilesHaveNamesOfTheirOwn) {
   EXPECT_THAT(GetConfig("?files=0").Child("files").children, SizeIs(0));
 }
 
-TEST_F(UploadConfigTest, BadParametersAreRefused) {
+TEST_F(UploadConfigTest, RefusesBadParameters) {
   for (const char* query : {"?files=21", "?files=-1", "?files=", "?files=x"}) {
     EXPECT_THAT(GetError("/upload-config" + std::string(query), 400), HasSubstr("'files'"))
         << query;

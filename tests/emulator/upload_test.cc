@@ -60,7 +60,7 @@ class UploadTest : public ContentTest {
     return *result;
   }
 
-  // What a successful upload answers.
+  // The answer to a successful upload.
   json Upload(const MultipartFormDataItems& form) { return json::parse(PostForm(form, 201).body); }
 
   std::string ErrorOf(const MultipartFormDataItems& form) {
@@ -76,7 +76,7 @@ class UploadTest : public ContentTest {
   }
 };
 
-TEST_F(UploadTest, ModelIsFoundAndDownloadedByteForByte) {
+TEST_F(UploadTest, FindsAndDownloadsTheUploadedModel) {
   const std::string bytes = RandomBytes(100000);
   const httplib::Response response = PostForm(FormOf("Gläserner Pavillon", bytes), 201);
   const json answer = json::parse(response.body);
@@ -104,7 +104,7 @@ TEST_F(UploadTest, ModelIsFoundAndDownloadedByteForByte) {
   Get("/thumbnail?mid=m-1101");
 }
 
-TEST_F(UploadTest, ZippedFileComesBackAsItWasSent) {
+TEST_F(UploadTest, ReturnsZippedFileUnchanged) {
   const std::string bytes = RandomBytes(5000);
   const json answer = Upload(With(FormOf("Packed", bytes), "isZipped", "true"));
   const httplib::Response file = DownloadOf(answer);
@@ -117,13 +117,13 @@ TEST_F(UploadTest, ZippedFileComesBackAsItWasSent) {
             "attachment; filename=\"Packed.zip\"");
 }
 
-TEST_F(UploadTest, LargeFileComesBack) {
+TEST_F(UploadTest, ReturnsLargeFileUnchanged) {
   const std::string bytes = RandomBytes(40 << 20);
   client_.set_read_timeout(120);
   EXPECT_TRUE(DownloadOf(Upload(FormOf("Large", bytes))).body == bytes);
 }
 
-TEST_F(UploadTest, AnyBytesComeBack) {
+TEST_F(UploadTest, ReturnsAnyBytesUnchanged) {
   const std::vector<std::string> files = {"",       std::string(1, '\0'), "\r\n",
                                           "\r\n--", "--\r\n\r\n",         std::string(70000, '-')};
   for (const std::string& bytes : files) {
@@ -145,12 +145,12 @@ TEST_F(UploadTest, TypeDecidesTheRendition) {
   EXPECT_EQ(Get(address("")).get_header_value("Content-Type"), "application/octet-stream");
 }
 
-TEST_F(UploadTest, EscapesFromTheAddressAreDecoded) {
+TEST_F(UploadTest, DecodesEscapesFromTheAddress) {
   Upload(FormOf("Zo%C3%ABs%20Hocker%2", "x"));
   EXPECT_THAT(TitlesFor("hocker"), ElementsAre("Zoës Hocker%2"));
 }
 
-TEST_F(UploadTest, TitleCanHoldAnything) {
+TEST_F(UploadTest, AcceptsAnyTitle) {
   const std::string title = "\"Quoted\" <b>&amp;</b>/..\\ \xF0\x9F\x8C\xB5 кактус";
   const json answer = Upload(FormOf(title, "x"));
   EXPECT_THAT(TitlesFor("%F0%9F%8C%B5"), ElementsAre(title));
@@ -160,14 +160,14 @@ TEST_F(UploadTest, TitleCanHoldAnything) {
   EXPECT_THAT(TitlesFor("injected"), ElementsAre("Line\r\nX-Injected: yes end"));
 }
 
-TEST_F(UploadTest, WithoutANameTheFilesNameIsTheTitle) {
+TEST_F(UploadTest, TakesTitleFromFileNameIfNameIsEmpty) {
   MultipartFormDataItems form = FormOf("", "x");
   form.back().filename = "C:\\models\\Alter Schrank.v2.qmf";
   Upload(form);
   EXPECT_THAT(TitlesFor("schrank"), ElementsAre("Alter Schrank"));
 }
 
-TEST_F(UploadTest, FormWithoutARequiredPartIsRefused) {
+TEST_F(UploadTest, RefusesMissingRepeatedAndBadParts) {
   for (const char* part : {"name", "subjectId", "subjectClass", "binary"}) {
     EXPECT_EQ(ErrorOf(Without(FormOf("Chair", "x"), part)),
               "the part '" + std::string(part) + "' is missing");
@@ -183,7 +183,7 @@ TEST_F(UploadTest, FormWithoutARequiredPartIsRefused) {
   EXPECT_EQ(Total(GetFeed("/search")), 106) << "nothing was added";
 }
 
-TEST_F(UploadTest, AnyOtherBodyIsRefused) {
+TEST_F(UploadTest, RefusesBodyThatIsNoForm) {
   const std::vector<std::pair<std::string, std::string>> bodies = {
       {"", "application/json"},
       {"{}", "application/json"},
@@ -201,7 +201,7 @@ TEST_F(UploadTest, AnyOtherBodyIsRefused) {
   }
 }
 
-TEST_F(UploadTest, FormIsReadAsClientsWriteIt) {
+TEST_F(UploadTest, ReadsFormAsClientsWriteIt) {
   const std::string bytes("\0\x01\r\n--BrevixClient", 18);
   const std::string boundary = "BrevixClient0385119264730052";
   const std::string line = "--" + boundary + "\r\nContent-Disposition: form-data; name=";
@@ -235,7 +235,7 @@ TEST_F(UploadTest, ResultPagesSayWhatHappened) {
   GetPage("/upload-failed");
 }
 
-TEST(UploadDatabaseTest, EverythingIsKept) {
+TEST(UploadDatabaseTest, KeepsEveryPart) {
   std::string folder = testing::TempDir() + "emulator-XXXXXX";
   ASSERT_NE(::mkdtemp(folder.data()), nullptr);
   EmulatorOptions options;

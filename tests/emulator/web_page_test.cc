@@ -20,7 +20,7 @@ std::vector<std::string> TextsOf(const XmlElement& page, const std::string& name
   return texts;
 }
 
-// The address of the page that comes next, or before; empty when there is none.
+// The address of the link with this rel, or empty.
 std::string Neighbour(const XmlElement& page, const std::string& rel) {
   for (const XmlElement* link : page.Descendants("a")) {
     const auto found = link->attributes.find("rel");
@@ -57,7 +57,7 @@ TEST_F(WebPageTest, EveryResultHasAPictureAndALinkToItsPage) {
   }
 }
 
-TEST_F(WebPageTest, PagesLeadThereAndBack) {
+TEST_F(WebPageTest, LinksToTheNextAndPreviousPage) {
   const XmlElement first = GetPage("/search.html?q=chair&count=4");
   const XmlElement second = GetPage(Neighbour(first, "next"));
   const XmlElement third = GetPage(Neighbour(second, "next"));
@@ -68,7 +68,7 @@ TEST_F(WebPageTest, PagesLeadThereAndBack) {
   EXPECT_THAT(TextsOf(third, "p").at(0), HasSubstr("9–11 of 11"));
 }
 
-TEST_F(WebPageTest, LeadsBackToTheFeed) {
+TEST_F(WebPageTest, LinksToTheFeed) {
   const XmlElement page = GetPage("/search.html?q=chair&start=3&count=2");
   const auto links = page.Descendants("link");
   ASSERT_THAT(links, SizeIs(2));
@@ -78,7 +78,7 @@ TEST_F(WebPageTest, LeadsBackToTheFeed) {
   EXPECT_EQ(Titles(GetFeed(links[1]->Attribute("href"))), TextsOf(page, "h2"));
 }
 
-TEST_F(WebPageTest, SearchBoxAsksForThePageAgain) {
+TEST_F(WebPageTest, SearchBoxKeepsTheQuery) {
   const XmlElement page = GetPage("/search.html?q=%22oak%22%20%3C%26");
   const auto forms = page.Descendants("form");
   ASSERT_THAT(forms, SizeIs(1));
@@ -91,14 +91,14 @@ TEST_F(WebPageTest, SearchBoxAsksForThePageAgain) {
   EXPECT_THAT(TextsOf(page, "h1"), ElementsAre("Results for “\"oak\" <&”"));
 }
 
-TEST_F(WebPageTest, SaysWhenThereIsNothing) {
+TEST_F(WebPageTest, SaysWhenThereAreNoResults) {
   EXPECT_THAT(TextsOf(GetPage("/search.html?q=nothing-like-it"), "p"),
               ElementsAre("Nothing was found."));
   EXPECT_THAT(TextsOf(GetPage("/search.html?start=500"), "p"),
               ElementsAre("There are no more results."));
 }
 
-TEST_F(WebPageTest, ModelsPageHasItsPictureAndItsDownloads) {
+TEST_F(WebPageTest, ModelPageHasPictureAndDownloads) {
   const XmlElement page = GetPage("/model?mid=m-1081");
   EXPECT_THAT(TextsOf(page, "h1"), ElementsAre("Chair <No. 7> & Cushion"));
   const auto pictures = page.Descendants("img");
@@ -119,7 +119,7 @@ TEST_F(WebPageTest, ModelsPageHasItsPictureAndItsDownloads) {
   }
 }
 
-TEST_F(WebPageTest, ModelThatIsNotThereIsNotFound) {
+TEST_F(WebPageTest, RefusesUnknownModelAndParameter) {
   EXPECT_THAT(GetError("/model?mid=m-9999", 404), HasSubstr("m-9999"));
   EXPECT_THAT(GetError("/model?mid=c-1", 404), HasSubstr("c-1"));
   EXPECT_THAT(GetError("/model?mid=%27%FF", 404), HasSubstr("no model"));

@@ -1,4 +1,4 @@
-// XML as a tree, to look at what the services answer.
+// XML as a tree, to check what the services answer.
 
 #ifndef TESTS_EMULATOR_XML_TREE_H_
 #define TESTS_EMULATOR_XML_TREE_H_
@@ -18,26 +18,25 @@ constexpr const char* kSchema = "http://schemas.stowra.example/stowra/2008:";
 struct XmlElement {
   std::string name;  // "namespace:local", or the local name alone.
   std::map<std::string, std::string> attributes;
-  std::string text;  // Of itself, not of what it holds.
+  std::string text;  // Without the text of its children.
   std::deque<XmlElement> children;
 
   std::vector<const XmlElement*> Children(const std::string& child) const;
 
-  // All elements of that name inside, in the order of the document.
+  // All descendants of that name, in document order.
   std::vector<const XmlElement*> Descendants(const std::string& descendant) const;
 
-  // The only child of that name. Fails the current test when there is none or more.
+  // The only child of that name. Fails the current test if there is not exactly one.
   const XmlElement& Child(const std::string& child) const;
 
-  // The attribute's value. Fails the current test when it is absent.
+  // The attribute's value. Fails the current test if it is absent.
   std::string Attribute(const std::string& attribute) const;
 
-  // The href of the child with this rel; empty when there is none. Fails the current test when
-  // there are several.
+  // The href of the link with this rel, or empty. Fails the current test if there are several.
   std::string Link(const std::string& rel) const;
 };
 
-// The root element. Fails the current test when the document is not well-formed.
+// The root element. Fails the current test if the document is not well-formed.
 XmlElement ParseXml(const std::string& document);
 
 }  // namespace stowra_emulator
