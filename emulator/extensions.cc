@@ -12,7 +12,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// The value of a decimal number, whatever the locale.
+// Parses a decimal number, independent of the locale.
 std::optional<double> ParseDecimal(const std::string& text) {
   std::istringstream stream(text);
   stream.imbue(std::locale::classic());
@@ -21,7 +21,7 @@ std::optional<double> ParseDecimal(const std::string& text) {
   return number;
 }
 
-// The version that the client has, as a text or a number; nothing when it says none.
+// The version that the client has, as text or a number. Empty if it gives none.
 std::optional<double> InstalledVersion(const ordered_json& extension) {
   const auto version = extension.find("version");
   if (version == extension.end()) return std::nullopt;
@@ -33,12 +33,12 @@ bool IsExtension(const ordered_json& element) {
   return element.is_object() && element.contains("id") && element["id"].is_string();
 }
 
-// The array "extensions" of the body; nothing when there is none, or it holds anything else than
-// objects with an id.
+// The array "extensions" of the body. Empty if it is absent or holds anything but objects with an
+// id.
 std::optional<ordered_json> ParseRequest(const std::string& body) {
   ordered_json root = ordered_json::parse(body, nullptr, false);
   if (!root.is_object() || !root.contains("extensions")) return std::nullopt;
-  // Moved, as a copy would recurse as deep as the client has nested it.
+  // Moved, because a copy would recurse as deep as the client's nesting.
   ordered_json extensions = std::move(root["extensions"]);
   if (!extensions.is_array()) return std::nullopt;
   for (const ordered_json& element : extensions) {
@@ -47,7 +47,7 @@ std::optional<ordered_json> ParseRequest(const std::string& body) {
   return extensions;
 }
 
-// What the store says of one extension; null when it does not know it.
+// The state of one extension, or null if the store does not know it.
 ordered_json StatusOf(const ordered_json& extension, Database& database) {
   Statement known = database.Prepare(
       "SELECT id, version_uuid, version, file_url, remote_kill, enabled FROM extensions "
