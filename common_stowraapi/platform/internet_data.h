@@ -21,25 +21,39 @@ struct HttpRequest;
 
 // One HTTP transfer to one URL, and the response to it.
 //
-// What an outcome means: a response that arrives whole is a success, whatever its status. Anything
-// else is a failure: a URL that is not http or https, no connection, an invalid certificate, a
-// reply that breaks off, `inactivity timeout` seconds without a byte in either direction, more than
-// 20 redirects or one from https to anything else, a body beyond the cap, a content encoding other
-// than gzip. After a failure the status is what was received of it, else 0, and the body is empty.
-// There is no limit on the time of a whole transfer.
+// A response that arrives whole is a success, whatever its status. These are failures:
 //
-// Redirects are followed: a POST becomes a GET on 301, 302 and 303 and stays one on 307 and 308.
-// Connections are reused. Certificates are always verified.
+//   - The URL is not http or https.
+//   - There is no connection, or the certificate does not verify.
+//   - No byte moves in either direction for the inactivity timeout (TransferDefaults).
+//   - The reply breaks off or is malformed.
+//   - The body exceeds the cap (TransferDefaults).
+//   - The content encoding is not gzip.
+//   - There are more than 20 redirects, or one from https to http or to another scheme.
+//   - Memory runs out.
 //
-// An object belongs to one thread at a time; distinct objects are independent. It may be deleted at
-// any moment of a background transfer, before or after the delegate, and from inside the
-// notification that the delegate posts: once the destructor has returned, that transfer posts
-// nothing more, and a post under way on another thread has ended, unless the destructor runs inside
-// a delivery: then it does not wait. It never waits for the network.
+// After a failure the body and the headers are empty. The status is the one received, or 0. There
+// is no limit on the time of a whole transfer.
 //
-// Starting a transfer resets status, body and headers, and drops one that still runs: its delegate
-// posts nothing. A transfer that runs out of memory fails like any other. What has no way to say so
-// throws std::bad_alloc and has changed nothing then.
+// Redirects are followed. A POST becomes a GET on 301, 302 and 303, and stays a POST on 307 and
+// 308. Connections are reused. Certificates are always verified.
+//
+// Starting a transfer resets status, body and headers. It also drops a transfer that still runs,
+// for which nothing more is posted.
+//
+// An object belongs to one thread at a time. Distinct objects are independent.
+//
+// The object may be deleted at any moment of a background transfer. The delegate may go before it
+// or after it, and the notification that the delegate posts may delete it. After the destructor the
+// transfer posts nothing more. The destructor never waits for the network. It waits for a post
+// under way on another thread, except inside a delivery. A delivery is a call of a host function by
+// the library: an observer, a transfer listener or a completion executor.
+//
+// These functions throw std::bad_alloc when memory runs out, and change nothing then:
+//   - set_send_data, SetValueForHTTPSendHeaders and received_headers,
+//   - SetDefaults, SetTransferListener and SetCompletionExecutor.
+//
+// Arguments passed by value are copied by the caller, which may throw too.
 class STOWRA_EXPORT InternetData {
  public:
   explicit InternetData(ovrant::utils::ovrant_ustring url) : url_(std::move(url)) {}
@@ -48,69 +62,82 @@ class STOWRA_EXPORT InternetData {
   InternetData(const InternetData&) = delete;
   InternetData& operator=(const InternetData&) = delete;
 
-  // GET on the calling thread. True when a response was received.
+  // Makes a GET on the calling thread. True when a response was received.
   bool Download();
 
-  // GET in the background. Returns at once; `delegate` stays the caller's. At the end of the
-  // transfer it posts its returned name if a response was received, else its failed name. Status,
-  // body and headers appear in this object just before the post, on the thread that posts.
-  // `user_data` is not used. A hundred transfers run at a time; the others wait, and the time of
-  // one that waits has not begun. When there is no memory or no thread to start it, the failed
-  // name is posted before this returns, on this thread. False, and nothing will be posted, when
-  // `delegate` is null or the process is exiting.
+  // Starts a GET in the background and returns at once. `delegate` stays the caller's.
+  //
+  // At the end the delegate posts its returned name if a response was received, else its failed
+  // name. Status, body and headers appear in this object just before the post, on the posting
+  // thread. `user_data` is not used.
+  //
+  // A hundred transfers run at a time. The others wait, and their timeouts have not begun.
+  //
+  // If memory or threads run out at the start, the failed name is posted on this thread before the
+  // call returns. False when `delegate` is null or the process is exiting: nothing is posted then.
   bool DownloadWithDelegate(InternetDataDelegate* delegate, void* user_data);
 
-  // The same as POST of the send data, or of an empty body where none is set.
+  // Starts a POST of the send data in the same way. The body is empty when none is set.
   bool UploadWithDelegate(InternetDataDelegate* delegate, void* user_data);
 
-  // Sets the body of later uploads: `length` bytes, which are copied.
+  // Copies `length` bytes as the body of later uploads. `data` may be null when `length` is 0.
   void set_send_data(const unsigned char* data, unsigned long length);
 
-  // Adds one request header for later transfers, or replaces one of the same name, whatever its
-  // letter case. Content-Length and Transfer-Encoding are the transport's own and ignored. A name
-  // or value that cannot stand in a header (RFC 9110, 5.1 and 5.5) makes the transfer fail.
+  // Sets one request header of later transfers, and replaces any of that name in any letter case.
+  // Content-Length and Transfer-Encoding are ignored, because the transport sets them. A name or
+  // value that is not valid in a header (RFC 9110, 5.1 and 5.5) makes the transfer fail.
   void SetValueForHTTPSendHeaders(ovrant::utils::ovrant_ustring name,
                                   ovrant::utils::ovrant_ustring value);
 
-  // POST of the send data to `url` on the calling thread. True when a response was received.
-  // Each out-pointer may be null. `data` and `data_length` receive this object's own body, valid
-  // until its next transfer or its destruction; `status` the HTTP status; `received_headers` the
-  // response's headers. After a failure they hold null, 0, what was received of the status, and an
-  // empty map. `send_headers`, where given, is sent beside the headers set before and wins over
-  // them. The flags and the last two texts have no meaning in this transport; callers pass false,
-  // false, true and empty texts.
+  // Makes a POST of the send data to `url` on the calling thread. True when a response was
+  // received. `send_headers` are sent beside the headers set before, and win over them.
+  //
+  // Every pointer may be null. On success and on failure the outputs hold what this object holds:
+  //   data, data_length: the body, valid until the next transfer or destruction. Null and 0 when
+  //                      it is empty.
+  //   status:            the HTTP status.
+  //   received_headers:  a copy of the headers.
+  //
+  // The flags and the last two texts have no meaning here. Pass false, false, true and empty texts.
   bool SendAndRead(ovrant::utils::ovrant_ustring url, unsigned char** data,
                    unsigned long* data_length, int* status, ovrant::utils::StringMap* send_headers,
                    bool flag1, bool flag2, bool flag3, ovrant::utils::ovrant_ustring text1,
                    ovrant::utils::ovrant_ustring text2, ovrant::utils::StringMap* received_headers);
 
-  // The last response's HTTP status; 0 before one.
+  // The HTTP status of the last response, 0 before one.
   int status_code() const { return status_code_; }
 
-  // The last response's decoded body, owned by this object: valid until its next transfer or its
-  // destruction. Null when it is empty. No NUL follows it.
+  // The decoded body of the last response, null when it is empty. This object owns it. It is valid
+  // until the next transfer or destruction. No NUL follows it.
   unsigned char* received_data() const { return received_data_; }
   unsigned long received_data_length() const { return received_data_length_; }
 
-  // The last response's headers, names as the server spelt them; the values of a repeated one are
-  // joined by ", ". Made when they are first asked for.
+  // The headers of the last response. Names are spelt as the server sent them. Values of a repeated
+  // name are joined by ", ". The map is made on the first call.
   const ovrant::utils::StringMap& received_headers() const;
 
-  // What holds for all transfers of the process that start from now on. Safe from any thread.
+  // Sets the defaults for all transfers of the process that start from now on. Any thread.
   static void SetDefaults(const TransferDefaults& defaults);
 
-  // Is told of the start, the progress and the end of every transfer that starts from now on, on
-  // the thread that runs it, without a lock held; a background transfer is dropped with an end,
-  // too, if it has started. Must not throw. On return the function set before is no longer running
-  // on another thread and has been destroyed, so that its code may be unloaded, unless the call is
-  // made from inside it or inside a delivery. An empty function ends it.
+  // Sets the function that hears of each transfer that starts from now on. It gets the start, the
+  // progress and the end. A dropped transfer that has started gets its end too. An empty function
+  // stops the events. Any thread.
+  //
+  // The listener runs on the thread that runs the transfer. No lock is held. It must not throw.
+  //
+  // On return the previous listener has been destroyed and no longer runs on another thread. Its
+  // code may be unloaded then. This does not hold for a call from inside a delivery.
   static void SetTransferListener(std::function<void(const TransferEvent&)> listener);
 
-  // How the completion of a background transfer reaches the host: `executor` is called on the
-  // transport's own thread with a function that, run once on any thread, posts the notification. It
-  // should queue it and return; it must not throw. What is queued may be run or destroyed at any
-  // time, even when delegate and transport are gone. An empty function brings the default back: the
-  // post is made on the transport's thread. The same promise on return as above.
+  // Sets the function that brings the end of a background transfer to the host. The transport's
+  // thread calls `executor` with a completion, which posts the notification when it is run. The
+  // executor should queue the completion and return. It must not throw.
+  //
+  // The host runs the completion once, on any thread. It may also destroy it unrun. Either may
+  // happen after delegate and transport are gone: nothing is posted then.
+  //
+  // An empty function brings the default back, which posts on the transport's thread. Any thread.
+  // The previous executor ends as a previous listener does.
   static void SetCompletionExecutor(std::function<void(std::function<void()> completion)> executor);
 
  private:
@@ -126,18 +153,18 @@ class STOWRA_EXPORT InternetData {
   void DropTransfer();
   void Publish(HttpReply reply);
 
-  // The order, the types and the initial values of the members are part of the binary interface.
+  // The order, types and initial values of the members are part of the binary interface.
   bool started_ = false;
   ovrant::utils::ovrant_ustring url_;
-  float inactivity_timeout_ = 30.0F;  // seconds, where the defaults set none
-  int redirect_limit_ = -1;           // -1: the library's; 0: redirects are responses
+  float inactivity_timeout_ = 30.0F;  // seconds, when the defaults set none
+  int redirect_limit_ = -1;           // -1: the library's limit; 0: redirects are responses
   ovrant::utils::ovrant_ustring reserved_texts_[4];
   unsigned char* received_data_ = nullptr;  // owned
   unsigned long received_data_length_ = 0;
   ovrant::utils::StringMap send_headers_;
   int status_code_ = 0;
   bool responded_ = false;
-  mutable ovrant::utils::StringMap received_headers_;  // without those in transfer_
+  mutable ovrant::utils::StringMap received_headers_;  // empty while transfer_ holds them
   std::shared_ptr<const RequestBody> send_data_;
   std::shared_ptr<TransferRecord> transfer_;
   [[maybe_unused]] bool reserved_flags_[2] = {false, true};

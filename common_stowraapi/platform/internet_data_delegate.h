@@ -11,21 +11,20 @@ namespace ovrant::internet {
 
 class DeliveryGate;
 
-// Says under which names the end of a background transfer is posted through
-// CNotificationCenter::Default(). For each transfer that is kept, exactly one of the two names is
-// posted, on the thread that runs completions (see InternetData::SetCompletionExecutor), with the
-// context pointer as payload.
+// Names the notifications for the end of a background transfer. For each transfer that is not
+// dropped, exactly one of the two names is posted through CNotificationCenter::Default(). The
+// payload is the context pointer. SetCompletionExecutor of InternetData decides on which thread.
 //
-// Owned by the caller, who may delete it at any moment of the transfer, before or after the
-// transport, and from inside the notification that it posts. Once its destructor has returned
-// nothing more is posted; a post under way on another thread has ended by then, unless the
-// destructor runs inside a delivery: then it does not wait. The destructor never waits for the
-// network.
+// The caller owns the delegate and may delete it at any moment of the transfer. The transport may
+// go before it or after it, and the notification that it posts may delete it. The destructor gives
+// the same guarantee as that of InternetData.
+//
+// One delegate may serve several transfers. The accessors may be called from any thread.
 class STOWRA_EXPORT InternetDataDelegate {
  public:
-  // The names must be valid as long as the delegate; a transfer takes copies of its own when it
-  // starts. The context pointer is handed on and never dereferenced; the message numbers are kept
-  // for the host.
+  // Both names must be non-null and outlive the delegate. A transfer copies them when it starts.
+  // `context` may be null and is never dereferenced. The message numbers are kept for the host.
+  // Throws std::bad_alloc when memory runs out.
   InternetDataDelegate(void* context, unsigned int returned_message,
                        const char* returned_notification, unsigned int failed_message,
                        const char* failed_notification);
@@ -49,7 +48,7 @@ class STOWRA_EXPORT InternetDataDelegate {
   const unsigned int failed_message_;
   const char* const failed_notification_;
 
-  // Closed by the destructor; shared with the transfers that are to post under these names.
+  // Closed by the destructor. Shared with the transfers that post these names.
   const std::shared_ptr<DeliveryGate> gate_;
 };
 

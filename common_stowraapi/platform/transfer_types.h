@@ -1,4 +1,4 @@
-// What a host sets for all transfers, and what it is told of each.
+// The settings of all transfers, and the events that a listener gets.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TRANSFER_TYPES_H_
 #define COMMON_STOWRAAPI_PLATFORM_TRANSFER_TYPES_H_
@@ -7,16 +7,17 @@
 
 namespace ovrant::internet {
 
-// Settings for every transfer of the process. A field at its default leaves the library's own
-// setting in force.
+// Settings for every transfer of the process (InternetData::SetDefaults). A field at its default
+// keeps the library's own setting.
 struct TransferDefaults {
-  // Seconds without progress, and seconds to connect, after which a transfer fails. 0: 30 seconds.
+  // A transfer fails after this many seconds without progress. Connecting has the same limit. A
+  // value that is not above 0, or not finite, means 30 seconds.
   float inactivity_timeout = 0;
 
-  // Bytes of decoded body beyond which a transfer fails. 0: 256 MiB.
+  // A transfer fails when its decoded body exceeds this many bytes. 0 means 256 MiB.
   unsigned long body_cap = 0;
 
-  // PEM file of the certificate authorities to trust instead of the system's.
+  // PEM file of the trusted certificate authorities. Empty: the system's authorities.
   ovrant::utils::ovrant_ustring ca_file;
 
   // "scheme://host:port". Empty: the proxy that the environment names, if any.
@@ -25,23 +26,23 @@ struct TransferDefaults {
   // Sent as User-Agent. Empty: none is sent.
   ovrant::utils::ovrant_ustring user_agent;
 
-  // Sent with each request; a header that a request sets itself wins.
+  // Sent with each request. A header of the same name that the request sets wins.
   ovrant::utils::StringMap extra_request_headers;
 };
 
-// One step of one transfer. The reference to it is valid for the call only.
+// One step of one transfer. The listener may use it only during the call.
 struct TransferEvent {
   enum class Kind { kStarted, kProgress, kEnded };
 
   Kind kind = Kind::kStarted;
 
-  // As the transfer was given it, before any redirect.
+  // The URL that the transfer was given, before any redirect.
   ovrant::utils::ovrant_ustring url;
 
-  // HTTP status, 0 until a response has begun.
+  // HTTP status, 0 until a response begins.
   int status = 0;
 
-  // Bytes of decoded body so far, and in all where the server has said it (else 0).
+  // Bytes of decoded body so far, and in all. The total is 0 when it is not known.
   unsigned long bytes_received = 0;
   unsigned long bytes_expected = 0;
 
@@ -49,7 +50,7 @@ struct TransferEvent {
   unsigned long bytes_sent = 0;
   unsigned long bytes_to_send = 0;
 
-  // kEnded: why no response was received. Empty when one was, whatever its status.
+  // At kEnded, the reason why no response was received. Empty when one was, whatever its status.
   ovrant::utils::ovrant_ustring error;
 };
 

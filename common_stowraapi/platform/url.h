@@ -8,17 +8,21 @@
 
 namespace ovrant::internet {
 
-// An absolute URL, of which the query part can be searched: what stands between the first '?' and
-// '#' or the end. Any text is accepted; one without a query has no parameters. Not thread-safe.
+// The query part of an absolute URL. It lies between the first '?' and the next '#', or the end.
+// Any text is accepted. A URL without a query has no parameters. Not thread-safe.
 class STOWRA_EXPORT URL {
  public:
+  // Throws std::bad_alloc when memory runs out.
   explicit URL(ovrant::utils::ovrant_ustring url);
 
-  // Finds the first parameter named `key`, as it is written in the URL (parameters are separated by
-  // '&', name and value by the first '='). True with its value in `value`: percent-decoded as
-  // UTF-8, "+" read as a space, empty if the parameter has none. A '%' without two hexadecimal
-  // digits stands for itself. False if there is no such parameter; `value` is then unchanged, as it
-  // is when memory runs out, which throws std::bad_alloc.
+  // Finds the first parameter named `key`, compared as the URL spells it. Parameters are separated
+  // by '&'. The first '=' separates name and value.
+  //
+  // True stores the value in `value`, decoded: "%XX" as a byte of UTF-8, "+" as a space. A '%'
+  // without two hexadecimal digits stands for itself. A parameter without '=' has the empty value.
+  //
+  // False when there is no such parameter. Throws std::bad_alloc when memory runs out. `value` is
+  // unchanged in both cases.
   bool getValueForExtraInfoKey(ovrant::utils::ovrant_ustring key,
                                ovrant::utils::ovrant_ustring& value);
 

@@ -8,7 +8,7 @@ namespace ovrant::internet {
 
 namespace {
 
-// Leaves a gate that has been entered, whichever way the scope is left.
+// Leaves an entered gate at the end of the scope.
 class GateLeaver {
  public:
   explicit GateLeaver(DeliveryGate& gate) : gate_(gate) {}
@@ -51,7 +51,7 @@ void BackgroundTransfer::Deliver() {
   if (!transport_gate_.Enter([this, &reply] { publish_(std::move(reply)); })) return;
   const GateLeaver leave_transport(transport_gate_);
 
-  // Either object may be deleted from here on.
+  // Transport and delegate may be deleted from here on.
   CNotificationCenter::Default()->SendNotification(name.c_str(), announcement_.context);
 }
 

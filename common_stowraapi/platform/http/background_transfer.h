@@ -1,4 +1,4 @@
-// One exchange in the background, and who is to hear of its end.
+// One transfer in the background, and the objects that it reports to.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_TRANSFER_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_TRANSFER_H_
@@ -15,7 +15,7 @@
 
 namespace ovrant::internet {
 
-// How a delegate wants the end of a transfer announced. The names are copies: the code that they
+// What a delegate posts at the end of a transfer. The names are copies, because the code that they
 // came from may be unloaded while the transfer runs.
 struct Announcement {
   void* context;
@@ -24,27 +24,27 @@ struct Announcement {
   std::shared_ptr<DeliveryGate> gate;  // closed when the delegate is destroyed
 };
 
-// Shared by the transport that it belongs to, the worker that runs it and the completion that is on
-// its way to the host. Transport and delegate may die at any moment: each closes its gate, and no
-// delivery passes a closed gate.
+// Shared by its transport, the worker that runs it and the completion that is queued for the host.
+// Transport and delegate may be deleted at any moment. Each closes its gate, and no delivery passes
+// a closed gate.
 class BackgroundTransfer final : public TransferRecord {
  public:
-  // `publish` stores the reply in the transport. It is called at most once, and not after Abandon
-  // has been called.
+  // `publish` stores the reply in the transport. It is called at most once, and never after Abandon
+  // has returned.
   BackgroundTransfer(HttpRequest&& request, std::shared_ptr<TransferListener> listener,
                      Announcement announcement, std::function<void(HttpReply)> publish);
 
-  // For the worker's thread alone.
+  // Worker's thread only.
   HttpExchange& exchange() { return exchange_; }
 
-  // Whether nobody is left to hear of the end. Safe from any thread.
+  // True when the transport or the delegate has closed its gate. Safe from any thread.
   bool IsAbandoned() const;
 
   bool Abandon() override;
 
-  // Stores the reply in the transport and posts the delegate's name for it. To be called once,
-  // after the exchange has ended; any thread. A second call does nothing. Passes on what an
-  // observer throws.
+  // Stores the reply in the transport and posts the delegate's name for it. Call it after the
+  // exchange has ended, on any thread. A second call does nothing. Exceptions from observers pass
+  // through.
   void Deliver();
 
  private:

@@ -18,8 +18,8 @@ namespace ovrant::internet {
 
 namespace {
 
-// The code that the thread runs must stay in the process. Where the linker can say so (-z
-// nodelete), it has.
+// Keeps this library loaded, because the thread runs its code. Only Apple systems need it:
+// elsewhere the linker option -z nodelete does that.
 void PinThisLibrary() {
 #if defined(__APPLE__)
   Dl_info info;
@@ -29,22 +29,22 @@ void PinThisLibrary() {
 #endif
 }
 
-// How long the process's exit waits for a host function that the thread is in.
+// How long process exit waits for the thread, which may be inside a host function.
 constexpr std::chrono::milliseconds kExitWait(500);
 
-// For how long memory waits for the next transfer.
+// How long freed body memory is kept for the next transfer.
 constexpr std::chrono::milliseconds kMemoryIsKept(1000);
 
-// Set once there is a worker, so that nobody makes one in order to tell it of nothing.
+// True from the moment the worker exists. Avoids creating the worker only to wake it.
 std::atomic<bool> worker_exists{false};
 
-// Whether this is the worker's thread, and it will look for what there is to do before it waits.
+// True on the worker's thread while it is certain to look for work before it waits.
 thread_local bool will_look = false;
 
 }  // namespace
 
-// Ends the thread when the process exits, before libcurl's and TLS's own static objects go: they
-// are older.
+// Stops the thread when the process exits. It is younger than the static objects of libcurl and of
+// the TLS library, so the thread is told to stop before they are destroyed.
 class BackgroundWorker::ExitGuard {
  public:
   explicit ExitGuard(BackgroundWorker& worker) : worker_(worker) {}
@@ -98,7 +98,8 @@ bool BackgroundWorker::Add(std::shared_ptr<BackgroundTransfer> transfer) {
 
 void BackgroundWorker::Stop() {
   {
-    // What the host's functions use may be gone already. A call under way is not waited for.
+    // The host's functions may use objects that are already destroyed. Exit does not wait for a
+    // call under way.
     const DeliveryScope no_wait;
     TransferSettings::Instance().listener().Replace(nullptr);
     TransferSettings::Instance().executor().Replace(nullptr);
@@ -107,7 +108,7 @@ void BackgroundWorker::Stop() {
   stopping_ = true;
   if (!thread_.joinable()) return;
   wake_.Wake();
-  // The thread may itself be the one that exits, from inside a delivery.
+  // The worker itself may call exit from inside a delivery.
   const bool may_join = thread_.get_id() != std::this_thread::get_id() &&
                         thread_ended_.wait_for(lock, kExitWait, [this] { return ended_; });
   lock.unlock();
@@ -150,7 +151,7 @@ void BackgroundWorker::WaitForEvents() {
   }
 }
 
-// False when the thread is to end.
+// Takes over what has been submitted. False when the thread must end.
 bool BackgroundWorker::TakeSubmitted() {
   const std::lock_guard<std::mutex> lock(mutex_);
   waiting_.splice(waiting_.end(), submitted_);
@@ -183,7 +184,7 @@ void BackgroundWorker::DropAbandoned() {
 
 void BackgroundWorker::CompleteEnded() {
   will_look = true;
-  // When the process ends while an observer is still running, it is the last one that is called.
+  // Once exit has begun, no further observer is called.
   while (!stopping_) {
     const HttpExchange* const exchange = loop_->NextEnded();
     if (exchange == nullptr) break;

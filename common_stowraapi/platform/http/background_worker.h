@@ -19,25 +19,26 @@
 
 namespace ovrant::internet {
 
-// One for the process: the first Submit starts its thread, the process's exit ends it, without
-// waiting for the network. Never destroyed, because objects of the host may outlive any moment at
-// which that could be done.
+// One for the process. The first Submit starts its thread. Process exit ends the thread without
+// waiting for the network. Never destroyed, because static destructors of the host may still use
+// it.
 class BackgroundWorker {
  public:
-  // Transfers at a time; the others wait for their turn, in order, and their time has not begun.
+  // Transfers that run at a time. The others wait in order, and their timeouts have not begun.
   static constexpr std::size_t kMaxActive = 100;
 
   // Queues `transfer`, which ends with a delivery unless it is abandoned. False when the process is
-  // exiting. std::bad_alloc, when there is no memory or no thread, queues nothing. Any thread.
+  // exiting. Throws std::bad_alloc when there is no memory or no thread, and queues nothing then.
+  // Any thread.
   static bool Submit(std::shared_ptr<BackgroundTransfer> transfer);
 
-  // Some transfer has been abandoned: the thread drops it soon. Any thread.
+  // Reports that a transfer has been abandoned. The worker drops it soon. Any thread.
   static void NoteAbandoned();
 
  private:
   class ExitGuard;
 
-  // A transfer with what completes it, made beforehand so that an end needs no memory.
+  // A transfer and its completion. The completion is made at the start, so an end needs no memory.
   struct Job {
     std::shared_ptr<BackgroundTransfer> transfer;
     std::function<void()> completion;
@@ -70,7 +71,7 @@ class BackgroundWorker {
   std::atomic<bool> has_abandoned_{false};
   WakePipe wake_;
 
-  // The thread's own.
+  // For the worker's thread only.
   std::unique_ptr<TransferLoop> loop_;
   std::list<Job> waiting_;
   std::vector<Job> active_;

@@ -1,4 +1,4 @@
-// Bytes that arrive piece by piece.
+// A buffer for bytes that arrive piece by piece.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_BODY_BUFFER_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_BODY_BUFFER_H_
@@ -9,8 +9,8 @@
 
 namespace ovrant::internet {
 
-// A growing run of bytes in BodyMemory, which grows by realloc: large ones move without being
-// copied where the system can do that. std::bad_alloc leaves it as it was.
+// A growing array of bytes in BodyMemory. It grows by realloc, which moves large blocks without
+// copying where the system can. A call that throws std::bad_alloc changes nothing.
 class BodyBuffer {
  public:
   const unsigned char* data() const { return data_.get(); }
@@ -18,17 +18,18 @@ class BodyBuffer {
 
   void Append(const void* data, std::size_t length);
 
-  // Room for `length` bytes at the end, to be written by the caller and then counted by Grow; valid
-  // until the next call.
+  // Returns room for `length` bytes at the end, valid until the next call. The caller writes there
+  // and then counts the bytes with Grow.
   unsigned char* Room(std::size_t length);
   void Grow(std::size_t length) { size_ += length; }
 
-  // Makes later growth up to `capacity` bytes cheap. Untouched memory costs nothing but addresses.
+  // Makes later growth up to `capacity` bytes cheap. Untouched memory costs only address space.
   void Reserve(std::size_t capacity);
 
   void Clear();
 
-  // Hands the bytes to the caller, who frees them with BodyMemory::Free. Null when there are none.
+  // Hands the bytes to the caller, who frees them with BodyMemory::Free. Null when the buffer is
+  // empty.
   unsigned char* Release();
 
  private:

@@ -11,15 +11,15 @@ namespace ovrant::internet {
 
 namespace {
 
-// Smaller pieces cost little, and of larger ones too few fit.
+// Smaller pieces are cheap to get, and few larger ones would fit.
 constexpr std::size_t kSmallestKept = std::size_t{32} << 10;
 constexpr std::size_t kLargestKept = std::size_t{256} << 10;
 constexpr std::size_t kMostKept = 64;
 
-// A piece serves for a body that fills at least this part of it.
+// A kept piece is used for a body that fills at least this part of it: one half.
 constexpr std::size_t kLeastFilled = 2;
 
-// Stands before the bytes of a piece.
+// Stored before the bytes of a piece.
 struct alignas(std::max_align_t) Head {
   std::size_t capacity;
 };
@@ -43,8 +43,8 @@ bool IsKeptSize(std::size_t capacity) {
 
 class KeptPieces {
  public:
-  // Never destroyed, so that it also serves static destructors; and it needs no memory, because to
-  // free some must not fail.
+  // Never destroyed, so static destructors can use it. Needs no memory of its own, because freeing
+  // must not fail.
   static KeptPieces& Instance() {
     alignas(KeptPieces) static std::byte place[sizeof(KeptPieces)];
     static auto* const pieces = new (place) KeptPieces;

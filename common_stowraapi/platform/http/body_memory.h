@@ -8,23 +8,25 @@
 
 namespace ovrant::internet {
 
-// Pieces of memory from malloc that know their size. While many transfers follow each other, what
-// one frees is kept for the next: the system takes freed memory back, and to get it again costs
-// more than to fill it. Safe from any thread.
+// Pieces of memory from malloc that know their size. While transfers follow one another, freed
+// pieces are kept for the next body. The system would take them back, and to get them again costs
+// more than to fill them. Safe from any thread.
 class BodyMemory {
  public:
-  // `capacity` bytes or more; null when there is no memory.
+  // Returns `capacity` bytes or more. Null when memory runs out.
   static unsigned char* Allocate(std::size_t capacity);
 
-  // Makes a piece larger, which may move it. Null when there is no memory: it stays as it was.
+  // Makes a piece larger, which may move it. Null when memory runs out, and `piece` is unchanged
+  // then.
   static unsigned char* Enlarge(unsigned char* piece, std::size_t capacity);
 
-  // Null does nothing.
+  // `piece` may be null.
   static void Free(unsigned char* piece);
 
   static std::size_t CapacityOf(const unsigned char* piece);
 
-  // Whether pieces of middling size are kept from now on, 16 MiB at most. At first they are not.
+  // Turns the keeping of freed medium-sized pieces on or off. At most 16 MiB are kept. Off at
+  // first.
   static void KeepFreed(bool keep);
 };
 

@@ -34,7 +34,7 @@ std::string_view ChunkDecoder::Next(std::string_view& encoded) {
   return {};
 }
 
-// A line feed alone ends a line, too.
+// A bare line feed also ends a line.
 void ChunkDecoder::Take(char c) {
   switch (part_) {
     case Part::kSize:

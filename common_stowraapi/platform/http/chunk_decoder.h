@@ -8,15 +8,16 @@
 
 namespace ovrant::internet {
 
-// Takes the coding off one body and knows its end. There is one here because libcurl does not tell
-// an end of the body from an end of the connection while it sends. For one thread at a time.
+// Decodes one chunked body and finds its end. During an upload libcurl does not tell the end of the
+// body from the end of the connection, so the transport decodes such bodies itself. For one thread
+// at a time.
 class ChunkDecoder {
  public:
-  // The next piece of the body in `encoded`, which begins behind it afterwards. Empty when there is
-  // none in all of it; then `encoded` is empty.
+  // Returns the next piece of the body and removes it from `encoded`. When `encoded` holds no more
+  // of the body, the piece and `encoded` are empty.
   std::string_view Next(std::string_view& encoded);
 
-  // Whether the last chunk and its trailer have come. Never where the coding is broken.
+  // True after the last chunk and its trailer section. Never true when the coding is broken.
   bool AtEnd() const { return part_ == Part::kEnd; }
 
  private:

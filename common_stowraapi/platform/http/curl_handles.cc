@@ -25,7 +25,7 @@ void HeaderListDeleter::operator()(void* list) const {
 }
 
 void EnsureCurl() {
-  // What has failed is tried again by the next call.
+  // After a failure the next call tries again.
   [[maybe_unused]] static const bool is_done = [] {
     if (curl_global_init(CURL_GLOBAL_ALL) != CURLE_OK) throw std::bad_alloc();
     return true;

@@ -1,4 +1,4 @@
-// libcurl's handles, owned. They are untyped here: only source files include libcurl.
+// Owners of libcurl's handles. They are untyped, because only source files include libcurl.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_CURL_HANDLES_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_CURL_HANDLES_H_
@@ -17,26 +17,33 @@ struct HeaderListDeleter {
   void operator()(void* list) const;
 };
 
-using EasyHandle = std::unique_ptr<void, EasyDeleter>;        // CURL
-using MultiHandle = std::unique_ptr<void, MultiDeleter>;      // CURLM; after its easy handles
+using EasyHandle = std::unique_ptr<void, EasyDeleter>;    // CURL
+using MultiHandle = std::unique_ptr<void, MultiDeleter>;  // CURLM, destroyed after its easy handles
 using HeaderList = std::unique_ptr<void, HeaderListDeleter>;  // curl_slist
 
-// Sets libcurl up, once for the process; before any handle is made.
+// Initialises libcurl once for the process. Call it before making any handle. Throws std::bad_alloc
+// on failure.
 void EnsureCurl();
 
-// Before 8.1.1 libcurl keeps a pointer to the last header of an easy handle's transfer, which it
-// frees, and follows it in the next one when the first header line there begins with a blank, as if
-// it continued one. kGuarded: a version that is known to show each line (CURLOPT_DEBUGFUNCTION)
-// before it takes it, and to take nothing of a transfer that is paused by then.
+// Whether an easy handle may make another transfer.
+//
+// Before 8.1.1 libcurl keeps a pointer to the last header of a transfer and frees that header. If
+// the first header line of the next transfer begins with a blank, libcurl takes it for a
+// continuation. It then follows the pointer.
+//
+//   kFree:    the version has no such fault.
+//   kGuarded: the version shows each line before it takes it (CURLOPT_DEBUGFUNCTION). It takes
+//             nothing of a transfer that is paused by then.
+//   kNever:   all other versions.
 enum class EasyReuse { kFree, kGuarded, kNever };
 
-// Whether, in the version that runs, an easy handle may make another transfer.
+// The answer for the libcurl in use.
 EasyReuse HowToReuseEasyHandles();
 
-// Whether libcurl shows the messages of TLS (CURLOPT_DEBUGFUNCTION), as it does with OpenSSL.
+// Whether CURLOPT_DEBUGFUNCTION gets the messages of TLS. It does when libcurl uses OpenSSL.
 bool ShowsTlsMessages();
 
-// std::bad_alloc when there is no memory.
+// These throw std::bad_alloc when memory runs out.
 EasyHandle MakeEasyHandle();
 MultiHandle MakeMultiHandle();
 void AppendHeaderLine(const char* line, HeaderList& list);

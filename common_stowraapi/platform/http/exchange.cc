@@ -13,7 +13,7 @@ namespace ovrant::internet {
 
 namespace {
 
-// A length that a server announces is believed up to here before the bytes have come.
+// The most memory that is reserved for an announced length.
 constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
 
 constexpr char kNoMemory[] = "out of memory";
@@ -25,7 +25,7 @@ constexpr char kHttps[] = "https:";
 constexpr int kFirstRedirect = 300;
 constexpr int kLastRedirect = 399;
 
-// libcurl's callbacks. The last argument, or the first, is the exchange.
+// libcurl's callbacks. The first or the last argument is the exchange.
 
 HttpExchange& ExchangeAt(void* exchange) { return *static_cast<HttpExchange*>(exchange); }
 
@@ -80,7 +80,7 @@ bool HttpExchange::Begin(void* easy) noexcept {
   return refused_ == nullptr;
 }
 
-// None of these needs memory: they cannot fail.
+// These options need no memory, so they cannot fail.
 void HttpExchange::SetCallbacks() {
   curl_easy_setopt(easy_, CURLOPT_HEADERFUNCTION, OnHeader);
   curl_easy_setopt(easy_, CURLOPT_HEADERDATA, this);
@@ -95,11 +95,11 @@ void HttpExchange::SetCallbacks() {
   if (listener_ != nullptr && request_.is_upload) WatchProgress();
 }
 
-// From now on, and for the rest of the transfer, OnReceived and OnSent are called.
+// From now on libcurl calls OnReceived and OnSent.
 void HttpExchange::WatchProgress() { curl_easy_setopt(easy_, CURLOPT_NOPROGRESS, 0L); }
 
-// A handle counts how often it has repeated a request because a kept connection closed, and gives
-// up after a few; it does not begin anew with its next transfer, only when it is reset.
+// libcurl repeats a request when a kept connection closes, and gives up after a few times. A handle
+// keeps that count until it is reset.
 bool HttpExchange::Release() noexcept {
   LookAhead(false);
   WatchTls(false);
@@ -151,15 +151,16 @@ bool HttpExchange::OnHeaderLine(std::string_view line) noexcept {
   return refused_ == nullptr;
 }
 
-// libcurl must not take a continuation of nothing (EasyReuse), and does not once it is paused.
+// Headers that begin with a continuation are dangerous (EasyReuse). libcurl does not take the line
+// once the transfer is paused.
 void HttpExchange::OnHeaderLineAhead(std::string_view line) noexcept {
   if (!looks_ahead_ || !BeginsWithBlank(line)) return;
-  Refuse("the response's headers begin with a continuation");
+  Refuse("the response's headers begin with a continuation line");
   curl_easy_pause(easy_, CURLPAUSE_RECV);
 }
 
 void HttpExchange::OnTlsMessage(std::string_view message) noexcept {
-  // An alert (RFC 8446, 6) of two bytes; no other message is as short.
+  // An alert (RFC 8446, 6) has two bytes. No other message is as short.
   constexpr char kCloseNotify = 0;
   tls_ended_ = tls_ended_ || (message.size() == 2 && message[1] == kCloseNotify);
 }
@@ -176,7 +177,7 @@ bool HttpExchange::OnBody(const void* data, std::size_t length) noexcept {
 bool HttpExchange::OnConnected() noexcept {
   NoteProgress();
   ++requests_;
-  // libcurl follows a redirect though it broke off.
+  // libcurl follows a redirect even if its headers break off.
   if (head_.status() != 0 && !head_.complete()) Refuse(kHeadersBreakOff);
   awaits_response_ = true;
   const char* url = nullptr;
@@ -205,7 +206,7 @@ void HttpExchange::TakeHeaderLine(std::string_view line) {
   if (head_.at_beginning()) {
     awaits_response_ = false;
     if (WillFollowRedirect()) {
-      WatchProgress();  // its body is thrown away and not handed over
+      WatchProgress();  // libcurl discards its body without OnBody
       WatchTls(true);   // it may lead to https
     }
     tls_ended_ = false;
@@ -223,14 +224,14 @@ void HttpExchange::TakeHeaderLine(std::string_view line) {
   LookAhead(!has_field_);
 }
 
-// Wanted between the first status line and the first header field of a transfer.
+// Needed between the first status line and the first header field of a transfer.
 void HttpExchange::LookAhead(bool wanted) {
   if (wanted == looks_ahead_ || HowToReuseEasyHandles() != EasyReuse::kGuarded) return;
   looks_ahead_ = wanted;
   AskToBeShown();
 }
 
-// Wanted from before a TLS connection is made, for all its transfers.
+// Needed from before a TLS connection is made, for all its transfers.
 void HttpExchange::WatchTls(bool wanted) {
   if (wanted == watches_tls_ || !ShowsTlsMessages()) return;
   watches_tls_ = wanted;
@@ -279,7 +280,7 @@ void HttpExchange::Decode(const void* data, std::size_t length) {
     case GzipDecoder::Result::kOk:
       break;
     case GzipDecoder::Result::kCorrupt:
-      Refuse("the response's gzip encoding is corrupt");
+      Refuse("the response's gzip stream is corrupt");
       break;
     case GzipDecoder::Result::kTooLarge:
       Refuse(kTooLarge);
@@ -309,8 +310,8 @@ bool HttpExchange::IsReplyWhole() const {
          !IsCutOff();
 }
 
-// A body that ends with its connection ends there only if TLS says so (RFC 9112, 9.8): anybody can
-// close the connection below it. libcurl does not insist on that with every OpenSSL.
+// A body that ends with its connection is whole only if TLS has said so (RFC 9112, 9.8). Anyone on
+// the path can close the connection below TLS. libcurl does not check that with every OpenSSL.
 bool HttpExchange::IsCutOff() const {
   if (!watches_tls_ || !was_https_ || tls_ended_) return false;
   if (head_.HasNoBody() || head_.is_chunked() || head_.content_length()) return false;
@@ -332,7 +333,7 @@ const char* HttpExchange::WhyNotReceived(int curl_code) const {
                                     : curl_easy_strerror(static_cast<CURLcode>(curl_code));
   }
   if (head_.complete() && IsCutOff()) return "the connection closed inside the response's body";
-  return head_.complete() ? "the response's gzip encoding breaks off" : kHeadersBreakOff;
+  return head_.complete() ? "the response's body is truncated" : kHeadersBreakOff;
 }
 
 void HttpExchange::Tell(TransferEvent::Kind kind, const char* error) noexcept {
@@ -348,7 +349,8 @@ void HttpExchange::Tell(TransferEvent::Kind kind, const char* error) noexcept {
     event.bytes_to_send = request_.body ? request_.body->size() : 0;
     event.error = error;
     listener_->Call(event);
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the transfer goes on untold
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the transfer goes on without
+                                     // this event
   }
 }
 

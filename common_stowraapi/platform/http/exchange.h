@@ -1,4 +1,4 @@
-// One HTTP request on its way to a reply.
+// One HTTP request on the way to its reply.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_
@@ -22,32 +22,37 @@
 
 namespace ovrant::internet {
 
-// Decides what the outcome of a transfer is. It sets an easy handle up for its request, takes what
-// arrives while somebody else (TransferLoop) drives the handle, and turns it into a reply. Refuses
-// what libcurl lets pass: a connection that closes inside the headers, a truncated gzip stream, a
-// body beyond the cap, an encoding that was not offered, a redirect away from https.
+// Runs one request on an easy handle and decides its outcome. TransferLoop drives the handle. The
+// exchange sets the options, takes what arrives and makes the reply.
 //
-// For one thread at a time. Nothing throws into libcurl.
+// libcurl accepts some replies that the exchange refuses:
+//   - The connection closes inside the headers.
+//   - A gzip stream is truncated.
+//   - The body exceeds the cap.
+//   - The encoding was not offered.
+//   - A redirect leads from https to http.
+//
+// For one thread at a time. No exception reaches libcurl.
 class HttpExchange {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // `listener`, if any, is told of the start, progress and end.
+  // `listener` may be null. It gets the start, the progress and the end.
   HttpExchange(HttpRequest&& request, std::shared_ptr<TransferListener> listener);
 
   HttpExchange(const HttpExchange&) = delete;
   HttpExchange& operator=(const HttpExchange&) = delete;
 
-  // Sets every option of `easy`, which is fresh, reset or prepared and stays the caller's, and
-  // starts the clock. False when the request cannot be made: End follows.
+  // Sets the options of `easy` and starts the clock. The handle is fresh, reset or prepared, and
+  // stays the caller's. False when the request cannot be made. The caller then calls End.
   bool Begin(void* easy) noexcept;
 
-  // Lets go of the handle, whose transfer is over. False when it has to be reset before another
-  // exchange uses it: after a failure it always is.
+  // Lets go of the handle after its transfer. False when the handle must be reset before another
+  // exchange uses it. That is always so after a failure.
   bool Release() noexcept;
 
-  // Ends the exchange with libcurl's result for it, or as dropped, failed or timed out. Only the
-  // first counts.
+  // End the exchange by libcurl's result, as dropped, as failed or as timed out. Only the first
+  // call counts.
   void End(int curl_code) noexcept;
   void EndDropped() noexcept;
   void EndFailed(const char* why) noexcept;
@@ -55,40 +60,40 @@ class HttpExchange {
 
   bool ended() const { return ended_; }
 
-  // Whether a failure is certain, and nothing more is to be waited for.
+  // True when a failure is certain, so waiting is useless.
   bool is_refused() const { return refused_ != nullptr; }
 
-  // REQUIRES: ended().
+  // Requires ended().
   HttpReply TakeReply() { return std::move(reply_); }
 
-  // Bytes have moved in either direction since the last Settle, which says when that was.
+  // Bytes have moved in either direction. The next Settle records the time.
   void NoteProgress() { has_progressed_ = true; }
   void Settle(Clock::time_point now) {
     if (has_progressed_) last_progress_ = now;
     has_progressed_ = false;
   }
 
-  // What the system still holds of the upload: progress when it is less than before.
+  // Notes how many bytes of the upload the system still holds. A smaller number is progress.
   void NoteUnsent(std::size_t bytes);
 
   bool is_upload() const { return request_.is_upload && request_.body != nullptr; }
 
-  // When the exchange times out unless there is progress, by what has been settled.
+  // The time at which the exchange times out, unless more progress is settled.
   Clock::time_point deadline() const { return last_progress_ + request_.inactivity_timeout; }
 
-  // Whether the whole reply is here though the upload has not ended, so that nothing more is to be
-  // waited for. `receiving_is_done`: libcurl has read all that it means to read.
+  // True when the whole reply has arrived before the end of the upload. `receiving_is_done` says
+  // that libcurl has read all that it will read.
   bool IsAnsweredEarly(bool receiving_is_done) const;
 
-  // What libcurl reports. False refuses the transfer.
+  // Events from libcurl. False refuses the transfer.
   bool OnHeaderLine(std::string_view line) noexcept;
   bool OnBody(const void* data, std::size_t length) noexcept;
   bool OnConnected() noexcept;
   void OnSent(std::size_t bytes_in_all) noexcept;
   bool OnReceived(std::size_t bytes_of_body) noexcept;
 
-  // A header line that libcurl is about to take, and a message of TLS from the server. Only told of
-  // where one of them matters.
+  // A header line before libcurl takes it, and a TLS message from the server. Called only while
+  // AskToBeShown has asked for them.
   void OnHeaderLineAhead(std::string_view line) noexcept;
   void OnTlsMessage(std::string_view message) noexcept;
 
@@ -119,12 +124,12 @@ class HttpExchange {
   bool has_progressed_ = false;
 
   ResponseHead head_;
-  std::optional<ChunkDecoder> chunks_;  // where libcurl is told to leave them to this
+  std::optional<ChunkDecoder> chunks_;  // set when libcurl leaves chunks undecoded
   std::optional<GzipDecoder> gzip_;
   bool looks_ahead_ = false;
   bool watches_tls_ = false;
-  bool is_shown_ = false;   // libcurl shows what goes over the connection
-  bool tls_ended_ = false;  // the server has said that its direction ends
+  bool is_shown_ = false;   // libcurl calls CURLOPT_DEBUGFUNCTION
+  bool tls_ended_ = false;  // the server has sent close_notify
   bool has_line_ = false;
   bool has_field_ = false;
   std::size_t encoded_bytes_ = 0;
@@ -132,8 +137,8 @@ class HttpExchange {
   std::size_t unsent_bytes_ = 0;
   const char* refused_ = nullptr;
   bool was_https_ = false;
-  bool awaits_response_ = false;  // a request has been made since the last response began
-  int requests_ = 0;  // made by libcurl for this one: more where it follows redirects, or repeats
+  bool awaits_response_ = false;  // a request has gone out since the last response began
+  int requests_ = 0;              // by libcurl, which follows redirects and repeats requests
   bool began_ = false;
   bool ended_ = false;
   HttpReply reply_;

@@ -19,18 +19,18 @@ namespace {
 constexpr char kSchemes[] = "http,https";
 constexpr char kOfferedEncoding[] = "Accept-Encoding: gzip";
 
-// The private pointer of a handle that has the options which are the same for all exchanges.
+// The private pointer of a handle on which PrepareForExchange has set the common options.
 constexpr char kPrepared[] = "prepared";
 
 constexpr long kReceiveBufferSize = 64L << 10;
 
-// A program that the host starts does not inherit the connection.
+// Programs that the host starts must not inherit the connection.
 int OnSocket(void* /*client*/, curl_socket_t socket, curlsocktype /*purpose*/) {
   fcntl(socket, F_SETFD, FD_CLOEXEC);
   return CURL_SOCKOPT_OK;
 }
 
-// Sets options one after the other and remembers the first that failed.
+// Sets options in turn and remembers the first failure.
 class EasyOptions {
  public:
   explicit EasyOptions(CURL* easy) : easy_(easy) {}
@@ -54,7 +54,7 @@ bool HasScheme(std::string_view url) {
   return StartsWithIgnoringCase(url, "http://") || StartsWithIgnoringCase(url, "https://");
 }
 
-// The transport frames the body itself.
+// The transport sets these headers itself.
 bool IsOwnHeader(std::string_view name) {
   return EqualsIgnoringCase(name, "Content-Length") ||
          EqualsIgnoringCase(name, "Transfer-Encoding");
@@ -62,13 +62,13 @@ bool IsOwnHeader(std::string_view name) {
 
 const char* AppendHeader(const std::string& name, const std::string& value, HeaderList& list) {
   if (!IsHeaderName(name) || !IsHeaderValue(value)) return "a request header cannot be sent";
-  // libcurl's spelling of a header without a value, which would otherwise take the header out.
+  // libcurl sends "Name;" as a header without a value. "Name:" would remove the header.
   const bool is_empty = TrimHeaderText(value).empty();
   AppendHeaderLine((is_empty ? name + ";" : name + ": " + value).c_str(), list);
   return nullptr;
 }
 
-// The header lines of a download for which none is set.
+// The header lines of a download with default headers.
 curl_slist* PlainHeaders() {
   static const HeaderList* const list = [] {
     auto made = std::make_unique<HeaderList>();
@@ -99,7 +99,7 @@ const char* MakeHeaderList(const HttpRequest& request, HeaderList& list) {
   if (!has_agent && !request.user_agent.empty()) {
     if (const char* why = AppendHeader("User-Agent", request.user_agent, list)) return why;
   }
-  // What libcurl would add by itself is taken out by a name without a value.
+  // A name without a value keeps libcurl from adding that header.
   if (!has_encoding) AppendHeaderLine(kOfferedEncoding, list);
   if (request.is_upload && !has_type) AppendHeaderLine("Content-Type:", list);
   if (request.is_upload && !has_expect) AppendHeaderLine("Expect:", list);
@@ -117,7 +117,7 @@ void SetSafety(EasyOptions& options) {
 
 void SetConnection(EasyOptions& options) {
   options.Set(CURLOPT_NOSIGNAL, 1L);
-  // A transfer that is dropped while a name is looked up does not wait for the look-up's thread.
+  // Dropping a transfer does not wait for the thread that looks up its name.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
   options.Set(CURLOPT_TCP_KEEPALIVE, 1L);
   options.Set(CURLOPT_BUFFERSIZE, kReceiveBufferSize);
@@ -134,7 +134,7 @@ void SetDefaults(const HttpRequest& request, EasyOptions& options) {
   options.SetUnlessEmpty(CURLOPT_PROXY, request.proxy);
 }
 
-// GET is what a prepared handle does by itself.
+// A prepared handle makes a GET by default.
 void SetBody(const HttpRequest& request, EasyOptions& options) {
   if (!request.is_upload) return;
   options.Set(CURLOPT_POST, 1L);

@@ -1,4 +1,4 @@
-// The options under which libcurl makes a transfer.
+// The libcurl options of a transfer.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_OPTIONS_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_OPTIONS_H_
@@ -11,26 +11,28 @@
 
 namespace ovrant::internet {
 
-// Bytes that libcurl may write of an error's text.
+// The size of the buffer for libcurl's error text.
 inline constexpr std::size_t kErrorBufferSize = 256;
 
-// Sets the options of `easy`, which is fresh, reset or prepared, for `request`. libcurl writes what
-// went wrong into `error_buffer`. `request`, `error_buffer` and what is put into `headers` must
-// outlive the transfer. Null, or why the request cannot be made (a text that is never freed).
-// std::bad_alloc when there is no memory.
+// Sets the options of `easy` for `request`. The handle is fresh, reset or prepared. libcurl writes
+// the reason of a failure into `error_buffer`. `request`, `error_buffer` and `headers` must outlive
+// the transfer.
+//
+// Returns null, or a static text that says why the request cannot be made. Throws std::bad_alloc
+// when memory runs out.
 const char* SetExchangeOptions(const HttpRequest& request,
                                std::array<char, kErrorBufferSize>& error_buffer, void* easy,
                                HeaderList& headers);
 
-// Sets those options of `easy`, which is fresh or reset, that are the same for all exchanges, so
-// that SetExchangeOptions finds them done. The result is as there.
+// Sets the options of `easy` that are the same for all exchanges. The handle is fresh or reset.
+// SetExchangeOptions skips these options afterwards. Returns and throws as SetExchangeOptions does.
 const char* PrepareForExchange(void* easy);
 
-// Whether libcurl hands the chunked bodies of the responses to `request` over as they come.
+// Whether libcurl leaves chunked bodies of the responses to `request` undecoded.
 bool LeavesChunksHere(const HttpRequest& request);
 
-// Undoes what SetExchangeOptions did for `request` on `easy`, whose transfer is over, as far as
-// another SetExchangeOptions would not. False when that takes a reset of the handle.
+// Undoes SetExchangeOptions for `request` on `easy`, after the transfer. Keeps what the next call
+// sets anyway. False when only a reset of the handle can undo the rest.
 bool ReleaseFromExchange(const HttpRequest& request, void* easy);
 
 }  // namespace ovrant::internet

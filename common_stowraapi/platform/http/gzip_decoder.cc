@@ -12,12 +12,12 @@ namespace ovrant::internet {
 
 namespace {
 
-// Added to the window size, it asks zlib for gzip alone.
+// Added to the window size, it makes zlib accept gzip only.
 constexpr int kGzipOnly = 16;
 
 constexpr std::size_t kOutputStep = std::size_t{64} << 10;
 
-// zlib counts in unsigned int.
+// zlib takes lengths as unsigned int.
 constexpr std::size_t kLargestInput = std::size_t{1} << 30;
 
 }  // namespace
@@ -37,7 +37,7 @@ GzipDecoder::Result GzipDecoder::Decode(const void* data, std::size_t length, st
     if (at_end_) inflateReset(stream_.get());
     at_end_ = false;
 
-    // One byte of room beyond the cap tells a body that fits exactly from one that does not.
+    // One byte of room beyond the cap shows whether the body exceeds it.
     const std::size_t room = std::min(kOutputStep, cap - out.size() + (cap < SIZE_MAX ? 1 : 0));
     const std::size_t input = std::min(length, kLargestInput);
     stream_->next_in = next;
@@ -53,7 +53,7 @@ GzipDecoder::Result GzipDecoder::Decode(const void* data, std::size_t length, st
     out.Grow(room - stream_->avail_out);
     if (out.size() > cap) return Result::kTooLarge;
     at_end_ = status == Z_STREAM_END;
-    // Z_BUF_ERROR: all input used and no more output, which is no error.
+    // Z_BUF_ERROR only says that all input is used and no output is left.
     if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) return Result::kCorrupt;
     output_full = !at_end_ && stream_->avail_out == 0;
   }

@@ -12,25 +12,27 @@ namespace ovrant::internet {
 
 class BodyBuffer;
 
-// Decodes one gzip stream, of one or more members, while it arrives.
+// Decodes one gzip stream of one or more members while it arrives.
 class GzipDecoder {
  public:
   enum class Result { kOk, kCorrupt, kTooLarge };
 
-  // std::bad_alloc when there is no memory for it.
+  // Throws std::bad_alloc when memory runs out.
   GzipDecoder();
   ~GzipDecoder();
 
   GzipDecoder(const GzipDecoder&) = delete;
   GzipDecoder& operator=(const GzipDecoder&) = delete;
 
-  // Decodes the next `length` bytes to the end of `out`. kTooLarge as soon as `out` would exceed
-  // `cap` bytes; kCorrupt for anything that is not gzip, wrong check sums among it. The decoder is
-  // of no use after either. std::bad_alloc when there is no memory.
+  // Decodes the next `length` bytes and appends the result to `out`. Throws std::bad_alloc when
+  // memory runs out. After any result but kOk the decoder cannot be used again.
+  //
+  //   kTooLarge: `out` would exceed `cap` bytes.
+  //   kCorrupt:  the data is not gzip, or a checksum is wrong.
   Result Decode(const void* data, std::size_t length, std::size_t cap, BodyBuffer& out);
 
-  // Whether the stream may end here: after a whole member, or before the first byte (a response may
-  // announce the encoding and have no body).
+  // True when the stream may end here: after a whole member, or before the first byte. A response
+  // may announce gzip and have no body.
   bool AtEnd() const { return at_end_; }
 
  private:

@@ -11,7 +11,7 @@ using ovrant::utils::StringMap;
 
 namespace {
 
-// What a common response's fields take.
+// The fields of a typical response fit in this size.
 constexpr std::size_t kCommonSize = 500;
 
 ovrant_ustring ToText(std::string_view bytes) { return ovrant_ustring(bytes.data(), bytes.size()); }

@@ -10,17 +10,20 @@
 
 namespace ovrant::internet {
 
-// Keeps the lines as they came. Few transfers are asked for them, so the map is made for those
-// alone.
+// Keeps the lines as they came. The map is made on request, because few callers read it.
 class HeaderFields {
  public:
   bool empty() const { return lines_.empty(); }
 
-  // Takes the next line, which is not empty and holds no line feed but at its end.
+  // Adds the next line. It must not be empty, and a line feed may only be its last character.
   void AddLine(std::string_view line);
 
-  // Names as they were spelt; the values of a repeated one joined by ", ". A line that begins with
-  // a blank continues the value before it, behind a space. What has no colon is left out.
+  // Makes a map by these rules:
+  //
+  //   - Names are spelt as they came.
+  //   - Values of a repeated name are joined by ", ".
+  //   - A line that begins with a blank continues the value before it, after a space.
+  //   - A line without a colon is left out.
   ovrant::utils::StringMap ToMap() const;
 
  private:

@@ -23,10 +23,11 @@ using ovrant::utils::StringMap;
 
 namespace {
 
-// Longer than any transfer, and what the clock can add to any moment.
+// Longer than any transfer, and small enough to add to any clock time.
 constexpr float kLongestTimeout = 1e6F;
 
-// Header names are equal whatever their letter case. std::bad_alloc changes nothing.
+// Sets a header and replaces that name in any letter case. A call that throws std::bad_alloc
+// changes nothing.
 void SetHeader(const ovrant_ustring& name, const ovrant_ustring& value, StringMap& headers) {
   StringMap added;
   added.emplace(name, value);
@@ -36,12 +37,12 @@ void SetHeader(const ovrant_ustring& name, const ovrant_ustring& value, StringMa
   headers.merge(added);
 }
 
-// What an observer throws is its own affair, as on the transport's thread.
+// Exceptions from observers are swallowed, as on the transport's thread.
 void PostFailure(const InternetDataDelegate& delegate) {
   try {
     CNotificationCenter::Default()->SendNotification(delegate.failed_notification(),
                                                      delegate.context());
-  } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody to pass it to
+  } catch (...) {  // NOLINT(bugprone-empty-catch): no caller expects it
   }
 }
 
@@ -164,7 +165,7 @@ bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upl
   }
 }
 
-// Want of memory makes a failure of the transfer.
+// If memory runs out, the transfer fails.
 void InternetData::CopyReceivedHeaders(StringMap& copy) {
   try {
     copy = received_headers();

@@ -14,7 +14,7 @@
 
 namespace ovrant::internet {
 
-// Bytes to upload, shared by the transport that was given them and the transfers that send them.
+// Bytes to upload, shared by the transport that holds them and the transfers that send them.
 class RequestBody {
  public:
   RequestBody(const unsigned char* data, std::size_t length)
@@ -34,18 +34,18 @@ struct HttpRequest {
   ovrant::utils::ovrant_ustring url;
   ovrant::utils::StringMap headers;
   bool is_upload = false;
-  std::shared_ptr<const RequestBody> body;  // null: empty
+  std::shared_ptr<const RequestBody> body;  // null when empty
 
-  std::chrono::milliseconds inactivity_timeout{0};  // above 0
+  std::chrono::milliseconds inactivity_timeout{0};  // must be above 0
   std::size_t body_cap = kDefaultBodyCap;
-  int redirect_limit = kDefaultRedirectLimit;  // 0: a redirect is the reply
+  int redirect_limit = kDefaultRedirectLimit;  // 0 makes a redirect the reply
   std::string ca_file;
   std::string proxy;
   std::string user_agent;
 };
 
 struct HttpReply {
-  // Whether a whole reply came; what else is known of it otherwise is its status.
+  // True when a whole reply came. If not, only the status is meaningful.
   bool received = false;
   int status = 0;
   HeaderFields headers;

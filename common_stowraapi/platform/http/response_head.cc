@@ -24,7 +24,7 @@ bool FramesBody(std::string_view name) {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// 0 unless a version, spaces and a status of three digits are there.
+// Returns 0 unless the line has a version, spaces and a status of three digits.
 int ReadStatus(std::string_view line) {
   const std::string_view version = line.substr(kStatusLineStart.size());
   if (version.empty() || !IsDigit(version.front())) return 0;
@@ -54,7 +54,7 @@ const char* ResponseHead::AddLine(std::string_view line) {
   at_beginning_ = begins_response;
   bytes_ += line.size();
   if (bytes_ > kMaxBytes) return kTooLong;
-  if (begins_response && status_ == 0) return "the response's status line is none";
+  if (begins_response && status_ == 0) return "the response's status line is malformed";
   if (begins_response || complete_) return nullptr;
   if (std::all_of(line.begin(), line.end(), IsHeaderBlank)) {
     complete_ = status_ >= kFirstFinalStatus;
@@ -70,25 +70,26 @@ const char* ResponseHead::AddTrailer(std::string_view line) {
   return bytes_ > kMaxBytes ? kTooLong : nullptr;
 }
 
-// libcurl takes neither what follows a blank before the colon nor a continuation for what frames
-// the body; others do.
+// libcurl ignores framing fields with a blank before the colon, and their continuation lines. Other
+// software does not, so both are refused.
 const char* ResponseHead::TakeField(std::string_view line) {
   if (BeginsWithBlank(line)) {
-    return in_framing_ ? "the response continues a header that frames its body" : nullptr;
+    return in_framing_ ? "the response folds a header that frames its body" : nullptr;
   }
   const std::size_t colon = std::min(line.find(':'), line.size());
   const std::string_view name = TrimHeaderText(line.substr(0, colon));
   in_framing_ = FramesBody(name);
   if (!in_framing_ || colon == line.size()) return nullptr;
-  if (name.size() != colon) return "the response has a blank in the name of a header";
+  if (name.size() != colon) return "the response has a blank in a header name";
   if (const char* why = TakeMeaning(name, line.substr(colon + 1))) return why;
-  return is_unframed_ && content_length_ ? "the response has a length that does not count"
-                                         : nullptr;
+  return is_unframed_ && content_length_
+             ? "the response has both Content-Length and Transfer-Encoding: identity"
+             : nullptr;
 }
 
 bool ResponseHead::HasNoBody() const { return status_ == kNoContent || status_ == kNotModified; }
 
-// A list of one number repeated is that number (RFC 9110, 8.6).
+// A list that repeats one number means that number (RFC 9110, 8.6).
 const char* ResponseHead::AddLengths(std::string_view list) {
   for (std::size_t start = 0; start <= list.size();) {
     const std::size_t comma = std::min(list.find(',', start), list.size());
@@ -96,10 +97,10 @@ const char* ResponseHead::AddLengths(std::string_view list) {
     std::size_t length = 0;
     const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), length);
     if (end.ec != std::errc() || end.ptr != digits.data() + digits.size()) {
-      return "the response gives a length that is no number";
+      return "the response's Content-Length is not a number";
     }
     if (content_length_ && *content_length_ != length) {
-      return "the response gives two different lengths";
+      return "the response has two different lengths";
     }
     content_length_ = length;
     start = comma + 1;

@@ -1,4 +1,4 @@
-// The head of an HTTP response (RFC 9112): status and headers.
+// The status line and the header fields of an HTTP response (RFC 9112).
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_RESPONSE_HEAD_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_RESPONSE_HEAD_H_
@@ -11,38 +11,40 @@
 
 namespace ovrant::internet {
 
-// Takes the header lines of one transfer in order, those of interim responses and of redirects too;
-// what it says is about the response whose status line came last.
+// Reads the header lines of one transfer in order, with those of interim responses and redirects.
+// The accessors describe the response whose status line came last. For one thread at a time.
 class ResponseHead {
  public:
-  // Bytes of header lines beyond which one response is refused.
+  // A response with more bytes of header lines than this is refused.
   static constexpr std::size_t kMaxBytes = std::size_t{256} << 10;
 
-  // Takes the next line, with its line end. Null, or why the response must be refused (a text that
-  // is never freed).
+  // Adds the next line, with its line end. Returns null, or a static text that says why the
+  // response must be refused.
   const char* AddLine(std::string_view line);
 
-  // The same for a line behind the body, which changes nothing whatever it says.
+  // Adds a line of the trailing section. It changes nothing but the count of bytes. Returns as
+  // AddLine does.
   const char* AddTrailer(std::string_view line);
 
-  // Whether the last line began a response.
+  // Whether the last line was a status line.
   bool at_beginning() const { return at_beginning_; }
 
-  // Whether the empty line after a final response's headers has come.
+  // Whether the empty line after the headers of a final response has come.
   bool complete() const { return complete_; }
 
-  // 0 before a status line.
+  // 0 before the first status line.
   int status() const { return status_; }
 
   bool is_gzip() const { return is_gzip_; }
   bool is_chunked() const { return is_chunked_; }
 
-  // The body's; none where chunks frame it, whatever length is given beside them (RFC 9112, 6.3).
+  // The length of the body, if it is known. Chunked framing overrides Content-Length (RFC 9112,
+  // 6.3).
   std::optional<std::size_t> content_length() const {
     return is_chunked_ ? std::nullopt : content_length_;
   }
 
-  // Whether the response has no body whatever its headers say.
+  // True when the status allows no body, whatever the headers say.
   bool HasNoBody() const;
 
   HeaderFields& fields() { return fields_; }
@@ -57,10 +59,10 @@ class ResponseHead {
   std::size_t bytes_ = 0;
   int status_ = 0;
   bool complete_ = false;
-  bool in_framing_ = false;  // the last field says how the body is framed or encoded
+  bool in_framing_ = false;  // the last field frames or encodes the body
   bool is_gzip_ = false;
   bool is_chunked_ = false;
-  bool is_unframed_ = false;  // until the connection closes
+  bool is_unframed_ = false;  // Transfer-Encoding: identity
   std::optional<std::size_t> content_length_;
   HeaderFields fields_;
 };

@@ -58,7 +58,7 @@ const pollfd* SocketSet::FindOwned(const void* owner) const {
 const std::vector<SocketSet::Ready>& SocketSet::Wait(int milliseconds) {
   ready_.clear();
   is_woken_ = false;
-  // An interrupted wait is one in which nothing was ready.
+  // An interrupted wait counts as one in which no socket was ready.
   int left = poll(polls_.data(), static_cast<nfds_t>(polls_.size()), milliseconds);
   for (std::size_t i = 0; i < polls_.size() && left > 0; ++i) {
     if (polls_[i].revents == 0) continue;

@@ -1,4 +1,4 @@
-// The sockets that a loop waits for.
+// The sockets that a transfer loop waits for.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_SOCKET_SET_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_SOCKET_SET_H_
@@ -10,7 +10,7 @@
 
 namespace ovrant::internet {
 
-// A set of sockets with the events wanted of each and an owner, for poll(). Not thread-safe.
+// Sockets for poll(), each with the wanted events and an owner. Not thread-safe.
 class SocketSet {
  public:
   struct Ready {
@@ -19,22 +19,23 @@ class SocketSet {
     void* owner;
   };
 
-  // `wake_socket`, if not -1, always belongs to the set, and is not among the ready ones.
+  // `wake_socket` belongs to the set for good, unless it is -1. Wait never returns it.
   explicit SocketSet(int wake_socket);
 
-  // Room for `count` sockets in all, so that Watch does not fail. std::bad_alloc changes nothing.
+  // Makes room for `count` sockets in all, so that Watch does not fail. A call that throws
+  // std::bad_alloc changes nothing.
   void Reserve(std::size_t count);
 
-  // Adds the socket, or changes what is wanted of it. False when there is no memory for it.
+  // Adds the socket, or changes its events and owner. False when memory runs out.
   bool Watch(int socket, short events, void* owner);
   void Forget(int socket);
   void ForgetOwner(const void* owner);
 
-  // A socket of that owner; null when it has none. Valid until the set is next changed.
+  // Returns a socket of that owner, or null. Valid until the set changes.
   const pollfd* FindOwned(const void* owner) const;
 
-  // Waits up to `milliseconds` (-1: without end) until a socket is ready. The result is valid until
-  // the next call.
+  // Waits up to `milliseconds` until a socket is ready, or without end for -1. The result is valid
+  // until the next call.
   const std::vector<Ready>& Wait(int milliseconds);
 
   // Whether the last wait found the wake socket readable.
@@ -50,8 +51,8 @@ class SocketSet {
   std::vector<Ready> ready_;
 };
 
-// Bytes that have been handed to the system for a connected socket and that the peer has not yet
-// taken; 0 where the system does not tell.
+// Counts the bytes that the system holds for a connected socket and the peer has not acknowledged.
+// 0 where the system does not tell.
 std::size_t CountUnsentBytes(int socket);
 
 }  // namespace ovrant::internet

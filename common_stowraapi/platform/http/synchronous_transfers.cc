@@ -14,11 +14,11 @@ namespace ovrant::internet {
 
 namespace {
 
-// Idle loops, each with its connections; the one used last is taken first, because its connections
+// Idle loops, each with its connections. The one used last is taken first, because its connections
 // are the freshest.
 class LoopPool {
  public:
-  // Never destroyed, so that it also serves static destructors.
+  // Never destroyed, so static destructors can use it.
   static LoopPool& Instance() {
     static auto* const pool = new LoopPool;
     return *pool;

@@ -1,4 +1,4 @@
-// Exchanges on the calling thread.
+// HTTP exchanges on the calling thread.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_SYNCHRONOUS_TRANSFERS_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_SYNCHRONOUS_TRANSFERS_H_
@@ -7,8 +7,9 @@
 
 namespace ovrant::internet {
 
-// Makes the request and waits for its end. Connections are kept for the next request of any thread,
-// and no two threads use one at the same time. Want of memory is a reply that was not received.
+// Makes the request and waits for its end. Connections are kept for later requests of any thread.
+// Two threads never use one connection at the same time. If memory runs out, the reply is not
+// received.
 HttpReply PerformSynchronously(HttpRequest&& request);
 
 }  // namespace ovrant::internet

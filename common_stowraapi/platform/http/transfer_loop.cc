@@ -14,16 +14,15 @@ namespace ovrant::internet {
 
 namespace {
 
-// While it connects, one transfer may have a socket for each address family and one for the name
-// look-up.
+// A connecting transfer may have a socket for each address family and one for the name look-up.
 constexpr std::size_t kSocketsPerTransfer = 4;
 
-// Used handles that wait for a time to be cleared away.
+// The most used handles that wait to be prepared again.
 constexpr std::size_t kMostUsed = 16;
 
 constexpr auto kAtOnce = TransferLoop::Clock::time_point::min();
 
-// How often the system is asked what it has sent of an upload, which no event tells.
+// How often to ask what the system has sent of an upload. No event tells that.
 constexpr std::chrono::milliseconds kUploadSample(100);
 
 int OnSocketChange(CURL* easy, curl_socket_t socket, int what, void* sockets, void* /*own*/) {
@@ -67,7 +66,7 @@ TransferLoop::TransferLoop(WakePipe* wake)
 void TransferLoop::MakeMulti() {
   EnsureCurl();
   multi_ = MakeMultiHandle();
-  // What moves on a connection counts as its one transfer's progress.
+  // No multiplexing: each connection carries one transfer, whose progress it shows.
   curl_multi_setopt(multi_.get(), CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
   curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, OnSocketChange);
   curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, sockets_.get());
@@ -111,7 +110,7 @@ void TransferLoop::Drop(HttpExchange& exchange) {
   exchange.EndDropped();
 }
 
-// What is due goes first: a transfer that has been started begins at once.
+// Due timers go first, so that a started transfer begins at once.
 bool TransferLoop::Turn(std::chrono::milliseconds longest) {
   const bool was_due = HandleTimer();
   const Clock::time_point now = Clock::now();
@@ -128,8 +127,8 @@ HttpExchange* TransferLoop::NextEnded() {
   return exchange;
 }
 
-// Whatever is done to the exchanges from here on needs no more memory of this object: all handles
-// may end in one list, with the one more that PrepareEasy makes.
+// Makes room for all that later calls do, so that they need no memory. All handles may end up in
+// one list, with the one that PrepareEasy adds.
 void TransferLoop::MakeRoom() {
   const std::size_t count = size() + 2;
   slots_.reserve(count);
@@ -147,8 +146,8 @@ EasyHandle TransferLoop::TakeEasy() {
   return easy;
 }
 
-// Done while there is nothing but the network to wait for. A handle that cannot be prepared again,
-// because its transfer left something behind, is given up.
+// Runs when the loop is about to wait, or when too many used handles have piled up. A handle that
+// cannot be prepared again is destroyed.
 void TransferLoop::PrepareEasy() noexcept {
   if (HowToReuseEasyHandles() == EasyReuse::kNever) used_.clear();
   for (; !used_.empty(); used_.pop_back()) {
@@ -180,7 +179,7 @@ void TransferLoop::Detach(std::size_t index) {
   (is_prepared && may_reuse ? ready_ : used_).push_back(std::move(easy));
 }
 
-// The exchange has ended, or ends with its handle.
+// The exchange has ended, or its handle has.
 void TransferLoop::Finish(std::size_t index) {
   ended_.insert(ended_.begin(), slots_[index].exchange);
   Detach(index);
@@ -212,7 +211,7 @@ int TransferLoop::MillisecondsToWait(Clock::time_point now,
   return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, std::numeric_limits<int>::max()));
 }
 
-// False when no socket was ready.
+// Returns false when no socket was ready.
 bool TransferLoop::HandleSockets(int milliseconds) {
   if (milliseconds != 0) PrepareEasy();
   const std::vector<SocketSet::Ready>& all_ready = sockets_->Wait(milliseconds);
@@ -224,7 +223,7 @@ bool TransferLoop::HandleSockets(int milliseconds) {
   return !all_ready.empty() || sockets_->is_woken();
 }
 
-// False when nothing was due.
+// Returns false when no timer was due.
 bool TransferLoop::HandleTimer() {
   if (!timer_ || (*timer_ != kAtOnce && *timer_ > Clock::now())) return false;
   timer_.reset();
@@ -268,7 +267,7 @@ void TransferLoop::TakeResults() {
 }
 
 void TransferLoop::EndOverdue(Clock::time_point now) {
-  // Backwards: Finish puts the last slot in the place of the one that it takes out.
+  // Backwards, because Finish moves the last slot into the freed place.
   for (std::size_t i = slots_.size(); i > 0; --i) {
     HttpExchange& exchange = *slots_[i - 1].exchange;
     exchange.Settle(now);
@@ -283,7 +282,7 @@ void TransferLoop::EndOverdue(Clock::time_point now) {
   }
 }
 
-// libcurl waits only to send: it has read the whole reply.
+// When libcurl waits only to send, it has read the whole reply.
 bool TransferLoop::IsAnsweredEarly(const Slot& slot) const {
   if (!slot.exchange->is_upload()) return false;
   const pollfd* const socket = sockets_->FindOwned(slot.easy.get());

@@ -1,4 +1,4 @@
-// Drives exchanges over a shared set of connections.
+// Drives exchanges over a shared pool of connections.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_LOOP_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_LOOP_H_
@@ -17,41 +17,42 @@ namespace ovrant::internet {
 class SocketSet;
 class WakePipe;
 
-// One libcurl multi handle with its connections, and the wait for them. The sockets are watched
-// here rather than by libcurl, because only that tells progress from silence while a single header
-// line drips in. For one thread at a time.
+// Owns one libcurl multi handle with its connections, and waits for their sockets. It watches the
+// sockets itself. Only that tells progress from silence while one header line arrives byte by byte.
+// For one thread at a time.
 class TransferLoop {
  public:
   using Clock = HttpExchange::Clock;
 
-  // A Wake of `wake`, if there is one, ends a Turn. It must outlive the loop.
+  // `wake` may be null and must outlive the loop. Its Wake ends a Turn.
   explicit TransferLoop(WakePipe* wake = nullptr);
   ~TransferLoop();
 
   TransferLoop(const TransferLoop&) = delete;
   TransferLoop& operator=(const TransferLoop&) = delete;
 
-  // Starts `exchange`, which must live until NextEnded has given it or Drop has ended it. One that
-  // cannot be made is given by NextEnded at once. std::bad_alloc leaves the loop as it was.
+  // Starts `exchange`. It must live until NextEnded has returned it or Drop has ended it. NextEnded
+  // returns it at once if the request cannot be made. A call that throws std::bad_alloc changes
+  // nothing.
   void Start(HttpExchange& exchange);
 
-  // Ends an exchange that has been started and not been given. Does not wait for the network.
+  // Ends an exchange that NextEnded has not returned yet. Does not wait for the network.
   void Drop(HttpExchange& exchange);
 
-  // Waits until something happens to an exchange and handles it, or until a Wake, or for `longest`.
-  // False when nothing has come but the time.
+  // Waits for an event of an exchange and handles it. A Wake also ends the wait, as does `longest`.
+  // False when only the time has passed.
   bool Turn(std::chrono::milliseconds longest = kForever);
 
   static constexpr std::chrono::milliseconds kForever = std::chrono::milliseconds::max();
 
-  // The next exchange that has ended; null when there is none.
+  // Returns the next ended exchange, or null.
   HttpExchange* NextEnded();
 
-  // Exchanges that have been started and not been given.
+  // Exchanges that NextEnded has not returned yet.
   std::size_t size() const { return slots_.size() + ended_.size(); }
 
  private:
-  // An exchange under way and its easy handle.
+  // A running exchange and its easy handle.
   struct Slot {
     EasyHandle easy;
     HttpExchange* exchange;
@@ -79,20 +80,20 @@ class TransferLoop {
 
   WakePipe* const wake_;
 
-  // libcurl reports to these while its handle is destroyed, too.
+  // libcurl still writes to these two while its multi handle is destroyed.
   std::unique_ptr<SocketSet> sockets_;
   std::optional<Clock::time_point> timer_;
 
-  // Why libcurl has failed, mostly for want of memory. It does not say in which transfer, reports
-  // nothing more of that one, and may hold half a record of it, over which it falls later: all
-  // transfers end then, and the multi handle with them. The next one to start makes another.
+  // Why libcurl has failed. The cause is mostly lack of memory. libcurl does not say which transfer
+  // failed, and may crash on it later. So all transfers end and the multi handle is destroyed. The
+  // next start makes another one.
   const char* failure_ = nullptr;
 
-  std::vector<EasyHandle> ready_;  // for the exchanges to come
-  std::vector<EasyHandle> used_;   // by exchanges that have ended
+  std::vector<EasyHandle> ready_;  // for later exchanges
+  std::vector<EasyHandle> used_;   // must be reset first
   MultiHandle multi_;
   std::vector<Slot> slots_;
-  std::vector<HttpExchange*> ended_;  // the next one is last
+  std::vector<HttpExchange*> ended_;  // NextEnded takes the last
 };
 
 }  // namespace ovrant::internet

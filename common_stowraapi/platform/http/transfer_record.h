@@ -1,4 +1,4 @@
-// What a transport keeps of its last transfer.
+// The part of a transfer that its transport keeps.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_RECORD_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_RECORD_H_
@@ -15,12 +15,12 @@ class TransferRecord {
   TransferRecord(const TransferRecord&) = delete;
   TransferRecord& operator=(const TransferRecord&) = delete;
 
-  // The transport is going: on return nothing of this transfer is posted, or being posted, any
-  // more, except that inside a delivery it does not wait for a post under way. Whether it had yet
-  // to be delivered. Any thread.
+  // Detaches the transfer from its transport. On return nothing of this transfer is posted any
+  // more, and no post is under way. Inside a delivery it does not wait for a post under way.
+  // Returns whether the transfer was still undelivered. Any thread.
   virtual bool Abandon() { return false; }
 
-  // The response's, until somebody reads them. The transport's own.
+  // The response's headers until they are first read. Only the transport uses them.
   HeaderFields unread_headers;
 };
 

@@ -1,4 +1,4 @@
-// What the host has set for all transfers.
+// The host's settings for all transfers.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_SETTINGS_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_SETTINGS_H_

@@ -19,7 +19,7 @@ using Units = std::u16string_view;
 
 Units Before(Units text, char mark) { return text.substr(0, utils::FindUnit(text, mark)); }
 
-// Empty where there is no mark.
+// Returns an empty text when there is no mark.
 Units After(Units text, char mark) {
   return text.substr(std::min(utils::FindUnit(text, mark) + 1, text.size()));
 }

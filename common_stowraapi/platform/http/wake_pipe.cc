@@ -23,13 +23,14 @@ WakePipe::~WakePipe() {
 void WakePipe::Wake() {
   if (woken_.exchange(true)) return;
   const char byte = 0;
-  // There is room: no more than one byte is on its way.
+  // The pipe has room, because it never holds more than one byte.
   static_cast<void>(write(ends_[1], &byte, 1) == 1);
 }
 
 void WakePipe::Drain() {
   char byte = 0;
-  // The byte goes first: a Wake between the two calls is one that the caller has yet to look for.
+  // The byte goes first. A Wake between the two calls writes no byte, but the caller looks for work
+  // only afterwards.
   static_cast<void>(read(ends_[0], &byte, 1) == 1);
   woken_.exchange(false);
 }

@@ -1,4 +1,4 @@
-// A way to end another thread's poll().
+// Wakes another thread from poll().
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_WAKE_PIPE_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_WAKE_PIPE_H_
@@ -8,23 +8,24 @@
 
 namespace ovrant::internet {
 
-// A pipe to itself. Any number of Wakes before a Drain count as one, and make one system call.
+// A pipe within one process. Any number of Wakes before a Drain count as one, and make one system
+// call.
 class WakePipe {
  public:
-  // std::system_error when the process has no descriptors left.
+  // Throws std::system_error when the process has no descriptors left.
   WakePipe();
   ~WakePipe();
 
   WakePipe(const WakePipe&) = delete;
   WakePipe& operator=(const WakePipe&) = delete;
 
-  // Readable from a Wake to the next Drain.
+  // Readable from a Wake until the next Drain.
   int socket() const { return ends_[0]; }
 
   // Any thread.
   void Wake();
 
-  // Once the socket is readable. Whoever looks after it for what a Wake was about, finds it.
+  // Call it when the socket is readable. Work published before Wake() is visible after Drain().
   void Drain();
 
  private:

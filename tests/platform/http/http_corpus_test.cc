@@ -42,7 +42,7 @@ const std::map<std::string, Difference> kDifferences = {
     {"316.http", {"failed", "the content encoding is br, which was not offered"}},
     {"328.http", {"failed", "the content encoding is none, which does not exist"}},
     {"393.http", {"failed", "the length is beyond all numbers, so the body cannot be whole"}},
-    {"771.http", {"failed", "the response gives two different lengths"}},
+    {"771.http", {"failed", "the response has two different lengths"}},
 };
 
 std::string Sha256(const InternetData& transport) {

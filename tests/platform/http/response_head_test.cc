@@ -64,7 +64,7 @@ TEST_F(ResponseHeadTest, RefusesAStatusLineWithoutAVersionOrAStatus) {
                            "HTTP/1.1 two", "HTTP/1.1", "HTTP/1.1 ", "HTTP//1.1 200", "HTTP/ 200",
                            "HTTP/1.1 \r200 OK", "HTTP/1.1\t200 OK"}) {
     head_ = ResponseHead();
-    EXPECT_EQ(Add({line}), "the response's status line is none") << line;
+    EXPECT_EQ(Add({line}), "the response's status line is malformed") << line;
     EXPECT_EQ(head_.status(), 0) << line;
   }
 }
@@ -81,7 +81,7 @@ TEST_F(ResponseHeadTest, InterimResponseIsNotComplete) {
   EXPECT_TRUE(head_.fields().empty());
 }
 
-TEST_F(ResponseHeadTest, NextResponseStartsAfresh) {
+TEST_F(ResponseHeadTest, NextResponseStartsEmpty) {
   EXPECT_EQ(Add({"HTTP/1.1 302 Found", "Content-Encoding: gzip", "Content-Length: 5", "X-Old: 1",
                  "", "HTTP/1.1 200 OK", "Content-Length: 7"}),
             "");
@@ -108,7 +108,7 @@ TEST_F(ResponseHeadTest, TrailersChangeNothing) {
   EXPECT_EQ(head_.content_length(), std::nullopt);
 }
 
-TEST_F(ResponseHeadTest, TrailerIsNoResponseWhateverItSays) {
+TEST_F(ResponseHeadTest, TrailerNeverBeginsAResponse) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-A: 1", ""}), "");
   for (const char* line : {"HTTP/1.1 404 Not Found\r\n", "X-A: 2\r\n", "\r\n"}) {
     EXPECT_EQ(head_.AddTrailer(line), nullptr);
@@ -147,12 +147,12 @@ TEST_F(ResponseHeadTest, UnfoldsLines) {
   EXPECT_EQ(head_.fields().ToMap().size(), 2U);
 }
 
-TEST_F(ResponseHeadTest, LinesWithoutAColonAreIgnored) {
+TEST_F(ResponseHeadTest, IgnoresLinesWithoutAColon) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "garbage", "X-A: 1"}), "");
   EXPECT_EQ(head_.fields().ToMap().size(), 1U);
 }
 
-TEST_F(ResponseHeadTest, KnowsGzip) {
+TEST_F(ResponseHeadTest, RecognizesGzip) {
   for (const char* line : {"Content-Encoding: gzip", "content-encoding:X-GZIP"}) {
     head_ = ResponseHead();
     EXPECT_EQ(Add({"HTTP/1.1 200 OK", line, ""}), "");
@@ -186,17 +186,17 @@ TEST_F(ResponseHeadTest, RefusesTwoLengths) {
   EXPECT_NE(Add({"Content-Length: 6"}), "");
 }
 
-TEST_F(ResponseHeadTest, LengthBesideChunksDoesNotCount) {
+TEST_F(ResponseHeadTest, ChunksOverrideTheLength) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 5", "Transfer-Encoding: chunked"}), "");
   EXPECT_EQ(head_.content_length(), std::nullopt);
 }
 
-TEST_F(ResponseHeadTest, RefusesALengthBesideNoTransferEncoding) {
+TEST_F(ResponseHeadTest, RefusesALengthBesideIdentityTransferEncoding) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Transfer-Encoding: identity"}), "");
   EXPECT_NE(Add({"Content-Length: 5"}), "");
 }
 
-TEST_F(ResponseHeadTest, RefusesABlankBeforeTheColonWhereTheBodyIsFramed) {
+TEST_F(ResponseHeadTest, RefusesABlankBeforeTheColonOfAFramingField) {
   for (const char* line :
        {"Content-Length : 5", "Transfer-Encoding\t: chunked", "Content-Encoding : gzip"}) {
     head_ = ResponseHead();
@@ -206,7 +206,7 @@ TEST_F(ResponseHeadTest, RefusesABlankBeforeTheColonWhereTheBodyIsFramed) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-Other : 5"}), "");
 }
 
-TEST_F(ResponseHeadTest, RefusesAContinuationWhereTheBodyIsFramed) {
+TEST_F(ResponseHeadTest, RefusesAContinuationOfAFramingField) {
   for (const char* line : {"Content-Length:", "Transfer-Encoding:", "Content-Encoding:"}) {
     head_ = ResponseHead();
     Add({"HTTP/1.1 200 OK", line});
@@ -216,12 +216,12 @@ TEST_F(ResponseHeadTest, RefusesAContinuationWhereTheBodyIsFramed) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 5", "X-Other: 1", " 2"}), "");
 }
 
-TEST_F(ResponseHeadTest, LengthThatIsNoNumberIsRefused) {
+TEST_F(ResponseHeadTest, RefusesALengthThatIsNotANumber) {
   for (const char* line : {"Content-Length: x", "Content-Length: 5x", "Content-Length: -5",
                            "Content-Length:", "Content-Length: 99999999999999999999999999",
                            "Content-Length: 5,", "Content-Length: 5, x"}) {
     head_ = ResponseHead();
-    EXPECT_EQ(Add({"HTTP/1.1 200 OK", line}), "the response gives a length that is no number")
+    EXPECT_EQ(Add({"HTTP/1.1 200 OK", line}), "the response's Content-Length is not a number")
         << line;
   }
 }
@@ -229,7 +229,7 @@ TEST_F(ResponseHeadTest, LengthThatIsNoNumberIsRefused) {
 TEST_F(ResponseHeadTest, LengthMayBeRepeatedInAList) {
   EXPECT_EQ(Add({"HTTP/1.1 200 OK", "Content-Length: 6, 6,06"}), "");
   EXPECT_EQ(head_.content_length(), 6U);
-  EXPECT_EQ(Add({"Content-Length: 6, 7"}), "the response gives two different lengths");
+  EXPECT_EQ(Add({"Content-Length: 6, 7"}), "the response has two different lengths");
 }
 
 TEST_F(ResponseHeadTest, SomeStatusesHaveNoBody) {
@@ -253,7 +253,7 @@ TEST_F(ResponseHeadTest, RefusesEndlessHeaders) {
   EXPECT_GT((lines + 1) * (line.size() + 2), ResponseHead::kMaxBytes - 2 * line.size());
 }
 
-TEST_F(ResponseHeadTest, LimitIsForEachResponseAlone) {
+TEST_F(ResponseHeadTest, LimitHoldsForEachResponse) {
   const std::string line = "X-Long: " + std::string(ResponseHead::kMaxBytes / 2, 'x');
   for (int i = 0; i < 5; ++i) {
     EXPECT_EQ(Add({"HTTP/1.1 302 Found", line.c_str(), ""}), "");
