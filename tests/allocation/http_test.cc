@@ -103,24 +103,24 @@ long FailTransfer(const NextUrl& next_url, const Transfer& transfer) {
                               });
 }
 
-TEST_F(TransportAllocationTest, ADownloadFailsOrSucceeds) {
+TEST_F(TransportAllocationTest, DownloadFailsOrSucceeds) {
   EXPECT_GT(FailTransfer(To(), [](Sent& sent) { return sent.Download(); }), 20);
 }
 
-TEST_F(TransportAllocationTest, ADownloadThroughGzipFailsOrSucceeds) {
+TEST_F(TransportAllocationTest, GzipDownloadFailsOrSucceeds) {
   EXPECT_GT(FailTransfer(To("/gzip"), [](Sent& sent) { return sent.Download(); }), 20);
 }
 
-TEST_F(TransportAllocationTest, ARedirectedDownloadFailsOrSucceeds) {
+TEST_F(TransportAllocationTest, RedirectedDownloadFailsOrSucceeds) {
   EXPECT_GT(FailTransfer(To("/redirect"), [](Sent& sent) { return sent.Download(); }), 20);
 }
 
-TEST_F(TransportAllocationTest, ADownloadByNameFailsOrSucceeds) {
+TEST_F(TransportAllocationTest, DownloadByNameFailsOrSucceeds) {
   const std::string url = "http://localhost:" + std::to_string(server_.port()) + "/";
   EXPECT_GT(FailTransfer([&] { return url; }, [](Sent& sent) { return sent.Download(); }), 20);
 }
 
-TEST_F(TransportAllocationTest, AFailedSendAndReadSaysSoEverywhere) {
+TEST_F(TransportAllocationTest, FailedSendAndReadSetsEveryOutput) {
   const auto send = [](Sent& sent) {
     const bool succeeded = sent.SendAndRead();
     if (sent.data != sent.transport.received_data()) throw std::bad_alloc();
@@ -136,7 +136,7 @@ TEST_F(TransportAllocationTest, AFailedSendAndReadSaysSoEverywhere) {
                        });
 }
 
-TEST_F(TransportAllocationTest, ATransferWithAllSettingsFailsOrSucceeds) {
+TEST_F(TransportAllocationTest, TransferWithAllSettingsFailsOrSucceeds) {
   TransferDefaults defaults;
   defaults.user_agent = "an agent with a name that is long";
   defaults.extra_request_headers = {{"X-Extra-And-Long-As-A-Name", "a value that is long as well"}};
@@ -195,22 +195,22 @@ long FailInBackground(const std::string& url, bool is_upload, Threads threads) {
                               threads);
 }
 
-TEST_F(TransportAllocationTest, AStartInTheBackgroundIsRefusedOrEndsOnce) {
+TEST_F(TransportAllocationTest, BackgroundStartFailsOrEndsOnce) {
   EXPECT_GT(FailInBackground(server_.Url(), false, Threads::kThis), 5);
   EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kThis), 5);
 }
 
-TEST_F(TransportAllocationTest, AFailureOnTheWorkerEndsTheTransferOnce) {
+TEST_F(TransportAllocationTest, FailureOnTheWorkerEndsTheTransferOnce) {
   EXPECT_GT(FailInBackground(server_.Url(), false, Threads::kOthers), 10);
   EXPECT_GT(FailInBackground(server_.Url("/gzip"), true, Threads::kOthers), 10);
   EXPECT_GT(FailInBackground(server_.Url("/redirect"), false, Threads::kOthers), 10);
 }
 
-TEST_F(TransportAllocationTest, AFailureOnAnyThreadEndsTheTransferOnce) {
+TEST_F(TransportAllocationTest, FailureOnAnyThreadEndsTheTransferOnce) {
   EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kAll), 15);
 }
 
-TEST_F(TransportAllocationTest, AFailureOnTheWorkerIsToldToTheListenerAndByTheExecutor) {
+TEST_F(TransportAllocationTest, FailureOnTheWorkerReachesListenerAndExecutor) {
   std::atomic<int> events{0};
   InternetData::SetTransferListener([&](const TransferEvent&) { ++events; });
   std::atomic<int> completions{0};
@@ -224,7 +224,7 @@ TEST_F(TransportAllocationTest, AFailureOnTheWorkerIsToldToTheListenerAndByTheEx
 }
 
 // A transfer that is deleted when the server has got its request, or when it has failed.
-TEST_F(TransportAllocationTest, ADeletionInFlightPostsNothing) {
+TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
   std::mutex mutex;
   std::condition_variable changed;
   int arrived = 0;
@@ -312,7 +312,7 @@ TEST(SettingsAllocationTest, SettersThrowAndChangeNothing) {
 }
 
 // Whichever allocation of a replacement failed, the value before is still sent.
-TEST_F(TransportAllocationTest, AFailedHeaderLeavesTheOneBefore) {
+TEST_F(TransportAllocationTest, FailedHeaderKeepsThePreviousValue) {
   const auto work = [](Sent& sent) {
     sent.transport.SetValueForHTTPSendHeaders("X-NAME", std::string(300, 'n').c_str());
   };

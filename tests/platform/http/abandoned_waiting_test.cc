@@ -35,7 +35,7 @@ struct Farewell {
 
 class AbandonedWaitingTest : public TransportTest {};
 
-TEST_F(AbandonedWaitingTest, AreFreedThoughTheirTurnDoesNotCome) {
+TEST_F(AbandonedWaitingTest, FreesTransfersThatNeverGetTheirTurn) {
   const RawServer server(Silence());
   std::vector<std::unique_ptr<Background>> stalled;
   for (std::size_t i = 0; i < BackgroundWorker::kMaxActive; ++i) {

@@ -201,7 +201,7 @@ class BackgroundSoakTest : public TransportTest {
   }
 };
 
-TEST_F(BackgroundSoakTest, KeptTransfersPostOnceAndDeletedOnesNothingMore) {
+TEST_F(BackgroundSoakTest, KeptTransfersPostOnceDeletedOnesPostNothingMore) {
   SetInactivityTimeout(0.5F);
   const RawServer server(Serve);
   std::vector<std::unique_ptr<Share>> shares;

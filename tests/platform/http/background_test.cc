@@ -68,7 +68,7 @@ TEST_F(BackgroundTest, UserDataIsNotUsed) {
   EXPECT_EQ(background.recorder.entries().at(0).payload, nullptr);
 }
 
-TEST_F(BackgroundTest, WithoutADelegateNothingStarts) {
+TEST_F(BackgroundTest, StartsNothingWithoutADelegate) {
   InternetData transport(Text(hello_.Url()));
   EXPECT_FALSE(transport.DownloadWithDelegate(nullptr, nullptr));
   EXPECT_FALSE(transport.UploadWithDelegate(nullptr, nullptr));
@@ -84,7 +84,7 @@ TEST_F(BackgroundTest, PostsExactlyOneName) {
   EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kReturned});
 }
 
-TEST_F(BackgroundTest, NamesOfTheDelegateArePosted) {
+TEST_F(BackgroundTest, PostsTheNamesOfTheDelegate) {
   static constexpr char kOwnReturned[] = "BackgroundTestOwnReturned";
   static constexpr char kOwnFailed[] = "BackgroundTestOwnFailed";
   NotificationRecorder recorder({kOwnReturned, kOwnFailed});
@@ -186,7 +186,7 @@ TEST_F(BackgroundTest, TransportCanBeUsedAgainInsideItsNotification) {
   EXPECT_TRUE(background.recorder.WaitFor(3));
 }
 
-TEST_F(BackgroundTest, ObserverThatThrowsDoesNotEndTheThread) {
+TEST_F(BackgroundTest, ThrowingObserverDoesNotEndTheThread) {
   Event thrown;
   {
     Background throwing(hello_.Url(), [&thrown] {
@@ -460,7 +460,7 @@ TEST_P(DeletionTest, FromTwoThreadsAtTheSameTime) {
   }
 }
 
-TEST_P(DeletionTest, OfManyThatAreStalledIsQuick) {
+TEST_P(DeletionTest, OfManyStalledTransfersIsQuick) {
   constexpr std::size_t kCount = 300;
   const RawServer server(Silence());
   std::vector<std::unique_ptr<Background>> all;
@@ -477,7 +477,7 @@ TEST_P(DeletionTest, OfManyThatAreStalledIsQuick) {
   for (const auto& each : all) EXPECT_TRUE(each->recorder.entries().empty());
 }
 
-TEST_F(BackgroundTest, DeletionOfTheTransportKeepsOtherTransfersOfTheDelegate) {
+TEST_F(BackgroundTest, DeletingATransportKeepsOtherTransfersOfItsDelegate) {
   const RawServer silent(Silence());
   Background background(hello_.Url());
   auto doomed = std::make_unique<InternetData>(Text(silent.Url()));
@@ -490,7 +490,7 @@ TEST_F(BackgroundTest, DeletionOfTheTransportKeepsOtherTransfersOfTheDelegate) {
   EXPECT_EQ(background.recorder.entries().size(), 1U);
 }
 
-TEST_F(BackgroundTest, DeletionOfTheDelegateLeavesTheTransportUsable) {
+TEST_F(BackgroundTest, TransportIsUsableAfterItsDelegateIsDeleted) {
   const RawServer silent(Silence());
   InternetData transport(Text(hello_.Url()));
   auto doomed = MakeDelegate();

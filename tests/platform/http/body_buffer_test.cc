@@ -52,7 +52,7 @@ TEST(BodyBuffer, RoomIsWrittenThenCounted) {
   EXPECT_EQ(TextOf(buffer), "abcde");
 }
 
-TEST(BodyBuffer, ReserveKeepsTheBytesAndMakesGrowthStay) {
+TEST(BodyBuffer, ReserveKeepsTheBytesAndAvoidsMoves) {
   BodyBuffer buffer;
   buffer.Append("ab", 2);
   buffer.Reserve(1 << 20);
@@ -76,7 +76,7 @@ TEST(BodyBuffer, ReleaseHandsTheBytesOver) {
   EXPECT_EQ(TextOf(buffer), "again");
 }
 
-TEST(BodyBuffer, ReleaseOfNothingIsNullEvenWhereRoomWasReserved) {
+TEST(BodyBuffer, ReleaseOfAnEmptyBufferIsNull) {
   BodyBuffer buffer;
   buffer.Reserve(100);
   EXPECT_EQ(buffer.Release(), nullptr);
@@ -86,7 +86,7 @@ TEST(BodyBuffer, ReleaseOfNothingIsNullEvenWhereRoomWasReserved) {
   EXPECT_EQ(buffer.Release(), nullptr);
 }
 
-TEST(BodyBuffer, StaysAsItWasWhereThereIsNoMemory) {
+TEST(BodyBuffer, IsUnchangedWhenMemoryRunsOut) {
   BodyBuffer buffer;
   buffer.Append("hello", 5);
   EXPECT_THROW(buffer.Reserve(SIZE_MAX / 2), std::bad_alloc);
@@ -94,7 +94,7 @@ TEST(BodyBuffer, StaysAsItWasWhereThereIsNoMemory) {
   EXPECT_EQ(TextOf(buffer), "hello");
 }
 
-TEST(BodyBuffer, MovedFromCanBeUsedAgain) {
+TEST(BodyBuffer, CanBeUsedAgainAfterAMove) {
   BodyBuffer buffer;
   buffer.Append("hello", 5);
   BodyBuffer moved = std::move(buffer);

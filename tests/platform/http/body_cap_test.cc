@@ -42,7 +42,7 @@ TEST_F(BodyCapTest, HoldsForABodyOfKnownLength) {
   EXPECT_FALSE(Passes(Response(200, std::string(kCap + 1, 'x')), 0));
 }
 
-TEST_F(BodyCapTest, HoldsForABodyUntilTheEndOfTheConnection) {
+TEST_F(BodyCapTest, HoldsForABodyEndedByClose) {
   const std::string head = "HTTP/1.1 200 OK\r\n\r\n";
   EXPECT_TRUE(Passes(head + std::string(kCap, 'x'), kCap));
   EXPECT_FALSE(Passes(head + std::string(kCap + 1, 'x'), 0));
@@ -58,14 +58,14 @@ TEST_F(BodyCapTest, CountsDecodedBytes) {
   EXPECT_FALSE(Passes(Response(200, Gzip(std::string(kCap + 1, 'x')), kGzipHeader), 0));
 }
 
-TEST_F(BodyCapTest, GzipMayBeLongerEncodedThanDecoded) {
+TEST_F(BodyCapTest, AllowsGzipLongerThanItsContent) {
   const std::string member = Gzip("x");
   std::string members;
   for (unsigned long i = 0; i < kCap; ++i) members += member;
   EXPECT_TRUE(Passes(Response(200, members, kGzipHeader), kCap));
 }
 
-TEST_F(BodyCapTest, AnnouncedLengthBeyondTheCapIsNotReserved) {
+TEST_F(BodyCapTest, DoesNotReserveALengthBeyondTheCap) {
   SetBodyCap(kCap);
   const RawServer server(AlwaysThenClose(
       "HTTP/1.1 200 OK\r\nContent-Length: 9000000000000000000\r\n\r\n" + std::string(100, 'x')));
@@ -74,7 +74,7 @@ TEST_F(BodyCapTest, AnnouncedLengthBeyondTheCapIsNotReserved) {
   ExpectFailureState(transport, 200);
 }
 
-TEST_F(BodyCapTest, EndlessBodyIsCutOff) {
+TEST_F(BodyCapTest, StopsAnEndlessBody) {
   SetBodyCap(kMebibyte);
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     const std::string piece(kMebibyte, 'x');
@@ -87,7 +87,7 @@ TEST_F(BodyCapTest, EndlessBodyIsCutOff) {
   ExpectFailureState(transport, 200);
 }
 
-TEST_F(BodyCapTest, GzipBombIsCutOffAtTheCap) {
+TEST_F(BodyCapTest, StopsAGzipBombAtTheCap) {
   SetBodyCap(kMebibyte);
   std::atomic<unsigned long> most{0};
   InternetData::SetTransferListener([&most](const TransferEvent& event) {
@@ -101,7 +101,7 @@ TEST_F(BodyCapTest, GzipBombIsCutOffAtTheCap) {
   EXPECT_LE(most, kMebibyte + 1);
 }
 
-TEST_F(BodyCapTest, BodyOfARedirectDoesNotCount) {
+TEST_F(BodyCapTest, DoesNotAddTheBodyOfARedirect) {
   SetBodyCap(kCap);
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(request.target == "/"
@@ -127,7 +127,7 @@ TEST_F(BodyCapTest, HoldsForTheBodyOfARedirect) {
   EXPECT_EQ(LastRequest(server).target, "/");
 }
 
-TEST_F(BodyCapTest, CapThatIsTakenBackIsTheDefaultAgain) {
+TEST_F(BodyCapTest, ResettingTheCapRestoresTheDefault) {
   SetBodyCap(kCap);
   InternetData::SetDefaults(TransferDefaults());
   const RawServer server(Always(Response(200, std::string(kCap + 1, 'x'))));
@@ -135,7 +135,7 @@ TEST_F(BodyCapTest, CapThatIsTakenBackIsTheDefaultAgain) {
   EXPECT_TRUE(transport.Download());
 }
 
-TEST_F(BodyCapTest, IsTakenWhenTheTransferStarts) {
+TEST_F(BodyCapTest, IsReadWhenTheTransferStarts) {
   Event answer;
   const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
     EXPECT_TRUE(answer.Wait());
@@ -148,7 +148,7 @@ TEST_F(BodyCapTest, IsTakenWhenTheTransferStarts) {
   EXPECT_EQ(background.WaitForEnd(), kReturned);
 }
 
-TEST_F(BodyCapTest, IsByDefault256Mebibytes) {
+TEST_F(BodyCapTest, DefaultsTo256Mebibytes) {
   const std::string member = Gzip(std::string(kMebibyte, '\0'));
   std::string body;
   for (unsigned long i = 0; i < kDefaultCap / kMebibyte; ++i) body += member;

@@ -35,13 +35,13 @@ class BodyMemoryTest : public ::testing::Test {
   ~BodyMemoryTest() override { BodyMemory::KeepFreed(false); }
 };
 
-TEST_F(BodyMemoryTest, HasTheCapacityThatWasAskedFor) {
+TEST_F(BodyMemoryTest, HasTheRequestedCapacity) {
   for (const std::size_t capacity : {std::size_t{1}, std::size_t{4096}, kMiddling, kLarge}) {
     EXPECT_GE(BodyMemory::CapacityOf(Allocate(capacity).get()), capacity);
   }
 }
 
-TEST_F(BodyMemoryTest, IsAlignedAsMallocsIs) {
+TEST_F(BodyMemoryTest, IsAlignedLikeMalloc) {
   const BodyBytes piece = Allocate(10);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(piece.get()) % alignof(std::max_align_t), 0U);
 }
@@ -56,7 +56,7 @@ TEST_F(BodyMemoryTest, EnlargingKeepsTheBytes) {
   for (std::size_t i = 0; i < kMiddling; ++i) ASSERT_EQ(moved[i], 1);
 }
 
-TEST_F(BodyMemoryTest, FreeingNothingDoesNothing) { BodyMemory::Free(nullptr); }
+TEST_F(BodyMemoryTest, FreesNull) { BodyMemory::Free(nullptr); }
 
 TEST_F(BodyMemoryTest, KeepsAPieceForABodyThatFillsMostOfIt) {
   BodyMemory::KeepFreed(true);
@@ -67,7 +67,7 @@ TEST_F(BodyMemoryTest, KeepsAPieceForABodyThatFillsMostOfIt) {
   EXPECT_EQ(PlaceOf(kMiddling), place);
 }
 
-TEST_F(BodyMemoryTest, GivesEachPieceToOneAlone) {
+TEST_F(BodyMemoryTest, NeverSharesAPiece) {
   BodyMemory::KeepFreed(true);
   for (int round = 0; round < 3; ++round) {
     std::vector<BodyBytes> pieces;

@@ -22,7 +22,7 @@ std::string Decoded(std::string_view encoded, std::size_t size, ChunkDecoder& de
   return decoded;
 }
 
-TEST(ChunkDecoder, JoinsTheChunksWhateverThePieces) {
+TEST(ChunkDecoder, JoinsChunksFedInPiecesOfAnySize) {
   constexpr char kBody[] =
       "5\r\nhello\r\n1;name=value\r\n \r\n00b\r\n0\r\n\r\n world\r\n0\r\nTrailer: x\r\n\r\n";
   for (std::size_t size = 1; size < sizeof(kBody); ++size) {
@@ -32,7 +32,7 @@ TEST(ChunkDecoder, JoinsTheChunksWhateverThePieces) {
   }
 }
 
-TEST(ChunkDecoder, IsNotAtTheEndBefore) {
+TEST(ChunkDecoder, EndsOnlyAfterTheTrailer) {
   constexpr std::string_view kBody = "A\r\n0123456789\r\n0\r\nTrailer: x\r\n\r\n";
   for (std::size_t length = 0; length < kBody.size(); ++length) {
     ChunkDecoder decoder;
@@ -41,13 +41,13 @@ TEST(ChunkDecoder, IsNotAtTheEndBefore) {
   }
 }
 
-TEST(ChunkDecoder, TakesBareLineFeeds) {
+TEST(ChunkDecoder, AcceptsBareLineFeeds) {
   ChunkDecoder decoder;
   EXPECT_EQ(Decoded("f\n0123456789abcde\n0\n\n", 100, decoder), "0123456789abcde");
   EXPECT_TRUE(decoder.AtEnd());
 }
 
-TEST(ChunkDecoder, HasNoEndWhereTheCodingIsBroken) {
+TEST(ChunkDecoder, NeverEndsABrokenBody) {
   for (const char* body :
        {"5\r\nhello!\r\n0\r\n\r\n", "x\r\n0\r\n\r\n", "\r\n0\r\n\r\n",
         "5\r\nhello\r\n\r\n0\r\n\r\n", "-1\r\n0\r\n\r\n", "10000000000000000\r\n0\r\n\r\n"}) {
@@ -57,7 +57,7 @@ TEST(ChunkDecoder, HasNoEndWhereTheCodingIsBroken) {
   }
 }
 
-TEST(ChunkDecoder, TakesNothingBehindTheEnd) {
+TEST(ChunkDecoder, IgnoresBytesAfterTheEnd) {
   ChunkDecoder decoder;
   EXPECT_EQ(Decoded("0\r\n\r\n5\r\nhello\r\n", 100, decoder), "");
   EXPECT_TRUE(decoder.AtEnd());

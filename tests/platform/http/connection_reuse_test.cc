@@ -45,7 +45,7 @@ TEST_F(ConnectionReuseTest, UploadsAndDownloadsShareAConnection) {
   EXPECT_EQ(server.connections(), 1);
 }
 
-TEST_F(ConnectionReuseTest, ThreadsShareAConnectionOneAfterTheOther) {
+TEST_F(ConnectionReuseTest, ConsecutiveThreadsShareAConnection) {
   const RawServer server(Always(Response(200, "hello")));
   for (int i = 0; i < 3; ++i) {
     std::thread thread([&server] { Download(server); });
@@ -54,7 +54,7 @@ TEST_F(ConnectionReuseTest, ThreadsShareAConnectionOneAfterTheOther) {
   EXPECT_EQ(server.connections(), 1);
 }
 
-TEST_F(ConnectionReuseTest, ThreadsAtTheSameTimeUseConnectionsOfTheirOwn) {
+TEST_F(ConnectionReuseTest, ConcurrentThreadsUseSeparateConnections) {
   std::atomic<int> inside{0};
   Event both_inside;
   const RawServer server([&](const RawRequest&, RawConnection& connection) {
@@ -80,14 +80,14 @@ TEST_F(ConnectionReuseTest, BackgroundTransfersShareAConnection) {
   EXPECT_EQ(server.connections(), 1);
 }
 
-TEST_F(ConnectionReuseTest, ConnectionThatTheServerHasClosedIsReplaced) {
+TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerClosed) {
   const RawServer server(AlwaysThenClose(Response(200, "hello")));
   for (int i = 0; i < 3; ++i) Download(server);
   for (int i = 0; i < 3; ++i) DownloadInBackground(server);
   EXPECT_EQ(server.connections(), 6);
 }
 
-TEST_F(ConnectionReuseTest, ConnectionThatTheServerHasResetIsReplaced) {
+TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerReset) {
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write(Response(200, "hello"));
     connection.Reset();
@@ -101,7 +101,7 @@ TEST_F(ConnectionReuseTest, ConnectionThatTheServerHasResetIsReplaced) {
   EXPECT_EQ(server.connections(), 3);
 }
 
-TEST_F(ConnectionReuseTest, UploadOnAConnectionThatTheServerHasClosedSucceeds) {
+TEST_F(ConnectionReuseTest, UploadSucceedsOnAConnectionThatTheServerClosed) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(Response(200, request.body));
     if (request.body == "first") connection.Close();
@@ -115,7 +115,7 @@ TEST_F(ConnectionReuseTest, UploadOnAConnectionThatTheServerHasClosedSucceeds) {
   }
 }
 
-TEST_F(ConnectionReuseTest, ServerThatAsksForItHasItsConnectionClosed) {
+TEST_F(ConnectionReuseTest, ClosesTheConnectionWhenTheServerAsks) {
   const RawServer server(Always(Response(200, "hello", "Connection: close\r\n")));
   Download(server);
   EXPECT_TRUE(server.WaitUntilUnused());
@@ -123,7 +123,7 @@ TEST_F(ConnectionReuseTest, ServerThatAsksForItHasItsConnectionClosed) {
   EXPECT_EQ(server.connections(), 2);
 }
 
-TEST_F(ConnectionReuseTest, ConnectionOfAFailedTransferIsNotUsedAgain) {
+TEST_F(ConnectionReuseTest, DoesNotReuseTheConnectionOfAFailedTransfer) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(request.connection == 0
                          ? Response(200, "hello", "Content-Encoding: unknown\r\n")
@@ -135,7 +135,7 @@ TEST_F(ConnectionReuseTest, ConnectionOfAFailedTransferIsNotUsedAgain) {
   EXPECT_EQ(server.connections(), 2);
 }
 
-TEST_F(ConnectionReuseTest, GivenUpTransferClosesItsConnection) {
+TEST_F(ConnectionReuseTest, DroppedTransferClosesItsConnection) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     if (request.target == "/stall") {
       connection.Stall();

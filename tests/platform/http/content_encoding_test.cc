@@ -30,7 +30,7 @@ class ContentEncodingTest : public TransportTest {
   }
 };
 
-TEST_F(ContentEncodingTest, OffersGzipAlone) {
+TEST_F(ContentEncodingTest, OffersOnlyGzip) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
@@ -38,7 +38,7 @@ TEST_F(ContentEncodingTest, OffersGzipAlone) {
   EXPECT_FALSE(server.requests().at(0).HasHeader("TE"));
 }
 
-TEST_F(ContentEncodingTest, DecodesGzipWhateverItsSpelling) {
+TEST_F(ContentEncodingTest, DecodesGzipInAnySpelling) {
   for (const char* name : {"gzip", "GZip", "x-gzip", " gzip\t"}) {
     EXPECT_EQ(
         Download(Response(200, Gzip("hello"), "Content-Encoding: " + std::string(name) + "\r\n")),
@@ -47,7 +47,7 @@ TEST_F(ContentEncodingTest, DecodesGzipWhateverItsSpelling) {
   }
 }
 
-TEST_F(ContentEncodingTest, DecodesGzipOfEveryFraming) {
+TEST_F(ContentEncodingTest, DecodesGzipInEveryFraming) {
   const std::string text = LongText();
   const std::string body = Gzip(text);
   EXPECT_TRUE(Download(Response(200, body, kGzipHeader)) == "+" + text);
@@ -74,17 +74,17 @@ TEST_F(ContentEncodingTest, DecodesEveryMemberOfAGzipStream) {
             "+one two");
 }
 
-TEST_F(ContentEncodingTest, GzipOfNothingIsAnEmptyBody) {
+TEST_F(ContentEncodingTest, EmptyGzipIsAnEmptyBody) {
   EXPECT_EQ(Download(Response(200, Gzip(""), kGzipHeader)), "+");
   EXPECT_EQ(Download(Response(200, "", kGzipHeader)), "+");
 }
 
-TEST_F(ContentEncodingTest, IdentityIsNoEncoding) {
+TEST_F(ContentEncodingTest, AcceptsIdentity) {
   EXPECT_EQ(Download(Response(200, "hello", "Content-Encoding: identity\r\n")), "+hello");
   EXPECT_EQ(Download(Response(200, "hello", "Content-Encoding:\r\n")), "+hello");
 }
 
-TEST_F(ContentEncodingTest, GzipThatIsCutAnywhereIsAFailure) {
+TEST_F(ContentEncodingTest, RefusesGzipTruncatedAnywhere) {
   const std::string body = Gzip("hello world, hello world");
   for (std::size_t length = 1; length < body.size(); ++length) {
     EXPECT_EQ(Download(Response(200, body.substr(0, length), kGzipHeader)), "failed") << length;
@@ -95,7 +95,7 @@ TEST_F(ContentEncodingTest, GzipThatIsCutAnywhereIsAFailure) {
   EXPECT_EQ(Download(Response(200, large.substr(0, large.size() / 2), kGzipHeader)), "failed");
 }
 
-TEST_F(ContentEncodingTest, CorruptGzipIsAFailure) {
+TEST_F(ContentEncodingTest, RefusesCorruptGzip) {
   const std::string body = Gzip(LongText());
   // The head, the data, the check sum and the length.
   for (const std::size_t place :
@@ -110,7 +110,7 @@ TEST_F(ContentEncodingTest, CorruptGzipIsAFailure) {
   EXPECT_EQ(Download(Response(200, Gzip("hello") + std::string(10, '\0'), kGzipHeader)), "failed");
 }
 
-TEST_F(ContentEncodingTest, OtherEncodingsAreRefused) {
+TEST_F(ContentEncodingTest, RefusesOtherEncodings) {
   for (const char* name : {"br", "deflate", "zstd", "compress", "gzip, gzip", "gzip, br",
                            "br, gzip", "identity, gzip", "rot13", "gzip;q=1"}) {
     EXPECT_EQ(
@@ -123,7 +123,7 @@ TEST_F(ContentEncodingTest, OtherEncodingsAreRefused) {
             "failed");
 }
 
-TEST_F(ContentEncodingTest, GzipAsTransferEncodingIsRefused) {
+TEST_F(ContentEncodingTest, RefusesGzipAsTransferEncoding) {
   for (const char* name : {"gzip", "gzip, chunked", "deflate", "chunked, gzip"}) {
     EXPECT_EQ(Download("HTTP/1.1 200 OK\r\nTransfer-Encoding: " + std::string(name) + "\r\n\r\n" +
                        Gzip("hello")),
@@ -132,7 +132,7 @@ TEST_F(ContentEncodingTest, GzipAsTransferEncodingIsRefused) {
   }
 }
 
-TEST_F(ContentEncodingTest, EncodingOfARedirectHasNothingToDoWithTheResponse) {
+TEST_F(ContentEncodingTest, IgnoresTheEncodingOfARedirect) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     if (request.target == "/") {
       connection.Write(

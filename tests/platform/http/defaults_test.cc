@@ -38,7 +38,7 @@ TEST_F(DefaultsTest, UserAgentIsSent) {
   EXPECT_EQ(Get(transport_).Header("User-Agent"), "Modeller/1.0");
 }
 
-TEST_F(DefaultsTest, OwnUserAgentWins) {
+TEST_F(DefaultsTest, RequestUserAgentWins) {
   defaults_.user_agent = "Modeller/1.0";
   InternetData::SetDefaults(defaults_);
   transport_.SetValueForHTTPSendHeaders("user-agent", "Own/2.0");
@@ -52,7 +52,7 @@ TEST_F(DefaultsTest, LineEndsInTheUserAgentFailTheTransfer) {
   EXPECT_EQ(server_.connections(), 0);
 }
 
-TEST_F(DefaultsTest, ExtraHeadersAreSentBesideTheOwn) {
+TEST_F(DefaultsTest, SendsExtraHeadersBesideRequestHeaders) {
   defaults_.extra_request_headers["X-Extra"] = "extra";
   defaults_.extra_request_headers["X-Both"] = "extra";
   InternetData::SetDefaults(defaults_);
@@ -62,7 +62,7 @@ TEST_F(DefaultsTest, ExtraHeadersAreSentBesideTheOwn) {
   EXPECT_EQ(request.Header("X-Both"), "own");
 }
 
-TEST_F(DefaultsTest, PassedHeadersWinOverExtraOnes) {
+TEST_F(DefaultsTest, SendAndReadHeadersWinOverExtraOnes) {
   defaults_.extra_request_headers["X-Both"] = "extra";
   InternetData::SetDefaults(defaults_);
   StringMap headers;
@@ -72,7 +72,7 @@ TEST_F(DefaultsTest, PassedHeadersWinOverExtraOnes) {
   EXPECT_EQ(server_.requests().at(0).Header("X-Both"), "passed");
 }
 
-TEST_F(DefaultsTest, ExtraHeadersThatDifferInCaseAreOne) {
+TEST_F(DefaultsTest, ExtraHeaderNamesIgnoreCase) {
   defaults_.extra_request_headers["X-Extra"] = "1";
   defaults_.extra_request_headers["x-extra"] = "2";
   InternetData::SetDefaults(defaults_);
@@ -80,14 +80,14 @@ TEST_F(DefaultsTest, ExtraHeadersThatDifferInCaseAreOne) {
   EXPECT_TRUE(sent == "1" || sent == "2") << sent;
 }
 
-TEST_F(DefaultsTest, ExtraHeaderThatCannotBeSentFailsTheTransfer) {
+TEST_F(DefaultsTest, InvalidExtraHeaderFailsTheTransfer) {
   defaults_.extra_request_headers["X-Extra"] = "a\r\nX-Injected: 1";
   InternetData::SetDefaults(defaults_);
   EXPECT_FALSE(transport_.Download());
   EXPECT_EQ(server_.connections(), 0);
 }
 
-TEST_F(DefaultsTest, AreTakenWhenATransferStarts) {
+TEST_F(DefaultsTest, AreReadWhenATransferStarts) {
   defaults_.extra_request_headers["X-Extra"] = "first";
   InternetData::SetDefaults(defaults_);
   InternetData transport(Text(server_.Url()));
@@ -108,7 +108,7 @@ TEST_F(DefaultsTest, AreCopied) {
   EXPECT_EQ(Get(transport_).Header("User-Agent"), "Modeller/1.0");
 }
 
-TEST_F(DefaultsTest, ProxyIsAskedInsteadOfTheServer) {
+TEST_F(DefaultsTest, SendsRequestsToTheProxy) {
   const RawServer proxy(Always(Response(200, "through the proxy")));
   defaults_.proxy = proxy.Url("").c_str();
   InternetData::SetDefaults(defaults_);
@@ -129,7 +129,7 @@ TEST_F(DefaultsTest, ProxyOpensATunnelForHttps) {
   EXPECT_EQ(proxy.requests().at(0).target, "server.example:443");
 }
 
-TEST_F(DefaultsTest, OwnHeadersForTheServerAreNotToldToTheProxyOfATunnel) {
+TEST_F(DefaultsTest, HidesRequestHeadersFromTheProxyOfATunnel) {
   const RawServer proxy(AlwaysThenClose(Response(403, "no tunnel")));
   defaults_.proxy = proxy.Url("").c_str();
   InternetData::SetDefaults(defaults_);
@@ -139,7 +139,7 @@ TEST_F(DefaultsTest, OwnHeadersForTheServerAreNotToldToTheProxyOfATunnel) {
   EXPECT_FALSE(proxy.requests().at(0).HasHeader("Authorization"));
 }
 
-TEST_F(DefaultsTest, ProxyOfTheEnvironmentIsUsedWhereNoneIsSet) {
+TEST_F(DefaultsTest, UsesTheProxyOfTheEnvironmentByDefault) {
   const RawServer proxy(Always(Response(200, "through the proxy")));
   ASSERT_EQ(setenv("http_proxy", proxy.Url("").c_str(), 1), 0);
   EXPECT_TRUE(transport_.Download());

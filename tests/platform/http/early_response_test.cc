@@ -57,7 +57,7 @@ TEST_P(EarlyResponseTest, IsReceivedInTheBackground) {
   EXPECT_EQ(BodyOf(*background.transport), GetParam().body);
 }
 
-TEST_P(EarlyResponseTest, LeavesNoConnectionThatIsUsedAgain) {
+TEST_P(EarlyResponseTest, DoesNotReuseItsConnection) {
   for (int i = 0; i < 2; ++i) {
     InternetData transport(Text("none:"));
     SetSendData(std::string(kLargeBody, 'x'), transport);
@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class EarlyEndTest : public TransportTest {};
 
-TEST_F(EarlyEndTest, LengthBesideChunksDoesNotMakeACutResponseWhole) {
+TEST_F(EarlyEndTest, RefusesCutChunksDespiteContentLength) {
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         connection.Write(
@@ -102,7 +102,7 @@ TEST_F(EarlyEndTest, LengthBesideChunksDoesNotMakeACutResponseWhole) {
   ExpectFailureState(transport, 200);
 }
 
-TEST_F(EarlyEndTest, ResponseThatEndsWithTheConnectionIsReceived) {
+TEST_F(EarlyEndTest, AcceptsBodyEndedByClose) {
   // Whatever the upload does: the server's direction has ended in order.
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
@@ -117,7 +117,7 @@ TEST_F(EarlyEndTest, ResponseThatEndsWithTheConnectionIsReceived) {
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
-TEST_F(EarlyEndTest, ResponseThatEndsWithTheConnectionIsReceivedWhereNothingIsTakenAnyMore) {
+TEST_F(EarlyEndTest, AcceptsBodyEndedByCloseWhileTheUploadStalls) {
   SetInactivityTimeout(kTimeout);
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
@@ -133,7 +133,7 @@ TEST_F(EarlyEndTest, ResponseThatEndsWithTheConnectionIsReceivedWhereNothingIsTa
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
-TEST_F(EarlyEndTest, IncompleteResponseIsAFailure) {
+TEST_F(EarlyEndTest, RefusesAnIncompleteResponse) {
   SetInactivityTimeout(0.3F);
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {

@@ -42,7 +42,7 @@ TEST_F(ExchangeTest, FragmentIsNotSent) {
   EXPECT_EQ(server.requests().at(0).target, "/a");
 }
 
-TEST_F(ExchangeTest, DownloadSendsNoDataThatIsSetForUploads) {
+TEST_F(ExchangeTest, DownloadDoesNotSendTheSendData) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text(server.Url()));
   SetSendData("data", transport);
@@ -160,7 +160,7 @@ TEST_F(ExchangeTest, SkipsInterimResponses) {
   EXPECT_EQ(HeaderOf(transport, "Link"), "(none)");
 }
 
-TEST_F(ExchangeTest, GivesTheResponseHeaders) {
+TEST_F(ExchangeTest, ReturnsTheResponseHeaders) {
   const RawServer server(
       Always(Response(200, "", "X-One:  1 \r\nx-Two: a\r\nX-Empty:\r\nx-Two: b\r\n")));
   InternetData transport(Text(server.Url()));
@@ -187,7 +187,7 @@ TEST_F(ExchangeTest, NextTransferReplacesTheResponse) {
   EXPECT_EQ(HeaderOf(transport, "X-Second"), "2");
 }
 
-TEST_F(ExchangeTest, FailureLeavesNothingOfTheResponseBefore) {
+TEST_F(ExchangeTest, FailureClearsThePreviousResponse) {
   const RawServer server(Always(Response(200, "first")));
   InternetData transport(Text(server.Url()));
   ASSERT_TRUE(transport.Download());
@@ -217,7 +217,7 @@ TEST_F(ExchangeTest, StartOfABackgroundTransferResetsTheResponse) {
   EXPECT_EQ(BodyOf(*background.transport), "second");
 }
 
-TEST_F(ExchangeTest, SendAndReadFillsEveryPlace) {
+TEST_F(ExchangeTest, SendAndReadFillsEveryOutput) {
   const RawServer server(Always(Response(201, "hello", "X-Reply: yes\r\n")));
   InternetData transport(Text("none:"));
   SetSendData(AllBytes(), transport);
@@ -246,7 +246,7 @@ TEST_F(ExchangeTest, SendAndReadFillsEveryPlace) {
   EXPECT_EQ(requests[0].Header("Content-Type"), "application/json");
 }
 
-TEST_F(ExchangeTest, SendAndReadEmptiesEveryPlaceAfterAFailure) {
+TEST_F(ExchangeTest, SendAndReadSetsEveryOutputOnFailure) {
   const RawServer server(AlwaysThenClose("HTTP/1.1 203 Text\r\nContent-Length: 9\r\n\r\nshort"));
   InternetData transport(Text("none:"));
   unsigned char stale = 0;
@@ -264,7 +264,7 @@ TEST_F(ExchangeTest, SendAndReadEmptiesEveryPlaceAfterAFailure) {
   ExpectFailureState(transport, 203);
 }
 
-TEST_F(ExchangeTest, SendAndReadTakesNullForEveryPlace) {
+TEST_F(ExchangeTest, SendAndReadAcceptsNullOutputs) {
   const RawServer server(Always(Response(200, "hello")));
   InternetData transport(Text("none:"));
   EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
@@ -288,7 +288,7 @@ TEST_F(ExchangeTest, UploadWithoutDataSendsAnEmptyBody) {
   EXPECT_EQ(server.requests().size(), 2U);
 }
 
-TEST_F(ExchangeTest, SendDataCanBeReplacedAndTakenBack) {
+TEST_F(ExchangeTest, SendDataCanBeReplacedAndCleared) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text("none:"));
   const auto send = [&] {
@@ -391,7 +391,7 @@ TEST_F(ExchangeTest, LineEndsInAUrlAddNoRequestLines) {
   }
 }
 
-TEST_F(ExchangeTest, TransferThatCouldNotBeMadeSpoilsNoneAfterIt) {
+TEST_F(ExchangeTest, ImpossibleTransferDoesNotHarmTheNext) {
   const RawServer server(Always(Response(200, "hello")));
   for (const std::string& url : {server.Url("/a b\r\n"), std::string("http://"),
                                  std::string("none:"), server.Url("/\x01")}) {
@@ -408,7 +408,7 @@ TEST_F(ExchangeTest, TransferThatCouldNotBeMadeSpoilsNoneAfterIt) {
   }
 }
 
-TEST_F(ExchangeTest, FailsWhereNobodyListens) {
+TEST_F(ExchangeTest, FailsWhenNoServerListens) {
   std::string url;
   {
     const RawServer server(Silence());

@@ -77,7 +77,7 @@ TEST_F(ExecutorTest, CompletionPostsOnTheThreadThatRunsIt) {
   EXPECT_EQ(BodyOf(*background.transport), "hello");
 }
 
-TEST_F(ExecutorTest, FailureIsCompletedTheSameWay) {
+TEST_F(ExecutorTest, CompletesFailuresToo) {
   Background background("none:");
   StartAndTake(background)();
   EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kFailed});
@@ -91,7 +91,7 @@ TEST_F(ExecutorTest, ResponseAppearsJustBeforeThePost) {
   EXPECT_EQ(background.transport->status_code(), 200);
 }
 
-TEST_F(ExecutorTest, ResponseIsThereInsideTheNotification) {
+TEST_F(ExecutorTest, ResponseIsReadableInsideTheNotification) {
   std::string body;
   Background* current = nullptr;
   Background background(server_.Url(), [&] { body = BodyOf(*current->transport); });
@@ -100,7 +100,7 @@ TEST_F(ExecutorTest, ResponseIsThereInsideTheNotification) {
   EXPECT_EQ(body, "hello");
 }
 
-TEST_F(ExecutorTest, CompletionRunAgainDoesNothing) {
+TEST_F(ExecutorTest, SecondRunOfACompletionDoesNothing) {
   Background background(server_.Url());
   const auto completion = StartAndTake(background);
   const auto copy = completion;
@@ -110,7 +110,7 @@ TEST_F(ExecutorTest, CompletionRunAgainDoesNothing) {
   EXPECT_EQ(background.recorder.entries().size(), 1U);
 }
 
-TEST_F(ExecutorTest, CompletionAfterTheDeletionOfBothPostsNothing) {
+TEST_F(ExecutorTest, CompletionPostsNothingAfterBothAreDeleted) {
   Background background(server_.Url());
   const auto completion = StartAndTake(background);
   background.delegate.reset();
@@ -119,7 +119,7 @@ TEST_F(ExecutorTest, CompletionAfterTheDeletionOfBothPostsNothing) {
   EXPECT_TRUE(background.recorder.entries().empty());
 }
 
-TEST_F(ExecutorTest, CompletionAfterTheDeletionOfTheDelegatePostsNothing) {
+TEST_F(ExecutorTest, CompletionPostsNothingAfterTheDelegateIsDeleted) {
   Background background(server_.Url());
   const auto completion = StartAndTake(background);
   background.delegate.reset();
@@ -127,7 +127,7 @@ TEST_F(ExecutorTest, CompletionAfterTheDeletionOfTheDelegatePostsNothing) {
   EXPECT_TRUE(background.recorder.entries().empty());
 }
 
-TEST_F(ExecutorTest, CompletionAfterTheDeletionOfTheTransportPostsNothing) {
+TEST_F(ExecutorTest, CompletionPostsNothingAfterTheTransportIsDeleted) {
   Background background(server_.Url());
   const auto completion = StartAndTake(background);
   background.transport.reset();
@@ -147,7 +147,7 @@ TEST_F(ExecutorTest, CompletionOfAReplacedTransferPostsNothing) {
   EXPECT_EQ(BodyOf(*background.transport), "hello");
 }
 
-TEST_F(ExecutorTest, CompletionThatIsNeverRunHarmsNobody) {
+TEST_F(ExecutorTest, CompletionMayBeDestroyedUnrun) {
   Background background(server_.Url());
   { const auto dropped = StartAndTake(background); }
   background.transport.reset();
@@ -173,7 +173,7 @@ TEST_F(ExecutorTest, DeletionWaitsForACompletionThatRunsOnAnotherThread) {
   EXPECT_FALSE(returned_too_early);
 }
 
-TEST_F(ExecutorTest, EmptyFunctionBringsTheDefaultBack) {
+TEST_F(ExecutorTest, EmptyFunctionRestoresTheDefault) {
   InternetData::SetCompletionExecutor(nullptr);
   Background background(server_.Url());
   ASSERT_TRUE(background.Start());
@@ -182,7 +182,7 @@ TEST_F(ExecutorTest, EmptyFunctionBringsTheDefaultBack) {
   EXPECT_NE(background.recorder.entries().at(0).thread, std::this_thread::get_id());
 }
 
-TEST_F(ExecutorTest, IsTakenWhenATransferEnds) {
+TEST_F(ExecutorTest, IsReadWhenATransferEnds) {
   Event answer;
   const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
     EXPECT_TRUE(answer.Wait());
@@ -208,7 +208,7 @@ TEST_F(ExecutorTest, MayRunTheCompletionItself) {
   EXPECT_EQ(background.WaitForEnd(), kReturned);
 }
 
-TEST_F(ExecutorTest, DoesNotConcernSynchronousTransfers) {
+TEST_F(ExecutorTest, IsNotUsedForSynchronousTransfers) {
   InternetData transport(Text(server_.Url()));
   EXPECT_TRUE(transport.Download());
   EXPECT_TRUE(queue_.IsEmpty());
@@ -232,7 +232,7 @@ TEST_F(ExecutorTest, ReplacementWaitsForACallOnAnotherThread) {
   EXPECT_FALSE(returned_too_early);
 }
 
-TEST_F(ExecutorTest, CompletionsCanBeStartedFromInsideANotification) {
+TEST_F(ExecutorTest, NotificationMayStartTheNextTransfer) {
   int starts = 1;
   Background* current = nullptr;
   Background background(server_.Url(), [&] { EXPECT_TRUE(++starts > 3 || current->Start()); });

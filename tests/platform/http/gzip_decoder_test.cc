@@ -43,7 +43,7 @@ class GzipDecoderTest : public ::testing::Test {
   BodyBuffer out_;
 };
 
-TEST_F(GzipDecoderTest, DecodesAtOnce) {
+TEST_F(GzipDecoderTest, DecodesInOneCall) {
   EXPECT_TRUE(decoder_.AtEnd());
   EXPECT_EQ(Decode(Gzip("hello")), Result::kOk);
   EXPECT_EQ(TextOf(out_), "hello");
@@ -72,19 +72,19 @@ TEST_F(GzipDecoderTest, DecodesMoreThanOneStepOfOutput) {
   }
 }
 
-TEST_F(GzipDecoderTest, DecodesTextThatDoesNotCompress) {
+TEST_F(GzipDecoderTest, DecodesIncompressibleText) {
   const std::string text = Varied(300'000);
   EXPECT_EQ(Decode(Gzip(text)), Result::kOk);
   EXPECT_TRUE(TextOf(out_) == text);
 }
 
-TEST_F(GzipDecoderTest, AppendsToWhatIsThere) {
+TEST_F(GzipDecoderTest, AppendsToTheOutput) {
   out_.Append("before ", 7);
   EXPECT_EQ(Decode(Gzip("after")), Result::kOk);
   EXPECT_EQ(TextOf(out_), "before after");
 }
 
-TEST_F(GzipDecoderTest, NothingIsDecodedToNothing) {
+TEST_F(GzipDecoderTest, AcceptsEmptyInput) {
   EXPECT_EQ(Decode(""), Result::kOk);
   EXPECT_TRUE(decoder_.AtEnd());
   EXPECT_EQ(Decode(Gzip("")), Result::kOk);
@@ -92,7 +92,7 @@ TEST_F(GzipDecoderTest, NothingIsDecodedToNothing) {
   EXPECT_EQ(out_.size(), 0U);
 }
 
-TEST_F(GzipDecoderTest, EveryPrefixLeavesTheEndOpen) {
+TEST_F(GzipDecoderTest, IsNotAtTheEndOfAnyPrefix) {
   const std::string data = Gzip("hello world");
   for (std::size_t length = 1; length < data.size(); ++length) {
     GzipDecoder decoder;
@@ -125,13 +125,13 @@ TEST_F(GzipDecoderTest, CapHoldsAcrossCallsAndMembers) {
   EXPECT_EQ(Decode(Gzip("1"), 10), Result::kTooLarge);
 }
 
-TEST_F(GzipDecoderTest, BombStopsAtTheCap) {
+TEST_F(GzipDecoderTest, StopsABombAtTheCap) {
   const std::string bomb = Gzip(std::string(std::size_t{64} << 20, '\0'));
   EXPECT_EQ(Decode(bomb, 1000), Result::kTooLarge);
   EXPECT_LE(out_.size(), 1001U);
 }
 
-TEST_F(GzipDecoderTest, KnowsCorruption) {
+TEST_F(GzipDecoderTest, RefusesCorruptData) {
   const std::string data = Gzip(Varied(1000));
   // Each part that is checked: magic number, method, check sum, length.
   for (const std::size_t place :

@@ -60,26 +60,26 @@ class HandleReuseTest : public TransportTest {
   }
 };
 
-TEST_F(HandleReuseTest, HeadersThatBeginWithAContinuationHarmNobody) {
+TEST_F(HandleReuseTest, SurvivesHeadersThatBeginWithAContinuation) {
   ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd);
   ExpectHarmless(kOk + ("\tfolded: " + kLong) + "\r\nX-Next: 1\r\n more\r\n" + kEnd);
 }
 
-TEST_F(HandleReuseTest, TheyHarmNobodyWhenTheyComeByAndBy) {
+TEST_F(HandleReuseTest, SurvivesALeadingContinuationByteByByte) {
   ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd, true);
 }
 
-TEST_F(HandleReuseTest, TheyHarmNobodyInAnInterimResponseOrAfterOne) {
+TEST_F(HandleReuseTest, SurvivesALeadingContinuationWithInterimResponses) {
   ExpectHarmless("HTTP/1.1 100 Continue\r\n folded: " + kLong + "\r\n\r\n" + kOk + kEnd);
   ExpectHarmless("HTTP/1.1 100 Continue\r\n\r\n" + std::string(kOk) + " folded: " + kLong + "\r\n" +
                  kEnd);
 }
 
-TEST_F(HandleReuseTest, TheyHarmNobodyInARedirect) {
+TEST_F(HandleReuseTest, SurvivesALeadingContinuationInARedirect) {
   ExpectHarmless("HTTP/1.1 302 Found\r\n folded: " + kLong + "\r\nLocation: /good\r\n" + kEnd);
 }
 
-TEST_F(HandleReuseTest, ContinuationOfAFieldIsTaken) {
+TEST_F(HandleReuseTest, AcceptsAContinuationOfAField) {
   const RawServer server(Always(kOk + ("X-Long: " + kLong) + "\r\n more: of it\r\n" + kEnd));
   for (int i = 0; i < 3; ++i) {
     InternetData transport(Text(server.Url()));
@@ -88,12 +88,12 @@ TEST_F(HandleReuseTest, ContinuationOfAFieldIsTaken) {
   }
 }
 
-TEST_F(HandleReuseTest, ResponseWithoutAnyHeaderIsTaken) {
+TEST_F(HandleReuseTest, AcceptsAResponseWithoutHeaders) {
   const RawServer server(AlwaysThenClose(std::string(kOk) + "\r\nhello"));
   for (int i = 0; i < 3; ++i) ExpectHello(server.Url());
 }
 
-TEST_F(HandleReuseTest, NothingOfARequestGoesIntoTheNext) {
+TEST_F(HandleReuseTest, RequestLeavesNothingInTheNext) {
   const RawServer server(Always(Response(200, "hello")));
   std::string with_user = server.Url();
   with_user.insert(with_user.find("//") + 2, "user:password@");
@@ -114,7 +114,7 @@ TEST_F(HandleReuseTest, NothingOfARequestGoesIntoTheNext) {
   EXPECT_EQ(request.Header("Accept-Encoding"), "gzip");
 }
 
-TEST_F(HandleReuseTest, DefaultsThatAreTakenBackAreForgotten) {
+TEST_F(HandleReuseTest, ForgetsDefaultsThatAreReset) {
   const RawServer server(Always(Response(200, "hello")));
   TransferDefaults defaults;
   defaults.proxy = Text(server.Url());
@@ -129,7 +129,7 @@ TEST_F(HandleReuseTest, DefaultsThatAreTakenBackAreForgotten) {
 }
 
 // Such a request is made again on another connection, and that only so many times.
-TEST_F(HandleReuseTest, KeptConnectionsMayCloseUnderAnyNumberOfTransfers) {
+TEST_F(HandleReuseTest, KeptConnectionsMayCloseAnyNumberOfTimes) {
   std::mutex mutex;
   std::set<int> used;
   const RawServer server([&](const RawRequest& request, RawConnection& connection) {
@@ -143,7 +143,7 @@ TEST_F(HandleReuseTest, KeptConnectionsMayCloseUnderAnyNumberOfTransfers) {
   for (int i = 0; i < 20; ++i) ExpectHello(server.Url());
 }
 
-TEST_F(HandleReuseTest, ManyTransfersThatCannotBeMadeSpoilNone) {
+TEST_F(HandleReuseTest, ManyImpossibleTransfersDoNotHarmTheNext) {
   const RawServer server(Always(Response(200, "hello")));
   for (const char* url : {"none:", "http://127.0.0.1:99999/", "http://127.0.0.1/a b"}) {
     for (int i = 0; i < 100; ++i) {

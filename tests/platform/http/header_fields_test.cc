@@ -43,7 +43,7 @@ TEST(HeaderFields, LineEndMayBeMissing) {
   EXPECT_EQ(ValueOf(fields, "X-Two"), "2");
 }
 
-TEST(HeaderFields, JoinWhatIsRepeated) {
+TEST(HeaderFields, JoinRepeatedValues) {
   EXPECT_EQ(ValueOf(FieldsOf({"X-A:\r\n", "X-A: 1\r\n", "X-A: 2\r\n"}), "X-A"), "1, 2");
 }
 
@@ -55,7 +55,7 @@ TEST(HeaderFields, ContinueTheFieldBefore) {
   EXPECT_EQ(ValueOf(fields, "X-B"), "four");
 }
 
-TEST(HeaderFields, TakeBytesThatAreNotUtf8) {
+TEST(HeaderFields, AcceptBytesThatAreNotUtf8) {
   EXPECT_EQ(ValueOf(FieldsOf({"X-A: caf\xE9\r\n"}), "X-A"), "caf\xEF\xBF\xBD");
 }
 

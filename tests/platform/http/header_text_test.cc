@@ -51,7 +51,7 @@ TEST(HeaderText, NamesAreTokens) {
   }
 }
 
-TEST(HeaderText, ValuesHoldNoControlCharacterButTabs) {
+TEST(HeaderText, ValuesAllowNoControlCharacterButTab) {
   EXPECT_TRUE(IsHeaderValue(""));
   EXPECT_TRUE(IsHeaderValue("a\tb \"c\" \xC3\xA9"));
   for (int byte = 0; byte < 256; ++byte) {

@@ -34,7 +34,7 @@ TEST_P(IncompleteResponseTest, IsAFailureInTheBackground) {
   ExpectFailureState(*background.transport, GetParam().status);
 }
 
-TEST_P(IncompleteResponseTest, IsAFailureOfAnUpload) {
+TEST_P(IncompleteResponseTest, IsAFailureForAnUpload) {
   const RawServer server(AlwaysThenClose(GetParam().bytes));
   InternetData transport(Text("none:"));
   SetSendData("data", transport);
@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class OddResponseTest : public TransportTest {};
 
-TEST_F(OddResponseTest, SameLengthTwiceIsNoContradiction) {
+TEST_F(OddResponseTest, AcceptsTheSameLengthTwice) {
   for (const char* lengths :
        {"Content-Length: 5\r\nContent-Length: 5\r\n", "Content-Length: 5, 5\r\n"}) {
     const RawServer server(Always(std::string("HTTP/1.1 200 OK\r\n") + lengths + "\r\nhello"));
@@ -130,7 +130,7 @@ TEST_F(OddResponseTest, TrailerLikeAStatusLineIsATrailer) {
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
-TEST_F(OddResponseTest, FoldedLineThatContinuesNothingHarmsNobody) {
+TEST_F(OddResponseTest, SurvivesALeadingFoldedLine) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(request.target == "/folded"
                          ? "HTTP/1.1 200 OK\r\n folded: " + std::string(100, 'x') +
@@ -147,7 +147,7 @@ TEST_F(OddResponseTest, FoldedLineThatContinuesNothingHarmsNobody) {
   }
 }
 
-TEST_F(OddResponseTest, EndlessHeadersAreRefused) {
+TEST_F(OddResponseTest, RefusesEndlessHeaders) {
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 OK\r\n");
     while (connection.Write("X-Header: " + std::string(1000, 'x') + "\r\n")) {
@@ -158,7 +158,7 @@ TEST_F(OddResponseTest, EndlessHeadersAreRefused) {
   ExpectFailureState(transport, 200);
 }
 
-TEST_F(OddResponseTest, EndlessHeaderLineIsRefused) {
+TEST_F(OddResponseTest, RefusesAnEndlessHeaderLine) {
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 OK\r\nX-Header: ");
     while (connection.Write(std::string(1000, 'x'))) {

@@ -59,7 +59,7 @@ class ListenerTest : public TransportTest {
   std::vector<Told> told_;
 };
 
-TEST_F(ListenerTest, IsToldOfADownload) {
+TEST_F(ListenerTest, HearsOfADownload) {
   const std::string body(300'000, 'x');
   const RawServer server(Always(Response(200, body)));
   InternetData transport(Text(server.Url("/a")));
@@ -86,7 +86,7 @@ TEST_F(ListenerTest, IsToldOfADownload) {
   EXPECT_EQ(events.back().event.bytes_expected, body.size());
 }
 
-TEST_F(ListenerTest, IsToldOfABackgroundTransferOnItsThread) {
+TEST_F(ListenerTest, HearsOfABackgroundTransferOnItsThread) {
   const RawServer server(Always(Response(404, "hello")));
   Background background(server.Url());
   ASSERT_TRUE(background.Start());
@@ -98,7 +98,7 @@ TEST_F(ListenerTest, IsToldOfABackgroundTransferOnItsThread) {
   for (const Told& each : told()) EXPECT_EQ(each.thread, posting_thread);
 }
 
-TEST_F(ListenerTest, IsToldOfAnUpload) {
+TEST_F(ListenerTest, HearsOfAnUpload) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
@@ -119,7 +119,7 @@ TEST_F(ListenerTest, IsToldOfAnUpload) {
   EXPECT_EQ(events.back().event.bytes_sent, kLargeBody);
 }
 
-TEST_F(ListenerTest, DecodedBytesCountAndTheirNumberIsUnknownBeforehand) {
+TEST_F(ListenerTest, CountsDecodedBytesWithoutAnExpectedTotal) {
   const std::string text(100'000, 'x');
   const RawServer server(Always(Response(200, Gzip(text), "Content-Encoding: gzip\r\n")));
   InternetData transport(Text(server.Url()));
@@ -128,7 +128,7 @@ TEST_F(ListenerTest, DecodedBytesCountAndTheirNumberIsUnknownBeforehand) {
   for (const Told& each : told()) EXPECT_EQ(each.event.bytes_expected, 0U);
 }
 
-TEST_F(ListenerTest, UrlIsTheOneBeforeTheRedirects) {
+TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
                                                : Response(200, "hello"));
@@ -139,7 +139,7 @@ TEST_F(ListenerTest, UrlIsTheOneBeforeTheRedirects) {
   EXPECT_EQ(told().back().event.status, 200);
 }
 
-TEST_F(ListenerTest, FailuresHaveATextEach) {
+TEST_F(ListenerTest, EachFailureHasAText) {
   const RawServer cut(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhe"));
   const RawServer inside_headers(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent"));
   const RawServer encoded(Always(Response(200, "x", "Content-Encoding: br\r\n")));
@@ -162,7 +162,7 @@ TEST_F(ListenerTest, FailuresHaveATextEach) {
   }
 }
 
-TEST_F(ListenerTest, TimeoutSaysSo) {
+TEST_F(ListenerTest, ErrorTextNamesATimeout) {
   SetInactivityTimeout(0.25F);
   const RawServer server(Silence());
   InternetData transport(Text(server.Url()));
@@ -170,7 +170,7 @@ TEST_F(ListenerTest, TimeoutSaysSo) {
   EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()), ::testing::HasSubstr("0.25"));
 }
 
-TEST_F(ListenerTest, IsToldTheEndOfATransferThatIsDropped) {
+TEST_F(ListenerTest, HearsTheEndOfADroppedTransfer) {
   const RawServer server(Silence());
   {
     Background background(server.Url());
@@ -190,7 +190,7 @@ TEST_F(ListenerTest, IsToldTheEndOfATransferThatIsDropped) {
   EXPECT_EQ(ends, 1);
 }
 
-TEST_F(ListenerTest, IsTakenWhenATransferStarts) {
+TEST_F(ListenerTest, IsReadWhenATransferStarts) {
   Event answer;
   const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
     EXPECT_TRUE(answer.Wait());
@@ -209,7 +209,7 @@ TEST_F(ListenerTest, IsTakenWhenATransferStarts) {
   EXPECT_TRUE(told().empty());
 }
 
-TEST_F(ListenerTest, ThatIsEndedIsToldNothingMoreOfATransferUnderWay) {
+TEST_F(ListenerTest, HearsNothingMoreAfterItsRemoval) {
   Event answer;
   const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
     EXPECT_TRUE(answer.Wait());

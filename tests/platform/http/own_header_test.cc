@@ -22,7 +22,7 @@ class OwnHeaderTest : public TransportTest {
   InternetData transport_{Text(server_.Url())};
 };
 
-TEST_F(OwnHeaderTest, EncodingsAreThoseThatTheHostOffers) {
+TEST_F(OwnHeaderTest, HostMaySetTheOfferedEncodings) {
   transport_.SetValueForHTTPSendHeaders("Accept-Encoding", "identity");
   ASSERT_TRUE(transport_.Download());
   const RawRequest request = LastRequest(server_);
@@ -30,7 +30,7 @@ TEST_F(OwnHeaderTest, EncodingsAreThoseThatTheHostOffers) {
   EXPECT_EQ(Count(request, "Accept-Encoding"), 1);
 }
 
-TEST_F(OwnHeaderTest, ExpectationIsTheHosts) {
+TEST_F(OwnHeaderTest, HostMaySetExpect) {
   transport_.SetValueForHTTPSendHeaders("Expect", "nothing");
   SetSendData("data", transport_);
   int status = 0;

@@ -234,7 +234,7 @@ TEST_F(ProcessEndTest, TransfersEndAfterForkAndExec) {
 
 class RequestsAtExitTest : public ::testing::TestWithParam<const char*> {};
 
-TEST_P(RequestsAtExitTest, AreNoHindrance) {
+TEST_P(RequestsAtExitTest, DoNotDelayExit) {
   const RawServer server(Silence());
   Child child({STOWRA_EXIT_CHILD, GetParam(), server.Url()});
   ASSERT_TRUE(server.WaitForRequests(kExitChildRequests));

@@ -27,7 +27,7 @@ RawServer::Handler RedirectTo(const std::string& location, int status = 302) {
 
 class RedirectTest : public TransportTest {};
 
-TEST_F(RedirectTest, EveryRedirectOfAGetIsFollowed) {
+TEST_F(RedirectTest, FollowsEveryRedirectOfAGet) {
   for (const int status : {301, 302, 303, 307, 308}) {
     const RawServer server(RedirectTo("/to", status));
     InternetData transport(Text(server.Url("/from")));
@@ -41,7 +41,7 @@ TEST_F(RedirectTest, EveryRedirectOfAGetIsFollowed) {
   }
 }
 
-TEST_F(RedirectTest, RedirectIsFollowedInTheBackground) {
+TEST_F(RedirectTest, FollowsARedirectInTheBackground) {
   const RawServer server(RedirectTo("/to"));
   Background background(server.Url("/from"));
   ASSERT_TRUE(background.Start());
@@ -60,7 +60,7 @@ void PrintTo(const PostCase& item, std::ostream* out) { *out << item.status; }
 
 class RedirectedPostTest : public TransportTest, public ::testing::WithParamInterface<PostCase> {};
 
-TEST_P(RedirectedPostTest, ChangesItsMethodByTheStatus) {
+TEST_P(RedirectedPostTest, MethodDependsOnTheStatus) {
   const RawServer server(RedirectTo("/to", GetParam().status));
   InternetData transport(Text("none:"));
   SetSendData("data", transport);
@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(Statuses, RedirectedPostTest,
                                            PostCase{308, "POST", "data"}),
                          [](const auto& test) { return std::to_string(test.param.status); });
 
-TEST_F(RedirectTest, TwentyAreFollowedAndNoMore) {
+TEST_F(RedirectTest, FollowsTwentyAndNoMore) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     const int left = std::atoi(request.target.c_str() + 1);
     connection.Write(left > 0 ? Redirect(302, "/" + std::to_string(left - 1))
@@ -105,7 +105,7 @@ TEST_F(RedirectTest, TwentyAreFollowedAndNoMore) {
   ExpectFailureState(refused, 302);
 }
 
-TEST_F(RedirectTest, CircleIsAFailure) {
+TEST_F(RedirectTest, FailsOnACircle) {
   const RawServer server(Always(Redirect(302, "/from")));
   Background background(server.Url("/from"));
   ASSERT_TRUE(background.Start());
@@ -113,7 +113,7 @@ TEST_F(RedirectTest, CircleIsAFailure) {
   EXPECT_EQ(server.requests().size(), std::size_t{kMostRedirects} + 1);
 }
 
-TEST_F(RedirectTest, RelativeLocationsAreResolved) {
+TEST_F(RedirectTest, ResolvesRelativeLocations) {
   const struct {
     const char* location;
     const char* target;
@@ -142,7 +142,7 @@ TEST_F(RedirectTest, LocationMayNameAnotherServer) {
   EXPECT_EQ(BodyOf(second), "other");
 }
 
-TEST_F(RedirectTest, OtherProtocolsAreRefused) {
+TEST_F(RedirectTest, RefusesOtherSchemes) {
   for (const char* location :
        {"file:///etc/passwd", "ftp://127.0.0.1/", "FILE:///etc/passwd", "gopher://127.0.0.1/",
         "dict://127.0.0.1/", "scp://127.0.0.1/", "telnet://127.0.0.1/", "file://localhost/etc"}) {
@@ -154,7 +154,7 @@ TEST_F(RedirectTest, OtherProtocolsAreRefused) {
 }
 
 // Otherwise the status would be that of the one and the body that of the other.
-TEST_F(RedirectTest, RedirectThatBreaksOffInItsHeadersIsAFailure) {
+TEST_F(RedirectTest, FailsWhenARedirectBreaksOffInItsHeaders) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     if (request.target != "/from") return static_cast<void>(connection.Write(Response(200, "no")));
     connection.Write("HTTP/1.1 302 Found\r\nLocation: /to\r\n");
@@ -174,7 +174,7 @@ TEST_F(RedirectTest, RedirectWithoutALocationIsAResponse) {
   EXPECT_EQ(BodyOf(transport), "nowhere");
 }
 
-TEST_F(RedirectTest, LocationOfASuccessIsNotFollowed) {
+TEST_F(RedirectTest, IgnoresTheLocationOfASuccess) {
   const RawServer server(Always(Response(201, "made", "Location: /made\r\n")));
   InternetData transport(Text(server.Url("/")));
   EXPECT_TRUE(transport.Download());
@@ -183,7 +183,7 @@ TEST_F(RedirectTest, LocationOfASuccessIsNotFollowed) {
   EXPECT_EQ(server.requests().size(), 1U);
 }
 
-TEST_F(RedirectTest, RequestHeadersGoAlong) {
+TEST_F(RedirectTest, SendsRequestHeadersToTheTarget) {
   const RawServer server(RedirectTo("/to"));
   InternetData transport(Text(server.Url("/from")));
   transport.SetValueForHTTPSendHeaders("X-Own", "1");
@@ -192,7 +192,7 @@ TEST_F(RedirectTest, RequestHeadersGoAlong) {
   EXPECT_EQ(server.requests()[1].Header("X-Own"), "1");
 }
 
-TEST_F(RedirectTest, CredentialsDoNotGoAlongToAnotherServer) {
+TEST_F(RedirectTest, DoesNotSendCredentialsToAnotherServer) {
   const RawServer other(Always(Response(200, "other")));
   const RawServer server(RedirectTo(other.Url("/there")));
   InternetData transport(Text(server.Url("/from")));
@@ -205,7 +205,7 @@ TEST_F(RedirectTest, CredentialsDoNotGoAlongToAnotherServer) {
   EXPECT_FALSE(other.requests().at(0).HasHeader("Cookie"));
 }
 
-TEST_F(RedirectTest, IsAResponseWhereRedirectsAreNotFollowed) {
+TEST_F(RedirectTest, IsAResponseWhenRedirectsAreNotFollowed) {
   const RawServer server(RedirectTo("/to"));
   InternetData transport(Text(server.Url("/from")));
   ovrant::internet::InternetDataTestPeer::StopFollowingRedirects(transport);

@@ -39,7 +39,7 @@ TEST_F(RequestHeaderTest, AreSentWithDownloadsAndUploads) {
   EXPECT_EQ(LastRequest(server_).Header("Content-Type"), "application/json");
 }
 
-TEST_F(RequestHeaderTest, SameNameReplacesWhateverItsCase) {
+TEST_F(RequestHeaderTest, SameNameInAnyCaseReplacesTheValue) {
   transport_.SetValueForHTTPSendHeaders("X-Own", "1");
   transport_.SetValueForHTTPSendHeaders("X-Other", "2");
   transport_.SetValueForHTTPSendHeaders("x-oWN", "3");
@@ -48,7 +48,7 @@ TEST_F(RequestHeaderTest, SameNameReplacesWhateverItsCase) {
   EXPECT_EQ(request.Header("X-Other"), "2");
 }
 
-TEST_F(RequestHeaderTest, SendAndReadsOwnWinForThatTransferAlone) {
+TEST_F(RequestHeaderTest, SendAndReadHeadersWinForOneTransfer) {
   transport_.SetValueForHTTPSendHeaders("X-One", "set");
   transport_.SetValueForHTTPSendHeaders("X-Two", "set");
   StringMap headers;
@@ -65,7 +65,7 @@ TEST_F(RequestHeaderTest, SendAndReadsOwnWinForThatTransferAlone) {
   EXPECT_FALSE(request.HasHeader("X-Three"));
 }
 
-TEST_F(RequestHeaderTest, OnlyWhatIsNeededIsSentByItself) {
+TEST_F(RequestHeaderTest, SendsOnlyNecessaryHeadersByDefault) {
   const RawRequest get = Get(transport_);
   EXPECT_FALSE(get.HasHeader("User-Agent"));
   EXPECT_FALSE(get.HasHeader("Content-Type"));
@@ -78,14 +78,14 @@ TEST_F(RequestHeaderTest, OnlyWhatIsNeededIsSentByItself) {
   EXPECT_FALSE(post.HasHeader("Expect"));
 }
 
-TEST_F(RequestHeaderTest, LargeUploadDoesNotAskBeforeIt) {
+TEST_F(RequestHeaderTest, LargeUploadSendsNoExpect) {
   SetSendData(std::string(2 << 20, 'x'), transport_);
   EXPECT_TRUE(transport_.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, nullptr, false,
                                      false, true, "", "", nullptr));
   EXPECT_FALSE(LastRequest(server_).HasHeader("Expect"));
 }
 
-TEST_F(RequestHeaderTest, LengthIsTheTransportsOwn) {
+TEST_F(RequestHeaderTest, IgnoresFramingHeadersOfTheHost) {
   transport_.SetValueForHTTPSendHeaders("Content-Length", "1000");
   transport_.SetValueForHTTPSendHeaders("content-length", "1000");
   transport_.SetValueForHTTPSendHeaders("Transfer-Encoding", "chunked");
@@ -112,7 +112,7 @@ TEST_F(RequestHeaderTest, ValueOfBlanksIsSentAsEmpty) {
   EXPECT_EQ(request.Header("X-Blank"), "");
 }
 
-TEST_F(RequestHeaderTest, ValueKeepsWhatHeadersMayHold) {
+TEST_F(RequestHeaderTest, KeepsEveryValidCharacterOfAValue) {
   transport_.SetValueForHTTPSendHeaders("X-Own", "a: b; c=\"d\", e\tf");
   transport_.SetValueForHTTPSendHeaders("X-Unicode", "\xC3\xA9\xE2\x82\xAC");
   transport_.SetValueForHTTPSendHeaders("X-!#$%&'*+.^_`|~1", "odd name");
@@ -122,7 +122,7 @@ TEST_F(RequestHeaderTest, ValueKeepsWhatHeadersMayHold) {
   EXPECT_EQ(request.Header("X-!#$%&'*+.^_`|~1"), "odd name");
 }
 
-TEST_F(RequestHeaderTest, WhatCannotStandInAHeaderFailsTheTransfer) {
+TEST_F(RequestHeaderTest, InvalidHeaderFailsTheTransfer) {
   const struct {
     std::string name;
     std::string value;

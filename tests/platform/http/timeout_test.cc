@@ -112,7 +112,7 @@ TEST_F(TimeoutTest, BytesInAChunkSizeAreProgress) {
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
-TEST_F(TimeoutTest, ConnectionThatIsNotMadeEnds) {
+TEST_F(TimeoutTest, EndsAConnectionThatIsNotMade) {
   SetInactivityTimeout(kShort);
   const FullListener listener;
   InternetData transport(Text(listener.Url()));
@@ -126,7 +126,7 @@ TEST_F(TimeoutTest, ConnectionThatIsNotMadeEnds) {
   EXPECT_EQ(background.WaitForEnd(), kFailed);
 }
 
-TEST_F(TimeoutTest, TlsThatIsNotNegotiatedEnds) {
+TEST_F(TimeoutTest, EndsAStalledTlsHandshake) {
   SetInactivityTimeout(kShort);
   const RawServer server(Silence());
   InternetData transport(Text("https" + server.Url().substr(4)));
@@ -137,7 +137,7 @@ TEST_F(TimeoutTest, TlsThatIsNotNegotiatedEnds) {
   ExpectFailureState(transport);
 }
 
-TEST_F(TimeoutTest, TransfersOfOthersAreNoProgress) {
+TEST_F(TimeoutTest, OtherTransfersAreNotProgress) {
   SetInactivityTimeout(kShort);
   const RawServer silent(Silence());
   const RawServer busy([](const RawRequest&, RawConnection& connection) {
@@ -196,7 +196,7 @@ TEST_F(TimeoutTest, BytesThatTheSystemSendsOfAnUploadAreProgress) {
   EXPECT_EQ(BodyOf(transport), std::to_string(kBody));
 }
 
-TEST_F(TimeoutTest, UploadThatNobodyTakesEnds) {
+TEST_F(TimeoutTest, EndsAnUploadThatTheServerDoesNotRead) {
   SetInactivityTimeout(kShort);
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) { connection.StallWithoutReading(); },
@@ -208,7 +208,7 @@ TEST_F(TimeoutTest, UploadThatNobodyTakesEnds) {
   ExpectFailureState(*background.transport);
 }
 
-TEST_F(TimeoutTest, ReusedConnectionHasTheWholeTimeAgain) {
+TEST_F(TimeoutTest, ReusedConnectionGetsTheWholeTimeout) {
   SetInactivityTimeout(kShort);
   int count = 0;
   const RawServer server([&count](const RawRequest&, RawConnection& connection) {
@@ -226,7 +226,7 @@ TEST_F(TimeoutTest, ReusedConnectionHasTheWholeTimeAgain) {
   EXPECT_LT(Clock::now() - begin, kSoon);
 }
 
-TEST_F(TimeoutTest, SettingThatIsNoTimeIsTheDefault) {
+TEST_F(TimeoutTest, InvalidSettingMeansTheDefault) {
   for (const float seconds : {-1.0F, 0.0F, std::numeric_limits<float>::quiet_NaN(),
                               std::numeric_limits<float>::infinity()}) {
     SetInactivityTimeout(seconds);

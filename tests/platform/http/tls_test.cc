@@ -45,7 +45,7 @@ class TlsTest : public TransportTest {
   const Certificate good_ = authority_.Issue(kLocalNames);
 };
 
-TEST_F(TlsTest, GoodCertificateIsAccepted) {
+TEST_F(TlsTest, AcceptsAGoodCertificate) {
   const RawServer server(Always(Response(200, "hello")), With(good_));
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
@@ -58,40 +58,40 @@ TEST_F(TlsTest, GoodCertificateIsAccepted) {
   EXPECT_EQ(BodyOf(*background.transport), "hello");
 }
 
-TEST_F(TlsTest, UnknownAuthorityIsRefused) {
+TEST_F(TlsTest, RefusesAnUnknownAuthority) {
   const CertificateAuthority stranger("stranger");
   const Certificate certificate = stranger.Issue(kLocalNames);
   const RawServer server(Always(Response(200, "hello")), With(certificate));
   ExpectRefused(server, server.Url());
 }
 
-TEST_F(TlsTest, NamesakeOfTheAuthorityIsRefused) {
+TEST_F(TlsTest, RefusesAnAuthorityOfTheSameName) {
   const CertificateAuthority namesake("trusted");
   const Certificate certificate = namesake.Issue(kLocalNames);
   const RawServer server(Always(Response(200, "hello")), With(certificate));
   ExpectRefused(server, server.Url());
 }
 
-TEST_F(TlsTest, ExpiredCertificateIsRefused) {
+TEST_F(TlsTest, RefusesAnExpiredCertificate) {
   const Certificate certificate = authority_.IssueExpired(kLocalNames);
   const RawServer server(Always(Response(200, "hello")), With(certificate));
   ExpectRefused(server, server.Url());
 }
 
-TEST_F(TlsTest, CertificateOfAnotherServerIsRefused) {
+TEST_F(TlsTest, RefusesACertificateOfAnotherServer) {
   const Certificate certificate = authority_.Issue("DNS:other.example,IP:127.0.0.2");
   const RawServer server(Always(Response(200, "hello")), With(certificate));
   ExpectRefused(server, server.Url());
   ExpectRefused(server, "https://localhost:" + std::to_string(server.port()) + "/");
 }
 
-TEST_F(TlsTest, AuthorityIsUnknownUntilTheHostNamesIt) {
+TEST_F(TlsTest, RefusesAnAuthorityThatTheHostDoesNotName) {
   InternetData::SetDefaults(TransferDefaults());
   const RawServer server(Always(Response(200, "hello")), With(good_));
   ExpectRefused(server, server.Url());
 }
 
-TEST_F(TlsTest, MissingAuthorityFileIsAFailure) {
+TEST_F(TlsTest, FailsWithoutTheAuthorityFile) {
   TransferDefaults defaults;
   defaults.ca_file = (folder_.path() / "missing.pem").c_str();
   InternetData::SetDefaults(defaults);
@@ -99,7 +99,7 @@ TEST_F(TlsTest, MissingAuthorityFileIsAFailure) {
   ExpectRefused(server, server.Url());
 }
 
-TEST_F(TlsTest, ConnectionThatWasTrustedIsNotReusedUnderAnotherAuthority) {
+TEST_F(TlsTest, DoesNotReuseAConnectionUnderAnotherAuthority) {
   const RawServer server(Always(Response(200, "hello")), With(good_));
   InternetData transport(Text(server.Url()));
   ASSERT_TRUE(transport.Download());
@@ -112,7 +112,7 @@ TEST_F(TlsTest, ConnectionThatWasTrustedIsNotReusedUnderAnotherAuthority) {
   EXPECT_FALSE(second.Download());
 }
 
-TEST_F(TlsTest, ConnectionIsReused) {
+TEST_F(TlsTest, ReusesAConnection) {
   const RawServer server(Always(Response(200, "hello")), With(good_));
   for (int i = 0; i < 3; ++i) {
     InternetData transport(Text(server.Url()));
@@ -121,7 +121,7 @@ TEST_F(TlsTest, ConnectionIsReused) {
   EXPECT_EQ(server.connections(), 1);
 }
 
-TEST_F(TlsTest, ServerThatSpeaksNoTlsIsAFailure) {
+TEST_F(TlsTest, FailsWhenTheServerSpeaksNoTls) {
   const RawServer server(AlwaysThenClose(Response(200, "hello")));
   SetInactivityTimeout(0.3F);
   InternetData transport(Text("https" + server.Url().substr(4)));
@@ -129,7 +129,7 @@ TEST_F(TlsTest, ServerThatSpeaksNoTlsIsAFailure) {
   ExpectFailureState(transport);
 }
 
-TEST_F(TlsTest, ResponseWithoutALengthThatIsCutOffIsAFailure) {
+TEST_F(TlsTest, FailsWhenABodyWithoutLengthIsCutOff) {
   // Without the end of the TLS stream, anybody may have cut the connection.
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
@@ -175,15 +175,15 @@ class TlsEndTest : public TlsTest {
   }
 };
 
-TEST_F(TlsEndTest, BodyThatEndsWithTheTlsStreamIsReceived) {
+TEST_F(TlsEndTest, AcceptsABodyEndedByCloseNotify) {
   EXPECT_EQ(Results(&RawConnection::Close), std::vector<bool>(5, true));
 }
 
-TEST_F(TlsEndTest, BodyThatEndsWithTheConnectionBelowTlsIsAFailure) {
+TEST_F(TlsEndTest, RefusesABodyEndedWithoutCloseNotify) {
   EXPECT_EQ(Results(&RawConnection::Cut), std::vector<bool>(5, false));
 }
 
-TEST_F(TlsTest, ServerThatGoesAwayDuringAnUploadIsAFailure) {
+TEST_F(TlsTest, FailsWhenTheServerLeavesDuringAnUpload) {
   RawServer::Options options = With(good_);
   options.reads_body = false;
   const RawServer server([](const RawRequest&, RawConnection& connection) { connection.Reset(); },
@@ -194,7 +194,7 @@ TEST_F(TlsTest, ServerThatGoesAwayDuringAnUploadIsAFailure) {
   EXPECT_EQ(background.WaitForEnd(), kFailed);
 }
 
-TEST_F(TlsTest, IdleConnectionThatTheServerResetsHarmsNobody) {
+TEST_F(TlsTest, SurvivesAResetOfAnIdleConnection) {
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         connection.Write(Response(200, "hello"));
@@ -209,7 +209,7 @@ TEST_F(TlsTest, IdleConnectionThatTheServerResetsHarmsNobody) {
   EXPECT_EQ(server.connections(), 5);
 }
 
-TEST_F(TlsTest, RedirectFromHttpToHttpsIsFollowed) {
+TEST_F(TlsTest, FollowsARedirectFromHttpToHttps) {
   const RawServer secure(Always(Response(200, "secure")), With(good_));
   const RawServer server(Always(Response(302, "", "Location: " + secure.Url() + "\r\n")));
   InternetData transport(Text(server.Url()));
@@ -217,7 +217,7 @@ TEST_F(TlsTest, RedirectFromHttpToHttpsIsFollowed) {
   EXPECT_EQ(BodyOf(transport), "secure");
 }
 
-TEST_F(TlsTest, RedirectFromHttpsToHttpIsRefused) {
+TEST_F(TlsTest, RefusesARedirectFromHttpsToHttp) {
   for (const int status : {301, 302, 303, 307, 308}) {
     const RawServer plain(Always(Response(200, "plain")));
     const RawServer server(Always(Response(status, "", "Location: " + plain.Url() + "\r\n")),
@@ -233,7 +233,7 @@ TEST_F(TlsTest, RedirectFromHttpsToHttpIsRefused) {
   }
 }
 
-TEST_F(TlsTest, RedirectFromHttpsToHttpIsRefusedAtEveryHop) {
+TEST_F(TlsTest, RefusesARedirectFromHttpsToHttpAtEveryHop) {
   const RawServer plain(Always(Response(200, "plain")));
   const RawServer server(
       [&plain](const RawRequest& request, RawConnection& connection) {
@@ -248,7 +248,7 @@ TEST_F(TlsTest, RedirectFromHttpsToHttpIsRefusedAtEveryHop) {
   EXPECT_EQ(plain.requests().size(), 0U);
 }
 
-TEST_F(TlsTest, RedirectToHttpIsRefusedOnAConnectionThatIsOpenAlready) {
+TEST_F(TlsTest, RefusesARedirectToHttpOnAnOpenConnection) {
   const RawServer plain(Always(Response(200, "plain")));
   InternetData opener(Text(plain.Url()));
   ASSERT_TRUE(opener.Download());
@@ -259,7 +259,7 @@ TEST_F(TlsTest, RedirectToHttpIsRefusedOnAConnectionThatIsOpenAlready) {
   EXPECT_EQ(plain.requests().size(), 1U);
 }
 
-TEST_F(TlsTest, RedirectBetweenHttpsServersIsFollowed) {
+TEST_F(TlsTest, FollowsARedirectBetweenHttpsServers) {
   const RawServer second(Always(Response(200, "second")), With(good_));
   const RawServer first(Always(Response(302, "", "Location: " + second.Url() + "\r\n")),
                         With(good_));

@@ -21,7 +21,7 @@ HttpExchange Impossible() {
   return HttpExchange(std::move(request), nullptr);
 }
 
-TEST(TransferLoopTest, GivesWhatCannotBeMadeAtOnce) {
+TEST(TransferLoopTest, ReturnsAnImpossibleExchangeAtOnce) {
   TransferLoop loop;
   HttpExchange exchange = Impossible();
   loop.Start(exchange);
@@ -31,7 +31,7 @@ TEST(TransferLoopTest, GivesWhatCannotBeMadeAtOnce) {
   EXPECT_FALSE(exchange.TakeReply().received);
 }
 
-TEST(TransferLoopTest, DoesNotGiveWhatWasDroppedAfterItsEnd) {
+TEST(TransferLoopTest, DoesNotReturnAnExchangeDroppedAfterItsEnd) {
   TransferLoop loop;
   HttpExchange dropped = Impossible();
   HttpExchange kept = Impossible();

@@ -28,7 +28,7 @@ TEST(WakePipeTest, IsReadableFromAWakeToTheNextDrain) {
   }
 }
 
-TEST(WakePipeTest, GivesItsDescriptorsBack) {
+TEST(WakePipeTest, ClosesItsDescriptors) {
   int socket = -1;
   {
     const WakePipe pipe;

@@ -41,7 +41,7 @@ bool KeepsBodyMemory() {
   return BodyMemory::CapacityOf(piece.get()) > kSmaller;
 }
 
-TEST_F(WorkerResourcesTest, MemoryIsGivenBackWhenNoTransferFollows) {
+TEST_F(WorkerResourcesTest, FreesKeptMemoryWhenNoTransferFollows) {
   {
     Background background(server_.Url());
     ASSERT_TRUE(background.Start());
@@ -89,7 +89,7 @@ rlim_t DescriptorsInUse() {
   return static_cast<rlim_t>(next);
 }
 
-TEST_F(WorkerResourcesTest, WithoutDescriptorsATransferFailsAtOnce) {
+TEST_F(WorkerResourcesTest, TransferFailsAtOnceWithoutDescriptors) {
   rlimit usual = {};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
   EXPECT_EXIT(StartRefusedThenAllowed(
@@ -109,7 +109,7 @@ void StartRefusedWithAThrowingObserver(const std::string& url) {
   std::exit(started ? 0 : 1);
 }
 
-TEST_F(WorkerResourcesTest, ObserverOfAFailureAtOnceMayThrow) {
+TEST_F(WorkerResourcesTest, ObserverOfAnImmediateFailureMayThrow) {
   EXPECT_EXIT(StartRefusedWithAThrowingObserver(server_.Url()), testing::ExitedWithCode(0), "");
 }
 
@@ -126,7 +126,7 @@ void SetStackSize(std::size_t bytes) {
   pthread_attr_destroy(&attributes);
 }
 
-TEST_F(WorkerResourcesTest, WithoutAThreadATransferFailsAtOnce) {
+TEST_F(WorkerResourcesTest, TransferFailsAtOnceWithoutAThread) {
   EXPECT_EXIT(StartRefusedThenAllowed(
                   server_.Url(), [] { SetStackSize(std::size_t{1} << 50); },
                   [] { SetStackSize(std::size_t{1} << 23); }),
