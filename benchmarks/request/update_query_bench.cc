@@ -1,4 +1,4 @@
-// An update query, from the request to the results, beside the transfer alone.
+// An update query from the request to the results, compared with the transfer alone.
 
 #include <benchmark/benchmark.h>
 

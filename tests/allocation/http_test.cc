@@ -1,4 +1,4 @@
-// Transfers: on the caller's thread, on the worker's, and on both at once.
+// Transfers on the caller's thread, on the worker's thread and on both.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ namespace {
 const std::string kBody(5000, 'b');
 const std::string kSent(3000, 's');
 
-// Answers by the target: "/gzip", "/redirect" (to "/"), "/stall", and anything else.
+// Answers by the target: "/gzip", "/redirect" (to "/") and anything else.
 void Answer(const RawRequest& request, RawConnection& connection) {
   if (request.target == "/gzip") {
     connection.Write(Response(200, Gzip(kBody), "Content-Encoding: gzip\r\n"));
@@ -47,7 +47,7 @@ class TransportAllocationTest : public TransportTest {
   const RawServer server_{Answer};
 };
 
-// One transport, and what its transfer was said to be.
+// One transport and the reported result of its transfer.
 struct Sent {
   explicit Sent(const std::string& text, const StringMap& headers_to_set = {})
       : own_url(Text(text)), transport(own_url) {
@@ -63,7 +63,7 @@ struct Sent {
     return succeeded;
   }
 
-  // The text's and the map's copies are the transport's own.
+  // The transport makes its own copies of the text and the map.
   bool SendAndRead() {
     succeeded = transport.SendAndRead(std::move(url), &data, &length, &status, &send_headers, false,
                                       false, true, "", "", &headers);
@@ -83,8 +83,8 @@ struct Sent {
   StringMap headers;
 };
 
-// `transfer` to the next URL succeeds or fails, and throws nothing; afterwards the same one
-// succeeds.
+// Expects that `transfer` to the next URL succeeds or fails and throws nothing. The same transport
+// must succeed afterwards.
 template <typename NextUrl, typename Transfer>
 long FailTransfer(const NextUrl& next_url, const Transfer& transfer) {
   return FailEachAllocationOf([&] { return Sent(next_url()); }, transfer,
@@ -149,7 +149,7 @@ TEST_F(TransportAllocationTest, TransferWithAllSettingsFailsOrSucceeds) {
   EXPECT_GT(starts, 0);
 }
 
-// A transfer in the background, and what is posted of it.
+// A background transfer and its posts.
 struct InBackground {
   explicit InBackground(const std::string& url) : transport(Text(url)) {
     SetSendData(kSent, transport);
@@ -167,8 +167,8 @@ struct InBackground {
   bool started = false;
 };
 
-// A transfer that was started posts one end, one that was not posts nothing; afterwards the worker
-// still lives, and the same transport succeeds.
+// Expects one post of a started transfer and none of one that did not start. The worker must
+// survive, and the same transport must succeed afterwards.
 long FailInBackground(const std::string& url, bool is_upload, Threads threads) {
   return FailEachAllocationOf([&] { return InBackground(url); },
                               [&](InBackground& transfer) {
@@ -223,7 +223,7 @@ TEST_F(TransportAllocationTest, FailureOnTheWorkerReachesListenerAndExecutor) {
   EXPECT_GT(completions, 0);
 }
 
-// A transfer that is deleted when the server has got its request, or when it has failed.
+// The transfer is deleted after the server has its request, or after it has failed.
 TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
   std::mutex mutex;
   std::condition_variable changed;
@@ -255,7 +255,7 @@ TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
     const auto limit = std::chrono::steady_clock::now() + kPatience;
     lock.lock();
     while (arrived == before && deleted.ends.count() == 0) {
-      // The end of a failed transfer is noted elsewhere.
+      // The end of a failed transfer does not notify `changed`.
       changed.wait_for(lock, std::chrono::milliseconds(1));
       if (std::chrono::steady_clock::now() > limit) return;
     }
@@ -311,7 +311,7 @@ TEST(SettingsAllocationTest, SettersThrowAndChangeNothing) {
   }
 }
 
-// Whichever allocation of a replacement failed, the value before is still sent.
+// Whichever allocation of the replacement fails, the old value is still sent.
 TEST_F(TransportAllocationTest, FailedHeaderKeepsThePreviousValue) {
   const auto work = [](Sent& sent) {
     sent.transport.SetValueForHTTPSendHeaders("X-NAME", std::string(300, 'n').c_str());

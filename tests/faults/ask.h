@@ -1,4 +1,4 @@
-// One transfer, whichever way it is made, and its outcome.
+// One transfer by any of the four calls, and its outcome.
 
 #ifndef TESTS_FAULTS_ASK_H_
 #define TESTS_FAULTS_ASK_H_
@@ -26,8 +26,8 @@ struct Answer {
 std::string TextOf(const Answer& answer);
 void PrintTo(const Answer& answer, std::ostream* out);
 
-// Makes one transfer of `url`, with `upload` as its body where it has one. Expects that a failure
-// leaves neither body nor headers, and that a background transfer posts once.
+// Makes one transfer of `url`. Uploads send `upload`. Expects that a failure leaves neither body
+// nor headers, and that a background transfer posts once.
 Answer Ask(Way way, const std::string& url, const std::string& upload);
 
 }  // namespace stowra_test

@@ -1,4 +1,4 @@
-// Connections that are not made, break, or fall silent.
+// Connections that fail, break or fall silent.
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -21,7 +21,7 @@ constexpr char kPartOfBody[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"
 
 constexpr std::chrono::milliseconds kPause(50);  // before each byte of a drip
 
-// A port that is taken, and at which nobody listens.
+// A bound port without a listener.
 class ClosedPort {
  public:
   ClosedPort() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
@@ -92,7 +92,7 @@ Fault OnUsedConnection(Fault fault) {
   return fault;
 }
 
-// Has closed its direction, and no more, when the next request comes.
+// The server has closed only its own direction before the next request.
 Fault HalfClosedBetween() {
   Fault fault = {"HalfClosedBetweenTwo",
                  [](Stage& stage) {
@@ -120,7 +120,7 @@ Fault Drip() {
   return fault;
 }
 
-// Lets one through for each time that it is opened.
+// Each Open lets one Pass through.
 class Turnstile {
  public:
   void Open() {
@@ -129,7 +129,7 @@ class Turnstile {
     opened_.notify_one();
   }
 
-  // Waits for kPatience at most.
+  // Waits for at most kPatience.
   void Pass() {
     std::unique_lock<std::mutex> lock(mutex_);
     if (opened_.wait_for(lock, kPatience, [this] { return open_for_ > 0; })) --open_for_;
@@ -141,8 +141,8 @@ class Turnstile {
   int open_for_ = 0;
 };
 
-// Answers after the headers of an upload that is larger than what the systems between hold, and
-// takes nothing of its body until the transfer has ended.
+// Answers after the headers of an upload. The upload is larger than all buffers on the way, and its
+// body is not read before the transfer has ended.
 void AnswerEarly(int status, const std::string& body, Stage& stage) {
   auto turnstile = std::make_shared<Turnstile>();
   stage.set_after([turnstile] { turnstile->Open(); });

@@ -1,4 +1,4 @@
-// What can go wrong between the library and a server, and what the library is to make of it.
+// Faults between the library and a server, with the outcome that each must have.
 
 #ifndef TESTS_FAULTS_FAULT_H_
 #define TESTS_FAULTS_FAULT_H_
@@ -15,34 +15,34 @@
 
 namespace stowra_test {
 
-// The target that every fault's own server answers in order, and the body of that answer.
+// Every fault's server answers this target with this body.
 inline constexpr char kGoodTarget[] = "/good";
 inline constexpr char kGoodBody[] = "good";
 
-// The servers of one fault, and where to meet it.
+// The servers of one fault, and the URL at which it occurs.
 class Stage {
  public:
-  // The last one added is the one to ask. None keeps a record of its requests.
+  // Adds a server. Transfers go to the last one added. No server records its requests.
   RawServer& AddServer(RawServer::Handler handler, RawServer::Options options = {});
 
-  // Keeps something as long as the servers.
+  // Keeps `prop` as long as the servers.
   template <typename Prop>
   Prop& Keep(std::shared_ptr<Prop> prop) {
     props_.push_back(prop);
     return *prop;
   }
 
-  // Whether each server's connections are closed within kPatience, but for `kept` of the one to
-  // ask.
+  // Waits until the servers' connections are closed. `kept` connections of the last server may stay
+  // open. False after kPatience.
   bool WaitUntilQuiet(int kept) const;
 
-  // Of the server to ask, where none is set.
+  // Gives the URL that was set, else `target` of the last server.
   std::string Url(const char* target = "/") const;
   void set_url(std::string url) { url_ = std::move(url); }
 
   TransferDefaults& defaults() { return defaults_; }
 
-  // Called when the transfer has ended.
+  // Called after the transfer.
   void set_after(std::function<void()> after) { after_ = std::move(after); }
   void NoteEnd() const {
     if (after_) after_();
@@ -56,11 +56,11 @@ class Stage {
   std::vector<std::unique_ptr<RawServer>> servers_;
 };
 
-// When a transfer ends, by its inactivity timeout.
+// When a transfer ends, compared with its inactivity timeout.
 enum class End {
-  kBefore,  // without waiting for it
-  kAt,      // by it, and at most a second late
-  kAfter,   // long after: there is progress
+  kBefore,  // before the timeout
+  kAt,      // at the timeout, at most a second late
+  kAfter,   // long after the timeout, because there is progress
 };
 
 struct Fault {
@@ -73,33 +73,34 @@ struct Fault {
   End end = End::kBefore;
   std::vector<Way> ways = {Way::kDownload, Way::kDownloadWithDelegate};
 
-  // A transfer of kGoodTarget goes before each, the same way, and leaves its connection.
+  // A transfer of kGoodTarget goes first, by the same call, and leaves its connection open.
   bool on_used_connection = false;
 
-  // How many connections to the server the transfer leaves open for the next one.
+  // The number of connections that the transfer leaves open.
   int kept_connections = 0;
 
-  // A reset may reach the library before what went ahead of it: then the status is 0.
+  // A reset may overtake the bytes before it. The status is 0 then.
   bool may_lose_status = false;
 
   std::size_t upload_size = 4;
 
-  // Many more than what libcurl may keep of the last ones has blocks, or a leak would not show.
+  // There must be many more runs than blocks that libcurl may keep, or a leak would not show.
   int runs = 400;
   int kept_blocks = kKeptBlocks;
 };
 
-// All ways there are, and those that send a body.
+// All calls, and those that send a body.
 std::vector<Way> EveryWay();
 std::vector<Way> Uploads();
 
-// A handler that answers kGoodTarget in order, and anything else with `bytes`; then it closes.
+// A handler that answers kGoodTarget as usual and anything else with `bytes`. It closes after
+// `bytes`.
 RawServer::Handler SayThenClose(std::string bytes);
 
-// A handler that answers kGoodTarget in order, and leaves anything else to `handler`.
+// A handler that answers kGoodTarget as usual and leaves anything else to `handler`.
 RawServer::Handler GoodOr(RawServer::Handler handler);
 
-// The faults by kind.
+// All faults, by kind.
 std::vector<Fault> ConnectionFaults();
 std::vector<Fault> ReplyFaults();
 std::vector<Fault> RedirectFaults();

@@ -14,7 +14,7 @@
 namespace stowra_test {
 namespace {
 
-// More than the program ever has open, and quick to look through.
+// More than the program ever opens, and quick to search.
 constexpr rlim_t kMostDescriptors = 256;
 
 std::vector<FaultRow>& Rows() {
@@ -22,8 +22,8 @@ std::vector<FaultRow>& Rows() {
   return rows;
 }
 
-// The idle handles of libcurl keep buffers, and what they remember of their last transfer: more or
-// less of it, by the order in which they were used.
+// libcurl's idle handles keep buffers and some state of their last transfer. How much depends on
+// the order of their use.
 constexpr long long kKeptBytes = 2 << 20;
 
 int CountDescriptors() {

@@ -1,4 +1,4 @@
-// What each fault cost, as a table that is printed when the program ends.
+// Records what each fault cost, and prints a table when the program ends.
 
 #ifndef TESTS_FAULTS_FAULT_TABLE_H_
 #define TESTS_FAULTS_FAULT_TABLE_H_
@@ -9,42 +9,42 @@
 
 namespace stowra_test {
 
-// What the process holds.
+// Resources that the process holds.
 struct Holdings {
-  long blocks = 0;      // of memory; 0 where they cannot be counted
+  long blocks = 0;      // of memory, 0 when they cannot be counted
   long long bytes = 0;  // in them
   int descriptors = 0;
 };
 
-// What it holds now. The servers' threads do not count for memory, and do for descriptors.
+// What the process holds now. Memory of the servers' threads is left out, but not their
+// descriptors.
 Holdings CurrentHoldings();
 
-// Of memory, in the handles of libcurl that wait for the next transfer: how many do, and what they
-// remember of the last one, is a matter of time.
+// Blocks that libcurl's idle handles may keep. Their number depends on timing.
 inline constexpr int kKeptBlocks = 320;
 
-// The same where a transfer may not have to wait for the server at all, which makes them more.
+// The same for transfers that may not have to wait for the server. They keep more handles.
 inline constexpr int kMostKeptBlocks = 1200;
 
 struct FaultRow {
   std::string fault;
   std::string way;
   int runs = 0;
-  int kept_blocks =
-      kKeptBlocks;  // that idle handles of libcurl may keep more after the runs than before
+  int kept_blocks = kKeptBlocks;  // the growth that idle handles of libcurl may cause
   std::string answer;
   std::chrono::duration<double, std::milli> longest{0};
   Holdings before;
   Holdings after;
 };
 
-// Adds to the table.
+// Adds a row to the table.
 void Record(FaultRow row);
 
-// Runs `run` a few times so that what is kept for the next time is kept, and then row.runs times.
-// Fills the row's holdings in, expects that they have not grown, and records the row.
-// `run` returns once all that it began has ended. `settle` makes a transfer that succeeds, which
-// shows that one can be made, and has libcurl let go of what it remembers of the last that failed.
+// Runs `run` to warm up, then row.runs times. Fills in the row's holdings, expects that they have
+// not grown, and records the row.
+//
+// `run` returns after everything that it started has ended. `settle` makes a transfer that
+// succeeds. libcurl then forgets what it kept of the last failure.
 void ExpectNothingIsLeft(FaultRow row, int warm_up_runs, const std::function<void(FaultRow&)>& run,
                          const std::function<void()>& settle);
 

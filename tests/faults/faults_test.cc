@@ -1,7 +1,7 @@
-// Every fault of the network, met by every way of making a transfer: the answer, the time it takes,
-// and what it leaves in the process.
+// Every network fault with every call that makes a transfer. Each row checks the outcome, the time
+// and what stays in the process.
 //
-// Run as one program, without ctest, it ends with the table of all of them:
+// Run as one program, without ctest, it prints the table of all rows:
 //   build/release/tests/faults/faults_test
 
 #include <gtest/gtest.h>
@@ -24,16 +24,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<float>;
 
-// What is said in the end must not be taken for silence, however busy the machine is.
+// Long enough that a busy machine does not cause a timeout.
 constexpr Seconds kLongTimeout(5);
 constexpr Seconds kDripTimeout(0.6F);
 constexpr Seconds kShortTimeout(0.5F);
 
-// How much later than that a silent transfer may end, and how much sooner clocks may say it did.
+// The tolerance of the end of a silent transfer.
 constexpr Seconds kLate(1);
 constexpr Seconds kEarly(0.01F);
 
-// As many as there are TLS sessions that libcurl remembers, and more.
+// More than the TLS sessions that libcurl remembers.
 constexpr int kWarmUpRuns = 10;
 
 struct Case {
@@ -79,7 +79,7 @@ void ExpectTimely(End end, Seconds took) {
   }
 }
 
-// The way of downloading that shares its connections with `way`.
+// The download that shares its connections with `way`.
 Way DownloadLike(Way way) {
   const bool is_background = way == Way::kDownloadWithDelegate || way == Way::kUploadWithDelegate;
   return is_background ? Way::kDownloadWithDelegate : Way::kDownload;

@@ -1,4 +1,4 @@
-// Redirects that lead nowhere, or where no transfer may go.
+// Redirects in a circle and to schemes that are not allowed.
 
 #include "tests/faults/fault.h"
 

@@ -1,4 +1,4 @@
-// Replies that break the rules of HTTP or of their encoding, and too many that do not.
+// Replies that break the rules of HTTP or of their encoding, and many that do not.
 
 #include <utility>
 
@@ -36,7 +36,7 @@ Fault RefusedGzip(const char* name, const std::string& gzip) {
   return Refused(name, Response(200, gzip, kGzipHeader));
 }
 
-// What HTTP sees of it is in order: the connection stays open.
+// The HTTP framing is intact, so the connection stays open.
 Fault CutGzip(const char* name, const std::string& gzip, std::size_t length) {
   Fault fault = {name,
                  [response = Response(200, gzip.substr(0, length), kGzipHeader)](Stage& stage) {
@@ -68,7 +68,7 @@ std::string Corrupt(std::string gzip) {
   return gzip;
 }
 
-// Small on the wire, and 64 times what the host takes.
+// Small on the wire, and 64 times the cap when decoded.
 Fault GzipBomb() {
   Fault fault = {"GzipBomb",
                  [](Stage& stage) {
@@ -98,7 +98,7 @@ std::vector<Fault> ReplyFaults() {
     Refused("CutInsideBodyWithLength", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"),
         RefusedChunks("CutInsideChunk", "5\r\nhel"),
         RefusedChunks("CutBeforeLastChunk", "5\r\nhello\r\n"),
-        // Neither a length nor chunks: the end of the connection is the end of the body.
+        // Without a length or chunks the end of the connection ends the body.
         Says("BodyEndedByClose", "HTTP/1.1 200 OK\r\n\r\nhello", {true, 200, "hello"}),
         RefusedChunks("ChunkSizeNoNumber", "xyz\r\nhello\r\n0\r\n\r\n"),
         RefusedChunks("ChunkSizeBeyondAllNumbers", "fffffffffffffffff\r\nhello\r\n0\r\n\r\n"),

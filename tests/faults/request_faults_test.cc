@@ -1,4 +1,4 @@
-// Faults as a request meets them, and transfers that the host deletes while a server is at fault.
+// Faults during a request, and transfers that the host deletes during a fault.
 
 #include <gtest/gtest.h>
 
@@ -49,8 +49,8 @@ RawServer::Options WithoutRecords() {
 
 class RequestFaultTest : public TransportTest {
  protected:
-  // Expects that each of many requests to a server that answers `bytes` and closes is told of as
-  // failed, once.
+  // Makes many requests to a server that answers `bytes` and closes. Expects that each fails, with
+  // one notification.
   static void ExpectOneFailure(const char* fault, const char* bytes) {
     const RawServer server(SayThenClose(bytes), WithoutRecords());
     const auto ask = [&server](bool in_background) {
@@ -88,8 +88,7 @@ TEST_F(RequestFaultTest, CutReplyIsOneFailure) {
 
 class DeletedTransferTest : public TransportTest {
  protected:
-  // Deletes transfers of a reply that has begun and goes on as `goes_on` says, and expects that
-  // nothing is posted for any.
+  // Deletes transfers whose reply has begun and goes on as `goes_on` says. Expects no post.
   static void ExpectSilence(const char* fault, const RawServer::Handler& goes_on) {
     const RawServer server(
         GoodOr([&goes_on](const RawRequest& request, RawConnection& connection) {

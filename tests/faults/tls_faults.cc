@@ -1,4 +1,4 @@
-// Servers that are not who they say, and TLS that breaks off.
+// Servers with wrong certificates, and TLS that breaks off.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 namespace stowra_test {
 namespace {
 
-// A connection costs ten times what it does without TLS.
+// A connection costs ten times as much as one without TLS.
 constexpr int kRuns = 100;
 
 constexpr char kLocalNames[] = "DNS:localhost,IP:127.0.0.1";
@@ -22,7 +22,7 @@ Certificate IssueGood(const CertificateAuthority& authority) {
   return authority.Issue(kLocalNames);
 }
 
-// A server with a certificate that `issue` makes, by an authority that the transport trusts.
+// Adds a server with a certificate from `issue`. The transport trusts the authority.
 void AddServer(const Issue& issue, RawServer::Handler handler, Stage& stage) {
   const CertificateAuthority authority("trusted");
   const auto file = stage.Keep(std::make_shared<TemporaryFolder>()).path() / "authority.pem";
@@ -43,7 +43,7 @@ Fault Untrusted(const char* name, const Issue& issue) {
   return fault;
 }
 
-// The connection ends in order, but not the TLS stream in it: anybody may have cut it.
+// The connection closes in order, but without close_notify. Anyone on the path may have cut it.
 Fault Cut(const char* name, const char* bytes) {
   Fault fault = {name,
                  [bytes](Stage& stage) {
@@ -63,7 +63,7 @@ Fault Downgrade() {
                  [](Stage& stage) {
                    const RawServer& plain = stage.AddServer(Always(Response(200, "plain")));
                    const std::string location = "Location: " + plain.Url() + "\r\n";
-                   // It is connected to, and not asked.
+                   // The library connects to it but sends no request.
                    stage.set_after([&plain, count = 0]() mutable {
                      EXPECT_TRUE(plain.WaitForConnections(++count));
                    });

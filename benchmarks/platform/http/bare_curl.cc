@@ -15,7 +15,7 @@ std::size_t AppendTo(char* data, std::size_t size, std::size_t count, void* body
   return size * count;
 }
 
-// Asks for the same in the same words as the library does.
+// Sends the same request as the library does.
 CurlEasy MakeEasy(const std::string& url) {
   CurlEasy easy(curl_easy_init());
   curl_easy_setopt(easy.get(), CURLOPT_URL, url.c_str());

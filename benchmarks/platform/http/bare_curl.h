@@ -1,4 +1,4 @@
-// Downloads with libcurl and nothing around it.
+// Downloads with libcurl alone, as a yardstick.
 
 #ifndef BENCHMARKS_PLATFORM_HTTP_BARE_CURL_H_
 #define BENCHMARKS_PLATFORM_HTTP_BARE_CURL_H_
@@ -19,19 +19,20 @@ struct CurlMultiDeleter {
 using CurlEasy = std::unique_ptr<void, CurlEasyDeleter>;
 using CurlMulti = std::unique_ptr<void, CurlMultiDeleter>;
 
-// One easy handle, set up once for one URL and used again and again.
+// One easy handle that is set up once for one URL and reused.
 class BareEasy {
  public:
   explicit BareEasy(const std::string& url);
 
-  // Replaces `body` by the response's. False unless its status is 200.
+  // Replaces `body` with the response's body. False unless the status is 200.
   bool Download(std::string& body);
 
  private:
   CurlEasy easy_;
 };
 
-// Easy handles, each set up once for one URL, that one multi handle runs on the caller's thread.
+// One multi handle that runs easy handles on the caller's thread. Each easy handle is set up once
+// for one URL.
 class BareMulti {
  public:
   BareMulti(const std::string& url, std::size_t handles);
@@ -40,8 +41,8 @@ class BareMulti {
   BareMulti(const BareMulti&) = delete;
   BareMulti& operator=(const BareMulti&) = delete;
 
-  // Makes `count` downloads, as many at a time as there are handles. False unless each has status
-  // 200 and `length` bytes.
+  // Makes `count` downloads, one at a time on each handle. False unless each has status 200 and
+  // `length` bytes.
   bool Download(std::size_t count, std::size_t length);
 
  private:

@@ -1,4 +1,4 @@
-// Downloads in the background: one at a time, and 64 at a time.
+// Background downloads, one at a time and 64 at a time.
 
 #include <benchmark/benchmark.h>
 
@@ -28,8 +28,8 @@ constexpr std::size_t kOutstanding = 64;
 constexpr char kReturned[] = "bench.returned";
 constexpr char kFailed[] = "bench.failed";
 
-// A number of downloads, some of them at a time: the notification of one starts the next. Each has
-// a transport and a delegate of its own, as a request of the library has.
+// Runs several downloads at a time. The notification of one starts the next. Each has its own
+// transport and delegate, as a request of the library has.
 class Downloads : public ovrant::IObserver {
  public:
   Downloads(ovrant_ustring url, std::size_t size) : url_(std::move(url)), size_(size) {
@@ -41,7 +41,7 @@ class Downloads : public ovrant::IObserver {
   Downloads(const Downloads&) = delete;
   Downloads& operator=(const Downloads&) = delete;
 
-  // Waits for the end of `count` downloads, `at_a_time` of them outstanding. False if one failed.
+  // Makes `count` downloads, `at_a_time` of them at once. False if one failed.
   bool Run(std::size_t count, std::size_t at_a_time) {
     std::unique_lock<std::mutex> lock(mutex_);
     to_start_ = count;
@@ -86,7 +86,7 @@ class Downloads : public ovrant::IObserver {
   bool good_ = true;
 };
 
-// Transfers in one batch; the time that is reported is one transfer's.
+// The number of transfers in one batch. The reported time is that of one transfer.
 std::size_t BatchOf(std::size_t size) { return size == kSmallBody ? 1024 : 256; }
 
 void StowraInBatches(benchmark::State& state, std::size_t at_a_time) {
@@ -103,7 +103,7 @@ void StowraInBatches(benchmark::State& state, std::size_t at_a_time) {
 void StowraChained(benchmark::State& state) { StowraInBatches(state, 1); }
 void StowraOutstanding(benchmark::State& state) { StowraInBatches(state, kOutstanding); }
 
-// The main thread starts each and waits for it.
+// The main thread starts each transfer and waits for it.
 void StowraAwaited(benchmark::State& state) {
   const auto size = static_cast<std::size_t>(state.range(0));
   Downloads downloads(ovrant_ustring(UrlOfFile(size).c_str()), size);

@@ -1,5 +1,5 @@
-// Downloads on the calling thread, over a connection that is open already: one transport, and one
-// handle, again and again.
+// Downloads on the calling thread over an open connection. One transport or one easy handle makes
+// them all.
 
 #include <benchmark/benchmark.h>
 

@@ -1,4 +1,4 @@
-// What the transfer benchmarks fetch.
+// The files that the transfer benchmarks fetch.
 
 #ifndef BENCHMARKS_PLATFORM_HTTP_TRANSFER_FILES_H_
 #define BENCHMARKS_PLATFORM_HTTP_TRANSFER_FILES_H_

@@ -19,7 +19,7 @@ namespace {
 using ovrant::internet::InternetData;
 using ovrant::utils::ovrant_ustring;
 
-// Lets bodies of that size through while it lives.
+// Allows bodies of that size while it lives.
 class BodyCap {
  public:
   explicit BodyCap(std::size_t size) {
@@ -33,8 +33,8 @@ class BodyCap {
   BodyCap& operator=(const BodyCap&) = delete;
 };
 
-// Before the clock starts each side makes one download: memory that this machine has not used for a
-// while may have to come from another machine's, the one under it, and that takes seconds.
+// Each side makes one download before the clock starts. A virtual machine may have to get unused
+// memory from its host, which takes seconds.
 
 void Stowra(benchmark::State& state) {
   const BodyCap cap(kHugeBody);
@@ -60,9 +60,9 @@ void Libcurl(benchmark::State& state) {
   if (!good) state.SkipWithError("a download failed");
 }
 
-// The most memory that a process has taken which makes one download and nothing else; 0 when it
-// fails. It is a child of a fork: one that shared this process's memory for a moment would be
-// charged with the peak of it.
+// The peak memory of a process that makes one download and nothing else, or 0 when it fails. The
+// process is a fork. After vfork it would share this process's memory for a moment and be charged
+// for its peak.
 std::size_t PeakOfChild(const std::string& url, std::size_t length) {
   const std::string size = std::to_string(length);
   const pid_t child = ::fork();

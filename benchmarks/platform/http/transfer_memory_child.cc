@@ -1,4 +1,5 @@
-// transfer_memory_child URL LENGTH: downloads once, into memory. Status 0 when LENGTH bytes came.
+// Usage: transfer_memory_child URL LENGTH. Downloads once, into memory. The exit status is 0 when
+// LENGTH bytes came.
 
 #include <cstdlib>
 

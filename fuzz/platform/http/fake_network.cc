@@ -21,11 +21,11 @@ namespace {
 
 FakeNetwork* network = nullptr;
 
-// Descriptors are the lowest free ones: that none of them is above this says that none is left
-// open. An idle client keeps a few connections for another time.
+// New descriptors get the lowest free number, so a number above this shows a leak. An idle client
+// keeps a few connections.
 constexpr int kHighestDescriptor = 80;
 
-// Milliseconds. Who looks a name up on another thread asks more often whether it is there.
+// Milliseconds. A name look-up on another thread polls more often.
 constexpr int kLongWait = 1000;
 
 void MakeNonBlocking(int descriptor) {
@@ -41,7 +41,7 @@ Function Original(const char* name) {
   return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
-// An answer of getaddrinfo with its address.
+// A result of getaddrinfo with its address.
 struct OwnedAddress {
   addrinfo info = {};
   sockaddr_in address = {};
@@ -68,7 +68,7 @@ bool FakeNetwork::Connect(int client) {
   FUZZ_CHECK(dup2(ends[0], client) == client);
   close(ends[0]);
   for (Connection& connection : connections_) {
-    if (connection.client == client) connection.client = -1;  // closed since, and its number is new
+    if (connection.client == client) connection.client = -1;  // closed, and its number reused
   }
   connections_.push_back({client, ends[1], true});
   return true;
@@ -86,7 +86,7 @@ void FakeNetwork::OnSent(int client, const char* data, std::size_t size) {
   }
 }
 
-// False if all are closed already.
+// False if all were closed already.
 bool FakeNetwork::CloseAll() {
   bool was_open = false;
   for (Connection& connection : connections_) {
@@ -96,7 +96,7 @@ bool FakeNetwork::CloseAll() {
   return was_open;
 }
 
-// The direction to the client only: what that sends is still taken.
+// Closes only the direction to the client, and still accepts what the client sends.
 void FakeNetwork::Close(Connection& connection) {
   shutdown(connection.server, SHUT_WR);
   connection.is_open = false;
@@ -104,7 +104,7 @@ void FakeNetwork::Close(Connection& connection) {
 
 }  // namespace stowra_fuzz
 
-// In place of the C library's.
+// Replacements of C library functions.
 extern "C" {
 
 #define STOWRA_INSTEAD __attribute__((visibility("default")))
@@ -129,8 +129,8 @@ STOWRA_INSTEAD ssize_t send(int descriptor, const void* data, size_t size, int f
   return sent;
 }
 
-// Nothing happens in this network by itself: a client that waits gets its connections closed. Only
-// a name that is being looked up may still come.
+// Nothing happens in this network by itself. A waiting client gets its connections closed, unless a
+// name look-up is still running.
 STOWRA_INSTEAD int poll(pollfd* descriptors, nfds_t count, int milliseconds) {
   using Poll = int (*)(pollfd*, nfds_t, int);
   static const auto original = stowra_fuzz::Original<Poll>("poll");
@@ -148,7 +148,7 @@ STOWRA_INSTEAD int poll(pollfd* descriptors, nfds_t count, int milliseconds) {
   return ready_later;
 }
 
-// Every name is known.
+// Every name resolves.
 STOWRA_INSTEAD int getaddrinfo(const char* /*node*/, const char* service, const addrinfo* hints,
                                addrinfo** result) {
   if (hints != nullptr && hints->ai_family == AF_INET6) return EAI_NONAME;

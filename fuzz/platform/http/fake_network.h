@@ -1,6 +1,6 @@
-// A network of one server, in place of the system's: while it stands, every connection of this
-// process leads to it, and nothing leaves the process. It takes the places of connect, send, poll,
-// getaddrinfo and freeaddrinfo of the C library.
+// A network of one server. While it exists, every connection of this process leads to that server,
+// and nothing leaves the process. It replaces connect, send, poll, getaddrinfo and freeaddrinfo of
+// the C library.
 
 #ifndef FUZZ_PLATFORM_HTTP_FAKE_NETWORK_H_
 #define FUZZ_PLATFORM_HTTP_FAKE_NETWORK_H_
@@ -11,15 +11,15 @@
 
 namespace stowra_fuzz {
 
-// What the server sends to a request, and whether it closes the connection then. One that stays
-// open is closed when its client waits for more.
+// The server's answer to a request, and whether the server then closes the connection. An open
+// connection is closed when its client waits for more.
 struct ServerReply {
   std::string bytes;
   bool closes = false;
 };
 
-// Answers each request by the next reply, whatever the connection that it comes over; when there is
-// none left, by closing. One at a time, for one thread.
+// Answers each request with the next reply, on any connection. Closes when no reply is left. Only
+// one may exist at a time, for one thread.
 class FakeNetwork {
  public:
   explicit FakeNetwork(std::vector<ServerReply> replies);
@@ -30,13 +30,13 @@ class FakeNetwork {
   FakeNetwork(const FakeNetwork&) = delete;
   FakeNetwork& operator=(const FakeNetwork&) = delete;
 
-  // How many replies have been sent.
+  // The number of replies sent.
   std::size_t sent() const { return sent_; }
 
-  // Whether a client has waited long and in vain.
+  // Whether a client has waited long for nothing.
   bool has_waited() const { return has_waited_; }
 
-  // For the functions of the C library.
+  // Called by the replaced C functions.
   bool Connect(int client);
   void OnSent(int client, const char* data, std::size_t size);
   bool CloseAll();

@@ -32,7 +32,7 @@ std::string Trimmed(const std::string& text) {
   return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
 }
 
-// Takes lines that end in CR and LF and have neither, nor a NUL, inside.
+// Takes lines that end in CR LF and hold no other CR, LF or NUL.
 class Lines {
  public:
   explicit Lines(std::string_view bytes) : rest_(bytes) {}
@@ -53,7 +53,7 @@ class Lines {
   std::string_view rest_;
 };
 
-// The status; 0 if the line is not plain.
+// The status, or 0 if the line is not plain.
 int ReadStatusLine(const std::string& line) {
   const std::string version = line.substr(0, 9);
   if (version != "HTTP/1.1 " && version != "HTTP/1.0 ") return 0;
@@ -63,7 +63,7 @@ int ReadStatusLine(const std::string& line) {
   return std::stoi(status);
 }
 
-// False if a line is not plain. The empty line at the end is taken.
+// False if a line is not plain. Also takes the empty line at the end.
 bool ReadHeaders(Lines& lines, Headers& headers) {
   for (;;) {
     const std::optional<std::string> line = lines.Take();
@@ -84,7 +84,7 @@ std::vector<std::string> ValuesOf(const Headers& headers, const std::string& low
   return values;
 }
 
-// What the headers say about the body.
+// The body's framing by the headers.
 struct Framing {
   bool is_clear = true;
   bool is_refused = false;
@@ -140,7 +140,7 @@ Body ReadChunks(std::string_view bytes) {
   Body body;
   Lines lines(bytes);
   for (;;) {
-    // A line that has not come whole, or that is none.
+    // An incomplete line, or no line at all.
     if (lines.rest().find("\r\n") == std::string_view::npos &&
         lines.rest().find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos) {
       return {Kind::kFailed, ""};
@@ -154,12 +154,12 @@ Body ReadChunks(std::string_view bytes) {
     if (lines.rest().size() < size + 2) return {Kind::kFailed, ""};
     body.bytes += lines.rest().substr(0, size);
     lines.Skip(size);
-    // Other line ends may do.
+    // Other line ends may be accepted.
     const char end = lines.rest().front();
     if (end != '\r' && end != '\n') return {Kind::kFailed, ""};
     if (lines.Take() != "") return {Kind::kUnclear, ""};
   }
-  // Whatever they say, it does not count.
+  // Trailers have no effect.
   for (std::optional<std::string> trailer; trailer != "";) {
     trailer = lines.Take();
     const bool is_field = trailer && trailer->find(':') != std::string::npos;
@@ -175,7 +175,7 @@ Body ReadBody(std::string_view bytes, const Framing& framing) {
   return {Kind::kReceived, std::string(bytes.substr(0, static_cast<std::size_t>(*framing.length)))};
 }
 
-// Any number of members, one behind the other; nothing if they are not whole or beyond the cap.
+// Decodes any number of members. Gives nothing if they are incomplete or beyond the cap.
 std::optional<std::string> Unzipped(const std::string& zipped, std::size_t cap) {
   std::string out(cap + 1, '\0');
   std::size_t size = 0;
@@ -196,7 +196,7 @@ std::optional<std::string> Unzipped(const std::string& zipped, std::size_t cap) 
   return out.substr(0, size);
 }
 
-// A place on the same server.
+// A path on the same server.
 bool IsPlainPath(const std::string& location) {
   return !location.empty() && location[0] == '/' && location.substr(0, 2) != "//" &&
          IsMadeOf(location, "0123456789abcdefghijklmnopqrstuvwxyz/?=&");

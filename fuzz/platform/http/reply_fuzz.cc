@@ -1,7 +1,9 @@
-// Whole replies of a server against the transport, over socket pairs. Input: a byte of choices,
-// replies. Behind each reply but the last stands "<<NEXT>>", which leaves its connection open, or
-// "<<SHUT>>", which closes it; redirects take the next one, and a second transfer what is left. A
-// good reply at the end is received whatever came before it.
+// Feeds whole server replies to the transport over socket pairs. The input is a byte of choices and
+// the replies.
+//
+// A separator stands after each reply but the last. "<<NEXT>>" leaves the connection open,
+// "<<SHUT>>" closes it. Redirects take the next reply, and a second transfer takes the rest. A good
+// reply at the end must be received after all that.
 
 #include <algorithm>
 #include <cstddef>
@@ -47,8 +49,8 @@ Choices ReadChoices(std::uint8_t bits) {
   return {(bits & 1) != 0, (bits & 2) != 0, (bits & 4) == 0, (bits & 8) == 0, (bits & 16) != 0};
 }
 
-// An empty reply is none: a connection that has been used may be closed at any time, and the
-// request is made again then.
+// Empty replies are left out. libcurl repeats a request when a used connection closes without a
+// reply.
 std::vector<ServerReply> ReadReplies(std::string_view text, bool closes_last) {
   std::vector<ServerReply> replies;
   while (!text.empty()) {
@@ -63,14 +65,14 @@ std::vector<ServerReply> ReadReplies(std::string_view text, bool closes_last) {
   return replies;
 }
 
-// The lookup of certificates would be all of the work.
+// Loading certificates would take most of the time.
 bool MentionsTls(std::string_view text) {
   std::string lower(text);
   for (char& c : lower) c = static_cast<char>(c | 0x20);
   return lower.find("https") != std::string::npos;
 }
 
-// What the server's replies from `first` on make of a request.
+// The expected outcome of a request, by the server's replies from `first` on.
 HttpOutcome Expect(const std::vector<ServerReply>& replies, std::size_t first,
                    bool follows_redirects) {
   for (std::size_t i = first; i < replies.size() && i <= first + kRedirectLimit; ++i) {
@@ -106,14 +108,14 @@ void CheckHeaders(const InternetData& transport, const HttpOutcome& expected) {
   StringMap headers;
   for (const auto& [name, value] : expected.headers) {
     const auto [entry, is_new] = headers.try_emplace(ovrant_ustring(name.data(), name.size()));
-    if (!is_new && entry->second.empty()) return;  // what joins nothing to something is not said
+    if (!is_new && entry->second.empty()) return;  // joining to an empty value is not specified
     if (!is_new) entry->second += ", ";
     entry->second += ovrant_ustring(value.data(), value.size());
   }
   FUZZ_CHECK(transport.received_headers() == headers);
 }
 
-// What holds of any transfer, for which the replies from `first` to `end` were taken.
+// Checks what holds for every transfer. It took the replies from `first` to `end`.
 void CheckAnyway(const InternetData& transport, bool received,
                  const std::vector<ServerReply>& replies, std::size_t first, std::size_t end) {
   if (!received) {
@@ -155,7 +157,7 @@ void TransferGood() {
   FUZZ_CHECK(transport.received_headers().size() == 2);
 }
 
-// The same for each input, whatever the environment.
+// Makes each input independent of the environment.
 void SetUp() {
   setenv("no_proxy", "*", 1);
   ovrant::internet::TransferDefaults defaults;

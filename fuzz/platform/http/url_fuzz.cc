@@ -1,4 +1,5 @@
-// A parameter of a URL beside a second reading of it. Input: the parameter's name, a NUL, the URL.
+// Compares a parameter of a URL with a second reader's result. The input is the parameter's name, a
+// NUL and the URL.
 
 #include "common_stowraapi/platform/url.h"
 

@@ -1,4 +1,4 @@
-// Transfers that are given up before their turn has come.
+// Transfers that are dropped while they wait for their turn.
 
 #include <gtest/gtest.h>
 

@@ -31,7 +31,7 @@ constexpr unsigned int kSeed = 20240229;
 // What becomes of a transfer.
 enum class Fate { kKept, kDeletedFromOutside, kDeletedInsideItsNotification };
 
-// A name for each transfer, which is never freed: texts that are posted may be held for ever.
+// Makes a name for each transfer. It is never freed, because posted names may be kept for ever.
 const char* NameOf(const char* what, std::size_t index) {
   static auto* const names = new std::vector<std::unique_ptr<std::string>>;
   static std::mutex mutex;
@@ -40,8 +40,8 @@ const char* NameOf(const char* what, std::size_t index) {
   return names->back()->c_str();
 }
 
-// A transport with its delegate, and the only observer of their names. It stays registered until
-// all is over, so that it sees what comes too late.
+// A transport with its delegate, and the only observer of their names. The observer stays
+// registered until the end, so it sees late posts.
 class Watched final : public ovrant::IObserver {
  public:
   Watched(std::size_t index, Fate fate, bool is_stalled, const std::string& url)
@@ -77,7 +77,7 @@ class Watched final : public ovrant::IObserver {
 
   bool Start() { return transport_->DownloadWithDelegate(delegate_.get(), nullptr); }
 
-  // Deletes both, and adds how long each took.
+  // Deletes both and records how long each took.
   void Delete(bool delegate_first, std::vector<Microseconds>& durations) {
     if (delegate_first) {
       DeleteTimed(delegate_, durations);
@@ -154,7 +154,7 @@ class Share {
     const Fate fate = fate_number == 0  ? Fate::kDeletedInsideItsNotification
                       : fate_number < 6 ? Fate::kKept
                                         : Fate::kDeletedFromOutside;
-    // Only few that are kept may be stalled: each holds its place until it times out.
+    // Only a few kept transfers may stall, because each holds its place until it times out.
     const bool stalled = Draw(fate == Fate::kDeletedFromOutside ? 3 : 50) == 0;
     const char* target = stalled ? "/stall" : Draw(10) == 0 ? "/cut" : "/now";
     all_.push_back(
@@ -166,8 +166,8 @@ class Share {
   void DeleteOne() {
     if (live_.empty()) return;
     std::swap(live_[Draw(live_.size())], live_.back());
-    // Some go in the very moment of their post, which keeps the others' moments random: everywhere
-    // between the start and long after the post.
+    // Some are deleted at the moment of their post. The others are deleted at any moment from the
+    // start to long after the post.
     const bool waits = !live_.back()->is_stalled() && Draw(3) == 0;
     EXPECT_TRUE(!waits || live_.back()->WaitForPost());
     live_.back()->Delete(Draw(2) == 0, durations_);
@@ -236,7 +236,7 @@ TEST_F(BackgroundSoakTest, KeptTransfersPostOnceDeletedOnesPostNothingMore) {
     }
     durations.insert(durations.end(), share->durations().begin(), share->durations().end());
   }
-  // Otherwise the deletions were not at random moments.
+  // The deletions must have come at random moments.
   EXPECT_GT(posted_before_deletion, kTransfers / 100);
   EXPECT_GT(posted_nothing, kTransfers / 100);
 

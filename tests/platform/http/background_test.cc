@@ -21,7 +21,7 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// How long a destructor that should wait is given to return too early.
+// How long to wait for a destructor that returns too early.
 constexpr milliseconds kTooEarly(100);
 
 class BackgroundTest : public TransportTest {
@@ -246,7 +246,7 @@ TEST_P(DeletionTest, RightAfterTheStart) {
 }
 
 TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
-  // The worker is held up inside a delivery.
+  // A delivery blocks the worker.
   Event go_on;
   Event entered;
   Background holder(hello_.Url(), [&] {
@@ -343,7 +343,7 @@ TEST_P(DeletionTest, WhileTheConnectionIsMade) {
 
 TEST_P(DeletionTest, WhileTlsIsNegotiated) {
   const RawServer server(Silence());
-  // What the client says first is no request, so the server goes on waiting for one.
+  // The client's first message is not an HTTP request, so the server keeps waiting.
   Background background("https" + server.Url().substr(4));
   ASSERT_TRUE(background.Start());
   ASSERT_TRUE(server.WaitForConnections(1));

@@ -9,8 +9,7 @@
 #include <string>
 #include <utility>
 
-// Read by the sanitizers, where the program is built with one: want of memory is an error result
-// there as elsewhere.
+// Makes allocations fail with null under the sanitizers, as they do elsewhere.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
 const char* __asan_default_options() { return "allocator_may_return_null=1"; }

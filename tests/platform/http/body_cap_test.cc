@@ -25,7 +25,8 @@ std::string Chunked(const std::string& body) {
 
 class BodyCapTest : public TransportTest {
  protected:
-  // Whether a download of `response` with a cap of kCap bytes succeeds; then its body has `length`.
+  // Whether a download of `response` succeeds with a cap of kCap bytes. Expects a body of `length`
+  // then.
   static bool Passes(const std::string& response, unsigned long length) {
     SetBodyCap(kCap);
     const RawServer server(AlwaysThenClose(response));

@@ -22,7 +22,7 @@ BodyBytes Allocate(std::size_t capacity) {
   return piece;
 }
 
-// Where a piece of that capacity was, which has been freed again.
+// The address of a piece of that capacity, which is freed again.
 std::uintptr_t PlaceOf(std::size_t capacity) {
   BodyBytes piece = Allocate(capacity);
   unsigned char* const place = piece.release();

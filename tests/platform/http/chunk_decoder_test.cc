@@ -11,7 +11,7 @@ namespace {
 
 using ovrant::internet::ChunkDecoder;
 
-// Fed in pieces of that size.
+// Decodes `encoded` in pieces of `size` bytes.
 std::string Decoded(std::string_view encoded, std::size_t size, ChunkDecoder& decoder) {
   std::string decoded;
   for (; !encoded.empty(); encoded.remove_prefix(std::min(size, encoded.size()))) {

@@ -92,7 +92,7 @@ TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerReset) {
     connection.Write(Response(200, "hello"));
     connection.Reset();
   });
-  // A reset may overtake the response that went before it: only what follows is looked at.
+  // A reset may overtake the response before it, so only later requests are checked.
   for (int i = 0; i < 3; ++i) {
     InternetData transport(Text(server.Url()));
     transport.Download();
@@ -143,7 +143,7 @@ TEST_F(ConnectionReuseTest, DroppedTransferClosesItsConnection) {
       connection.Write(Response(200, "hello"));
     }
   });
-  // On a connection that is made already nothing but the deletion wakes the thread.
+  // On an open connection only the deletion wakes the worker.
   DownloadInBackground(server);
   {
     Background background(server.Url("/stall"));

@@ -20,7 +20,7 @@ std::string LongText() {
 
 class ContentEncodingTest : public TransportTest {
  protected:
-  // The result of a download of `response`, with "+" before a body received.
+  // Downloads `response`. Gives the body, after "+" when it was received.
   static std::string Download(const std::string& response) {
     const RawServer server(AlwaysThenClose(response));
     InternetData transport(Text(server.Url()));
@@ -97,7 +97,7 @@ TEST_F(ContentEncodingTest, RefusesGzipTruncatedAnywhere) {
 
 TEST_F(ContentEncodingTest, RefusesCorruptGzip) {
   const std::string body = Gzip(LongText());
-  // The head, the data, the check sum and the length.
+  // The header, the data, the checksum and the length.
   for (const std::size_t place :
        {std::size_t{0}, std::size_t{2}, body.size() / 2, body.size() - 7, body.size() - 2}) {
     std::string corrupt = body;

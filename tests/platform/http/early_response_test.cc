@@ -11,7 +11,7 @@
 namespace stowra_test {
 namespace {
 
-// A transfer that waits for the rest of its upload takes this long, and fails.
+// A transfer that waits for the rest of its upload fails after this time.
 constexpr float kTimeout = 10;
 
 struct Early {
@@ -23,7 +23,7 @@ struct Early {
 
 void PrintTo(const Early& early, std::ostream* out) { *out << early.name; }
 
-// The server answers after the headers of a large upload, and takes nothing of its body.
+// The server answers after the headers of a large upload and does not read the body.
 class EarlyResponseTest : public TransportTest, public ::testing::WithParamInterface<Early> {
  protected:
   EarlyResponseTest() { SetInactivityTimeout(kTimeout); }
@@ -103,7 +103,7 @@ TEST_F(EarlyEndTest, RefusesCutChunksDespiteContentLength) {
 }
 
 TEST_F(EarlyEndTest, AcceptsBodyEndedByClose) {
-  // Whatever the upload does: the server's direction has ended in order.
+  // The upload does not matter, because the server has closed its direction in order.
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         connection.Write("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nhello");

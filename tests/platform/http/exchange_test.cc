@@ -10,7 +10,7 @@
 namespace stowra_test {
 namespace {
 
-// Every byte, NUL among them.
+// Every byte value, NUL included.
 std::string AllBytes() {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(Statuses, AnyStatusTest,
 
 TEST_F(ExchangeTest, ResponsesWithoutABodyEndWithTheirHeaders) {
   for (const int status : {204, 304}) {
-    // The length is what a body would have had.
+    // The length that a body would have had.
     const RawServer server(
         Always("HTTP/1.1 " + std::to_string(status) + " Text\r\nContent-Length: 5\r\n\r\n"));
     InternetData transport(Text(server.Url()));
@@ -323,7 +323,7 @@ TEST_F(ExchangeTest, SendDataIsCopied) {
   SetSendData(data, *background.transport);
   data.assign(kLargeBody, 'b');
   ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
-  // Even data that is set while the upload runs is for later uploads alone.
+  // Data that is set during an upload is for later uploads only.
   SetSendData(data, *background.transport);
   go_on.Set();
   EXPECT_EQ(background.WaitForEnd(), kReturned);

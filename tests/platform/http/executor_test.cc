@@ -16,7 +16,7 @@
 namespace stowra_test {
 namespace {
 
-// What a host's main loop does with completions.
+// Queues completions as a host's main loop does.
 class Queue {
  public:
   void Push(std::function<void()> work) {
@@ -25,7 +25,7 @@ class Queue {
     changed_.notify_all();
   }
 
-  // The next one; empty when none comes within kPatience.
+  // Takes the next completion. Empty when none comes within kPatience.
   std::function<void()> Take() {
     std::unique_lock<std::mutex> lock(mutex_);
     if (!changed_.wait_for(lock, kPatience, [this] { return !works_.empty(); })) return nullptr;
@@ -53,7 +53,7 @@ class ExecutorTest : public TransportTest {
   }
   ~ExecutorTest() override { InternetData::SetCompletionExecutor(nullptr); }
 
-  // Takes the completion of `background`, which is started.
+  // Starts `background` and takes its completion.
   std::function<void()> StartAndTake(Background& background) {
     EXPECT_TRUE(background.Start());
     auto completion = queue_.Take();

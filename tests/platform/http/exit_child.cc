@@ -1,7 +1,7 @@
-// A program that leaves while transfers run. Usage: exit_child MODE URL [CA_FILE].
+// A program that exits while transfers run. Usage: exit_child MODE URL [CA_FILE].
 //
-// Starts transfers of URL, which nobody answers unless the mode says so, waits for a line on its
-// input, says "leaving" and leaves as the mode says, with kExitChildCode.
+// It starts transfers of URL and waits for a line on its input. Then it says "leaving" and exits as
+// the mode says, with kExitChildCode. The server answers only in the modes that say so.
 
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -28,7 +28,7 @@
 #include "common_stowraapi/platform/observer.h"
 #include "tests/platform/http/exit_child.h"
 
-// Read by the thread sanitizer, which by itself waits a second at a process's exit.
+// ThreadSanitizer would wait a second at process exit.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
 const char* __tsan_default_options() { return "atexit_sleep_ms=0"; }
 
@@ -57,7 +57,7 @@ constexpr char kEnded[] = "ExitChildEnded";
 
 std::string url;
 
-// What is alive when the process ends.
+// The objects that are alive when the process ends.
 struct Transfers {
   InternetDataDelegate delegate{nullptr, 1, kEnded, 2, kEnded};
   std::vector<std::unique_ptr<InternetData>> transports;
@@ -70,7 +70,7 @@ struct Transfers {
   }
 };
 
-// Never deleted, but held.
+// Never deleted, but still reachable.
 Transfers* held = nullptr;
 
 void StartHeld() {
@@ -78,7 +78,7 @@ void StartHeld() {
   held->Start();
 }
 
-// What to do at the end of each transfer.
+// Runs a function at the end of each transfer.
 class Observer final : public ovrant::IObserver {
  public:
   explicit Observer(std::function<void()> function) : function_(std::move(function)) {
@@ -91,7 +91,7 @@ class Observer final : public ovrant::IObserver {
   const std::function<void()> function_;
 };
 
-// Waits for ever.
+// Never returns.
 [[noreturn]] void Sleep() {
   while (true) pause();
 }
@@ -111,7 +111,7 @@ int ReturnAndDestroy() {
   return kExitChildCode;
 }
 
-// Destroyed before the library's own objects: it is younger.
+// Younger than the library's static objects, so it is destroyed before them.
 int ReturnWithYoungStatic() {
   static Transfers young;
   young.Start();
@@ -127,7 +127,7 @@ struct OldStatic {
 
   ~OldStatic() {
     if (!is_user) return;
-    // The background is closed; what blocks still works.
+    // No background transfer can start any more. Blocking transfers still work.
     InternetData late((url + "late").c_str());
     if (late.DownloadWithDelegate(&transfers->delegate, nullptr)) std::abort();
     if (!late.Download()) std::abort();
@@ -163,7 +163,7 @@ int ExitFromAnotherThread() {
   Sleep();
 }
 
-// The transfers are answered after the word.
+// The server answers after the word.
 int ExitInsideANotification() {
   static Observer* const observer = new Observer([] {
     Leave();
@@ -187,7 +187,7 @@ int ExitInsideTheListener() {
   Sleep();
 }
 
-// The transfers are answered at once, and the first of them is never done.
+// The server answers at once. The observer of the first transfer never returns.
 int ReturnWhileAnObserverHangs() {
   static Observer* const observer = new Observer([] {
     Say(kExitChildReady);
@@ -197,7 +197,8 @@ int ReturnWhileAnObserverHangs() {
   return Return();
 }
 
-// Destroyed after the library has stopped waiting for the observer, which returns only then.
+// Destroyed after the library has given up waiting for the observer. Only then does the observer
+// return.
 struct LateEnd {
   std::promise<void> library_has_stopped;
   std::promise<void> called_again;
@@ -218,7 +219,7 @@ struct LateEnd {
   }
 } late_end;
 
-// The transfers are answered at once; the first one's observer is the last that is called.
+// The server answers at once. The observer of the first transfer is the last one called.
 int ReturnWhileAnObserverIsSlow() {
   late_end.is_user = true;
   static Observer* const observer = new Observer([] { late_end.OnCall(); });
@@ -237,7 +238,7 @@ int ReturnDuringABlockingDownload() {
   return kExitChildCode;
 }
 
-// Completions that were queued, and are run by nobody. The transfers are answered at once.
+// The server answers at once. The completions are queued and never run.
 int ReturnWithQueuedCompletions() {
   static auto* const mutex = new std::mutex;
   static std::vector<std::function<void()>> queue;
@@ -262,7 +263,7 @@ int OpenConnections() {
   return count;
 }
 
-// A program that is started while transfers run has none of their connections.
+// A program that is started during the transfers inherits none of their connections.
 int ForkAndExec(const char* self) {
   StartHeld();
   WaitForWord();
@@ -278,8 +279,8 @@ int ForkAndExec(const char* self) {
   return kExitChildCode;
 }
 
-// libcurl has a pair of local sockets in each of its multi handles, unused here, that other
-// programs may inherit: it names them to nobody.
+// Each libcurl multi handle has a pair of local sockets that other programs may inherit. They are
+// not used here and do not count.
 bool IsOpen(int descriptor) {
   if (fcntl(descriptor, F_GETFD) < 0) return false;
   sockaddr_storage address = {};
@@ -294,8 +295,8 @@ int OpenDescriptors() {
   return count;
 }
 
-// A program that is started while transfers run has as many descriptors as this one had at first,
-// and the transfers, which are answered after the second word, end as if nothing had been.
+// A program that is started during the transfers has as many descriptors as this one had at first.
+// The server answers after the second word, and the transfers end as usual.
 int ForkAndExecThenEnd(const char* self, int descriptors_at_first) {
   static std::promise<void> all_ended;
   static std::atomic<int> ended{0};

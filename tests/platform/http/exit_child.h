@@ -1,4 +1,4 @@
-// What exit_child and unload_child agree upon with the test that runs them.
+// What exit_child and unload_child share with the test that runs them.
 
 #ifndef TESTS_PLATFORM_HTTP_EXIT_CHILD_H_
 #define TESTS_PLATFORM_HTTP_EXIT_CHILD_H_
@@ -14,12 +14,12 @@ inline constexpr char kExitChildLeaving[] = "leaving";
 inline constexpr char kExitChildReady[] = "ready";
 inline constexpr char kUnloadChildUnloaded[] = "unloaded";
 
-// What the parts of exit_child share.
+// Shared by the parts of exit_child.
 void WaitForWord();
 void Say(const char* text);
 void Leave();
 
-// Leaves while a request of each kind runs. 2 when there is no such mode.
+// Exits while a request of each kind runs. Returns 2 when there is no such mode.
 int RunWithRequests(const std::string& mode, const std::string& url);
 
 }  // namespace stowra_test

@@ -1,4 +1,4 @@
-// The part of exit_child that leaves while requests run.
+// The part of exit_child that exits while requests run.
 
 #include <unistd.h>
 
@@ -13,7 +13,7 @@
 namespace stowra_test {
 namespace {
 
-// One of each kind.
+// One request of each kind.
 struct Requests {
   ovrant::webservices::UserInfoQuery user_info;
   ovrant::webservices::UpdateQuery update;
@@ -29,10 +29,10 @@ struct Requests {
   }
 };
 
-// Older than the library's thread, and destroyed after that has ended.
+// Older than the library's thread, so it is destroyed after the thread has ended.
 Requests old_requests;
 
-// Never deleted, but held.
+// Never deleted, but still reachable.
 Requests* held_requests = nullptr;
 
 void StartHeldRequests(const std::string& url) {
@@ -59,7 +59,7 @@ int ReturnAndDestroy(const std::string& url) {
 
 int ReturnWithYoungStatic(const std::string& url) {
   {
-    // There is a thread already.
+    // The library's thread exists already.
     Requests first;
     first.Start(url);
   }

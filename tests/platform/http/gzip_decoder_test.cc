@@ -133,7 +133,7 @@ TEST_F(GzipDecoderTest, StopsABombAtTheCap) {
 
 TEST_F(GzipDecoderTest, RefusesCorruptData) {
   const std::string data = Gzip(Varied(1000));
-  // Each part that is checked: magic number, method, check sum, length.
+  // Magic number, method, checksum and length.
   for (const std::size_t place :
        {std::size_t{0}, std::size_t{1}, std::size_t{2}, data.size() - 8, data.size() - 1}) {
     std::string corrupt = data;

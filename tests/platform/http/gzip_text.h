@@ -1,4 +1,4 @@
-// Content encodings that a server may use.
+// Encoders for content encodings.
 
 #ifndef TESTS_PLATFORM_HTTP_GZIP_TEXT_H_
 #define TESTS_PLATFORM_HTTP_GZIP_TEXT_H_
@@ -11,7 +11,7 @@ namespace stowra_test {
 // One gzip member (RFC 1952) that holds `text`.
 std::string Gzip(std::string_view text);
 
-// A zlib stream (RFC 1950), which is what HTTP calls deflate.
+// A zlib stream (RFC 1950), which HTTP calls deflate.
 std::string Deflate(std::string_view text);
 
 }  // namespace stowra_test

@@ -17,10 +17,10 @@ using ovrant::internet::EasyReuse;
 constexpr char kOk[] = "HTTP/1.1 200 OK\r\n";
 constexpr char kEnd[] = "Content-Length: 0\r\n\r\n";
 
-// A value for which memory of its own is taken, so that the sanitizers see who touches it.
+// A value that needs memory of its own, so sanitizers see every access.
 const std::string kLong(100, 'x');
 
-// Transfers, each of which may use the handle of the one before.
+// Transfers that may reuse the handle of the one before.
 class HandleReuseTest : public TransportTest {
  protected:
   static void ExpectHello(const std::string& url) {
@@ -33,8 +33,8 @@ class HandleReuseTest : public TransportTest {
     EXPECT_EQ(BodyOf(*background.transport), "hello");
   }
 
-  // Downloads from one that answers "/odd" with `bytes` and anything else well, in turn. Whether
-  // the odd response is one is for libcurl to say, unless it has to be guarded.
+  // Downloads in turn from a server that answers "/odd" with `bytes` and anything else well.
+  // libcurl decides about the odd response, unless handles are guarded.
   static void ExpectHarmless(const std::string& bytes, bool dripped = false) {
     const RawServer server([&](const RawRequest& request, RawConnection& connection) {
       if (request.target != "/odd") {
@@ -128,7 +128,7 @@ TEST_F(HandleReuseTest, ForgetsDefaultsThatAreReset) {
   EXPECT_EQ(LastRequest(server).Header("User-Agent"), "");
 }
 
-// Such a request is made again on another connection, and that only so many times.
+// libcurl repeats such a request on another connection, but only a few times.
 TEST_F(HandleReuseTest, KeptConnectionsMayCloseAnyNumberOfTimes) {
   std::mutex mutex;
   std::set<int> used;

@@ -24,7 +24,7 @@ TEST(HeaderText, ComparesIgnoringTheCaseOfAsciiLetters) {
   EXPECT_TRUE(EqualsIgnoringCase("azAZ", "AZaz"));
   EXPECT_FALSE(EqualsIgnoringCase("a", "ab"));
   EXPECT_FALSE(EqualsIgnoringCase("ab", "a"));
-  // They differ by the bit that tells letters' cases apart, but are no letters.
+  // They differ only in the case bit, but are not letters.
   EXPECT_FALSE(EqualsIgnoringCase("@", "`"));
   EXPECT_FALSE(EqualsIgnoringCase("[", "{"));
   EXPECT_FALSE(EqualsIgnoringCase("\xC4", "\xE4"));

@@ -21,8 +21,8 @@ struct Difference {
   const char* why;
 };
 
-// Where the transport says something else than libcurl by itself. It decodes gzip, which was not
-// asked for when the known outcomes were taken; all others are failures where libcurl was content.
+// Responses with another outcome than libcurl gives by itself. The known outcomes were taken
+// without gzip, which the transport decodes. All others are failures that libcurl accepts.
 const std::map<std::string, Difference> kDifferences = {
     {"1493.http", {"failed", "the only transfer encoding taken is chunked, alone"}},
     {"1494.http", {"failed", "the only transfer encoding taken is chunked, alone"}},
@@ -57,7 +57,7 @@ std::string Sha256(const InternetData& transport) {
   return text;
 }
 
-// "failed", or what of the response can be compared.
+// "failed", or the comparable part of the response.
 std::string Outcome(const InternetData& transport, bool received) {
   if (!received) return "failed";
   return std::to_string(transport.status_code()) + ", " +
@@ -80,13 +80,13 @@ TEST_F(HttpCorpusTest, EveryResponseHasTheKnownOutcome) {
   ASSERT_EQ(files.size(), 231U);
   ASSERT_EQ(expected.size(), files.size());
   for (const auto& difference : kDifferences) EXPECT_TRUE(expected.contains(difference.first));
-  // Some responses announce more than they bring and are ended by the server alone.
+  // Some responses announce more than they send, and only the server ends them.
   SetInactivityTimeout(10);
 
   for (const auto& file : files) {
     const std::string name = file.filename().string();
-    // Each has a server of its own: what one says too much, on a connection that it is about to
-    // close, is no answer to the next request.
+    // Each file has its own server. Extra bytes on a closing connection must not answer the next
+    // request.
     const RawServer server([&file](const RawRequest&, RawConnection& connection) {
       connection.Write(ReadFile(file));
       connection.Close();

@@ -141,7 +141,7 @@ TEST_F(OddResponseTest, SurvivesALeadingFoldedLine) {
     InternetData good(Text(server.Url("/good")));
     EXPECT_TRUE(good.Download());
     EXPECT_EQ(BodyOf(good), "hello");
-    // Whether this is a response is a matter of taste.
+    // Either outcome is allowed.
     InternetData folded(Text(server.Url("/folded")));
     folded.Download();
   }

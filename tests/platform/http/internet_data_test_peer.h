@@ -1,4 +1,4 @@
-// The private side of a transport.
+// Access to the private members of a transport.
 
 #ifndef TESTS_PLATFORM_HTTP_INTERNET_DATA_TEST_PEER_H_
 #define TESTS_PLATFORM_HTTP_INTERNET_DATA_TEST_PEER_H_
@@ -12,7 +12,7 @@ namespace ovrant::internet {
 
 class InternetDataTestPeer {
  public:
-  // A redirect becomes a response like any other.
+  // Makes a redirect a response like any other.
   static void StopFollowingRedirects(InternetData& transport) { transport.redirect_limit_ = 0; }
 
   static const ovrant::utils::ovrant_ustring& Url(const InternetData& t) { return t.url_; }
@@ -27,7 +27,7 @@ class InternetDataTestPeer {
   static bool HasPointers(const InternetData& t) { return t.send_data_ || t.transfer_; }
   static bool LastFlag(const InternetData& t, int index) { return t.reserved_flags_[index]; }
 
-  // In the order that the binary interface gives them.
+  // The members in the order of the binary interface.
   static std::vector<const void*> Members(const InternetData& t) {
     return {&t.started_,
             &t.url_,

@@ -21,7 +21,7 @@ struct Told {
   std::thread::id thread;
 };
 
-// Collects what the listener is told.
+// Collects the events of the listener.
 class ListenerTest : public TransportTest {
  protected:
   ListenerTest() {
@@ -37,7 +37,7 @@ class ListenerTest : public TransportTest {
     return told_;
   }
 
-  // Expects one start, then progress alone, then one end, whose error text it gives.
+  // Expects one start, then only progress, then one end. Gives the error text of the end.
   std::string ErrorOfTheOneTransfer(const std::string& url) {
     const auto events = told();
     if (events.size() < 2) {

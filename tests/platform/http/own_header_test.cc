@@ -1,4 +1,4 @@
-// Headers that the host sets and the transport would otherwise decide on.
+// Headers that the transport sets unless the host does.
 
 #include <gtest/gtest.h>
 

@@ -30,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kLongestExit(1);
 constexpr std::size_t kTransfers = kExitChildTransfers;
 
-// Another program, with pipes to its input and from its output.
+// A child program, with pipes to its input and from its output.
 class Child {
  public:
   explicit Child(std::vector<std::string> words) {
@@ -72,11 +72,11 @@ class Child {
     EXPECT_EQ(line, text);
   }
 
-  // Expects the program to say that it leaves, and to end by itself, in time and as it should.
+  // Expects the program to say that it leaves, and to exit in time with the right code.
   void ExpectToLeave() {
     ExpectLine(kExitChildLeaving);
     const auto begin = Clock::now();
-    // The end of its output is the end of the program.
+    // The output ends with the program.
     EXPECT_EQ(ReadByte(), std::nullopt);
     ASSERT_TRUE(output_ended_) << "it still runs";
     int status = 0;
@@ -88,7 +88,7 @@ class Child {
   }
 
  private:
-  // Nothing at the end of the output, or when nothing comes within kPatience.
+  // Gives nothing at the end of the output, or when nothing comes within kPatience.
   std::optional<char> ReadByte() {
     pollfd readable = {output_, POLLIN, 0};
     const auto limit = std::chrono::milliseconds(kPatience).count();
@@ -100,7 +100,7 @@ class Child {
   }
 
   pid_t pid_ = -1;
-  // Both ends: there is always a reader, so writing to a program that has ended is no signal.
+  // Both ends stay open here, so writing to a program that has ended raises no signal.
   std::array<int, 2> input_ = {-1, -1};
   int output_ = -1;
   bool output_ended_ = false;
@@ -114,7 +114,7 @@ std::string NameOfWay(const testing::TestParamInfo<const char*>& test) {
 
 class ProcessExitTest : public ::testing::TestWithParam<const char*> {};
 
-// Transfers that nobody answers.
+// The server does not answer.
 TEST_P(ProcessExitTest, IsQuickWhileTransfersAreStalled) {
   const RawServer server(Silence());
   Child child({STOWRA_EXIT_CHILD, GetParam(), server.Url()});
@@ -216,7 +216,7 @@ TEST_F(ProcessEndTest, IsQuickDuringABlockingDownload) {
   child.ExpectToLeave();
 }
 
-// The program that it starts meanwhile inherits nothing of them.
+// A program that is started meanwhile inherits nothing from the transfers.
 TEST_F(ProcessEndTest, TransfersEndAfterForkAndExec) {
   Event answer;
   const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
@@ -257,7 +257,7 @@ constexpr const char* kWaysWithRequests[] = {
 INSTANTIATE_TEST_SUITE_P(Ways, RequestsAtExitTest, ::testing::ValuesIn(kWaysWithRequests),
                          NameOfWay);
 
-// A plugin that starts transfers, or requests, and is unloaded; and how many.
+// A plugin that starts transfers or requests and is unloaded, and how many it starts.
 struct Plugin {
   const char* name;
   const char* path;
@@ -287,7 +287,7 @@ TEST_P(UnloadedUserTest, TransfersEnd) {
   child.SayGo();
   child.ExpectLine(kUnloadChildUnloaded);
   answer.Set();
-  // The library has read the answers when it has closed the connections.
+  // Closed connections show that the library has read the answers.
   EXPECT_TRUE(server.WaitUntilUnused());
   child.SayGo();
   child.ExpectToLeave();

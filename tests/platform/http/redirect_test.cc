@@ -17,7 +17,7 @@ std::string Redirect(int status, const std::string& location) {
   return Response(status, "moved", "Location: " + location + "\r\nX-Redirect: 1\r\n");
 }
 
-// Redirects "/from" to `location`, and answers any other request by "hello".
+// Redirects "/from" to `location` and answers any other request with "hello".
 RawServer::Handler RedirectTo(const std::string& location, int status = 302) {
   return [location, status](const RawRequest& request, RawConnection& connection) {
     connection.Write(request.target == "/from" ? Redirect(status, location)
@@ -153,7 +153,7 @@ TEST_F(RedirectTest, RefusesOtherSchemes) {
   }
 }
 
-// Otherwise the status would be that of the one and the body that of the other.
+// If it were followed, the status and the body could come from different responses.
 TEST_F(RedirectTest, FailsWhenARedirectBreaksOffInItsHeaders) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     if (request.target != "/from") return static_cast<void>(connection.Write(Response(200, "no")));

@@ -10,13 +10,13 @@ namespace {
 
 class RequestHeaderTest : public TransportTest {
  protected:
-  // The request of a download.
+  // Gives the request of a download.
   RawRequest Get(InternetData& transport) {
     EXPECT_TRUE(transport.Download());
     return LastRequest(server_);
   }
 
-  // The request of an upload of "data".
+  // Gives the request of an upload of "data".
   RawRequest Post(InternetData& transport, StringMap* headers = nullptr) {
     SetSendData("data", transport);
     EXPECT_TRUE(transport.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, headers,

@@ -16,7 +16,7 @@ using ovrant::internet::ResponseHead;
 
 class ResponseHeadTest : public ::testing::Test {
  protected:
-  // Adds lines, whose ends are left out, and gives the first refusal or "".
+  // Adds lines given without their ends. Gives the first refusal, or "".
   std::string Add(std::initializer_list<const char*> lines) {
     for (const char* line : lines) {
       if (const char* why = head_.AddLine(std::string(line) + "\r\n")) return why;

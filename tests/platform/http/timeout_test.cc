@@ -19,7 +19,7 @@ using std::chrono::milliseconds;
 constexpr float kShort = 0.2F;
 constexpr milliseconds kShortest(190);
 
-// For what must not time out: a busy machine may hold a byte up for this long.
+// For transfers that must not time out. A busy machine may delay a byte by this much.
 constexpr float kLonger = 0.6F;
 constexpr milliseconds kPause(50);
 
@@ -33,7 +33,7 @@ void PrintTo(const Silent& silent, std::ostream* out) { *out << silent.name; }
 
 class SilenceTest : public TransportTest, public ::testing::WithParamInterface<Silent> {
  protected:
-  // Says something, and nothing more.
+  // Sends some bytes and then nothing.
   const RawServer server_{[](const RawRequest&, RawConnection& connection) {
     connection.Write(GetParam().bytes);
     connection.Stall();
@@ -179,7 +179,7 @@ TEST_F(TimeoutTest, SlowUploadIsProgress) {
 
 TEST_F(TimeoutTest, BytesThatTheSystemSendsOfAnUploadAreProgress) {
   SetInactivityTimeout(kLonger);
-  // The system takes it all at once, and hands it on by and by.
+  // The system takes the whole body at once and sends it bit by bit.
   constexpr std::size_t kBody = 1 << 18;
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {

@@ -19,7 +19,7 @@ RawServer::Options With(const Certificate& certificate) {
   return options;
 }
 
-// The transport trusts one authority that has made some of the certificates.
+// The transport trusts one authority, which has issued some of the certificates.
 class TlsTest : public TransportTest {
  protected:
   TlsTest() {
@@ -130,7 +130,7 @@ TEST_F(TlsTest, FailsWhenTheServerSpeaksNoTls) {
 }
 
 TEST_F(TlsTest, FailsWhenABodyWithoutLengthIsCutOff) {
-  // Without the end of the TLS stream, anybody may have cut the connection.
+  // Without close_notify, anyone on the path may have cut the connection.
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         connection.Write("HTTP/1.1 200 OK\r\n\r\nhalf of it");
@@ -141,11 +141,12 @@ TEST_F(TlsTest, FailsWhenABodyWithoutLengthIsCutOff) {
   EXPECT_FALSE(transport.Download());
 }
 
-// What ends with the connection ends well, or not, by what TLS has said before.
+// A body that ends with its connection is whole only after close_notify.
 class TlsEndTest : public TlsTest {
  protected:
-  // The results of a download on a new connection, on a used one and after a redirect from http, of
-  // an upload and of a download in the background, from a server that ends with `end`.
+  // Makes five transfers from a server that ends with `end`, and gives their results. They are a
+  // download on a new connection, on a used one and after a redirect from http, an upload and a
+  // background download.
   std::vector<bool> Results(void (RawConnection::*end)()) const {
     const RawServer server(
         [end](const RawRequest& request, RawConnection& connection) {

@@ -14,7 +14,7 @@ using ovrant::internet::HttpExchange;
 using ovrant::internet::HttpRequest;
 using ovrant::internet::TransferLoop;
 
-// One that cannot be made: it has ended as soon as it is started.
+// An exchange that cannot be made. It ends as soon as it starts.
 HttpExchange Impossible() {
   HttpRequest request;
   request.url = "ftp://127.0.0.1/";

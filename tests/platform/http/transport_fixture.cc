@@ -13,7 +13,7 @@ void ResetSettings() {
   InternetData::SetCompletionExecutor(nullptr);
 }
 
-// The servers of the tests are on this machine, whatever proxy its user has.
+// The test servers run on this machine, so the user's proxies are ignored.
 const bool kWithoutProxies = [] {
   for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
                            "no_proxy", "NO_PROXY"}) {
@@ -79,7 +79,7 @@ void LetWorkerCatchUp() {
   constexpr char kCaughtUp[] = "TransportTestCaughtUp";
   NotificationRecorder recorder({kCaughtUp});
   const auto delegate = MakeDelegate(nullptr, kCaughtUp, kCaughtUp);
-  // Refused without a connection.
+  // This fails without a connection.
   InternetData transport(Text("none:"));
   ASSERT_TRUE(transport.DownloadWithDelegate(delegate.get(), nullptr));
   ASSERT_TRUE(recorder.WaitFor(1));

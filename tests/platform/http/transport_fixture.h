@@ -1,4 +1,4 @@
-// What the tests of the transport share.
+// Helpers for the tests of the transport.
 
 #ifndef TESTS_PLATFORM_HTTP_TRANSPORT_FIXTURE_H_
 #define TESTS_PLATFORM_HTTP_TRANSPORT_FIXTURE_H_
@@ -32,33 +32,32 @@ inline constexpr char kFailed[] = "TransportTestFailed";
 inline constexpr unsigned int kReturnedMessage = 1;
 inline constexpr unsigned int kFailedMessage = 2;
 
-// A file that an allocation of this size or a body of it is quick to make, and no buffer on the way
-// can hold.
+// Larger than any buffer on the way, and still quick to allocate.
 inline constexpr std::size_t kLargeBody = std::size_t{32} << 20;
 
 ovrant_ustring Text(std::string_view utf8);
 
-// The response as it stands in the transport.
+// The response that the transport holds.
 std::string BodyOf(const InternetData& transport);
 std::string HeaderOf(const InternetData& transport, const char* name);
 
-// The last request that the server has got; an empty one where there is none.
+// The last request of the server, or an empty one.
 RawRequest LastRequest(const RawServer& server);
 
 void SetSendData(std::string_view data, InternetData& transport);
 
-// Expects what a failure leaves: no body, no headers and `status`.
+// Expects the state after a failure: no body, no headers and `status`.
 void ExpectFailureState(const InternetData& transport, int status = 0);
 
 std::unique_ptr<InternetDataDelegate> MakeDelegate(void* context = nullptr,
                                                    const char* returned = kReturned,
                                                    const char* failed = kFailed);
 
-// A transport, its delegate, and what the delegate posts.
+// A transport, its delegate and a recorder of the posts.
 struct Background {
   explicit Background(const std::string& url, std::function<void()> on_notification = nullptr);
 
-  // GET; what has been posted when it has ended, or within kPatience.
+  // Starts a GET. WaitForEnd gives the posted name, or waits for kPatience in vain.
   bool Start();
   std::string WaitForEnd();
 
@@ -67,11 +66,10 @@ struct Background {
   std::unique_ptr<InternetData> transport;
 };
 
-// Waits until the thread of the background transfers has done all that it had to do for transfers
-// which ended, or were given up, before.
+// Waits until the worker has handled all transfers that ended or were dropped before.
 void LetWorkerCatchUp();
 
-// Puts the settings of the process back to the initial ones before and after each test.
+// Resets the settings of the process before and after each test.
 class TransportTest : public ::testing::Test {
  protected:
   TransportTest();

@@ -1,5 +1,5 @@
-// A program that unloads its user of the platform library while transfers run. Usage: unload_child
-// PLUGIN URL. The platform library stays.
+// A program that unloads a plugin while transfers run. The plugin uses the platform library, which
+// stays loaded. Usage: unload_child PLUGIN URL.
 
 #include <dlfcn.h>
 
@@ -7,16 +7,16 @@
 
 #include "tests/platform/http/exit_child.h"
 
-// Read by the thread sanitizer, which by itself waits a second at a process's exit.
+// ThreadSanitizer would wait a second at process exit.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
 const char* __tsan_default_options() { return "atexit_sleep_ms=0"; }
 
 namespace {
 
-// Kept for the leak checker: nobody reads it.
+// Keeps the objects reachable for the leak checker.
 void* volatile held = nullptr;
 
-// Names that are posted are never freed, so they are not the plugin's.
+// Posted names must stay valid, so the plugin does not own them.
 constexpr char kName[] = "UnloadChildEnded";
 
 // False at the end of the input.
@@ -47,7 +47,7 @@ int main(int count, char** arguments) {
   if (dlclose(plugin) != 0) return 6;
   if (dlopen(arguments[1], RTLD_NOW | RTLD_NOLOAD) != nullptr) return 8;
   Say(stowra_test::kUnloadChildUnloaded);
-  // The transfers may be answered now, or not.
+  // The test decides whether the server answers now.
   if (!WaitForWord()) return 5;
   Say(stowra_test::kExitChildLeaving);
   return stowra_test::kExitChildCode;

@@ -1,4 +1,4 @@
-// A part of a host that is loaded and unloaded, and uses the platform library.
+// A plugin of a host that uses the platform library.
 
 #include <vector>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// What a host has forgotten to delete before it unloads the plugin.
+// Objects that a host forgets to delete before it unloads the plugin.
 struct Forgotten {
   explicit Forgotten(const char* name) : delegate(nullptr, 1, name, 2, name) {}
 
@@ -18,7 +18,7 @@ struct Forgotten {
 
 }  // namespace
 
-// `name` is what the transfers post. Gives the caller what is to be held, or null.
+// The transfers post `name`. Returns an object that the caller must keep, or null.
 extern "C" __attribute__((visibility("default"))) void* StartTransfers(const char* url,
                                                                        const char* name) {
   auto* const forgotten = new Forgotten(name);

@@ -1,10 +1,10 @@
-// A part of a host that is loaded and unloaded, and uses the whole library.
+// A plugin of a host that uses the whole library.
 
 #include "common_stowraapi/common_stowraapi.h"
 
 namespace {
 
-// What a host has forgotten to delete before it unloads the plugin.
+// Objects that a host forgets to delete before it unloads the plugin.
 struct Forgotten {
   ovrant::webservices::UserInfoQuery user_info;
   ovrant::webservices::UpdateQuery update;
@@ -13,7 +13,7 @@ struct Forgotten {
 
 }  // namespace
 
-// Gives the caller what is to be held. The requests have names of their own.
+// Returns an object that the caller must keep. The requests have names of their own.
 extern "C" __attribute__((visibility("default"))) void* StartTransfers(const char* url,
                                                                        const char* /*name*/) {
   auto* const forgotten = new Forgotten;

@@ -18,7 +18,7 @@ namespace {
 using ovrant::internet::URL;
 using ovrant::utils::ovrant_ustring;
 
-// The value of `key`, or nothing if there is none.
+// The value of `key`, if there is such a parameter.
 std::optional<ovrant_ustring> ValueOf(const ovrant_ustring& url, const ovrant_ustring& key) {
   ovrant_ustring value("unchanged");
   URL parsed(url);
@@ -136,7 +136,7 @@ TEST(UrlTest, MayBeAskedAgain) {
   EXPECT_EQ(value, "1");
 }
 
-// The same rules once more, written another way: one pass over the bytes, keeping every parameter.
+// A second implementation of the rules. It reads the bytes once and keeps every parameter.
 using Parameters = std::vector<std::pair<std::string, std::string>>;
 
 std::string DecodeAgain(const std::string& raw) {
@@ -185,8 +185,7 @@ Parameters ParametersOf(const std::string& url) {
   return parameters;
 }
 
-// Asks for every parameter that there is, and for some that there are not. Returns how many it
-// found.
+// Asks for every parameter and for some that do not exist. Returns how many it found.
 std::size_t CheckUrl(const std::string& url) {
   const ovrant_ustring text(url.data(), url.size());
   std::map<std::string, std::string> first;
@@ -234,7 +233,7 @@ TEST(UrlCorpusTest, FollowsTheRulesForEveryQuery) {
   EXPECT_GT(found, 35u);
 }
 
-// The standard decodes names too. A first name that needs no decoding has the value that it gives.
+// The standard decodes names too, so only a first name that needs no decoding is compared.
 TEST(UrlCorpusTest, DecodesValuesAsTheStandardDoes) {
   SKIP_WITHOUT_CORPUS(folder, "url-whatwg");
   int compared = 0;

@@ -1,4 +1,4 @@
-// What the thread of the background transfers takes from the system, and what it gives back.
+// System resources that the worker takes and gives back.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -28,13 +28,13 @@ using std::chrono::steady_clock;
 
 class WorkerResourcesTest : public TransportTest {
  protected:
-  // The tests of what is refused are for a process that has no worker yet.
+  // Tests of refused resources need a process without a worker.
   WorkerResourcesTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
   const RawServer server_{Always(Response(200, std::string(100'000, 'x')))};
 };
 
-// Whether a body's memory is kept for another: a smaller one would get it.
+// Whether freed body memory is kept. A smaller request would then get a kept piece.
 bool KeepsBodyMemory() {
   constexpr std::size_t kSmaller = 60'000;
   const BodyBytes piece(BodyMemory::Allocate(kSmaller));
@@ -48,7 +48,7 @@ TEST_F(WorkerResourcesTest, FreesKeptMemoryWhenNoTransferFollows) {
     ASSERT_EQ(background.WaitForEnd(), kReturned);
   }
   EXPECT_TRUE(KeepsBodyMemory());
-  // Nothing tells of it.
+  // No event reports it.
   const auto begin = steady_clock::now();
   while (KeepsBodyMemory() && steady_clock::now() - begin < kPatience) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -56,8 +56,8 @@ TEST_F(WorkerResourcesTest, FreesKeptMemoryWhenNoTransferFollows) {
   EXPECT_FALSE(KeepsBodyMemory());
 }
 
-// Ends the process: with 0 when a transfer fails at once while `refuse` holds, and one succeeds
-// after `allow`.
+// Ends the process, with 0 on success. A transfer must fail at once while `refuse` holds. The next
+// must succeed after `allow`.
 template <typename Refuse, typename Allow>
 void StartRefusedThenAllowed(const std::string& url, const Refuse& refuse, const Allow& allow) {
   Background refused(url);
@@ -71,11 +71,11 @@ void StartRefusedThenAllowed(const std::string& url, const Refuse& refuse, const
   std::exit(allowed.WaitForEnd() == kReturned ? 0 : 3);
 }
 
-// UndefinedBehaviorSanitizer looks at an object through a pipe, for which it needs descriptors;
-// ThreadSanitizer reports the threads of the server, which the process leaves behind.
+// UndefinedBehaviorSanitizer needs descriptors, because it checks an object through a pipe.
+// ThreadSanitizer reports the server's threads, which the process leaves behind.
 #if !defined(STOWRA_UNDER_ADDRESS_SANITIZER) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
 
-// Leaves what is open as it is.
+// Open descriptors stay open.
 void SetDescriptorLimit(rlim_t limit) {
   rlimit now = {};
   getrlimit(RLIMIT_NOFILE, &now);
@@ -98,7 +98,7 @@ TEST_F(WorkerResourcesTest, TransferFailsAtOnceWithoutDescriptors) {
               testing::ExitedWithCode(0), "");
 }
 
-// Nothing of what it throws comes out of the start.
+// The start must not throw.
 void StartRefusedWithAThrowingObserver(const std::string& url) {
   Background refused(url, [] { throw std::runtime_error("thrown by an observer"); });
   rlimit usual = {};
@@ -117,7 +117,7 @@ TEST_F(WorkerResourcesTest, ObserverOfAnImmediateFailureMayThrow) {
 
 #if defined(__GLIBC__) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
 
-// For the threads to come.
+// For later threads.
 void SetStackSize(std::size_t bytes) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
