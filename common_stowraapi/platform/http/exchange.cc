@@ -349,8 +349,7 @@ void HttpExchange::Tell(TransferEvent::Kind kind, const char* error) noexcept {
     event.bytes_to_send = request_.body ? request_.body->size() : 0;
     event.error = error;
     listener_->Call(event);
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the transfer goes on without
-                                     // this event
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): this event is lost
   }
 }
 

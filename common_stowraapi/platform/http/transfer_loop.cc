@@ -17,7 +17,7 @@ namespace {
 // A connecting transfer may have a socket for each address family and one for the name look-up.
 constexpr std::size_t kSocketsPerTransfer = 4;
 
-// The most used handles that wait to be prepared again.
+// At most this many used handles wait to be prepared again.
 constexpr std::size_t kMostUsed = 16;
 
 constexpr auto kAtOnce = TransferLoop::Clock::time_point::min();
