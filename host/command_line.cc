@@ -40,7 +40,7 @@ void SetUp(CLI::App& app, Task& chosen) {
   AddDemoCommand(app, chosen);
 }
 
-// "stowra", or that and the command that the command line got to.
+// "stowra", followed by the command if one was parsed.
 std::string NameOf(const CLI::App& app) {
   const auto chosen = app.get_subcommands();
   return chosen.empty() ? app.get_name() : app.get_name() + " " + chosen.back()->get_name();

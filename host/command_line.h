@@ -1,4 +1,4 @@
-// The whole program but for main.
+// The whole program but main.
 
 #ifndef HOST_COMMAND_LINE_H_
 #define HOST_COMMAND_LINE_H_
@@ -7,7 +7,7 @@
 
 namespace stowra {
 
-// Reads the command line and runs the command that it asks for.
+// Parses the command line and runs its command.
 ExitStatus RunCommandLine(int argc, const char* const* argv);
 
 }  // namespace stowra

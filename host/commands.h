@@ -1,4 +1,4 @@
-// The commands: each has a source file of its own.
+// The commands. Each has its own source file.
 
 #ifndef HOST_COMMANDS_H_
 #define HOST_COMMANDS_H_
@@ -16,7 +16,7 @@ namespace stowra {
 // The command that the command line asks for, ready to run.
 using Task = std::function<ExitStatus()>;
 
-// Each adds its command to `app`, whose parsing sets `chosen` when that command is asked for.
+// Each adds its command to `app`. If the parsed command line has that command, `chosen` is set.
 void AddUserInfoCommand(CLI::App& app, Task& chosen);
 void AddUpdateCommand(CLI::App& app, Task& chosen);
 void AddExtensionsCommand(CLI::App& app, Task& chosen);

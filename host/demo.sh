@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# demo.sh STOWRA EMULATOR: every service of a local emulator: the first three now and in the
-# background, then the content service.
+# demo.sh STOWRA EMULATOR
+# Starts a local emulator and calls every service: three in both modes, then the content service.
 set -euo pipefail
 stowra=$1 emulator=$2
 
@@ -12,7 +12,7 @@ trap 'kill "$emulator_pid"; wait "$emulator_pid" 2>/dev/null || true; rm -rf "$w
 read -r url <"$work/url"
 echo "emulator at $url"
 
-# The messages on stderr, notifications among them, in their place between the results.
+# Notifications go to stderr. One stream keeps them in order with the results.
 exec 2>&1
 show() {
   echo

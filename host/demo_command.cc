@@ -1,4 +1,4 @@
-// stowra demo: a tour of the content service that checks itself.
+// stowra demo: tries out the content service and checks the results.
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -42,12 +42,12 @@ constexpr char kExamples[] =
 
 constexpr char kEmulator[] = "http://127.0.0.1:8080";
 
-// What the emulator says of an uploaded .qmf file, which does not tell its version.
+// The version that the emulator reports for every uploaded .qmf file.
 constexpr int kUploadedVersion = 5;
 
 constexpr int kAnyVersion = 99;
 
-// What ends the demo; it has been said on stderr.
+// Ends the demo. The reason has been printed to stderr.
 struct Failure {
   ExitStatus status;
 };
@@ -66,13 +66,13 @@ void Check(bool good, const std::string& what) {
   if (!good) FailCheck(what);
 }
 
-// As a shell takes it. None of the demo's own words holds an apostrophe.
+// Quotes for a shell. The demo's own arguments contain no apostrophe.
 std::string Quote(const std::string& argument) {
   const bool is_plain = argument.find_first_of("?&* ;()<>|$\"\\") == std::string::npos;
   return is_plain ? argument : "'" + argument + "'";
 }
 
-// Runs a command as the command line would, and shows it.
+// Prints a command line and runs it in this process. Throws Failure if the command fails.
 void Show(std::vector<std::string> arguments) {
   std::string line = "$ stowra";
   for (const std::string& argument : arguments) line += " " + Quote(argument);
@@ -86,14 +86,14 @@ void Show(std::vector<std::string> arguments) {
   if (status != ExitStatus::kDone) throw Failure{status};
 }
 
-// One query whose pages are turned.
+// A search that moves from page to page.
 class Search {
  public:
   explicit Search(int max_qmf_version) : session_(options_) {
     query_.max_qmf_version_ = max_qmf_version;
   }
 
-  // With a copy of the address: the query replaces its own.
+  // Takes a copy of the URL, since the query replaces its own. Throws Failure if it fails.
   void Ask(ovrant_ustring url) {
     options_.url = url.utf8();
     if (!query_.QueryFeed(url)) throw Failure{session_.Fail("it is not a feed of results")};
@@ -120,7 +120,7 @@ std::string ReadWhole(const std::string& file) {
   return content;
 }
 
-// Goes from the first page to the last, and back.
+// Follows the next links to the last page, then the previous links back.
 void TurnPages(const std::string& url) {
   Say("");
   Say("pages of " + url);
@@ -146,7 +146,7 @@ void TurnPages(const std::string& url) {
   Say("  back: the same pages");
 }
 
-// The address of the first model found that can be downloaded.
+// The first download URL among the results.
 std::string FindDownload(const std::string& url, int max_qmf_version) {
   Search search(max_qmf_version);
   search.Ask(url.c_str());
@@ -156,14 +156,14 @@ std::string FindDownload(const std::string& url, int max_qmf_version) {
   FailCheck("no model was found: " + url);
 }
 
-// Every byte value, and what separates the parts of a form.
+// Every byte value, and the delimiter of a form's parts.
 std::string MakeContent() {
   std::string content = "\r\n--\r\n";
   for (int i = 0; i < 64 * 256; ++i) content += static_cast<char>((i + i / 256) & 0xFF);
   return content;
 }
 
-// A word that no other model's title holds.
+// A word that occurs in no other model's title.
 std::string MakeWord(const char* stem) {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
   return fmt::format("{}{}x{}", stem, getpid(),
@@ -181,15 +181,15 @@ class Demo {
     TurnPages(emulator_ + "/search");
     Show({"download", FindDownload(chairs, 0), "-o", folder_.File("first")});
     Check(!ReadWhole(folder_.File("first")).empty(), "the first model is empty");
-    ThereAndBack(false);
-    ThereAndBack(true);
+    CheckUpload(false);
+    CheckUpload(true);
     Say("");
     Say("demo: all is well");
   }
 
  private:
   // Uploads a file, finds it, downloads it and compares the bytes.
-  void ThereAndBack(bool zipped) {
+  void CheckUpload(bool zipped) {
     const std::string word = MakeWord(zipped ? "z" : "p");
     const std::string config =
         fmt::format("{}/upload-config?name=Demo%20chair%20{}&zipped={}", emulator_, word, zipped);
@@ -205,7 +205,7 @@ class Demo {
     Say("the same bytes came back");
   }
 
-  // Makes the file to send.
+  // Writes the file to send and returns its path.
   std::string Prepare(const std::string& word, bool zipped) const {
     const std::string name = word + ".qmf";
     std::string file = folder_.File(zipped ? name + ".zip" : name);

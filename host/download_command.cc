@@ -1,4 +1,4 @@
-// stowra download: a model's file.
+// stowra download: fetches a model's file.
 
 #include <fmt/format.h>
 
@@ -36,7 +36,7 @@ constexpr char kExamples[] =
 
 constexpr int kHttpOk = 200;
 
-// A model is held in memory whole. 4 GiB, or what the platform can count.
+// A download is held in memory. The default is 4 GiB, or less where unsigned long is smaller.
 constexpr std::uint64_t kFourGibibytes = std::uint64_t{1} << 32;
 constexpr unsigned long kMostBytes = std::numeric_limits<unsigned long>::max();
 constexpr auto kDefaultMaxBytes =
@@ -45,7 +45,7 @@ constexpr auto kDefaultMaxBytes =
 struct DownloadOptions : RequestOptions {
   DownloadOptions() { max_bytes = kDefaultMaxBytes; }
 
-  std::string file;  // empty: as the server calls it
+  std::string file;  // empty: the server names the file
 };
 
 std::string CheckOutput(const std::string& file) {
@@ -57,7 +57,7 @@ std::string CheckMaxBytes(const std::string& text) {
   return CheckWholeNumber(text, 1, kMostBytes, "a number of bytes above 0");
 }
 
-// Before anything is transferred for nothing.
+// Checked before the transfer, which would otherwise be in vain.
 bool HasDestination(const DownloadOptions& options) {
   std::string why;
   if (options.file.empty()) {

@@ -15,7 +15,7 @@ namespace {
 constexpr char kFallback[] = "download";
 constexpr char kWhiteSpace[] = " \t";
 
-// What file systems take, in bytes.
+// Bytes; the limit of common file systems.
 constexpr std::size_t kLongestName = 255;
 
 std::string WithoutFolders(std::string_view path) {
@@ -23,14 +23,13 @@ std::string WithoutFolders(std::string_view path) {
   return std::string(separator == std::string_view::npos ? path : path.substr(separator + 1));
 }
 
-// A quotation mark here is one that ends a name within which there was no extension.
+// The library looks for an extension even behind the closing quotation mark.
 bool IsFit(const std::string& name) {
   return !name.empty() && name.size() <= kLongestName && name[0] != '.' && name[0] != '-' &&
          name.find('"') == std::string::npos && Printable(name) == name;
 }
 
-// From the extension at which the library ends the name to where the header does: "chair.qmf.zip"
-// keeps both.
+// The library cuts a name before .qmf or .kmz. Returns what it cuts off, such as ".qmf.zip".
 std::string ExtensionIn(const std::string& header) {
   const std::size_t qmf = header.find(".qmf");
   const std::size_t begin = qmf != std::string::npos ? qmf : header.find(".kmz");
@@ -38,7 +37,7 @@ std::string ExtensionIn(const std::string& header) {
   return header.substr(begin, header.find_first_of(quoted ? "\"" : "; \t", begin) - begin);
 }
 
-// The name of a .qmf or .kmz file, as the library reads it.
+// The name of a .qmf or .kmz file, as the library reads it. Empty without one.
 std::string ModelNameIn(const ovrant_ustring& header) {
   const std::string base =
       ovrant::stowraapiclient::GetFilenameFromContentDisposition(header).utf8();
@@ -59,7 +58,7 @@ bool IsFilename(std::string_view parameter) {
                     [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
 }
 
-// The first parameter of a header, up to the semicolon that is not within quotation marks.
+// The header up to its first semicolon outside quotation marks.
 std::string_view FirstParameter(std::string_view header) {
   bool quoted = false;
   for (std::size_t i = 0; i < header.size(); ++i) {
@@ -70,7 +69,7 @@ std::string_view FirstParameter(std::string_view header) {
   return header;
 }
 
-// Backslashes stay: more often than they escape, they separate the parts of a path.
+// Keeps backslashes. They separate folders more often than they escape a character.
 std::string ValueOf(std::string_view text) {
   if (text.empty() || text[0] != '"') {
     return std::string(text.substr(0, text.find_first_of(kWhiteSpace)));
@@ -79,7 +78,7 @@ std::string ValueOf(std::string_view text) {
   return std::string(text.substr(0, text.rfind('"')));
 }
 
-// The name of any file, in the parameter "filename".
+// The parameter "filename", for files of any type. Empty without it.
 std::string AnyNameIn(const std::string& header) {
   std::string_view rest = header;
   while (!rest.empty()) {

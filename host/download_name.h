@@ -1,4 +1,4 @@
-// What a downloaded file is called.
+// Chooses the name of a downloaded file.
 
 #ifndef HOST_DOWNLOAD_NAME_H_
 #define HOST_DOWNLOAD_NAME_H_
@@ -9,10 +9,10 @@
 
 namespace stowra {
 
-// The name that a Content-Disposition header (RFC 6266) gives, extension included, as "chair.qmf",
-// "chair.qmf.zip" or "chair.zip"; otherwise the last part of the path in `url`, or "download". Both
-// come from outside, so whatever they say the result is the name of a file in the current folder:
-// no path, not hidden, not too long, printable, and nothing that a command takes for an option.
+// The name in a Content-Disposition header (RFC 6266) with its extension, such as "chair.qmf" or
+// "chair.qmf.zip". Without a safe name there, the last part of the path in `url`. Without a safe
+// name there either, "download". A safe name holds no folder, is printable, is at most 255 bytes
+// long, and begins with neither '.' nor '-'.
 std::string ChooseFileName(const ovrant::utils::ovrant_ustring& content_disposition,
                            const std::string& url);
 

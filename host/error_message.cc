@@ -10,7 +10,7 @@ namespace stowra {
 namespace {
 
 constexpr std::size_t kMaxCharacters = 200;
-constexpr std::size_t kMaxBytes = 4 * kMaxCharacters;  // only what is not UTF-8 has more
+constexpr std::size_t kMaxBytes = 4 * kMaxCharacters;  // only invalid UTF-8 has more
 constexpr std::string_view kWhiteSpace = " \t\r\n";
 
 bool IsSpace(char c) { return kWhiteSpace.find(c) != std::string_view::npos; }
@@ -27,7 +27,7 @@ bool IsText(std::string_view content_type) {
   return type.compare(0, 5, "text/") == 0 || EndsWith(type, "json") || EndsWith(type, "xml");
 }
 
-// Each byte of UTF-8 but the first of a character.
+// Any byte of a UTF-8 character but its first.
 bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What a server says of a request that it refuses.
+// What a server says about a request that it refuses.
 
 #ifndef HOST_ERROR_MESSAGE_H_
 #define HOST_ERROR_MESSAGE_H_
@@ -8,8 +8,8 @@
 
 namespace stowra {
 
-// The start of a response's body, on one line of no more than two hundred characters: "..." stands
-// for the rest. Empty unless `content_type` is that of a text, JSON or XML.
+// The body's first 200 characters on one line, with "..." for the rest. Empty unless `content_type`
+// is a text, JSON or XML type.
 std::string ErrorMessage(std::string_view content_type, std::string_view body);
 
 }  // namespace stowra

@@ -1,4 +1,4 @@
-// What the program's exit status says.
+// The program's exit statuses.
 
 #ifndef HOST_EXIT_STATUS_H_
 #define HOST_EXIT_STATUS_H_
@@ -7,10 +7,10 @@ namespace stowra {
 
 enum class ExitStatus {
   kDone = 0,
-  kCannotRun = 1,  // no memory, or something could not be read or written
+  kCannotRun = 1,  // out of memory, or a read or write failed
   kUsage = 2,
   kTransferFailed = 3,
-  kHttpStatus = 4,  // any other status than 200, or of an upload than 2xx
+  kHttpStatus = 4,  // not 200, or for an upload not 2xx
   kUnusableResponse = 5,
 };
 

@@ -1,4 +1,4 @@
-// stowra extensions: the status of the installed extensions.
+// stowra extensions: shows the status of the installed extensions.
 
 #include <fmt/format.h>
 
@@ -81,7 +81,7 @@ ExitStatus Ask(const ExtensionsOptions& options, const std::string& body) {
                     : status.SynchronousStatus();
   if (!succeeded) return session.Fail("");
   const ItemMap items = status.GetItemMapFromResponse();
-  // A response that cannot be read and one that lists nothing look the same.
+  // The library gives an empty map for an unreadable response and for an empty list.
   if (items.empty()) return session.Fail("it holds the status of no extension");
   return WriteResult(options.json ? ToJson(items) : ToTable(items));
 }

@@ -18,7 +18,7 @@ namespace stowra {
 
 namespace {
 
-constexpr mode_t kReadableByAll = 0666;  // but for the user's own mask
+constexpr mode_t kReadableByAll = 0666;  // less the umask
 constexpr mode_t kReadableByOwner = 0600;
 constexpr mode_t kPermissions = 0777;
 constexpr int kMaxNames = 100;
@@ -31,14 +31,14 @@ struct Free {
   void operator()(char* text) const { std::free(text); }
 };
 
-// The errors below are an errno, 0, or this one, which no errno is.
+// The functions below return 0, an errno, or this value, which is no errno.
 constexpr int kNotRegular = -1;
 
 std::string ToText(int error) {
   return error == kNotRegular ? "not a regular file" : std::generic_category().message(error);
 }
 
-// Whether there was none; otherwise `why` says which.
+// True for error 0. Otherwise sets `why`.
 bool Succeeds(int error, std::string& why) {
   if (error != 0) why = ToText(error);
   return error == 0;
@@ -57,8 +57,8 @@ void ReserveFor(std::FILE* stream, std::string& content) {
   content.reserve(static_cast<std::size_t>(status.st_size));
 }
 
-// A new file with a name of its own in the folder of another, removed with this object unless it
-// has been given that one's name.
+// A new file under a temporary name. MoveTo gives it its final name. The destructor removes the
+// temporary name.
 class TemporaryFile {
  public:
   explicit TemporaryFile(std::filesystem::path folder) : folder_(std::move(folder)) {}
@@ -70,7 +70,7 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  // With this mode, or as any new file.
+  // Without `mode`, the umask decides.
   int Create(std::optional<mode_t> mode);
   int Write(std::string_view content);
   int Close();
@@ -110,7 +110,7 @@ int TemporaryFile::Write(std::string_view content) {
   return 0;
 }
 
-// The content is on the disk before the name is.
+// Syncs, so that the content is on the disk before the final name.
 int TemporaryFile::Close() {
   const int error = fsync(descriptor_) == 0 ? 0 : errno;
   const int descriptor = std::exchange(descriptor_, -1);
@@ -124,11 +124,11 @@ int TemporaryFile::MoveTo(const std::string& file, Existing existing) {
   return 0;
 }
 
-// Unlike a move, a link never replaces what is there.
+// Unlike a rename, a link never replaces an existing file.
 int TemporaryFile::LinkTo(const std::string& file) {
   if (link(path_.c_str(), file.c_str()) == 0) return 0;
   if (errno == EEXIST) return EEXIST;
-  // Some file systems have no links.
+  // Some file systems have no hard links.
   struct stat status = {};
   if (lstat(file.c_str(), &status) == 0) return EEXIST;
   return MoveTo(file, Existing::kReplace);
@@ -139,14 +139,14 @@ std::filesystem::path FolderOf(const std::string& file) {
   return folder.empty() ? "." : folder;
 }
 
-// Where a content goes, and the mode of the file that is there.
+// The file to write, and the mode of the one that it replaces.
 struct Destination {
   std::string file;
   std::optional<mode_t> mode;
 };
 
-// Goes to the end of symbolic links. They may lead to what has no name, as a pipe: only a call that
-// follows them itself says so.
+// Resolves symbolic links. Calls stat() first, since realpath() fails for a link to an unnamed
+// pipe.
 int FollowLinks(const std::string& file, Destination& destination) {
   struct stat status = {};
   if (stat(file.c_str(), &status) != 0) return errno;

@@ -1,4 +1,4 @@
-// The form of --help.
+// The layout of --help.
 
 #ifndef HOST_HELP_FORMATTER_H_
 #define HOST_HELP_FORMATTER_H_
@@ -8,8 +8,7 @@
 
 namespace stowra {
 
-// Begins with the examples, which each command keeps as its footer, and ends with the exit
-// statuses.
+// Prints the examples first, which each command stores as its footer, and the exit statuses last.
 class HelpFormatter : public CLI::Formatter {
  public:
   std::string make_help(const CLI::App* app, std::string name,

@@ -1,4 +1,4 @@
-// Values for a JSON document that is being built.
+// Makes the values of a JSON document.
 
 #ifndef HOST_JSON_VALUES_H_
 #define HOST_JSON_VALUES_H_
@@ -21,11 +21,11 @@ ovrant::json::Value MakeInt(ovrant::json::Document& document, int number);
 ovrant::json::Value MakeSize(ovrant::json::Document& document, std::size_t number);
 ovrant::json::Value MakeBool(ovrant::json::Document& document, bool value);
 
-// The number as its shortest decimal text says it: 0.9F becomes 0.9 and not 0.89999998.
-// REQUIRES: finite.
+// Uses the shortest decimal text of the float: 0.9F becomes 0.9 and not 0.89999998.
+// REQUIRES: `number` is finite.
 ovrant::json::Value MakeFloat(ovrant::json::Document& document, float number);
 
-// The document as one line.
+// The document as one line of text, with its line break.
 std::string ToLine(ovrant::json::Document& document);
 
 }  // namespace stowra

@@ -1,4 +1,4 @@
-// stowra: the services from the command line.
+// stowra: calls the services from the command line.
 
 #include <csignal>
 #include <exception>
@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv) {
   try {
-    // A peer that is gone is an error of the write, not the end of the program.
+    // Makes a write to a closed connection or pipe an error instead of the program's end.
     std::signal(SIGPIPE, SIG_IGN);
     return static_cast<int>(stowra::RunCommandLine(argc, argv));
   } catch (const std::exception& error) {

@@ -10,9 +10,8 @@
 
 namespace stowra {
 
-// Runs on the main thread what other threads hand to it. While it lives, the completions of
-// background transfers come here, and so their notifications arrive on the main thread. One at a
-// time in a process.
+// Runs tasks from other threads on the main thread. While it lives, background transfers complete
+// here, so their notifications arrive on the main thread. One at a time in a process.
 class MainLoop {
  public:
   MainLoop();
@@ -21,8 +20,8 @@ class MainLoop {
   MainLoop(const MainLoop&) = delete;
   MainLoop& operator=(const MainLoop&) = delete;
 
-  // Appends a task. From any thread. A task that is lost for want of memory would never be missed,
-  // only waited for: that ends the program.
+  // Appends a task, from any thread. If memory runs out, the program ends: a lost task would leave
+  // RunNext waiting forever.
   void Post(std::function<void()> task) noexcept;
 
   // Waits for the next task and runs it on this thread.

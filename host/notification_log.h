@@ -1,4 +1,4 @@
-// Which notifications have arrived.
+// Records which notifications have arrived.
 
 #ifndef HOST_NOTIFICATION_LOG_H_
 #define HOST_NOTIFICATION_LOG_H_
@@ -10,10 +10,10 @@
 
 namespace stowra {
 
-// Observes some names while it lives. For the thread on which they are posted.
+// Observes notifications while it lives. For one thread, on which they are also posted.
 class NotificationLog : public ovrant::IObserver {
  public:
-  // With `verbose` each one that arrives is a line on stderr.
+  // With `verbose`, prints a line to stderr for each notification.
   NotificationLog(const std::vector<const char*>& names, bool verbose);
   ~NotificationLog() override;
 

@@ -65,7 +65,7 @@ void ProgressBar::Erase() {
   Write("\r");
 }
 
-// A terminal that is gone is no reason to end the transfer.
+// Ignores errors: the transfer goes on without its terminal.
 void ProgressBar::Write(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stream_);
   std::fflush(stream_);

@@ -1,4 +1,4 @@
-// How far a transfer has come, on a terminal.
+// Shows the progress of a transfer on a terminal.
 
 #ifndef HOST_PROGRESS_BAR_H_
 #define HOST_PROGRESS_BAR_H_
@@ -13,12 +13,12 @@
 
 namespace stowra {
 
-// What the bar shows of a transfer: the request's body where it has one, else the response's; the
-// bytes alone where the whole is not known. ASCII, at most 60 characters.
+// The progress of the request's body if it has one, else of the response's. Without a known total,
+// the bytes alone. ASCII, at most 60 characters.
 std::string ProgressText(const ovrant::internet::TransferEvent& event);
 
-// One line that is written over, at most ten times a second, and erased when the transfer ends. For
-// one thread at a time.
+// One line, redrawn at most ten times a second and erased when the transfer ends. For one thread at
+// a time.
 class ProgressBar {
  public:
   using Clock = std::function<std::chrono::steady_clock::time_point()>;
@@ -30,7 +30,7 @@ class ProgressBar {
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  // The next event of the transfer.
+  // Takes the next event of the transfer.
   void Show(const ovrant::internet::TransferEvent& event);
 
  private:
@@ -40,7 +40,7 @@ class ProgressBar {
 
   std::FILE* const stream_;
   const Clock clock_;
-  std::size_t width_ = 0;  // of what stands on the line
+  std::size_t width_ = 0;  // characters on the line
   std::chrono::steady_clock::time_point drawn_at_;
 };
 

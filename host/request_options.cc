@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view kWhiteSpace = " \t";
 
-// Eleven days: more seconds than that are a slip.
+// Eleven days. A longer timeout is a mistake.
 constexpr float kLongestTimeout = 1e6F;
 
 std::string_view Trim(std::string_view text) {
@@ -30,7 +30,7 @@ std::string_view Trim(std::string_view text) {
 
 ovrant_ustring ToText(std::string_view utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
 
-// The checks return what is wrong, or nothing.
+// Each check returns an error text, or an empty string.
 std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "empty" : ""; }
 
 std::string CheckHeader(const std::string& header) {
@@ -41,13 +41,13 @@ std::string CheckHeader(const std::string& header) {
 
 std::string CheckSeconds(const std::string& text) {
   float seconds = 0;
-  // Written so that it refuses what is not a number, too.
+  // Comparisons with NaN are false, so NaN is refused, too.
   const bool good =
       CLI::detail::lexical_cast(text, seconds) && seconds > 0 && seconds <= kLongestTimeout;
   return good ? "" : fmt::format("'{}' is not a number of seconds above 0", text);
 }
 
-// A later header replaces an earlier one of the same name, whatever its letter case.
+// A later header replaces an earlier one of the same name in any letter case.
 StringMap ToHeaders(const std::vector<std::string>& lines) {
   StringMap headers;
   for (const std::string_view line : lines) {
@@ -116,7 +116,7 @@ std::string CheckWholeNumber(const std::string& text, unsigned long least, unsig
   unsigned long number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
-  // What is assigned afterwards would be read as octal behind a zero.
+  // CLI11 would read a number with a leading zero as octal.
   const bool has_leading_zero = text.size() > 1 && text[0] == '0';
   const bool good =
       error == std::errc() && stop == end && !has_leading_zero && number >= least && number <= most;

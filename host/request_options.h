@@ -1,4 +1,4 @@
-// What every command that asks a service takes.
+// The options of every command that calls a service.
 
 #ifndef HOST_REQUEST_OPTIONS_H_
 #define HOST_REQUEST_OPTIONS_H_
@@ -18,28 +18,28 @@ struct RequestOptions {
   std::string url;
   bool async = false;
   bool json = false;
-  bool verbose = false;              // notifications are shown
-  bool shows_transfers = false;      // each transfer is shown at its end
-  float timeout = 0;                 // seconds; 0: the library's own
-  unsigned long max_bytes = 0;       // of a response's body; 0: the library's own
+  bool verbose = false;              // print notifications
+  bool shows_transfers = false;      // print each transfer when it ends
+  float timeout = 0;                 // seconds; 0: the library's default
+  unsigned long max_bytes = 0;       // of a response body; 0: the library's default
   std::vector<std::string> headers;  // "Name: value"
   std::string ca_file;
 };
 
-// Adds them to `command`; `options` receives them and must live as long.
+// Adds these options to `command`. Parsing fills `options`, which must outlive `command`.
 void AddRequestOptions(CLI::App& command, RequestOptions& options);
 
-// The same for a command that only ever waits, and has no notifications to show: no --async, and
-// --verbose shows the transfers. The help calls the address `url_name` and says what it is.
+// The same for a command that always waits and has no notifications. It gets no --async, and its
+// --verbose prints the transfers. The help shows `url_name` and `url_description`.
 void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name = "URL",
                        const char* url_description = "Address of the service");
 
-// Says what is wrong with `text` when it is not a decimal number from `least` to `most`: that it is
-// not `what`.
+// An empty string if `text` is a decimal number from `least` to `most`. Otherwise an error text
+// that says it is not `what`.
 std::string CheckWholeNumber(const std::string& text, unsigned long least, unsigned long most,
                              const char* what);
 
-// What holds for the program's transfers.
+// The settings of all transfers.
 ovrant::internet::TransferDefaults MakeTransferDefaults(const RequestOptions& options);
 
 }  // namespace stowra

@@ -1,4 +1,4 @@
-// What is wrong with a response that a service class has refused.
+// Says what is wrong with a response that a service class has refused.
 
 #ifndef HOST_RESPONSE_CHECK_H_
 #define HOST_RESPONSE_CHECK_H_
@@ -11,11 +11,11 @@
 
 namespace stowra {
 
-// True with the response in `document`; otherwise `why` says why there is none.
+// Parses `body` into `document`. On failure returns false with the reason in `why`.
 bool LoadResponse(const ovrant::utils::ovrant_ustring& body, ovrant::json::Document& document,
                   std::string& why);
 
-// Says that a response lacks these members.
+// An error text that names the missing members.
 std::string Lacks(const std::vector<std::string>& members);
 
 }  // namespace stowra

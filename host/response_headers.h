@@ -1,4 +1,4 @@
-// Headers of a response.
+// Looks up a response's headers.
 
 #ifndef HOST_RESPONSE_HEADERS_H_
 #define HOST_RESPONSE_HEADERS_H_
@@ -7,7 +7,7 @@
 
 namespace stowra {
 
-// The value of the header of that name, whatever its letter case; empty without one.
+// The value of the header `name` in any letter case. Empty without it.
 ovrant::utils::ovrant_ustring FindHeader(const ovrant::utils::StringMap& headers,
                                          const ovrant::utils::ovrant_ustring& name);
 

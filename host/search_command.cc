@@ -1,4 +1,4 @@
-// stowra search: models and collections that match.
+// stowra search: finds models and collections.
 
 #include <fmt/format.h>
 

@@ -16,33 +16,33 @@
 
 namespace stowra {
 
-// Successive pages of one search, which own the results. For one thread at a time.
+// Successive pages of one search. They own the results. For one thread at a time.
 class SearchPages {
  public:
   // `session` must outlive the pages.
   SearchPages(const Session& session, int max_qmf_version)
       : session_(session), max_qmf_version_(max_qmf_version) {}
 
-  // Adds the page at `url`. False when that fails: Fail says why.
+  // Adds the page at `url`. Returns false if that fails. Fail then prints the reason.
   bool Add(const ovrant::utils::ovrant_ustring& url);
 
-  // Adds the pages to which the last one leads, one after the other, up to one that fails: then
-  // false. Stops, with a warning, at an address that has been asked already, and after a hundred
-  // pages on end without a result that is new: a server may go on forever.
+  // Follows the next links and adds their pages. Returns false at the first page that fails. Since
+  // a server could link its pages forever, stops with a warning at a URL that was fetched before,
+  // and after 100 pages in a row without a new result.
   bool AddFollowing();
 
-  // Says on stderr why the last page was not added.
+  // Prints to stderr why the last page was not added.
   ExitStatus Fail() const;
 
   // REQUIRES: Add has returned true.
   const ovrant::stowraapiclient::ContentQuery& first() const { return *pages_.front(); }
   const ovrant::stowraapiclient::ContentQuery& last() const { return *pages_.back(); }
 
-  // Those of the first page, and of each one after it those that no page before has, in order.
+  // All results of the first page, then those of the later pages whose ids are new.
   const std::vector<const ovrant::stowraapiclient::ContentItem*>& items() const { return items_; }
 
-  // As "results 1 to 12 of 100", and how many of them there are here if the pages say otherwise; as
-  // "none here of 100" where the pages begin after the last one.
+  // Such as "results 1 to 12 of 100". If only 8 of those could be used, adds "usable 8". If the
+  // first page begins after the last result, "none here of 100".
   std::string CountText() const;
 
  private:

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kHttpOk = 200;
 
-// What the library says of a body beyond the limit.
+// The library's error text for a body beyond the limit.
 constexpr char kTooLarge[] = "the response's body is too large";
 
 std::string ReasonOf(const std::string& error, unsigned long max_bytes) {

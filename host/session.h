@@ -1,4 +1,4 @@
-// What a host sets up around its requests.
+// What a host sets up for its requests.
 
 #ifndef HOST_SESSION_H_
 #define HOST_SESSION_H_
@@ -19,21 +19,21 @@ namespace stowra {
 // must outlive the requests that it runs. One at a time in a process.
 class Session {
  public:
-  // `notifications` are the public names to observe. `options` must outlive the session.
+  // Observes the notifications of these names. `options` must outlive the session.
   explicit Session(const RequestOptions& options,
                    const std::vector<const char*>& notifications = {});
 
-  // Shows on stderr, where that is a terminal, how far the transfers from now on have come.
+  // If stderr is a terminal, shows the progress of later transfers there.
   void ShowProgress() { transfers_.ShowProgress(); }
 
   // Calls `start`, which starts one background transfer, and runs its completion on this thread.
-  // Returns whether the notification `success`, one of those observed, has then arrived: a failure
-  // need not be posted at all.
+  // Returns whether the observed notification `success` has arrived. Not every service posts a
+  // notification when it fails.
   bool RunInBackground(const std::function<void()>& start, const char* success);
 
-  // Says on stderr why the last request has failed: the transfer, the HTTP status with `message`,
-  // what the server said of it, if anything, or, where those were good, `unusable`, what was wrong
-  // with the response.
+  // Prints to stderr why the last request failed: the transfer's error, or an HTTP status other
+  // than 200 with the server's `message`, if any. If both were good, prints `unusable`, which says
+  // what is wrong with the response.
   ExitStatus Fail(const std::string& unusable, const std::string& message = {}) const;
 
  private:

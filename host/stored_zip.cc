@@ -11,11 +11,11 @@ constexpr std::uint32_t kLocalHeader = 0x04034B50;
 constexpr std::uint32_t kDirectoryEntry = 0x02014B50;
 constexpr std::uint32_t kDirectoryEnd = 0x06054B50;
 
-constexpr unsigned kVersion = 10;         // the first: nothing that is newer is used
+constexpr unsigned kVersion = 10;         // 1.0; no newer feature is used
 constexpr unsigned kUtf8Name = 1U << 11;  // flag
 constexpr unsigned kStored = 0;           // method
 constexpr unsigned kMidnight = 0;
-constexpr unsigned kFirstOf1980 = (1U << 5) | 1;  // the first day there is
+constexpr unsigned kFirstOf1980 = (1U << 5) | 1;  // the earliest date
 
 // Little-endian, whatever the machine.
 void Append(std::uint32_t number, std::size_t bytes, std::string& text) {
@@ -40,7 +40,7 @@ std::uint32_t Crc32(std::string_view bytes) {
   return ~crc;
 }
 
-// What the local header and the directory have in common.
+// The fields that the local header and the directory entry share.
 std::string Describe(std::string_view name, std::string_view content) {
   std::string fields;
   Append16(kVersion, fields);

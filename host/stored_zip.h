@@ -1,4 +1,4 @@
-// The plainest zip archive.
+// Makes a zip archive without compression.
 
 #ifndef HOST_STORED_ZIP_H_
 #define HOST_STORED_ZIP_H_
@@ -8,8 +8,8 @@
 
 namespace stowra {
 
-// An archive (PKWARE's APPNOTE, 4.3) of one file, uncompressed.
-// REQUIRES: `name` and `content` of less than 64 KiB and 4 GiB.
+// A zip archive (PKWARE's APPNOTE, 4.3) that stores one file.
+// REQUIRES: `name` is smaller than 64 KiB, and the archive than 4 GiB.
 std::string MakeStoredZip(std::string_view name, std::string_view content);
 
 }  // namespace stowra

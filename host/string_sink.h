@@ -1,4 +1,4 @@
-// A stream's end in a string.
+// A stream buffer that writes to a string.
 
 #ifndef HOST_STRING_SINK_H_
 #define HOST_STRING_SINK_H_
@@ -9,7 +9,7 @@
 
 namespace stowra {
 
-// What is written to it is appended to a string, which must outlive it.
+// Appends everything written to it to `text`, which must outlive it.
 class StringSink : public std::streambuf {
  public:
   explicit StringSink(std::string& text) : text_(text) {}

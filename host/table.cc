@@ -12,10 +12,10 @@ namespace stowra {
 
 namespace {
 
-// A cell beyond this makes its own line longer and leaves the other lines alone.
+// A wider cell makes only its own line longer.
 constexpr std::size_t kWidestColumn = 60;
 
-// Columns of a terminal that the text takes, as fmt counts them: what it does not fill up.
+// The terminal columns that `text` takes. fmt counts them only when it pads.
 std::size_t WidthOf(const std::string& text) {
   const std::size_t filled = fmt::formatted_size("{:<{}}", text, kWidestColumn);
   return kWidestColumn - std::min(filled - text.size(), kWidestColumn);

@@ -1,4 +1,4 @@
-// Text in columns.
+// Formats text in columns.
 
 #ifndef HOST_TABLE_H_
 #define HOST_TABLE_H_
@@ -11,12 +11,12 @@ namespace stowra {
 // Rows of cells whose columns line up on a terminal, wide characters included.
 class Table {
  public:
-  // Which cells are labels, and so stand out where colour is possible.
+  // Which cells are labels. Labels are bold where colour is allowed.
   enum class Labels { kFirstRow, kFirstColumn };
 
   explicit Table(Labels labels) : labels_(labels) {}
 
-  // A row may have fewer cells than others. The cells are shown as Printable gives them.
+  // Rows may differ in length but have at least one cell. Each cell goes through Printable.
   void AddRow(const std::vector<std::string>& cells);
 
   // Each row as a line, two spaces between columns.

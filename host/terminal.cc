@@ -19,13 +19,13 @@ namespace {
 
 constexpr char16_t kReplacement = u'\uFFFD';
 
-// C0, DEL and C1 controls, and the separators that end a line or a paragraph.
+// C0, DEL and C1 controls, and the line and paragraph separators.
 bool IsControl(char16_t unit) {
   return unit < u' ' || (unit >= 0x7F && unit <= 0x9F) || unit == 0x2028 || unit == 0x2029;
 }
 
 std::string_view Environment(const char* name) {
-  const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody sets any
+  const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): never set here
   return value == nullptr ? "" : value;
 }
 

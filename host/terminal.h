@@ -1,4 +1,4 @@
-// What the program writes, and how.
+// Writes to stdout and stderr.
 
 #ifndef HOST_TERMINAL_H_
 #define HOST_TERMINAL_H_
@@ -10,22 +10,21 @@
 
 namespace stowra {
 
-// `text` as well-formed UTF-8 on one line: control characters, which command a terminal, are
-// replaced. Texts from a server or the command line go through here before they are shown.
+// `text` as well-formed UTF-8 on one line. Replaces control characters, which a terminal would
+// obey. Texts from a server or the command line go through here before they are shown.
 std::string Printable(const std::string& text);
 
-// Whether a line on `stream` may be written over: a terminal that is not dumb.
+// Whether a line on `stream` may be redrawn: it is a terminal, and not a dumb one.
 bool MayRedraw(std::FILE* stream);
 
-// Whether what is written to `stream` may be coloured: the same, unless the environment's NO_COLOR
-// has a value.
+// Whether output to `stream` may be coloured: as MayRedraw, unless the environment variable
+// NO_COLOR has a value.
 bool MayColour(std::FILE* stream);
 
-// Writes the result to stdout. kCannotRun, after a message, when that fails.
+// Writes the result to stdout. On failure prints a message and returns kCannotRun.
 ExitStatus WriteResult(const std::string& text);
 
-// One line on stderr: the second with the program's name before it, the third with that and
-// "warning".
+// Each prints one line to stderr. Complain begins it with "stowra:", Warn with "stowra: warning:".
 void Note(const std::string& message);
 void Complain(const std::string& message);
 void Warn(const std::string& message);

@@ -1,4 +1,4 @@
-// How the transfers go.
+// Records how the transfers end.
 
 #ifndef HOST_TRANSFER_LOG_H_
 #define HOST_TRANSFER_LOG_H_
@@ -11,22 +11,22 @@
 
 namespace stowra {
 
-// Listens to all transfers of the process while it lives, on whichever thread runs them, and keeps
-// the end of the last one: the services themselves only say whether they succeeded. One at a time
-// in a process; safe from any thread.
+// Listens to all transfers of the process while it lives, and keeps the end of the last one. The
+// services themselves only say whether they succeeded. Safe from any thread. One at a time in a
+// process.
 class TransferLog {
  public:
-  // With `verbose` each transfer is a line on stderr at its end.
+  // With `verbose`, prints a line to stderr when a transfer ends.
   explicit TransferLog(bool verbose);
   ~TransferLog();
 
   TransferLog(const TransferLog&) = delete;
   TransferLog& operator=(const TransferLog&) = delete;
 
-  // Shows on stderr, where that is a terminal, how far each transfer has come.
+  // If stderr is a terminal, shows the progress of each transfer there.
   void ShowProgress();
 
-  // Nothing while no transfer has ended.
+  // Empty until a transfer has ended.
   std::optional<ovrant::internet::TransferEvent> last_end() const;
 
  private:

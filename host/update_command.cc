@@ -1,4 +1,4 @@
-// stowra update: which version, message and data files are offered.
+// stowra update: shows the offered version, message and data files.
 
 #include <fmt/format.h>
 

@@ -15,7 +15,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-// More than the parts around the content usually take.
+// Bytes; usually enough for the parts around the content.
 constexpr std::size_t kRoomForParts = 4096;
 
 }  // namespace
@@ -29,7 +29,7 @@ std::string MakeUploadBody(const ovrant_ustring& subject_id, const UploadFile& f
   static_cast<std::ios&>(out).rdbuf(&sink);
   SetupPayload(subject_id, &file, reinterpret_cast<const unsigned char*>(content.data()),
                content.size(), boundary, &out);
-  // A string can only run out of memory, and the stream has kept that to itself.
+  // Only memory can run out here, and the stream swallows that exception.
   if (!out) throw std::bad_alloc();
   return body;
 }

@@ -1,4 +1,4 @@
-// The body of an upload.
+// Makes the body of an upload.
 
 #ifndef HOST_UPLOAD_BODY_H_
 #define HOST_UPLOAD_BODY_H_
@@ -11,8 +11,8 @@
 
 namespace stowra {
 
-// The form as the library writes it, in memory once: a stream of the library's kind would grow step
-// by step and be copied at the end.
+// The form as the library writes it. Holds the body in memory once, where a std::stringstream would
+// grow in steps and be copied at the end.
 std::string MakeUploadBody(const ovrant::utils::ovrant_ustring& subject_id,
                            const ovrant::stowraapiclient::UploadFile& file,
                            std::string_view content, const std::string& boundary);

@@ -55,12 +55,12 @@ struct UploadOptions : RequestOptions {
   std::string subject_id;
 };
 
-// What became of one file.
+// The outcome for one file.
 struct SentFile {
   std::string file;
   std::size_t bytes = 0;
   int status = 0;           // HTTP; 0 without a response
-  ovrant_ustring location;  // as the response names it; may be empty
+  ovrant_ustring location;  // from the response's header; may be empty
 };
 
 struct Upload {
@@ -78,15 +78,15 @@ std::string MessageOf(const InternetData& transport) {
       {reinterpret_cast<const char*>(transport.received_data()), transport.received_data_length()});
 }
 
-// Sends the files one after the other, each to its place in the configuration.
+// Sends files one after the other, each to its URL in the configuration.
 class Uploader {
  public:
   Uploader(const Session& session, const UploadOptions& options)
       : session_(session), options_(options) {}
 
-  // Whatever is returned, `sent` says what was done. Anything but kDone has been said on stderr.
+  // Fills in `sent` in any case. Prints failures to stderr.
   ExitStatus Send(const std::string& path, UploadFile& file, SentFile& sent) {
-    // The configuration says in which of two forms the file goes; the user gives just that one.
+    // The user gives the file as the configuration asks for it, zipped or not.
     (file.zipped_ ? file.zipped_file_path_ : file.file_path_) = ToText(path);
     sent.file = path;
     InternetData transport(file.upload_url_);
@@ -102,7 +102,7 @@ class Uploader {
   }
 
  private:
-  // Makes the request from the file. Of content and body no more than two copies are ever held.
+  // Makes the request from the file. Holds the content in memory at most twice at a time.
   bool Load(const std::string& path, const UploadFile& file, InternetData& transport,
             StringMap& headers, std::size_t& bytes) {
     std::string content;

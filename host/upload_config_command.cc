@@ -1,4 +1,4 @@
-// stowra upload-config: where and how to upload.
+// stowra upload-config: shows where and how to upload.
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-// Asking for an upload configuration.
+// Fetches an upload configuration.
 
 #ifndef HOST_UPLOAD_CONFIGURATION_H_
 #define HOST_UPLOAD_CONFIGURATION_H_
@@ -11,7 +11,7 @@
 
 namespace stowra {
 
-// kDone with the answer in `config`; else the failure has been said on stderr.
+// Returns kDone with the configuration in `config`. Otherwise prints the failure to stderr.
 ExitStatus AskForUploadConfig(const Session& session, const std::string& url,
                               ovrant::stowraapiclient::UploadConfig& config);
 

@@ -1,4 +1,4 @@
-// What the form of an upload cannot carry.
+// Finds what an upload's form cannot carry safely.
 
 #ifndef HOST_UPLOAD_PROBLEMS_H_
 #define HOST_UPLOAD_PROBLEMS_H_
@@ -10,19 +10,19 @@
 
 namespace stowra {
 
-// One file of an upload and the form that it is sent in.
+// A file and the form in which it is sent.
 struct UploadForm {
   std::string_view path;       // as the user gave it
   std::string_view file_name;  // as it stands in the form
   std::string_view content;
-  bool zipped = false;   // as the configuration asks for it
+  bool zipped = false;   // the configuration asks for a zip file
   std::size_t size = 0;  // bytes of the whole form
   std::string_view boundary;
   std::string_view previous_boundary;  // of the file before; empty for the first
 };
 
-// Why a server may not read the form as it was meant, one sentence each: nothing in it is escaped,
-// its headers hold the length in 32 bits, and boundaries change once a second.
+// The reasons why a server may misread the form, one text each. The form escapes nothing, its
+// header map holds a 32-bit length, and its boundary changes only once a second.
 std::vector<std::string> FindUploadProblems(const UploadForm& form);
 
 }  // namespace stowra

@@ -1,4 +1,4 @@
-// stowra user-info: who is signed in.
+// stowra user-info: shows who is signed in.
 
 #include <CLI/CLI.hpp>
 #include <memory>

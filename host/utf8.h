@@ -1,4 +1,4 @@
-// Bytes that come from the user's system.
+// Checks text that comes from the user's system.
 
 #ifndef HOST_UTF8_H_
 #define HOST_UTF8_H_
@@ -7,8 +7,7 @@
 
 namespace stowra {
 
-// Whether these bytes are UTF-8 throughout: the library's text carries other ones instead of those
-// that are not.
+// Whether `bytes` are well-formed UTF-8. The library replaces ill-formed bytes by U+FFFD.
 bool IsUtf8(std::string_view bytes);
 
 }  // namespace stowra

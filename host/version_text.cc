@@ -10,7 +10,7 @@ namespace stowra {
 
 namespace {
 
-// What follows `label` in the library's own text, up to white space.
+// The word after `label` in the library's version text.
 std::string_view Field(std::string_view text, std::string_view label) {
   const std::size_t at = text.find(label);
   if (at == std::string_view::npos) return "unknown";

@@ -1,4 +1,4 @@
-// What --version prints.
+// The output of --version.
 
 #ifndef HOST_VERSION_TEXT_H_
 #define HOST_VERSION_TEXT_H_
@@ -7,7 +7,7 @@
 
 namespace stowra {
 
-// The two version symbols of the library that is loaded, in readable form.
+// The two version symbols of the loaded library, in readable form.
 std::string VersionText();
 
 }  // namespace stowra

@@ -12,7 +12,7 @@ namespace stowra {
 
 namespace {
 
-// Wakes the watcher at the end; it is one of those that it waits for, ignored or not.
+// Wakes the watcher when the folder is destroyed. It is in signals_ even if it is ignored.
 constexpr int kWakeUp = SIGTERM;
 
 constexpr int kMaxRemovals = 100;
@@ -22,7 +22,7 @@ bool IsIgnored(int signal) {
   return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-// Ends the process as if nobody had waited for the signal.
+// Sends the signal again, unblocked, so that it ends the process.
 void DieOf(int signal) {
   sigset_t only;
   sigemptyset(&only);
@@ -67,7 +67,7 @@ void WorkFolder::WatchSignals() {
   }
 }
 
-// Again while the main thread may be putting something there.
+// Tries again, since the main thread may still be adding files.
 void WorkFolder::Remove() const {
   std::error_code error;
   for (int i = 0; i < kMaxRemovals; ++i) {

@@ -1,4 +1,4 @@
-// A place for the files of one command.
+// A temporary folder for the files of one command.
 
 #ifndef HOST_WORK_FOLDER_H_
 #define HOST_WORK_FOLDER_H_
@@ -11,13 +11,13 @@
 
 namespace stowra {
 
-// A new folder in the system's temporary one, removed with what is in it: also when SIGHUP, SIGINT
-// or SIGTERM ends the program, unless that is ignored. Belongs to the main thread, must be made
-// before any other thread, and holds these signals back from the threads that come after it. One at
-// a time in a process.
+// A new folder in the system's temporary folder. The destructor removes it with its content. If
+// SIGHUP, SIGINT or SIGTERM ends the program, the folder is removed first. Ignored signals stay
+// ignored. Belongs to the main thread. Make it before any other thread, since it blocks these
+// signals for the threads that start later. One at a time in a process.
 class WorkFolder {
  public:
-  // Throws std::system_error when there can be no such folder.
+  // Throws std::system_error if the folder cannot be made.
   WorkFolder();
   ~WorkFolder();
 
@@ -31,7 +31,7 @@ class WorkFolder {
   void Remove() const;
 
   std::string path_;
-  sigset_t signals_;      // that are waited for
+  sigset_t signals_;      // the watcher waits for these
   sigset_t former_mask_;  // of the main thread
   std::atomic<bool> is_over_ = false;
   std::thread watcher_;
