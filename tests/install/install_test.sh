@@ -17,7 +17,7 @@ if [ "$way" = find_package ]; then
   "$work/build/consumer"
 else
   libdir=$(cd "$(dirname "$(find "$prefix" -name common_stowraapi.pc)")/.." && pwd)
-  # The file names the prefix that was configured; this one is another.
+  # The .pc file holds the configured prefix, so the temporary one must replace it.
   export PKG_CONFIG_PATH=$libdir/pkgconfig
   define="--define-variable=prefix=$prefix"
   # shellcheck disable=SC2046

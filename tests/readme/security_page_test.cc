@@ -1,4 +1,4 @@
-// SECURITY.md states the limits that the library has.
+// SECURITY.md states the library's limits.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ std::string Page() {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// Expects a row of the table that begins so.
+// Expects a table row that begins with these cells.
 void ExpectRow(const std::string& what, const std::string& limit) {
   EXPECT_NE(Page().find("\n| " + what + " | " + limit), std::string::npos)
       << what << " is limited to " << limit;

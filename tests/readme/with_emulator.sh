@@ -1,4 +1,4 @@
-# To be sourced: starts the emulator $1, whose address is then in $url, and stops it in the end.
+# Source this with the emulator as $1. Starts it, sets url and work, and stops it at exit.
 work=$(mktemp -d)
 mkfifo "$work/url"
 "$1" --quiet >"$work/url" &

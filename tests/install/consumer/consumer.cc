@@ -1,4 +1,4 @@
-// A project of its own that knows the library only as it is installed.
+// A separate project that uses the installed library.
 
 #include <cstdio>
 #include <cstring>
