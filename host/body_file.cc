@@ -11,7 +11,7 @@ bool ReadBodyFile(const std::string& file, std::string& body, std::string& why) 
   std::string content;
   if (!(file == "-" ? ReadInput(content, why) : ReadFile(file, content, why))) return false;
   if (!IsUtf8(content)) {
-    why = "not UTF-8";
+    why = "the text is not UTF-8";
     return false;
   }
   body = std::move(content);

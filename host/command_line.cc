@@ -54,7 +54,8 @@ ExitStatus ComplainOfUsage(const CLI::App& app, const std::string& what) {
 }  // namespace
 
 ExitStatus RunCommandLine(int argc, const char* const* argv) {
-  CLI::App app("Asks the online services, as an application that uses the library does.", "stowra");
+  CLI::App app("Calls the online services through the library, as a host application does.",
+               "stowra");
   Task chosen;
   SetUp(app, chosen);
   try {

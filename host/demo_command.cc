@@ -36,9 +36,9 @@ constexpr char kExamples[] =
     "  stowra demo\n"
     "  stowra demo http://127.0.0.1:8080\n"
     "\n"
-    "Searches, turns all pages and turns them back, downloads, uploads a file as it is and "
-    "zipped,\n"
-    "finds both again and compares the bytes. Adds two models to the emulator.\n";
+    "Searches, follows the pages to the last and back, and downloads a model. Then uploads a\n"
+    "plain and a zipped file, finds both, downloads them and compares the bytes. This adds two\n"
+    "models to the emulator.\n";
 
 constexpr char kEmulator[] = "http://127.0.0.1:8080";
 
@@ -96,7 +96,7 @@ class Search {
   // Takes a copy of the URL, since the query replaces its own. Throws Failure if it fails.
   void Ask(ovrant_ustring url) {
     options_.url = url.utf8();
-    if (!query_.QueryFeed(url)) throw Failure{session_.Fail("it is not a feed of results")};
+    if (!query_.QueryFeed(url)) throw Failure{session_.Fail("it is not a search feed")};
   }
 
   ContentQuery& query() { return query_; }
@@ -133,16 +133,16 @@ void TurnPages(const std::string& url) {
     pages.push_back(search.ids());
     seen += pages.back().size();
     Check(seen <= static_cast<std::size_t>(search.query().total_results_),
-          "the pages hold more results than there are");
+          "the pages hold more results than the feed announces");
   }
   Say(fmt::format("  forward: {} pages, {} results", pages.size(), seen));
-  Check(pages.size() > 1, "there is but one page");
+  Check(pages.size() > 1, "there is only one page");
   for (std::size_t page = pages.size() - 1; page > 0; --page) {
-    Check(search.query().BackValid(), "a page after the first one does not lead back");
+    Check(search.query().BackValid(), "a page after the first has no link to the previous page");
     search.Ask(search.query().previous_url_);
-    Check(search.ids() == pages[page - 1], "a page is not the same on the way back");
+    Check(search.ids() == pages[page - 1], "a page differs on the way back");
   }
-  Check(!search.query().BackValid(), "the first page leads back");
+  Check(!search.query().BackValid(), "the first page has a link to a previous page");
   Say("  back: the same pages");
 }
 
@@ -153,7 +153,7 @@ std::string FindDownload(const std::string& url, int max_qmf_version) {
   for (const ContentItem* item : search.query().items_) {
     if (!item->download_url_.empty()) return item->download_url_.utf8();
   }
-  FailCheck("no model was found: " + url);
+  FailCheck(url + ": found no model to download");
 }
 
 // Every byte value, and the delimiter of a form's parts.
@@ -180,11 +180,11 @@ class Demo {
     Show({"search", chairs, "--all", "--max-qmf-version", "8"});
     TurnPages(emulator_ + "/search");
     Show({"download", FindDownload(chairs, 0), "-o", folder_.File("first")});
-    Check(!ReadWhole(folder_.File("first")).empty(), "the first model is empty");
+    Check(!ReadWhole(folder_.File("first")).empty(), "the first model's file is empty");
     CheckUpload(false);
     CheckUpload(true);
     Say("");
-    Say("demo: all is well");
+    Say("demo: all checks passed");
   }
 
  private:
@@ -201,8 +201,9 @@ class Demo {
     Show({"search", search, "--max-qmf-version", fmt::format("{}", kUploadedVersion)});
     const std::string received = folder_.File("received");
     Show({"download", FindDownload(search, kUploadedVersion), "-o", received});
-    Check(ReadWhole(received) == ReadWhole(sent), "what came back is not what was sent");
-    Say("the same bytes came back");
+    Check(ReadWhole(received) == ReadWhole(sent),
+          "the downloaded file differs from the uploaded one");
+    Say("the downloaded file equals the uploaded one");
   }
 
   // Writes the file to send and returns its path.
@@ -236,11 +237,11 @@ ExitStatus Run(std::string url) {
 void AddDemoCommand(CLI::App& app, Task& chosen) {
   const auto url = std::make_shared<std::string>(kEmulator);
   CLI::App& command =
-      *app.add_subcommand("demo", "A tour of the content service that checks itself");
+      *app.add_subcommand("demo", "Try out the content service and check the results");
   command.footer(kExamples);
   command
       .add_option("EMULATOR_URL", *url,
-                  fmt::format("Address of a stowra-emulator; {} unless given", kEmulator))
+                  fmt::format("URL of a stowra-emulator (default: {})", kEmulator))
       ->option_text(" ");
   command.callback([url, &chosen] { chosen = [url] { return Run(*url); }; });
 }

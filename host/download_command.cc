@@ -49,8 +49,9 @@ struct DownloadOptions : RequestOptions {
 };
 
 std::string CheckOutput(const std::string& file) {
-  if (file.empty()) return "empty";
-  return file == "-" ? "'-' is not standard output here: a model goes to a file, as ./-" : "";
+  if (file.empty()) return "must not be empty";
+  return file == "-" ? "'-' does not mean standard output here; use ./- for a file of that name"
+                     : "";
 }
 
 std::string CheckMaxBytes(const std::string& text) {
@@ -94,7 +95,8 @@ ExitStatus Keep(const InternetData& transport, const DownloadOptions& options) {
                                  transport.received_data_length());
   std::string why;
   if (!WriteFile(file, content, is_named ? Existing::kReplace : Existing::kKeep, why)) {
-    Complain(fmt::format("{}: {}", file, why));
+    const char* const advice = is_named ? "" : " (name another file with --output)";
+    Complain(fmt::format("{}: {}{}", file, why, advice));
     return ExitStatus::kCannotRun;
   }
   return WriteResult(options.json ? ToJson(file, content.size()) : ToTable(file, content.size()));
@@ -113,19 +115,18 @@ ExitStatus Run(const DownloadOptions& options) {
 
 void AddDownloadCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<DownloadOptions>();
-  CLI::App& command = *app.add_subcommand("download", "Fetch a model's file");
+  CLI::App& command = *app.add_subcommand("download", "Download a model's file");
   command.footer(kExamples);
   AddWaitingOptions(command, *options);
   command
       .add_option("-o,--output", options->file,
-                  "Write to this file, or the one that this link leads to, and replace one that is "
-                  "there; without it the server names the file, which is put into the current "
-                  "folder and must not be there")
+                  "Write to FILE, or to the target if FILE is a link, and replace an existing file "
+                  "(default: a new file in the current folder, named by the server)")
       ->type_name("FILE")
       ->check(CLI::Validator(CheckOutput, ""));
   command
       .add_option("--max-bytes", options->max_bytes,
-                  fmt::format("Fail when the file is larger; {} unless given", kDefaultMaxBytes))
+                  fmt::format("Fail if the file is larger (default: {})", kDefaultMaxBytes))
       ->type_name("N")
       ->check(CLI::Validator(CheckMaxBytes, ""));
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

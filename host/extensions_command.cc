@@ -82,7 +82,7 @@ ExitStatus Ask(const ExtensionsOptions& options, const std::string& body) {
   if (!succeeded) return session.Fail("");
   const ItemMap items = status.GetItemMapFromResponse();
   // The library gives an empty map for an unreadable response and for an empty list.
-  if (items.empty()) return session.Fail("it holds the status of no extension");
+  if (items.empty()) return session.Fail("it contains no extension's status");
   return WriteResult(options.json ? ToJson(items) : ToTable(items));
 }
 
@@ -100,12 +100,14 @@ ExitStatus Run(const ExtensionsOptions& options) {
 
 void AddExtensionsCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<ExtensionsOptions>();
-  CLI::App& command = *app.add_subcommand("extensions", "The status of the installed extensions");
+  CLI::App& command =
+      *app.add_subcommand("extensions", "Show the status of the installed extensions");
   command.footer(kExamples);
   AddRequestOptions(command, *options);
   command
-      .add_option("--body", options->body_file,
-                  "JSON text to send, which lists the extensions; - is standard input")
+      .add_option(
+          "--body", options->body_file,
+          "Send this JSON file, which lists the installed extensions; - means standard input")
       ->option_text("FILE, required")
       ->required();
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

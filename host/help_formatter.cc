@@ -10,8 +10,9 @@ std::string HelpFormatter::make_help(const CLI::App* app, std::string name,
 }
 
 std::string HelpFormatter::make_footer(const CLI::App* /*app*/) const {
-  return "Exit status: 0 done, 1 cannot run, 2 usage, 3 transfer failed, 4 HTTP status other than "
-         "200\n(of an upload: 2xx), 5 response not usable.\n";
+  return "Exit status: 0 done, 1 cannot run, 2 wrong usage, 3 transfer failed, 4 HTTP status "
+         "other\n"
+         "than 200 (upload: than 2xx), 5 response not usable.\n";
 }
 
 }  // namespace stowra

@@ -31,7 +31,9 @@ std::string_view Trim(std::string_view text) {
 ovrant_ustring ToText(std::string_view utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
 
 // Each check returns an error text, or an empty string.
-std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "empty" : ""; }
+std::string CheckNotEmpty(const std::string& text) {
+  return text.empty() ? "must not be empty" : "";
+}
 
 std::string CheckHeader(const std::string& header) {
   const std::size_t colon = header.find(':');
@@ -44,7 +46,9 @@ std::string CheckSeconds(const std::string& text) {
   // Comparisons with NaN are false, so NaN is refused, too.
   const bool good =
       CLI::detail::lexical_cast(text, seconds) && seconds > 0 && seconds <= kLongestTimeout;
-  return good ? "" : fmt::format("'{}' is not a number of seconds above 0", text);
+  return good ? ""
+              : fmt::format("'{}' is not a number of seconds above 0 and up to {:.0f}", text,
+                            kLongestTimeout);
 }
 
 // A later header replaces an earlier one of the same name in any letter case.
@@ -75,18 +79,18 @@ void AddJson(CLI::App& command, RequestOptions& options) {
 void AddTransferOptions(CLI::App& command, RequestOptions& options) {
   command
       .add_option("--timeout", options.timeout,
-                  "Fail after so long without progress; 30 unless given")
+                  "Fail after so many seconds without progress (default: 30)")
       ->type_name("SECONDS")
       ->check(CLI::Validator(CheckSeconds, ""));
   command
       .add_option("--header", options.headers,
-                  "Send this header, \"Name: value\", too; may be given again for others")
+                  "Also send this header, written \"Name: value\"; may be repeated")
       ->option_text("HEADER")
       ->allow_extra_args(false)
       ->check(CLI::Validator(CheckHeader, ""));
   command
       .add_option("--cacert", options.ca_file,
-                  "PEM file of the certificate authorities to trust instead of the system's")
+                  "Trust the certificate authorities in this PEM file instead of the system's")
       ->type_name("FILE")
       ->check(CLI::Validator(CLI::ExistingFile).description(""));
 }
@@ -94,11 +98,10 @@ void AddTransferOptions(CLI::App& command, RequestOptions& options) {
 }  // namespace
 
 void AddRequestOptions(CLI::App& command, RequestOptions& options) {
-  AddUrl(command, options, "URL", "Address of the service");
+  AddUrl(command, options, "URL", "URL of the service");
   command.add_flag("--async", options.async, "Run in the background and complete on the main loop");
   AddJson(command, options);
-  command.add_flag("-v,--verbose", options.verbose,
-                   "Print the notifications to stderr as they arrive");
+  command.add_flag("-v,--verbose", options.verbose, "Print notifications to stderr as they arrive");
   AddTransferOptions(command, options);
 }
 

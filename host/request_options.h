@@ -32,7 +32,7 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options);
 // The same for a command that always waits and has no notifications. It gets no --async, and its
 // --verbose prints the transfers. The help shows `url_name` and `url_description`.
 void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name = "URL",
-                       const char* url_description = "Address of the service");
+                       const char* url_description = "URL of the service");
 
 // An empty string if `text` is a decimal number from `least` to `most`. Otherwise an error text
 // that says it is not `what`.

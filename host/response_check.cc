@@ -12,7 +12,7 @@ bool LoadResponse(const ovrant_ustring& body, Document& document, std::string& w
   if (body.empty()) {
     why = "it is empty";
   } else if (!document.Load(body)) {
-    why = "it is not JSON that can be read";
+    why = "it cannot be read as JSON";
   } else {
     return true;
   }

@@ -119,15 +119,16 @@ ExitStatus Run(const SearchOptions& options) {
 
 void AddSearchCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<SearchOptions>();
-  CLI::App& command = *app.add_subcommand("search", "Models and collections that match");
+  CLI::App& command = *app.add_subcommand("search", "Find models and collections");
   command.footer(kExamples);
   AddWaitingOptions(command, *options);
-  command.add_flag("--all", options->all,
-                   "Fetch the pages that follow, too; where one of them fails, those before it are "
-                   "printed, and the exit status is that of the failure");
+  command.add_flag(
+      "--all", options->all,
+      "Fetch the following pages, too; if one fails, print those before it and exit with "
+      "the failure's status");
   command
       .add_option("--max-qmf-version", options->max_qmf_version,
-                  "Newest version of a .qmf file to take; without it none, only .kmz files")
+                  "Accept .qmf files up to this version (default: only .kmz files)")
       ->type_name("N")
       ->check(CLI::Validator(CheckVersion, ""));
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

@@ -34,7 +34,7 @@ bool SearchPages::AddFollowing() {
   while (!last().next_url_.empty()) {
     const ovrant_ustring url = last().next_url_;
     if (urls_.count(url) != 0 || pages_without_news == kMaxPagesWithoutNews) {
-      Warn(fmt::format("{}: not followed: the pages go round in a circle", url.utf8()));
+      Warn(fmt::format("{}: not followed, because the pages repeat", url.utf8()));
       break;
     }
     const std::size_t before = items_.size();
@@ -45,7 +45,8 @@ bool SearchPages::AddFollowing() {
 }
 
 ExitStatus SearchPages::Fail() const {
-  return session_.Fail("it is not an Atom feed with a title and the three counts of a search");
+  return session_.Fail(
+      "it is not an Atom feed with title, totalResults, startIndex and itemsPerPage");
 }
 
 std::string SearchPages::CountText() const {

@@ -18,7 +18,8 @@ constexpr char kTooLarge[] = "the response's body is too large";
 
 std::string ReasonOf(const std::string& error, unsigned long max_bytes) {
   const bool is_limit = max_bytes > 0 && error == kTooLarge;
-  return is_limit ? fmt::format("{}: more than {} bytes", error, max_bytes) : error;
+  return is_limit ? fmt::format("{}: more than {} bytes (see --max-bytes)", error, max_bytes)
+                  : error;
 }
 
 }  // namespace
@@ -39,7 +40,7 @@ bool Session::RunInBackground(const std::function<void()>& start, const char* su
 ExitStatus Session::Fail(const std::string& unusable, const std::string& message) const {
   const auto end = transfers_.last_end();
   if (!end) {
-    Complain(fmt::format("{}: no transfer was made", options_.url));
+    Complain(fmt::format("{}: the transfer did not start", options_.url));
     return ExitStatus::kTransferFailed;
   }
   if (!end->error.empty()) {

@@ -134,7 +134,7 @@ ExitStatus Run(const RequestOptions& options) {
 void AddUpdateCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<RequestOptions>();
   CLI::App& command =
-      *app.add_subcommand("update", "Which version, message and data files are offered");
+      *app.add_subcommand("update", "Show the offered version, message and data files");
   command.footer(kExamples);
   AddRequestOptions(command, *options);
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

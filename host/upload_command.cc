@@ -44,11 +44,11 @@ constexpr char kExamples[] =
     "  stowra upload 'http://127.0.0.1:8080/upload-config?zipped=true' chair.qmf.zip \\\n"
     "    --subject-id m42\n"
     "\n"
-    "Each file goes to the next address of the upload configuration; the first that fails is the\n"
-    "last. The result URL is the page to show in the end. Where the configuration asks for more "
-    "or\n"
-    "fewer files, nothing is sent and the exit status is 2. A file or form that a server may read\n"
-    "otherwise than it is meant is sent with a warning.\n";
+    "Sends each file to the next URL of the upload configuration and stops at the first failure.\n"
+    "The result URL is the page to show at the end. If the configuration asks for more or fewer\n"
+    "files, sends nothing and exits with status 2. A file or form that a server may misread is "
+    "sent\n"
+    "with a warning.\n";
 
 struct UploadOptions : RequestOptions {
   std::vector<std::string> files;
@@ -183,8 +183,9 @@ ExitStatus Run(const UploadOptions& options) {
   if (config.files_.size() != options.files.size()) {
     const std::size_t wanted = config.files_.size();
     const std::size_t given = options.files.size();
-    Complain(fmt::format("{}: the configuration asks for {} {}; {} {} given", options.url, wanted,
-                         wanted == 1 ? "file" : "files", given, given == 1 ? "was" : "were"));
+    Complain(fmt::format("{}: the configuration asks for {} {}, but {} {} given", options.url,
+                         wanted, wanted == 1 ? "file" : "files", given,
+                         given == 1 ? "was" : "were"));
     return ExitStatus::kUsage;
   }
   session.ShowProgress();
@@ -195,18 +196,18 @@ ExitStatus Run(const UploadOptions& options) {
 
 void AddUploadCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<UploadOptions>();
-  CLI::App& command = *app.add_subcommand("upload", "Send the files of a model");
+  CLI::App& command = *app.add_subcommand("upload", "Upload the files of a model");
   command.footer(kExamples);
-  AddWaitingOptions(command, *options, "CONFIG_URL", "Address of the upload configuration");
+  AddWaitingOptions(command, *options, "CONFIG_URL", "URL of the upload configuration");
   command
-      .add_option(
-          "FILE", options->files,
-          "As many as the configuration asks for (status 2 otherwise, and nothing is sent), "
-          "zipped where it says so")
+      .add_option("FILE", options->files,
+                  "The files, as many as the configuration asks for, and zipped where it says so")
       ->option_text(" ")
       ->required()
       ->check(CLI::Validator(CLI::ExistingFile).description(""));
-  command.add_option("--subject-id", options->subject_id, "What the model belongs to")
+  command
+      .add_option("--subject-id", options->subject_id,
+                  "Id of the subject that the model belongs to")
       ->option_text("ID, required")
       ->required();
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

@@ -80,9 +80,9 @@ ExitStatus Run(const RequestOptions& options) {
 
 void AddUploadConfigCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<RequestOptions>();
-  CLI::App& command = *app.add_subcommand("upload-config", "Where and how to upload a model");
+  CLI::App& command = *app.add_subcommand("upload-config", "Show where and how to upload a model");
   command.footer(kExamples);
-  AddWaitingOptions(command, *options, "URL", "Address of the upload configuration");
+  AddWaitingOptions(command, *options, "URL", "URL of the upload configuration");
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
 }
 

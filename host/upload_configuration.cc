@@ -9,7 +9,7 @@ ExitStatus AskForUploadConfig(const Session& session, const std::string& url,
                               UploadConfig& config) {
   config.Init(ovrant_ustring(url.data(), url.size()));
   if (config.SynchronousQuery()) return ExitStatus::kDone;
-  return session.Fail("it is not an upload configuration with all that is required");
+  return session.Fail("it is not a complete upload configuration");
 }
 
 }  // namespace stowra

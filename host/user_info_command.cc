@@ -90,7 +90,7 @@ ExitStatus Run(const RequestOptions& options) {
 
 void AddUserInfoCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<RequestOptions>();
-  CLI::App& command = *app.add_subcommand("user-info", "Who is signed in");
+  CLI::App& command = *app.add_subcommand("user-info", "Show who is signed in");
   command.footer(kExamples);
   AddRequestOptions(command, *options);
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

@@ -31,7 +31,7 @@ bool IsWithheld(std::string_view variable) {
   return false;
 }
 
-// An open file without a name.
+// A temporary file without a name, open at its start.
 Descriptor MakeFile(const std::string& content) {
   std::string name = (std::filesystem::temp_directory_path() / "stowra-test-XXXXXX").string();
   Descriptor file(::mkstemp(name.data()));
@@ -64,7 +64,7 @@ std::vector<std::string> MakeEnvironment(const std::vector<std::string>& added) 
   return variables;
 }
 
-// Its process id, or -1 after a failure of the current test.
+// Returns the process id. On failure returns -1 and fails the current test.
 pid_t Spawn(const std::string& program, const Start& start, int in, int out, int err) {
   std::vector<std::string> arguments = start.arguments;
   arguments.insert(arguments.begin(), program);
@@ -111,7 +111,7 @@ std::string Descriptor::ReadAll() const {
     const ssize_t count = ::read(number_, bytes, sizeof(bytes));
     if (count > 0) {
       text.append(bytes, static_cast<std::size_t>(count));
-    } else if (count == 0 || errno != EINTR) {  // a terminal that nobody has open is EIO
+    } else if (count == 0 || errno != EINTR) {  // EIO: no process has the terminal open
       return text;
     }
   }

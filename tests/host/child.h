@@ -1,4 +1,4 @@
-// Programs run as processes of their own.
+// Runs programs as child processes.
 
 #ifndef TESTS_HOST_CHILD_H_
 #define TESTS_HOST_CHILD_H_
@@ -10,7 +10,7 @@
 
 namespace stowra_test {
 
-// A file descriptor that is closed with its owner.
+// Owns a file descriptor and closes it.
 class Descriptor {
  public:
   explicit Descriptor(int number = -1) : number_(number) {}
@@ -21,7 +21,7 @@ class Descriptor {
   int number() const { return number_; }
   void Close();
 
-  // Up to its end.
+  // Reads up to the end of the file.
   std::string ReadAll() const;
 
  private:
@@ -32,21 +32,21 @@ class Descriptor {
 
 // How a program ended and what it wrote.
 struct Outcome {
-  int status = 0;  // minus the signal, if one ended it
+  int status = 0;  // or minus the signal that ended it
   std::string out;
   std::string err;
 };
 
-// What a program starts with. Of the test's own environment it also gets what does not change how
-// it writes or which proxy it takes.
+// What a program starts with. It also inherits the test's environment, but no variable that sets a
+// proxy or the terminal's abilities.
 struct Start {
   std::vector<std::string> arguments;
   std::string input;
   std::vector<std::string> environment;  // "NAME=value"
 };
 
-// Fails the current test when the program cannot be run; ends it with SIGKILL when it still runs at
-// destruction. Its output goes to files, and so never waits to be read.
+// A running program. If it cannot start, the current test fails. The destructor kills a program
+// that still runs. Output goes to files, so the program never waits for a reader.
 class Child {
  public:
   Child(const std::string& program, const Start& start);
@@ -56,7 +56,7 @@ class Child {
 
   void Signal(int number);
 
-  // Waits for its end.
+  // Waits until the program ends.
   Outcome Wait();
 
  private:
@@ -67,10 +67,10 @@ class Child {
 
 Outcome RunProgram(const std::string& program, const Start& start);
 
-// The same with a terminal for both outputs: what it got to see, in `out`.
+// The same with a terminal as stdout and stderr. `out` holds what the terminal received.
 Outcome RunOnTerminal(const std::string& program, const Start& start);
 
-// A stowra-emulator, as long as the object lives.
+// A stowra-emulator that runs while the object lives.
 class EmulatorProcess {
  public:
   EmulatorProcess();
@@ -78,7 +78,7 @@ class EmulatorProcess {
   EmulatorProcess(const EmulatorProcess&) = delete;
   EmulatorProcess& operator=(const EmulatorProcess&) = delete;
 
-  // Without a slash at its end.
+  // Without a trailing slash.
   const std::string& url() const { return url_; }
 
  private:

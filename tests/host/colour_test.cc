@@ -17,7 +17,7 @@ Outcome ShowOnTerminal(const std::vector<std::string>& arguments,
   return RunOnTerminal(kStowra, start);
 }
 
-TEST(ColourTest, TerminalGetsColour) {
+TEST(ColourTest, ColoursOutputOnTerminal) {
   const RawServer server(Replies(kUser));
   const Outcome result = ShowOnTerminal({"user-info", server.Url()}, {"TERM=xterm"});
   EXPECT_EQ(result.status, 0);
@@ -27,14 +27,14 @@ TEST(ColourTest, TerminalGetsColour) {
   EXPECT_THAT(message.out, HasSubstr("\x1B[31mstowra:\x1B[0m x: not an http"));
 }
 
-TEST(ColourTest, TerminalGetsNoColourInJson) {
+TEST(ColourTest, WritesJsonWithoutColour) {
   const RawServer server(Replies(kUser));
   const Outcome result = ShowOnTerminal({"user-info", server.Url(), "--json"}, {"TERM=xterm"});
   EXPECT_THAT(result.out, testing::StartsWith("{\"uid\":\"u\""));
   EXPECT_THAT(result.out, Not(HasSubstr(kEscape)));
 }
 
-TEST(ColourTest, NoColourWhereItIsNotWanted) {
+TEST(ColourTest, ObeysNoColorAndDumbTerminal) {
   const RawServer server(Replies(kUser));
   for (const std::vector<std::string>& environment :
        {std::vector<std::string>{"TERM=xterm", "NO_COLOR=1"}, {"TERM=dumb"}}) {
@@ -47,12 +47,12 @@ TEST(ColourTest, NoColourWhereItIsNotWanted) {
   }
 }
 
-TEST(ColourTest, EmptyNoColorAllowsColour) {
+TEST(ColourTest, IgnoresEmptyNoColor) {
   const Outcome message = ShowOnTerminal({"user-info", "x"}, {"TERM=xterm", "NO_COLOR="});
   EXPECT_THAT(message.out, HasSubstr(kEscape));
 }
 
-TEST(ColourTest, FilesGetNoColour) {
+TEST(ColourTest, WritesFilesWithoutColour) {
   const RawServer server(Replies(kUser));
   Start start;
   start.arguments = {"user-info", server.Url()};

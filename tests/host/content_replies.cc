@@ -1,7 +1,5 @@
 #include "tests/host/content_replies.h"
 
-#include <utility>
-
 namespace stowra_test {
 
 namespace {
@@ -80,13 +78,6 @@ std::string Config(const std::vector<ConfigFile>& files) {
             "<name>Stühle</name></file>";
   }
   return text + "</files></upload>";
-}
-
-RawServer::Handler Routes(std::map<std::string, std::string> replies) {
-  return [replies = std::move(replies)](const RawRequest& request, RawConnection& connection) {
-    const auto reply = replies.find(request.target);
-    connection.Write(reply != replies.end() ? reply->second : Response(404, "unknown"));
-  };
 }
 
 }  // namespace stowra_test

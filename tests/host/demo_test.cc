@@ -14,18 +14,19 @@ namespace {
 using ovrant::internet::InternetData;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
-// Stands before an emulator and may change what it answers.
+// Forwards requests to an emulator and may change its replies.
 class Proxy {
  public:
-  // Is given the target of each request, and the body of its reply to change.
+  // Gets the target of each request, and the body of its reply, which it may change.
   using Change = std::function<void(const std::string& target, std::string& body)>;
 
   explicit Proxy(Change change)
       : server_([this, change = std::move(change)](const RawRequest& request,
                                                    RawConnection& connection) {
           InternetData transport((emulator_.url() + request.target).c_str());
-          // The addresses in the reply lead here again.
+          // Makes the URLs in the reply lead to this proxy.
           transport.SetValueForHTTPSendHeaders("Host", request.Header("Host").c_str());
           if (request.method == "POST") Pass(request, transport);
           EXPECT_TRUE(request.method == "POST" || transport.Download());
@@ -54,17 +55,14 @@ bool Holds(const std::string& text, const char* part) {
   return text.find(part) != std::string::npos;
 }
 
-// Changes the first occurrence, and returns whether there is one.
-bool Replace(const std::string& from, const std::string& to, std::string& text) {
+void ReplaceFirst(const std::string& from, const std::string& to, std::string& text) {
   const std::size_t at = text.find(from);
-  if (at == std::string::npos) return false;
-  text.replace(at, from.size(), to);
-  return true;
+  if (at != std::string::npos) text.replace(at, from.size(), to);
 }
 
 Outcome RunDemo(const std::string& url) { return RunStowra({"demo", url}); }
 
-TEST(DemoTest, GoesAllTheWayAndTidiesUp) {
+TEST(DemoTest, RunsAllStepsAndRemovesItsFiles) {
   const TemporaryFolder folder;
   const EmulatorProcess emulator;
   Start start;
@@ -78,11 +76,13 @@ TEST(DemoTest, GoesAllTheWayAndTidiesUp) {
                 HasSubstr("\n$ stowra " + std::string(command) + " '" + emulator.url() + "/"));
   }
   EXPECT_THAT(outcome.out, HasSubstr("/model?mid=m-1102\n"));
-  EXPECT_THAT(outcome.out, EndsWith("\nthe same bytes came back\n\ndemo: all is well\n"));
+  EXPECT_THAT(
+      outcome.out,
+      EndsWith("\nthe downloaded file equals the uploaded one\n\ndemo: all checks passed\n"));
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
-TEST(DemoTest, SignalLeavesNothingBehind) {
+TEST(DemoTest, RemovesItsFilesWhenASignalEndsIt) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     const TemporaryFolder folder;
     const RawServer server(Silence());
@@ -98,8 +98,8 @@ TEST(DemoTest, SignalLeavesNothingBehind) {
   }
 }
 
-// As the shell starts a program in the background.
-TEST(DemoTest, SignalThatIsIgnoredStaysSo) {
+// A shell starts its background programs like this.
+TEST(DemoTest, KeepsIgnoringIgnoredSignal) {
   const TemporaryFolder folder;
   const RawServer server(Silence());
   Start start;
@@ -113,19 +113,19 @@ TEST(DemoTest, SignalThatIsIgnoredStaysSo) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
-TEST(DemoTest, MayBeRunAgain) {
+TEST(DemoTest, RunsTwiceAgainstOneEmulator) {
   const EmulatorProcess emulator;
   EXPECT_EQ(RunDemo(emulator.url()).status, 0);
   EXPECT_EQ(RunDemo(emulator.url()).status, 0);
 }
 
-TEST(DemoTest, WorksBehindAProxyThatChangesNothing) {
+TEST(DemoTest, SucceedsBehindProxyThatChangesNothing) {
   const Proxy proxy([](const std::string&, std::string&) {});
   const Outcome outcome = RunDemo(proxy.Url());
   EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
-TEST(DemoTest, NoticesBytesThatCameBackOtherwise) {
+TEST(DemoTest, NoticesChangedDownload) {
   for (const char* uploaded : {"/download?mid=m-1101", "/download?mid=m-1102"}) {
     const Proxy proxy([uploaded](const std::string& target, std::string& body) {
       if (Holds(target, uploaded))
@@ -133,49 +133,50 @@ TEST(DemoTest, NoticesBytesThatCameBackOtherwise) {
     });
     const Outcome outcome = RunDemo(proxy.Url());
     EXPECT_EQ(outcome.status, 5);
-    EXPECT_EQ(outcome.err, "stowra: demo: what came back is not what was sent\n");
+    EXPECT_EQ(outcome.err, "stowra: demo: the downloaded file differs from the uploaded one\n");
   }
 }
 
-TEST(DemoTest, NoticesAPageThatDoesNotLeadBack) {
+TEST(DemoTest, NoticesMissingPreviousLink) {
   const Proxy proxy([](const std::string&, std::string& body) {
-    Replace("rel=\"previous\"", "rel=\"other\"", body);
+    ReplaceFirst("rel=\"previous\"", "rel=\"other\"", body);
   });
   const Outcome outcome = RunDemo(proxy.Url());
   EXPECT_EQ(outcome.status, 5);
-  EXPECT_EQ(outcome.err, "stowra: demo: a page after the first one does not lead back\n");
+  EXPECT_EQ(outcome.err, "stowra: demo: a page after the first has no link to the previous page\n");
 }
 
-TEST(DemoTest, NoticesAPageThatIsAnotherOnTheWayBack) {
+TEST(DemoTest, NoticesPageThatDiffersOnTheWayBack) {
   std::atomic<int> times_asked = 0;
   const Proxy proxy([&times_asked](const std::string& target, std::string& body) {
     if (!Holds(target, "start=13")) return;
-    if (++times_asked == 2) Replace("2024:", "2025:", body);
+    if (++times_asked == 2) ReplaceFirst("2024:", "2025:", body);
   });
   const Outcome outcome = RunDemo(proxy.Url());
   EXPECT_EQ(outcome.status, 5) << times_asked;
-  EXPECT_EQ(outcome.err, "stowra: demo: a page is not the same on the way back\n");
+  EXPECT_EQ(outcome.err, "stowra: demo: a page differs on the way back\n");
 }
 
-TEST(DemoTest, NoticesPagesWithoutEnd) {
+TEST(DemoTest, NoticesEndlessPages) {
   const Proxy proxy([](const std::string& target, std::string& body) {
-    if (target == "/search") Replace("start=13", "start=1", body);
+    if (target == "/search") ReplaceFirst("start=13", "start=1", body);
   });
   const Outcome outcome = RunDemo(proxy.Url());
   EXPECT_EQ(outcome.status, 5);
-  EXPECT_EQ(outcome.err, "stowra: demo: the pages hold more results than there are\n");
+  EXPECT_EQ(outcome.err, "stowra: demo: the pages hold more results than the feed announces\n");
 }
 
-TEST(DemoTest, NoticesThatAnUploadIsNotFound) {
+TEST(DemoTest, NoticesUploadMissingFromSearch) {
   const Proxy proxy([](const std::string& target, std::string& body) {
-    if (Holds(target, "/search?q=z")) Replace("#model", "#other", body);
+    if (Holds(target, "/search?q=z")) ReplaceFirst("#model", "#other", body);
   });
   const Outcome outcome = RunDemo(proxy.Url());
   EXPECT_EQ(outcome.status, 5);
-  EXPECT_THAT(outcome.err, HasSubstr("stowra: demo: no model was found: " + proxy.Url()));
+  EXPECT_THAT(outcome.err, StartsWith("stowra: demo: " + proxy.Url()));
+  EXPECT_THAT(outcome.err, EndsWith(": found no model to download\n"));
 }
 
-TEST(DemoTest, CommandThatFailsEndsIt) {
+TEST(DemoTest, StopsAtTheFirstFailedCommand) {
   const RawServer server(Always(Response(503, "")));
   const Outcome outcome = RunDemo(server.Url(""));
   EXPECT_EQ(outcome.status, 4);

@@ -12,7 +12,7 @@ struct NameCase {
   const char* name;
 };
 
-TEST(DownloadNameTest, HeaderNamesTheFile) {
+TEST(DownloadNameTest, TakesModelNameFromHeader) {
   const NameCase cases[] = {
       {"attachment; filename=\"chair.qmf\"", "chair.qmf"},
       {"attachment; filename=\"chair.kmz\"; size=5", "chair.kmz"},
@@ -28,7 +28,7 @@ TEST(DownloadNameTest, HeaderNamesTheFile) {
   for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
 }
 
-TEST(DownloadNameTest, HeaderNamesFilesOfOtherTypes) {
+TEST(DownloadNameTest, TakesOtherFileNameFromHeader) {
   const NameCase cases[] = {
       {"attachment; filename=\"chair.zip\"", "chair.zip"},
       {"attachment; filename=chair.zip", "chair.zip"},
@@ -48,7 +48,7 @@ TEST(DownloadNameTest, HeaderNamesFilesOfOtherTypes) {
   for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
 }
 
-TEST(DownloadNameTest, NameMayBeAsLongAsFileSystemsTake) {
+TEST(DownloadNameTest, AcceptsNamesUpTo255Bytes) {
   for (const std::string end : {".qmf", ".zip"}) {
     const std::string longest = std::string(251, 'a') + end;
     const std::string header = "attachment; filename=\"";
@@ -57,13 +57,13 @@ TEST(DownloadNameTest, NameMayBeAsLongAsFileSystemsTake) {
     EXPECT_EQ(ChooseFileName("", "http://h/" + longest), longest);
     EXPECT_EQ(ChooseFileName("", "http://h/a" + longest), "download");
   }
-  // 256 bytes, though fewer characters.
+  // 256 bytes, but fewer characters.
   std::string name = "aa";
   for (int i = 0; i < 125; ++i) name += "ü";
   EXPECT_EQ(ChooseFileName(("filename=\"" + name + ".qmf\"").c_str(), kUrl), "model");
 }
 
-TEST(DownloadNameTest, PathInTheHeaderIsDropped) {
+TEST(DownloadNameTest, DropsFoldersFromHeaderName) {
   const NameCase cases[] = {
       {"filename=\"../../etc/chair.qmf\"", "chair.qmf"},
       {"filename=\"/etc/chair.qmf\"", "chair.qmf"},
@@ -75,7 +75,7 @@ TEST(DownloadNameTest, PathInTheHeaderIsDropped) {
   for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
 }
 
-TEST(DownloadNameTest, HeaderWithoutAFitNameIsNotUsed) {
+TEST(DownloadNameTest, IgnoresHeaderWithoutSafeName) {
   const char* const headers[] = {
       "",
       "attachment",
@@ -109,7 +109,7 @@ TEST(DownloadNameTest, HeaderWithoutAFitNameIsNotUsed) {
   for (const char* header : headers) EXPECT_EQ(ChooseFileName(header, kUrl), "model") << header;
 }
 
-TEST(DownloadNameTest, AddressNamesTheFileOtherwise) {
+TEST(DownloadNameTest, FallsBackToUrlThenToDefault) {
   const NameCase cases[] = {
       {"http://h/a/chair.zip?x=/y#/z", "chair.zip"},
       {"https://h/chair%20a", "chair%20a"},

@@ -24,7 +24,7 @@ class DownloadTest : public testing::Test {
  protected:
   std::string Path(const std::string& name) const { return (folder_.path() / name).string(); }
 
-  // Runs the program in this test's own folder, after `preparation` in the shell.
+  // Runs the program in the test's folder, after the shell command `preparation`.
   Outcome Run(const std::vector<std::string>& arguments,
               const std::string& preparation = ":") const {
     Start start;
@@ -38,7 +38,7 @@ class DownloadTest : public testing::Test {
     std::ofstream(Path(name), std::ios::binary) << content;
   }
 
-  // The names of all that is in the folder.
+  // The names of the folder's entries.
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
@@ -53,7 +53,7 @@ class DownloadTest : public testing::Test {
   const TemporaryFolder folder_;
 };
 
-TEST_F(DownloadTest, FileIsNamedByTheServer) {
+TEST_F(DownloadTest, UsesTheServersFileName) {
   const RawServer server(Always(Response(200, Content(), kNamed)));
   const Outcome outcome = Run({server.Url("/x")});
   EXPECT_EQ(outcome.status, 0);
@@ -63,30 +63,30 @@ TEST_F(DownloadTest, FileIsNamedByTheServer) {
   EXPECT_TRUE(ReadFile(Path("Blue chair.qmf")) == Content());
 }
 
-TEST_F(DownloadTest, FileIsNamedByTheAddressOtherwise) {
+TEST_F(DownloadTest, UsesTheUrlsFileNameWithoutHeader) {
   const RawServer server(Always(Response(200, "")));
   EXPECT_EQ(Run({server.Url("/files/chair.bin?x=1")}).out, "file   chair.bin\nbytes  0\n");
   EXPECT_EQ(Run({server.Url("/")}).out, "file   download\nbytes  0\n");
   EXPECT_EQ(ReadFile(Path("download")), "");
 }
 
-TEST_F(DownloadTest, PrintsTheFileAsJson) {
+TEST_F(DownloadTest, PrintsFileAsJson) {
   const RawServer server(Always(Response(200, "abc", kNamed)));
   EXPECT_EQ(Run({server.Url(), "--json"}).out, "{\"file\":\"Blue chair.qmf\",\"bytes\":3}\n");
 }
 
-TEST_F(DownloadTest, FileThatIsThereIsKept) {
+TEST_F(DownloadTest, KeepsExistingFile) {
   Make("Blue chair.qmf", "old");
   const RawServer server(Always(Response(200, "new", kNamed)));
   const Outcome outcome = Run({server.Url()});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "stowra: Blue chair.qmf: File exists\n");
+  EXPECT_EQ(outcome.err, "stowra: Blue chair.qmf: File exists (name another file with --output)\n");
   EXPECT_EQ(ReadFile(Path("Blue chair.qmf")), "old");
   EXPECT_EQ(Names().size(), 1U);
 }
 
-TEST_F(DownloadTest, NamedOutputReplacesAFile) {
+TEST_F(DownloadTest, ReplacesExistingFileGivenAsOutput) {
   Make("mine.qmf", "old");
   const RawServer server(Always(Response(200, "new", kNamed)));
   const Outcome outcome = Run({server.Url(), "-o", "mine.qmf"});
@@ -96,7 +96,7 @@ TEST_F(DownloadTest, NamedOutputReplacesAFile) {
   EXPECT_EQ(Names(), NameList{"mine.qmf"});
 }
 
-TEST_F(DownloadTest, NamedOutputMayBeInAnotherFolder) {
+TEST_F(DownloadTest, WritesToAnotherFolder) {
   std::filesystem::create_directory(Path("sub"));
   const RawServer server(Always(Response(200, "new", kNamed)));
   EXPECT_EQ(Run({server.Url(), "--output", Path("sub/x")}).status, 0);
@@ -104,8 +104,8 @@ TEST_F(DownloadTest, NamedOutputMayBeInAnotherFolder) {
   EXPECT_EQ(Names(), NameList{"sub"});
 }
 
-// Never with a device of the system's: a program that fails here would replace it.
-TEST_F(DownloadTest, WhatIsNoRegularFileIsNotReplaced) {
+// Uses no system device, since a broken program would replace it.
+TEST_F(DownloadTest, RefusesOutputThatIsNotARegularFile) {
   const RawServer server(Always(Response(200, "new")));
   ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
   std::filesystem::create_symlink("fifo", Path("link"));
@@ -118,7 +118,7 @@ TEST_F(DownloadTest, WhatIsNoRegularFileIsNotReplaced) {
   EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
 }
 
-TEST_F(DownloadTest, LinkStaysAndItsTargetIsReplaced) {
+TEST_F(DownloadTest, ReplacesLinkTargetAndKeepsLink) {
   std::filesystem::create_directory(Path("sub"));
   Make("sub/x", "old");
   std::filesystem::permissions(Path("sub/x"), std::filesystem::perms{0600});
@@ -132,7 +132,7 @@ TEST_F(DownloadTest, LinkStaysAndItsTargetIsReplaced) {
   EXPECT_EQ(std::filesystem::status(Path("sub/x")).permissions(), std::filesystem::perms{0600});
 }
 
-TEST_F(DownloadTest, NothingIsTransferredWithoutADestination) {
+TEST_F(DownloadTest, SendsNoRequestWithoutWritableDestination) {
   const RawServer server(Always(Response(200, "new")));
   Make("file", "old");
   std::filesystem::create_directory(Path("sub"));
@@ -160,18 +160,19 @@ TEST_F(DownloadTest, NothingIsTransferredWithoutADestination) {
   EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(DownloadTest, FileLargerThanTheLimitIsAFailureThatNamesIt) {
+TEST_F(DownloadTest, ReportsLimitThatTheFileExceeds) {
   const RawServer server(Always(Response(200, "12345", kNamed)));
   const Outcome outcome = Run({server.Url(), "--max-bytes", "4"});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err,
-            "stowra: " + server.Url() + ": the response's body is too large: more than 4 bytes\n");
+            "stowra: " + server.Url() +
+                ": the response's body is too large: more than 4 bytes (see --max-bytes)\n");
   EXPECT_EQ(Names(), NameList{});
   EXPECT_EQ(Run({server.Url(), "--max-bytes", "5"}).status, 0);
 }
 
-TEST_F(DownloadTest, MoreThanTheLibrarysOwnLimitIsTaken) {
+TEST_F(DownloadTest, AcceptsFileBeyondTheLibrarysDefaultLimit) {
   constexpr int kMebibytes = 257;
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 Text\r\nTransfer-Encoding: chunked\r\n\r\n");
@@ -183,10 +184,10 @@ TEST_F(DownloadTest, MoreThanTheLibrarysOwnLimitIsTaken) {
   const Outcome outcome = Run({server.Url(), "-o", "x"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(outcome.out, "file   x\nbytes  269484032\n");
-  EXPECT_THAT(Run({"--help"}).out, HasSubstr("4294967296 unless given"));
+  EXPECT_THAT(Run({"--help"}).out, HasSubstr("(default: 4294967296)"));
 }
 
-TEST_F(DownloadTest, OtherStatusLeavesNoFile) {
+TEST_F(DownloadTest, WritesNoFileForOtherStatus) {
   for (const int status : {201, 204, 404, 500}) {
     const RawServer server(Always(Response(status, "", kNamed)));
     const Outcome outcome = Run({server.Url()});
@@ -197,7 +198,7 @@ TEST_F(DownloadTest, OtherStatusLeavesNoFile) {
   }
 }
 
-TEST_F(DownloadTest, ReplyThatBreaksOffLeavesNoFile) {
+TEST_F(DownloadTest, KeepsOldFileWhenReplyBreaksOff) {
   Make("mine.qmf", "old");
   const RawServer server(AlwaysThenClose("HTTP/1.1 200 Text\r\nContent-Length: 10\r\n\r\n12345"));
   const Outcome outcome = Run({server.Url(), "-o", "mine.qmf"});
@@ -207,7 +208,7 @@ TEST_F(DownloadTest, ReplyThatBreaksOffLeavesNoFile) {
   EXPECT_EQ(Names(), NameList{"mine.qmf"});
 }
 
-TEST_F(DownloadTest, FileThatCannotBeWrittenWholeIsTakenAway) {
+TEST_F(DownloadTest, KeepsOldFileWhenWritingFails) {
   Make("mine.qmf", "old");
   const RawServer server(Always(Response(200, std::string(100000, 'x'))));
   const Outcome outcome = Run({server.Url(), "-o", "mine.qmf"}, "trap '' XFSZ; ulimit -f 8");
@@ -218,24 +219,24 @@ TEST_F(DownloadTest, FileThatCannotBeWrittenWholeIsTakenAway) {
   EXPECT_EQ(Names(), NameList{"mine.qmf"});
 }
 
-TEST_F(DownloadTest, EmptyOutputNameIsWrongUsage) {
+TEST_F(DownloadTest, RefusesEmptyOutputName) {
   const Outcome outcome = Run({"http://127.0.0.1:1/", "-o", ""});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err, HasSubstr("(see stowra download --help)"));
+  EXPECT_THAT(outcome.err, HasSubstr("must not be empty (see stowra download --help)"));
 }
 
-TEST_F(DownloadTest, StandardOutputIsNoDestination) {
+TEST_F(DownloadTest, RefusesDashAsOutput) {
   const RawServer server(Always(Response(200, "new")));
   const Outcome outcome = Run({server.Url(), "-o", "-"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err, HasSubstr("'-' is not standard output here"));
+  EXPECT_THAT(outcome.err, HasSubstr("'-' does not mean standard output here"));
   EXPECT_TRUE(server.requests().empty());
   EXPECT_EQ(Names(), NameList{});
   EXPECT_EQ(Run({server.Url(), "-o", "./-"}).status, 0);
   EXPECT_EQ(Names(), NameList{"-"});
 }
 
-TEST_F(DownloadTest, GetsAModelOfTheEmulator) {
+TEST_F(DownloadTest, DownloadsModelFromTheEmulator) {
   const EmulatorProcess emulator;
   const Outcome outcome = Run({emulator.url() + "/download?mid=m-1041&rtyp=k2"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -244,7 +245,7 @@ TEST_F(DownloadTest, GetsAModelOfTheEmulator) {
   EXPECT_THAT(Names(), testing::UnorderedElementsAre("木の椅子.kmz", "木の椅子.zip"));
 }
 
-TEST_F(DownloadTest, FaultsLeaveNothingBehind) {
+TEST_F(DownloadTest, WritesNoFileAfterFault) {
   const EmulatorProcess emulator;
   const struct {
     const char* fault;

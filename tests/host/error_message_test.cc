@@ -5,7 +5,7 @@
 namespace stowra {
 namespace {
 
-TEST(ErrorMessageTest, IsTheTextOnOneLine) {
+TEST(ErrorMessageTest, PutsTextOnOneLine) {
   EXPECT_EQ(ErrorMessage("text/plain", "no such model"), "no such model");
   EXPECT_EQ(ErrorMessage("text/plain", " \r\n no\tsuch\r\n\r\n model \n"), "no such model");
   EXPECT_EQ(ErrorMessage("text/plain", "a\x1B[31mb"), "a\uFFFD[31mb");
@@ -13,7 +13,7 @@ TEST(ErrorMessageTest, IsTheTextOnOneLine) {
   EXPECT_EQ(ErrorMessage("text/plain", "\n"), "");
 }
 
-TEST(ErrorMessageTest, OnlyTextIsShown) {
+TEST(ErrorMessageTest, ShowsOnlyTextTypes) {
   for (const char* type : {"text/plain", "Text/HTML; charset=utf-8", "application/json",
                            "application/problem+json;x=y", "application/atom+xml"}) {
     EXPECT_EQ(ErrorMessage(type, "x"), "x") << type;
@@ -23,7 +23,7 @@ TEST(ErrorMessageTest, OnlyTextIsShown) {
   }
 }
 
-TEST(ErrorMessageTest, OnlyTheStartIsShown) {
+TEST(ErrorMessageTest, ShowsOnlyTheFirst200Characters) {
   std::string umlauts;
   for (int i = 0; i < 200; ++i) umlauts += "ü";
   EXPECT_EQ(ErrorMessage("text/plain", umlauts), umlauts);

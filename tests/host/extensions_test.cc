@@ -16,7 +16,7 @@ constexpr char kReply[] = R"({"extensions":[
   {"id":"窓","version_uuid":"u-2","version":"0.9","file_url":"","update":false,
    "remote_kill":true,"enabled":0}]})";
 
-TEST_P(ExtensionsTest, PrintsTheStatusesAsATable) {
+TEST_P(ExtensionsTest, PrintsStatusesAsTable) {
   const RawServer server(Replies(kReply));
   const Outcome outcome = RunInMode({"extensions", server.Url(), "--body", "-"}, "{}");
   EXPECT_EQ(outcome.status, 0);
@@ -27,7 +27,7 @@ TEST_P(ExtensionsTest, PrintsTheStatusesAsATable) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST_P(ExtensionsTest, PrintsTheStatusesAsJson) {
+TEST_P(ExtensionsTest, PrintsStatusesAsJson) {
   const RawServer server(Replies(kReply));
   const Outcome outcome = RunInMode({"extensions", server.Url(), "--body", "-", "--json"}, "{}");
   EXPECT_EQ(outcome.status, 0);
@@ -39,7 +39,7 @@ TEST_P(ExtensionsTest, PrintsTheStatusesAsJson) {
             "\"update\":false,\"remote_kill\":true,\"enabled\":false}]}\n");
 }
 
-TEST_P(ExtensionsTest, SendsTheBodyOfStandardInputAsItIs) {
+TEST_P(ExtensionsTest, SendsStandardInputUnchanged) {
   const RawServer server(Replies(kReply));
   const std::string body = "{\"extensions\":[\n{\"id\":\"gärten\"}]}\n";
   EXPECT_EQ(RunInMode({"extensions", server.Url(), "--body", "-"}, body).status, 0);
@@ -50,7 +50,7 @@ TEST_P(ExtensionsTest, SendsTheBodyOfStandardInputAsItIs) {
   EXPECT_EQ(request.Header("Content-Type"), "application/json");
 }
 
-TEST_P(ExtensionsTest, SendsTheBodyOfAFileAsItIs) {
+TEST_P(ExtensionsTest, SendsFileUnchanged) {
   const RawServer server(Replies(kReply));
   const std::string body = "{\"extensions\":[]}" + std::string(300000, ' ') + std::string(1, '\0');
   const TemporaryFolder folder;
@@ -61,7 +61,7 @@ TEST_P(ExtensionsTest, SendsTheBodyOfAFileAsItIs) {
   EXPECT_EQ(server.requests()[0].body, body);
 }
 
-TEST_P(ExtensionsTest, AsksTheEmulator) {
+TEST_P(ExtensionsTest, ReadsStatusFromTheEmulator) {
   const EmulatorProcess emulator;
   const Outcome outcome =
       RunInMode({"extensions", emulator.url() + "/extensions", "--body", "-", "-v", "--json"},
@@ -73,7 +73,7 @@ TEST_P(ExtensionsTest, AsksTheEmulator) {
   EXPECT_EQ(outcome.err, async ? "notification ExtensionStoreAsyncStatusSucceeded\n" : "");
 }
 
-TEST_P(ExtensionsTest, FailureIsSaid) {
+TEST_P(ExtensionsTest, ReportsFailure) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/extensions?fault=status:500";
   const Outcome outcome = RunInMode({"extensions", url, "--body", "-", "-v"}, "{}");
@@ -85,7 +85,7 @@ TEST_P(ExtensionsTest, FailureIsSaid) {
                 "stowra: " + url + ": HTTP status 500\n");
 }
 
-TEST_P(ExtensionsTest, ResponseWithoutAStatusIsNotUsable) {
+TEST_P(ExtensionsTest, RefusesResponseWithoutStatus) {
   for (const char* body : {"", "{\"extensions\":", "[]", "{}", R"({"extensions":[]})",
                            R"({"extensions":[1,"x"]})", R"({"extensions":{"id":"x"}})"}) {
     const RawServer server(Replies(body));
@@ -93,13 +93,13 @@ TEST_P(ExtensionsTest, ResponseWithoutAStatusIsNotUsable) {
     EXPECT_EQ(outcome.status, 5) << body;
     EXPECT_EQ(outcome.out, "") << body;
     EXPECT_EQ(outcome.err, "stowra: " + server.Url() +
-                               ": the response is not usable: it holds the status of no "
-                               "extension\n")
+                               ": the response is not usable: it contains no extension's "
+                               "status\n")
         << body;
   }
 }
 
-TEST(ExtensionsBodyTest, BodyThatCannotBeReadIsAUsageErrorAndNothingIsSent) {
+TEST(ExtensionsBodyTest, RefusesUnreadableBodyFile) {
   const std::string url = "http://127.0.0.1:1/";
   const std::string folder = std::filesystem::temp_directory_path().string();
   const struct {
@@ -114,11 +114,11 @@ TEST(ExtensionsBodyTest, BodyThatCannotBeReadIsAUsageErrorAndNothingIsSent) {
   }
 }
 
-TEST(ExtensionsBodyTest, BodyThatIsNotUtf8IsNotSentAltered) {
+TEST(ExtensionsBodyTest, RefusesBodyThatIsNotUtf8) {
   const Outcome outcome =
       RunStowra({"extensions", "http://127.0.0.1:1/", "--body", "-"}, "{\"id\":\"\xFF\"}");
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.err, "stowra: --body -: not UTF-8\n");
+  EXPECT_EQ(outcome.err, "stowra: --body -: the text is not UTF-8\n");
 }
 
 }  // namespace

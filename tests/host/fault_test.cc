@@ -1,4 +1,4 @@
-// Every fault that the emulator has, in every command.
+// Each fault of the emulator, with each command that reads a document.
 
 #include <tuple>
 
@@ -10,7 +10,7 @@ namespace {
 struct FaultCase {
   const char* fault;
   int status;
-  const char* reason;  // a pattern, as gtest's own matcher reads it
+  const char* reason;  // a pattern for MatchesRegex
 };
 
 constexpr FaultCase kFaults[] = {
@@ -22,8 +22,9 @@ constexpr FaultCase kFaults[] = {
     {"drip:1", 0, ""},
     {"bomb", 3, "the response's body is too large"},
     {"garbage", 5,
-     "the response is not usable: it (is not JSON that can be read|holds the status of no "
-     "extension|is not an Atom feed[^\n]*|is not an upload configuration[^\n]*)"},
+     "the response is not usable: it (cannot be read as JSON|contains no extension's status|is not "
+     "an "
+     "Atom feed[^\n]*|is not a complete upload configuration)"},
     {"redirect-loop", 3, "[^\n]*redirects[^\n]*"},
 };
 
@@ -33,7 +34,7 @@ const std::vector<std::string> kCommands[] = {
     {"extensions", "/extensions", "--body", "-"},
 };
 
-// These know no --async.
+// These have no --async.
 const std::vector<std::string> kWaitingCommands[] = {
     {"search", "/search?q=nothing&"},
     {"upload-config", "/upload-config"},
@@ -52,7 +53,7 @@ std::string Name(const testing::TestParamInfo<FaultTest::ParamType>& info) {
   return name;
 }
 
-TEST_P(FaultTest, EndsWithItsStatusAndOneLine) {
+TEST_P(FaultTest, ReportsFaultInOneLineAndStatus) {
   const auto& [fault, command, mode] = GetParam();
   const EmulatorProcess emulator;
   std::vector<std::string> arguments = command;
@@ -90,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Waiting, FaultTest,
 class NoServerTest : public InBothModes {};
 IN_BOTH_MODES(NoServerTest);
 
-TEST_P(NoServerTest, RefusedConnectionIsSaidInOneLine) {
+TEST_P(NoServerTest, ReportsRefusedConnectionInOneLine) {
   std::string url;
   {
     const EmulatorProcess emulator;
@@ -102,7 +103,7 @@ TEST_P(NoServerTest, RefusedConnectionIsSaidInOneLine) {
   EXPECT_THAT(outcome.err, testing::MatchesRegex("stowra: " + url + ": [^\n]*connect[^\n]*\n"));
 }
 
-TEST_P(NoServerTest, AddressesThatCannotBeAskedFail) {
+TEST_P(NoServerTest, ReportsUnsupportedUrlInOneLine) {
   for (const std::string url : {"ftp://127.0.0.1/x", "file:///etc/passwd", "x", "http://", "-"}) {
     const Outcome outcome = RunInMode({"user-info", url});
     EXPECT_EQ(outcome.status, 3) << url;
@@ -111,7 +112,7 @@ TEST_P(NoServerTest, AddressesThatCannotBeAskedFail) {
   }
 }
 
-TEST_P(NoServerTest, LineBreaksInTheAddressStayOnOneLine) {
+TEST_P(NoServerTest, ReplacesControlCharactersInUrl) {
   const Outcome outcome = RunInMode({"user-info", "x\ny\x1B[31m"});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.err, "stowra: x\uFFFDy\uFFFD[31m: not an http or https URL\n");

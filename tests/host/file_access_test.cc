@@ -47,7 +47,7 @@ TEST_F(FileAccessTest, WritesAndReadsEveryByte) {
   EXPECT_EQ(Count(), 2U);
 }
 
-TEST_F(FileAccessTest, NewFileIsAsReadableAsAnyOther) {
+TEST_F(FileAccessTest, GivesNewFileTheDefaultMode) {
   const mode_t mask = umask(022);
   ASSERT_TRUE(WriteFile(Path("a"), "x", Existing::kKeep, why_));
   umask(mask);
@@ -57,7 +57,7 @@ TEST_F(FileAccessTest, NewFileIsAsReadableAsAnyOther) {
   EXPECT_EQ(status.st_nlink, 1U);
 }
 
-TEST_F(FileAccessTest, KeepsWhatIsThere) {
+TEST_F(FileAccessTest, KeepsExistingFile) {
   Make("a", "old");
   EXPECT_FALSE(WriteFile(Path("a"), "new", Existing::kKeep, why_));
   EXPECT_EQ(why_, "File exists");
@@ -65,20 +65,20 @@ TEST_F(FileAccessTest, KeepsWhatIsThere) {
   EXPECT_EQ(Count(), 1U);
 }
 
-TEST_F(FileAccessTest, ReplacesWhatIsThere) {
+TEST_F(FileAccessTest, ReplacesExistingFile) {
   Make("a", "a longer one");
   ASSERT_TRUE(WriteFile(Path("a"), "new", Existing::kReplace, why_)) << why_;
   EXPECT_EQ(stowra_test::ReadFile(Path("a")), "new");
   EXPECT_EQ(Count(), 1U);
 }
 
-TEST_F(FileAccessTest, DanglingLinkCountsAsThere) {
+TEST_F(FileAccessTest, KeepsDanglingLink) {
   std::filesystem::create_symlink("nowhere", Path("a"));
   EXPECT_FALSE(WriteFile(Path("a"), "new", Existing::kKeep, why_));
   EXPECT_EQ(Count(), 1U);
 }
 
-TEST_F(FileAccessTest, OnlyRegularFilesAreReplaced) {
+TEST_F(FileAccessTest, ReplacesOnlyRegularFiles) {
   std::filesystem::create_directory(Path("folder"));
   ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
   for (const char* name : {"folder", "fifo"}) {
@@ -89,7 +89,7 @@ TEST_F(FileAccessTest, OnlyRegularFilesAreReplaced) {
   EXPECT_EQ(Count(), 2U);
 }
 
-TEST_F(FileAccessTest, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
+TEST_F(FileAccessTest, ReplacesLinkTargetAndKeepsLink) {
   std::filesystem::create_directory(Path("folder"));
   Make("folder/a", "old");
   std::filesystem::create_symlink("folder/a", Path("near"));
@@ -103,7 +103,7 @@ TEST_F(FileAccessTest, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
   EXPECT_EQ(Count(), 3U);
 }
 
-TEST_F(FileAccessTest, LinkToAnythingElseIsRefused) {
+TEST_F(FileAccessTest, RefusesLinkToAnythingButAFile) {
   std::filesystem::create_directory(Path("folder"));
   ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
   const struct {
@@ -126,7 +126,7 @@ TEST_F(FileAccessTest, LinkToAnythingElseIsRefused) {
   EXPECT_TRUE(std::filesystem::is_fifo(Path("fifo")));
 }
 
-TEST_F(FileAccessTest, FileThatIsReplacedLeavesItsMode) {
+TEST_F(FileAccessTest, KeepsModeOfReplacedFile) {
   Make("a", "old");
   std::filesystem::create_symlink("a", Path("link"));
   for (const char* name : {"a", "link"}) {
@@ -140,7 +140,7 @@ TEST_F(FileAccessTest, FileThatIsReplacedLeavesItsMode) {
   }
 }
 
-TEST_F(FileAccessTest, WhetherAFileCanBeReplacedIsKnownBefore) {
+TEST_F(FileAccessTest, TellsWhetherFileCanBeReplaced) {
   Make("a", "old");
   std::filesystem::create_directory(Path("folder"));
   std::filesystem::create_symlink("a", Path("link"));
@@ -164,27 +164,27 @@ TEST_F(FileAccessTest, WhetherAFileCanBeReplacedIsKnownBefore) {
   EXPECT_EQ(Count(), 3U);
 }
 
-TEST_F(FileAccessTest, FolderMayTakeAFile) {
+TEST_F(FileAccessTest, TellsWhetherFolderTakesAFile) {
   EXPECT_TRUE(CanMakeFileIn(Path(""), why_)) << why_;
   EXPECT_FALSE(CanMakeFileIn(Path("none"), why_));
   EXPECT_EQ(why_, "No such file or directory");
   EXPECT_EQ(Count(), 0U);
 }
 
-TEST_F(FileAccessTest, FolderThatIsMissingIsSaid) {
+TEST_F(FileAccessTest, ReportsMissingFolder) {
   EXPECT_FALSE(WriteFile(Path("none/a"), "new", Existing::kReplace, why_));
   EXPECT_EQ(why_, "No such file or directory");
   EXPECT_EQ(Count(), 0U);
 }
 
-TEST_F(FileAccessTest, NameThatCannotBeIsSaidAndNothingIsLeft) {
+TEST_F(FileAccessTest, ReportsTooLongNameAndLeavesNothing) {
   EXPECT_FALSE(WriteFile(Path(std::string(300, 'a')), "new", Existing::kKeep, why_));
   EXPECT_EQ(why_, "File name too long");
   EXPECT_FALSE(WriteFile(Path(std::string(300, 'a')), "new", Existing::kReplace, why_));
   EXPECT_EQ(Count(), 0U);
 }
 
-TEST_F(FileAccessTest, WhatCannotBeReadIsSaid) {
+TEST_F(FileAccessTest, ReportsUnreadableFile) {
   std::string content;
   EXPECT_FALSE(ReadFile(Path("none"), content, why_));
   EXPECT_EQ(why_, "No such file or directory");

@@ -1,4 +1,4 @@
-// What the tests of the program have in common.
+// Shared by the tests of the program.
 
 #ifndef TESTS_HOST_HOST_TEST_H_
 #define TESTS_HOST_HOST_TEST_H_
@@ -23,13 +23,12 @@ inline Outcome RunStowra(const std::vector<std::string>& arguments, const std::s
   return RunProgram(kStowra, start);
 }
 
-// Gives every request this JSON text, with status 200.
+// Answers every request with status 200 and this JSON text.
 inline RawServer::Handler Replies(const std::string& body) {
   return Always(Response(200, body, "Content-Type: application/json\r\n"));
 }
 
-// A test that runs once on the calling thread and once in the background; what it expects of the
-// two is the same.
+// Runs each test with and without --async. It expects the same of both.
 class InBothModes : public testing::TestWithParam<const char*> {
  protected:
   static Outcome RunInMode(const std::vector<std::string>& arguments,
@@ -44,7 +43,7 @@ inline std::string ModeName(const testing::TestParamInfo<const char*>& mode) {
   return *mode.param == '\0' ? "Waiting" : "Async";
 }
 
-// Declares the modes of a test suite.
+// Instantiates a test suite for both modes.
 #define IN_BOTH_MODES(Suite) \
   INSTANTIATE_TEST_SUITE_P(, Suite, testing::Values("", "--async"), ModeName)
 

@@ -21,7 +21,7 @@ TEST(MainLoopTest, RunsTasksInOrderOneAtATime) {
   EXPECT_EQ(order, "ab");
 }
 
-TEST(MainLoopTest, RunsOnItsOwnThreadWhatOtherThreadsPost) {
+TEST(MainLoopTest, RunsTasksOfOtherThreadsOnItsOwn) {
   constexpr int kThreads = 4;
   constexpr int kTasks = 250;
   MainLoop loop;
@@ -39,7 +39,7 @@ TEST(MainLoopTest, RunsOnItsOwnThreadWhatOtherThreadsPost) {
   EXPECT_EQ(ran_on, std::vector<std::thread::id>(kThreads * kTasks, std::this_thread::get_id()));
 }
 
-TEST(MainLoopTest, TaskMayPostAnother) {
+TEST(MainLoopTest, AllowsTaskToPostAnother) {
   MainLoop loop;
   bool done = false;
   loop.Post([&loop, &done] { loop.Post([&done] { done = true; }); });

@@ -1,4 +1,4 @@
-// What the options do to the transfers.
+// How the options change the transfers.
 
 #include <signal.h>
 
@@ -20,7 +20,7 @@ constexpr char kUser[] = R"({"uid":"u","email":"e","vkr_id":"v"})";
 class OptionsTest : public InBothModes {};
 IN_BOTH_MODES(OptionsTest);
 
-TEST_P(OptionsTest, HeadersReachTheServer) {
+TEST_P(OptionsTest, SendsGivenHeaders) {
   const RawServer server(Replies(kUser));
   const Outcome outcome = RunInMode({"user-info", "--header", "Authorization: Bearer a:b",
                                      "--header", "X-Empty:", "--header", "X-Twice: one",
@@ -35,13 +35,13 @@ TEST_P(OptionsTest, HeadersReachTheServer) {
   EXPECT_THAT(request.Header("User-Agent"), MatchesRegex("stowra/[0-9]+"));
 }
 
-TEST_P(OptionsTest, HeaderThatCannotBeSentIsATransferThatFails) {
+TEST_P(OptionsTest, ReportsHeaderThatCannotBeSent) {
   const Outcome outcome = RunInMode({"user-info", "http://127.0.0.1:1/", "--header", "a b: c"});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.err, "stowra: http://127.0.0.1:1/: a request header cannot be sent\n");
 }
 
-TEST_P(OptionsTest, TimeoutEndsATransferWithoutProgress) {
+TEST_P(OptionsTest, EndsStalledTransferAtTimeout) {
   const RawServer server(Silence());
   const auto start = std::chrono::steady_clock::now();
   const Outcome outcome = RunInMode({"user-info", server.Url(), "--timeout", "0.5"});
@@ -52,7 +52,7 @@ TEST_P(OptionsTest, TimeoutEndsATransferWithoutProgress) {
   EXPECT_LT(took, std::chrono::seconds(20));
 }
 
-TEST_P(OptionsTest, InterruptEndsTheProgramDuringATransfer) {
+TEST_P(OptionsTest, EndsOnInterruptDuringTransfer) {
   const RawServer server(Silence());
   Start start;
   start.arguments = {"user-info", server.Url()};
@@ -65,7 +65,7 @@ TEST_P(OptionsTest, InterruptEndsTheProgramDuringATransfer) {
   EXPECT_EQ(outcome.out, "");
 }
 
-TEST_P(OptionsTest, CertificateAuthorityIsTrustedWhenNamed) {
+TEST_P(OptionsTest, TrustsGivenCertificateAuthority) {
   const CertificateAuthority authority("host test authority");
   const Certificate certificate = authority.Issue("IP:127.0.0.1");
   const std::filesystem::path file =

@@ -25,7 +25,7 @@ TransferEvent Received(unsigned long bytes, unsigned long whole) {
   return event;
 }
 
-TEST(ProgressTextTest, ShowsHowMuchOfTheWholeIsThere) {
+TEST(ProgressTextTest, ShowsShareOfTheTotal) {
   EXPECT_EQ(ProgressText(Received(0, 500)), "[                    ]   0%  0 bytes of 500 bytes");
   EXPECT_EQ(ProgressText(Received(1234567, 2469134)),
             "[##########          ]  50%  1.2 MB of 2.5 MB");
@@ -34,23 +34,23 @@ TEST(ProgressTextTest, ShowsHowMuchOfTheWholeIsThere) {
             "[####################] 100%  4.0 GB of 4.0 GB");
 }
 
-TEST(ProgressTextTest, ShowsTheBytesWhereTheWholeIsNotKnown) {
+TEST(ProgressTextTest, ShowsBytesWithoutKnownTotal) {
   EXPECT_EQ(ProgressText(Received(0, 0)), "0 bytes");
   EXPECT_EQ(ProgressText(Received(31415, 0)), "31.4 KB");
 }
 
-TEST(ProgressTextTest, UploadShowsWhatIsSent) {
+TEST(ProgressTextTest, ShowsSentBytesOfUpload) {
   TransferEvent event = Received(5, 10);
   event.bytes_sent = 1;
   event.bytes_to_send = 4;
   EXPECT_EQ(ProgressText(event), "[#####               ]  25%  1 bytes of 4 bytes");
 }
 
-TEST(ProgressTextTest, MoreThanTheWholeIsTheWhole) {
+TEST(ProgressTextTest, ShowsAtMostHundredPercent) {
   EXPECT_THAT(ProgressText(Received(7, 5)), HasSubstr("[####################] 100%"));
 }
 
-TEST(ProgressTextTest, FitsOnALine) {
+TEST(ProgressTextTest, FitsSixtyCharacters) {
   const unsigned long most = static_cast<unsigned long>(-1);
   EXPECT_LE(ProgressText(Received(most, most)).size(), 60U);
 }
@@ -75,7 +75,7 @@ class ProgressBarTest : public testing::Test {
   std::optional<ProgressBar> bar_;
 };
 
-TEST_F(ProgressBarTest, IsDrawnAtMostTenTimesASecond) {
+TEST_F(ProgressBarTest, RedrawsAtMostTenTimesASecond) {
   bar_->Show(Received(1, 0));
   for (int i = 2; i <= 100; ++i) {
     Pass(11);
@@ -86,7 +86,7 @@ TEST_F(ProgressBarTest, IsDrawnAtMostTenTimesASecond) {
   EXPECT_EQ(std::count(written.begin(), written.end(), '\r'), 10);
 }
 
-TEST_F(ProgressBarTest, CoversWhatWasThereAndIsErasedAtTheEnd) {
+TEST_F(ProgressBarTest, OverwritesLongerTextAndErasesTheLast) {
   bar_->Show(Received(12345, 0));
   Pass(100);
   bar_->Show(Received(7, 0));
@@ -96,13 +96,13 @@ TEST_F(ProgressBarTest, CoversWhatWasThereAndIsErasedAtTheEnd) {
   EXPECT_EQ(Written(), "\r12.3 KB\r7 bytes\r       \r");
 }
 
-TEST_F(ProgressBarTest, IsErasedByItsDestructor) {
+TEST_F(ProgressBarTest, ErasesItselfWhenDestroyed) {
   bar_->Show(Received(7, 0));
   bar_.reset();
   EXPECT_EQ(Written(), "\r7 bytes\r       \r");
 }
 
-TEST_F(ProgressBarTest, NothingIsWrittenWithoutProgress) {
+TEST_F(ProgressBarTest, WritesNothingWithoutProgress) {
   TransferEvent event;
   event.kind = TransferEvent::Kind::kStarted;
   bar_->Show(event);
@@ -112,7 +112,7 @@ TEST_F(ProgressBarTest, NothingIsWrittenWithoutProgress) {
   EXPECT_EQ(Written(), "");
 }
 
-// Half of the body comes at once, and the rest slowly enough for the bar to move.
+// Sends half of the body at once, and the rest slowly enough for the bar to move.
 RawServer::Handler HalfAtOnce() {
   return [](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 Text\r\nContent-Length: 4\r\n\r\nab");
@@ -135,17 +135,17 @@ class ProgressOnTerminalTest : public testing::Test {
   const TemporaryFolder folder_;
 };
 
-TEST_F(ProgressOnTerminalTest, DownloadShowsItsBar) {
+TEST_F(ProgressOnTerminalTest, ShowsBarForDownload) {
   const RawServer server(HalfAtOnce());
   const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "xterm");
   EXPECT_EQ(outcome.status, 0);
-  // How many more are drawn is a matter of time.
+  // The number of further bars depends on timing.
   EXPECT_THAT(outcome.out, testing::MatchesRegex("\r\\[#{10} {10}\\]  50%  2 bytes of 4 bytes"
                                                  "(\r\\[#+ *\\] +[0-9]+%  [34] bytes of 4 bytes)*"
                                                  "\r {47}\rfile   [^\r]*/x\r\nbytes  4\r\n"));
 }
 
-TEST_F(ProgressOnTerminalTest, BarIsGoneBeforeAMessage) {
+TEST_F(ProgressOnTerminalTest, ErasesBarBeforeMessage) {
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 Text\r\nContent-Length: 4\r\n\r\nab");
     connection.Close();
@@ -156,7 +156,7 @@ TEST_F(ProgressOnTerminalTest, BarIsGoneBeforeAMessage) {
                                      "\rstowra: " + server.Url()));
 }
 
-TEST_F(ProgressOnTerminalTest, UploadShowsItsBar) {
+TEST_F(ProgressOnTerminalTest, ShowsBarForUpload) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(
         Response(200, Config({{"http://" + request.Header("Host") + "/?name=a&type=b", false}})));
@@ -170,18 +170,18 @@ TEST_F(ProgressOnTerminalTest, UploadShowsItsBar) {
   EXPECT_THAT(outcome.out, ContainsRegex("\r +\rfile "));
 }
 
-TEST_F(ProgressOnTerminalTest, DumbTerminalShowsNone) {
+TEST_F(ProgressOnTerminalTest, ShowsNoBarOnDumbTerminal) {
   const RawServer server(HalfAtOnce());
   const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "dumb");
   EXPECT_EQ(outcome.out, "file   " + Path("x") + "\r\nbytes  4\r\n");
 }
 
-TEST_F(ProgressOnTerminalTest, FileGetsNone) {
+TEST_F(ProgressOnTerminalTest, WritesNoBarToFile) {
   const RawServer server(HalfAtOnce());
   EXPECT_EQ(RunStowra({"download", server.Url(), "-o", Path("x")}).err, "");
 }
 
-TEST_F(ProgressOnTerminalTest, SearchShowsNone) {
+TEST_F(ProgressOnTerminalTest, ShowsNoBarForSearch) {
   FeedText feed;
   const RawServer server(Always(Response(200, Feed(feed))));
   EXPECT_THAT(Show({"search", server.Url()}, "xterm").out, Not(HasSubstr("%")));

@@ -18,10 +18,10 @@ int CountOf(const std::string& part, const std::string& text) {
   return count;
 }
 
-// Serves the pages /1, /2 ... in turn, each with one model and a link to the next.
+// Serves the pages /1, /2 and so on. Each has one model and a link to the next page.
 class PagesServer {
  public:
-  // The last page leads to `last_next`, if that is not empty.
+  // The last page links to `last_next` unless that is empty.
   PagesServer(int pages, const std::string& last_next)
       : server_([pages, last_next](const RawRequest& request, RawConnection& connection) {
           const std::string base = "http://" + request.Header("Host") + "/";
@@ -42,7 +42,7 @@ class PagesServer {
   RawServer server_;
 };
 
-TEST(SearchTest, PrintsTheResultsAsATable) {
+TEST(SearchTest, PrintsResultsAsTable) {
   FeedText feed;
   feed.total = 100;
   feed.per_page = 2;
@@ -89,7 +89,7 @@ TEST(SearchTest, PrintsEveryFieldAsJson) {
             "\n");
 }
 
-TEST(SearchTest, TakesQmfFilesUpToTheVersionGiven) {
+TEST(SearchTest, AcceptsQmfFilesUpToGivenVersion) {
   FeedText feed;
   feed.entries = {ModelEntry("m1", "Chair")};
   const RawServer server(Always(Response(200, Feed(feed))));
@@ -100,7 +100,7 @@ TEST(SearchTest, TakesQmfFilesUpToTheVersionGiven) {
               HasSubstr("qmf     http://f/m1.qmf"));
 }
 
-TEST(SearchTest, EntriesThatCannotBeUsedAreCountedOut) {
+TEST(SearchTest, CountsUsableEntries) {
   FeedText feed;
   feed.total = 2;
   feed.entries = {ModelEntry("m1", "Chair"), "<entry><id>broken</id></entry>"};
@@ -110,7 +110,7 @@ TEST(SearchTest, EntriesThatCannotBeUsedAreCountedOut) {
   EXPECT_THAT(outcome.out, HasSubstr("found  results 1 to 2 of 2, usable 1\n"));
 }
 
-TEST(SearchTest, FindingNothingIsDone) {
+TEST(SearchTest, SucceedsWithoutResults) {
   const RawServer server(Always(Response(200, Feed({}))));
   const Outcome outcome = RunStowra({"search", server.Url()});
   EXPECT_EQ(outcome.status, 0);
@@ -118,7 +118,7 @@ TEST(SearchTest, FindingNothingIsDone) {
   EXPECT_THAT(RunStowra({"search", server.Url(), "--json"}).out, EndsWith("\"items\":[]}\n"));
 }
 
-TEST(SearchTest, CountsAreOnlyNumbers) {
+TEST(SearchTest, AcceptsExtremeCounts) {
   FeedText feed;
   feed.total = 2147483647;
   feed.start = 2147483647;
@@ -133,7 +133,7 @@ TEST(SearchTest, CountsAreOnlyNumbers) {
               HasSubstr("found  none here of 2147483647\n"));
 }
 
-TEST(SearchTest, PageBehindTheLastResultSaysHowManyThereAre) {
+TEST(SearchTest, ReportsTotalOnPageBeyondTheLast) {
   FeedText feed;
   feed.total = 106;
   feed.start = 5000;
@@ -143,7 +143,7 @@ TEST(SearchTest, PageBehindTheLastResultSaysHowManyThereAre) {
   EXPECT_EQ(outcome.out, "title  chair\nfound  none here of 106\n");
 }
 
-TEST(SearchTest, OneEntryTwiceOnAPageIsShownTwice) {
+TEST(SearchTest, ShowsRepeatedEntryOfOnePage) {
   FeedText feed;
   feed.total = 2;
   feed.entries = {ModelEntry("m1", "Chair"), ModelEntry("m1", "Chair")};
@@ -151,7 +151,7 @@ TEST(SearchTest, OneEntryTwiceOnAPageIsShownTwice) {
   EXPECT_EQ(CountOf("http://f/m1.kmz", RunStowra({"search", server.Url()}).out), 2);
 }
 
-TEST(SearchTest, TextsOfTheServerCannotCommandTheTerminal) {
+TEST(SearchTest, ReplacesControlCharactersInTitle) {
   FeedText feed;
   feed.entries = {ModelEntry("m1", "A&#x9B;31mB&#x85;C\nD")};
   std::string text = Feed(feed);
@@ -163,7 +163,7 @@ TEST(SearchTest, TextsOfTheServerCannotCommandTheTerminal) {
   EXPECT_EQ(CountOf("\n", outcome.out), 5) << outcome.out;
 }
 
-TEST(SearchTest, OnePageUnlessAllAreAskedFor) {
+TEST(SearchTest, FetchesOnePageByDefault) {
   const PagesServer pages(3, "");
   const Outcome outcome = RunStowra({"search", pages.server().Url("/1")});
   EXPECT_EQ(outcome.status, 0);
@@ -171,7 +171,7 @@ TEST(SearchTest, OnePageUnlessAllAreAskedFor) {
   EXPECT_EQ(pages.server().requests().size(), 1U);
 }
 
-TEST(SearchAllTest, FollowsTheNextLinksToTheEnd) {
+TEST(SearchAllTest, FollowsNextLinksToTheEnd) {
   const PagesServer pages(3, "");
   const Outcome outcome = RunStowra({"search", pages.server().Url("/1"), "--all"});
   EXPECT_EQ(outcome.status, 0);
@@ -183,19 +183,19 @@ TEST(SearchAllTest, FollowsTheNextLinksToTheEnd) {
   EXPECT_EQ(pages.server().requests().size(), 3U);
 }
 
-TEST(SearchAllTest, StopsAtAPageThatItHasSeen) {
+TEST(SearchAllTest, StopsAtUrlThatWasFetchedBefore) {
   for (const std::string target : {"1", "2", "3"}) {
     const PagesServer pages(3, target);
     const Outcome outcome = RunStowra({"search", pages.server().Url("/1"), "--all"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "stowra: warning: " + pages.server().Url("/" + target) +
-                               ": not followed: the pages go round in a circle\n");
+                               ": not followed, because the pages repeat\n");
     EXPECT_THAT(outcome.out, HasSubstr("results 1 to 3 of 3\n"));
     EXPECT_EQ(pages.server().requests().size(), 3U);
   }
 }
 
-TEST(SearchAllTest, StopsWhereOnlyTheAddressesAreNew) {
+TEST(SearchAllTest, StopsAfter100PagesWithoutNewResult) {
   std::atomic<int> page = 0;
   const RawServer server([&page](const RawRequest& request, RawConnection& connection) {
     FeedText feed;
@@ -206,12 +206,12 @@ TEST(SearchAllTest, StopsWhereOnlyTheAddressesAreNew) {
   });
   const Outcome outcome = RunStowra({"search", server.Url("/0"), "--all"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.err, HasSubstr("/101: not followed: the pages go round in a circle\n"));
+  EXPECT_THAT(outcome.err, HasSubstr("/101: not followed, because the pages repeat\n"));
   EXPECT_EQ(server.requests().size(), 101U);
   EXPECT_EQ(CountOf("http://f/m1.kmz", outcome.out), 1);
 }
 
-TEST(SearchAllTest, PageOfWhichNothingCanBeUsedIsNotTheEnd) {
+TEST(SearchAllTest, ContinuesAfterPageWithoutUsableEntry) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     FeedText feed;
     feed.total = 2;
@@ -227,7 +227,7 @@ TEST(SearchAllTest, PageOfWhichNothingCanBeUsedIsNotTheEnd) {
   EXPECT_THAT(outcome.out, HasSubstr("http://f/m2.kmz"));
 }
 
-TEST(SearchAllTest, PageThatFailsIsNamedAfterThePagesBeforeIt) {
+TEST(SearchAllTest, PrintsPagesBeforeFailedPage) {
   const PagesServer pages(2, "3");
   const std::vector<std::string> command = {"search", pages.server().Url("/1"), "--all"};
   const Outcome outcome = RunStowra(command);
@@ -244,7 +244,7 @@ TEST(SearchAllTest, PageThatFailsIsNamedAfterThePagesBeforeIt) {
   EXPECT_EQ(RunProgram("/bin/sh", start).out, outcome.out + failure);
 }
 
-TEST(SearchAllTest, PageThatFailsIsWhereTheJsonLeadsOn) {
+TEST(SearchAllTest, LinksToFailedPageInJson) {
   const PagesServer pages(1, "2");
   const Outcome outcome = RunStowra({"search", pages.server().Url("/1"), "--all", "--json"});
   EXPECT_EQ(outcome.status, 4);
@@ -252,7 +252,7 @@ TEST(SearchAllTest, PageThatFailsIsWhereTheJsonLeadsOn) {
   EXPECT_THAT(outcome.out, HasSubstr("\"id\":\"m1\""));
 }
 
-TEST(SearchTest, ResponseThatIsNoUsableFeedIsSaid) {
+TEST(SearchTest, ReportsUnusableFeed) {
   FeedText uncounted;
   std::string no_count = Feed(uncounted);
   no_count.replace(no_count.find("<o:startIndex>1</o:startIndex>"), 30, "");
@@ -262,12 +262,12 @@ TEST(SearchTest, ResponseThatIsNoUsableFeedIsSaid) {
     EXPECT_EQ(outcome.status, 5);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "stowra: " + server.Url() +
-                               ": the response is not usable: it is not an Atom feed with a title "
-                               "and the three counts of a search\n");
+                               ": the response is not usable: it is not an Atom feed with title, "
+                               "totalResults, startIndex and itemsPerPage\n");
   }
 }
 
-TEST(SearchTest, VerbosePrintsTheTransfers) {
+TEST(SearchTest, PrintsTransfersWhenVerbose) {
   const std::string body = Feed({});
   const RawServer server(Always(Response(200, body)));
   const Outcome outcome = RunStowra({"search", server.Url(), "--verbose"});
@@ -277,7 +277,7 @@ TEST(SearchTest, VerbosePrintsTheTransfers) {
   EXPECT_THAT(failed.err, StartsWith("transfer ftp://x: not an http or https URL\nstowra: "));
 }
 
-TEST(SearchTest, FindsWhatTheEmulatorHas) {
+TEST(SearchTest, FindsModelsOfTheEmulator) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/search?count=30";
   const Outcome outcome = RunStowra({"search", url, "--all", "--max-qmf-version", "99"});

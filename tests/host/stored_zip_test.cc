@@ -7,8 +7,8 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(StoredZipTest, IsTheArchiveToTheByte) {
-  // 0xCBF43926 is the published check value of this CRC over these digits.
+TEST(StoredZipTest, WritesTheExpectedBytes) {
+  // 0xCBF43926 is the published CRC of these digits.
   const std::string description =
       "\x0A\0\0\x08\0\0\0\0\x21\0\x26\x39\xF4\xCB\x09\0\0\0\x09\0\0\0\x05\0\0\0"s;
   EXPECT_EQ(MakeStoredZip("a.qmf", "123456789"),

@@ -5,14 +5,14 @@
 namespace stowra {
 namespace {
 
-TEST(TableTest, ColumnsLineUpAndLinesEndWithTheirLastCell) {
+TEST(TableTest, AlignsColumnsWithoutTrailingSpaces) {
   Table table(Table::Labels::kFirstRow);
   table.AddRow({"a", "long", "c"});
   table.AddRow({"wider", "b", "much longer"});
   EXPECT_EQ(table.ToText(false), "a      long  c\nwider  b     much longer\n");
 }
 
-TEST(TableTest, WideCharactersTakeTwoColumns) {
+TEST(TableTest, CountsWideCharacterAsTwoColumns) {
   Table table(Table::Labels::kFirstRow);
   table.AddRow({"屋根", "x"});
   table.AddRow({"roof", "y"});
@@ -20,14 +20,14 @@ TEST(TableTest, WideCharactersTakeTwoColumns) {
   EXPECT_EQ(table.ToText(false), "屋根  x\nroof  y\né     z\n");
 }
 
-TEST(TableTest, RowsMayDifferInLength) {
+TEST(TableTest, AcceptsRowsOfDifferentLength) {
   Table table(Table::Labels::kFirstColumn);
   table.AddRow({"a"});
   table.AddRow({"b", "c", "d"});
   EXPECT_EQ(table.ToText(false), "a\nb  c  d\n");
 }
 
-TEST(TableTest, CellBeyondTheWidestColumnLeavesTheOtherLinesAlone) {
+TEST(TableTest, LimitsPaddingBesideWideCell) {
   Table table(Table::Labels::kFirstRow);
   table.AddRow({std::string(70, 'x'), "1"});
   table.AddRow({"y", "2"});
@@ -35,7 +35,7 @@ TEST(TableTest, CellBeyondTheWidestColumnLeavesTheOtherLinesAlone) {
             std::string(70, 'x') + "  1\ny" + std::string(59 + 2, ' ') + "2\n");
 }
 
-TEST(TableTest, LabelsStandOutWithoutMovingAnything) {
+TEST(TableTest, MakesLabelsBoldWithoutMovingCells) {
   Table rows(Table::Labels::kFirstColumn);
   rows.AddRow({"a", "b"});
   rows.AddRow({"cc", "d"});

@@ -13,7 +13,7 @@ constexpr char kReply[] = R"({
   "datafiles": [{"version": 17, "filename": "materials.dat", "url": "http://d.example/m"},
                 {"version": 4, "filename": "屋根.dat", "url": "http://d.example/r"}]})";
 
-TEST_P(UpdateTest, PrintsTheOfferAsATable) {
+TEST_P(UpdateTest, PrintsOfferAsTable) {
   const RawServer server(Replies(kReply));
   const Outcome outcome = RunInMode({"update", server.Url()});
   EXPECT_EQ(outcome.status, 0);
@@ -32,7 +32,7 @@ TEST_P(UpdateTest, PrintsTheOfferAsATable) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST_P(UpdateTest, PrintsTheOfferAsJson) {
+TEST_P(UpdateTest, PrintsOfferAsJson) {
   const RawServer server(Replies(kReply));
   const Outcome outcome = RunInMode({"update", server.Url(), "--json"});
   EXPECT_EQ(outcome.status, 0);
@@ -45,7 +45,7 @@ TEST_P(UpdateTest, PrintsTheOfferAsJson) {
             "{\"version\":4,\"filename\":\"屋根.dat\",\"url\":\"http://d.example/r\"}]}\n");
 }
 
-TEST_P(UpdateTest, PrintsTheVersionsAloneWhereNothingElseIsOffered) {
+TEST_P(UpdateTest, PrintsOnlyVersionsWithoutOtherOffers) {
   const RawServer server(Replies(R"({"update":{"current_version":"2","expire_version":"1"}})"));
   EXPECT_EQ(RunInMode({"update", server.Url()}).out, "current version  2\nexpire version   1\n");
   EXPECT_EQ(RunInMode({"update", server.Url(), "--json"}).out,
@@ -53,7 +53,7 @@ TEST_P(UpdateTest, PrintsTheVersionsAloneWhereNothingElseIsOffered) {
             "\"data_files\":[]}\n");
 }
 
-TEST_P(UpdateTest, ReadsWhatTheEmulatorSends) {
+TEST_P(UpdateTest, ReadsOfferFromTheEmulator) {
   const EmulatorProcess emulator;
   const Outcome outcome = RunInMode({"update", emulator.url() + "/update", "-v"});
   EXPECT_EQ(outcome.status, 0);
@@ -62,7 +62,7 @@ TEST_P(UpdateTest, ReadsWhatTheEmulatorSends) {
   EXPECT_EQ(outcome.err, "notification UpdateQueryAsyncSucceeded\n");
 }
 
-TEST_P(UpdateTest, FailureIsPostedAndSaid) {
+TEST_P(UpdateTest, PostsAndReportsFailure) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/update?fault=status:404";
   const Outcome outcome = RunInMode({"update", url, "-v"});
@@ -72,13 +72,13 @@ TEST_P(UpdateTest, FailureIsPostedAndSaid) {
             "notification UpdateQueryAsyncFailed\nstowra: " + url + ": HTTP status 404\n");
 }
 
-TEST_P(UpdateTest, SaysWhatIsWrongWithTheResponse) {
+TEST_P(UpdateTest, ReportsWhatIsWrongWithTheResponse) {
   const struct {
     const char* body;
     const char* fault;
   } cases[] = {
       {"", "it is empty"},
-      {"update", "it is not JSON that can be read"},
+      {"update", "it cannot be read as JSON"},
       {R"({"datafiles":[{"version":1}]})", "it lacks update"},
       {R"({"update":{}})", "it lacks update.current_version, update.expire_version"},
       {R"({"update":{"current_version":"1"}})", "it lacks update.expire_version"},

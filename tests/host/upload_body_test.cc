@@ -14,7 +14,7 @@ namespace {
 using ovrant::stowraapiclient::UploadFile;
 using ovrant::stowraapiclient::multipartupload::SetupPayload;
 
-TEST(UploadBodyTest, IsWhatTheLibraryWritesToAnOrdinaryStream) {
+TEST(UploadBodyTest, EqualsBodyOfOrdinaryStream) {
   UploadFile file;
   file.upload_url_ = "http://u/?name=a&type=b&task=c";
   file.zipped_file_path_ = "/x/chair.qmf.zip";
@@ -29,7 +29,7 @@ TEST(UploadBodyTest, IsWhatTheLibraryWritesToAnOrdinaryStream) {
   }
 }
 
-TEST(StringSinkTest, TakesWhateverAStreamWrites) {
+TEST(StringSinkTest, AppendsAllThatAStreamWrites) {
   std::string text = "a";
   StringSink sink(text);
   std::ostream out(&sink);

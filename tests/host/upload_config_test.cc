@@ -4,7 +4,7 @@
 namespace stowra_test {
 namespace {
 
-TEST(UploadConfigTest, PrintsTheFilesAsATable) {
+TEST(UploadConfigTest, PrintsFilesAsTable) {
   const RawServer server(
       Always(Response(200, Config({{"http://u/1?name=a&type=b", false}, {"http://u/2", true}}))));
   const Outcome outcome = RunStowra({"upload-config", server.Url()});
@@ -19,7 +19,7 @@ TEST(UploadConfigTest, PrintsTheFilesAsATable) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST(UploadConfigTest, PrintsTheFilesAsJson) {
+TEST(UploadConfigTest, PrintsFilesAsJson) {
   const RawServer server(Always(Response(200, Config({{"http://u/1", true}}))));
   const Outcome outcome = RunStowra({"upload-config", server.Url(), "--json"});
   EXPECT_EQ(outcome.status, 0);
@@ -29,32 +29,32 @@ TEST(UploadConfigTest, PrintsTheFilesAsJson) {
                          "\n");
 }
 
-TEST(UploadConfigTest, NoFilesIsAConfigurationToo) {
+TEST(UploadConfigTest, AcceptsConfigurationWithoutFiles) {
   const RawServer server(Always(Response(200, Config({}))));
   EXPECT_EQ(RunStowra({"upload-config", server.Url()}).out,
             "success url  http://r/yes\nfailure url  http://r/no\n");
 }
 
-TEST(UploadConfigTest, ResponseThatIsNoneIsSaid) {
+TEST(UploadConfigTest, ReportsIncompleteConfiguration) {
   for (const char* body : {"<upload/>", "x", ""}) {
     const RawServer server(Always(Response(200, body)));
     const Outcome outcome = RunStowra({"upload-config", server.Url()});
     EXPECT_EQ(outcome.status, 5);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "stowra: " + server.Url() +
-                               ": the response is not usable: it is not an upload configuration "
-                               "with all that is required\n");
+                               ": the response is not usable: it is not a complete upload "
+                               "configuration\n");
   }
 }
 
-TEST(UploadConfigTest, RefusalIsSaid) {
+TEST(UploadConfigTest, ReportsRefusal) {
   const RawServer server(Always(Response(403, "no")));
   const Outcome outcome = RunStowra({"upload-config", server.Url()});
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.err, "stowra: " + server.Url() + ": HTTP status 403\n");
 }
 
-TEST(UploadConfigTest, ReadsTheEmulators) {
+TEST(UploadConfigTest, ReadsConfigurationOfTheEmulator) {
   const EmulatorProcess emulator;
   const Outcome outcome =
       RunStowra({"upload-config", emulator.url() + "/upload-config?name=Chair&zipped=true"});

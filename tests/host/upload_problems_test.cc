@@ -16,20 +16,20 @@ UploadForm GoodForm() {
   return {"a/chair.qmf", "chair.qmf", "content", false, 500, kBoundary, "BrevixClient9"};
 }
 
-TEST(UploadProblemsTest, OrdinaryFormHasNone) {
+TEST(UploadProblemsTest, FindsNoneInOrdinaryForm) {
   EXPECT_THAT(FindUploadProblems(GoodForm()), IsEmpty());
   UploadForm first = GoodForm();
   first.previous_boundary = "";
   EXPECT_THAT(FindUploadProblems(first), IsEmpty());
 }
 
-TEST(UploadProblemsTest, QuotationMarkInTheName) {
+TEST(UploadProblemsTest, FindsQuotationMarkInFileName) {
   UploadForm form = GoodForm();
   form.file_name = "19\" rack.qmf";
   EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("quotation mark")));
 }
 
-TEST(UploadProblemsTest, LineBreakInTheName) {
+TEST(UploadProblemsTest, FindsLineBreakInFileName) {
   UploadForm form = GoodForm();
   for (const char* name : {"a\nb", "a\rb", "\r\n"}) {
     form.file_name = name;
@@ -37,7 +37,7 @@ TEST(UploadProblemsTest, LineBreakInTheName) {
   }
 }
 
-TEST(UploadProblemsTest, BoundaryInTheContent) {
+TEST(UploadProblemsTest, FindsBoundaryInContent) {
   UploadForm form = GoodForm();
   for (const std::string& content : {std::string(kBoundary), std::string(1000, 'B') + kBoundary,
                                      std::string("\0--", 3) + kBoundary + "--"}) {
@@ -49,19 +49,19 @@ TEST(UploadProblemsTest, BoundaryInTheContent) {
   EXPECT_THAT(FindUploadProblems(form), IsEmpty());
 }
 
-TEST(UploadProblemsTest, TwoGibibytes) {
+TEST(UploadProblemsTest, FindsUploadOfTwoGibibytes) {
   UploadForm form = GoodForm();
   form.size = 2147483647;
   EXPECT_THAT(FindUploadProblems(form), IsEmpty());
   form.size = 2147483648;
   EXPECT_THAT(FindUploadProblems(form),
-              ElementsAre("the upload is 2 GiB or more, which the library's header map cannot say; "
-                          "this transport announces the true length by itself"));
+              ElementsAre("the upload is 2 GiB or more, so its headers give a wrong length; the "
+                          "library's own transport corrects it"));
   form.size = 3000000000;
   EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("2 GiB")));
 }
 
-TEST(UploadProblemsTest, NameThatIsNotUtf8) {
+TEST(UploadProblemsTest, FindsFileNameThatIsNotUtf8) {
   UploadForm form = GoodForm();
   form.path = "a/St\xFChle.qmf";
   form.file_name = "St\uFFFDhle.qmf";
@@ -73,26 +73,26 @@ TEST(UploadProblemsTest, NameThatIsNotUtf8) {
   }
 }
 
-TEST(UploadProblemsTest, ZippedFileThatIsNone) {
+TEST(UploadProblemsTest, FindsFileThatIsNotZipped) {
   UploadForm form = GoodForm();
   form.zipped = true;
   for (const char* content : {"", "P", "pk", "xPK"}) {
     form.content = content;
     EXPECT_THAT(FindUploadProblems(form),
-                ElementsAre("the configuration asks for a zipped file, and this is none"))
+                ElementsAre("the configuration asks for a zip file, but this is not one"))
         << content;
   }
   form.content = "PK\3\4";
   EXPECT_THAT(FindUploadProblems(form), IsEmpty());
 }
 
-TEST(UploadProblemsTest, BoundaryOfTheFileBefore) {
+TEST(UploadProblemsTest, FindsBoundaryOfPreviousFile) {
   UploadForm form = GoodForm();
   form.previous_boundary = kBoundary;
   EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("within one second")));
 }
 
-TEST(UploadProblemsTest, AllAtOnce) {
+TEST(UploadProblemsTest, FindsAllAtOnce) {
   const std::string content = std::string("x") + kBoundary;
   EXPECT_EQ(
       FindUploadProblems({"\xFF", "\"\n", content, true, 4000000000, kBoundary, kBoundary}).size(),

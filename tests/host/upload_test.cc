@@ -15,7 +15,7 @@ using testing::StartsWith;
 
 constexpr char kQuery[] = "?name=Chair&type=t/u&task=create&priority=1";
 
-// The boundary that the library makes in that second.
+// The boundary that the library makes in this second.
 std::string BoundaryOf(std::time_t second) {
   Random::SetSeed(static_cast<std::uint32_t>(second));
   std::string boundary = "BrevixClient";
@@ -28,7 +28,7 @@ std::string BoundaryOf(const RawRequest& request) {
   return type.substr(type.find('=') + 1);
 }
 
-// What a request for `content`, called `name`, should have as its body.
+// The expected body of a request that uploads `content` as `name`.
 std::string ExpectedBody(const RawRequest& request, const std::string& name,
                          const std::string& content, bool zipped) {
   const std::string begin = "--" + BoundaryOf(request) + "\r\nContent-Disposition: form-data; ";
@@ -43,7 +43,7 @@ std::string ExpectedBody(const RawRequest& request, const std::string& name,
 
 class UploadTest : public testing::Test {
  protected:
-  // A service that asks for that many files, at /0, /1 ..., the second one zipped.
+  // A service that asks for this many files, at /0, /1 and so on. It wants the second one zipped.
   RawServer::Handler Service(int files, const std::string& reply = Response(201, "")) {
     return [files, reply](const RawRequest& request, RawConnection& connection) {
       if (request.method == "POST") {
@@ -65,7 +65,6 @@ class UploadTest : public testing::Test {
     return file.string();
   }
 
-  // The command for these files.
   static std::vector<std::string> Command(const RawServer& server,
                                           const std::vector<std::string>& files) {
     std::vector<std::string> arguments = {"upload", server.Url("/config"), "--subject-id", "m42"};
@@ -77,7 +76,7 @@ class UploadTest : public testing::Test {
   const TemporaryFolder folder_;
 };
 
-TEST_F(UploadTest, SendsTheFormAndPrintsTheResult) {
+TEST_F(UploadTest, SendsFormAndPrintsResult) {
   const RawServer server(Service(1, Response(201, "{}", "location: http://m/1\r\n")));
   std::string content = "a\r\n--b";
   content += '\0';
@@ -100,7 +99,7 @@ TEST_F(UploadTest, SendsTheFormAndPrintsTheResult) {
   EXPECT_EQ(request.body, ExpectedBody(request, "chair.qmf", content, false));
 }
 
-TEST_F(UploadTest, SendsEachFileToItsOwnAddress) {
+TEST_F(UploadTest, SendsEachFileToItsOwnUrl) {
   const RawServer server(Service(3));
   const Outcome outcome = RunStowra(Command(
       server, {MakeFile("a.qmf", "1"), MakeFile("b.qmf.zip", "22"), MakeFile("c.png", "")}));
@@ -115,7 +114,7 @@ TEST_F(UploadTest, SendsEachFileToItsOwnAddress) {
   EXPECT_EQ(requests[3].body, ExpectedBody(requests[3], "c.png", "", false));
 }
 
-TEST_F(UploadTest, PrintsTheResultAsJson) {
+TEST_F(UploadTest, PrintsResultAsJson) {
   const RawServer server(Service(1, Response(200, "", "Location: http://m/1\r\n")));
   const std::string file = MakeFile("chair.qmf", "abc");
   std::vector<std::string> arguments = Command(server, {file});
@@ -125,7 +124,7 @@ TEST_F(UploadTest, PrintsTheResultAsJson) {
                                           "\"http://m/1\"}],\"result_url\":\"http://r/yes\"}\n");
 }
 
-TEST_F(UploadTest, LargeFileArrivesWhole) {
+TEST_F(UploadTest, SendsLargeFileWhole) {
   const RawServer server(Service(1));
   std::string content;
   while (content.size() < (5U << 20)) content += std::to_string(content.size());
@@ -136,7 +135,7 @@ TEST_F(UploadTest, LargeFileArrivesWhole) {
   EXPECT_TRUE(request.body == ExpectedBody(request, "large.qmf", content, false));
 }
 
-TEST_F(UploadTest, RefusedFileIsTheLast) {
+TEST_F(UploadTest, StopsAtRefusedFile) {
   const RawServer server(Service(3, Response(400, "no", "Location: http://no\r\n")));
   const std::string file = MakeFile("a.qmf", "1");
   const Outcome outcome = RunStowra(Command(server, {file, file, file}));
@@ -146,7 +145,7 @@ TEST_F(UploadTest, RefusedFileIsTheLast) {
   EXPECT_EQ(server.requests().size(), 2U);
 }
 
-TEST_F(UploadTest, RefusalSaysWhatTheServerSaid) {
+TEST_F(UploadTest, PrintsTheServersMessage) {
   const RawServer server(
       Service(1, Response(400, "the\nmodel\x1B[31m is broken", "Content-Type: text/plain\r\n")));
   const Outcome outcome = RunStowra(Command(server, {MakeFile("a.qmf", "1")}));
@@ -155,7 +154,7 @@ TEST_F(UploadTest, RefusalSaysWhatTheServerSaid) {
                              ": HTTP status 400: the model\uFFFD[31m is broken\n");
 }
 
-TEST_F(UploadTest, EveryStatusButSuccessIsAFailure) {
+TEST_F(UploadTest, AcceptsOnlyStatus2xx) {
   for (const int status : {304, 404, 500}) {
     const RawServer server(Service(1, Response(status, "")));
     EXPECT_EQ(RunStowra(Command(server, {MakeFile("a.qmf", "1")})).status, 4) << status;
@@ -166,7 +165,7 @@ TEST_F(UploadTest, EveryStatusButSuccessIsAFailure) {
   }
 }
 
-TEST_F(UploadTest, TransferThatBreaksOffIsAFailure) {
+TEST_F(UploadTest, ReportsTransferThatBreaksOff) {
   const RawServer closing([](const RawRequest& request, RawConnection& connection) {
     if (request.method == "POST") {
       connection.Reset();
@@ -180,7 +179,7 @@ TEST_F(UploadTest, TransferThatBreaksOffIsAFailure) {
   EXPECT_THAT(outcome.out, EndsWith("\nresult url  http://r/no\n"));
 }
 
-TEST_F(UploadTest, OtherNumberOfFilesIsWrongUsageAndNothingIsSent) {
+TEST_F(UploadTest, SendsNothingForWrongNumberOfFiles) {
   const std::string file = MakeFile("a.qmf", "1");
   for (const int wanted : {0, 1, 3}) {
     const RawServer server(Service(wanted));
@@ -189,16 +188,16 @@ TEST_F(UploadTest, OtherNumberOfFilesIsWrongUsageAndNothingIsSent) {
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "stowra: " + server.Url("/config") + ": the configuration asks for " +
                                std::to_string(wanted) + (wanted == 1 ? " file" : " files") +
-                               "; 2 were given\n");
+                               ", but 2 were given\n");
     EXPECT_EQ(server.requests().size(), 1U);
   }
   const RawServer server(Service(2));
-  EXPECT_EQ(
-      RunStowra(Command(server, {file})).err,
-      "stowra: " + server.Url("/config") + ": the configuration asks for 2 files; 1 was given\n");
+  EXPECT_EQ(RunStowra(Command(server, {file})).err,
+            "stowra: " + server.Url("/config") +
+                ": the configuration asks for 2 files, but 1 was given\n");
 }
 
-TEST_F(UploadTest, FileThatIsMissingIsWrongUsageAndNothingIsAsked) {
+TEST_F(UploadTest, SendsNoRequestForMissingFile) {
   const RawServer server(Service(2));
   const std::string missing = MakeFile("a.qmf", "1") + ".not";
   const Outcome outcome = RunStowra(Command(server, {MakeFile("a.qmf", "1"), missing}));
@@ -207,7 +206,7 @@ TEST_F(UploadTest, FileThatIsMissingIsWrongUsageAndNothingIsAsked) {
   EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(UploadTest, ConfigurationThatFailsEndsIt) {
+TEST_F(UploadTest, StopsWhenConfigurationFails) {
   const std::string file = MakeFile("a.qmf", "1");
   const RawServer refusing(Always(Response(503, "")));
   EXPECT_EQ(RunStowra(Command(refusing, {file})).status, 4);
@@ -215,20 +214,20 @@ TEST_F(UploadTest, ConfigurationThatFailsEndsIt) {
   EXPECT_EQ(RunStowra(Command(useless, {file})).status, 5);
 }
 
-TEST_F(UploadTest, WarnsOfANameThatEndsEarly) {
+TEST_F(UploadTest, WarnsOfFileNameThatMayBeCut) {
   const RawServer server(Service(1));
   const std::string quoted = MakeFile("a\"b.qmf", "1");
   const Outcome outcome = RunStowra(Command(server, {quoted}));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "stowra: warning: " + quoted +
-                             ": a quotation mark in the file name ends the name there\n");
+                             ": a server may cut the file name at its quotation mark\n");
   const Outcome broken = RunStowra(Command(server, {MakeFile("a\nb.qmf", "1")}));
-  EXPECT_THAT(broken.err, EndsWith("/a\uFFFDb.qmf: a line break in the file name ends the name "
-                                   "there\n"));
+  EXPECT_THAT(broken.err,
+              EndsWith("/a\uFFFDb.qmf: a server may cut the file name at its line break\n"));
   EXPECT_EQ(server.requests().size(), 4U) << "both are sent all the same";
 }
 
-TEST_F(UploadTest, WarnsOfANameThatIsNotUtf8) {
+TEST_F(UploadTest, WarnsOfFileNameThatIsNotUtf8) {
   const RawServer server(Service(1));
   const Outcome outcome = RunStowra(Command(server, {MakeFile("a\xFF.qmf", "1")}));
   EXPECT_EQ(outcome.status, 0);
@@ -238,18 +237,18 @@ TEST_F(UploadTest, WarnsOfANameThatIsNotUtf8) {
   EXPECT_EQ(request.body, ExpectedBody(request, "a\uFFFD.qmf", "1", false));
 }
 
-TEST_F(UploadTest, WarnsOfAFileThatIsNotZipped) {
+TEST_F(UploadTest, WarnsOfFileThatIsNotZipped) {
   const RawServer server(Service(2));
   const std::string file = MakeFile("b.qmf", "1");
   EXPECT_THAT(RunStowra(Command(server, {file, file})).err,
               HasSubstr("stowra: warning: " + file +
-                        ": the configuration asks for a zipped file, and this is none\n"));
+                        ": the configuration asks for a zip file, but this is not one\n"));
   const std::string zip = MakeFile("b.zip", "PK1");
   EXPECT_THAT(RunStowra(Command(server, {file, zip})).err, testing::Not(HasSubstr("zipped")));
 }
 
-TEST_F(UploadTest, WarnsOfTheBoundaryInTheFile) {
-  // Those of ten minutes from now on.
+TEST_F(UploadTest, WarnsOfBoundaryInFile) {
+  // The boundaries of the next ten minutes.
   std::string boundaries;
   const std::time_t now = std::time(nullptr);
   for (int second = 0; second < 600; ++second) boundaries += BoundaryOf(now + second) + "\r\n";
@@ -257,11 +256,12 @@ TEST_F(UploadTest, WarnsOfTheBoundaryInTheFile) {
   const std::string file = MakeFile("a.qmf", boundaries);
   const Outcome outcome = RunStowra(Command(server, {file}));
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "stowra: warning: " + file + ": the file holds the boundary " +
-                             BoundaryOf(server.requests()[1]) + " and may end there\n");
+  EXPECT_EQ(outcome.err, "stowra: warning: " + file + ": the file contains the boundary " +
+                             BoundaryOf(server.requests()[1]) +
+                             ", and a server may cut it there\n");
 }
 
-TEST_F(UploadTest, WarnsOfTheSecondBoundaryWithinASecond) {
+TEST_F(UploadTest, WarnsOfRepeatedBoundary) {
   const RawServer server(Service(9));
   std::vector<std::string> files;
   for (int i = 0; i < 9; ++i) files.push_back(MakeFile(std::to_string(i) + ".qmf", "PK"));
@@ -272,15 +272,16 @@ TEST_F(UploadTest, WarnsOfTheSecondBoundaryWithinASecond) {
   std::string expected;
   for (std::size_t i = 1; i < files.size(); ++i) {
     if (BoundaryOf(requests[i + 1]) != BoundaryOf(requests[i])) continue;
-    expected += "stowra: warning: " + files[i] +
-                ": the boundary is that of the file before, since both were made within one "
-                "second\n";
+    expected +=
+        "stowra: warning: " + files[i] +
+        ": the boundary is the same as for the previous file, because both were made within "
+        "one second\n";
   }
   EXPECT_NE(expected, "");
   EXPECT_EQ(outcome.err, expected);
 }
 
-TEST_F(UploadTest, EmulatorTakesIt) {
+TEST_F(UploadTest, UploadsToTheEmulator) {
   const EmulatorProcess emulator;
   const std::string file = MakeFile("chair.qmf", std::string("\0\r\n\xFF", 4));
   const Outcome outcome = RunStowra(

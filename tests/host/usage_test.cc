@@ -19,7 +19,7 @@ const UsageCase kWrongUsages[] = {
     {{"nonsense"}, "nonsense"},
     {{"--json"}, "--json"},
     {{"user-info"}, "URL is required (see stowra user-info --help)"},
-    {{"user-info", ""}, "URL"},
+    {{"user-info", ""}, "must not be empty (see stowra user-info --help)"},
     {{"user-info", kUrl, "more"}, "more"},
     {{"user-info", kUrl, "--nonsense"}, "--nonsense"},
     {{"user-info", kUrl, "update", kUrl}, "update"},
@@ -29,6 +29,8 @@ const UsageCase kWrongUsages[] = {
     {{"update", kUrl, "--timeout", "-1"}, "'-1' is not a number of seconds"},
     {{"update", kUrl, "--timeout", "nan"}, "'nan' is not a number of seconds"},
     {{"update", kUrl, "--timeout", "inf"}, "'inf' is not a number of seconds"},
+    {{"update", kUrl, "--timeout", "1000001"},
+     "'1000001' is not a number of seconds above 0 and up to 1000000"},
     {{"update", kUrl, "--header"}, "--header"},
     {{"update", kUrl, "--header", "no colon"}, "'no colon' is not of the form"},
     {{"update", kUrl, "--header", " : no name"}, "is not of the form"},
@@ -58,7 +60,7 @@ const UsageCase kWrongUsages[] = {
     {{"demo", kUrl, "more"}, "more"},
 };
 
-TEST(UsageTest, WrongUsageIsOneLineAndStatusTwo) {
+TEST(UsageTest, ReportsWrongUsageInOneLine) {
   for (const auto& [arguments, message] : kWrongUsages) {
     const Outcome outcome = RunStowra(arguments);
     EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
@@ -96,7 +98,7 @@ TEST(UsageTest, HelpBeginsWithExamples) {
   }
 }
 
-TEST(UsageTest, HelpListsTheCommandsAndTheirOptions) {
+TEST(UsageTest, HelpListsCommandsAndOptions) {
   const std::string help = RunStowra({"--help"}).out;
   for (const char* command : {"user-info", "update", "extensions"}) {
     EXPECT_THAT(help, HasSubstr(std::string("\n  ") + command));
@@ -122,15 +124,14 @@ TEST(UsageTest, HelpListsTheCommandsAndTheirOptions) {
   EXPECT_THAT(RunStowra({"download", "--help"}).out, HasSubstr("--output"));
 }
 
-TEST(UsageTest, HelpSaysWhatTheAddressIs) {
+TEST(UsageTest, HelpExplainsTheUrl) {
   for (const char* command : {"upload", "upload-config"}) {
-    EXPECT_THAT(RunStowra({command, "--help"}).out,
-                HasSubstr("Address of the upload configuration"));
+    EXPECT_THAT(RunStowra({command, "--help"}).out, HasSubstr("URL of the upload configuration"));
   }
-  EXPECT_THAT(RunStowra({"search", "--help"}).out, HasSubstr("Address of the service"));
+  EXPECT_THAT(RunStowra({"search", "--help"}).out, HasSubstr("URL of the service"));
 }
 
-TEST(UsageTest, VersionIsThatOfTheLibrary) {
+TEST(UsageTest, PrintsVersionOfTheLibrary) {
   const Outcome outcome = RunStowra({"--version"});
   EXPECT_EQ(outcome.status, 0);
   const std::string number = std::to_string(static_cast<int>(CommonStowraapiVersionNumber));
@@ -139,7 +140,7 @@ TEST(UsageTest, VersionIsThatOfTheLibrary) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST(UsageTest, ResultThatCannotBeWrittenIsSaid) {
+TEST(UsageTest, ReportsStandardOutputThatCannotBeWritten) {
   Start start;
   start.arguments = {"-c", "exec \"$0\" --version >&-", kStowra};
   const Outcome outcome = RunProgram("/bin/sh", start);

@@ -8,7 +8,7 @@ using testing::HasSubstr;
 class UserInfoTest : public InBothModes {};
 IN_BOTH_MODES(UserInfoTest);
 
-TEST_P(UserInfoTest, PrintsTheUserAsATable) {
+TEST_P(UserInfoTest, PrintsUserAsTable) {
   const EmulatorProcess emulator;
   const Outcome outcome = RunInMode({"user-info", emulator.url() + "/user-info"});
   EXPECT_EQ(outcome.status, 0);
@@ -20,7 +20,7 @@ TEST_P(UserInfoTest, PrintsTheUserAsATable) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST_P(UserInfoTest, PrintsTheUserAsJson) {
+TEST_P(UserInfoTest, PrintsUserAsJson) {
   const EmulatorProcess emulator;
   const Outcome outcome = RunInMode({"user-info", emulator.url() + "/user-info", "--json"});
   EXPECT_EQ(outcome.status, 0);
@@ -30,21 +30,21 @@ TEST_P(UserInfoTest, PrintsTheUserAsJson) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST_P(UserInfoTest, MissingDisplayNameIsEmpty) {
+TEST_P(UserInfoTest, AcceptsMissingDisplayName) {
   const RawServer server(Replies(R"({"uid":"u","email":"e","vkr_id":""})"));
   const Outcome outcome = RunInMode({"user-info", server.Url(), "--json"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "{\"uid\":\"u\",\"displayname\":\"\",\"email\":\"e\",\"vkr_id\":\"\"}\n");
 }
 
-TEST_P(UserInfoTest, VerbosePrintsTheNotification) {
+TEST_P(UserInfoTest, PrintsNotificationWhenVerbose) {
   const EmulatorProcess emulator;
   const Outcome outcome = RunInMode({"user-info", emulator.url() + "/user-info", "--verbose"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "notification UserInfoUpdated\n");
 }
 
-TEST_P(UserInfoTest, FailureEndsThoughNothingIsPosted) {
+TEST_P(UserInfoTest, ReportsFailureThatIsNotPosted) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/user-info?fault=status:503";
   const Outcome outcome = RunInMode({"user-info", url, "-v"});
@@ -53,13 +53,13 @@ TEST_P(UserInfoTest, FailureEndsThoughNothingIsPosted) {
   EXPECT_EQ(outcome.err, "stowra: " + url + ": HTTP status 503\n");
 }
 
-TEST_P(UserInfoTest, SaysWhatIsWrongWithTheResponse) {
+TEST_P(UserInfoTest, ReportsWhatIsWrongWithTheResponse) {
   const struct {
     const char* body;
     const char* fault;
   } cases[] = {
       {"", "it is empty"},
-      {"{\"uid\":", "it is not JSON that can be read"},
+      {"{\"uid\":", "it cannot be read as JSON"},
       {"[]", "it lacks uid, email, vkr_id"},
       {R"({"uid":"u","email":"e"})", "it lacks vkr_id"},
       {R"({"email":"e","vkr_id":"v"})", "it lacks uid"},
@@ -75,7 +75,7 @@ TEST_P(UserInfoTest, SaysWhatIsWrongWithTheResponse) {
 }
 
 // A terminal would obey them.
-TEST_P(UserInfoTest, ControlCharactersFromTheServerAreReplaced) {
+TEST_P(UserInfoTest, ReplacesControlCharactersFromTheServer) {
   const RawServer server(
       Replies(R"({"uid":"\u001b[2J","displayname":"a\nb","email":"\u009bx","vkr_id":"\u2028"})"));
   const Outcome outcome = RunInMode({"user-info", server.Url()});
