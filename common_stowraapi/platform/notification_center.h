@@ -1,4 +1,4 @@
-// Named notifications from any part of the process to any other.
+// Sends named notifications within the process.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFICATION_CENTER_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFICATION_CENTER_H_
@@ -12,30 +12,32 @@ namespace ovrant {
 class NotificationRegistry;
 }  // namespace ovrant
 
-// Maps names, matched by content, to observers, which it does not own. Safe from any thread, and
-// from inside OnNotification; holds no lock while it calls an observer.
+// Sends notifications to the observers that are registered for their names. Owns no observer and
+// compares names by content. Every function is safe from any thread and from inside OnNotification.
+// No lock is held while an observer is called. Sending and removing need no memory.
 class STOWRA_EXPORT CNotificationCenter {
  public:
-  // The one center of the process. Never null and never destroyed, so that it also serves static
-  // destructors.
+  // The only center of the process, never null. It is never destroyed, so static destructors may
+  // use it. The first call throws std::bad_alloc if memory runs out.
   static CNotificationCenter* Default();
 
   CNotificationCenter(const CNotificationCenter&) = delete;
   CNotificationCenter& operator=(const CNotificationCenter&) = delete;
 
-  // Registers `observer` for `name`; a second time has no effect, and null arguments have none. A
-  // delivery of that name that is under way does not call it. std::bad_alloc leaves the center as
-  // it was.
+  // Registers `observer` for `name`, which is copied. Does nothing if the pair is registered
+  // already or if an argument is null. Deliveries that have begun do not call the observer. Throws
+  // std::bad_alloc if memory runs out, and then the center is unchanged.
   void AddObserver(const char* name, ovrant::IObserver* observer);
 
-  // Removes `observer` from every name; safe if it has none. On return it is not called again, and
-  // a call under way on another thread has ended. From inside a delivery the call does not wait for
-  // that other thread, so that two threads never wait for each other.
+  // Removes `observer` from every name. Does nothing if it has none or is null. On return it is not
+  // called again, and calls to it on other threads have ended. So hold no lock that the observer
+  // takes. Inside a delivery the function does not wait for other threads. Two threads that remove
+  // each other's observers would otherwise wait forever.
   void RemoveObserver(ovrant::IObserver* observer);
 
   // Calls OnNotification(name, payload) on this thread for each observer of `name`, in order of
-  // registration. An exception that an observer throws passes through; the observers after it are
-  // not called.
+  // registration. `name` must stay valid until the function returns. A null name does nothing. If
+  // an observer throws, the exception passes through and the later observers are not called.
   void SendNotification(const char* name, void* payload);
 
  private:

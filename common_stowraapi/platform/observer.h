@@ -1,4 +1,4 @@
-// Receivers of notifications.
+// The interface of observers of notifications.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_OBSERVER_H_
 #define COMMON_STOWRAAPI_PLATFORM_OBSERVER_H_
@@ -7,21 +7,22 @@
 
 namespace ovrant {
 
-// A payload that only the host knows how to read.
+// A payload that only the host can read.
 class Dictionary;
 
-// Receives the notifications for which CNotificationCenter::AddObserver registered it. The center
-// does not own it: remove it there before it is destroyed. The order of the virtual functions is
-// part of the binary interface.
+// Receives notifications once CNotificationCenter::AddObserver has registered it. The center does
+// not own it. Call RemoveObserver before or in its destructor. The order of the virtual functions
+// is part of the binary interface.
 class STOWRA_EXPORT IObserver {
  public:
   virtual ~IObserver() = default;
 
-  // Called on the thread that sends. `name` is to be compared by content; both arguments are the
-  // sender's and valid for the call. May add and remove observers, itself included, and send.
+  // Runs on the thread that sends. Several threads may call it at once. Compare `name` by content,
+  // not by address. `name` is never null, and `payload` may be null. The sender owns both, so keep
+  // neither. The function may add, remove and delete observers, itself included, and may send.
   virtual void OnNotification(const char* name, void* payload) = 0;
 
-  // The same with a dictionary, whose address becomes the payload.
+  // Passes the dictionary's address on as the payload.
   virtual void OnNotification(const char* name, const Dictionary& payload) {
     OnNotification(name, const_cast<void*>(static_cast<const void*>(&payload)));
   }

@@ -1,6 +1,8 @@
-// Notifications.
+// Notifications without memory.
 
 #include <gtest/gtest.h>
+
+#include <cstddef>
 
 #include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/platform/observer.h"
@@ -33,7 +35,7 @@ int CallsOf(CountingObserver& observer) {
   return observer.calls;
 }
 
-TEST(NotificationAllocationTest, AFailedAdditionLeavesTheCenterAsItWas) {
+TEST(NotificationAllocationTest, FailedAddLeavesTheCenterAsItWas) {
   for (const bool name_is_new : {true, false}) {
     CountingObserver neighbour;
     if (!name_is_new) Center().AddObserver(kName, &neighbour);
@@ -53,7 +55,7 @@ TEST(NotificationAllocationTest, AFailedAdditionLeavesTheCenterAsItWas) {
   }
 }
 
-TEST(NotificationAllocationTest, AFailedSecondAdditionKeepsTheFirst) {
+TEST(NotificationAllocationTest, FailedAddKeepsTheObserversOtherNames) {
   struct Added {
     Added() { Center().AddObserver(kName, &observer); }
     CountingObserver observer;
@@ -66,7 +68,43 @@ TEST(NotificationAllocationTest, AFailedSecondAdditionKeepsTheFirst) {
             2);
 }
 
-TEST(NotificationAllocationTest, SendingAndRemovingNeedNoMemory) {
+// Adds and removes another observer many times inside one notification.
+class Churn final : public ovrant::IObserver {
+ public:
+  ~Churn() override { Center().RemoveObserver(this); }
+
+  using ovrant::IObserver::OnNotification;
+  void OnNotification(const char* name, void* /*payload*/) override {
+    const MemoryWatch watch;
+    for (int i = 0; i < 200'000; ++i) {
+      Center().AddObserver(name, &passing_);
+      Center().RemoveObserver(&passing_);
+    }
+    blocks_left = watch.blocks();
+#ifdef STOWRA_COUNTS_MEMORY
+    bytes_left = watch.live();
+#endif
+  }
+
+  long blocks_left = -1;
+  std::size_t bytes_left = 0;
+
+ private:
+  CountingObserver passing_;
+};
+
+TEST(NotificationAllocationTest, PassingObserversLeaveNoMemoryInADelivery) {
+  CountingObserver neighbour;
+  Churn churn;
+  Center().AddObserver(kName, &churn);
+  Center().AddObserver(kName, &neighbour);
+  Center().SendNotification(kName, nullptr);
+  EXPECT_EQ(churn.blocks_left, 0);
+  EXPECT_EQ(churn.bytes_left, 0U);
+  EXPECT_EQ(neighbour.calls, 1);
+}
+
+TEST(NotificationAllocationTest, SendAndRemoveNeedNoMemory) {
   struct Crowd {
     Crowd() {
       for (CountingObserver& observer : observers) Center().AddObserver(kName, &observer);

@@ -1,4 +1,4 @@
-// The end of somebody's wish to be called.
+// Lets an object stop callbacks into itself and wait for those that are running.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_GATE_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_GATE_H_
@@ -10,18 +10,18 @@
 
 namespace ovrant::internet {
 
-// Stands between a thread that calls host code on behalf of an object and the thread that ends that
-// object. Calls are made between Enter and Leave; after Close there are no more of them. Safe from
-// any thread.
+// Guards the calls of host code that are made for one object. A caller makes each call between
+// Enter and Leave. The object's destructor calls Close. Safe from any thread.
 class DeliveryGate {
  public:
-  // True when the gate is open: Leave must follow. `first` is run then, with the gate's lock held,
-  // so that Close never returns in the middle of it.
+  // Returns false if the gate is closed. Otherwise runs `first`, if given, and returns true. Leave
+  // must follow then. `first` runs under the gate's lock, so even a Close that does not wait for
+  // calls waits for it. An exception from it passes through, and Leave must not follow.
   bool Enter(const std::function<void()>& first = nullptr);
   void Leave();
 
-  // Shuts the gate for good, then waits for the calls that are inside; inside a delivery
-  // (DeliveryScope) it does not wait. Closing twice is harmless.
+  // Closes the gate for good and waits for the calls that are running. Does not wait for them
+  // inside a DeliveryScope. May be called again.
   void Close();
 
   bool IsClosed() const { return closed_; }
@@ -29,7 +29,7 @@ class DeliveryGate {
  private:
   std::mutex mutex_;
   std::condition_variable all_left_;
-  std::atomic<bool> closed_{false};  // set under the lock
+  std::atomic<bool> closed_{false};  // set under the mutex
   int inside_ = 0;
 };
 

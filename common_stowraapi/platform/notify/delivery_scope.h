@@ -1,12 +1,12 @@
-// Whether the current thread is inside a delivery to the host.
+// Tells whether the current thread is inside a call of host code.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_SCOPE_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_SCOPE_H_
 
 namespace ovrant {
 
-// Lives on the stack around each call of host code. What would otherwise wait for calls under way
-// on other threads does not wait inside one, so that two threads never wait for each other.
+// Lives on the stack around each call of host code. Inside one, removals and destructors do not
+// wait for calls on other threads. So two threads never wait for each other.
 class DeliveryScope {
  public:
   DeliveryScope();
@@ -15,7 +15,7 @@ class DeliveryScope {
   DeliveryScope(const DeliveryScope&) = delete;
   DeliveryScope& operator=(const DeliveryScope&) = delete;
 
-  // Whether the calling thread is inside a scope.
+  // True if the calling thread has a scope.
   static bool IsInside();
 
  private:

@@ -1,4 +1,4 @@
-// A function that the host has set and may replace at any moment.
+// A function that the host sets and may replace at any time.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_HOST_FUNCTION_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_HOST_FUNCTION_H_
@@ -14,28 +14,27 @@
 
 namespace ovrant::internet {
 
-// One function as the host set it.
+// One function that the host has set.
 template <typename... Args>
 class SetFunction {
  public:
   explicit SetFunction(std::function<void(Args...)> function) : function_(std::move(function)) {}
 
-  // False when the function has been replaced: it was not called, and the arguments are untouched.
-  // What it throws goes no further.
+  // Calls the function and swallows its exceptions. Returns false if the function has been
+  // replaced. Then nothing was called, and the arguments are unchanged.
   bool Call(Args&&... args) {
     if (!gate_.Enter()) return false;
     try {
       const DeliveryScope scope;
       function_(std::forward<Args>(args)...);
-    } catch (
-        ...) {  // NOLINT(bugprone-empty-catch): the host's own failure, which is not the transfer's
+    } catch (...) {  // NOLINT(bugprone-empty-catch): must not fail the transfer
     }
     gate_.Leave();
     return true;
   }
 
-  // On return no other thread is inside the function, and it has been destroyed: its code may be
-  // unloaded. Inside a delivery, where nobody waits, it goes with the last transfer that knows it.
+  // Waits for calls on other threads, then destroys the function, so its code may be unloaded.
+  // Inside a delivery it does not wait, and the last owner of this object destroys the function.
   void Close() {
     gate_.Close();
     if (!DeliveryScope::IsInside()) function_ = nullptr;
@@ -46,14 +45,14 @@ class SetFunction {
   DeliveryGate gate_;
 };
 
-// The place where it is set. Safe from any thread.
+// Holds the function that is set now. Safe from any thread.
 template <typename... Args>
 class HostFunction {
  public:
   using Set = SetFunction<Args...>;
 
-  // On return the function before is not running on another thread and has been destroyed, unless
-  // this is called inside a delivery.
+  // Sets `function`, or none if it is empty, and closes the old one. Throws std::bad_alloc if
+  // memory runs out, and then the old function stays.
   void Replace(std::function<void(Args...)> function) {
     auto next = function ? std::make_shared<Set>(std::move(function)) : nullptr;
     {
@@ -64,7 +63,7 @@ class HostFunction {
     if (next) next->Close();
   }
 
-  // Null when none is set.
+  // Null if none is set.
   std::shared_ptr<Set> Current() const {
     if (!is_set_) return nullptr;
     const std::lock_guard<std::mutex> lock(mutex_);

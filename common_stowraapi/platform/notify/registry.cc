@@ -1,51 +1,58 @@
 #include "common_stowraapi/platform/notify/registry.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <iterator>
-
 #include "common_stowraapi/platform/notify/delivery_scope.h"
 
 namespace ovrant {
 
-namespace {
-
-// Undoes its work at the end of the scope, whichever way it is left.
-template <typename Function>
-class AtExit {
+// A call of an observer. Lives on the caller's stack, in the registry's list of calls. Releases the
+// lock for its lifetime.
+class NotificationRegistry::Call {
  public:
-  explicit AtExit(Function function) : function_(function) {}
-  ~AtExit() { function_(); }
+  Call(NotificationRegistry& registry, std::unique_lock<std::mutex>& lock,
+       const IObserver* observer)
+      : registry_(registry), lock_(lock), observer_(observer), next_(registry.calls_) {
+    registry_.calls_ = this;
+    lock_.unlock();
+  }
+  ~Call() {
+    lock_.lock();
+    Call** link = &registry_.calls_;
+    while (*link != this) link = &(*link)->next_;
+    *link = next_;
+    registry_.call_ended_.notify_all();
+  }
 
-  AtExit(const AtExit&) = delete;
-  AtExit& operator=(const AtExit&) = delete;
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+
+  const IObserver* observer() const { return observer_; }
+  const Call* next() const { return next_; }
 
  private:
-  const Function function_;
+  NotificationRegistry& registry_;
+  std::unique_lock<std::mutex>& lock_;
+  const IObserver* const observer_;
+  Call* next_;
+  const DeliveryScope scope_;
 };
-
-}  // namespace
 
 void NotificationRegistry::Add(const char* name, IObserver* observer) {
   const std::lock_guard<std::mutex> lock(mutex_);
   auto found = topics_.find(name);
   if (found == topics_.end()) {
-    auto topic = std::make_unique<Topic>();
+    const auto topic = std::make_shared<Topic>();
     topic->name = name;
-    const std::string_view key = topic->name;
-    found = topics_.emplace(key, std::move(topic)).first;
+    found = topics_.emplace(topic->name, topic).first;
   }
   Topic& topic = *found->second;
-  const AtExit drop_after_failure([this, &topic] { DropIfUnused(topic); });
-
-  const auto [registration, is_new] =
-      registrations_.try_emplace({observer, &topic}, topic.observers.end());
-  if (!is_new) return;
+  const Serial serial = last_serial_ + 1;
   try {
-    registration->second = topic.observers.insert(topic.observers.end(), observer);
+    if (!registrations_.try_emplace({observer, &topic}, serial).second) return;
+    topic.observers.emplace_hint(topic.observers.end(), serial, observer);
+    last_serial_ = serial;
   } catch (...) {
-    registrations_.erase(registration);
+    registrations_.erase({observer, &topic});
+    DropIfUnused(topic);
     throw;
   }
 }
@@ -54,121 +61,40 @@ void NotificationRegistry::Remove(IObserver* observer) {
   std::unique_lock<std::mutex> lock(mutex_);
   auto registration = registrations_.lower_bound({observer, nullptr});
   while (registration != registrations_.end() && registration->first.first == observer) {
-    RemoveFromTopic(*registration->first.second, registration->second);
+    Topic& topic = *registration->first.second;
+    topic.observers.erase(registration->second);
     registration = registrations_.erase(registration);
+    DropIfUnused(topic);
   }
   if (DeliveryScope::IsInside()) return;
-  ++waiting_removals_;
   call_ended_.wait(lock, [this, observer] { return !IsBeingCalled(observer); });
-  --waiting_removals_;
 }
 
 void NotificationRegistry::Send(const char* name, void* payload) {
   std::unique_lock<std::mutex> lock(mutex_);
-  Topic* const topic = Find(name);
-  if (topic == nullptr) return;
-  if (topic->observers.size() > 1) {
-    Deliver(*topic, name, payload, lock);
-  } else if (IObserver* const observer = topic->observers.front()) {
-    // Whatever becomes of the topic meanwhile, nothing of it is needed afterwards.
-    CallObserver(observer, name, payload, lock);
-  }
-}
-
-NotificationRegistry::Topic* NotificationRegistry::Find(const char* name) {
-  const auto address = reinterpret_cast<std::uintptr_t>(name);
-  Topic*& before = found_before_[address / sizeof(void*) % found_before_.size()];
-  if (before != nullptr && std::strcmp(before->name.c_str(), name) == 0) return before;
   const auto found = topics_.find(name);
-  if (found == topics_.end()) return nullptr;
-  before = found->second.get();
-  return before;
-}
-
-void NotificationRegistry::Deliver(Topic& topic, const char* name, void* payload,
-                                   std::unique_lock<std::mutex>& lock) {
-  // Those added from now on stand behind this one.
-  const auto last = std::prev(topic.observers.end());
-  ++topic.deliveries;
-  const AtExit end_delivery([this, &topic, &lock] {
-    if (!lock.owns_lock()) lock.lock();
-    EndDelivery(topic);
-  });
-  for (auto position = topic.observers.begin();; ++position) {
-    if (*position != nullptr) {
-      CallObserver(*position, name, payload, lock);
-      lock.lock();
+  if (found == topics_.end()) return;
+  // An observer may remove the last registration, which drops the topic from the table.
+  const std::shared_ptr<const Topic> topic = found->second;
+  const Serial last = last_serial_;
+  auto next = topic->observers.begin();
+  while (next != topic->observers.end() && next->first <= last) {
+    const auto [serial, observer] = *next;
+    {
+      const Call call(*this, lock, observer);
+      observer->OnNotification(name, payload);
     }
-    if (position == last) return;
+    next = topic->observers.upper_bound(serial);
   }
 }
 
-void NotificationRegistry::CallObserver(IObserver* observer, const char* name, void* payload,
-                                        std::unique_lock<std::mutex>& lock) {
-  Call call = {observer, nullptr, nullptr};
-  BeginCall(call);
-  lock.unlock();
-  const AtExit end_call([this, &call] { EndCall(call); });
-  const DeliveryScope scope;
-  observer->OnNotification(name, payload);
-}
-
-void NotificationRegistry::EndDelivery(Topic& topic) {
-  if (--topic.deliveries > 0 || !topic.has_gaps) return;
-  topic.observers.remove(nullptr);
-  topic.has_gaps = false;
-  DropIfUnused(topic);
-}
-
-void NotificationRegistry::BeginCall(Call& call) {
-  for (std::atomic<IObserver*>& slot : slots_) {
-    // What the last call in the slot did is passed on with it to whoever waits for that call.
-    if (slot.load(std::memory_order_acquire) == nullptr) {
-      call.slot = &slot;
-      slot.store(call.observer, std::memory_order_relaxed);
-      return;
-    }
-  }
-  call.next = calls_;
-  calls_ = &call;
-}
-
-// Either this sees that a removal waits, or the removal sees that the slot is free: each writes
-// before it reads, in one order for all threads.
-void NotificationRegistry::EndCall(Call& call) {
-  if (call.slot != nullptr) {
-    *call.slot = nullptr;
-    if (waiting_removals_ == 0) return;
-  }
-  const std::lock_guard<std::mutex> lock(mutex_);
-  if (call.slot == nullptr) {
-    Call** link = &calls_;
-    while (*link != &call) link = &(*link)->next;
-    *link = call.next;
-  }
-  if (waiting_removals_ > 0) call_ended_.notify_all();
-}
-
-void NotificationRegistry::RemoveFromTopic(Topic& topic, Observers::iterator position) {
-  if (topic.deliveries > 0) {
-    *position = nullptr;
-    topic.has_gaps = true;
-  } else {
-    topic.observers.erase(position);
-    DropIfUnused(topic);
-  }
-}
-
-void NotificationRegistry::DropIfUnused(Topic& topic) {
-  if (!topic.observers.empty() || topic.deliveries > 0) return;
-  std::replace(found_before_.begin(), found_before_.end(), &topic, static_cast<Topic*>(nullptr));
-  topics_.erase(topics_.find(topic.name));
+void NotificationRegistry::DropIfUnused(const Topic& topic) {
+  if (topic.observers.empty()) topics_.erase(topics_.find(topic.name));
 }
 
 bool NotificationRegistry::IsBeingCalled(const IObserver* observer) const {
-  if (std::find(slots_.begin(), slots_.end(), observer) != slots_.end()) return true;
-  for (const Call* call = calls_; call != nullptr; call = call->next) {
-    if (call->observer == observer) return true;
+  for (const Call* call = calls_; call != nullptr; call = call->next()) {
+    if (call->observer() == observer) return true;
   }
   return false;
 }

@@ -1,13 +1,10 @@
-// Who observes what, and which calls are under way.
+// Which observers are registered, and which of them are being called.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_REGISTRY_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_REGISTRY_H_
 
-#include <array>
-#include <atomic>
 #include <condition_variable>
-#include <cstddef>
-#include <list>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -20,8 +17,8 @@
 
 namespace ovrant {
 
-// Behind CNotificationCenter, whose promises it keeps. The lock guards every member, except that a
-// call ends without it; it is never held during a call of an observer.
+// Keeps the promises of CNotificationCenter. The mutex guards every member. It is never held while
+// an observer is called.
 class NotificationRegistry {
  public:
   void Add(const char* name, IObserver* observer);
@@ -29,51 +26,29 @@ class NotificationRegistry {
   void Send(const char* name, void* payload);
 
  private:
-  using Observers = std::list<IObserver*>;
+  // Numbers all registrations in their order.
+  using Serial = std::uint64_t;
 
-  // The observers of one name in order of registration. While deliveries run, a removal leaves a
-  // null in place, so that what they hold stays true; the last delivery to end closes the gaps.
   struct Topic {
     std::string name;
-    Observers observers;
-    int deliveries = 0;
-    bool has_gaps = false;
+    std::map<Serial, IObserver*> observers;
   };
 
-  // A call under way: in a slot, or where all are taken in the list of such calls, on the stack of
-  // the thread that makes it.
-  struct Call {
-    IObserver* observer;
-    std::atomic<IObserver*>* slot;
-    Call* next;
-  };
+  class Call;
 
-  Topic* Find(const char* name);
-  void Deliver(Topic& topic, const char* name, void* payload, std::unique_lock<std::mutex>& lock);
-  void CallObserver(IObserver* observer, const char* name, void* payload,
-                    std::unique_lock<std::mutex>& lock);
-  void EndDelivery(Topic& topic);
-  void BeginCall(Call& call);
-  void EndCall(Call& call);
-  void RemoveFromTopic(Topic& topic, Observers::iterator position);
-  void DropIfUnused(Topic& topic);
+  void DropIfUnused(const Topic& topic);
   bool IsBeingCalled(const IObserver* observer) const;
 
   std::mutex mutex_;
   std::condition_variable call_ended_;
-  std::atomic<std::size_t> waiting_removals_{0};
 
-  // Each key is a view of its topic's name.
-  std::unordered_map<std::string_view, std::unique_ptr<Topic>> topics_;
+  // Holds the topics that have observers. Each key is a view of its topic's name.
+  std::unordered_map<std::string_view, std::shared_ptr<Topic>> topics_;
 
-  // What was found for the names at some addresses, where it saves the hashing: most names are
-  // constants. Null, or a topic; what is at an address now has yet to be compared with its name.
-  std::array<Topic*, 64> found_before_{};
+  // Finds all registrations of one observer.
+  std::map<std::pair<IObserver*, Topic*>, Serial> registrations_;
 
-  // Where each observer stands in each of its topics; all of one observer's side by side.
-  std::map<std::pair<IObserver*, Topic*>, Observers::iterator> registrations_;
-
-  std::array<std::atomic<IObserver*>, 16> slots_{};
+  Serial last_serial_ = 0;
   Call* calls_ = nullptr;
 };
 

@@ -30,7 +30,7 @@ TEST(DeliveryGate, IsOpenUntilItIsClosed) {
   EXPECT_FALSE(gate.Enter());
 }
 
-TEST(DeliveryGate, RunsTheFirstFunctionOnlyWhereItIsOpen) {
+TEST(DeliveryGate, RunsTheFunctionOnlyWhenOpen) {
   DeliveryGate gate;
   int runs = 0;
   EXPECT_TRUE(gate.Enter([&runs] { ++runs; }));
@@ -40,7 +40,7 @@ TEST(DeliveryGate, RunsTheFirstFunctionOnlyWhereItIsOpen) {
   EXPECT_EQ(runs, 1);
 }
 
-TEST(DeliveryGate, CloseWaitsForEveryoneInside) {
+TEST(DeliveryGate, CloseWaitsForAllCalls) {
   DeliveryGate gate;
   ASSERT_TRUE(gate.Enter());
   ASSERT_TRUE(gate.Enter());
@@ -59,7 +59,7 @@ TEST(DeliveryGate, CloseWaitsForEveryoneInside) {
   closer.join();
 }
 
-TEST(DeliveryGate, CloseWaitsForTheFirstFunctionEvenInsideADelivery) {
+TEST(DeliveryGate, CloseInADeliveryStillWaitsForTheFunction) {
   DeliveryGate gate;
   Event entered;
   Event closed;
@@ -80,7 +80,7 @@ TEST(DeliveryGate, CloseWaitsForTheFirstFunctionEvenInsideADelivery) {
   EXPECT_FALSE(returned_too_early);
 }
 
-TEST(DeliveryGate, CloseInsideADeliveryDoesNotWait) {
+TEST(DeliveryGate, CloseInsideADeliveryDoesNotWaitForCalls) {
   DeliveryGate gate;
   ASSERT_TRUE(gate.Enter());
   {
@@ -91,7 +91,7 @@ TEST(DeliveryGate, CloseInsideADeliveryDoesNotWait) {
   gate.Leave();
 }
 
-TEST(DeliveryScope, HoldsForItsThreadAndNests) {
+TEST(DeliveryScope, CoversItsThreadAndNests) {
   EXPECT_FALSE(DeliveryScope::IsInside());
   {
     const DeliveryScope outer;
@@ -107,10 +107,10 @@ TEST(DeliveryScope, HoldsForItsThreadAndNests) {
   EXPECT_FALSE(DeliveryScope::IsInside());
 }
 
-TEST(DeliveryGate, NobodyIsInsideAfterCloseWhateverOtherThreadsDo) {
+TEST(DeliveryGate, NoCallIsRunningAfterClose) {
   for (int round = 0; round < 200; ++round) {
     DeliveryGate gate;
-    // Not atomic: only the gate keeps the threads apart.
+    // Not atomic, because the gate orders all accesses.
     int value = 0;
     std::vector<std::thread> threads;
     for (int i = 0; i < 2; ++i) {

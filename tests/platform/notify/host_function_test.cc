@@ -18,7 +18,7 @@ namespace {
 using ovrant::DeliveryScope;
 using ovrant::internet::HostFunction;
 
-TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyOne) {
+TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyFunction) {
   HostFunction<int> place;
   EXPECT_EQ(place.Current(), nullptr);
   place.Replace([](int) {});
@@ -27,7 +27,7 @@ TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyOne) {
   EXPECT_EQ(place.Current(), nullptr);
 }
 
-TEST(HostFunction, CallsWithTheArgumentsInsideADelivery) {
+TEST(HostFunction, PassesArgumentsInsideADelivery) {
   HostFunction<int, std::string> place;
   std::string seen;
   bool inside = false;
@@ -41,7 +41,7 @@ TEST(HostFunction, CallsWithTheArgumentsInsideADelivery) {
   EXPECT_FALSE(DeliveryScope::IsInside());
 }
 
-TEST(HostFunction, ReplacedOneIsDestroyedAtOnceThoughATransferKnowsIt) {
+TEST(HostFunction, ReplaceDestroysTheOldFunctionAtOnce) {
   HostFunction<> place;
   const auto held = std::make_shared<int>(0);
   place.Replace([held] { ++*held; });
@@ -52,7 +52,7 @@ TEST(HostFunction, ReplacedOneIsDestroyedAtOnceThoughATransferKnowsIt) {
   EXPECT_FALSE(known->Call());
 }
 
-TEST(HostFunction, ReplacedOneInsideItsOwnCallLivesToItsEnd) {
+TEST(HostFunction, FunctionReplacedInItsOwnCallLivesUntilItsEnd) {
   HostFunction<> place;
   const auto held = std::make_shared<int>(0);
   place.Replace([&place, held] {
@@ -64,7 +64,7 @@ TEST(HostFunction, ReplacedOneInsideItsOwnCallLivesToItsEnd) {
   EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST(HostFunction, ReplacedOneIsNotCalledAndLeavesTheArguments) {
+TEST(HostFunction, ReplacedFunctionDoesNotTakeTheArguments) {
   HostFunction<std::string> place;
   int calls = 0;
   place.Replace([&calls](const std::string&) { ++calls; });
@@ -76,17 +76,17 @@ TEST(HostFunction, ReplacedOneIsNotCalledAndLeavesTheArguments) {
   EXPECT_EQ(calls, 0);
 }
 
-TEST(HostFunction, KeepsWhatItThrowsToItself) {
+TEST(HostFunction, SwallowsExceptionsOfTheFunction) {
   HostFunction<> place;
   place.Replace([] { throw std::runtime_error("from the host"); });
   const auto current = place.Current();
   EXPECT_TRUE(current->Call());
   EXPECT_FALSE(DeliveryScope::IsInside());
-  // It has left: replacing it does not wait.
+  // The call has ended, so Replace does not wait.
   place.Replace(nullptr);
 }
 
-TEST(HostFunction, MayReplaceItself) {
+TEST(HostFunction, FunctionCanReplaceItself) {
   HostFunction<> place;
   int calls = 0;
   place.Replace([&] {

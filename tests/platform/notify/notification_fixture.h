@@ -1,4 +1,4 @@
-// What the tests of the notification center observe with.
+// Observers for the tests of the notification center.
 
 #ifndef TESTS_PLATFORM_NOTIFY_NOTIFICATION_FIXTURE_H_
 #define TESTS_PLATFORM_NOTIFY_NOTIFICATION_FIXTURE_H_
@@ -9,7 +9,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-
 #include <utility>
 
 #include "common_stowraapi/platform/notification_center.h"
@@ -20,7 +19,7 @@ namespace stowra_test {
 inline constexpr char kName[] = "NotificationCenterTestFirst";
 inline constexpr char kOtherName[] = "NotificationCenterTestSecond";
 
-// How long a removal that should wait is given to return too early.
+// A removal that returns within this time did not wait.
 inline constexpr std::chrono::milliseconds kTooEarly(100);
 
 inline CNotificationCenter& Center() { return *CNotificationCenter::Default(); }
@@ -46,9 +45,9 @@ class Observer final : public ovrant::IObserver {
   const std::function<void(const char*, void*)> function_;
 };
 
-// Observers that write their own letter into a common log.
 class NotificationCenterTest : public ::testing::Test {
  protected:
+  // An observer that appends `letter` to the log.
   std::unique_ptr<Observer> Logger(char letter) {
     return std::make_unique<Observer>([this, letter] { log_ += letter; });
   }
