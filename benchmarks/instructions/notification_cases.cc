@@ -15,8 +15,7 @@ class Counter : public ovrant::IObserver {
   int count = 0;
 };
 
-// One observer of its own name, among many observers of other names. All are registered until
-// destruction.
+// Registers one observer of its own name, and many of other names, for its lifetime.
 class Crowd {
  public:
   Crowd() : others_(kOthers) {
