@@ -8,19 +8,20 @@
 
 namespace ovrant {
 
-// A reader over one XML document (XML 1.0, Namespaces in XML 1.0). It has a current element; at
-// first it stands at the document, above the root element.
+// A reader over one XML document (XML 1.0, Namespaces in XML 1.0). It has a current element. At
+// first that is the document itself, above the root element.
 //
-// Elements are named by namespace URI, ":" and local name, those in no namespace by the local name
-// alone; attributes without a prefix by their local name. Names match exactly.
+// The name of an element is its namespace URI, ":" and its local name. An element in no namespace
+// has its local name alone, and so has an attribute without a prefix. Names match exactly.
 //
-// The text of an element is all character data inside it, that of its descendants included, without
-// the white space around it. An empty element is present, with the empty text.
+// The text of an element is all character data inside it, its descendants' too, without the white
+// space around it. An empty element is present and has the empty text.
 //
-// A list of elements is walked so: FindElement; while NextElement gives true, go on; LeaveElement
-// once. Children may be asked for in any order, whatever lies between them. For one thread at a
-// time. Running out of memory throws std::bad_alloc and changes nothing. The order of the virtual
-// functions is part of the binary interface.
+// To walk a list, call FindElement, then NextElement until it gives false, then LeaveElement once.
+// Children may be asked for in any order, whatever lies between them.
+//
+// Use a reader from one thread at a time. A call that runs out of memory throws std::bad_alloc and
+// changes nothing. The order of the virtual functions is part of the binary interface.
 class STOWRA_EXPORT IXMLInput {
  public:
   IXMLInput() = default;
@@ -29,51 +30,49 @@ class STOWRA_EXPORT IXMLInput {
   IXMLInput(const IXMLInput&) = delete;
   IXMLInput& operator=(const IXMLInput&) = delete;
 
-  // Makes the first child of that name the current element. False, and nothing changes, if there is
-  // none.
+  // Makes the first child of that name current. If it does not exist, gives false and stays.
   virtual bool FindElement(const ovrant::utils::ovrant_ustring& name) = 0;
 
-  // Makes the parent of the current element, which has that name, current: after the root element,
-  // the document. False, and nothing changes, if the current element has another name.
+  // Makes the parent of the current element current. The parent of the root is the document. If the
+  // current element has another name, gives false and stays.
   virtual bool LeaveElement(const ovrant::utils::ovrant_ustring& name) = 0;
 
-  // Makes the next sibling of that name the current element. False, and nothing changes, if there
-  // is none.
+  // Makes the next sibling of that name current. If it does not exist, gives false and stays.
   virtual bool NextElement(const ovrant::utils::ovrant_ustring& name) = 0;
 
-  // The value of an attribute of the current element as the document gives it: one that only a
-  // document type declaration supplies is absent. False if absent; `value` is then unchanged.
+  // The value of an attribute of the current element. False if it is absent. `value` is unchanged
+  // then.
   virtual bool GetAttribute(const ovrant::utils::ovrant_ustring& name,
                             ovrant::utils::ovrant_ustring& value) = 0;
 
-  // The text of the first child of that name; the current element stays. False if there is no such
-  // child; `value` is then unchanged.
+  // The text of the first child of that name. The current element stays. False if there is no such
+  // child. `value` is unchanged then.
   virtual bool GetElementText(const ovrant::utils::ovrant_ustring& name,
                               ovrant::utils::ovrant_ustring& value) = 0;
 
-  // The same, read as a decimal number: an optional sign and digits that fit 32 bits. Any other
+  // The same as a decimal number, which is an optional sign and digits that fit 32 bits. Any other
   // text counts as absent.
   virtual bool GetElementInt(const ovrant::utils::ovrant_ustring& name, int& value) = 0;
 
-  // The same, read as "true", "false", "1" or "0". Any other text counts as absent.
+  // The same as a flag, which is "true", "false", "1" or "0". Any other text counts as absent.
   virtual bool GetElementBool(const ovrant::utils::ovrant_ustring& name, bool& value) = 0;
 };
 
-// A reader over `length` bytes, which stay the caller's and must outlive it. Null when they are not
-// a well-formed document to their last byte, in UTF-8, UTF-16, ISO-8859-1 or US-ASCII as declared;
-// when there is not enough memory; and when they break one of the limits that keep a hostile
-// document from costing more than its size: 256 levels of elements; a namespace URI of 256 bytes;
-// 64 entities that refer to other declared ones; 16 times `length` plus 1 MiB of bytes for the
-// tree, and as many for the parser; and as much again of what declarations make the parser do,
-// which is a look at each attribute declared for an element at each of them and at each element,
-// and a hash of each byte of a defaulted attribute's name and of a declared namespace's URI. What
-// entities and attribute defaults bring about counts like what is written.
+// A reader over `length` bytes, which stay the caller's and must outlive it. The caller owns the
+// reader. Null in these cases:
+//  - The bytes are not a well-formed document to the last byte. The encoding may be UTF-8, UTF-16,
+//    ISO-8859-1 or US-ASCII, as the document declares it.
+//  - The document declares an entity or an attribute, other than &lt; and its four like.
+//  - The document refers to an entity that it does not declare.
+//  - The document breaks a limit. It may have 1 GiB, 256 levels of elements, and namespace URIs of
+//    256 bytes. The tree may take 16 times `length` plus 1 MiB of memory, and the parser as much.
+//  - There is not enough memory.
 //
-// A document type declaration is read, but neither the external subset nor an external entity is:
-// nothing is ever opened or fetched. Fits a 512 KiB stack. The caller owns the reader.
+// All else in a document type declaration is read and ignored. Nothing external is ever opened or
+// fetched. Fits a 512 KiB stack.
 STOWRA_EXPORT IXMLInput* Get_IXMLInput(const unsigned char* data, int length);
 
-// Deletes the reader and sets the pointer to null. A null pointer in `*reader` is left alone.
+// Deletes the reader and sets `*reader` to null. Does nothing if it is null already.
 STOWRA_EXPORT void End_IXMLInput(IXMLInput** reader);
 
 }  // namespace ovrant

@@ -1,119 +1,117 @@
 #include "common_stowraapi/platform/xml/parser.h"
 
-// Without this the header leaves out the limits on entities, which every packaged parser has.
-#define XML_DTD 1
 #include <expat.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <new>
-#include <utility>
+#include <string>
 
-#include "common_stowraapi/platform/xml/declaration_cost.h"
 #include "common_stowraapi/platform/xml/limits.h"
-#include "common_stowraapi/platform/xml/parser_memory.h"
 
 namespace ovrant::xml {
 namespace {
 
-std::size_t TreeBytes(std::size_t document_size) {
-  return kTreeBytesPerByte * document_size + kTreeBytesBesides;
+// Bytes that the parser of this thread may still allocate. Its memory functions get no pointer of
+// ours. What it frees does not come back, since it keeps most of its memory for reuse.
+thread_local std::size_t parser_bytes_left = 0;
+
+void* Reallocate(void* block, std::size_t size) {
+  if (size > parser_bytes_left) return nullptr;
+  void* const moved = std::realloc(block, size);
+  if (moved != nullptr) parser_bytes_left -= size;
+  return moved;
 }
+
+void* Allocate(std::size_t size) { return Reallocate(nullptr, size); }
 
 struct FreeParser {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
 using ParserHandle = std::unique_ptr<XML_ParserStruct, FreeParser>;
 
-ParserHandle MakeParser() {
-  const XML_Memory_Handling_Suite memory = {ParserMemory::Allocate, ParserMemory::Reallocate,
-                                            ParserMemory::Free};
-  ParserHandle parser(XML_ParserCreate_MM(nullptr, &memory, ":"));
-  if (parser) {
-    XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser.get(), kMaxEntityGrowth);
-    XML_SetBillionLaughsAttackProtectionActivationThreshold(parser.get(), kMinEntityBytes);
-  }
-  return parser;
-}
-
-// Whether the text of an entity refers to a declared one: not to a character by its number, nor to
-// one of the five that need no declaration.
-bool RefersToEntity(std::string_view text) {
-  constexpr std::string_view kCharacters[] = {"#", "amp;", "lt;", "gt;", "apos;", "quot;"};
-  for (std::size_t i = text.find('&'); i < text.size(); i = text.find('&', i + 1)) {
-    const std::string_view name = text.substr(i + 1);
-    const bool is_character =
-        std::any_of(std::begin(kCharacters), std::end(kCharacters),
-                    [&](std::string_view start) { return name.substr(0, start.size()) == start; });
-    if (!is_character) return true;
+// Whether markup refers to an entity that needs a declaration.
+bool RefersToEntity(std::string_view markup) {
+  constexpr std::string_view kKnown[] = {"#", "amp;", "lt;", "gt;", "apos;", "quot;"};
+  for (auto i = markup.find('&'); i != markup.npos; i = markup.find('&', i + 1)) {
+    const std::string_view name = markup.substr(i + 1);
+    const auto is_next = [name](std::string_view known) {
+      return name.substr(0, known.size()) == known;
+    };
+    if (std::none_of(std::begin(kKnown), std::end(kKnown), is_next)) return true;
   }
   return false;
 }
 
-// Builds the tree from what the parser reports, and stops it at a limit. Nothing is thrown through
-// the parser.
+// Builds the tree from the parser's events, and stops the parser at what the reader refuses.
+// Nothing is thrown through the parser.
 class TreeBuilder {
  public:
-  TreeBuilder(XML_Parser parser, std::size_t size)
-      : parser_(parser),
-        tree_(std::make_unique<Tree>(TreeBytes(size), static_cast<std::uint32_t>(size))),
-        declarations_(size) {
+  TreeBuilder(XML_Parser parser, Tree& tree) : parser_(parser), tree_(tree) {
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, OnStartElement, OnEndElement);
     XML_SetCharacterDataHandler(parser, OnText);
     XML_SetStartNamespaceDeclHandler(parser, OnNamespace);
+    XML_SetStartDoctypeDeclHandler(parser, OnDoctype);
     XML_SetEntityDeclHandler(parser, OnEntityDeclaration);
     XML_SetAttlistDeclHandler(parser, OnAttributeDeclaration);
+    XML_SetSkippedEntityHandler(parser, OnSkippedEntity);
+    // Otherwise the parser skips, behind the first parameter entity, what the document declares.
+    // Nothing external is read either way: that takes a handler.
+    XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_ALWAYS);
   }
 
   TreeBuilder(const TreeBuilder&) = delete;
   TreeBuilder& operator=(const TreeBuilder&) = delete;
 
-  // After the last byte.
-  std::unique_ptr<const Tree> Finish() {
-    tree_->EndDocument();
-    return std::move(tree_);
-  }
-
  private:
   static TreeBuilder& Self(void* self) { return *static_cast<TreeBuilder*>(self); }
 
   static void XMLCALL OnStartElement(void* self, const char* name, const char** attributes) {
-    Self(self).Do([&] { Self(self).StartElement(name, attributes); });
+    Self(self).Do([=] { Self(self).StartElement(name, attributes); });
   }
 
   static void XMLCALL OnEndElement(void* self, const char* /*name*/) {
-    Self(self).Do([&] { Self(self).EndElement(); });
+    Self(self).Do([=] { Self(self).EndElement(); });
   }
 
   static void XMLCALL OnText(void* self, const char* text, int size) {
-    Self(self).Do([&] { Self(self).tree_->AddText({text, static_cast<std::size_t>(size)}); });
+    Self(self).Do([=] { Self(self).tree_.AddText({text, static_cast<std::size_t>(size)}); });
   }
 
   static void XMLCALL OnNamespace(void* self, const char* /*prefix*/, const char* uri) {
-    const std::size_t size = uri == nullptr ? 0 : std::strlen(uri);
-    if (size > kMaxNamespaceUri || !Self(self).declarations_.AddNamespace(size)) Self(self).Stop();
+    if (uri != nullptr && std::strlen(uri) > kMaxNamespaceUri) Self(self).Stop();
   }
 
-  static void XMLCALL OnEntityDeclaration(void* self, const char* /*name*/, int is_parameter,
-                                          const char* value, int size, const char* /*base*/,
+  static void XMLCALL OnDoctype(void* self, const char* /*name*/, const char* system_id,
+                                const char* /*public_id*/, int /*has_internal_subset*/) {
+    Self(self).has_external_subset_ = system_id != nullptr;
+  }
+
+  static void XMLCALL OnEntityDeclaration(void* self, const char* /*name*/, int /*is_parameter*/,
+                                          const char* /*value*/, int /*size*/, const char* /*base*/,
                                           const char* /*system_id*/, const char* /*public_id*/,
                                           const char* /*notation*/) {
-    // Parameter entities are not expanded, and external ones have no text here.
-    if (is_parameter != 0 || value == nullptr) return;
-    if (!RefersToEntity({value, static_cast<std::size_t>(size)})) return;
-    if (++Self(self).nested_entities_ > kMaxNestedEntities) Self(self).Stop();
+    Self(self).Stop();
   }
 
-  static void XMLCALL OnAttributeDeclaration(void* self, const char* element, const char* /*name*/,
-                                             const char* /*type*/, const char* /*default_value*/,
-                                             int /*is_required*/) {
-    Self(self).Do([&] {
-      if (!Self(self).declarations_.AddDeclaration(element)) Self(self).Stop();
-    });
+  static void XMLCALL OnAttributeDeclaration(void* self, const char* /*element*/,
+                                             const char* /*name*/, const char* /*type*/,
+                                             const char* /*default_value*/, int /*is_required*/) {
+    Self(self).Stop();
   }
 
+  static void XMLCALL OnSkippedEntity(void* self, const char* /*name*/, int /*is_parameter*/) {
+    Self(self).Stop();
+  }
+
+  static void XMLCALL OnMarkup(void* self, const char* text, int size) {
+    Self(self).Do([=] { Self(self).markup_.append(text, static_cast<std::size_t>(size)); });
+  }
+
+  // The parser may go on for some events after it was stopped.
   template <typename Work>
   void Do(const Work& work) {
     if (stopped_) return;
@@ -126,21 +124,26 @@ class TreeBuilder {
 
   void StartElement(const char* name, const char** attributes) {
     if (++depth_ > kMaxDepth) return Stop();
-    // Those that have a declaration's default value come behind the written ones.
-    const char** end = nullptr;
-    if (declarations_.has_attributes()) {
-      end = attributes + XML_GetSpecifiedAttributeCount(parser_);
-      if (!declarations_.AddElement(end)) return Stop();
+    if (has_external_subset_ && HasUnknownReference()) return Stop();
+    tree_.BeginElement(name);
+    for (; *attributes != nullptr; attributes += 2) {
+      tree_.AddAttribute(attributes[0], attributes[1]);
     }
-    tree_->BeginElement(name);
-    for (; attributes != end && *attributes != nullptr; attributes += 2) {
-      tree_->AddAttribute(attributes[0], attributes[1]);
-    }
+  }
+
+  // Whether an attribute of this start tag refers to an entity. Where the document names an
+  // external subset, the parser drops such a reference and tells nobody.
+  bool HasUnknownReference() {
+    markup_.clear();
+    XML_SetDefaultHandlerExpand(parser_, OnMarkup);
+    XML_DefaultCurrent(parser_);
+    XML_SetDefaultHandlerExpand(parser_, nullptr);
+    return RefersToEntity(markup_);
   }
 
   void EndElement() {
     --depth_;
-    tree_->EndElement();
+    tree_.EndElement();
   }
 
   void Stop() {
@@ -149,11 +152,11 @@ class TreeBuilder {
   }
 
   XML_ParserStruct* const parser_;
-  std::unique_ptr<Tree> tree_;
+  Tree& tree_;
   bool stopped_ = false;
+  bool has_external_subset_ = false;
   int depth_ = 0;
-  int nested_entities_ = 0;
-  DeclarationCost declarations_;
+  std::string markup_;
 };
 
 // Older parsers let half a pair through in UTF-16. True for any other encoding.
@@ -173,23 +176,26 @@ bool HasOnlyWholePairs(std::string_view document) {
   return !inside_pair;
 }
 
-// In one piece: between pieces the parser would count lines, and read a token again that goes on
-// beyond one.
-bool Feed(XML_Parser parser, std::string_view document) {
+// The document goes in as one piece: a token that goes on beyond a piece would be read again.
+bool Feed(std::string_view document, Tree& tree) {
+  parser_bytes_left = MemoryLimit(document.size());
+  const XML_Memory_Handling_Suite memory = {Allocate, Reallocate, std::free};
+  const ParserHandle parser(XML_ParserCreate_MM(nullptr, &memory, ":"));
+  if (!parser) return false;
+  const TreeBuilder builder(parser.get(), tree);
   const int size = static_cast<int>(document.size());
-  return XML_Parse(parser, document.data(), size, XML_TRUE) == XML_STATUS_OK;
+  return XML_Parse(parser.get(), document.data(), size, XML_TRUE) == XML_STATUS_OK;
 }
 
 }  // namespace
 
 std::unique_ptr<const Tree> Parse(std::string_view document) noexcept {
-  if (!HasOnlyWholePairs(document)) return nullptr;
-  const ParserMemory memory(TreeBytes(document.size()));
-  const ParserHandle parser = MakeParser();
-  if (!parser) return nullptr;
+  if (document.size() > kMaxDocument || !HasOnlyWholePairs(document)) return nullptr;
   try {
-    TreeBuilder builder(parser.get(), document.size());
-    return Feed(parser.get(), document) ? builder.Finish() : nullptr;
+    auto tree = std::make_unique<Tree>(MemoryLimit(document.size()));
+    if (!Feed(document, *tree)) return nullptr;
+    tree->EndDocument();
+    return tree;
   } catch (const std::bad_alloc&) {
     return nullptr;
   }

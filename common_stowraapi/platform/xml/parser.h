@@ -10,7 +10,7 @@
 
 namespace ovrant::xml {
 
-// Null when `document` is not well-formed, breaks a limit or there is not enough memory.
+// Null for what Get_IXMLInput refuses.
 std::unique_ptr<const Tree> Parse(std::string_view document) noexcept;
 
 }  // namespace ovrant::xml

@@ -1,77 +1,108 @@
 #include "common_stowraapi/platform/xml/tree.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <limits>
 #include <new>
-
-#include "common_stowraapi/platform/xml/child_index.h"
-#include "common_stowraapi/platform/xml/large_pages.h"
+#include <tuple>
+#include <utility>
 
 namespace ovrant::xml {
+namespace {
 
-Tree::Tree(std::size_t budget, std::uint32_t text_size)
-    : budget_(budget),
-      names_(budget_),
-      elements_(budget_, ChildIndex::kBytesPerChild),
-      attributes_(budget_),
-      values_(budget_) {
-  GrowText(text_size);
-  elements_.Append() = {kNoName, kDocument, 0, 0, 0, 0};
+// A node of the map has three pointers and a colour, and a long text lies outside it.
+constexpr std::size_t kNameBytes =
+    4 * sizeof(void*) + sizeof(std::pair<const std::string, NameId>) + 1;
+
+// A deque's share of memory for each element, besides the element.
+constexpr std::size_t kDequeBytes = 2;
+
+// A string that grows takes up to two bytes for each.
+constexpr std::size_t kStringGrowth = 2;
+
+std::uint32_t Position(std::size_t value) { return static_cast<std::uint32_t>(value); }
+
+}  // namespace
+
+Tree::Tree(std::size_t memory_limit) : memory_left_(memory_limit) {
+  elements_.push_back({kNoName, kDocument, 0, 0, 0});
 }
 
 void Tree::BeginElement(const char* name) {
-  const NameId id = names_.Intern(name);
-  elements_.Append() = {id, open_, 0, attributes_.size(), text_size_, text_size_};
-  open_ = elements_.size() - 1;
+  Take(sizeof(Element) + kDequeBytes + sizeof(Child));
+  const std::uint32_t text = Position(text_.size());
+  elements_.push_back({Intern(name), open_, Position(attributes_.size()), text, text});
+  open_ = Position(elements_.size() - 1);
 }
 
 void Tree::AddAttribute(const char* name, std::string_view value) {
-  const NameId id = names_.Intern(name);
-  const std::string_view copy = values_.Copy(value);
-  attributes_.Append() = {id, static_cast<std::uint32_t>(copy.size()), copy.data()};
+  Take(sizeof(Attribute) + kDequeBytes + kStringGrowth * value.size());
+  attributes_.push_back({Intern(name), Position(values_.size()), Position(value.size())});
+  values_ += value;
+}
+
+void Tree::AddText(std::string_view text) {
+  Take(kStringGrowth * text.size());
+  text_ += text;
 }
 
 void Tree::EndElement() {
   Element& element = elements_[open_];
-  element.end = elements_.size();
-  element.text_end = text_size_;
+  element.text_end = Position(text_.size());
   open_ = element.parent;
 }
 
 void Tree::EndDocument() {
-  EndElement();
-  // Where the attributes of the last element end.
-  elements_.Append() = {kNoName, kDocument, 0, attributes_.size(), 0, 0};
-}
-
-// Makes room for `size` more bytes.
-void Tree::GrowText(std::size_t size) {
-  // Positions in the text have 32 bits.
-  constexpr std::size_t kLargest = std::numeric_limits<std::uint32_t>::max();
-  if (size > kLargest - text_size_) throw std::bad_alloc();
-  const std::size_t grown = std::size_t{text_capacity_} + text_capacity_ / 2;
-  const std::size_t capacity = std::max(text_size_ + size, std::min(grown, kLargest));
-  budget_.Take(capacity - text_capacity_);
-  // What is large enough to matter moves without a copy.
-  void* const moved = std::realloc(text_.get(), capacity);
-  if (moved == nullptr) throw std::bad_alloc();
-  utils::PreferLargePages(moved, capacity);
-  static_cast<void>(text_.release());
-  text_.reset(static_cast<char*>(moved));
-  text_capacity_ = static_cast<std::uint32_t>(capacity);
-}
-
-std::string_view Tree::Text(const Element& element) const {
-  return {text_.get() + element.text_begin, element.text_end - element.text_begin};
-}
-
-const Attribute* Tree::FindAttribute(ElementId id, NameId name) const {
-  const std::uint32_t end = elements_[id + 1].attributes;
-  for (std::uint32_t i = elements_[id].attributes; i < end; ++i) {
-    if (attributes_[i].name == name) return &attributes_[i];
+  children_.reserve(elements_.size() - 1);
+  for (ElementId id = 1; id < elements_.size(); ++id) {
+    children_.push_back({Parent(id), Name(id), id});
   }
-  return nullptr;
+  std::sort(children_.begin(), children_.end(), Precedes);
+}
+
+NameId Tree::FindName(std::string_view name) const {
+  const auto found = names_.find(name);
+  return found == names_.end() ? kNoName : found->second;
+}
+
+std::string_view Tree::Text(ElementId element) const {
+  const std::uint32_t begin = elements_[element].text_begin;
+  return std::string_view{text_}.substr(begin, elements_[element].text_end - begin);
+}
+
+std::optional<std::string_view> Tree::FindAttribute(ElementId element, NameId name) const {
+  const bool is_last = element + 1 == elements_.size();
+  const std::size_t end = is_last ? attributes_.size() : elements_[element + 1].attributes;
+  for (std::size_t i = elements_[element].attributes; i < end; ++i) {
+    const Attribute& attribute = attributes_[i];
+    if (attribute.name == name) {
+      return std::string_view{values_}.substr(attribute.begin, attribute.size);
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<ElementId> Tree::FindChild(ElementId parent, NameId name, ElementId after) const {
+  const auto found =
+      std::upper_bound(children_.begin(), children_.end(), Child{parent, name, after}, Precedes);
+  if (found == children_.end() || found->parent != parent || found->name != name) {
+    return std::nullopt;
+  }
+  return found->element;
+}
+
+bool Tree::Precedes(const Child& a, const Child& b) {
+  return std::tie(a.parent, a.name, a.element) < std::tie(b.parent, b.name, b.element);
+}
+
+NameId Tree::Intern(std::string_view name) {
+  const auto place = names_.lower_bound(name);
+  if (place != names_.end() && place->first == name) return place->second;
+  Take(kNameBytes + name.size());
+  return names_.emplace_hint(place, name, Position(names_.size()))->second;
+}
+
+void Tree::Take(std::size_t bytes) {
+  if (bytes > memory_left_) throw std::bad_alloc();
+  memory_left_ -= bytes;
 }
 
 }  // namespace ovrant::xml

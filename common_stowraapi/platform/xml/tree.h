@@ -5,88 +5,97 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
 #include <string_view>
-
-#include "common_stowraapi/platform/xml/block_array.h"
-#include "common_stowraapi/platform/xml/byte_arena.h"
-#include "common_stowraapi/platform/xml/memory_budget.h"
-#include "common_stowraapi/platform/xml/names.h"
+#include <vector>
 
 namespace ovrant::xml {
 
-// Elements are numbered in document order, so that a number also says what lies inside what: the
-// descendants of an element are those from its own number to Element::end.
+// Distinct names are numbered from 0, elements in document order.
+using NameId = std::uint32_t;
 using ElementId = std::uint32_t;
 
-// The document itself, an element without a name whose one child is the root.
+inline constexpr NameId kNoName = 0xFFFFFFFF;
+
+// The document itself is an element without a name. Its only child is the root.
 inline constexpr ElementId kDocument = 0;
 
-struct Element {
-  NameId name;
-  ElementId parent;
-  ElementId end;             // the first element behind it that does not lie inside
-  std::uint32_t attributes;  // those of the element begin here and end where the next's begin
-  std::uint32_t text_begin;  // all character data inside
-  std::uint32_t text_end;
-};
-
-struct Attribute {
-  NameId name;
-  std::uint32_t size;
-  const char* value;
-};
-
-// Built by one pass through a document, then read. Texts are UTF-8. All memory, and what a
-// ChildIndex needs, is taken from a budget: building beyond it throws std::bad_alloc.
+// Built by one pass through a document, then read. Texts are UTF-8. Building throws std::bad_alloc
+// beyond `memory_limit` bytes, and may leave the tree unusable then.
 class Tree {
  public:
-  // `text_size`, in bytes, is a guess of how much character data there will be.
-  Tree(std::size_t budget, std::uint32_t text_size);
+  explicit Tree(std::size_t memory_limit);
 
-  // Building: the events of the document in their order. Attributes belong to the element that has
-  // begun last and has nothing in it yet.
+  // The events of the document, in their order. The attributes of an element come before what it
+  // holds.
   void BeginElement(const char* name);
   void AddAttribute(const char* name, std::string_view value);
-  void AddText(std::string_view text) {
-    if (text.size() > text_capacity_ - text_size_) GrowText(text.size());
-    // Every line end comes alone.
-    if (text.size() == 1) {
-      text_.get()[text_size_] = text[0];
-    } else {
-      std::memcpy(text_.get() + text_size_, text.data(), text.size());
-    }
-    text_size_ += static_cast<std::uint32_t>(text.size());
-  }
+  void AddText(std::string_view text);
   void EndElement();
   void EndDocument();
 
-  // Reading, after EndDocument.
-  const NameTable& names() const { return names_; }
-  const Element& element(ElementId id) const { return elements_[id]; }
-  std::string_view Text(const Element& element) const;
+  // What follows is for after EndDocument.
 
-  // Null if there is none.
-  const Attribute* FindAttribute(ElementId id, NameId name) const;
+  // kNoName if the document does not have the name.
+  NameId FindName(std::string_view name) const;
+
+  // REQUIRES: `element` is not kDocument.
+  NameId Name(ElementId element) const { return elements_[element].name; }
+  ElementId Parent(ElementId element) const { return elements_[element].parent; }
+
+  // All character data inside the element.
+  std::string_view Text(ElementId element) const;
+
+  std::optional<std::string_view> FindAttribute(ElementId element, NameId name) const;
+
+  // The first child of that name whose number is above `after`.
+  std::optional<ElementId> FindChild(ElementId parent, NameId name, ElementId after) const;
 
  private:
-  struct FreeText {
-    void operator()(char* text) const { std::free(text); }
+  // Most names differ in length, which is quick to compare.
+  struct ShorterFirst {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const {
+      return a.size() != b.size() ? a.size() < b.size() : a < b;
+    }
   };
 
-  void GrowText(std::size_t size);
+  struct Element {
+    NameId name;
+    ElementId parent;
+    std::uint32_t attributes;  // where its own begin
+    std::uint32_t text_begin;
+    std::uint32_t text_end;
+  };
 
-  utils::MemoryBudget budget_;
-  NameTable names_;
-  utils::BlockArray<Element> elements_;
-  utils::BlockArray<Attribute> attributes_;
-  utils::ByteArena values_;
-  std::unique_ptr<char, FreeText> text_;  // all character data of the document
-  std::uint32_t text_size_ = 0;
-  std::uint32_t text_capacity_ = 0;
-  ElementId open_ = kDocument;  // the innermost element that has not ended
+  struct Attribute {
+    NameId name;
+    std::uint32_t begin;  // of the value
+    std::uint32_t size;
+  };
+
+  struct Child {
+    ElementId parent;
+    NameId name;
+    ElementId element;
+  };
+
+  static bool Precedes(const Child& a, const Child& b);
+
+  NameId Intern(std::string_view name);
+  void Take(std::size_t bytes);
+
+  std::size_t memory_left_;
+  std::map<std::string, NameId, ShorterFirst> names_;
+  std::deque<Element> elements_;
+  std::deque<Attribute> attributes_;
+  std::string text_;             // all character data of the document
+  std::string values_;           // of all attributes
+  std::vector<Child> children_;  // sorted by parent, name and element
+  ElementId open_ = kDocument;   // the innermost element that has not ended
 };
 
 }  // namespace ovrant::xml

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <set>
 
 #include "common_stowraapi/platform/xml/limits.h"
@@ -11,11 +12,11 @@
 namespace stowra_fuzz {
 namespace {
 
-// What a small document may surely cost, in rough units of a byte or a look: the limits are never
-// below 1 MiB, and what is counted here is never less than half of what they count.
+// Bytes that a small document may surely cost. The limits are never below 1 MiB, and this counts at
+// least half of what they count.
 constexpr std::size_t kSurelyEnough = std::size_t{1} << 17;
 
-// Beyond it the parser is stopped.
+// The parser is stopped beyond it.
 constexpr std::size_t kTooMuch = std::size_t{1} << 22;
 
 constexpr std::size_t kNodeCost = 64;
@@ -30,27 +31,21 @@ std::string Trimmed(const std::string& text) {
   return text.substr(begin, end - begin);
 }
 
-// What refers to an entity that has to be declared.
-bool IsNested(const std::string& entity_text) {
-  static const std::set<std::string> predefined = {"amp", "lt", "gt", "apos", "quot"};
-  for (std::size_t i = 0; i < entity_text.size(); ++i) {
-    if (entity_text[i] != '&' || entity_text.substr(i + 1, 1) == "#") continue;
-    const std::size_t end = std::min(entity_text.find(';', i), entity_text.size());
-    if (predefined.count(entity_text.substr(i + 1, end - i - 1)) == 0) return true;
-  }
-  return false;
+// Where the high byte stands in each unit of UTF-16. Nothing for any other encoding.
+std::optional<std::size_t> HighByte(std::string_view document) {
+  const std::string_view start = document.substr(0, 2);
+  if (start == "\xFE\xFF" || start == std::string_view("\0<", 2)) return 0;
+  if (start == "\xFF\xFE" || start == std::string_view("<\0", 2)) return 1;
+  return std::nullopt;
 }
 
 // Whether UTF-16 has a surrogate alone. Other encodings have none.
-bool HasLoneSurrogate(std::string_view bytes) {
-  if (bytes.size() < 2) return false;
-  const std::string_view start = bytes.substr(0, 2);
-  const bool big = start == "\xFE\xFF" || start == std::string_view("\0<", 2);
-  const bool little = start == "\xFF\xFE" || start == std::string_view("<\0", 2);
-  if (!big && !little) return false;
+bool HasLoneSurrogate(std::string_view document) {
+  const std::optional<std::size_t> high_byte = HighByte(document);
+  if (!high_byte) return false;
   bool expects_second = false;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const auto high = static_cast<unsigned char>(bytes[big ? i : i + 1]);
+  for (std::size_t i = 0; i + 1 < document.size(); i += 2) {
+    const auto high = static_cast<unsigned char>(document[i + *high_byte]);
     const bool is_first = high >= 0xD8 && high <= 0xDB;
     const bool is_second = high >= 0xDC && high <= 0xDF;
     if (is_second != expects_second) return true;
@@ -59,24 +54,46 @@ bool HasLoneSurrogate(std::string_view bytes) {
   return expects_second;
 }
 
+// Markup with one byte a unit. What UTF-16 has outside ASCII becomes '?'.
+std::string Narrow(std::string_view markup, std::optional<std::size_t> high_byte) {
+  if (!high_byte) return std::string(markup);
+  std::string narrow;
+  for (std::size_t i = 0; i + 1 < markup.size(); i += 2) {
+    narrow += markup[i + *high_byte] == '\0' ? markup[i + 1 - *high_byte] : '?';
+  }
+  return narrow;
+}
+
+// Whether a start tag refers to an entity that has to be declared.
+bool HasEntity(const std::string& tag) {
+  static const std::set<std::string> known = {"amp", "lt", "gt", "apos", "quot"};
+  for (std::size_t i = tag.find('&'); i != std::string::npos; i = tag.find('&', i + 1)) {
+    const std::string name = tag.substr(i + 1, tag.find(';', i) - i - 1);
+    if (name[0] != '#' && known.count(name) == 0) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 // Builds the tree from the parser's events.
 class XmlTreeBuilder {
  public:
-  XmlTreeBuilder(XML_Parser parser, XmlTree& tree)
-      : parser_(parser), tree_(tree), open_(tree.nodes_.front().get()) {
+  XmlTreeBuilder(XML_Parser parser, std::string_view document, XmlTree& tree)
+      : parser_(parser), document_(document), tree_(tree), open_(tree.nodes_.front().get()) {
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, &OnStart, &OnEnd);
     XML_SetCharacterDataHandler(parser, &OnText);
     XML_SetStartNamespaceDeclHandler(parser, &OnNamespace);
     XML_SetEntityDeclHandler(parser, &OnEntity);
     XML_SetAttlistDeclHandler(parser, &OnAttributeDeclaration);
+    XML_SetSkippedEntityHandler(parser, &OnSkippedEntity);
+    XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_ALWAYS);
   }
 
-  bool is_over_limit() const {
-    return depth_ > ovrant::xml::kMaxDepth || longest_uri_ > ovrant::xml::kMaxNamespaceUri ||
-           nested_entities_ > ovrant::xml::kMaxNestedEntities;
+  bool is_refused() const {
+    return declares_ || has_entity_ || depth_ > ovrant::xml::kMaxDepth ||
+           longest_uri_ > ovrant::xml::kMaxNamespaceUri;
   }
   std::size_t cost() const { return cost_; }
 
@@ -105,21 +122,26 @@ class XmlTreeBuilder {
     Self(self).Pay(kNodeCost + size);
   }
 
-  static void OnEntity(void* self, const char* /*name*/, int is_parameter, const char* value,
-                       int size, const char* /*base*/, const char* /*system_id*/,
-                       const char* /*public_id*/, const char* /*notation*/) {
-    if (is_parameter != 0 || value == nullptr) return;
-    if (IsNested(std::string(value, static_cast<std::size_t>(size)))) {
-      ++Self(self).nested_entities_;
-    }
+  static void OnEntity(void* self, const char* /*name*/, int /*is_parameter*/,
+                       const char* /*value*/, int /*size*/, const char* /*base*/,
+                       const char* /*system_id*/, const char* /*public_id*/,
+                       const char* /*notation*/) {
+    Self(self).Refuse(Self(self).declares_);
   }
 
-  static void OnAttributeDeclaration(void* self, const char* /*element*/, const char* name,
-                                     const char* /*type*/, const char* value, int /*required*/) {
-    XmlTreeBuilder& builder = Self(self);
-    builder.declared_ +=
-        kNodeCost + std::strlen(name) + (value == nullptr ? 0 : std::strlen(value));
-    builder.Pay(builder.declared_);
+  static void OnAttributeDeclaration(void* self, const char* /*element*/, const char* /*name*/,
+                                     const char* /*type*/, const char* /*value*/,
+                                     int /*required*/) {
+    Self(self).Refuse(Self(self).declares_);
+  }
+
+  static void OnSkippedEntity(void* self, const char* /*name*/, int /*is_parameter*/) {
+    Self(self).Refuse(Self(self).has_entity_);
+  }
+
+  void Refuse(bool& reason) {
+    reason = true;
+    XML_StopParser(parser_, XML_FALSE);
   }
 
   void Start(const char* name, const char** attributes) {
@@ -128,9 +150,11 @@ class XmlTreeBuilder {
     node->parent = open_;
     node->index = open_->children.size();
     node->name = name;
-    Pay(kNodeCost + node->name.size() + declared_);
-    const int written = XML_GetSpecifiedAttributeCount(parser_);
-    for (int i = 0; i < written; i += 2) {
+    Pay(kNodeCost + node->name.size());
+    const auto tag = document_.substr(static_cast<std::size_t>(XML_GetCurrentByteIndex(parser_)),
+                                      static_cast<std::size_t>(XML_GetCurrentByteCount(parser_)));
+    if (HasEntity(Narrow(tag, HighByte(document_)))) Refuse(has_entity_);
+    for (int i = 0; attributes[i] != nullptr; i += 2) {
       node->attributes[attributes[i]] = attributes[i + 1];
       Pay(kNodeCost + std::strlen(attributes[i]) + std::strlen(attributes[i + 1]));
     }
@@ -145,13 +169,14 @@ class XmlTreeBuilder {
   }
 
   XML_ParserStruct* const parser_;
+  const std::string_view document_;
   XmlTree& tree_;
   XmlNode* open_;
   int level_ = 0;
   int depth_ = 0;
-  int nested_entities_ = 0;
+  bool declares_ = false;
+  bool has_entity_ = false;
   std::size_t longest_uri_ = 0;
-  std::size_t declared_ = 0;  // what each element may cost because of declared attributes
   std::size_t cost_ = 0;
 };
 
@@ -160,12 +185,12 @@ XmlTree::XmlTree(std::string_view bytes) {
   if (bytes.empty() || HasLoneSurrogate(bytes)) return;
   const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
       XML_ParserCreateNS(nullptr, ':'), &XML_ParserFree);
-  XmlTreeBuilder builder(parser.get(), *this);
+  XmlTreeBuilder builder(parser.get(), bytes, *this);
   const bool is_well_formed = XML_Parse(parser.get(), bytes.data(), static_cast<int>(bytes.size()),
                                         XML_TRUE) == XML_STATUS_OK;
   if (builder.cost() > kTooMuch) {
     verdict_ = Verdict::kEither;
-  } else if (is_well_formed && !builder.is_over_limit()) {
+  } else if (is_well_formed && !builder.is_refused()) {
     verdict_ = builder.cost() > kSurelyEnough ? Verdict::kEither : Verdict::kOpened;
   }
 }

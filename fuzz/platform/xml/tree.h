@@ -18,8 +18,8 @@ struct XmlNode {
   XmlNode* parent = nullptr;
   std::size_t index = 0;  // among the parent's children
   std::string name;
-  std::map<std::string, std::string> attributes;  // the written ones
-  std::string text;                               // all inside, with the white space around it
+  std::map<std::string, std::string> attributes;
+  std::string text;  // all inside, with the white space around it
   std::vector<XmlNode*> children;
 
   // Null if there is none.

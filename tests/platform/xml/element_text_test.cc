@@ -97,25 +97,6 @@ TEST(XmlElementTextTest, ReferencesAreDecoded) {
             "ABc\xE2\x82\xAC\xF4\x8F\xBF\xBF\xF0\x9F\x98\x80");
 }
 
-TEST(XmlElementTextTest, DeclaredEntitiesAreExpanded) {
-  EXPECT_EQ(RootText("<!DOCTYPE a [<!ENTITY e 'one'><!ENTITY f '[&e;,&e;]'>]><a>&f;&e;</a>"),
-            "[one,one]one");
-  EXPECT_EQ(RootText("<!DOCTYPE a [<!ENTITY e 'first'><!ENTITY e 'second'>]><a>&e;</a>"), "first");
-  EXPECT_EQ(RootText("<!DOCTYPE a [<!ENTITY e '1<b>2</b>3'>]><a>0&e;4</a>"), "01234");
-}
-
-TEST(XmlElementTextTest, ElementsFromEntitiesAreChildren) {
-  XmlDocument document("<!DOCTYPE a [<!ENTITY e \"<b n='1'>x</b>\">]><a>&e;<b>y</b>&e;</a>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("a"));
-  EXPECT_EQ(document.Text("b"), "x");
-  ASSERT_TRUE(document.Find("b"));
-  EXPECT_EQ(document.Attribute("n"), "1");
-  EXPECT_TRUE(document.Next("b"));
-  EXPECT_TRUE(document.Next("b"));
-  EXPECT_FALSE(document.Next("b"));
-}
-
 TEST(XmlElementTextTest, UnknownEntitiesAndBadReferencesAreIllFormed) {
   for (const char* const reference :
        {"&e;", "&;", "&", "&lt", "&LT;", "&nbsp;", "&#;", "&#x;", "&#0;", "&#1;", "&#xD800;",

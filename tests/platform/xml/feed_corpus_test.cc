@@ -47,7 +47,7 @@ std::optional<std::string> TextIn(const json& expected) {
   return Trimmed(expected.get<std::string>());
 }
 
-// Whether the first title has child elements; of those in the collections it is one of two.
+// Whether the first title has child elements. In the collections they are one of these two.
 bool TitleHasElements(XmlDocument* document) {
   EXPECT_TRUE(document->Find(kAtom + "title"));
   const bool has_elements = document->Text(kXhtml + "div") || document->Text(kAtom + "p");

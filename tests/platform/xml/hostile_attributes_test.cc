@@ -65,27 +65,14 @@ TEST(XmlHostileNamespacesTest, ALongUriOfPrefixedElementsAndAttributes) {
   EXPECT_FALSE(OpenHostile("<a xmlns:p='" + kLongText + "'>" + elements + "</a>"));
 }
 
-TEST(XmlHostileNamespacesTest, ALongUriByDefaultOnManyElements) {
-  for (const std::string name : {"xmlns", "xmlns:p"}) {
-    const std::string declaration = "<!ATTLIST b " + name + " CDATA '" + kLongText + "'>";
-    EXPECT_FALSE(
-        OpenHostile(WithDeclarations(declaration, "<a>" + Repeated("<b/>", 60'000) + "</a>")));
-  }
-}
-
-TEST(XmlHostileNamespacesTest, ALongUriOfAnEntityOnEachElement) {
-  EXPECT_FALSE(OpenHostile(WithDeclarations(
-      "<!ENTITY e '" + kLongText + "'>", "<a>" + Repeated("<b xmlns='&e;'/>", 60'000) + "</a>")));
-}
-
 TEST(XmlHostileNamespacesTest, ALongUriOnEachElement) {
   const std::string element = "<b xmlns='" + kLongText + "'/>";
   EXPECT_FALSE(OpenHostile("<a>" + Repeated(element, 1'000) + "</a>"));
 }
 
 TEST(XmlHostileNamespacesTest, ALongPrefixOnManyElements) {
-  const std::string declaration = "<!ATTLIST b xmlns:" + kLongText + " CDATA 'u'>";
-  OpenHostile(WithDeclarations(declaration, "<a>" + Repeated("<b/>", 60'000) + "</a>"));
+  const std::string element = "<b xmlns:" + std::string(1'000, 'x') + "='u'/>";
+  EXPECT_TRUE(OpenHostile("<a>" + Repeated(element, 10'000) + "</a>"));
 }
 
 TEST(XmlHostileNamespacesTest, TheLongestUriOfAMillionElements) {
@@ -94,27 +81,27 @@ TEST(XmlHostileNamespacesTest, TheLongestUriOfAMillionElements) {
 }
 
 TEST(XmlHostileNamespacesTest, TheLongestUriOfAMillionNames) {
-  OpenHostile("<a xmlns='" + kLongestUri + "'>" + Numbered(1'000'000, "<b", "/>") + "</a>");
+  EXPECT_FALSE(
+      OpenHostile("<a xmlns='" + kLongestUri + "'>" + Numbered(1'000'000, "<b", "/>") + "</a>"));
 }
 
 TEST(XmlHostileNamespacesTest, TheLongestUriOfAMillionAttributes) {
-  OpenHostile("<a xmlns:p='" + kLongestUri + "'>" + Repeated("<b p:n=''/>", 1'000'000) + "</a>");
+  EXPECT_TRUE(OpenHostile("<a xmlns:p='" + kLongestUri + "'>" + Repeated("<b p:n=''/>", 1'000'000) +
+                          "</a>"));
 }
 
 TEST(XmlHostileNamespacesTest, TheLongestUriOfAMillionAttributesOfOneElement) {
-  OpenHostile("<a xmlns:p='" + kLongestUri + "'" + Numbered(1'000'000, " p:n", "=''") + "/>");
+  EXPECT_FALSE(
+      OpenHostile("<a xmlns:p='" + kLongestUri + "'" + Numbered(1'000'000, " p:n", "=''") + "/>"));
 }
 
 TEST(XmlHostileNamespacesTest, TheLongestUriOnEachOfManyElements) {
-  EXPECT_TRUE(OpenHostile(WithDeclarations("<!ATTLIST b xmlns CDATA '" + kLongestUri + "'>",
-                                           "<a>" + Repeated("<b/>", 10) + "</a>")));
-  OpenHostile(WithDeclarations("<!ATTLIST b xmlns CDATA '" + kLongestUri + "'>",
-                               "<a>" + Repeated("<b/>", 1'000'000) + "</a>"));
+  EXPECT_TRUE(OpenHostile("<a>" + Repeated("<b xmlns='" + kLongestUri + "'/>", 100'000) + "</a>"));
 }
 
 TEST(XmlHostileNamespacesTest, ManyDeclarationsOnOneElement) {
   EXPECT_TRUE(OpenHostile("<a" + Numbered(10'000, " xmlns:p", "='u'") + "/>"));
-  OpenHostile("<a" + Numbered(300'000, " xmlns:p", "='u'") + "/>");
+  EXPECT_FALSE(OpenHostile("<a" + Numbered(300'000, " xmlns:p", "='u'") + "/>"));
 }
 
 TEST(XmlHostileNamespacesTest, ManyUris) {
@@ -133,7 +120,7 @@ TEST(XmlHostileNamespacesTest, ManyDeclarationsAndManyElements) {
                        Numbered(count, "<p", ":b/>") + "</a>");
   };
   EXPECT_TRUE(open(10'000));
-  open(100'000);
+  EXPECT_TRUE(open(100'000));
 }
 
 }  // namespace

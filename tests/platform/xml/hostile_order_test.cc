@@ -1,4 +1,4 @@
-// Great lists whose children are asked for in awkward orders: the cost must not be quadratic.
+// Long lists whose children are asked for in awkward orders. The cost must not be quadratic.
 
 #include <gtest/gtest.h>
 

@@ -66,12 +66,8 @@ TEST(XmlHostileSizeTest, HugeAttribute) {
 
 TEST(XmlHostileSizeTest, HugeNames) {
   const std::string name(kHuge / 2, 'x');
-  OpenHostile("<" + name + "></" + name + ">");
-  OpenHostile("<a " + name + "=''/>");
-}
-
-TEST(XmlHostileSizeTest, HugeEntity) {
-  OpenHostile(WithDeclarations("<!ENTITY e '" + std::string(kHuge, 'x') + "'>", "<a>&e;</a>"));
+  EXPECT_TRUE(OpenHostile("<" + name + "></" + name + ">"));
+  EXPECT_TRUE(OpenHostile("<a " + name + "=''/>"));
 }
 
 TEST(XmlHostileSizeTest, HugeSpaceInTags) {

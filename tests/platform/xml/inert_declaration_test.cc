@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,10 @@
 namespace stowra_test {
 namespace {
 
-// Documents that refer to a resource, with the text of `a` when nothing of it is read.
+// Documents that refer to a resource, and the text of `a` in those that open.
 struct Reference {
   std::string bytes;
-  std::string text;
+  std::optional<std::string> text;
 };
 
 std::vector<Reference> ReferencesTo(const std::string& resource) {
@@ -32,13 +33,13 @@ std::vector<Reference> ReferencesTo(const std::string& resource) {
       {"<!DOCTYPE a PUBLIC 'public' \"" + resource + "\"><a>x</a>", "x"},
       {"<?xml version='1.0' standalone='no'?><!DOCTYPE a " + system + " []><a>x</a>", "x"},
       {"<?xml version='1.0' standalone='yes'?><!DOCTYPE a " + system + " []><a>x</a>", "x"},
-      {"<!DOCTYPE a [" + entity + "]><a>x&e;y</a>", "xy"},
-      {"<!DOCTYPE a [" + entity + "<!ENTITY f '[&e;]'>]><a>x&f;y</a>", "x[]y"},
-      {"<!DOCTYPE a [" + parameter + "]><a>x</a>", "x"},
-      {"<!DOCTYPE a " + system + " [" + parameter + entity + "]><a>x</a>", "x"},
-      {"<!DOCTYPE a [<!NOTATION n " + system + "><!ENTITY e " + system +
-           " NDATA n><!ATTLIST a n ENTITY #IMPLIED>]><a n='e'>x</a>",
-       "x"},
+      {"<!DOCTYPE a [<!NOTATION n " + system + ">]><a>x</a>", "x"},
+      {"<!DOCTYPE a " + system + "><a>x&e;y</a>", std::nullopt},
+      {"<!DOCTYPE a " + system + "><a n='&e;'>x</a>", std::nullopt},
+      {"<!DOCTYPE a " + system + " [%p;]><a>x</a>", std::nullopt},
+      {"<!DOCTYPE a [" + entity + "]><a>x&e;y</a>", std::nullopt},
+      {"<!DOCTYPE a [" + parameter + "]><a>x</a>", std::nullopt},
+      {"<!DOCTYPE a " + system + " [" + parameter + entity + "]><a>x</a>", std::nullopt},
       {"<?xml-stylesheet href=\"" + resource + "\"?><a>x</a>", "x"},
       {"<a xmlns:i='http://www.w3.org/2001/XInclude'>x<i:include href=\"" + resource + "\"/>y</a>",
        "xy"},
@@ -49,14 +50,13 @@ std::vector<Reference> ReferencesTo(const std::string& resource) {
 }
 
 void ExpectInert(const std::string& resource) {
-  for (const Reference& reference : ReferencesTo(resource)) {
-    EXPECT_EQ(RootText(reference.bytes), reference.text) << reference.bytes;
+  for (const auto& [bytes, text] : ReferencesTo(resource)) {
+    if (text) {
+      EXPECT_EQ(RootText(bytes), text) << bytes;
+    } else {
+      EXPECT_FALSE(Opens(bytes)) << bytes;
+    }
   }
-}
-
-TEST(XmlInertDeclarationTest, ExternalEntitiesInAttributesAreIllFormed) {
-  EXPECT_FALSE(Opens("<!DOCTYPE a [<!ENTITY e SYSTEM 'file'>]><a n='&e;'/>"));
-  EXPECT_FALSE(Opens("<!DOCTYPE a [<!ENTITY e SYSTEM 'x'><!ENTITY f '&e;'>]><a n='&f;'/>"));
 }
 
 #if defined(STOWRA_WATCHES_OPENED_FILES)

@@ -1,4 +1,4 @@
-// Children that are asked for in any order, in a list that is too long to be searched each time.
+// Children of a long list, asked for in any order.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ constexpr int kMixed = 800;
 
 std::string NameOf(int number) { return "n" + std::to_string(number); }
 
-// The name of each fourth child, and of all from kMixed on.
+// Whether the child has the same name as others: each fourth has, and all from kMixed on.
 bool IsSame(int number) { return number % 4 == 3 || number >= kMixed; }
 
 // Children with a name of their own or the same, and their numbers as text and attribute.

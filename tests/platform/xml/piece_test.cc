@@ -1,4 +1,4 @@
-// A document means the same wherever its parts lie: the reader may take it in pieces.
+// A document means the same wherever its parts lie. The parser converts long texts in pieces.
 
 #include <gtest/gtest.h>
 
@@ -21,8 +21,8 @@ std::string Utf16Of(const std::string& utf8) {
   return bytes;
 }
 
-// A document in which `part` begins `before` bytes or so before one of the boundaries, after as
-// much text.
+// A document in which `part` follows so much text that it begins about `before` bytes before the
+// boundary.
 std::string WithPartAt(std::size_t boundary, std::size_t before, const std::string& part) {
   return "<a><t>" + std::string(boundary - before, '.') + "</t>" + part + "</a>";
 }
