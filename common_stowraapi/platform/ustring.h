@@ -1,11 +1,15 @@
-// The text type of every public interface, and the few helpers that stand beside it.
+// The text type of every public interface, and helpers for it.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_USTRING_H_
 #define COMMON_STOWRAAPI_PLATFORM_USTRING_H_
 
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <map>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "common_stowraapi/export.h"
@@ -13,16 +17,28 @@
 
 namespace ovrant::utils {
 
-// A Unicode string of UTF-16 code units with value semantics; every index and length counts code
-// units, and NUL is a unit like any other. Distinct strings may be used from distinct threads; one
-// string, like a std::string, by one thread at a time unless all of them only read.
+// A std::basic_string or view of `Unit`, or what converts to one. A pointer or an array is none: it
+// may be null and ends at its NUL.
+template <typename Text, typename Unit>
+using IfText = std::enable_if_t<std::is_convertible_v<const Text&, std::basic_string_view<Unit>> &&
+                                    !std::is_convertible_v<const Text&, const Unit*>,
+                                int>;
+
+// A Unicode string of UTF-16 code units, with value semantics. Indexes and lengths count code
+// units. NUL is a unit like any other.
 //
-// No operation fails but for want of memory: std::bad_alloc then leaves the string as it was.
-// Bytes that are not UTF-8 become U+FFFD, one for each maximal ill-formed part; a lone surrogate
-// becomes U+FFFD on the way back.
+// Threads may use different strings at the same time. They may read one string at the same time.
+//
+// Bytes that are not UTF-8 become U+FFFD, one for each maximal ill-formed part. A lone surrogate
+// becomes U+FFFD in utf8().
+//
+// These may throw std::bad_alloc and nothing else: every constructor but the default and the move,
+// every assignment but the move, +=, +, utf8, Left, Mid, Right, to_float, replace_all,
+// TokenizeToVector, Format, << and GetFileName. The strings are then as they were. All others never
+// throw. A literal in place of a string is made into one first, which may throw.
 class STOWRA_EXPORT ovrant_ustring {
  public:
-  // "Absent", as find() gives it: all bits set.
+  // What find() gives for an absent text: all bits set.
   static constexpr unsigned long npos = static_cast<unsigned long>(-1);
 
   ovrant_ustring();
@@ -30,12 +46,20 @@ class STOWRA_EXPORT ovrant_ustring {
   // From NUL-terminated UTF-8. A null pointer gives the empty string.
   ovrant_ustring(const char* utf8);  // NOLINT(google-explicit-constructor): literals are strings
 
-  // From `length` bytes of UTF-8, which need no terminator. A null pointer gives the empty string.
+  // From `length` bytes of UTF-8, without a terminator. A null pointer gives the empty string.
   ovrant_ustring(const char* utf8, unsigned long length);
 
-  // From a NUL-terminated wide string: UTF-32, or UTF-16 where wchar_t has 16 bits. A value that is
-  // no Unicode scalar value becomes U+FFFD. A null pointer gives the empty string.
+  // From a NUL-terminated wide string: UTF-32, or UTF-16 where wchar_t has 16 bits. What is not a
+  // Unicode scalar value becomes U+FFFD. A null pointer gives the empty string.
   ovrant_ustring(const wchar_t* wide);  // NOLINT(google-explicit-constructor)
+
+  // From UTF-8 or UTF-16 of any length, NULs included. UTF-16 is copied as it is. They are explicit
+  // so that a std::string never has to choose between two of a host's overloads.
+  template <typename Text, IfText<Text, char> = 0>
+  explicit ovrant_ustring(const Text& utf8)
+      : ovrant_ustring(std::string_view(utf8).data(), std::string_view(utf8).size()) {}
+  template <typename Text, IfText<Text, char16_t> = 0>
+  explicit ovrant_ustring(const Text& units) : units_(std::u16string_view(units)) {}
 
   ovrant_ustring(const ovrant_ustring& other);
   ovrant_ustring(ovrant_ustring&& other) noexcept = default;
@@ -44,19 +68,44 @@ class STOWRA_EXPORT ovrant_ustring {
   ovrant_ustring& operator=(const ovrant_ustring& other);
   ovrant_ustring& operator=(ovrant_ustring&& other) noexcept = default;
 
-  // Replace the content by NUL-terminated UTF-8, which may lie anywhere.
+  // Replace the content by NUL-terminated UTF-8, which may lie anywhere. A null pointer gives the
+  // empty string.
   ovrant_ustring& operator=(const char* utf8);
   ovrant_ustring& assign_utf8(const char* utf8);
 
-  // The whole string, NULs included, as UTF-8.
+  // Replace the content by UTF-8 or UTF-16. The text may be a part of this string.
+  template <typename Text, IfText<Text, char> = 0>
+  ovrant_ustring& operator=(const Text& utf8) {
+    return *this = ovrant_ustring(utf8);
+  }
+  template <typename Text, IfText<Text, char16_t> = 0>
+  ovrant_ustring& operator=(const Text& units) {
+    units_ = std::u16string_view(units);
+    return *this;
+  }
+
+  // The whole string as UTF-8, NULs included.
   std::string utf8() const;
+
+  // The code units. The view is valid until the string is next changed, moved or destroyed. No NUL
+  // needs to stand behind it.
+  std::u16string_view units() const { return units_; }
 
   bool empty() const;
   unsigned long length() const;
   void clear();
 
-  // Appends; a string may be appended to itself.
+  // Append. A string may be appended to itself.
   ovrant_ustring& operator+=(const ovrant_ustring& other);
+  template <typename Text, IfText<Text, char> = 0>
+  ovrant_ustring& operator+=(const Text& utf8) {
+    return *this += ovrant_ustring(utf8);
+  }
+  template <typename Text, IfText<Text, char16_t> = 0>
+  ovrant_ustring& operator+=(const Text& units) {
+    units_ += std::u16string_view(units);
+    return *this;
+  }
 
   // REQUIRES: index < length(). The reference is valid until the string is next changed.
   char16_t& operator[](unsigned long index);
@@ -64,10 +113,10 @@ class STOWRA_EXPORT ovrant_ustring {
 
   // Index of the first occurrence of `text` at or after `start`, or npos. The empty text occurs at
   // `start` if that is not beyond length().
-  unsigned long find(const ovrant_ustring& text, unsigned long start) const;
+  unsigned long find(const ovrant_ustring& text, unsigned long start = 0) const;
 
-  // The first, the middle and the last units. Clamped to the string: a negative count, or a start
-  // outside it, gives the empty string.
+  // The first, the middle and the last units, clamped to the string. A negative count, or a start
+  // outside the string, gives the empty string.
   ovrant_ustring Left(int count) const;
   ovrant_ustring Mid(int start, int count) const;
   ovrant_ustring Right(int count) const;
@@ -75,11 +124,11 @@ class STOWRA_EXPORT ovrant_ustring {
   // Negative, zero or positive, by the value of the code units.
   int compare(const ovrant_ustring& other) const;
 
-  // The same between the two strings in Unicode's full case folding.
+  // The same for the two strings in Unicode's full case folding. Compares the first 2^31 - 1 units.
   int compare_nocase(const ovrant_ustring& other) const;
 
-  // The decimal number that the string spells, whatever the locale, with optional white space
-  // around it and an optional sign; 0 for a text that is no number or a number that does not fit.
+  // The decimal number that the string spells, in any locale. White space around it and a sign are
+  // allowed. Gives 0 if the string is no number or the number does not fit.
   int to_int() const;
   float to_float() const;
 
@@ -87,24 +136,40 @@ class STOWRA_EXPORT ovrant_ustring {
   // changes nothing.
   void replace_all(const ovrant_ustring& from, const ovrant_ustring& to);
 
-  // Splits at every unit that occurs in `delimiters`. Every empty token is kept, so n delimiters in
-  // the string give n + 1 tokens, and the empty string gives one.
+  // Splits at every unit that occurs in `delimiters`. Empty tokens are kept: n delimiters in the
+  // string give n + 1 tokens, and the empty string gives one.
   std::vector<ovrant_ustring> TokenizeToVector(const ovrant_ustring& delimiters) const;
 
-  // Replaces the content by `format` in the manner of printf: flags, width, precision, '*', the
-  // length modifiers and d i u o x X c s p a A e E f F g G %, with "." as decimal point whatever
-  // the locale. The arguments' own types decide, so none is ever read as another: an integer for a
-  // floating conversion and the reverse are converted, any other argument that does not fit its
-  // conversion, or is not there, leaves the conversion's own text in the result. `%s` takes UTF-8,
-  // wide text or an ovrant_ustring, and its precision counts the units of that, of which no more
-  // are read; a character cut in two is left out. `%c` takes a code unit or a code point. `%n`
-  // writes nothing. Of the length modifiers h and hh narrow an integer and the others do nothing. A
-  // width, and the precision of a number, count up to 4096.
+  // Replaces the content by `format`, in the manner of printf. Understands flags, width, precision,
+  // '*', length modifiers and the conversions d i u o x X c s p a A e E f F g G %. The decimal
+  // point is "." in any locale.
+  //
+  // The argument's own type decides how it is read, after C's promotions. An integer is converted
+  // for a floating conversion, and the reverse. If any other argument does not fit its conversion,
+  // or there is none, the conversion's own text stays in the result.
+  //
+  // %s  takes UTF-8, wide text or an ovrant_ustring; a null pointer is empty. A precision counts
+  //     the text's own units, and no more are read. It never cuts a character in two.
+  // %c  takes a code unit or a code point.
+  // %p  takes a pointer.
+  // %n  writes nothing.
+  //
+  // The modifiers h and hh narrow an integer, and the others do nothing. A width, and the precision
+  // of a number, count up to 4096.
   template <typename... Args>
-  void Format(ovrant_ustring format, const Args&... args) {
+  void Format(ovrant_ustring format,
+              Args... args) {  // by value: an in-class constant has no address
     // One more element than there are arguments: an array may not be empty.
     const FormatArgument list[sizeof...(Args) + 1] = {FormatArgument(args)..., FormatArgument()};
     FormatArguments(format, list, sizeof...(Args));
+  }
+
+  // Writes UTF-8.
+  template <typename Traits>
+  friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                                      const ovrant_ustring& text) {
+    const std::string utf8 = text.utf8();
+    return out << std::basic_string_view<char, Traits>(utf8.data(), utf8.size());
   }
 
  private:
@@ -123,10 +188,20 @@ inline bool operator!=(const ovrant_ustring& a, const ovrant_ustring& b) {
 }
 inline bool operator<(const ovrant_ustring& a, const ovrant_ustring& b) { return a.compare(b) < 0; }
 
-// A copy of `left` with the NUL-terminated UTF-8 text `right` appended.
+// The two texts joined. A `char*` is NUL-terminated UTF-8.
 inline ovrant_ustring operator+(const ovrant_ustring& left, const char* right) {
   ovrant_ustring sum(left);
   sum += ovrant_ustring(right);
+  return sum;
+}
+inline ovrant_ustring operator+(const ovrant_ustring& left, const ovrant_ustring& right) {
+  ovrant_ustring sum(left);
+  sum += right;
+  return sum;
+}
+inline ovrant_ustring operator+(const char* left, const ovrant_ustring& right) {
+  ovrant_ustring sum(left);
+  sum += right;
   return sum;
 }
 
@@ -138,5 +213,12 @@ using StringMap = std::map<ovrant_ustring, ovrant_ustring>;
 STOWRA_EXPORT ovrant_ustring GetFileName(const ovrant_ustring& path, bool with_extension);
 
 }  // namespace ovrant::utils
+
+template <>
+struct std::hash<ovrant::utils::ovrant_ustring> {
+  std::size_t operator()(const ovrant::utils::ovrant_ustring& text) const noexcept {
+    return std::hash<std::u16string_view>()(text.units());
+  }
+};
 
 #endif  // COMMON_STOWRAAPI_PLATFORM_USTRING_H_

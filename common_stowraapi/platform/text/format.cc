@@ -18,10 +18,6 @@ namespace ovrant::utils {
 namespace {
 
 using Kind = FormatArgument::Kind;
-using UnitsOf = std::u16string_view (*)(const ovrant_ustring& text);
-
-// Columns that a width may ask for: the format text may come from anywhere.
-constexpr int kMaxWidth = 4096;
 
 bool IsOneOf(char16_t unit, std::u16string_view set) {
   return set.find(unit) != std::u16string_view::npos;
@@ -32,8 +28,7 @@ bool IsNumber(const FormatArgument& arg) {
          arg.kind() == Kind::kDouble;
 }
 
-// The length of a text that ends at its first NUL, or at the precision: nothing behind either is
-// read.
+// The length of a text that ends at its first NUL or at the precision. Nothing behind that is read.
 template <typename Unit>
 std::size_t TextLength(const Unit* text, int precision) {
   if (precision == ConversionSpec::kNoPrecision) return std::char_traits<Unit>::length(text);
@@ -42,7 +37,7 @@ std::size_t TextLength(const Unit* text, int precision) {
   return length;
 }
 
-// `bytes` without the character at its end that was cut in two, if there is one.
+// Leaves out a character that is cut in two at the end of `bytes`.
 std::string_view WithoutCutCharacter(std::string_view bytes) {
   const auto* from = reinterpret_cast<const std::uint8_t*>(bytes.data());
   auto length = static_cast<std::ptrdiff_t>(bytes.size());
@@ -52,7 +47,7 @@ std::string_view WithoutCutCharacter(std::string_view bytes) {
 
 class Formatter {
  public:
-  Formatter(ArgumentList args, UnitsOf units_of) : args_(args), units_of_(units_of) {}
+  explicit Formatter(ArgumentList args) : args_(args) {}
 
   std::u16string Format(std::u16string_view format) {
     while (!format.empty()) {
@@ -68,8 +63,8 @@ class Formatter {
   }
 
  private:
-  // False, and nothing appended, when there is no such conversion or its argument does not fit. An
-  // argument is taken all the same, so that the next conversion gets its own.
+  // False, with nothing appended, if there is no such conversion or its argument does not fit. It
+  // takes the argument even then, so that the next conversion gets its own.
   bool Convert(const ConversionSpec& spec) {
     if (spec.type == u'%') {
       result_ += u'%';
@@ -83,8 +78,8 @@ class Formatter {
     if (spec.type == u'c') return ConvertCharacter(spec, arg);
     if (spec.type == u'p') return ConvertPointer(spec, arg);
     if (!IsNumber(arg)) return false;
-    AppendNumber(
-        spec, IsOneOf(spec.type, u"diuoxX") ? FormatInteger(spec, arg) : FormatFloating(spec, arg));
+    AppendAscii(IsOneOf(spec.type, u"diuoxX") ? FormatInteger(spec, arg)
+                                              : FormatFloating(spec, arg));
     return true;
   }
 
@@ -97,7 +92,7 @@ class Formatter {
         AppendWide(spec, static_cast<const wchar_t*>(arg.as_pointer()));
         return true;
       case Kind::kString:
-        AppendUnits(spec, units_of_(*static_cast<const ovrant_ustring*>(arg.as_pointer())));
+        AppendUnits(spec, static_cast<const ovrant_ustring*>(arg.as_pointer())->units());
         return true;
       default:
         return false;
@@ -125,8 +120,8 @@ class Formatter {
     AppendPadded(spec, units.substr(0, length));
   }
 
-  // A number up to 0xFFFF is a code unit, any other a character. One byte beyond ASCII is only part
-  // of a character, and its sign depends on the platform.
+  // A number up to 0xFFFF is a code unit. A greater one is a character. A char beyond ASCII is only
+  // a part of a character, and its sign depends on the platform.
   bool ConvertCharacter(const ConversionSpec& spec, const FormatArgument& arg) {
     if (arg.kind() != Kind::kSigned && arg.kind() != Kind::kUnsigned) return false;
     const unsigned long long code = arg.kind() == Kind::kSigned
@@ -146,38 +141,23 @@ class Formatter {
     if (!is_pointer) return false;
     ConversionSpec hex;
     hex.type = u'x';
-    hex.left = spec.left;
-    hex.width = spec.width;
-    NumberText number =
+    const std::string digits =
         FormatInteger(hex, FormatArgument(reinterpret_cast<std::uintptr_t>(arg.as_pointer())));
-    number.prefix = "0x";
-    AppendNumber(hex, number);
+    AppendPadded(spec, u"0x" + std::u16string(digits.begin(), digits.end()));
     return true;
   }
 
-  void AppendNumber(const ConversionSpec& spec, const NumberText& number) {
-    std::string text = number.prefix;
-    const std::size_t size = number.prefix.size() + number.digits.size();
-    const std::size_t width = Width(spec);
-    if (number.zero_padded && !spec.left && size < width) text.append(width - size, '0');
-    text += number.digits;
-    AppendPadded(spec, Utf8ToUtf16(text));
-  }
+  void AppendAscii(const std::string& text) { result_.append(text.begin(), text.end()); }
 
   void AppendPadded(const ConversionSpec& spec, std::u16string_view text) {
-    const std::size_t width = Width(spec);
+    const auto width = static_cast<std::size_t>(std::min(spec.width, kMaxFormatCount));
     const std::size_t padding = width > text.size() ? width - text.size() : 0;
     if (!spec.left) result_.append(padding, u' ');
     result_ += text;
     if (spec.left) result_.append(padding, u' ');
   }
 
-  static std::size_t Width(const ConversionSpec& spec) {
-    return static_cast<std::size_t>(std::min(spec.width, kMaxWidth));
-  }
-
   ArgumentList args_;
-  UnitsOf units_of_;
   std::u16string result_;
 };
 
@@ -185,10 +165,7 @@ class Formatter {
 
 void ovrant_ustring::FormatArguments(const ovrant_ustring& format, const FormatArgument* args,
                                      std::size_t count) {
-  const UnitsOf units_of = [](const ovrant_ustring& text) -> std::u16string_view {
-    return text.units_;
-  };
-  units_ = Formatter(ArgumentList(args, count), units_of).Format(format.units_);
+  units_ = Formatter(ArgumentList(args, count)).Format(format.units_);
 }
 
 }  // namespace ovrant::utils

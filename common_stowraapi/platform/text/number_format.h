@@ -1,4 +1,4 @@
-// Writing numbers as printf does, with "." as decimal point whatever the locale.
+// Numbers as snprintf writes them in the "C" locale.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_NUMBER_FORMAT_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_NUMBER_FORMAT_H_
@@ -10,18 +10,15 @@
 
 namespace ovrant::utils {
 
-// The parts of a number in ASCII; the '0' flag pads between them.
-struct NumberText {
-  std::string prefix;  // sign and "0x"
-  std::string digits;
-  bool zero_padded = false;
-};
+// Columns of a width, and digits of a precision, that count. The format text may come from
+// anywhere.
+constexpr int kMaxFormatCount = 4096;
 
 // For the conversions d i u o x X. REQUIRES: a number.
-NumberText FormatInteger(const ConversionSpec& spec, const FormatArgument& arg);
+std::string FormatInteger(const ConversionSpec& spec, const FormatArgument& arg);
 
 // For the conversions a A e E f F g G. REQUIRES: a number.
-NumberText FormatFloating(const ConversionSpec& spec, const FormatArgument& arg);
+std::string FormatFloating(const ConversionSpec& spec, const FormatArgument& arg);
 
 }  // namespace ovrant::utils
 

@@ -1,21 +1,13 @@
 #include "common_stowraapi/platform/text/number_text.h"
 
-#include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
-#include <new>
 #include <string>
 
-#if !defined(__cpp_lib_to_chars)
-#include <locale.h>
-#if defined(__APPLE__)
-#include <xlocale.h>
-#endif
-
-#include <cmath>
-#include <cstdlib>
-#endif
+#include "common_stowraapi/platform/text/classic_locale.h"
 
 namespace ovrant::utils {
 namespace {
@@ -54,44 +46,12 @@ bool IsUnsignedDecimal(std::u16string_view text) {
   return TakeDigits(text) > 0 && text.empty();
 }
 
-#if defined(__cpp_lib_to_chars)
-
 // The nearest float to `decimal`, which IsUnsignedDecimal; 0 if it does not fit.
-float NearestFloat(const std::string& decimal) {
-  float value = 0;
-  const auto result = std::from_chars(decimal.data(), decimal.data() + decimal.size(), value);
-  if (result.ec == std::errc::not_enough_memory) throw std::bad_alloc();
-  return result.ec == std::errc() ? value : 0;
-}
-
-#else
-
-// While it lives, this thread is in the "C" locale.
-class ClassicLocale {
- public:
-  ClassicLocale() : classic_(newlocale(LC_ALL_MASK, "C", nullptr)) {
-    if (classic_ == nullptr) throw std::bad_alloc();
-    previous_ = uselocale(classic_);
-  }
-  ~ClassicLocale() {
-    uselocale(previous_);
-    freelocale(classic_);
-  }
-  ClassicLocale(const ClassicLocale&) = delete;
-  ClassicLocale& operator=(const ClassicLocale&) = delete;
-
- private:
-  locale_t classic_;
-  locale_t previous_;
-};
-
 float NearestFloat(const std::string& decimal) {
   const ClassicLocale classic;
   const float value = std::strtof(decimal.c_str(), nullptr);
   return std::isfinite(value) ? value : 0;
 }
-
-#endif
 
 }  // namespace
 

@@ -1,14 +1,16 @@
 #include "common_stowraapi/platform/ustring.h"
 
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "common_stowraapi/platform/text/case_folding.h"
-#include "common_stowraapi/platform/text/find_unit.h"
 #include "common_stowraapi/platform/text/number_text.h"
 #include "common_stowraapi/platform/text/utf_conversion.h"
 
@@ -19,31 +21,10 @@ std::string_view View(const char* utf8) {
   return utf8 == nullptr ? std::string_view() : std::string_view(utf8);
 }
 
-// The standard library's own goes unit by unit.
-int CompareUnits(std::u16string_view a, std::u16string_view b) {
-  constexpr std::size_t kStep = 8;
-  const std::size_t common = std::min(a.size(), b.size());
-  std::size_t at = 0;
-  while (common - at >= kStep &&
-         std::memcmp(a.data() + at, b.data() + at, kStep * sizeof(char16_t)) == 0) {
-    at += kStep;
-  }
-  for (; at < common; ++at) {
-    if (a[at] != b[at]) return a[at] < b[at] ? -1 : 1;
-  }
-  if (a.size() == b.size()) return 0;
-  return a.size() < b.size() ? -1 : 1;
-}
-
-// As std::u16string_view::find, which goes unit by unit.
-std::size_t FindUnits(std::u16string_view whole, std::u16string_view text, std::size_t start) {
-  if (text.empty() || text[0] >= 0x80 || start >= whole.size()) return whole.find(text, start);
-  for (std::size_t at = start; whole.size() - at >= text.size(); ++at) {
-    at += FindUnit(whole.substr(at), static_cast<char>(text[0]));
-    if (whole.size() - at < text.size()) break;
-    if (std::memcmp(whole.data() + at, text.data(), text.size() * sizeof(char16_t)) == 0) return at;
-  }
-  return std::u16string_view::npos;
+// The Unicode library counts in 32 bits. Of a longer text only so much is compared.
+std::int32_t CaseLength(std::u16string_view units) {
+  constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(std::min(units.size(), kMost));
 }
 
 }  // namespace
@@ -83,7 +64,7 @@ char16_t& ovrant_ustring::operator[](unsigned long index) { return units_[index]
 char16_t ovrant_ustring::at(unsigned long index) const { return units_[index]; }
 
 unsigned long ovrant_ustring::find(const ovrant_ustring& text, unsigned long start) const {
-  const std::size_t index = FindUnits(units_, text.units_, start);
+  const std::size_t index = units_.find(text.units_, start);
   return index == std::u16string::npos ? npos : static_cast<unsigned long>(index);
 }
 
@@ -105,11 +86,13 @@ ovrant_ustring ovrant_ustring::Right(int count) const {
 }
 
 int ovrant_ustring::compare(const ovrant_ustring& other) const {
-  return CompareUnits(units_, other.units_);
+  return units_.compare(other.units_);
 }
 
 int ovrant_ustring::compare_nocase(const ovrant_ustring& other) const {
-  return CompareFolded(units_, other.units_);
+  UErrorCode error = U_ZERO_ERROR;
+  return u_strCaseCompare(units_.data(), CaseLength(units_), other.units_.data(),
+                          CaseLength(other.units_), U_FOLD_CASE_DEFAULT, &error);
 }
 
 int ovrant_ustring::to_int() const { return ReadInt(units_); }

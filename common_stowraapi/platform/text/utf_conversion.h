@@ -1,4 +1,4 @@
-// Between the encodings of Unicode text. Texts may have any length and hold NUL.
+// Between the encodings of Unicode text. A text may have any length and hold NUL.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_UTF_CONVERSION_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_UTF_CONVERSION_H_
@@ -12,18 +12,18 @@ namespace ovrant::utils {
 // Each maximal ill-formed part becomes one U+FFFD.
 std::u16string Utf8ToUtf16(std::string_view bytes);
 
-// A lone surrogate becomes U+FFFD. The result for a text that is not short has capacity for
-// kUtf8Spare bytes beyond its size.
+// A lone surrogate becomes U+FFFD. The result of an ASCII text beyond kShortText has capacity for
+// kUtf8Spare more bytes.
 std::string Utf16ToUtf8(std::u16string_view units);
 
-// Units or bytes; the string for such a text is allocated at its size, if at all.
+// Texts up to this many units or bytes are allocated once at most, at their size.
 constexpr std::size_t kShortText = 512;
 
-// Parsers that read in steps pad the text they are given: a long one need not move for that.
+// Parsers pad the text that they read. A long one need not move for that.
 constexpr std::size_t kUtf8Spare = 16;
 
-// From UTF-32, or from UTF-16 where wchar_t has 16 bits. A value that is no Unicode scalar value
-// becomes U+FFFD.
+// From UTF-32, or from UTF-16 where wchar_t has 16 bits. What is not a Unicode scalar value becomes
+// U+FFFD.
 std::u16string WideToUtf16(std::wstring_view wide);
 
 }  // namespace ovrant::utils

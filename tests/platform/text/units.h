@@ -3,35 +3,20 @@
 #ifndef TESTS_PLATFORM_TEXT_UNITS_H_
 #define TESTS_PLATFORM_TEXT_UNITS_H_
 
-#include <cstddef>
-#include <ostream>
 #include <string>
 #include <string_view>
 
 #include "common_stowraapi/platform/ustring.h"
 
-namespace ovrant::utils {
-
-// How GoogleTest shows a string.
-inline void PrintTo(const ovrant_ustring& text, std::ostream* out) {
-  *out << '"' << text.utf8() << '"';
-}
-
-}  // namespace ovrant::utils
-
 namespace stowra_test {
 
 inline std::u16string UnitsOf(const ovrant::utils::ovrant_ustring& text) {
-  std::u16string units;
-  for (unsigned long i = 0; i < text.length(); ++i) units += text.at(i);
-  return units;
+  return std::u16string(text.units());
 }
 
-// A string of any units, lone surrogates too.
+// Any units, lone surrogates included.
 inline ovrant::utils::ovrant_ustring TextOf(std::u16string_view units) {
-  ovrant::utils::ovrant_ustring text(std::string(units.size(), ' ').c_str());
-  for (std::size_t i = 0; i < units.size(); ++i) text[i] = units[i];
-  return text;
+  return ovrant::utils::ovrant_ustring(units);
 }
 
 }  // namespace stowra_test

@@ -1,4 +1,4 @@
-// Format: the conversions against the C library's own, then what it promises beyond that.
+// Format: first against the C library, then what it promises beyond that.
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ namespace {
 using ovrant::utils::ovrant_ustring;
 
 template <typename... Args>
-ovrant_ustring Formatted(const ovrant_ustring& format, const Args&... args) {
+ovrant_ustring Formatted(const ovrant_ustring& format, Args... args) {
   ovrant_ustring text("what was there before");
   text.Format(format, args...);
   return text;
@@ -147,6 +147,9 @@ TEST(UStringFormatTest, TakesEveryKindOfText) {
   EXPECT_EQ(UnitsOf(Formatted("%s|%s|%s", "a\xC3\xA9", wide, string)),
             u"a\u00E9|\u20AC\U0001F600|\u00E9");
   EXPECT_EQ(UnitsOf(Formatted("%ls|%hs", wide, "a")), u"\u20AC\U0001F600|a");
+  const unsigned char bytes[] = {'a', 0xC3, 0xA9, 0};
+  const signed char letters[] = {'b', 'c', 0};
+  EXPECT_EQ(UnitsOf(Formatted("%s|%.1s|%s", bytes, bytes, letters)), u"a\u00E9|a|bc");
   EXPECT_EQ(UnitsOf(Formatted("%s|%s|%.9s", "\xFF", "a\xE2\x82", "a\xE2\x82")),
             u"\uFFFD|a\uFFFD|a\uFFFD");
   const ovrant_ustring nul("a\0b", 3);
@@ -161,6 +164,7 @@ TEST(UStringFormatTest, ANullTextIsEmpty) {
   const char* utf8 = nullptr;
   const wchar_t* wide = nullptr;
   EXPECT_EQ(Formatted("<%s%s%3s>", utf8, wide, utf8), "<   >");
+  EXPECT_EQ(Formatted("<%s%3s>", nullptr, nullptr), "<   >");
 }
 
 TEST(UStringFormatTest, CountsWidthInCodeUnits) {
@@ -228,12 +232,36 @@ TEST(UStringFormatTest, TheArgumentsOwnTypeDecides) {
   EXPECT_EQ(Formatted("%ld %lld", 1, short{-2}), "1 -2");
 }
 
-TEST(UStringFormatTest, ANegativeNumberInAConversionWithoutSignShowsItsOwnBytes) {
+TEST(UStringFormatTest, PromotesIntegersAsCDoes) {
   EXPECT_EQ(Formatted("%x", -1), "ffffffff");
   EXPECT_EQ(Formatted("%x", -1LL), "ffffffffffffffff");
-  EXPECT_EQ(Formatted("%u", short{-1}), "65535");
-  EXPECT_EQ(Formatted("%X", static_cast<signed char>(-2)), "FE");
-  EXPECT_EQ(Formatted("%hhx", -2), "fe");
+  EXPECT_EQ(Formatted("%u", short{-1}), "4294967295");
+  EXPECT_EQ(Formatted("%X", static_cast<signed char>(-2)), "FFFFFFFE");
+  EXPECT_EQ(Formatted("%o", short{-1}), "37777777777");
+  EXPECT_EQ(Formatted("%d %d", static_cast<unsigned char>(200), static_cast<unsigned short>(65535)),
+            "200 65535");
+  EXPECT_EQ(Formatted("%x %d", true, false), "1 0");
+  EXPECT_EQ(Formatted("%hhx %hx %hhd", -2, -2, 200), "fe fffe -56");
+}
+
+TEST(UStringFormatTest, WritesEnumeratorsAsNumbers) {
+  enum Plain { kPlain = 7 };
+  enum class Scoped : short { kValue = -3 };
+  enum class Large : unsigned long long { kValue = ULLONG_MAX };
+  EXPECT_EQ(Formatted("%d %i %u", kPlain, Scoped::kValue, Large::kValue),
+            "7 -3 18446744073709551615");
+  EXPECT_EQ(Formatted("%x %.1f", Scoped::kValue, kPlain), "fffffffd 7.0");
+}
+
+struct Constants {
+  static const int kCount = 12;
+  static const char kLetter = 'k';
+  enum { kFlag = 4 };
+};
+
+TEST(UStringFormatTest, TakesInClassConstantsThatAreNotDefined) {
+  EXPECT_EQ(Formatted("%d %c %d", Constants::kCount, Constants::kLetter, Constants::kFlag),
+            "12 k 4");
 }
 
 TEST(UStringFormatTest, WritesCharactersByCodeUnitOrCodePoint) {
@@ -254,6 +282,8 @@ TEST(UStringFormatTest, WritesPointers) {
   EXPECT_EQ(Formatted("%p", &object).utf8(), "0x" + hex);
   EXPECT_EQ(Formatted("<%5p><%-5p>", static_cast<void*>(nullptr), static_cast<char*>(nullptr)),
             "<  0x0><0x0  >");
+  EXPECT_EQ(Formatted("%p", nullptr), "0x0");
+  EXPECT_EQ(Formatted("%+ #020.9p", nullptr), "                 0x0");
 }
 
 TEST(UStringFormatTest, WritesNothingForN) {

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "common_stowraapi/platform/ustring.h"
-#include "tests/platform/text/units.h"
 #include "tests/platform/text/comma_locale.h"
+#include "tests/platform/text/units.h"
 
 namespace stowra_test {
 namespace {

@@ -1,5 +1,5 @@
-// The text type, operation by operation. Conversion, case, numbers and Format have files of their
-// own.
+// The text type, operation by operation. Conversion, case, numbers, overloads and Format have files
+// of their own.
 
 #include "common_stowraapi/platform/ustring.h"
 
@@ -135,11 +135,9 @@ TEST(UStringTest, AssignsBytesThatLieInsideItself) {
   EXPECT_EQ(text.utf8(), expected);
 }
 
-TEST(UStringTest, LongUtf8HasRoomForPadding) {
-  for (const std::string& bytes :
-       {std::string(513, 'a'), std::string(5000, 'a'), std::string(513, 'a') + "\xE2\x82\xAC",
-        std::string(3000, '\xFF'), std::string(2000, 'a') + std::string(512, '\xFF')}) {
-    const std::string utf8 = ovrant_ustring(bytes.data(), bytes.size()).utf8();
+TEST(UStringTest, LongAsciiHasRoomForPadding) {
+  for (const std::size_t size : {513u, 2048u, 2049u, 5000u}) {
+    const std::string utf8 = ovrant_ustring(std::string(size, 'a')).utf8();
     EXPECT_GE(utf8.capacity(), utf8.size() + 16);
   }
 }

@@ -1,5 +1,5 @@
-// Conversion against a plain second writing of the rules, at every place where the fast one changes
-// its step.
+// Conversion against a second, plain implementation, around every size at which the fast one
+// changes its step.
 
 #include "common_stowraapi/platform/text/utf_conversion.h"
 
@@ -19,14 +19,11 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::utils::IsAscii;
+using ovrant::utils::ConvertAscii;
 using ovrant::utils::kAsciiBlock;
-using ovrant::utils::kAsciiQuad;
 using ovrant::utils::kAsciiStretch;
-using ovrant::utils::NarrowAscii;
 using ovrant::utils::Utf16ToUtf8;
 using ovrant::utils::Utf8ToUtf16;
-using ovrant::utils::WidenAscii;
 
 constexpr char32_t kReplacement = 0xFFFD;
 
@@ -106,7 +103,7 @@ std::string PlainUtf8(std::u16string_view units) {
   return bytes;
 }
 
-// Shows where two long texts part, not the texts.
+// Shows where two long texts differ, not the texts.
 template <typename Text>
 testing::AssertionResult Same(const Text& actual, const Text& expected) {
   if (actual == expected) return testing::AssertionSuccess();
@@ -116,7 +113,7 @@ testing::AssertionResult Same(const Text& actual, const Text& expected) {
 }
 
 void ExpectConverted(const std::string& bytes) {
-  // Without a byte behind it that a tool would not notice being read.
+  // A copy of exactly that size: a sanitizer sees a read behind it.
   const auto exact = std::make_unique<char[]>(bytes.size());
   bytes.copy(exact.get(), bytes.size());
   const std::u16string units = Utf8ToUtf16({exact.get(), bytes.size()});
@@ -148,9 +145,9 @@ TEST(UtfConversionTest, ConvertsEveryTwoBytes) {
   }
 }
 
-// Text is converted in windows and steps of powers of two. A character of each length, whole, cut
-// short or wrong, at each place near such a boundary, in ASCII and in dense text.
-TEST(UtfConversionTest, ConvertsAcrossItsStepsAndWindows) {
+// Steps and blocks are powers of two. The test puts a character of each length near each boundary:
+// whole, cut short or wrong, in ASCII and in dense text.
+TEST(UtfConversionTest, ConvertsAcrossItsSteps) {
   const std::vector<std::string> parts{
       "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xE2\x82",     "\xF0\x9F\x98", "\xF0\x9F",
       "\xF0",     "\x80",         "\x80\x80\x80",     "\xED\xA0\x80", "\xF4\x90\x80", "\xC0\xAF",
@@ -169,7 +166,7 @@ TEST(UtfConversionTest, ConvertsAcrossItsStepsAndWindows) {
   }
 }
 
-TEST(UtfConversionTest, EncodesAcrossItsStepsAndWindows) {
+TEST(UtfConversionTest, EncodesAcrossItsSteps) {
   const std::vector<std::u16string> parts{u"\u00E9", u"\u20AC", u"\U0001F600",
                                           u"\xD83D", u"\xDE00", u"\xDE00\xD83D"};
   for (const std::u16string& filler : {std::u16string(u"a"), std::u16string(u"\u0416")}) {
@@ -187,7 +184,7 @@ TEST(UtfConversionTest, EncodesAcrossItsStepsAndWindows) {
   }
 }
 
-// Texts of runs of all kinds and lengths, the same ones each time.
+// Runs of all kinds and lengths. The seed is fixed.
 TEST(UtfConversionTest, ConvertsMixedTextAndNoise) {
   const std::vector<std::string> pieces{"a",    "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
                                         "\x80", "\xE2",     "\xF0\x9F",     "\xED\xA0"};
@@ -217,14 +214,12 @@ TEST(UtfConversionTest, EncodesNoise) {
   }
 }
 
-TEST(AsciiRunTest, NoUnitBeyondAsciiIsTakenForIt) {
+TEST(AsciiRunTest, RejectsEveryUnitBeyondAscii) {
   for (unsigned value = 0; value <= 0xFFFF; ++value) {
     const std::u16string units(kAsciiStretch, static_cast<char16_t>(value));
     char bytes[kAsciiStretch];
-    for (const std::size_t length : {std::size_t{1}, kAsciiQuad, kAsciiBlock, kAsciiStretch}) {
-      const std::u16string_view part(units.data(), length);
-      ASSERT_EQ(IsAscii(part), value < 0x80) << value;
-      ASSERT_EQ(NarrowAscii(units.data(), length, bytes), value < 0x80 ? length : 0) << value;
+    for (const std::size_t length : {std::size_t{1}, kAsciiBlock, kAsciiStretch}) {
+      ASSERT_EQ(ConvertAscii(units.data(), length, bytes), value < 0x80 ? length : 0) << value;
     }
   }
 }
@@ -241,10 +236,8 @@ TEST(AsciiRunTest, StopsAtTheFirstUnitThatIsNotAscii) {
       }
       const auto wide = std::make_unique<char16_t[]>(length);
       const auto narrow = std::make_unique<char[]>(length);
-      ASSERT_EQ(IsAscii(std::string_view(bytes)), stop == length);
-      ASSERT_EQ(IsAscii(std::u16string_view(units)), stop == length);
-      ASSERT_EQ(WidenAscii(bytes.data(), length, wide.get()), stop);
-      ASSERT_EQ(NarrowAscii(units.data(), length, narrow.get()), stop);
+      ASSERT_EQ(ConvertAscii(bytes.data(), length, wide.get()), stop);
+      ASSERT_EQ(ConvertAscii(units.data(), length, narrow.get()), stop);
       ASSERT_EQ(std::u16string_view(wide.get(), stop), std::u16string_view(units).substr(0, stop));
       ASSERT_EQ(std::string_view(narrow.get(), stop), std::string_view(bytes).substr(0, stop));
     }
