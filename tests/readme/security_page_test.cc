@@ -21,6 +21,7 @@ using ovrant::internet::ResponseHead;
 
 constexpr std::size_t kKib = 1024;
 constexpr std::size_t kMib = 1024 * kKib;
+constexpr std::size_t kGib = 1024 * kMib;
 
 std::string Page() {
   std::ifstream file(STOWRA_SECURITY_PAGE);
@@ -49,17 +50,12 @@ TEST(SecurityPageTest, StatesTheLimitsOfXml) {
   namespace xml = ovrant::xml;
   ExpectRow("XML: levels of elements", std::to_string(xml::kMaxDepth) + " |");
   ExpectRow("XML: a namespace URI", std::to_string(xml::kMaxNamespaceUri) + " bytes |");
-  ExpectRow("XML: entities that refer to other declared ones",
-            std::to_string(xml::kMaxNestedEntities) + " |");
-  ExpectRow("XML: what entities add", std::to_string(static_cast<int>(xml::kMaxEntityGrowth)) +
-                                          " times the document, once that is " +
-                                          std::to_string(xml::kMinEntityBytes / kMib) + " MiB |");
+  const std::size_t added = xml::MemoryLimit(0);
+  const std::size_t per_byte = xml::MemoryLimit(1) - added;
   ExpectRow("XML: bytes of the tree, and of the parser",
-            "each " + std::to_string(xml::kTreeBytesPerByte) + " times the document and " +
-                std::to_string(xml::kTreeBytesBesides / kMib) + " MiB |");
-  ExpectRow("XML: what declarations make the parser do",
-            std::to_string(xml::kDeclarationCostPerByte) + " looks or bytes a byte, and " +
-                std::to_string(xml::kDeclarationCostBesides / kMib) + " MiB |");
+            "each " + std::to_string(per_byte) + " times the document and " +
+                std::to_string(added / kMib) + " MiB |");
+  ExpectRow("XML: document", std::to_string(xml::kMaxDocument / kGib) + " GiB |");
 }
 
 }  // namespace
