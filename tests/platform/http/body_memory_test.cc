@@ -56,8 +56,6 @@ TEST_F(BodyMemoryTest, EnlargingKeepsTheBytes) {
   for (std::size_t i = 0; i < kMiddling; ++i) ASSERT_EQ(moved[i], 1);
 }
 
-TEST_F(BodyMemoryTest, FreesNull) { BodyMemory::Free(nullptr); }
-
 TEST_F(BodyMemoryTest, KeepsAPieceForABodyThatFillsMostOfIt) {
   BodyMemory::KeepFreed(true);
   const std::uintptr_t place = PlaceOf(kMiddling);
