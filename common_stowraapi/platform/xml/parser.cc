@@ -58,8 +58,8 @@ class TreeBuilder {
     XML_SetEntityDeclHandler(parser, OnEntityDeclaration);
     XML_SetAttlistDeclHandler(parser, OnAttributeDeclaration);
     XML_SetSkippedEntityHandler(parser, OnSkippedEntity);
-    // Otherwise the parser skips, behind the first parameter entity, what the document declares.
-    // Nothing external is read either way: that takes a handler.
+    // Without this the parser passes over all declarations behind a parameter entity. It still
+    // reads nothing external, which would take a handler.
     XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_ALWAYS);
   }
 

@@ -22,7 +22,7 @@ struct XmlNode {
   std::string text;  // all inside, with the white space around it
   std::vector<XmlNode*> children;
 
-  // Null if there is none.
+  // Null if it does not exist.
   const XmlNode* Child(std::string_view child_name) const;
   const XmlNode* NextSibling(std::string_view sibling_name) const;
   std::optional<std::string> Attribute(const std::string& attribute_name) const;
