@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <new>
+#include <string>
 
 #include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/platform/observer.h"
@@ -66,6 +68,28 @@ TEST(NotificationAllocationTest, FailedAddKeepsTheObserversOtherNames) {
                   EXPECT_EQ(CallsOf(added.observer), outcome.threw ? 1 : 2);
                 }),
             2);
+}
+
+TEST(NotificationAllocationTest, NamesWithoutObserversLeaveNoMemory) {
+  CountingObserver neighbour;
+  Center().AddObserver(kName, &neighbour);
+  CountingObserver observer;
+  bool threw = true;
+  for (long allowed = 0; threw; ++allowed) {
+    const std::string name = kOtherName + std::to_string(allowed);
+    const MemoryWatch watch;
+    try {
+      const FailingMalloc failing(allowed);
+      Center().AddObserver(name.c_str(), &observer);
+      threw = false;
+    } catch (const std::bad_alloc&) {
+    }
+    if (!threw) {
+      EXPECT_GT(watch.blocks(), 2);
+      Center().RemoveObserver(&observer);
+    }
+    EXPECT_EQ(watch.blocks(), 0) << allowed;
+  }
 }
 
 // Adds and removes another observer many times inside one notification.

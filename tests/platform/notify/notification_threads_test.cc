@@ -50,39 +50,30 @@ class BusyObserver {
   std::thread sender_;
 };
 
+// Lets the observer go and removes it. Returns whether the removal waited for the observer's call.
+bool RemovalWaits(BusyObserver& busy, Event& removed) {
+  busy.LetGo();
+  Center().RemoveObserver(&busy.observer());
+  const bool had_left = busy.has_left();
+  removed.Set();
+  return had_left;
+}
+
 TEST_F(NotificationCenterTest, RemovalWaitsForACallOnAnotherThread) {
   Event removed;
-  std::atomic<bool> returned_too_early{false};
-  BusyObserver busy([&] { returned_too_early = removed.Wait(kTooEarly); });
-  std::atomic<bool> had_left{false};
-  std::thread remover([&] {
-    busy.LetGo();
-    Center().RemoveObserver(&busy.observer());
-    had_left = busy.has_left();
-    removed.Set();
-  });
-  remover.join();
-  EXPECT_TRUE(had_left);
-  EXPECT_FALSE(returned_too_early);
+  BusyObserver busy([&] { removed.Wait(kTooEarly); });
+  EXPECT_TRUE(RemovalWaits(busy, removed));
 }
 
 TEST_F(NotificationCenterTest, SecondRemovalWaitsForACallOnAnotherThread) {
   Event removed;
-  std::atomic<bool> returned_too_early{false};
-  BusyObserver busy([&] { returned_too_early = removed.Wait(kTooEarly); });
+  BusyObserver busy([&] { removed.Wait(kTooEarly); });
   // The first removal is inside a delivery, so it does not wait.
   Observer inside([&] { Center().RemoveObserver(&busy.observer()); });
   Center().AddObserver(kOtherName, &inside);
   Send(kOtherName);
   EXPECT_FALSE(busy.has_left());
-
-  std::thread remover([&] {
-    busy.LetGo();
-    Center().RemoveObserver(&busy.observer());
-    removed.Set();
-  });
-  remover.join();
-  EXPECT_FALSE(returned_too_early);
+  EXPECT_TRUE(RemovalWaits(busy, removed));
 }
 
 // Each observer but the last sends to the next one, so all are being called on one thread.
@@ -94,7 +85,6 @@ TEST_F(NotificationCenterTest, RemovalWaitsForACallAmongNestedOnes) {
     Event let_go;
     Event returned;
     std::atomic<bool> left{false};
-    std::atomic<bool> returned_too_early{false};
     std::vector<std::unique_ptr<Observer>> observers;
     for (std::size_t depth = 0; depth < kDepth; ++depth) {
       observers.push_back(std::make_unique<Observer>([&, depth] {
@@ -103,7 +93,7 @@ TEST_F(NotificationCenterTest, RemovalWaitsForACallAmongNestedOnes) {
         } else {
           all_inside.Set();
           EXPECT_TRUE(let_go.Wait());
-          returned_too_early = returned.Wait(kTooEarly / 4);
+          returned.Wait(kTooEarly / 4);
         }
         if (depth == removed) left = true;
       }));
@@ -111,15 +101,11 @@ TEST_F(NotificationCenterTest, RemovalWaitsForACallAmongNestedOnes) {
     }
     std::thread sender([&] { Send(name(0).c_str()); });
     EXPECT_TRUE(all_inside.Wait());
-    std::thread remover([&] {
-      let_go.Set();
-      Center().RemoveObserver(observers[removed].get());
-      EXPECT_TRUE(left) << removed;
-      returned.Set();
-    });
-    remover.join();
+    let_go.Set();
+    Center().RemoveObserver(observers[removed].get());
+    EXPECT_TRUE(left) << removed;
+    returned.Set();
     sender.join();
-    EXPECT_FALSE(returned_too_early) << removed;
   }
 }
 
