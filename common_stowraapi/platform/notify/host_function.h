@@ -3,7 +3,6 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_HOST_FUNCTION_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_HOST_FUNCTION_H_
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -58,14 +57,12 @@ class HostFunction {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       current_.swap(next);
-      is_set_ = current_ != nullptr;
     }
     if (next) next->Close();
   }
 
   // Null if none is set.
   std::shared_ptr<Set> Current() const {
-    if (!is_set_) return nullptr;
     const std::lock_guard<std::mutex> lock(mutex_);
     return current_;
   }
@@ -73,7 +70,6 @@ class HostFunction {
  private:
   mutable std::mutex mutex_;
   std::shared_ptr<Set> current_;
-  std::atomic<bool> is_set_{false};
 };
 
 }  // namespace ovrant::internet
