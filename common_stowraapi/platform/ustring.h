@@ -173,8 +173,6 @@ class STOWRA_EXPORT ovrant_ustring {
   }
 
  private:
-  friend struct UstringUnits;
-
   void FormatArguments(const ovrant_ustring& format, const FormatArgument* args, std::size_t count);
 
   std::u16string units_;
@@ -208,8 +206,8 @@ inline ovrant_ustring operator+(const char* left, const ovrant_ustring& right) {
 // Headers and caches: ordered by ovrant_ustring::compare.
 using StringMap = std::map<ovrant_ustring, ovrant_ustring>;
 
-// What follows the last '/' of `path` (on Windows the last '/' or '\\'). Without `with_extension`
-// the last '.' and what follows it is left out too, unless the name begins there.
+// What follows the last '/' of `path` (on Windows the last '/' or '\\'). Without `with_extension`,
+// leaves out the last '.' and what follows it, unless the name begins with that '.'.
 STOWRA_EXPORT ovrant_ustring GetFileName(const ovrant_ustring& path, bool with_extension);
 
 }  // namespace ovrant::utils

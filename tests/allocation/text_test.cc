@@ -29,7 +29,8 @@ struct Subject {
   ovrant_ustring text{kBefore};
 };
 
-// `work` throws whenever it has no memory, and leaves the text as it was. Returns how often.
+// Checks that `work` throws without memory and leaves the text as it was. Returns how often it
+// threw.
 long FailWorkOnText(const std::function<void(ovrant_ustring&)>& work) {
   return FailEachAllocation<Subject>([&](Subject& subject) { work(subject.text); },
                                      [](Subject& subject, Outcome outcome) {
@@ -53,7 +54,11 @@ TEST_F(TextAllocationTest, ChangesThrowAndKeepTheText) {
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text = long_; }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text = ascii_.c_str(); }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text.assign_utf8(mixed_.c_str()); }), 0);
+  EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text = mixed_; }), 0);
+  EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text = long_.units(); }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text += long_; }), 0);
+  EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text += mixed_; }), 0);
+  EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text += long_.units(); }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text += text; }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring& text) { text.replace_all("t", long_); }), 0);
 }
@@ -84,12 +89,16 @@ TEST_F(TextAllocationTest, ReadingThrowsAndKeepsTheText) {
   EXPECT_GT(FailWorkOnText([](ovrant_ustring& text) { text.TokenizeToVector(" "); }), 1);
   EXPECT_GT(FailWorkOnText([](ovrant_ustring& text) { GetFileName(text, false); }), 1);
   EXPECT_GT(FailWorkOnText([](ovrant_ustring& text) { text + "abc"; }), 0);
+  EXPECT_GT(FailWorkOnText([](ovrant_ustring& text) { "abc" + text; }), 0);
+  EXPECT_GT(FailWorkOnText([](ovrant_ustring& text) { text + text; }), 0);
 }
 
 TEST_F(TextAllocationTest, ConstructionThrows) {
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring(ascii_.c_str()); }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring(mixed_.data(), 8000); }), 0);
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring(wide_.c_str()); }), 0);
+  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring copy(mixed_); }), 0);
+  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring copy(long_.units()); }), 0);
   const StringMap map = {{long_, kBefore}, {kBefore, long_}};
   EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { const StringMap copy(map); }), 5);
 }
@@ -116,6 +125,7 @@ TEST_F(TextAllocationTest, ComparingNeedsNoMemory) {
     bool right = text.compare(long_) != 0 && long_.compare_nocase(long_) == 0;
     right = right && sharp.compare_nocase(double_s) == 0;
     right = right && text.find(long_, 0) == ovrant_ustring::npos && text.to_int() == 0;
+    right = right && std::hash<ovrant_ustring>()(text) != std::hash<ovrant_ustring>()(long_);
     if (!right) throw std::bad_alloc();
   };
   EXPECT_EQ(FailWorkOnText(compare), 0);

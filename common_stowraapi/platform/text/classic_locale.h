@@ -3,7 +3,7 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_CLASSIC_LOCALE_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_CLASSIC_LOCALE_H_
 
-#include <locale.h>
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): for newlocale
 #if defined(__APPLE__)
 #include <xlocale.h>
 #endif

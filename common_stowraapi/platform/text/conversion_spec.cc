@@ -59,8 +59,7 @@ class Reader {
     }
   }
 
-  // Digits, or an argument for '*'; 0 for neither. What does not fit an int is cut to -kMost or
-  // kMost.
+  // Reads digits, or takes an argument for '*'. Gives 0 for neither, and at most kMost or -kMost.
   int ReadCount() {
     if (Skip(u'*')) return CountOf(args_.Take());
     int count = 0;

@@ -33,14 +33,14 @@ struct ConversionSpec {
   bool zero = false;       // '0'
   int width = 0;
   int precision = kNoPrecision;
-  int bytes = 0;             // 1 for "hh", 2 for "h", else 0: the argument's own
-  char16_t type = 0;         // the conversion's letter; 0 where the format ends before it
-  bool fits = true;          // false when a '*' met no integer
-  std::u16string_view text;  // all of it, from the '%' on
+  int bytes = 0;             // 1 for "hh", 2 for "h", else 0 (the argument's own)
+  char16_t type = 0;         // the conversion's letter, or 0 if the format ends before it
+  bool fits = true;          // false if a '*' had no integer
+  std::u16string_view text;  // the whole conversion, with the '%'
 };
 
-// Reads the conversion at the start of `format`, which begins with '%', and takes the argument of
-// each '*' in it.
+// Reads the conversion at the start of `format`. Takes an argument for each '*' in it.
+// REQUIRES: `format` begins with '%'.
 ConversionSpec ReadConversion(std::u16string_view format, ArgumentList& args);
 
 }  // namespace ovrant::utils

@@ -1,4 +1,4 @@
-// Searching UTF-16 as fast as bytes.
+// Searches UTF-16 for one character.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_FIND_UNIT_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_FIND_UNIT_H_
@@ -9,8 +9,8 @@
 
 namespace ovrant::utils {
 
-// The first occurrence of an ASCII character; text.size() if there is none. std::memchr looks at
-// many bytes in one step, and few bytes equal the character without being part of it.
+// Index of the first occurrence of an ASCII character, or text.size(). std::memchr tests many bytes
+// in one step. Few of those that it finds belong to another unit.
 inline std::size_t FindUnit(std::u16string_view text, char character) {
   const char* const bytes = reinterpret_cast<const char*>(text.data());
   const std::size_t size = text.size() * sizeof(char16_t);

@@ -16,7 +16,7 @@ namespace {
 
 using Kind = FormatArgument::Kind;
 
-// `value` is a long long, an unsigned long long or a double, as `length` and `type` require.
+// `value` has the type that `length` and `type` require.
 template <typename Value>
 std::string Print(const ConversionSpec& spec, const char* length, char16_t type, Value value) {
   std::string format = "%";
@@ -69,14 +69,13 @@ std::string FormatInteger(const ConversionSpec& spec, const FormatArgument& arg)
     const int unused = 64 - CHAR_BIT * (spec.bytes != 0 ? spec.bytes : integer.bytes);
     return Print<unsigned long long>(spec, "ll", spec.type, integer.bits << unused >> unused);
   }
-  if (spec.bytes == 1)
-    return Print<long long>(spec, "ll", u'd', static_cast<signed char>(integer.bits));
-  if (spec.bytes == 2) return Print<long long>(spec, "ll", u'd', static_cast<short>(integer.bits));
-  const auto number = static_cast<long long>(integer.bits);
-  if (number < 0 && !integer.is_signed) {
-    return Print<unsigned long long>(spec, "ll", u'u', integer.bits);
+  if (spec.bytes != 0) {
+    const char* const length = spec.bytes == 1 ? "hh" : "h";
+    return Print(spec, length, u'd', static_cast<int>(integer.bits));
   }
-  return Print(spec, "ll", u'd', number);
+  const auto number = static_cast<long long>(integer.bits);
+  if (number >= 0 || integer.is_signed) return Print(spec, "ll", u'd', number);
+  return Print<unsigned long long>(spec, "ll", u'u', integer.bits);
 }
 
 std::string FormatFloating(const ConversionSpec& spec, const FormatArgument& arg) {

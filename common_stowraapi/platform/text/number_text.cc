@@ -15,7 +15,7 @@ namespace {
 bool IsSpace(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); }
 bool IsDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-// Removes the white space around `text` and its sign; true if that is a minus.
+// Removes the sign and the white space around `text`. True if the sign is a minus.
 bool TrimAndTakeSign(std::u16string_view& text) {
   while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
@@ -46,7 +46,7 @@ bool IsUnsignedDecimal(std::u16string_view text) {
   return TakeDigits(text) > 0 && text.empty();
 }
 
-// The nearest float to `decimal`, which IsUnsignedDecimal; 0 if it does not fit.
+// 0 if the number does not fit a float. REQUIRES: IsUnsignedDecimal.
 float NearestFloat(const std::string& decimal) {
   const ClassicLocale classic;
   const float value = std::strtof(decimal.c_str(), nullptr);

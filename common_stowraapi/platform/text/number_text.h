@@ -1,4 +1,4 @@
-// Reading decimal numbers, whatever the locale.
+// Reads decimal numbers, in any locale.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_NUMBER_TEXT_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_NUMBER_TEXT_H_
@@ -7,13 +7,12 @@
 
 namespace ovrant::utils {
 
-// The whole text must be one decimal number with an optional sign; ASCII white space around it is
-// allowed. Anything else, or a number that does not fit, gives 0.
+// The whole text must be one decimal number. A sign, and ASCII white space around it, are allowed.
+// Any other text, and a number that does not fit, gives 0.
 
 int ReadInt(std::u16string_view text);
 
-// Digits with an optional point before, among or behind them and an optional exponent. Gives the
-// nearest float.
+// Gives the nearest float. The number may have a point anywhere and an exponent.
 float ReadFloat(std::u16string_view text);
 
 }  // namespace ovrant::utils

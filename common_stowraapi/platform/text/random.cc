@@ -5,8 +5,8 @@
 
 namespace {
 
-// The state of the generator SplitMix64. A draw adds a constant and scrambles the sum, so that one
-// atomic addition gives each thread a number of its own.
+// The state of the generator SplitMix64. A draw adds a constant and scrambles the sum. The atomic
+// addition gives each thread its own number.
 std::atomic<std::uint64_t> state{0};
 
 std::uint32_t Draw() {
@@ -23,8 +23,8 @@ void Random::SetSeed(unsigned int seed) { state.store(seed, std::memory_order_re
 
 int Random::GetValue(int low, int high) {
   if (high <= low) return low;
-  // The high half of draw * range is the result; the few draws that would make some results
-  // likelier than others are those whose low half is below 2^32 % range.
+  // The high half of draw * range is the result. A few draws would make some results likelier than
+  // others: those whose low half is below 2^32 % range.
   const std::uint64_t range =
       static_cast<std::uint64_t>(std::int64_t{high} - std::int64_t{low}) + 1;
   const std::uint64_t unfair = (std::uint64_t{1} << 32) % range;

@@ -1,4 +1,4 @@
-// The code units of a string, for the platform's own use.
+// A string's code units, as ovrant_ustring::units() and assignment give them.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_USTRING_UNITS_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_USTRING_UNITS_H_
@@ -11,11 +11,10 @@ namespace ovrant::utils {
 
 struct UstringUnits {
   // Valid until the string is next changed.
-  static std::u16string_view Of(const ovrant_ustring& text) { return text.units_; }
+  static std::u16string_view Of(const ovrant_ustring& text) { return text.units(); }
 
-  // Replaces the content, in the memory that the string has if that is enough. `units` may be a
-  // part of it.
-  static void Set(std::u16string_view units, ovrant_ustring& text) { text.units_ = units; }
+  // Replaces the content. `units` may be a part of the string.
+  static void Set(std::u16string_view units, ovrant_ustring& text) { text = units; }
 };
 
 }  // namespace ovrant::utils

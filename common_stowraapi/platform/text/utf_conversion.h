@@ -1,4 +1,4 @@
-// Between the encodings of Unicode text. A text may have any length and hold NUL.
+// Converts text between Unicode encodings. A text may have any length and contain NUL.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_UTF_CONVERSION_H_
 #define COMMON_STOWRAAPI_PLATFORM_TEXT_UTF_CONVERSION_H_

@@ -93,7 +93,7 @@ void FormatNumber(Input& input, ovrant_ustring& text, std::u16string& units) {
   } else if (conversion == 7) {
     FormatAsPrinted(written + "llx", static_cast<unsigned long long>(bits), text, units);
   } else {
-    // No number of any size: those beyond 10^308 would not fit the buffer, nor would their digits.
+    // The number stays small enough for the buffer.
     double value = static_cast<double>(static_cast<std::int64_t>(bits));
     for (std::size_t i = input.Below(40); i > 0; --i) value /= 16;
     FormatAsPrinted(written + "aAeEfFgG"[conversion - 8], value, text, units);
@@ -133,8 +133,9 @@ void FormatText(Input& input, const ovrant_ustring& argument, const std::u16stri
   units = u"<" + Padded(shown, width, left) + u">";
 }
 
-// What holds whatever the format: nothing but it and its arguments counts, what is no conversion is
-// copied, and nothing is as long as a format that asked for all columns in each of its units.
+// Checks what holds for any format. Only the format and the arguments decide the result. Text
+// before the first conversion is copied. No result is longer than all columns in each unit would
+// make it.
 void FormatAnything(Input& input, const ovrant_ustring& argument, ovrant_ustring& text,
                     std::u16string& units) {
   constexpr std::size_t kLongestFormat = 24;

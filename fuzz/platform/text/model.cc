@@ -13,8 +13,8 @@ constexpr char16_t kReplacement = 0xFFFD;
 bool IsFirst(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsSecond(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
-// How a character goes on after its first byte: the number of bytes that follow, 0 for one that
-// begins none, and the range of the next. All others are from 80 to BF.
+// What may follow a first byte: how many bytes (0 if it begins no character), and the range of the
+// next one. All later ones are from 80 to BF.
 struct Lead {
   int following = 0;
   unsigned int low = 0x80;
@@ -46,7 +46,7 @@ bool IsSpace(char16_t unit) {
          unit == '\r';
 }
 
-// ASCII without the white space around it; nothing for any other text.
+// The text without the white space around it. Nothing if it is not ASCII.
 std::optional<std::string> TrimmedAscii(std::u16string_view units) {
   std::string text;
   for (const char16_t unit : units) {
@@ -97,8 +97,7 @@ bool IsOfOneCase(char16_t unit) {
          (unit >= 0x4E00 && unit <= 0x9FFF) || unit == 0xFFFD;
 }
 
-// The second half of a letter of an alphabet beyond 16 bits, forty capital ones before as many
-// small ones.
+// The second half of a Deseret letter: forty capital letters, then forty small ones.
 bool IsDeseret(char16_t second) { return second >= 0xDC00 && second <= 0xDC4F; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Text operations written again, as plainly as can be, over code units.
+// A second, plain implementation of the text operations, over code units.
 
 #ifndef FUZZ_PLATFORM_TEXT_MODEL_H_
 #define FUZZ_PLATFORM_TEXT_MODEL_H_
@@ -24,7 +24,7 @@ std::u16string DecodeUtf32(const std::vector<std::uint32_t>& codes);
 // Negative, zero or positive.
 int CompareUnits(std::u16string_view a, std::u16string_view b);
 
-// In full case folding; nothing for a text with units of which this does not know how they fold.
+// In full case folding. Empty if the model does not know how a unit folds.
 std::optional<std::u16string> Folded(std::u16string_view units);
 
 int ToInt(std::u16string_view units);

@@ -1,6 +1,6 @@
-// Operations on a few texts beside the same on a model of code units. Input: for each step a byte
-// that says which operation, one that says on which texts, and what the operation takes. After the
-// last one each text is read back.
+// Does the same operations on a few texts and on a model of code units. Each step of the input is a
+// byte for the operation, one for the texts, and what the operation takes. At the end each text is
+// read back.
 
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +25,7 @@ using stowra_fuzz::Input;
 // Units. A text that grows beyond it begins again with nothing.
 constexpr std::size_t kLongest = 700;
 
-// Steps beyond it are not taken.
+// The rest of the input is ignored.
 constexpr int kMostSteps = 150;
 
 constexpr int kMost = std::numeric_limits<int>::max();
@@ -35,6 +35,7 @@ int Sign(int number) { return number < 0 ? -1 : number > 0 ? 1 : 0; }
 
 bool Equal(const ovrant_ustring& text, std::u16string_view units) {
   if (text.length() != units.size() || text.empty() != units.empty()) return false;
+  if (text.units() != units) return false;
   for (std::size_t i = 0; i < units.size(); ++i) {
     if (text.at(i) != units[i]) return false;
   }
@@ -144,6 +145,8 @@ class Machine {
     const std::string_view bytes = Bytes();
     a.text = ovrant_ustring(bytes.data(), bytes.size());
     a.units = stowra_fuzz::DecodeUtf8(bytes);
+    FUZZ_CHECK(ovrant_ustring(bytes) == a.text);
+    FUZZ_CHECK(ovrant_ustring(a.units) == a.text);
   }
 
   void FromTerminated(Text& a) {
@@ -180,7 +183,7 @@ class Machine {
     a.units = std::u16string(b.units);
   }
 
-  // What is left of the source is not said; it begins again with nothing.
+  // A moved-from text may hold anything, so it is emptied.
   static void Move(Text& a, Text& b) {
     ovrant_ustring moved(std::move(b.text));
     b.text = ovrant_ustring();

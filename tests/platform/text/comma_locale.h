@@ -15,13 +15,13 @@
 
 namespace stowra_test {
 
-// The process is in such a locale while this lives; the test fails where there can be none. A
-// system that has none installed gets one compiled, of nothing but that decimal point.
+// Sets such a locale for the process and goes back to "C" at the end. If none is installed, it
+// compiles one that has only that decimal point. If that fails, the test fails.
 class CommaLocale {
  public:
   CommaLocale() {
     const bool found = Set("de_DE.UTF-8") || Set("fr_FR.UTF-8") || (Compile() && Set("comma"));
-    EXPECT_TRUE(found) << "no locale with a decimal comma, and none could be made";
+    EXPECT_TRUE(found) << "no locale has a decimal comma, and localedef made none";
   }
   ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
 
@@ -52,7 +52,7 @@ class CommaLocale {
     source << "LC_NUMERIC\ndecimal_point \"<U002C>\"\nthousands_sep \"\"\ngrouping -1\n"
               "END LC_NUMERIC\n";
     source.close();
-    // It complains of each category that is not there, and writes the locale all the same.
+    // localedef warns of each missing category and writes the locale.
     const std::string command = "cd '" + folder +
                                 "' && localedef -c --no-archive -f ./charmap -i ./source ./comma "
                                 ">messages 2>&1 || test -e comma/LC_NUMERIC";

@@ -20,8 +20,8 @@ TEST(FindUnitTest, GivesTheSizeWithoutOne) {
   EXPECT_EQ(FindUnit(u"abc", '&'), 3U);
 }
 
-TEST(FindUnitTest, IsNotMisledByTheBytesOfOtherCharacters) {
-  // Either byte of these is that of '&'; side by side they also hold one across their border.
+TEST(FindUnitTest, IgnoresTheBytesOfOtherCharacters) {
+  // Each of these has a byte of '&', and so have two neighbours together.
   const std::u16string others = u"\u2600\u0126\u2626\u2600\u2600\u0026";
   EXPECT_EQ(FindUnit(others, '&'), others.size() - 1);
   EXPECT_EQ(FindUnit(std::u16string_view(others).substr(0, others.size() - 1), '&'),

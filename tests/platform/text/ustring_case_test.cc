@@ -1,4 +1,4 @@
-// Comparing without regard to case.
+// compare_nocase.
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ TEST(UStringCaseTest, OrdersByTheFoldedUnits) {
   ExpectOrder("A", "b", -1);
   ExpectOrder("ab", "ABC", -1);
   ExpectOrder("", "a", -1);
-  // "_" lies between the two cases: letters count as the small ones.
+  // "_" lies between the capital and the small letters. Letters compare as small ones.
   ExpectOrder("Z", "_", 1);
   ExpectOrder("Z", "\xC3\x89", -1);
 }
@@ -84,7 +84,7 @@ TEST(UStringCaseTest, KeepsLoneSurrogates) {
                      u"B"),
               0);
   ExpectOrder(TextOf(u"\xDC00"), TextOf(u"\xDC01"), -1);
-  // Alone they are not the letter that they make together.
+  // Apart, they are not the letter that they form together.
   ExpectOrder(TextOf(u"\xD801-\xDC00"), TextOf(u"\xD801-\xDC28"), -1);
 }
 
@@ -93,8 +93,7 @@ TEST(UStringCaseTest, ComparesNul) {
   ExpectOrder(ovrant_ustring("A\0B", 3), "a", 1);
 }
 
-// Text of any length is folded in pieces: a pair, and a letter that folds to three units, at every
-// place where a piece may end.
+// A surrogate pair, and a letter that folds to three units, far from the start.
 TEST(UStringCaseTest, ComparesLongTexts) {
   for (int before = 50; before <= 70; ++before) {
     const std::string lead = "\xC3\xA9" + std::string(static_cast<std::size_t>(before), 'x');

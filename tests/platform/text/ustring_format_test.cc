@@ -29,7 +29,7 @@ ovrant_ustring Formatted(const ovrant_ustring& format, Args... args) {
   return text;
 }
 
-// What the C library writes. Its arguments are of the types that the format names.
+// What the C library writes. The arguments have the types that the format names.
 template <typename... Args>
 std::string Printed(const std::string& format, Args... args) {
   char text[1000];
@@ -37,7 +37,7 @@ std::string Printed(const std::string& format, Args... args) {
   return text;
 }
 
-// Every mixture of flags, width and precision before `conversion`.
+// Every combination of flags, width and precision before `conversion`.
 std::vector<std::string> FormatsOf(const std::string& conversion) {
   std::vector<std::string> formats;
   for (unsigned flags = 0; flags < 32; ++flags) {
@@ -100,7 +100,7 @@ TEST(UStringFormatTest, WritesFloatsAsPrintfDoes) {
   }
 }
 
-TEST(UStringFormatTest, WritesWhatIsNotFiniteAsPrintfDoes) {
+TEST(UStringFormatTest, WritesInfinityAndNanAsPrintfDoes) {
   const double infinity = std::numeric_limits<double>::infinity();
   for (const char* conversion : {"f", "F", "e", "G", "a", "A"}) {
     ExpectAsPrinted<double>(conversion, {infinity, -infinity});
@@ -118,7 +118,7 @@ TEST(UStringFormatTest, WritesTextAsPrintfDoes) {
   EXPECT_EQ(Formatted("<%3c><%-3c>", 'a', 'b'), "<  a><b  >");
 }
 
-TEST(UStringFormatTest, CopiesWhatIsNoConversion) {
+TEST(UStringFormatTest, CopiesLiteralText) {
   EXPECT_EQ(Formatted(""), "");
   EXPECT_EQ(Formatted("plain"), "plain");
   EXPECT_EQ(Formatted("100%%"), "100%");
@@ -309,13 +309,13 @@ TEST(UStringFormatTest, LeavesTheTextOfAConversionThatDoesNotFit) {
   EXPECT_EQ(Formatted("%d|%f", pointer, pointer), "%d|%f");
 }
 
-TEST(UStringFormatTest, AConversionThatDoesNotFitTakesItsArgumentsAllTheSame) {
+TEST(UStringFormatTest, ConversionThatDoesNotFitStillTakesItsArguments) {
   EXPECT_EQ(Formatted("%s %d", 1, 2), "%s 2");
   EXPECT_EQ(Formatted("%*d %d", "x", 1, 2), "%*d 2");
   EXPECT_EQ(Formatted("%*d %d", 1.5, 1, 2), "%*d 2");
 }
 
-TEST(UStringFormatTest, LeavesWhatIsNoConversionOfIts) {
+TEST(UStringFormatTest, KeepsTheTextOfUnknownConversions) {
   EXPECT_EQ(Formatted("%y %d", 1), "%y 1");
   EXPECT_EQ(Formatted("%1$d", 1), "%1$d");
   EXPECT_EQ(Formatted("%'d", 1), "%'d");
@@ -327,9 +327,7 @@ TEST(UStringFormatTest, LeavesWhatIsNoConversionOfIts) {
             u"1");
 }
 
-TEST(UStringFormatTest, IgnoresArgumentsThatAreLeft) {
-  EXPECT_EQ(Formatted("%d", 1, "x", 2.5), "1");
-}
+TEST(UStringFormatTest, IgnoresExtraArguments) { EXPECT_EQ(Formatted("%d", 1, "x", 2.5), "1"); }
 
 TEST(UStringFormatTest, BoundsWidthAndPrecision) {
   EXPECT_EQ(Formatted("%4096d", 1).length(), 4096u);

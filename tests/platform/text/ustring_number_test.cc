@@ -43,7 +43,7 @@ TEST(UStringNumberTest, IntegersThatDoNotFitAreZero) {
   }
 }
 
-TEST(UStringNumberTest, TextsThatAreNoIntegerAreZero) {
+TEST(UStringNumberTest, TextThatIsNotAnIntegerIsZero) {
   for (const char* text : {"", " ", "-", "+", "+-1", "--1", "- 1", "1 2", "12a", "a12", "0x10",
                            "1.0", "1e3", "1,000", "\xD9\xA1", "\xEF\xBC\x91",
                            "\xC2\xA0"
@@ -90,7 +90,7 @@ TEST(UStringNumberTest, FloatsThatDoNotFitAreZero) {
   }
 }
 
-TEST(UStringNumberTest, TextsThatAreNoFloatAreZero) {
+TEST(UStringNumberTest, TextThatIsNotAFloatIsZero) {
   for (const char* text :
        {"",    " ",        "-",    "+",    ".",     "-.",    "e5",  ".e5",  "1e",
         "1e+", "1.2.3",    "1 .5", "- 1",  "+-1",   "0x1p3", "0x8", "inf",  "INF",

@@ -49,7 +49,7 @@ TEST(UStringTest, TakesBytesOfAnExplicitLengthWithoutTerminator) {
   EXPECT_EQ(text.utf8(), std::string("a\0b\xC3\xA9", 5));
 }
 
-TEST(UStringTest, NoBytesGiveTheEmptyStringEvenFromANullPointer) {
+TEST(UStringTest, LengthZeroGivesTheEmptyString) {
   EXPECT_TRUE(ovrant_ustring(static_cast<const char*>(nullptr), 0).empty());
   EXPECT_TRUE(ovrant_ustring("abc", 0).empty());
 }
@@ -73,7 +73,7 @@ TEST(UStringTest, TakesWideTextAsUnicode) {
   EXPECT_TRUE(ovrant_ustring(L"").empty());
 }
 
-TEST(UStringTest, ReplacesWideValuesThatAreNoCharacters) {
+TEST(UStringTest, ReplacesInvalidWideValues) {
   if constexpr (sizeof(wchar_t) == 4) {
     const wchar_t wide[] = {L'a',
                             static_cast<wchar_t>(0xD83D),
@@ -232,7 +232,7 @@ TEST(UStringTest, LeftMidAndRightGiveParts) {
   EXPECT_EQ(text.Right(static_cast<int>(text.length()) - 1), "ilename.qmf");
 }
 
-TEST(UStringTest, MidThatReachesExactlyToTheEndGivesTheWholeTail) {
+TEST(UStringTest, MidUpToTheEndGivesTheWholeTail) {
   const ovrant_ustring text("abcdef");
   EXPECT_EQ(text.Mid(2, 4), "cdef");
   EXPECT_EQ(text.Mid(0, 6), "abcdef");
@@ -277,13 +277,13 @@ TEST(UStringTest, ComparesByCodeUnit) {
   EXPECT_LT(ovrant_ustring("\xF0\x90\x80\x80").compare("\xEF\xBF\xBF"), 0);
 }
 
-TEST(UStringTest, TheFirstDifferenceDecidesWhereverItIs) {
+TEST(UStringTest, TheFirstDifferenceDecides) {
   for (std::size_t length = 1; length <= 40; ++length) {
     const ovrant_ustring text(std::string(length, 'm').c_str());
     EXPECT_EQ(text.compare(std::string(length, 'm').c_str()), 0);
     EXPECT_GT(text.compare(std::string(length - 1, 'm').c_str()), 0);
     for (std::size_t at = 0; at < length; ++at) {
-      // Which is greater depends on the whole unit, not on one of its bytes, nor on what follows.
+      // The whole unit decides, not one of its bytes nor what follows it.
       for (const char16_t unit : {u'l', u'n', u'\x0100', u'\x01FF', u'\xFF00'}) {
         ovrant_ustring other = text;
         other[at] = unit;
@@ -336,7 +336,7 @@ TEST(UStringTest, ReplacesEveryOccurrence) {
   EXPECT_EQ(text, "x");
 }
 
-TEST(UStringTest, ReplacesFromTheLeftWithoutOverlapAndDoesNotLookAtWhatItWrote) {
+TEST(UStringTest, ReplacesFromTheLeftWithoutOverlap) {
   ovrant_ustring text("aaaaa");
   text.replace_all("aa", "b");
   EXPECT_EQ(text, "bba");
@@ -354,7 +354,7 @@ TEST(UStringTest, ReplacingTheEmptyTextDoesNothing) {
   EXPECT_EQ(text, "");
 }
 
-TEST(UStringTest, MayBeAnArgumentOfItsOwnReplacement) {
+TEST(UStringTest, ReplacesWithItselfAsArgument) {
   ovrant_ustring text("ab");
   text.replace_all("b", text);
   EXPECT_EQ(text, "aab");
@@ -372,7 +372,7 @@ TEST(UStringTest, SplitsAtEachDelimiterAndKeepsEmptyTokens) {
   EXPECT_THAT(ovrant_ustring("&").TokenizeToVector("&"), ElementsAre("", ""));
 }
 
-TEST(UStringTest, WithoutADelimiterInItTheStringIsTheOneToken) {
+TEST(UStringTest, WithoutADelimiterGivesOneToken) {
   EXPECT_THAT(ovrant_ustring("abc").TokenizeToVector("&?"), ElementsAre("abc"));
   EXPECT_THAT(ovrant_ustring("abc").TokenizeToVector(""), ElementsAre("abc"));
   EXPECT_THAT(ovrant_ustring().TokenizeToVector("&"), ElementsAre(""));

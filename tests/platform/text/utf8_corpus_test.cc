@@ -70,7 +70,7 @@ TEST(Utf8CorpusTest, DecodesEveryLine) {
   EXPECT_EQ(invalid, 140 + 5);
 }
 
-TEST(Utf8CorpusTest, StressFileComesThroughToItsEnd) {
+TEST(Utf8CorpusTest, DecodesTheStressFileToItsEnd) {
   SKIP_WITHOUT_CORPUS(folder, "utf8-decoder");
   const std::string bytes = ReadFile(folder / "UTF-8-test.txt");
   const std::string once = RoundTrip(bytes);
