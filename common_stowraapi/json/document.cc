@@ -26,9 +26,7 @@ void Document::ToString(ovrant_ustring& out) {
   out.assign_utf8(text.GetString());
 }
 
-Value Document::MakeValue() {
-  return Value(true, std::make_unique<Node>().release(), &tree_->text.GetAllocator());
-}
+Value Document::MakeValue() { return Value(true, NewNode(), &tree_->text.GetAllocator()); }
 
 bool Document::HasMember(const ovrant_ustring& name) const {
   return FindMember(&tree_->root(), name) != nullptr;

@@ -54,6 +54,10 @@ void AddMember(Node& object, Node& name, Node& value, Pool& pool) {
 
 }  // namespace
 
+void* NewNode() { return new (::operator new(sizeof(Node))) Node; }
+
+void FreeNode(void* node) { ::operator delete(node); }
+
 const Node& ReadNode(const void* node) {
   if (node != nullptr) return *static_cast<const Node*>(node);
   static const Node null_node;

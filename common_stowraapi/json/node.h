@@ -11,6 +11,11 @@
 
 namespace ovrant::json {
 
+// A null node for a handle to own, and its end: operator new and operator delete. The content of a
+// node lives in the pool, so nothing is destroyed.
+void* NewNode();
+void FreeNode(void* node);
+
 // The node of a handle; a null node, which nobody may write to, for a handle without one.
 const Node& ReadNode(const void* node);
 

@@ -4,9 +4,8 @@
 #ifndef COMMON_STOWRAAPI_JSON_RAPIDJSON_TYPES_H_
 #define COMMON_STOWRAAPI_JSON_RAPIDJSON_TYPES_H_
 
-#include <algorithm>
 #include <cstddef>
-#include <cstring>
+#include <cstdlib>
 #include <limits>
 #include <new>
 
@@ -23,24 +22,27 @@
 
 namespace ovrant::json {
 
-// Where all memory comes from. RapidJSON never looks whether it was given any, so an allocator
-// that returns null, as its own does, is not enough.
+// Takes memory from malloc, as RapidJSON's own CrtAllocator does, but throws std::bad_alloc where
+// that returns null: RapidJSON does not check. A pool made with one may be used with the other.
 class ThrowingAllocator {
  public:
   static constexpr bool kNeedFree = true;
 
-  void* Malloc(std::size_t size) { return size == 0 ? nullptr : ::operator new(size); }
+  void* Malloc(std::size_t size) { return size == 0 ? nullptr : Checked(std::malloc(size)); }
 
-  void* Realloc(void* block, std::size_t old_size, std::size_t new_size) {
-    void* const moved = Malloc(new_size);
-    if (block != nullptr && moved != nullptr) {
-      std::memcpy(moved, block, std::min(old_size, new_size));
-    }
-    Free(block);
-    return moved;
+  void* Realloc(void* block, std::size_t /*old_size*/, std::size_t new_size) {
+    if (new_size != 0) return Checked(std::realloc(block, new_size));
+    std::free(block);
+    return nullptr;
   }
 
-  static void Free(void* block) { ::operator delete(block); }
+  static void Free(void* block) { std::free(block); }
+
+ private:
+  static void* Checked(void* block) {
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+  }
 };
 
 using Encoding = rapidjson::UTF8<char>;

@@ -63,14 +63,14 @@ Value& Value::operator=(const Value& other) {
   if (owned_here && old_node == node_) {
     owned_ = true;
   } else if (owned_here) {
-    delete NodeOf(old_node);
+    FreeNode(old_node);
   }
   Empty(handles_, &Value::handles_);
   return *this;
 }
 
 Value::~Value() {
-  if (owned_) delete NodeOf(node_);
+  if (owned_) FreeNode(node_);
   Empty(handles_, &Value::handles_);
 }
 
