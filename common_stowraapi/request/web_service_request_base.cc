@@ -87,16 +87,19 @@ void WebServiceRequestBase::AsynchronousRequest() {
   DeliveryCheck::ExpectOutside(this, "AsynchronousRequest was called");
   if (url_.empty()) return;
   CleanUpRequest();
-  const bool began = Succeeds([this] {
+  const bool is_ready = Succeeds([this] {
     internet_data_ = std::make_unique<InternetData>(url_);
     delegate_ = std::make_unique<InternetDataDelegate>(
         context_, returned_message_, returned_notification_, failed_message_, failed_notification_);
-    internet_data_->DownloadWithDelegate(delegate_.get(), nullptr);
     return true;
   });
-  if (began) return;
-  CleanUpRequest();
-  OnAsyncResponseFail();
+  if (is_ready) {
+    // Not inside Succeeds: a transfer that fails at once runs a hook here, which may throw.
+    internet_data_->DownloadWithDelegate(delegate_.get(), nullptr);
+  } else {
+    CleanUpRequest();
+    OnAsyncResponseFail();
+  }
 }
 
 void WebServiceRequestBase::AddNotifications() {

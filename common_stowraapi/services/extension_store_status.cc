@@ -3,6 +3,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
@@ -11,8 +12,6 @@
 #include "common_stowraapi/services/item_map.h"
 #include "common_stowraapi/succeeds.h"
 
-const unsigned int kExtensionStoreStatusRequestReturnedMessage = 28002;
-const unsigned int kExtensionStoreStatusRequestFailedMessage = 28003;
 const char* const kExtensionStoreStatusRequestReturnedNotification =
     "ExtensionStoreStatusRequestReturned";
 const char* const kExtensionStoreStatusRequestFailedNotification =
@@ -31,6 +30,10 @@ using ovrant::utils::StringMap;
 bool ExtensionStoreStatus::status_sync_completed_ = false;
 
 namespace {
+
+// An inline variable is exported only where its address is used.
+[[gnu::used]] const unsigned int* const kExportedNumbers[] = {
+    &kExtensionStoreStatusRequestReturnedMessage, &kExtensionStoreStatusRequestFailedMessage};
 
 constexpr unsigned int kHttpOk = 200;
 constexpr char kContentTypeHeader[] = "Content-Type";
@@ -64,9 +67,11 @@ ExtensionStoreStatus::~ExtensionStoreStatus() {
 
 void ExtensionStoreStatus::Init(const ovrant_ustring& url, void* context,
                                 const ovrant_ustring& request_body) {
-  url_ = url;
+  ovrant_ustring new_url(url);
+  ovrant_ustring new_body(request_body);
+  url_ = std::move(new_url);
   context_ = context;
-  request_body_ = request_body;
+  request_body_ = std::move(new_body);
   response_.clear();
 }
 
@@ -89,7 +94,7 @@ bool ExtensionStoreStatus::SynchronousStatus() {
 
 void ExtensionStoreStatus::AsynchronousStatus() {
   DeliveryCheck::ExpectOutside(this, "AsynchronousStatus was called");
-  const bool began = Succeeds([this] {
+  const bool is_ready = Succeeds([this] {
     internet_data_.reset();
     internet_data_ = std::make_unique<InternetData>(url_);
     delegate_.reset();
@@ -99,13 +104,16 @@ void ExtensionStoreStatus::AsynchronousStatus() {
         kExtensionStoreStatusRequestFailedNotification);
     internet_data_->SetValueForHTTPSendHeaders(kContentTypeHeader, kJsonContentType);
     SetSendData(*internet_data_, request_body_.utf8());
-    internet_data_->UploadWithDelegate(delegate_.get(), nullptr);
     return true;
   });
-  if (began) return;
-  delegate_.reset();
-  internet_data_.reset();
-  Post(kExtensionStoreAsynchStatusFailedNotification);
+  if (is_ready) {
+    // Not inside Succeeds: a transfer that fails at once posts here, and an observer may throw.
+    internet_data_->UploadWithDelegate(delegate_.get(), nullptr);
+  } else {
+    delegate_.reset();
+    internet_data_.reset();
+    Post(kExtensionStoreAsynchStatusFailedNotification);
+  }
 }
 
 void ExtensionStoreStatus::OnNotification(const char* name, void* /*payload*/) {

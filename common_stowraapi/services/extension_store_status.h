@@ -18,8 +18,8 @@ class InternetDataDelegate;
 
 // The end of the transfers: message numbers, and names that only the status objects themselves
 // observe.
-STOWRA_EXPORT extern const unsigned int kExtensionStoreStatusRequestReturnedMessage;
-STOWRA_EXPORT extern const unsigned int kExtensionStoreStatusRequestFailedMessage;
+STOWRA_EXPORT inline constexpr unsigned int kExtensionStoreStatusRequestReturnedMessage = 28002;
+STOWRA_EXPORT inline constexpr unsigned int kExtensionStoreStatusRequestFailedMessage = 28003;
 STOWRA_EXPORT extern const char* const kExtensionStoreStatusRequestReturnedNotification;
 STOWRA_EXPORT extern const char* const kExtensionStoreStatusRequestFailedNotification;
 

@@ -289,8 +289,39 @@ TEST(ServicesAllocationTest, TheItemsAreReadOrThrown) {
   EXPECT_GT(FailEachAllocation<Items>(read, check), 20);
 }
 
-// Setting a request up is all or, at its first text, nothing.
-TEST(ServicesAllocationTest, InitThrows) {
+// The one item's id says to which path which body was sent.
+void Echo(const RawRequest& request, RawConnection& connection) {
+  connection.Write(
+      Response(200, R"({"extensions":[{"id":")" + request.target + request.body + "\"}]}"));
+}
+
+std::string OnlyId(ExtensionStoreStatus& status) {
+  const auto items = status.GetItemMapFromResponse();
+  return items.size() == 1 ? items.begin()->first.utf8() : "";
+}
+
+TEST(ServicesAllocationTest, StatusInitChangesAllOrNothing) {
+  const RawServer server(Echo);
+  const ovrant_ustring new_url(server.Url("/new").c_str());
+  const ovrant_ustring new_body(" a new body that is long");
+  struct Set {
+    explicit Set(const RawServer& echo) {
+      status.Init(echo.Url("/old").c_str(), nullptr, " body");
+      EXPECT_TRUE(status.SynchronousStatus());
+    }
+    ExtensionStoreStatus status;
+  };
+  const auto init = [&](Set& set) { set.status.Init(new_url, nullptr, new_body); };
+  const auto check = [](Set& set, Outcome outcome) {
+    EXPECT_EQ(outcome.threw, outcome.failed());
+    EXPECT_EQ(OnlyId(set.status), outcome.threw ? "/old body" : "");
+    EXPECT_TRUE(set.status.SynchronousStatus());
+    EXPECT_EQ(OnlyId(set.status), outcome.threw ? "/old body" : "/new a new body that is long");
+  };
+  EXPECT_GT(FailEachAllocationOf([&] { return Set(server); }, init, check), 3);
+}
+
+TEST(ServicesAllocationTest, RequestInitThrows) {
   const RawServer server(Always(Response(200, kUpdate)));
   const ovrant_ustring url(server.Url().c_str());
   struct Update {

@@ -1,6 +1,7 @@
 // ExtensionStoreStatus::AsynchronousStatus, and how its end is handled.
 
 #include <memory>
+#include <new>
 #include <string>
 
 #include "tests/substitute/extension_store_fixture.h"
@@ -97,6 +98,13 @@ TEST_F(ExtensionStoreAsyncTest, AsynchronousFailurePostsOnceAndKeepsTheLastRespo
   EXPECT_THAT(TakeEffects(), ElementsAre(kFailed, kPublicFailure));
   EXPECT_EQ(OnlyId(), "one");
   EXPECT_FALSE(Completed());
+}
+
+TEST_F(ExtensionStoreAsyncTest, FailureAtOnceIsPostedOnceThoughAnObserverThrows) {
+  SetFailsAtOnce(true);
+  const Host host("ExtensionStoreAsyncStatusFailed", [] { throw std::bad_alloc(); });
+  EXPECT_THROW(status->AsynchronousStatus(), std::bad_alloc);
+  EXPECT_EQ(host.count(), 1);
 }
 
 TEST_F(ExtensionStoreAsyncTest, CompletionIsNeverTakenBackByTheLibrary) {

@@ -19,9 +19,14 @@ TEST_F(ExtensionStoreStatusTest, NothingHasCompletedWhenTheLibraryIsLoaded) {
   EXPECT_FALSE(completed_at_load);
 }
 
-TEST_F(ExtensionStoreStatusTest, Constants) {
-  EXPECT_EQ(kExtensionStoreStatusRequestReturnedMessage, 28002U);
-  EXPECT_EQ(kExtensionStoreStatusRequestFailedMessage, 28003U);
+TEST_F(ExtensionStoreStatusTest, MessageNumbersAreConstantExpressions) {
+  static_assert(kExtensionStoreStatusRequestReturnedMessage == 28002U);
+  static_assert(kExtensionStoreStatusRequestFailedMessage == 28003U);
+  const unsigned int* const returned = &kExtensionStoreStatusRequestReturnedMessage;
+  EXPECT_EQ(*returned, 28002U);
+}
+
+TEST_F(ExtensionStoreStatusTest, NotificationNames) {
   EXPECT_STREQ(kExtensionStoreStatusRequestReturnedNotification,
                "ExtensionStoreStatusRequestReturned");
   EXPECT_STREQ(kExtensionStoreStatusRequestFailedNotification, "ExtensionStoreStatusRequestFailed");

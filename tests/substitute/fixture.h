@@ -25,6 +25,7 @@ class SubstituteTest : public testing::Test {
 
   void TearDown() override {
     SetStartsInBackground(true);
+    SetFailsAtOnce(false);
     EXPECT_EQ(CountTransports(), 0);
     EXPECT_EQ(CountDelegates(), 0);
     EXPECT_EQ(CountRegistrations(), 0);

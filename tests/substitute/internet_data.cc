@@ -38,6 +38,7 @@ struct Transfer {
 int transports_deleted = 0;
 int delegates = 0;
 bool starts_in_background = true;
+bool fails_at_once = false;
 std::deque<Outcome> script;
 std::vector<Transfer> running;
 
@@ -59,6 +60,11 @@ void DropTransfers(Predicate predicate) {
 bool Start(const std::string& url, InternetData* transport, const InternetDataDelegate* delegate) {
   if (delegate == nullptr) Record("no delegate is given");
   if (delegate == nullptr || !starts_in_background) return false;
+  if (fails_at_once) {
+    CNotificationCenter::Default()->SendNotification(delegate->failed_notification(),
+                                                     delegate->context());
+    return true;
+  }
   running.push_back({url, transport, delegate});
   return true;
 }
@@ -173,6 +179,8 @@ void ScriptTransfer(Outcome outcome) { script.push_back(std::move(outcome)); }
 int CountScripted() { return static_cast<int>(script.size()); }
 
 void SetStartsInBackground(bool starts) { starts_in_background = starts; }
+
+void SetFailsAtOnce(bool fails) { fails_at_once = fails; }
 
 // Touches neither transport nor delegate after the post, in which they may be deleted.
 bool EndTransfer(const std::string& url, const Outcome& outcome) {

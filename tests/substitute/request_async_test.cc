@@ -1,6 +1,8 @@
 // WebServiceRequestBase::AsynchronousRequest, and how its end is handled.
 
 #include <memory>
+#include <new>
+#include <stdexcept>
 
 #include "tests/substitute/fixture.h"
 #include "tests/substitute/recording_request.h"
@@ -216,6 +218,26 @@ TEST_F(RequestAsyncTest, RunsAgainAfterAFailure) {
   Start();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
   EXPECT_THAT(TakeEffects(), testing::Contains("OnAsyncResponseSuccess"));
+}
+
+TEST_F(RequestAsyncTest, HookOfAFailureAtOnceRunsOnce) {
+  SetFailsAtOnce(true);
+  request->in_hook = [] { throw std::bad_alloc(); };
+  EXPECT_THROW(request->AsynchronousRequest(), std::bad_alloc);
+  EXPECT_THAT(TakeEffects(),
+              ElementsAre("http://a/: constructed",
+                          "delegate constructed: context 0x2a, 7 Returned, 8 Failed",
+                          "http://a/: DownloadWithDelegate, user data null",
+                          "SendNotification Failed, payload 0x2a", "OnAsyncResponseFail"));
+}
+
+TEST_F(RequestAsyncTest, HookPassesItsExceptionToThePost) {
+  const Outcome outcomes[] = {Reply(200, "body"), Reply(500, ""), NoReply()};
+  for (const Outcome& outcome : outcomes) {
+    Start();
+    request->in_hook = [] { throw std::runtime_error("hook"); };
+    EXPECT_THROW(EndTransfer("http://a/", outcome), std::runtime_error);
+  }
 }
 
 TEST_F(RequestAsyncTest, NoHookRunsAfterCleanUp) {

@@ -1,5 +1,7 @@
 // WebServiceRequestBase::SynchronousRequest.
 
+#include <new>
+
 #include "tests/substitute/fixture.h"
 #include "tests/substitute/recording_request.h"
 
@@ -121,6 +123,19 @@ TEST_F(RequestSyncTest, RunsAgainAfterAFailure) {
   EXPECT_EQ(request.url_, "http://a/");
   ScriptTransfer(Reply(200, "body"));
   EXPECT_TRUE(request.SynchronousRequest());
+}
+
+TEST_F(RequestSyncTest, HookPassesItsExceptionToTheCaller) {
+  request.in_hook = [] { throw std::bad_alloc(); };
+  for (const bool accepts : {true, false}) {
+    request.accepts_body = accepts;
+    ScriptTransfer(Reply(200, "body"));
+    TakeEffects();
+    EXPECT_THROW(request.SynchronousRequest(), std::bad_alloc);
+    EXPECT_THAT(TakeEffects(),
+                testing::Contains(accepts ? "OnSyncResponseSuccess" : "OnSyncResponseFail"));
+    EXPECT_EQ(CountTransports(), 0);
+  }
 }
 
 TEST_F(RequestSyncTest, MayBeDeletedInItsLastHook) {

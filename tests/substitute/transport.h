@@ -35,6 +35,10 @@ STOWRA_EXPORT int CountScripted();
 // Whether the background transfers begun from now on start at all, and say so. They do at first.
 STOWRA_EXPORT void SetStartsInBackground(bool starts);
 
+// Whether the background transfers begun from now on fail at once: their delegate posts its failed
+// name before the start returns. They do not at first.
+STOWRA_EXPORT void SetFailsAtOnce(bool fails);
+
 // Ends the background transfer of `url`: its status and body appear in its transport, then its
 // delegate posts one of its names with its context. False, and nothing happens, when there is none:
 // it never started, it has ended, or its transport or delegate is gone.
