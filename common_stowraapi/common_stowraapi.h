@@ -1,4 +1,4 @@
-// Every public header. The build reads this list too: it is what is installed.
+// Includes every public header. The build installs the headers in this list.
 
 #ifndef COMMON_STOWRAAPI_COMMON_STOWRAAPI_H_
 #define COMMON_STOWRAAPI_COMMON_STOWRAAPI_H_
@@ -7,6 +7,7 @@
 #include "common_stowraapi/content/content_item.h"
 #include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/content/content_schema.h"
+#include "common_stowraapi/content/item_values.h"
 #include "common_stowraapi/content/multipart_upload.h"
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/export.h"

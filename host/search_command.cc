@@ -9,6 +9,7 @@
 
 #include "common_stowraapi/content/content_item.h"
 #include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/item_values.h"
 #include "host/commands.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
@@ -41,11 +42,19 @@ std::string CheckVersion(const std::string& text) {
   return CheckWholeNumber(text, 0, std::numeric_limits<int>::max(), "a version number");
 }
 
-const char* KindOf(const ContentItem& item) { return item.kind_ == 0 ? "model" : "collection"; }
+const char* KindOf(const ContentItem& item) {
+  return item.kind_ == ovrant::stowraapiclient::kModel ? "model" : "collection";
+}
 
 const char* FormatOf(const ContentItem& item) {
-  constexpr const char* kFormats[] = {"", "k2", "qmf"};
-  return kFormats[item.download_format_];
+  switch (item.download_format_) {
+    case ovrant::stowraapiclient::kK2Download:
+      return "k2";
+    case ovrant::stowraapiclient::kQmfDownload:
+      return "qmf";
+    default:
+      return "";
+  }
 }
 
 std::string ToTable(const SearchPages& pages) {

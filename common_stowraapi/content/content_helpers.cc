@@ -12,7 +12,7 @@ constexpr const char* kIdMarker = "mid=";
 constexpr const char* kQuotedNameMarker = "filename=\"";
 constexpr const char* kBareNameMarker = "filename=";
 
-// Behind the first `marker`, or kAbsent.
+// The index after the first `marker`, or kAbsent.
 int FindEndOf(const ovrant_ustring& text, const char* marker) {
   const int begin = FindText(text, marker, 0);
   return begin == kAbsent ? kAbsent : begin + Length(marker);

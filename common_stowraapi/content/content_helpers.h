@@ -1,4 +1,4 @@
-// Names out of the content service's URLs and headers.
+// Reads names from the content service's URLs and headers.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_CONTENT_HELPERS_H_
 #define COMMON_STOWRAAPI_CONTENT_CONTENT_HELPERS_H_
@@ -8,16 +8,18 @@
 
 namespace ovrant::stowraapiclient {
 
-// What stands between the first "mid=", wherever that is, and the next "&" or the end; empty if
-// there is none.
+// The content id: the text from the first "mid=", wherever it stands, to the next "&" or the end.
+// Empty without "mid=". May throw std::bad_alloc.
 STOWRA_EXPORT ovrant::utils::ovrant_ustring GetStowraIdFromUrl(
     const ovrant::utils::ovrant_ustring& url);
 
-// The name of a downloaded model file, without its extension, from the value of the header
-// Content-Disposition (RFC 6266): what stands between the first "filename=", with the quotation
-// mark behind it if one such has it, and the first ".qmf" of the whole value, or the first ".kmz"
-// of one without ".qmf". Empty when one of the two is missing, or the extension stands first. The
-// text is the server's: it may hold separators of paths.
+// The name of a downloaded model file, without its extension, from the value of a header
+// Content-Disposition (RFC 6266).
+//
+// The name begins after the first `filename="`, or after the first `filename=` if no quotation mark
+// follows one. It ends before the first ".qmf" in the whole value, or the first ".kmz" if there is
+// no ".qmf". Empty if either is missing or the extension stands before the name. The server chooses
+// the text, so it may hold path separators. May throw std::bad_alloc.
 STOWRA_EXPORT ovrant::utils::ovrant_ustring GetFilenameFromContentDisposition(
     const ovrant::utils::ovrant_ustring& header);
 

@@ -4,6 +4,7 @@
 #define COMMON_STOWRAAPI_CONTENT_CONTENT_ITEM_H_
 
 #include "common_stowraapi/content/content_schema.h"
+#include "common_stowraapi/content/item_values.h"
 #include "common_stowraapi/export.h"
 #include "common_stowraapi/platform/ustring.h"
 
@@ -13,9 +14,9 @@ class IXMLInput;
 
 namespace ovrant::stowraapiclient {
 
-// A model or a collection, read from an Atom entry (RFC 4287) with Media RSS renditions, and the
-// thumbnail that the host loads for it later. For one thread at a time. The order, the types and
-// the initial values of the members are part of the binary interface.
+// A model or a collection, read from an Atom entry (RFC 4287) with Media RSS renditions. The host
+// may add a thumbnail image later. For one thread at a time. The order, the types and the initial
+// values of the members are part of the binary interface.
 class STOWRA_EXPORT ContentItem {
  public:
   ContentItem();
@@ -26,32 +27,36 @@ class STOWRA_EXPORT ContentItem {
   ContentItem(const ContentItem&) = delete;
   ContentItem& operator=(const ContentItem&) = delete;
 
-  // Gives every member but max_qmf_version_ its initial value. The thumbnail is let go of and not
-  // deleted: who has set one takes it away first.
+  // Gives every member but max_qmf_version_ its initial value. Does not delete the thumbnail: the
+  // host takes it away first, or drops it with SetThumbnailBuffer(0, nullptr).
   void Clear();
 
-  // Deletes the thumbnail and takes over `buffer`, `size` bytes from new[], which may be null.
+  // Deletes the old thumbnail and takes ownership of `buffer`: `size` bytes from new[], or null.
   void SetThumbnailBuffer(int size, unsigned char* buffer);
 
-  // Clears the item and reads the entry on which `reader` stands, and stands again on return. True
-  // when the entry has all that is needed to show and to fetch it:
-  //   - id, title, category with a term, author with name and uri;
-  //   - at least one link, and each with rel, href and type;
-  //   - a group with at least one thumbnail, and each with a url;
-  //   - a model: at least one content in the group, each with url and type, and among them one to
-  //     download;
-  //   - a collection: a content with a src, of the type of a feed.
-  // False otherwise, with what could be read; without a group nothing of it has been read and
-  // `reader` has not moved, either. False, too, for want of memory: the item is partly read then,
-  // and `reader` stands somewhere in the entry.
+  // Clears the item and reads the entry at which `reader`, which must not be null, stands. True
+  // when the entry has these parts:
+  //   - an id and a title
+  //   - a category with a term
+  //   - an author with name and uri
+  //   - at least one link, each with rel, href and type
+  //   - a group with at least one thumbnail, each with a url
+  //   - for a model, at least one content in the group, each with url and type, and one of them to
+  //     download
+  //   - for a collection, a content with a src and a feed's type
+  //
+  // False otherwise; the item then holds what was read. Without a group nothing in it is read.
+  // False too when memory runs out; `reader` may then stand inside the entry. In every other case
+  // it stands at the entry again.
   bool Load(ovrant::IXMLInput* reader);
 
-  // The version of the model file that the rendition `value` holds: "s7" is 7 and "s" is 5. False
-  // if it is no such rendition; `version` is then unchanged. A version beyond 32 bits is 0.
+  // Reads the model-file version from the value of "rtyp": 7 from "s7", 5 from "s". A version
+  // beyond 32 bits is 0. False for any other value, and `version` is unchanged. May throw
+  // std::bad_alloc.
   bool ExtractQmfVersionFromRTypValue(ovrant::utils::ovrant_ustring value, int& version);
 
-  int kind_;             // 0: a model; 1: a collection or anything else
-  int download_format_;  // of download_url_: 0: none; 1: "k2"; 2: a model file of a known version
+  int kind_;             // an ItemKind
+  int download_format_;  // a DownloadFormat: what download_url_ holds
   ovrant::utils::ovrant_ustring id_;
   ovrant::utils::ovrant_ustring title_;
   ovrant::utils::ovrant_ustring summary_;
@@ -67,7 +72,7 @@ class STOWRA_EXPORT ContentItem {
   bool classified_component_;
   int thumbnail_size_;               // bytes
   unsigned char* thumbnail_buffer_;  // owned, from new[]; may be null
-  int max_qmf_version_ = 0;          // newest model-file version to download
+  int max_qmf_version_ = 0;          // newest model-file version that the host opens
 };
 
 }  // namespace ovrant::stowraapiclient

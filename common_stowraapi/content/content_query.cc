@@ -18,7 +18,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-// What narrows every search, and so is no news in a title. Those with a space go first.
+// Filters that every search adds; they are removed from titles. Those with a space go first.
 constexpr const char* kSearchOperators[] = {" filetype:qmf", " is:downloadable", "filetype:qmf",
                                             "is:downloadable"};
 
@@ -111,7 +111,7 @@ bool ContentQuery::QueryFeed(const ovrant_ustring& url) {
     InternetData transport(url);
     if (!transport.Download()) return false;
     const unsigned long length = transport.received_data_length();
-    // No reader opens what is longer than it can be told.
+    // The reader takes an int, and opens nothing of negative length.
     return Load(transport.received_data(), length > INT_MAX ? -1 : static_cast<int>(length));
   });
 }

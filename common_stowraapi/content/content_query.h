@@ -12,11 +12,11 @@
 namespace ovrant::stowraapiclient {
 
 // One page of search results, read from an Atom feed (RFC 4287) with OpenSearch RSS 1.0 counts.
-// Owns its items: what items_ points to stays valid until the next Clear, Load, QueryFeed or
-// destruction. Pages are turned by passing next_url_ or previous_url_ to QueryFeed.
+// Owns its items: pointers from items_ stay valid until the next Clear, Load, QueryFeed or
+// destruction. To turn the page, pass next_url_ or previous_url_ to QueryFeed.
 //
-// For one thread at a time; QueryFeed blocks it for the whole download. The order, the types and
-// the initial values of the members are part of the binary interface.
+// For one thread at a time; QueryFeed blocks it for the whole download. Throws nothing. The order,
+// the types and the initial values of the members are part of the binary interface.
 class STOWRA_EXPORT ContentQuery {
  public:
   ContentQuery();
@@ -30,25 +30,29 @@ class STOWRA_EXPORT ContentQuery {
 
   bool HasResults();
 
-  // Whether there is a page behind or before this one. A page without results has neither.
+  // Whether there is a next or a previous page. False when this page has no results.
   bool NextValid();
   bool BackValid();
 
-  // Downloads `url` and loads the body, whatever the HTTP status. False with the contents unchanged
-  // when `url` is empty or nothing was received, want of memory among the reasons; else as Load.
+  // Downloads `url` and loads the body, whatever the HTTP status. False, with the contents
+  // unchanged, when `url` is empty, the download fails or memory runs out before Load. Otherwise
+  // the result of Load; a body above INT_MAX bytes counts as no feed.
   bool QueryFeed(const ovrant::utils::ovrant_ustring& url);
 
-  // Replaces the contents by the feed in `data`, which stays the caller's: `length` bytes that
-  // Get_IXMLInput opens. False, with the query empty, when it is no Atom feed with a title and all
-  // three counts, or memory runs out. An entry that ContentItem::Load refuses for another reason is
-  // left out.
+  // Replaces the contents by the feed in `data`: `length` bytes, which stay the caller's, in an
+  // encoding that Get_IXMLInput reads. Leaves out entries that ContentItem::Load rejects. False,
+  // and the query is empty, when
+  //   - `data` is null or `length` is not positive,
+  //   - the bytes are not an Atom feed with a title and all three counts,
+  //   - or memory runs out.
+  // The XML reader counts in int: a host with more than INT_MAX bytes cannot load them.
   bool Load(unsigned char* data, int length);
 
   int total_results_;                       // of the whole search; 0 at first
   int start_index_;                         // of the first result here, from 1; 1 at first
   int items_per_page_;                      // 12 at first
   int max_qmf_version_ = 0;                 // given to each item before it is read
-  ovrant::utils::ovrant_ustring next_url_;  // feeds; empty where there is none
+  ovrant::utils::ovrant_ustring next_url_;  // a feed; empty if absent
   ovrant::utils::ovrant_ustring previous_url_;
   ovrant::utils::ovrant_ustring self_url_;
   ovrant::utils::ovrant_ustring html_url_;  // the same results as a web page

@@ -5,8 +5,8 @@
 
 namespace ovrant::stowraapiclient {
 
-// The namespace of the service's own elements. With "#model", "#collection" and "#user.query"
-// behind it, also the name of a category or of a link's relation.
+// The namespace of the service's own elements. Category terms and link relations are this URI with
+// "#model", "#collection" or "#user.query" appended.
 inline constexpr const char* kContentSchemaNamespace = "http://schemas.stowra.example/stowra/2008";
 
 }  // namespace ovrant::stowraapiclient

@@ -1,4 +1,4 @@
-// Walking the children of one name.
+// Walks the children of one name.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_ELEMENT_LIST_H_
 #define COMMON_STOWRAAPI_CONTENT_ELEMENT_LIST_H_
@@ -8,8 +8,8 @@
 
 namespace ovrant::stowraapiclient {
 
-// Calls `visit` with `reader` on each child of that name in turn, and returns to where it stood.
-// False if there is none.
+// Calls `visit` with `reader` at each child of that name in turn, then moves `reader` back. False
+// if the element has no such child.
 template <typename Visit>
 bool ForEachElement(IXMLInput& reader, const ovrant::utils::ovrant_ustring& name,
                     const Visit& visit) {
@@ -21,7 +21,7 @@ bool ForEachElement(IXMLInput& reader, const ovrant::utils::ovrant_ustring& name
   return true;
 }
 
-// The same for an element that is alone or whose first one counts.
+// The same for the first child of that name only.
 template <typename Visit>
 bool InElement(IXMLInput& reader, const ovrant::utils::ovrant_ustring& name, const Visit& visit) {
   if (!reader.FindElement(name)) return false;

@@ -13,7 +13,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-// The value of the parameter "uq"; empty without one.
+// The value of the parameter "uq". Empty if it is absent.
 ovrant_ustring FindAuthorId(const ovrant_ustring& uri) {
   const FeedNames& names = FeedNames::Get();
   const int marker = FindText(uri, names.author_parameter, 0);
@@ -106,29 +106,27 @@ bool EntryReader::ReadDownload(ContentItem& item) {
     if (!reader_.GetAttribute(names_.url, url_) || !reader_.GetAttribute(names_.type, type_)) {
       complete = false;
     } else if (type_ == names_.qmf_type || type_ == names_.kmz_type) {
-      if (IsBetterDownload(item, best)) std::swap(item.download_url_, url_);
+      TakeDownloadIfBetter(item, best);
     }
   });
   return complete && !item.download_url_.empty();
 }
 
-// Whether the rendition at url_ is better than the item's download so far, of version `best`; the
-// format and the version are then taken over.
-bool EntryReader::IsBetterDownload(ContentItem& item, int& best) {
-  if (!ovrant::internet::URL(url_).getValueForExtraInfoKey(names_.rendition, rendition_)) {
-    return false;
-  }
+// Makes the rendition at url_ the item's download if it is better than the one so far, which has
+// version `best`.
+void EntryReader::TakeDownloadIfBetter(ContentItem& item, int& best) {
+  if (!ovrant::internet::URL(url_).getValueForExtraInfoKey(names_.rendition, rendition_)) return;
   if (rendition_ == names_.k2_rendition) {
-    if (item.download_format_ != kNoDownload) return false;
-    item.download_format_ = kK2;
-    return true;
+    if (item.download_format_ != kNoDownload) return;
+    item.download_format_ = kK2Download;
+  } else {
+    int version = 0;
+    if (!item.ExtractQmfVersionFromRTypValue(rendition_, version)) return;
+    if (version > item.max_qmf_version_ || version <= best) return;
+    item.download_format_ = kQmfDownload;
+    best = version;
   }
-  int version = 0;
-  if (!item.ExtractQmfVersionFromRTypValue(rendition_, version)) return false;
-  if (version > item.max_qmf_version_ || version <= best) return false;
-  item.download_format_ = kQmf;
-  best = version;
-  return true;
+  std::swap(item.download_url_, url_);
 }
 
 }  // namespace ovrant::stowraapiclient

@@ -1,4 +1,4 @@
-// The entries of a feed.
+// Reads the entries of a feed.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_ENTRY_READER_H_
 #define COMMON_STOWRAAPI_CONTENT_ENTRY_READER_H_
@@ -11,14 +11,13 @@
 
 namespace ovrant::stowraapiclient {
 
-// Reads entries, one after the other. What it only looks at goes into strings that keep their
-// memory from one entry to the next. The reader must outlive it.
+// Reads entries, one after the other. Reuses the memory of its strings from entry to entry.
+// `reader` must outlive it.
 class EntryReader {
  public:
   explicit EntryReader(IXMLInput& reader) : reader_(reader) {}
 
-  // Fills a cleared item from the entry on which the reader stands. False if the entry is not
-  // complete enough to show; the item then holds what was read.
+  // Fills a cleared item from the entry at which the reader stands. See ContentItem::Load.
   bool Read(ContentItem& item);
 
  private:
@@ -28,7 +27,7 @@ class EntryReader {
   bool ReadAuthor(ContentItem& item);
   bool ReadThumbnails(ContentItem& item);
   bool ReadDownload(ContentItem& item);
-  bool IsBetterDownload(ContentItem& item, int& best);
+  void TakeDownloadIfBetter(ContentItem& item, int& best);
 
   IXMLInput& reader_;
   const FeedNames& names_ = FeedNames::Get();

@@ -1,4 +1,4 @@
-// The links of a feed and of its entries.
+// Reads the links of a feed and of its entries.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_FEED_LINK_H_
 #define COMMON_STOWRAAPI_CONTENT_FEED_LINK_H_
@@ -20,7 +20,7 @@ struct FeedLink {
   }
 };
 
-// Reads the link on which `reader` stands. False if one of the three is missing; `link` then holds
+// Reads the link at which `reader` stands. False if an attribute is missing; `link` then holds
 // those before it.
 bool ReadLink(IXMLInput& reader, FeedLink& link);
 

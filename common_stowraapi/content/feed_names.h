@@ -1,4 +1,4 @@
-// The vocabulary of a search feed.
+// The names and values that a search feed uses.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_FEED_NAMES_H_
 #define COMMON_STOWRAAPI_CONTENT_FEED_NAMES_H_
@@ -7,10 +7,10 @@
 
 namespace ovrant::stowraapiclient {
 
-// Names and values in the form in which ovrant::IXMLInput takes and gives them, made once: an entry
-// asks for dozens of them.
+// Names and values as ovrant::IXMLInput takes and gives them. Made once, since reading an entry
+// needs dozens of them.
 struct FeedNames {
-  // Never destroyed, so that a thread may still use it while the process ends.
+  // Never destroyed: a thread may still use it while the process exits.
   static const FeedNames& Get();
 
   // Elements of Atom (RFC 4287).
@@ -36,7 +36,7 @@ struct FeedNames {
   const ovrant::utils::ovrant_ustring media_thumbnail;
   const ovrant::utils::ovrant_ustring media_content;
 
-  // Elements of the service's own.
+  // Elements of the service's own schema.
   const ovrant::utils::ovrant_ustring dynamic_component;
   const ovrant::utils::ovrant_ustring classified_component;
 
@@ -48,24 +48,24 @@ struct FeedNames {
   const ovrant::utils::ovrant_ustring src;
   const ovrant::utils::ovrant_ustring url;
 
-  // Parameters in URLs, and values of them.
+  // URL parameters and their values.
   const ovrant::utils::ovrant_ustring rendition;
   const ovrant::utils::ovrant_ustring k2_rendition;
   const ovrant::utils::ovrant_ustring small_thumbnail;
   const ovrant::utils::ovrant_ustring author_parameter;
   const ovrant::utils::ovrant_ustring parameter_end;
 
-  // The term of a model's category.
+  // The category term of a model.
   const ovrant::utils::ovrant_ustring model;
 
-  // Relations of links.
+  // Link relations.
   const ovrant::utils::ovrant_ustring self;
   const ovrant::utils::ovrant_ustring next;
   const ovrant::utils::ovrant_ustring previous;
   const ovrant::utils::ovrant_ustring alternate;
   const ovrant::utils::ovrant_ustring user_query;
 
-  // Types of what links and renditions lead to.
+  // Media types of link targets and renditions.
   const ovrant::utils::ovrant_ustring atom_type;
   const ovrant::utils::ovrant_ustring html_type;
   const ovrant::utils::ovrant_ustring qmf_type;

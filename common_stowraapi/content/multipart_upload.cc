@@ -19,7 +19,8 @@ using ovrant::stowraapiclient::UploadFile;
 using ovrant::utils::GetFileName;
 using ovrant::utils::ovrant_ustring;
 
-// The value behind `key`, such as "name=", in the query of the upload URL; empty without one.
+// The value after `key`, such as "name=", in the query of the upload URL. Empty if the key is
+// absent.
 static std::string ParseFieldFromUploadUrl(const UploadFile* file, ovrant_ustring key) {
   const int key_length = Length(key);
   for (const ovrant_ustring& token : file->upload_url_.TokenizeToVector("&?")) {
@@ -47,7 +48,7 @@ class PartWriter {
     Add({"\r\n\r\n", value, kLineEnd});
   }
 
-  // All that stands before the content of the file.
+  // The part's headers, up to the content of the file.
   void BeginFile(std::string_view name, std::string_view file_name, std::string_view type) {
     BeginPart(name);
     Add({"; filename=\"", file_name, "\"\r\nContent-Type: ", type, "\r\n\r\n"});
@@ -69,9 +70,9 @@ class PartWriter {
   std::string& out_;
 };
 
-// A stream's memory doubles when it is full. An empty stream gets a beginning here, of zeros, such
-// that it is just large enough for `size` bytes after some doublings: otherwise a file of 256 MiB
-// would take 512, for its few headers. All of it is written over. Any other stream stays as it is.
+// A stream doubles its memory when it is full: a file of 256 MiB and its few headers would take
+// 512. This gives an empty stream a first text of zeros, of a size that reaches `size` bytes by
+// doubling, and the body overwrites it. Any other stream stays as it is.
 void PrepareToWrite(std::size_t size, std::stringstream& out) {
   constexpr std::size_t kLargestBeginning = 1 << 16;
   std::stringbuf& buffer = *out.rdbuf();
@@ -87,11 +88,11 @@ void PrepareToWrite(std::size_t size, std::stringstream& out) {
   } catch (const std::bad_alloc&) {
     return;
   }
-  // A stream that was opened to append stands behind it now.
+  // A stream opened to append would write behind the zeros.
   if (buffer.pubseekoff(0, std::ios::cur, std::ios::out) != 0) buffer.str({});
 }
 
-// Unformatted: the stream's width, fill and flags are its owner's.
+// Ignores the stream's width, fill and flags, which are the caller's.
 void Write(std::string_view bytes, std::ostream& out) {
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
@@ -148,10 +149,11 @@ std::map<ovrant_ustring, ovrant_ustring> CreateHeaderDictionary(const std::strin
                                                                 unsigned long content_length) {
   ovrant_ustring length;
   length.Format("%i", static_cast<int>(static_cast<std::uint32_t>(content_length)));
+  const std::string type = "multipart/form-data; boundary=" + boundary;
   std::map<ovrant_ustring, ovrant_ustring> headers;
   headers[L"Proxy-Connection"] = L"keep-alive";
   headers[L"Content-Length"] = length;
-  headers[L"Content-Type"] = ovrant_ustring(L"multipart/form-data; boundary=") + boundary.c_str();
+  headers[L"Content-Type"] = ovrant_ustring(type.data(), type.size());
   return headers;
 }
 

@@ -1,4 +1,4 @@
-// Searching texts.
+// Finds text in strings.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_TEXT_SEARCH_H_
 #define COMMON_STOWRAAPI_CONTENT_TEXT_SEARCH_H_
@@ -7,11 +7,11 @@
 
 namespace ovrant::stowraapiclient {
 
-// What FindText gives for a text that does not occur.
+// The result of FindText for a text that does not occur.
 inline constexpr int kAbsent = -1;
 
-// Index of the first occurrence of `text` in `whole` at or after `start`, or kAbsent. A platform
-// may give "absent" in more than the 32 bits that count.
+// The index of the first occurrence of `text` in `whole` at or after `start`, or kAbsent. Only the
+// low 32 bits of find() count: the cast turns its "absent" into kAbsent.
 inline int FindText(const ovrant::utils::ovrant_ustring& whole,
                     const ovrant::utils::ovrant_ustring& text, int start) {
   return static_cast<int>(whole.find(text, static_cast<unsigned long>(start)));

@@ -15,7 +15,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-// False if it lacks a value that every file needs.
+// False if a required value is missing.
 bool ReadFile(IXMLInput& reader, UploadFile& file) {
   const bool has_url = reader.GetElementText("uploadUrl", file.upload_url_);
   const bool has_type = reader.GetElementText("type", file.type_);
@@ -81,7 +81,6 @@ void UploadConfig::Clear() {
 }
 
 bool UploadConfig::ParseResponse(unsigned char* data, unsigned long length) {
-  // No reader opens what is longer than it can be told.
   if (length > INT_MAX) return false;
   return Succeeds([&] {
     const std::unique_ptr<IXMLInput> reader(Get_IXMLInput(data, static_cast<int>(length)));

@@ -1,5 +1,5 @@
-// A search feed, and each of its entries alone, beside a second reading. Input: a byte for the
-// newest version that the host opens, the feed.
+// Loads a search feed, and each entry alone, and compares both with a second reader. The input is a
+// byte for the newest version that the host opens, then the feed.
 
 #include <cstddef>
 #include <cstdint>
@@ -29,7 +29,7 @@ using stowra_fuzz::ItemModel;
 using stowra_fuzz::XmlNode;
 using stowra_fuzz::XmlTree;
 
-// Leaves something in each member.
+// Fills each member.
 constexpr std::string_view kFeedBefore =
     "<feed xmlns='http://www.w3.org/2005/Atom' xmlns:m='http://search.yahoo.com/mrss/'"
     " xmlns:o='http://a9.com/-/spec/opensearchrss/1.0/'><title>before</title>"
@@ -91,8 +91,7 @@ void CheckFeed(ContentQuery& query, const FeedModel& model) {
   FUZZ_CHECK(query.BackValid() == (query.HasResults() && !model.previous_url.empty()));
 }
 
-// Each entry read into one item, so that what is left of the one before would be seen; those, too,
-// that are not complete.
+// Reads each entry, complete or not, into one item. That shows what an earlier entry left there.
 void CheckEntries(std::string_view bytes, const XmlNode& document, int max_version) {
   const std::unique_ptr<IXMLInput> reader(ovrant::Get_IXMLInput(
       reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<int>(bytes.size())));

@@ -1,4 +1,4 @@
-// A second reading of search feeds, from a tree.
+// A second reader of search feeds, over a tree.
 
 #ifndef FUZZ_CONTENT_FEED_MODEL_H_
 #define FUZZ_CONTENT_FEED_MODEL_H_
@@ -41,13 +41,13 @@ struct FeedModel {
   std::vector<ItemModel> items;
 };
 
-// Whether the entry is complete. `item` is filled in so far as it can be in any case.
+// Whether the entry is complete. `item` holds what could be read in either case.
 bool ReadEntry(const XmlNode& entry, int max_qmf_version, ItemModel& item);
 
-// Whether it is a feed. `feed` is as it is at first, if it is none.
+// Whether the document is a feed. If not, `feed` is unchanged.
 bool ReadFeed(const XmlNode& document, int max_qmf_version, FeedModel& feed);
 
-// The names by which a reader is asked for them.
+// The names that the library asks a reader for.
 extern const char* const kFeedName;
 extern const char* const kEntryName;
 

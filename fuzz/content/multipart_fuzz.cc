@@ -1,11 +1,14 @@
-// The body and the headers of an upload beside a second writing, and read back. Input: a byte of
-// choices, two for the length in the headers, then, each ended by a byte 01, the boundary (one of
-// the library's form for an empty one), the subject, the upload URL, the path of the file and the
-// path of the other one; what is left are the bytes of the file.
+// The body and the headers of an upload, compared with a second writer and read back. The input is
+//   - a byte of choices and two bytes for the length in the headers,
+//   - the boundary, the subject, the upload URL, the path of the file and the path of the other
+//     file, each ended by a byte 01,
+//   - and the bytes of the file.
+// An empty boundary stands for one as the library makes them.
 //
-// Whatever the texts hold is written as it is. Not all of that reads back: a file name cannot carry
-// a quotation mark or a line end, a content type no line end and no blanks around it, and no
-// content a line that begins with the boundary. Then only the writing is compared.
+// All texts are written as they are, but some do not read back. A file name cannot carry a
+// quotation mark or a line end. A content type cannot carry a line end or blanks around it. No
+// content can carry a line that begins with the boundary. In those cases only the writing is
+// compared.
 
 #include "common_stowraapi/content/multipart_upload.h"
 
@@ -173,10 +176,9 @@ void CheckHeaders(const std::string& boundary, unsigned long length) {
   constexpr long long kRange = 1LL << 32;
   long long shown = static_cast<long long>(length % static_cast<unsigned long>(kRange));
   if (shown >= kRange / 2) shown -= kRange;
-  const StringMap expected = {
-      {"Content-Length", std::to_string(shown).c_str()},
-      {"Content-Type", ("multipart/form-data; boundary=" + boundary).c_str()},
-      {"Proxy-Connection", "keep-alive"}};
+  const StringMap expected = {{"Content-Length", std::to_string(shown).c_str()},
+                              {"Content-Type", Text("multipart/form-data; boundary=" + boundary)},
+                              {"Proxy-Connection", "keep-alive"}};
   FUZZ_CHECK(headers == expected);
 }
 

@@ -19,12 +19,12 @@ struct FormPart {
 
 bool operator==(const FormPart& a, const FormPart& b);
 
-// The parts between the first boundary line and the closing one, in order; nothing for what is no
-// such body. A name in quotation marks ends at the next one, whatever stands before that.
+// The parts between the first boundary line and the closing one, in order. Nothing if the body is
+// not of that form. A quoted name ends at the next quotation mark.
 std::optional<std::vector<FormPart>> ReadMultipart(std::string_view body,
                                                    const std::string& boundary);
 
-// Whether a body can be divided by it: up to 70 of the characters for that, the last one no space.
+// Whether RFC 2046 allows the boundary: up to 70 of its characters, the last one not a space.
 bool IsBoundary(std::string_view text);
 
 }  // namespace stowra_fuzz

@@ -13,8 +13,8 @@ namespace {
 
 using ovrant::stowraapiclient::multipartupload::GetBoundaryString;
 
-// Does something within one second of the clock, which it gives: once more if a second has ended
-// meanwhile.
+// Runs `work` within one second of the clock and returns that second. Runs it again if the second
+// ended meanwhile.
 template <typename Work>
 std::time_t WithinOneSecond(const Work& work) {
   for (;;) {
@@ -51,7 +51,7 @@ TEST(BoundaryTest, DigitsAreThoseOfTheSecond) {
   EXPECT_EQ(boundary, expected);
 }
 
-// The shared generator goes on where the boundary has left it.
+// The shared generator continues after the boundary's draws.
 TEST(BoundaryTest, ReseedsTheSharedGenerator) {
   int next = 0;
   const std::time_t second = WithinOneSecond([&] {

@@ -86,11 +86,11 @@ TEST(DispositionNameTest, IsEmptyWhenTheExtensionStandsFirst) {
         ".qmffilename=", "filename.qmf=\"; filename=\"x"}) {
     EXPECT_EQ(NameIn(header), "") << header;
   }
-  // The first ".kmz" does not matter where there is a ".qmf".
+  // A ".qmf" anywhere wins over the first ".kmz".
   EXPECT_EQ(NameIn("x=a.kmz; filename=\"chair.qmf\""), "chair");
 }
 
-// The same rule once more, on bytes.
+// The same rule, written over bytes.
 std::string NameAgain(const std::string& header) {
   const auto split = [](const std::string& text, const std::string& mark, std::string& before,
                         std::string& after) {

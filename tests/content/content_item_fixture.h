@@ -1,4 +1,4 @@
-// What the tests of ContentItem share.
+// Fixture for the tests of ContentItem.
 
 #ifndef TESTS_CONTENT_CONTENT_ITEM_FIXTURE_H_
 #define TESTS_CONTENT_CONTENT_ITEM_FIXTURE_H_

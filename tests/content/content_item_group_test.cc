@@ -1,4 +1,4 @@
-// The thumbnails of an entry, its choice of a download, and what a failure leaves.
+// The thumbnails of an entry, its choice of a download, and the fields after a failure.
 
 #include <climits>
 #include <ostream>
@@ -103,8 +103,7 @@ TEST_F(ContentItemGroupTest, LoadStartsFromTheDefaults) {
   EXPECT_EQ(item.max_qmf_version_, 9);
 }
 
-// Which of several renditions is downloaded. They are named by the value of "rtyp"; their URLs are
-// numbered from 1.
+// Which of several renditions is chosen. "rtyp" names each of them; their URLs are numbered from 1.
 struct Choice {
   const char* values;  // separated by spaces
   int newest;
@@ -127,7 +126,7 @@ TEST_P(ContentItemChoiceTest, TakesTheNewestThatTheHostOpens) {
   std::istringstream values(choice.values);
   for (std::string value; values >> value;) {
     const std::string url = "http://a/" + std::to_string(++number) + "?rtyp=" + value;
-    // Either type will do.
+    // Both types are accepted.
     renditions += number % 2 == 0 ? Rendition(url, "application/vnd.pellamy.kmz") : Rendition(url);
     if (number == choice.chosen) chosen = url;
   }

@@ -1,4 +1,4 @@
-// What an entry must have, and its kind, author, links and flags.
+// The required parts of an entry, its kind, author, links and flags.
 
 #include "common_stowraapi/content/content_item.h"
 
@@ -12,14 +12,19 @@ namespace stowra_test {
 namespace {
 
 using ovrant::stowraapiclient::ContentItem;
+using ovrant::stowraapiclient::kCollection;
 using ovrant::stowraapiclient::kContentSchemaNamespace;
+using ovrant::stowraapiclient::kK2Download;
+using ovrant::stowraapiclient::kModel;
+using ovrant::stowraapiclient::kNoDownload;
+using ovrant::stowraapiclient::kQmfDownload;
 using ovrant::utils::ovrant_ustring;
 
 constexpr char kAtom[] = "application/atom+xml";
 
 class ContentItemTest : public ContentItemFixture {
  protected:
-  // The "author_id_" of an author of that URI.
+  // author_id_ for an author with that URI.
   std::string AuthorIdOf(const std::string& uri) {
     EXPECT_TRUE(
         Load(Model().With("author", "<author><name>n</name><uri>" + uri + "</uri></author>")))
@@ -48,7 +53,7 @@ TEST_F(ContentItemTest, ReadsEveryFieldOfAModel) {
           .With("flags",
                 "<s:dynamicComponent>true</s:dynamicComponent>"
                 "<s:classifiedComponent>1</s:classifiedComponent>")));
-  EXPECT_EQ(item.kind_, 0);
+  EXPECT_EQ(item.kind_, kModel);
   EXPECT_EQ(item.id_, "urn:1");
   EXPECT_EQ(item.title_, "Chair");
   EXPECT_EQ(item.summary_, "A chair");
@@ -67,9 +72,17 @@ TEST_F(ContentItemTest, ReadsEveryFieldOfAModel) {
   EXPECT_EQ(item.thumbnail_buffer_, nullptr);
 }
 
+TEST_F(ContentItemTest, NamedValuesAreTheNumbersOfTheMembers) {
+  static_assert(kModel == 0 && kCollection == 1);
+  static_assert(kNoDownload == 0 && kK2Download == 1 && kQmfDownload == 2);
+  const ContentItem fresh;
+  EXPECT_EQ(fresh.kind_, kCollection);
+  EXPECT_EQ(fresh.download_format_, kNoDownload);
+}
+
 TEST_F(ContentItemTest, ACollectionHasAFeedAndNoDownload) {
   ASSERT_TRUE(Load(Collection().With("group", Group(Rendition("http://a/?rtyp=k2")))));
-  EXPECT_EQ(item.kind_, 1);
+  EXPECT_EQ(item.kind_, kCollection);
   EXPECT_EQ(item.collection_feed_url_, "http://feed/&q=is:downloadable");
   EXPECT_EQ(item.download_url_, "");
   EXPECT_EQ(item.download_format_, 0);
@@ -113,13 +126,13 @@ TEST_F(ContentItemTest, EmptyTextsArePresent) {
 TEST_F(ContentItemTest, OnlyTheTermOfAModelMakesAModel) {
   const std::string schema = kSchema;
   EXPECT_TRUE(LoadCategory(Term(schema + "#model")));
-  EXPECT_EQ(item.kind_, 0);
+  EXPECT_EQ(item.kind_, kModel);
   for (const std::string& term : {schema + "#collection", schema + "#MODEL", schema + "#model ",
                                   schema + "#models", schema + "#", schema + ":#model", schema,
                                   std::string("#model"), std::string("model"), std::string()}) {
-    // What is no model lacks the feed of a collection.
+    // As a collection it lacks its feed.
     EXPECT_FALSE(LoadCategory(Term(term))) << term;
-    EXPECT_EQ(item.kind_, 1) << term;
+    EXPECT_EQ(item.kind_, kCollection) << term;
     EXPECT_TRUE(Load(Collection().With("category", Term(term)))) << term;
   }
 }
@@ -127,12 +140,12 @@ TEST_F(ContentItemTest, OnlyTheTermOfAModelMakesAModel) {
 TEST_F(ContentItemTest, OnlyTheFirstCategoryCounts) {
   const std::string model = Term(std::string(kSchema) + "#model");
   EXPECT_TRUE(LoadCategory(model + Term("x")));
-  EXPECT_EQ(item.kind_, 0);
+  EXPECT_EQ(item.kind_, kModel);
   EXPECT_TRUE(Load(Collection().With("category", Term("x") + model)));
-  EXPECT_EQ(item.kind_, 1);
+  EXPECT_EQ(item.kind_, kCollection);
   EXPECT_FALSE(LoadCategory("<category/>" + model));
   EXPECT_FALSE(Load(Collection().With("category", "<category label='x'/>" + Term("x"))));
-  EXPECT_EQ(item.kind_, 1);
+  EXPECT_EQ(item.kind_, kCollection);
 }
 
 TEST_F(ContentItemTest, EachLinkGoesToItsField) {

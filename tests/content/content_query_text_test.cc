@@ -56,7 +56,8 @@ TEST_F(ContentQueryTextTest, SearchOperatorsAreRemovedFromTheTitle) {
   for (const auto& [title, expected] : titles) EXPECT_EQ(TitleOf(title), expected) << title;
 }
 
-// What one removal leaves together may be the next one's, and never an earlier one's.
+// A removal may join text that a later removal matches, but not one that an earlier removal
+// matches.
 TEST_F(ContentQueryTextTest, SearchOperatorsAreRemovedInOneOrder) {
   EXPECT_EQ(TitleOf("x is: filetype:qmfdownloadable"), "x");
   EXPECT_EQ(TitleOf("x filetype is:downloadable:qmf"), "x ");

@@ -1,4 +1,4 @@
-// Feeds of other projects, as they are and with the title and counts that most of them lack.
+// Feeds of other projects, unchanged and with the title and counts that most of them lack.
 
 #include <gtest/gtest.h>
 
@@ -39,8 +39,7 @@ std::string Trimmed(const std::string& text) {
                                     : text.substr(begin, text.find_last_not_of(space) + 1 - begin);
 }
 
-// The last complete link of that relation and type. An attribute that is not there is left out or
-// null.
+// The last complete link of that relation and type. A missing attribute is absent or null.
 std::string LastLink(const json& expected, const std::string& rel, const std::string& type) {
   const auto has = [](const json& link, const char* name) {
     return link.contains(name) && !link.at(name).is_null();
@@ -77,8 +76,8 @@ void ExpectContents(const json& expected, const ContentQuery& query) {
   EXPECT_LE(query.items_.size(), expected.at("entries").get<std::size_t>());
 }
 
-// The feed with a title and the three counts as its last children; nothing for one whose end tag is
-// not written in ASCII.
+// The feed with a title and the three counts added as its last children. Nothing if its end tag is
+// not ASCII.
 std::optional<std::string> WithTitleAndCounts(const std::string& document) {
   static const std::regex end_tag("</([A-Za-z0-9]+:)?feed\\s*>");
   std::sregex_iterator last(document.begin(), document.end(), end_tag);

@@ -29,8 +29,8 @@ inline ovrant::utils::ovrant_ustring Text(std::string_view utf8) {
   return ovrant::utils::ovrant_ustring(utf8.data(), utf8.size());
 }
 
-// The bytes of a document in a block of just their size, for functions that take what they do not
-// change as "unsigned char*".
+// The bytes of a document in a block of exactly their size. For functions that take a non-const
+// pointer though they only read.
 class DocumentBytes {
  public:
   explicit DocumentBytes(std::string_view text) : bytes_(text.begin(), text.end()) {}
@@ -84,7 +84,7 @@ Parts Collection();
 // The part "group": one thumbnail, and `contents`.
 std::string Group(std::string_view contents);
 
-// A rendition. `url` is written as an attribute's value is: "&amp;" for "&".
+// A rendition. `url` is escaped as in an attribute: "&amp;" for "&".
 std::string Rendition(std::string_view url, std::string_view type = "application/vnd.brevix.qmf");
 
 std::string Link(std::string_view rel, std::string_view href, std::string_view type);

@@ -1,4 +1,4 @@
-// Who owns what.
+// Ownership of items and thumbnails.
 
 #include <gtest/gtest.h>
 

@@ -48,5 +48,10 @@ TEST(MultipartHeaderTest, ABoundaryIsWrittenAsItIs) {
             "multipart/form-data; boundary=a b\"\xC3\xA9");
 }
 
+TEST(MultipartHeaderTest, KeepsABoundaryWithANulWhole) {
+  const std::string boundary("a\0b", 3);
+  EXPECT_EQ(HeadersFor(boundary, 1)[1].second, "multipart/form-data; boundary=" + boundary);
+}
+
 }  // namespace
 }  // namespace stowra_test

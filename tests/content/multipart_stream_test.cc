@@ -1,4 +1,4 @@
-// The body of an upload in streams of every kind and state.
+// The body of an upload, written to streams of every kind and state.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,7 +41,7 @@ std::string BodyOf(const std::string& data) {
          "--BrevixClient0385119264730052--\r\n";
 }
 
-// Without a pattern that a wrong offset could hide in.
+// No period in these bytes can hide a wrong offset.
 std::string DataOf(std::size_t size) {
   std::string data(size, '\0');
   unsigned value = 1;
@@ -72,7 +72,7 @@ TEST_F(MultipartStreamTest, BodiesOfEverySizeAreWhole) {
   }
 }
 
-// The memory between the two ends of what a stream can write to before it grows.
+// The bytes that a stream can take before it grows.
 std::size_t CapacityOf(std::stringbuf& buffer) {
   struct Peek : std::stringbuf {
     static std::size_t CapacityOf(std::stringbuf& other) {
@@ -190,7 +190,7 @@ TEST_F(MultipartStreamTest, WithoutMemoryTheStreamHoldsABeginningOfTheBody) {
   const auto append = [this](std::stringstream& out) { Append(data_, out); };
   std::stringstream warm_up;
   append(warm_up);
-  // Thrown, whole or bad, for the first allocation that fails, the second, and so on.
+  // Each allocation fails in turn: the body is whole, or the call throws, or the stream is bad.
   std::string outcomes;
   while (outcomes.find(std::string(20, 'w')) == std::string::npos) {
     std::stringstream out;
@@ -202,7 +202,7 @@ TEST_F(MultipartStreamTest, WithoutMemoryTheStreamHoldsABeginningOfTheBody) {
     EXPECT_TRUE(content.empty() || !threw) << allowed;
     EXPECT_EQ(content.size() == body_.size(), outcomes.back() == 'w') << allowed;
   }
-  // Memory that only spares more memory is not missed.
+  // PrepareToWrite works without memory.
   EXPECT_THAT(outcomes, MatchesRegex("t+w+b+w+"));
 }
 

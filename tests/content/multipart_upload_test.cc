@@ -32,7 +32,7 @@ std::string FilePart(const std::string& file_name, const std::string& type,
          "\"\r\nContent-Type: " + type + "\r\n\r\n" + data + "\r\n";
 }
 
-// What every body begins with.
+// The first parts of every body.
 std::string Head(const std::string& name, const std::string& subject) {
   return Part("name", name) + Part("subjectId", subject) + Part("subjectClass", "entity");
 }

@@ -105,7 +105,7 @@ TEST_F(QueryFeedTest, ATransferThatFailsKeepsTheResults) {
   }
 }
 
-// There and back, each page replacing the last.
+// Turns to the next page and back. Each page replaces the last.
 TEST_F(QueryFeedTest, PagesAreTurnedByTheirLinks) {
   const char* const atom = "application/atom+xml";
   const RawServer server([&](const RawRequest& request, RawConnection& connection) {

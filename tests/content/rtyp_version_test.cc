@@ -16,7 +16,7 @@ namespace {
 using ovrant::stowraapiclient::ContentItem;
 using ovrant::utils::ovrant_ustring;
 
-// Nothing if there is none; the caller's number is then as it was.
+// The version, or nothing. In that case the caller's number is unchanged.
 std::optional<int> VersionOf(const ovrant_ustring& value) {
   ContentItem item;
   int version = -77;
@@ -50,7 +50,7 @@ TEST(RtypVersionTest, OnlyAsciiDigitsAreDigits) {
   EXPECT_EQ(VersionOf(Text(std::string_view("s7\0", 3))), std::nullopt);
 }
 
-// No version that anybody asks for.
+// A version beyond 32 bits.
 TEST(RtypVersionTest, BeyondThirtyTwoBitsIsZero) {
   for (const char* const value :
        {"s2147483648", "s4294967303", "s18446744073709551623", "s99999999999999999999999999"}) {

@@ -93,7 +93,7 @@ TEST_F(UploadConfigTest, EachUrlAndTheListAreRequired) {
   for (const char* const part : {"success", "failure", "files"}) {
     config.Clear();
     EXPECT_FALSE(Parse(Upload(File().text()).Without(part).text())) << part;
-    // What is there has been read.
+    // The other values were read.
     EXPECT_EQ(config.success_url_.empty(), std::string(part) == "success");
     EXPECT_EQ(config.failure_url_.empty(), std::string(part) == "failure");
     EXPECT_EQ(config.files_.empty(), std::string(part) == "files");
@@ -178,7 +178,7 @@ TEST_F(UploadConfigTest, NothingIsReadWithoutTheRoot) {
   EXPECT_FALSE(config.ParseResponse(nullptr, 0));
 }
 
-// A reader's length is an int. What is cut off such a length would leave that of a document.
+// The reader takes an int. Cut to 32 bits, the first length would be the document's.
 TEST_F(UploadConfigTest, ALengthThatNoReaderTakesIsNotCutOff) {
   DocumentBytes bytes(Upload(File().text()).text());
   EXPECT_FALSE(config.ParseResponse(bytes.data(), (1UL << 32) + bytes.size()));

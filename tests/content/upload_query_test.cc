@@ -23,7 +23,7 @@ constexpr char kWithoutType[] =
 
 class UploadQueryTest : public testing::Test {
  protected:
-  // With the results of a query before.
+  // Holds the results of an earlier query.
   UploadQueryTest() { Fill(); }
 
   void Fill() {
