@@ -1,4 +1,4 @@
-// A JSON text as a tree.
+// Reads, holds and writes a JSON text as a tree.
 
 #ifndef COMMON_STOWRAAPI_JSON_DOCUMENT_H_
 #define COMMON_STOWRAAPI_JSON_DOCUMENT_H_
@@ -11,12 +11,15 @@
 
 namespace ovrant::json {
 
-// Owns a JSON tree (RFC 8259), the memory pool that its content lives in, and every handle that it
-// gives out: those stay valid until the document is destroyed, though Load leaves handles into the
-// earlier tree without meaning. The pool only grows. For one thread at a time.
+// Owns a JSON tree (RFC 8259), the memory pool of its content, and every handle that it returns.
+// Those stay valid until the document is destroyed, but handles into an earlier tree mean nothing
+// after Load. The pool only grows.
+//
+// For one thread at a time. Everything but the destructor and MemberCount may throw std::bad_alloc,
+// which leaves the tree as it was, except in Load.
 class STOWRA_EXPORT Document {
  public:
-  // Nesting beyond which Load refuses a text; the root is level 1.
+  // The deepest nesting that Load accepts. The root is level 1.
   static constexpr unsigned int kMaxDepth = 512;
 
   // The root is an empty object.
@@ -26,28 +29,31 @@ class STOWRA_EXPORT Document {
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
 
-  // Replaces the tree by the one that `text`, up to its first NUL, spells. False when it is not
-  // strict JSON with an object or array as root, is nested deeper than kMaxDepth, has 4 GiB or
-  // more as UTF-8, or has a hundred million zeros or more behind a decimal point: the root is null
-  // then. Fits a 512 KiB stack. std::bad_alloc leaves the root null.
+  // Replaces the tree by the one in `text`, which is read up to its first NUL. False, and the root
+  // is null, when the text
+  //   - is not strict JSON with an object or array as root,
+  //   - is nested deeper than kMaxDepth,
+  //   - has 4 GiB or more as UTF-8,
+  //   - or has a number with a hundred million zeros or more after the decimal point.
+  // std::bad_alloc leaves the root null. A stack of 512 KiB is enough.
   bool Load(const ovrant::utils::ovrant_ustring& text);
 
-  // Replaces `out` by the tree as compact JSON. Numbers that JSON cannot spell (infinities and NaN)
-  // end the text where they stand. Needs no more stack however deep the tree is.
+  // Replaces `out` by the tree as compact JSON. The text ends at the first number that JSON cannot
+  // write: an infinity or NaN. Stack use does not depend on the depth.
   void ToString(ovrant::utils::ovrant_ustring& out);
 
-  // A null node outside the tree, owned by the handle returned; PushBack or AddMember moves its
-  // content into the tree. Must not outlive the document.
+  // A null node outside the tree, owned by the returned handle. PushBack or AddMember moves its
+  // content into the tree. The handle must not outlive the document.
   Value MakeValue();
 
-  // On the root, as the operations of Value that have these names.
+  // Apply the operations of Value to the root.
   bool HasMember(const ovrant::utils::ovrant_ustring& name) const;
   void AddMember(const ovrant::utils::ovrant_ustring& name, const Value& item);
   Value& operator[](const ovrant::utils::ovrant_ustring& name);
   Value& operator[](const ovrant::utils::ovrant_ustring& name) const;
 
-  // The root's members in document order; 0 of them when it is not an object. Beyond the last one:
-  // a null handle and the empty name. A name is given up to its first NUL.
+  // The root's members in document order. MemberCount is 0 if the root is not an object. An index
+  // beyond the last gives a null handle and the empty name. A name ends at its first NUL.
   unsigned int MemberCount() const;
   Value& MemberAt(unsigned int index);
   Value& MemberAt(unsigned int index) const;

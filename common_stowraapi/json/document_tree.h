@@ -1,4 +1,4 @@
-// What a Document owns.
+// The contents of a Document.
 
 #ifndef COMMON_STOWRAAPI_JSON_DOCUMENT_TREE_H_
 #define COMMON_STOWRAAPI_JSON_DOCUMENT_TREE_H_

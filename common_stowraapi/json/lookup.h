@@ -1,4 +1,4 @@
-// Looking into a loaded document in passing, for the library's own services.
+// Reads a document without growing it, for the library's own services.
 
 #ifndef COMMON_STOWRAAPI_JSON_LOOKUP_H_
 #define COMMON_STOWRAAPI_JSON_LOOKUP_H_
@@ -10,8 +10,8 @@
 
 namespace ovrant::json {
 
-// Gives what the operations of Document and Value give, as handles that only the caller keeps: a
-// long array or object costs no memory while it is read. Names are UTF-8.
+// Does what the operations of Document and Value do, but only the caller keeps the handles. Reading
+// a long array or object therefore costs no memory. Names are UTF-8.
 struct Lookup {
   static Value Root(const Document& document);
   static Value Member(const Value& object, std::string_view name);

@@ -11,16 +11,16 @@ namespace {
 
 using ovrant::utils::ovrant_ustring;
 
-// Nodes beyond which an array or object that grows by half no longer counts in 32 bits.
+// The largest count at which an array or object may still grow by half within 32 bits.
 constexpr SizeType kMaxGrowing = std::numeric_limits<SizeType>::max() / 3 * 2;
 
 void CheckGrowth(SizeType count) {
   if (count > kMaxGrowing) throw std::bad_alloc();
 }
 
-// Holds the content of an item on its way into an array or object, and gives it back if it does
-// not get there. The item is null meanwhile, which also holds when it is moved itself because it
-// stands in the array that grows.
+// Holds the content of an item on its way into an array or object. The item is null meanwhile, and
+// gets its content back if the move fails. That also works for an item that the array moves as it
+// grows.
 class Content {
  public:
   explicit Content(Node* item) : item_(item) {
@@ -40,7 +40,7 @@ class Content {
   Node content_;
 };
 
-// Node::AddMember counts an object's new capacity before it has the memory.
+// Node::AddMember raises the object's capacity before it allocates: undo that if it throws.
 void AddMember(Node& object, Node& name, Node& value, Pool& pool) {
   unsigned char before[sizeof(Node)];
   std::memcpy(before, static_cast<const void*>(&object), sizeof(Node));

@@ -1,5 +1,5 @@
-// What this room does with nodes, safe where RapidJSON itself is not: with any type of node, with
-// none, and when memory runs out.
+// Operations on nodes that are safe where RapidJSON's own are not: on any type of node, on a null
+// pointer, and when memory runs out.
 
 #ifndef COMMON_STOWRAAPI_JSON_NODE_H_
 #define COMMON_STOWRAAPI_JSON_NODE_H_
@@ -11,32 +11,32 @@
 
 namespace ovrant::json {
 
-// A null node for a handle to own, and its end: operator new and operator delete. The content of a
-// node lives in the pool, so nothing is destroyed.
+// Make and free a null node for a handle to own, with operator new and operator delete. The content
+// of a node lives in the pool, so nothing is destroyed.
 void* NewNode();
 void FreeNode(void* node);
 
-// The node of a handle; a null node, which nobody may write to, for a handle without one.
+// The node of a handle. For a null pointer, a shared null node that must not be written to.
 const Node& ReadNode(const void* node);
 
-// The element, member value or member looked for; null where there is none or `node` is null or of
-// another type. A name in a std::string_view is UTF-8.
+// The element, the member's value or the member. Null if it does not exist, or if `node` is null or
+// of another type. A std::string_view holds UTF-8.
 Node* FindElement(Node* node, unsigned int index);
 Node* FindMember(Node* node, const ovrant::utils::ovrant_ustring& name);
 Node* FindMember(Node* node, std::string_view name);
 Node::Member* FindMemberAt(Node* node, unsigned int index);
 
-// Elements or members; 0 where `node` has neither.
+// The number of elements or members; 0 for any other type.
 unsigned int CountChildren(const Node& node);
 
-// A string node with a copy of `text` up to its first NUL.
+// A string node with a copy of `text` up to its first NUL, made in `pool`.
 Node MakeText(const ovrant::utils::ovrant_ustring& text, Pool& pool);
 
-// A string node's text up to its first NUL; empty for any other node.
+// The text of a string node up to its first NUL; empty for any other type.
 ovrant::utils::ovrant_ustring ReadText(const Node& node);
 
-// Move the content of `item`, or null where there is no item, to the end of `array` or into a new
-// last member of `object`; `item` is null then. std::bad_alloc leaves everything as it was.
+// Move the content of `item` to the end of `array`, or into a new last member of `object`, and make
+// `item` null. A null pointer adds a null node. std::bad_alloc leaves everything as it was.
 //
 // REQUIRES: `array` or `object` has that type and is not `item`.
 void MoveToEnd(Node& array, Node* item, Pool& pool);

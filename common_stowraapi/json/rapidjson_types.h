@@ -1,5 +1,5 @@
-// RapidJSON's types as this room uses them. Only the .cc files beside this header include it, and
-// nothing else includes RapidJSON.
+// The RapidJSON types of this room. Only the .cc files beside this header include it, and nothing
+// else includes RapidJSON.
 
 #ifndef COMMON_STOWRAAPI_JSON_RAPIDJSON_TYPES_H_
 #define COMMON_STOWRAAPI_JSON_RAPIDJSON_TYPES_H_
@@ -9,8 +9,8 @@
 #include <limits>
 #include <new>
 
-// Strings are scanned by string_scan.h: what RapidJSON has for that lets some control characters
-// pass.
+// string_scan.h scans strings instead: RapidJSON's own vector code accepts the control characters
+// 0x1A to 0x1F.
 #undef RAPIDJSON_SSE2
 #undef RAPIDJSON_SSE42
 #undef RAPIDJSON_NEON
@@ -19,6 +19,11 @@
 #include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
+
+static_assert(RAPIDJSON_MAJOR_VERSION == 1 && RAPIDJSON_MINOR_VERSION == 1 &&
+                  RAPIDJSON_PATCH_VERSION == 0,
+              "tree_reader.cc and tree_writer.cc specialise members of RapidJSON 1.1.0: check that "
+              "this version still calls them, then change this assertion");
 
 namespace ovrant::json {
 
@@ -53,7 +58,7 @@ using Input = rapidjson::GenericStringStream<Encoding>;
 using Output = rapidjson::GenericStringBuffer<Encoding, ThrowingAllocator>;
 using OutputWriter = rapidjson::Writer<Output, Encoding, Encoding, ThrowingAllocator>;
 
-// Lengths and counts have 32 bits. A text has one byte less, for its NUL is counted too.
+// Lengths and counts have 32 bits. The NUL after a text counts, too.
 using rapidjson::SizeType;
 constexpr std::size_t kMaxTextLength = std::numeric_limits<SizeType>::max() - 1;
 

@@ -13,15 +13,15 @@ namespace {
 
 using Reader = rapidjson::GenericReader<Encoding, Encoding, ThrowingAllocator>;
 
-// Selects RapidJSON's own functions below: to those it means nothing.
+// Selects RapidJSON's own functions in the specialisations below. They ignore the flag.
 constexpr unsigned int kParseAsUsual = rapidjson::kParseStopWhenDoneFlag;
 
 constexpr std::size_t kMaxSize = std::numeric_limits<std::uint32_t>::max();
 constexpr std::ptrdiff_t kMaxFractionZeros = 99'999'999;
 constexpr std::ptrdiff_t kMaxExponentDigits = 9;
 
-// Hands what is parsed on to the document, which builds the tree; ends the parsing where it gets
-// too deep.
+// Passes the parser's events to the document, which builds the tree. Stops the parser at the depth
+// limit.
 class TreeBuilder {
  public:
   TreeBuilder(ParsedText& tree, unsigned int max_depth) : tree_(tree), levels_left_(max_depth) {}
@@ -69,9 +69,9 @@ char* SkipDigits(char* at) {
   return at;
 }
 
-// Finds in a number what the parser, which looks powers of ten up by sums in int, does not survive:
-// false for too many zeros behind the decimal point. An exponent of less than -999999999, which
-// makes any number 0, becomes that one.
+// The parser adds up digits and exponents in int, and the sums overflow for some numbers. Returns
+// false for too many zeros after the decimal point. Raises an exponent below -999999999 to that:
+// the number is 0 either way.
 bool MakeNumberSafe(char* number) {
   char* at = SkipDigits(*number == '-' ? number + 1 : number);
   if (*at == '.') {
@@ -92,7 +92,7 @@ bool MakeNumberSafe(char* number) {
 }  // namespace
 }  // namespace ovrant::json
 
-// A text without an escape is found in long steps and copied once.
+// Scans a string without escapes in long steps and copies it once. Leaves others to RapidJSON.
 template <>
 template <>
 void ovrant::json::Reader::ParseString<rapidjson::kParseNoFlags>(ovrant::json::Input& is,
@@ -110,7 +110,7 @@ void ovrant::json::Reader::ParseString<rapidjson::kParseNoFlags>(ovrant::json::I
   if (!goes_on) SetParseError(rapidjson::kParseErrorTermination, is.Tell());
 }
 
-// The text is ReadTree's own.
+// MakeNumberSafe may write into the text, since ReadTree owns it.
 template <>
 template <>
 void ovrant::json::Reader::ParseNumber<rapidjson::kParseNoFlags>(

@@ -1,4 +1,4 @@
-// Reading a tree from text.
+// Reads a tree from text.
 
 #ifndef COMMON_STOWRAAPI_JSON_TREE_READER_H_
 #define COMMON_STOWRAAPI_JSON_TREE_READER_H_
@@ -9,12 +9,12 @@
 
 namespace ovrant::json {
 
-// Parses `text`, up to its first NUL, as RapidJSON does without parse flags, and puts the tree into
-// `tree`. False, with what was there before, when it
-// - has 4 GiB or more,
-// - is not strict JSON with an object or array as root,
-// - has more than `max_depth` of them inside each other: the parser recurses,
-// - or has a hundred million zeros or more behind a decimal point.
+// Parses `text` up to its first NUL, as RapidJSON does without parse flags, into `tree`. False, and
+// `tree` is unchanged, for a text that
+//   - has 4 GiB or more,
+//   - is not strict JSON with an object or array as root,
+//   - nests these deeper than `max_depth`, since the parser recurses,
+//   - or has a hundred million zeros or more after a decimal point.
 bool ReadTree(std::string text, unsigned int max_depth, ParsedText& tree);
 
 }  // namespace ovrant::json

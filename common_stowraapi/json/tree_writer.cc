@@ -7,8 +7,8 @@
 
 #include "common_stowraapi/json/string_scan.h"
 
-// RapidJSON writes strings in steps of sixteen into its own buffer type only, and then takes the
-// control characters from 1A for plain ones.
+// RapidJSON's own vector code works for its default buffer type only, and leaves the control
+// characters 0x1A to 0x1F without an escape.
 template <>
 bool ovrant::json::OutputWriter::ScanWriteUnescapedString(ovrant::json::Input& text,
                                                           std::size_t length) {
@@ -33,18 +33,18 @@ class TreeWriter {
   }
 
  private:
-  // An array or object that is begun, and how many of its children are too.
+  // An array or object that has been started, and the number of its children that have.
   struct Level {
     const Node* node;
     SizeType begun;
   };
 
-  // Writes a leaf, or begins an array or object.
+  // Writes a leaf, or starts an array or object.
   bool WriteNode(const Node& node);
   bool WriteNumber(const Node& node);
   void WriteText(const Node& node);
 
-  // Ends what is complete. The node to write then; null at the end of the tree.
+  // Ends complete arrays and objects. Returns the next node to write, or null at the end.
   const Node* Next();
 
   Output& text_;
@@ -82,8 +82,8 @@ bool TreeWriter::WriteNumber(const Node& node) {
   return writer_.Uint64(node.GetUint64());
 }
 
-// The writer asks for six bytes a character and two quotes before it writes a text, which it adds
-// up in 32 bits, and then looks no more: there has to be room already for what does not fit those.
+// The writer reserves six bytes a character and two quotes, and then writes without checking. It
+// computes that size in 32 bits, so a longer text needs its room reserved here.
 void TreeWriter::WriteText(const Node& node) {
   constexpr SizeType kMaxCounted = (std::numeric_limits<SizeType>::max() - 2) / 6;
   const SizeType length = node.GetStringLength();

@@ -1,4 +1,4 @@
-// Writing a tree as text.
+// Writes a tree as text.
 
 #ifndef COMMON_STOWRAAPI_JSON_TREE_WRITER_H_
 #define COMMON_STOWRAAPI_JSON_TREE_WRITER_H_
@@ -8,7 +8,7 @@
 namespace ovrant::json {
 
 // Appends `root` to `text` as Node::Accept would through an OutputWriter, up to the first number
-// that has no JSON text, but without recursion: needs no more stack for a deeper tree.
+// that JSON cannot write. Does not recurse.
 void WriteTree(const Node& root, Output& text);
 
 }  // namespace ovrant::json

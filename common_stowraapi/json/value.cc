@@ -15,8 +15,8 @@ Node* NodeOf(void* node) { return static_cast<Node*>(node); }
 
 Pool* PoolOf(void* allocator) { return static_cast<Pool*>(allocator); }
 
-// Empties `handles`. Each handle's own list is taken from it before it is destroyed, so that a
-// chain of handles, however long, does not become a chain of destructor calls.
+// Empties `handles`. Takes each handle's own list from it first: a long chain of handles must not
+// become a chain of destructor calls.
 void Empty(std::list<Value>& handles, std::list<Value> Value::*const own) {
   while (!handles.empty()) {
     handles.splice(handles.end(), handles.front().*own);
@@ -53,7 +53,7 @@ Value::Value(const Value& other) : Value(other.owned_, other.node_, other.alloca
 
 Value& Value::operator=(const Value& other) {
   if (this == &other) return *this;
-  // `other` may stand in the list that is emptied, and may refer to the node that this one owns.
+  // `other` may stand in handles_, and may refer to the node that this handle owns.
   const bool owned_here = owned_;
   void* const old_node = node_;
   owned_ = other.owned_;

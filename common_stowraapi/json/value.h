@@ -10,34 +10,40 @@
 
 namespace ovrant::json {
 
-// Reads and writes one node of a Document's tree (RFC 8259). A handle is small, but not a value:
-// copying or assigning one rebinds it to the same node, and moves ownership of the node's storage,
-// where it has it, in the manner of an auto-pointer. Content enters a tree by the setters, PushBack
-// and AddMember alone, and lives in the Document's memory pool until the Document dies; no handle
-// may be used after that.
+// Reads and writes one node of a Document's tree (RFC 8259). A handle is small, but it is not a
+// value. A copy or an assignment rebinds it to the same node and moves ownership of the node's
+// storage, as an auto-pointer does. Content enters a tree only through the setters, PushBack and
+// AddMember. It lives in the Document's memory pool until the Document dies; no handle may be used
+// after that.
 //
-// A handle keeps every handle that its operator[] gave out, one more for each call, so that the
+// A handle keeps every handle that its operator[] returned, one more for each call. Those
 // references stay valid until it is destroyed or assigned to. PushBack and AddMember may move the
-// elements or members that are there already: handles to those are without meaning then.
+// children that are already there: do not use older handles to those.
 //
-// A document and its handles belong to one thread at a time. std::bad_alloc is the only exception,
-// and leaves the tree as it was.
+// A document and its handles belong to one thread at a time. operator[], HasMember, GetString,
+// SetString, PushBack and AddMember throw std::bad_alloc and leave the tree as it was. Nothing else
+// throws.
 class STOWRA_EXPORT Value {
  public:
-  // An empty handle: it reads as null, and what writes does nothing, until it is assigned to.
+  // An empty handle. It reads as null and ignores writes until it is assigned to.
   Value();
 
-  // A handle to `node` whose strings, elements and members are placed in `allocator`: the JSON
-  // library's own node and pool, untyped here. With `owned` the handle frees the node, which came
-  // from new.
+  // A handle to `node`, which places strings, elements and members in `allocator`. Either may be
+  // null.
+  //   - `node` is a rapidjson::GenericValue over UTF8<char> and the type of the pool.
+  //   - `allocator` is a rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>. The handle grows
+  //   it
+  //     with malloc, as the pool itself does.
+  //   - With `owned` the handle frees the node with operator delete, so it must come from new. The
+  //     node's content stays in the pool.
   Value(bool owned, void* node, void* allocator);
 
-  // Refers to the same node and takes the ownership of it from `other`. The handles that `other`
-  // gave out stay with `other`.
+  // Refers to the node of `other` and takes its ownership. Handles that `other` returned stay with
+  // it.
   Value(const Value& other);
 
-  // As above, after freeing the node that this handle owned and invalidating every reference it
-  // gave out. Never writes into the tree.
+  // Frees the node if this handle owned it, drops every handle that it returned, then does as the
+  // copy constructor. Never writes into the tree.
   Value& operator=(const Value& other);
 
   ~Value();
@@ -51,7 +57,8 @@ class STOWRA_EXPORT Value {
   bool IsString() const;
   bool IsNumber() const;
 
-  // Whether the number is an integer that the type can hold; a double never is, even when integral.
+  // Whether the number is an integer that fits the type. False for every double, even an integral
+  // one.
   bool IsInt() const;
   bool IsUint() const;
   bool IsInt64() const;
@@ -60,38 +67,38 @@ class STOWRA_EXPORT Value {
   // Whether the number is held as a double.
   bool IsDouble() const;
 
-  // An integer's lowest 32 or 64 bits. A double is cut toward zero, and gives 0 where that does not
-  // fit. 0 for anything else.
+  // The lowest 32 or 64 bits of an integer. A double is cut toward zero, and gives 0 if it does not
+  // fit. 0 for any other type.
   int GetInt() const;
   unsigned int GetUint() const;
   long long GetInt64() const;
   unsigned long long GetUint64() const;
 
-  // Any number; 0 for anything else.
+  // Any number as a double; 0 for any other type.
   double GetDouble() const;
 
-  // True for the literal true alone.
+  // True only for the literal true.
   bool GetBool() const;
 
-  // The text up to its first NUL; empty for anything but a string.
+  // The text of a string up to its first NUL; empty for any other type.
   ovrant::utils::ovrant_ustring GetString() const;
 
-  // Elements of an array or members of an object; 0 for anything else.
+  // The number of elements or members; 0 if this is neither an array nor an object.
   unsigned int Size() const;
 
-  // The element at `index`; a null handle where there is none.
+  // The element at `index`, or a null handle if there is no such element.
   Value& operator[](unsigned int index);
   Value& operator[](unsigned int index) const;
 
-  // Whether the object has a member of exactly that name; false for anything but an object.
+  // Whether the object has a member of exactly that name. False for any other type.
   bool HasMember(const ovrant::utils::ovrant_ustring& name) const;
 
-  // The first member of exactly that name. Where there is none: a null handle, through which
-  // nothing can be written, and nothing is added.
+  // The first member of exactly that name. If there is no such member, adds nothing and returns a
+  // null handle that ignores writes.
   Value& operator[](const ovrant::utils::ovrant_ustring& name);
   Value& operator[](const ovrant::utils::ovrant_ustring& name) const;
 
-  // Replace the node's content in place. The old content's memory stays in the pool.
+  // Replace the node's content. The memory of the old content stays in the pool.
   void SetNull();
   void SetObject();
   void SetArray();
@@ -105,17 +112,17 @@ class STOWRA_EXPORT Value {
   // Stores a copy of the text up to its first NUL.
   void SetString(const ovrant::utils::ovrant_ustring& text);
 
-  // Moves the content of `item`'s node, null where it has none, to the end of this array; `item` is
-  // null afterwards. Does nothing when this is not an array or the two are the same node.
+  // Moves the content of `item`'s node to the end of this array, and makes `item` null. An item
+  // without a node adds null. Does nothing if this is not an array or both handles have the same
+  // node. Moving a node into its own descendant loses it: nothing in the tree refers to it then.
   void PushBack(const Value& item);
 
-  // Makes the array empty. Does nothing when this is not an array.
+  // Makes an array empty. Does nothing to any other type.
   void Clear();
 
-  // Moves the content of `item`'s node, null where it has none, into a new last member of this
-  // object, named by `name` up to its first NUL; `item` is null afterwards. A member of that name
-  // may exist: look-ups find the first. Does nothing when this is not an object or the two are the
-  // same node.
+  // Moves the content of `item`'s node into a new last member of this object, as PushBack does. The
+  // name is `name` up to its first NUL. If a member of that name exists, look-ups find the first.
+  // Does nothing if this is not an object or both handles have the same node.
   void AddMember(const ovrant::utils::ovrant_ustring& name, const Value& item);
 
  private:

@@ -1,4 +1,4 @@
-// Building and taking apart of trees, as the fuzzer's bytes say, beside a model.
+// Builds and changes trees as the fuzzer's bytes say, together with a model.
 
 #ifndef FUZZ_JSON_DOCUMENT_BUILDER_H_
 #define FUZZ_JSON_DOCUMENT_BUILDER_H_
@@ -9,9 +9,9 @@
 
 namespace stowra_fuzz {
 
-// Does up to some dozens of operations on the document, whose tree is `root`, and on nodes beside
-// it; compares all of them in the end. Ends early, with nothing compared, at a text to load that
-// the model does not judge. REQUIRES: the doubles of `root` are settled.
+// Runs some dozens of operations on the document, whose tree is `root`, and on nodes beside it.
+// Then compares all of them. Ends early, without a comparison, at a text that the model does not
+// judge. REQUIRES: the doubles of `root` are settled.
 void BuildAndCheck(Input& input, ovrant::json::Document& document, JsonNode& root);
 
 }  // namespace stowra_fuzz

@@ -1,4 +1,4 @@
-// Comparing a document with the tree that it should hold.
+// Compares a document with the tree that it should hold.
 
 #ifndef FUZZ_JSON_DOCUMENT_CHECK_H_
 #define FUZZ_JSON_DOCUMENT_CHECK_H_
@@ -26,7 +26,7 @@ std::string CheckDocument(ovrant::json::Document& document, const JsonNode& mode
 // Whether two trees of one shape have the same doubles.
 bool HasSameDoubles(const JsonNode& a, const JsonNode& b);
 
-// Whether a number that JSON cannot spell, at which a text ends, is in the tree.
+// Whether the tree holds a number that JSON cannot write. The text ends there.
 bool HasUnspellableNumber(const JsonNode& model);
 
 }  // namespace stowra_fuzz

@@ -1,5 +1,5 @@
-// A JSON document: any text is loaded, read in every way, written and loaded again, beside another
-// parser; then trees are built. Input: the text; behind its first NUL, which ends it, what to do.
+// Loads any text, reads it in every way, writes it and loads it again, and compares all that with
+// another parser. Then builds trees. The input is a text up to its first NUL, then the operations.
 
 #include "common_stowraapi/json/document.h"
 
@@ -27,8 +27,8 @@ using stowra_fuzz::FromUtf8;
 using stowra_fuzz::JsonNode;
 using stowra_fuzz::JsonText;
 
-// A text that the library wrote is taken again and spells the same tree. It is the same text in the
-// end unless doubles were rounded on the way.
+// A text that the library wrote loads again as the same tree. Written again it is the same text,
+// unless doubles were rounded.
 void CheckRoundTrip(const std::string& written) {
   JsonText expected = stowra_fuzz::ReadJson(written);
   if (expected.verdict == JsonText::Verdict::kEither) return;

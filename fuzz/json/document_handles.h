@@ -1,4 +1,4 @@
-// Handles into a document that last, beside the nodes of a model.
+// Long-lived handles into a document, each with its node in a model.
 
 #ifndef FUZZ_JSON_DOCUMENT_HANDLES_H_
 #define FUZZ_JSON_DOCUMENT_HANDLES_H_
@@ -14,7 +14,7 @@
 
 namespace stowra_fuzz {
 
-// A handle found on a path from one that lasts, and its node: null for a handle to nothing. Valid
+// A handle found on a path from a long-lived one, and its node, or null for an empty handle. Valid
 // until a tree changes.
 struct Place {
   ovrant::json::Value* value = nullptr;
@@ -26,7 +26,7 @@ struct Place {
 };
 
 // The document's root, and a few handles beside it: empty ones, owners of a node that MakeValue
-// made, and others to the same node. Which one an operation is about, the input says.
+// made, and others to the same node. The input chooses one for each operation.
 class DocumentHandles {
  public:
   DocumentHandles(Input& input, ovrant::json::Document& document, JsonNode& root);
@@ -40,10 +40,10 @@ class DocumentHandles {
   void Make();
   void Assign();
 
-  // Makes a copy, which owns what is owned, and gives it back.
+  // Makes a copy, which takes the ownership, and moves that back.
   void CopyAndGiveBack();
 
-  // Makes a handle that was handed out refer to something else; the tree is as it was.
+  // Rebinds a handle that the document returned. The tree stays as it was.
   void Rebind();
 
   // Compares every tree and the document's text.
@@ -52,7 +52,7 @@ class DocumentHandles {
  private:
   static constexpr std::size_t kSlots = 4;
 
-  // Two may refer to one node, which one of them owns.
+  // Two slots may share a node, which one of them owns.
   struct Slot {
     ovrant::json::Value value;
     std::shared_ptr<JsonNode> node;  // null: an empty handle
@@ -61,7 +61,7 @@ class DocumentHandles {
 
   void GoDown(Place& place);
 
-  // Before the slot's node is freed: nobody may refer to it any more.
+  // Called before the slot's node is freed. Empties the other handles to it.
   void Release(std::size_t slot);
 
   Input& input_;

@@ -9,18 +9,19 @@
 
 #include "fuzz/json/json_numbers.h"
 
-// The other parser is nlohmann-json's, told of events. Where it and the library's contract differ:
-// - A NUL ends the text; nlohmann-json takes it for a wrong character.
-// - The root has to be an object or an array.
-// - There may be 512 of them inside each other.
-// - nlohmann-json skips a byte order mark; the library takes it for a wrong character.
-// - Of members of one name all are kept, in order; it tells of all of them, too.
-// - A low surrogate alone, as an escape, is held as the three bytes that would be its UTF-8 and
-//   reads as three times U+FFFD; nlohmann-json refuses it, so it is given the escape for U+FFFF
-//   in its place. A text that has a U+FFFF of its own besides is not judged.
-// - The library reads doubles with a few roundings, an infinite one among them, and refuses some
-//   that nlohmann-json takes: see json_numbers.cc. nlohmann-json refuses what is infinite, so it is
-//   given another number in its place.
+// The other parser is nlohmann-json, used through its events. It differs from the library so:
+// - A NUL ends the text; nlohmann-json rejects it.
+// - The root must be an object or an array.
+// - These may nest 512 deep.
+// - nlohmann-json skips a byte order mark; the library rejects it.
+// - Both keep every member of a repeated name, in order.
+// - The library stores an escaped lone low surrogate as the three bytes of its would-be UTF-8,
+// which
+//   read as three times U+FFFD. nlohmann-json rejects it, so it gets the escape for U+FFFF instead.
+//   A text that also has a U+FFFF of its own is not judged.
+// - The library reads doubles with a few roundings, accepts infinite ones, and rejects some that
+//   nlohmann-json accepts: see json_numbers.cc. nlohmann-json rejects infinite ones, so it gets
+//   another number instead.
 
 namespace stowra_fuzz {
 namespace {
@@ -45,7 +46,7 @@ struct Prepared {
   bool has_markers = false;
 };
 
-// Walks over a text that may be no JSON at all: then it does not matter what comes of it.
+// Walks over a text that may not be JSON. The result does not matter in that case.
 class Preparer {
  public:
   explicit Preparer(std::string_view text) { prepared_.text = text; }
@@ -79,7 +80,7 @@ class Preparer {
     ++at_;
   }
 
-  // The four digits behind \u, in lower case.
+  // The four digits after \u, in lower case.
   std::string Digits(std::size_t at) const {
     std::string digits = prepared_.text.substr(std::min(at, prepared_.text.size())).substr(0, 4);
     for (char& c : digits) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));

@@ -18,7 +18,7 @@ struct JsonNode {
   bool IsContainer() const { return kind == Kind::kObject || kind == Kind::kArray; }
   bool IsNumber() const { return kind == Kind::kInteger || kind == Kind::kDouble; }
 
-  // The first member of that name; null where there is none or this is no object.
+  // The first member of that name. Null if it is missing or this is not an object.
   JsonNode* Find(std::string_view name);
   const JsonNode* Find(std::string_view name) const;
 
@@ -39,22 +39,22 @@ struct JsonText {
   JsonNode root;  // unless kRefused
 };
 
-// What json::Document::Load makes of a text that is UTF-8.
+// The expected result of json::Document::Load for a UTF-8 text.
 JsonText ReadJson(std::string_view utf8);
 
-// How a held text reads: up to its first NUL, and with U+FFFD for what is not UTF-8.
+// A stored text as a getter returns it: up to its first NUL, with U+FFFD for invalid UTF-8.
 std::string Shown(const std::string& held);
 
 // Whether `value` is `node`'s number, as far as that is settled.
 bool IsNear(double value, const JsonNode& node);
 
-// The members of an answer, read into fields that keep their value where there is no such member or
-// it has another type.
+// Read members of a response into fields. A field keeps its value if its member is missing or has
+// another type.
 void TakeText(const JsonNode& object, std::string_view name, std::string& field);
 void TakeBool(const JsonNode& object, std::string_view name, bool& field);
 
-// What the library may make of a number read as an int: one of these two, which differ only where
-// a double stands at the edge between integers.
+// The two values that the library may read from a number as an int. They differ only for a double
+// at the edge between integers.
 struct IntRange {
   int low = 0;
   int high = 0;

@@ -1,4 +1,4 @@
-// What becomes of the numbers in a JSON text.
+// Predicts how the library reads the numbers of a JSON text.
 
 #ifndef FUZZ_JSON_JSON_NUMBERS_H_
 #define FUZZ_JSON_JSON_NUMBERS_H_

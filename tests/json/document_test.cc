@@ -1,4 +1,4 @@
-// The document: its root, its members, and handles to them.
+// Document: its root, its members and handles to them.
 
 #include "common_stowraapi/json/document.h"
 

@@ -122,8 +122,8 @@ TEST(Load, LeavesTheRootNullWhenItFails) {
   }
 }
 
-// Strings are scanned in steps: every place in a step, every control character, in names and
-// values, behind plain text and escapes.
+// Strings are scanned in steps. Tries every place in a step and every control character, in names
+// and values, after plain text and after escapes.
 TEST(Load, RefusesControlCharactersWhereverTheyStandInAString) {
   for (char control = 1; control < 0x20; ++control) {
     for (std::size_t before = 0; before < 40; ++before) {

@@ -17,8 +17,8 @@ namespace {
 using ovrant::json::Document;
 using ovrant::json::Value;
 
-// Loads `text` and, where that works, writes it and loads and writes that: the two texts must be
-// the same.
+// Loads `text`. If that works, writes it, then loads and writes the result: both written texts must
+// be equal.
 bool LoadsAndRoundTrips(const std::string& text) {
   Document document;
   if (!document.Load(Text(text))) return false;
@@ -35,7 +35,7 @@ bool HasScalarRoot(const std::string& text) {
 }
 
 // Calls `check` with the text of each file in `folder` whose name begins with `prefix`, on a small
-// stack. How often that gave true.
+// stack. Returns how often that was true.
 struct Counts {
   int passed = 0;
   int failed = 0;
@@ -78,7 +78,7 @@ TEST(JsonTestSuite, NoInvalidTextLoads) {
   EXPECT_EQ(counts.failed, 0);
 }
 
-// Some of these hold numbers that read back a little differently.
+// Some hold numbers that do not read back exactly.
 TEST(JsonTestSuite, DoubtfulTextsDoNoHarm) {
   SKIP_WITHOUT_CORPUS(folder, "json-test-suite");
   const auto loads_and_writes = [](const std::string& text) {
@@ -91,7 +91,7 @@ TEST(JsonTestSuite, DoubtfulTextsDoNoHarm) {
   EXPECT_EQ(counts.passed + counts.failed, 35);
 }
 
-// The three that do not load have a high surrogate alone.
+// The three that do not load hold a lone high surrogate.
 TEST(JsonTestSuite, OddTextsThatLoadAreWrittenTheSameEachTime) {
   SKIP_WITHOUT_CORPUS(folder, "json-test-suite");
   const Counts counts = CheckFiles(folder / "test_transform", "", LoadsAndRoundTrips);

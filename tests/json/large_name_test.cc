@@ -1,4 +1,4 @@
-// Names longer than RapidJSON counts.
+// Names longer than RapidJSON can count.
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -12,7 +12,7 @@
 namespace stowra_test {
 namespace {
 
-// Readable zeros that take no memory until they are read.
+// Zeros that take no memory until they are read.
 class Zeros {
  public:
   explicit Zeros(std::size_t size)
@@ -34,7 +34,7 @@ class Zeros {
   void* const begin_;
 };
 
-// In 32 bits its length is that of the empty name.
+// Cut to 32 bits, its length is that of the empty name.
 TEST(LargeNameTest, NoMemberHasANameOf4Gibibytes) {
   ovrant::json::Document document;
   ASSERT_TRUE(document.Load(R"({"":1})"));

@@ -1,4 +1,4 @@
-// Looking into a document without leaving handles behind.
+// Look-ups that leave no handle in the document.
 
 #include "common_stowraapi/json/lookup.h"
 

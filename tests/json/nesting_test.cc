@@ -128,7 +128,7 @@ TEST(DeepTree, OfObjectsIsWrittenOnASmallStack) {
   });
 }
 
-// The innermost handle of a chain in which each one was given out by the one before.
+// The innermost handle of a chain. Each handle was returned by the one before.
 Value& Descend(Value& handle, int levels) {
   Value* at = &handle;
   for (int i = 0; i < levels; ++i) at = &(*at)[0];

@@ -1,4 +1,4 @@
-// Texts going into and coming out of documents.
+// Helpers to load and write documents.
 
 #ifndef TESTS_JSON_TEXT_H_
 #define TESTS_JSON_TEXT_H_
@@ -11,7 +11,7 @@
 
 namespace stowra_test {
 
-// A text with the NULs that `utf8` has.
+// `utf8` with its NULs.
 inline ovrant::utils::ovrant_ustring Text(const std::string& utf8) {
   return ovrant::utils::ovrant_ustring(utf8.data(), utf8.size());
 }
@@ -28,7 +28,7 @@ inline bool Loads(const std::string& text) {
   return document.Load(Text(text));
 }
 
-// A document of one member, "v", with the value that `json` spells.
+// A document with one member "v", whose value is `json`.
 class ValueDocument {
  public:
   explicit ValueDocument(const std::string& json) {

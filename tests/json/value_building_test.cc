@@ -59,7 +59,7 @@ TEST(PushBack, OfTheArrayItselfDoesNothing) {
   EXPECT_EQ(document.written(), "[1]");
 }
 
-// The array is full with what Load put there, so it grows and its elements move.
+// Load left the array full, so it grows and its elements move.
 TEST(PushBack, MovesAnElementOfTheArrayItself) {
   ValueDocument document("[[1],2]");
   Value& array = document.value();

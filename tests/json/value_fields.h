@@ -1,4 +1,4 @@
-// A look at the private members of a handle.
+// Reads the private members of a handle.
 
 #ifndef TESTS_JSON_VALUE_FIELDS_H_
 #define TESTS_JSON_VALUE_FIELDS_H_
@@ -13,7 +13,7 @@ bool IsOwned(const ovrant::json::Value& handle);
 void* NodeOf(const ovrant::json::Value& handle);
 void* AllocatorOf(const ovrant::json::Value& handle);
 
-// The handles that `handle` gave out and keeps.
+// The number of handles that `handle` returned and keeps.
 std::size_t CountHandles(const ovrant::json::Value& handle);
 
 }  // namespace stowra_test

@@ -30,7 +30,7 @@ struct Handles {
   friend Pointer Member(Handles);
 };
 
-// Private members may be named in an explicit instantiation: each one defines Member for its tag.
+// An explicit instantiation may name private members. Each one defines Member for its tag.
 template <typename Tag, typename Tag::Pointer kMember>
 struct Expose {
   friend typename Tag::Pointer Member(Tag) { return kMember; }

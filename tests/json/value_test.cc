@@ -44,7 +44,7 @@ std::string Types(const Value& value) {
 
 std::string TypesOf(const std::string& json) { return Types(ValueDocument(json).value()); }
 
-// The setters' results, on a node that held something else before.
+// Applies each setter to a node with other content.
 template <typename Setter, typename Content>
 std::string TypesAfter(Setter setter, Content content) {
   Document document;
@@ -188,7 +188,7 @@ TEST(ValueGetter, ReadsTheLowestBitsOfAnIntegerThatDoesNotFit) {
   EXPECT_EQ(numbers[4].GetInt64(), -1);
 }
 
-// What the integer getters make of a double.
+// The results of the integer getters for a double.
 struct Cut {
   double value;
   int as_int;
@@ -269,7 +269,7 @@ TEST(ValueGetter, CountsElementsAndMembers) {
   EXPECT_EQ(values[5].Size(), 0U);
 }
 
-// Whatever is asked of it gives zero, false, the empty text or a null handle.
+// Expects zero, false, the empty text or a null handle from every operation.
 void ExpectNothingIn(const Value& value) {
   EXPECT_EQ(value.GetInt(), 0);
   EXPECT_EQ(value.GetUint(), 0U);
