@@ -1,5 +1,5 @@
-// STOWRA_EXPORT marks what the two shared libraries export. Everything else is compiled with hidden
-// visibility: a class or function without the macro is not part of the binary interface.
+// STOWRA_EXPORT marks what the two shared libraries export. Everything else has hidden visibility
+// and is not part of the binary interface.
 
 #ifndef COMMON_STOWRAAPI_EXPORT_H_
 #define COMMON_STOWRAAPI_EXPORT_H_

@@ -1,4 +1,4 @@
-// Running out of memory as one more way to fail.
+// Turns running out of memory into a failure.
 
 #ifndef COMMON_STOWRAAPI_SUCCEEDS_H_
 #define COMMON_STOWRAAPI_SUCCEEDS_H_
@@ -7,7 +7,7 @@
 
 namespace ovrant {
 
-// What `work`, which says whether it has succeeded, gives; false when it throws std::bad_alloc.
+// The result of `work`, or false if it throws std::bad_alloc.
 template <typename Work>
 bool Succeeds(const Work& work) {
   try {

@@ -7,8 +7,8 @@
 
 extern "C" {
 
-// NUL-terminated text that `what` finds in the binary: "@(#)", the library's name, the project's
-// name and the build number.
+// A NUL-terminated text that the program `what` finds in the binary: "@(#)", the names of the
+// library and the project, and the build number.
 STOWRA_EXPORT extern const unsigned char CommonStowraapiVersionString[];
 
 // The build number of the text above.

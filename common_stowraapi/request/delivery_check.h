@@ -1,12 +1,12 @@
-// In debug builds, catches what a host must not do to an object while it is being notified.
+// Catches, in debug builds, calls that a host must not make while an object is being notified.
 
 #ifndef COMMON_STOWRAAPI_REQUEST_DELIVERY_CHECK_H_
 #define COMMON_STOWRAAPI_REQUEST_DELIVERY_CHECK_H_
 
 namespace ovrant {
 
-// Lives on the stack while an object handles a notification, and never touches the object. In
-// release builds neither it nor its check does anything.
+// Lives on the stack while an object handles a notification. Never touches the object. Does nothing
+// in release builds.
 class DeliveryCheck {
  public:
 #ifdef NDEBUG
@@ -20,7 +20,7 @@ class DeliveryCheck {
   DeliveryCheck(const DeliveryCheck&) = delete;
   DeliveryCheck& operator=(const DeliveryCheck&) = delete;
 
-  // Aborts, naming `what` was done, when this thread is inside a notification of `object`.
+  // Aborts, printing `what` the host did, if this thread is inside a notification of `object`.
   static void ExpectOutside(const void* object, const char* what);
 
  private:

@@ -34,7 +34,7 @@ bool Download(const ovrant_ustring& url, std::optional<InternetData>& transport)
 
 }  // namespace
 
-// The numbers and names stay unset until the concrete class's constructor sets them.
+// The constructor of the concrete class sets the numbers and names.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 WebServiceRequestBase::WebServiceRequestBase() = default;
 
@@ -46,7 +46,7 @@ WebServiceRequestBase::~WebServiceRequestBase() {
 
 void WebServiceRequestBase::OnNotification(const char* name, void* /*payload*/) {
   const DeliveryCheck check(this);
-  // Though the host must not, a hook may delete this object: nothing follows one.
+  // A host must not delete this object in a hook. In case it does, nothing follows a hook.
   if (std::strcmp(name, returned_notification_) == 0) {
     if (!internet_data_) return;
     if (internet_data_->status_code() == kHttpOk && ParseBody(*this, *internet_data_)) {

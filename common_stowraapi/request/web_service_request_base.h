@@ -16,70 +16,77 @@ class InternetDataDelegate;
 
 namespace ovrant::webservices {
 
-// Runs one HTTP GET of one URL, on the calling thread or in the background, hands the body of a
-// response with status 200 to ParseResponse, and ends in exactly one of four hooks. It observes the
-// end of its own background transfers under two names that are its class's alone; a second object
-// of the same class hears them too, takes a failure for its own, and a return while it has a
-// transport, so a host keeps one object of a class in flight at a time.
+// Runs one HTTP GET of one URL, on the calling thread or in the background. Hands the body of a
+// response with status 200 to ParseResponse and ends in exactly one of four hooks. Running out of
+// memory is a failure like any other, and the object may be used on.
+//
+// An object observes the end of its background transfers under two notification names of its class.
+// Every object of the class hears them. It takes any failure for its own, and any return while it
+// has a transport. A host therefore keeps one object of a class in flight at a time.
 //
 // Owns its transport and delegate from AsynchronousRequest until the next one, CleanUpRequest or
 // destruction.
 //
-// For one thread at a time. The asynchronous hooks run on the thread that posts the transfer's end
-// (see InternetData::SetCompletionExecutor); AsynchronousRequest, CleanUpRequest and the destructor
-// must not be called while a notification for the same object is being delivered, by its hooks and
-// by observers of what they post; a debug build of this library aborts with a message then.
-// Otherwise it may be destroyed at any moment, also by an observer of what another object posts,
-// and no hook runs after that.
+// Threads: one at a time. The asynchronous hooks run on the thread that posts the transfer's end
+// (see InternetData::SetCompletionExecutor). Hooks, and observers of what they post, must not call
+// AsynchronousRequest, CleanUpRequest or the destructor of the object whose notification is being
+// delivered. A debug build of this library aborts with a message if they do. At any other moment
+// the object may be destroyed, and no hook runs after that.
 //
-// A request that runs out of memory has failed: that is what the hooks say, and nothing throws but
-// what a hook throws. The object may be used on.
+// Exceptions: only the constructor of a concrete class, Init and AddNotifications throw
+// std::bad_alloc. An exception from a hook, or from an observer of what it posts, goes
+//   - from SynchronousRequest and OnNotification to the caller,
+//   - from AsynchronousRequest to the caller, if there is no memory to make the transport,
+//   - no further, if the transport posts on its own thread or cannot start the transfer,
+//   - to the caller of the completion, if the host's executor runs it elsewhere.
+// No hook runs a second time after that. A std::bad_alloc from ParseResponse counts as false.
 //
 // The order of the virtual functions and of the members is part of the binary interface.
 class STOWRA_EXPORT WebServiceRequestBase : public IObserver {
  public:
-  // Leaves the message numbers and notification names unset: the constructor of each concrete class
-  // sets all four and then calls AddNotifications. Its destructor first calls RemoveNotifications.
+  // Leaves the message numbers and notification names unset. The constructor of a concrete class
+  // sets all four and then calls AddNotifications; its destructor first calls RemoveNotifications.
   WebServiceRequestBase();
   ~WebServiceRequestBase() override;
 
   WebServiceRequestBase(const WebServiceRequestBase&) = delete;
   WebServiceRequestBase& operator=(const WebServiceRequestBase&) = delete;
 
-  // Handles the end of this object's background transfer, by name; any other name is ignored.
+  // Handles the end of this object's background transfer. Ignores any other name and the payload.
+  // `name` must not be null.
   void OnNotification(const char* name, void* payload) override;
   using IObserver::OnNotification;
 
-  // Sets the URL to request and the context to hand to the transfer's delegate, which is never
-  // dereferenced.
+  // Sets the URL of later requests, and the context that their delegates pass on and never
+  // dereference. A transfer in flight goes on with its old URL and context. std::bad_alloc changes
+  // nothing.
   virtual void Init(const ovrant::utils::ovrant_ustring& url, void* context);
 
-  // Reads the results from `body`, which may be empty. False when they cannot be used; each class
-  // says what it holds then. The base's refuses every body.
+  // Reads the results from `body`, which may be empty. False if it cannot use them; each class says
+  // what it then holds. The base returns false.
   virtual bool ParseResponse(const ovrant::utils::ovrant_ustring& body);
 
-  // The outcome of a request; the base's do nothing.
+  // The outcome of a request. The base does nothing.
   virtual void OnSyncResponseSuccess();
   virtual void OnSyncResponseFail();
   virtual void OnAsyncResponseSuccess();
   virtual void OnAsyncResponseFail();
 
-  // GETs the URL on this thread. True, after OnSyncResponseSuccess, when the response had status
-  // 200 and ParseResponse took its body. False, after OnSyncResponseFail, for an empty URL, a
-  // failed transfer, any other status, or a body that ParseResponse refused. A background transfer
-  // goes on beside it.
+  // GETs the URL on this thread. True, after OnSyncResponseSuccess, for a response with status 200
+  // and a body that ParseResponse accepts. False, after OnSyncResponseFail, for an empty URL, a
+  // failed transfer, any other status or any other body. A background transfer goes on beside it.
   bool SynchronousRequest();
 
-  // Drops the background transfer, if any, and starts another. Returns at once;
-  // OnAsyncResponseSuccess or OnAsyncResponseFail follows; the latter at once, on this thread, when
-  // there is no memory for the transfer. With an empty URL it does nothing at all.
+  // Drops the background transfer, if any, and starts another. Returns at once.
+  // OnAsyncResponseSuccess or OnAsyncResponseFail follows; without memory to start the transfer the
+  // latter runs before this returns, on this thread. With an empty URL it does nothing at all.
   void AsynchronousRequest();
 
-  // Observes both notification names through CNotificationCenter::Default(); stops observing.
+  // Start and stop observing both notification names at CNotificationCenter::Default().
   void AddNotifications();
   void RemoveNotifications();
 
-  // Deletes the delegate, then the transport: a transfer still running is dropped without a hook.
+  // Deletes the delegate, then the transport. A running transfer is dropped, and no hook runs.
   void CleanUpRequest();
 
  protected:

@@ -1,4 +1,4 @@
-// One extension as the extension store describes it.
+// The record of one extension.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_EXTENSION_STORE_ITEM_H_
 #define COMMON_STOWRAAPI_SERVICES_EXTENSION_STORE_ITEM_H_
@@ -8,7 +8,9 @@
 
 namespace ovrant::extensionstoreapi {
 
-// What the store says of one extension.
+// What the extension store says about one extension, with the JSON type of the member that each
+// field is read from. A member of another type leaves the default. Copying may throw
+// std::bad_alloc.
 struct STOWRA_EXPORT ExtensionStoreItem {
   ExtensionStoreItem();
   ExtensionStoreItem(const ExtensionStoreItem& other);
@@ -17,13 +19,13 @@ struct STOWRA_EXPORT ExtensionStoreItem {
   ExtensionStoreItem& operator=(ExtensionStoreItem&& other) noexcept;
   ~ExtensionStoreItem();
 
-  ovrant::utils::ovrant_ustring id;
-  ovrant::utils::ovrant_ustring version_uuid;
-  float version = 0.0F;  // the newest
-  ovrant::utils::ovrant_ustring file_url;
-  bool update = false;       // an update is due
-  bool remote_kill = false;  // it has been withdrawn
-  bool enabled = false;
+  ovrant::utils::ovrant_ustring id;            // string
+  ovrant::utils::ovrant_ustring version_uuid;  // string
+  float version = 0.0F;                        // the newest; string that holds a decimal number
+  ovrant::utils::ovrant_ustring file_url;      // where to download it; string
+  bool update = false;                         // an update is due; boolean
+  bool remote_kill = false;                    // it has been withdrawn; boolean
+  bool enabled = false;                        // integer; true for 1 alone
 };
 
 }  // namespace ovrant::extensionstoreapi

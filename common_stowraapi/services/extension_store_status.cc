@@ -45,7 +45,7 @@ void SetSendData(InternetData& transport, const std::string& body) {
   transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
 }
 
-// Notes the success, too.
+// Copies the body and records the success.
 ovrant_ustring TakeResponse(const InternetData& transport) {
   ovrant_ustring text(reinterpret_cast<const char*>(transport.received_data()),
                       transport.received_data_length());
@@ -118,7 +118,7 @@ void ExtensionStoreStatus::AsynchronousStatus() {
 
 void ExtensionStoreStatus::OnNotification(const char* name, void* /*payload*/) {
   const DeliveryCheck check(this);
-  // Though the host must not, an observer may delete this object: nothing follows a post.
+  // A host must not delete this object in an observer. In case it does, nothing follows a post.
   if (std::strcmp(name, kExtensionStoreStatusRequestReturnedNotification) == 0) {
     if (internet_data_) {
       OnReceivedStatusResponse(static_cast<unsigned int>(internet_data_->status_code()));
@@ -152,7 +152,7 @@ void ExtensionStoreStatus::AddNotifications() {
   try {
     center->AddObserver(kExtensionStoreStatusRequestFailedNotification, this);
   } catch (const std::bad_alloc&) {
-    // No destructor follows a constructor that has thrown.
+    // The constructor calls this, and no destructor follows it if it throws.
     RemoveNotifications();
     throw;
   }

@@ -1,4 +1,4 @@
-// The extension store's answer as records.
+// Reads the extension store's response into records.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_ITEM_MAP_H_
 #define COMMON_STOWRAAPI_SERVICES_ITEM_MAP_H_
@@ -10,7 +10,7 @@
 
 namespace ovrant::extensionstoreapi {
 
-// What ExtensionStoreStatus::GetItemMapFromResponse gives for `response`.
+// The result of ExtensionStoreStatus::GetItemMapFromResponse for `response`.
 std::map<ovrant::utils::ovrant_ustring, ExtensionStoreItem> ReadItemMap(
     const ovrant::utils::ovrant_ustring& response);
 

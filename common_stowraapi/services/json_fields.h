@@ -1,4 +1,4 @@
-// Reading optional members of a JSON object into fields.
+// Reads optional members of a JSON object into fields.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_JSON_FIELDS_H_
 #define COMMON_STOWRAAPI_SERVICES_JSON_FIELDS_H_
@@ -10,8 +10,8 @@
 
 namespace ovrant::json {
 
-// Each leaves `field` alone when `object` has no member `name` or the member has another type.
-// GetInt decides what a number becomes that is no 32-bit integer.
+// Leave `field` unchanged when `object` has no member `name` or it has another type. ReadNumber
+// takes any number and converts it as Value::GetInt does.
 void ReadString(const Value& object, std::string_view name, ovrant::utils::ovrant_ustring& field);
 void ReadNumber(const Value& object, std::string_view name, int& field);
 void ReadBool(const Value& object, std::string_view name, bool& field);

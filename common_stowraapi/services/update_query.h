@@ -1,4 +1,4 @@
-// Which version, message and data files the update service offers.
+// Asks the update service for the current version, a message and data files.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_UPDATE_QUERY_H_
 #define COMMON_STOWRAAPI_SERVICES_UPDATE_QUERY_H_
@@ -11,7 +11,8 @@
 
 namespace ovrant::webservices {
 
-// A message to show to the user.
+// A message to show to the user. The library only stores its values: the unit of width and height
+// is between the service and the host.
 struct STOWRA_EXPORT MessageData {
   MessageData();
   MessageData(const MessageData& other);
@@ -21,11 +22,11 @@ struct STOWRA_EXPORT MessageData {
   ~MessageData();
 
   int id = -1;        // -1: no message
-  int max_shows = 1;  // how often it may be shown
-  int width = 430;    // of the area that shows it
+  int max_shows = 1;  // how often the host may show it
+  int width = 430;    // of the display area
   int height = 540;
   ovrant::utils::ovrant_ustring title;
-  ovrant::utils::ovrant_ustring url;  // of the content
+  ovrant::utils::ovrant_ustring url;  // address of the content
 };
 
 // A data file to fetch.
@@ -42,32 +43,38 @@ struct STOWRA_EXPORT DataFileData {
   ovrant::utils::ovrant_ustring url;
 };
 
-// Asks the update service, which answers in JSON, and holds the results for the host to read after
-// a notification. Every request, synchronous or not, that reaches its end posts
-// "UpdateQueryAsyncSucceeded" or "UpdateQueryAsyncFailed". An answer counts as a success only when
-// it has an update part that leaves both versions non-empty; the results are stored either way.
+// Asks the update service, which answers in JSON, and holds the results. Every request that ends,
+// synchronous or not, posts "UpdateQueryAsyncSucceeded" or "UpdateQueryAsyncFailed"; the host then
+// reads the results. A response is a success only if ParseResponse says so, but what it held is
+// stored either way.
 //
-// Threads as WebServiceRequestBase; the results are not locked.
+// Threads and exceptions as WebServiceRequestBase. The results are not locked.
 class STOWRA_EXPORT UpdateQuery : public WebServiceRequestBase {
  public:
-  // The end of this class's transfers: message numbers, and names that only the objects themselves
-  // observe.
+  // For the end of the transfers: message numbers, which the delegate carries, and notification
+  // names, which only objects of this class observe.
   static const unsigned int kAsyncReturnedMessage = 28006;
   static const unsigned int kAsyncFailedMessage = 28007;
   static const char* const kAsynchReturnedNotification;
   static const char* const kAsyncFailedNotification;
 
-  // For the host, with a null payload.
+  // Posted to the host with a null payload.
   static const char* const kUpdateQuerySucceededNotification;
   static const char* const kUpdateQueryFailedNotification;
 
   UpdateQuery();
   ~UpdateQuery() override;
 
-  // Reads the results from the JSON object in `body`. Each field that is missing there, or has
-  // another type, keeps the value it had, from an earlier answer too; data_files_ is emptied first,
-  // whatever follows. True when `body` has an "update" with an "expire_version" and both versions
-  // are now non-empty. False otherwise, and for want of memory, with what could be read.
+  // Reads the results from the JSON object in `body`. Empties data_files_ first, in any case. Each
+  // other field keeps its value if its member is missing or has another type. The members are
+  //   - "update": "current_version" and "expire_version", strings
+  //   - "message": "id", "max_shows", "width" and "height", numbers; "title" and "url", strings
+  //   - "datafiles": an array of objects with "version", a number, and "filename" and "url",
+  //   strings
+  //
+  // True when "update" has a member "expire_version" and both versions are now non-empty, even from
+  // an earlier response. False otherwise, also when memory runs out; the results then hold what was
+  // read.
   bool ParseResponse(const ovrant::utils::ovrant_ustring& body) override;
 
   // Post "UpdateQueryAsyncSucceeded" and "UpdateQueryAsyncFailed".
@@ -76,7 +83,7 @@ class STOWRA_EXPORT UpdateQuery : public WebServiceRequestBase {
   void OnAsyncResponseSuccess() override;
   void OnAsyncResponseFail() override;
 
-  // The results, in the service's own spelling and order.
+  // The results, as the service spells and orders them.
   ovrant::utils::ovrant_ustring current_version_;
   ovrant::utils::ovrant_ustring expire_version_;
   MessageData message_;

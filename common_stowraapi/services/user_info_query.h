@@ -1,4 +1,4 @@
-// Who is signed in.
+// Asks the account service who is signed in.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_USER_INFO_QUERY_H_
 #define COMMON_STOWRAAPI_SERVICES_USER_INFO_QUERY_H_
@@ -9,34 +9,34 @@
 
 namespace ovrant::webservices {
 
-// Asks the account service for the signed-in user, a JSON object whose members are strings, and
-// keeps its members as a cache that only a later valid answer, ClearCache or destruction replaces.
-// Posts "UserInfoUpdated" when the cache may have changed; a failure posts nothing and changes
-// nothing.
+// Asks the account service for the signed-in user: a JSON object whose members are strings. Caches
+// its members until a later valid response, ClearCache or destruction. Posts "UserInfoUpdated" when
+// the cache may have changed. A failed request posts nothing and changes nothing.
 //
-// Threads as WebServiceRequestBase; the cache is not locked.
+// Threads and exceptions as WebServiceRequestBase; GetUserInfoValue throws std::bad_alloc, too. The
+// cache is not locked.
 class STOWRA_EXPORT UserInfoQuery : public WebServiceRequestBase {
  public:
-  // Members of the answer. All but the display name are required, though they may be empty.
+  // Members of the response. All but the display name are required; they may be empty.
   static const ovrant::utils::ovrant_ustring kUserIdKey;
   static const ovrant::utils::ovrant_ustring kUserDisplayNameKey;
   static const ovrant::utils::ovrant_ustring kUserEmailKey;
   static const ovrant::utils::ovrant_ustring kUserVkrhIdKey;
 
-  // The end of this class's transfers: message numbers, and names that only the objects themselves
-  // observe.
+  // For the end of the transfers: message numbers, which the delegate carries, and notification
+  // names, which only objects of this class observe.
   static const unsigned int kAsyncReturnedMessage = 28004;
   static const unsigned int kAsyncFailedMessage = 28005;
   static const char* const kAsynchReturnedNotification;
   static const char* const kAsyncFailedNotification;
 
-  // For the host, with a null payload.
+  // Posted to the host with a null payload.
   static const char* const kUserInfoUpdatedNotification;
 
   UserInfoQuery();
   ~UserInfoQuery() override;
 
-  // The cached value; the empty string when there is none of that name.
+  // The cached value of `key`, or the empty string.
   ovrant::utils::ovrant_ustring GetUserInfoValue(ovrant::utils::ovrant_ustring key) const;
 
   // Empties the cache and posts "UserInfoUpdated".
@@ -45,12 +45,12 @@ class STOWRA_EXPORT UserInfoQuery : public WebServiceRequestBase {
   // Posts "UserInfoUpdated".
   void SendCacheUpdateNotification();
 
-  // Replaces the cache by the members of the JSON object in `body`; of a repeated name the last one
-  // counts, and a value that is no string counts as the empty one. False, with the cache unchanged,
-  // when `body` is not such an object or lacks a required member, or memory runs out.
+  // Replaces the cache by the members of the JSON object in `body`. Of a repeated name the last one
+  // counts. A value that is not a string is cached as the empty string. False, with the cache
+  // unchanged, if `body` is not an object, lacks a required member, or memory runs out.
   bool ParseResponse(const ovrant::utils::ovrant_ustring& body) override;
 
-  // Success posts "UserInfoUpdated"; failure does nothing.
+  // Post "UserInfoUpdated" after a success; do nothing after a failure.
   void OnSyncResponseSuccess() override;
   void OnSyncResponseFail() override;
   void OnAsyncResponseSuccess() override;
