@@ -67,7 +67,7 @@ TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
   EXPECT_GT(FailEachAllocation<Loaded>(load, check), 40);
 }
 
-// Without a reply the query is as it was; a reply that cannot be loaded empties it.
+// A failed download leaves the query unchanged. A body that cannot be loaded empties it.
 TEST(ContentAllocationTest, AQueryThatCannotAskIsFalse) {
   const RawServer server(Always(Response(200, Page())));
   const ovrant_ustring url = Text(server.Url());
@@ -162,7 +162,7 @@ TEST(ContentAllocationTest, AConfigurationThatCannotBeFetchedIsEmpty) {
 
 struct Nothing {};
 
-// The others throw, and leave nothing behind.
+// The other functions throw and leak nothing.
 TEST(ContentAllocationTest, OtherFunctionsThrow) {
   UploadFile file;
   file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
@@ -195,7 +195,7 @@ TEST(ContentAllocationTest, OtherFunctionsThrow) {
   EXPECT_EQ(version, 7);
 }
 
-// What does not fit into the stream shows in its state, as it does for any other text.
+// A stream without memory shows that in its state.
 TEST(ContentAllocationTest, ABodyThatCannotBeWrittenThrowsOrMarksTheStream) {
   struct Body {
     std::stringstream stream;

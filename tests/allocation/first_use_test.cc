@@ -1,4 +1,4 @@
-// What a process does once, in a process of its own for each failure.
+// Work that a process does once. Each failure gets a process of its own.
 
 #include <gtest/gtest.h>
 #include <openssl/ssl.h>
@@ -30,8 +30,8 @@ constexpr char kFailed[] = "FirstUseFailed";
 
 enum Verdict { kNothingFailed = 0, kGood = 1, kBad = 2 };
 
-// Runs `use` in a child process in which one allocation fails, then once more with all the memory
-// there is: that has to succeed.
+// Runs `use` in a child process in which one allocation fails, then again without a failure. The
+// second run must succeed.
 Verdict UseInChild(long allowed, Threads threads, FailingMalloc::Mode mode,
                    const std::function<bool()>& use) {
   const pid_t child = fork();
@@ -67,7 +67,7 @@ long FailFirstUse(Threads threads, const std::function<bool()>& use) {
   return failing_runs;
 }
 
-// The TLS library's own beginning takes thousands of allocations, which are none of ours.
+// Skips the thousands of allocations with which the TLS library starts.
 [[maybe_unused]] const int kTlsIsReady = OPENSSL_init_ssl(0, nullptr);
 
 TEST(FirstUseAllocationTest, ADownloadFailsAndTheNextSucceeds) {

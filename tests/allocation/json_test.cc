@@ -20,7 +20,8 @@ using ovrant::json::Document;
 using ovrant::json::Value;
 using ovrant::utils::ovrant_ustring;
 
-// `work` throws whenever it has no memory; `check` is run then. Returns how often.
+// Expects `work` to throw whenever memory runs out, and runs `check` then. Returns how often it
+// did.
 template <typename State>
 long FailWork(const std::function<void(State&)>& work, const std::function<void(State&)>& check) {
   return FailEachAllocation<State>(work, [&](State& state, Outcome outcome) {
@@ -31,8 +32,7 @@ long FailWork(const std::function<void(State&)>& work, const std::function<void(
 
 const char kLongText[] = "a text that is far too long to be kept inside a node";
 
-// A tree whose array and object are full, so that both grow with the next child; an item to put
-// there; a pool with no room left.
+// A tree with a full array and a full object, an item to put there, and a pool with no room left.
 struct FullTree {
   FullTree() {
     std::string array = "[0";
@@ -97,7 +97,7 @@ TEST(JsonAllocationTest, OfAddMemberLeavesTheTreeAsItWas) {
   EXPECT_GE(failures, 3);
 }
 
-// A first member's room is asked for in another way than more room is.
+// RapidJSON allocates the room for the first member in another way.
 struct EmptyObject {
   EmptyObject() {
     EXPECT_TRUE(document.Load(Text("{\"f\":\"" + std::string(65'400, 'x') + "\"}")));
@@ -165,7 +165,7 @@ TEST(JsonAllocationTest, OfToStringLeavesTheTextAsItWas) {
   EXPECT_GE(failures, 10);
 }
 
-// What reads throws, and leaves the tree and the handles as they were.
+// Reading throws, and leaves the tree and the handles as they were.
 TEST(JsonAllocationTest, OfReadingLeavesTheTreeAsItWas) {
   const ovrant_ustring name(kLongText);
   const std::function<void(FullTree&)> reads[] = {
@@ -186,7 +186,7 @@ TEST(JsonAllocationTest, OfReadingLeavesTheTreeAsItWas) {
   }
 }
 
-// A name that is a text of the document's own.
+// A name too long for its node.
 struct LongName {
   LongName() { EXPECT_TRUE(document.Load(Text("{\"" + std::string(300, 'n') + "\":1}"))); }
 
@@ -210,7 +210,7 @@ TEST(JsonAllocationTest, OfATextThatIsNoJsonIsThrownToo) {
             3);
 }
 
-// The tree is built on that memory: it stays what it is when a setter in place has none to take.
+// Setters in place allocate nothing.
 TEST(JsonAllocationTest, SettersInPlaceNeedNone) {
   const auto set = [](FullTree& tree) {
     tree.item.SetDouble(0.5);

@@ -1,4 +1,4 @@
-// Requests, and what the services read.
+// Requests and the parsers of the services.
 
 #include <gtest/gtest.h>
 
@@ -102,7 +102,7 @@ TEST(ServicesAllocationTest, AnUpdateThatCannotBeParsedIsARefusedOne) {
 
 struct Nothing {};
 
-// An object that is not made observes nothing: the center would call what is no more.
+// An object whose constructor throws must not stay registered.
 template <typename Object>
 long FailToMake() {
   struct Place {
@@ -148,7 +148,7 @@ TEST(ServicesAllocationTest, RecordsAreCopiedOrThrown) {
   EXPECT_GT(FailEachAllocation<Nothing>(copy, check), 10);
 }
 
-// Requests of each kind, their ends counted by the names that they post.
+// Requests of each kind. The names that they post count their ends.
 
 struct UserRequest {
   explicit UserRequest(const RawServer& server) { query.Init(server.Url().c_str(), nullptr); }
@@ -187,7 +187,7 @@ struct StatusRequest {
                        kExtensionStoreStatusRequestFailedNotification};
 };
 
-// A request on this thread that fails has said so; afterwards it succeeds.
+// A synchronous request reports its failure and can be run again.
 template <typename Request>
 long FailRequest(const RawServer& server) {
   struct Run {
@@ -214,7 +214,7 @@ TEST(ServicesAllocationTest, ARequestFailsOrSucceeds) {
   EXPECT_GT(FailRequest<StatusRequest>(items), 40);
 }
 
-// The worker runs out of memory: the request ends once all the same, and succeeds afterwards.
+// The worker runs out of memory: the request still ends once, and can be run again.
 template <typename Request>
 long FailOnTheWorker(const RawServer& server, bool posts_failures) {
   return FailEachAllocationOf([&] { return Request(server); },
@@ -225,7 +225,7 @@ long FailOnTheWorker(const RawServer& server, bool posts_failures) {
                               [&](Request& request, Outcome outcome) {
                                 EXPECT_FALSE(outcome.threw);
                                 ASSERT_EQ(request.transfers.count(), 1);
-                                // The request has handled that before the counter.
+                                // The request handled it before the counter.
                                 const int ends = request.ends.count();
                                 EXPECT_EQ(ends, posts_failures ? 1 : request.ends.successes());
                                 EXPECT_TRUE(request.ends.successes() == 1 || outcome.failed());
@@ -245,7 +245,7 @@ TEST(ServicesAllocationTest, ARequestInTheBackgroundEndsOnce) {
   EXPECT_GT(FailOnTheWorker<StatusRequest>(items, true), 20);
 }
 
-// This thread runs out of memory: the request throws nothing, fails once at most, at once, and can
+// This thread runs out of memory: the request throws nothing, fails at most once, at once, and can
 // be started again.
 template <typename Request>
 long FailToStart(const RawServer& server) {
@@ -289,7 +289,7 @@ TEST(ServicesAllocationTest, TheItemsAreReadOrThrown) {
   EXPECT_GT(FailEachAllocation<Items>(read, check), 20);
 }
 
-// The one item's id says to which path which body was sent.
+// Returns one item. Its id is the request's path and body.
 void Echo(const RawRequest& request, RawConnection& connection) {
   connection.Write(
       Response(200, R"({"extensions":[{"id":")" + request.target + request.body + "\"}]}"));

@@ -1,4 +1,4 @@
-// The records that the services fill are the host's to copy, move and keep.
+// A host may copy, move and keep the records that the services fill.
 
 #include <gtest/gtest.h>
 

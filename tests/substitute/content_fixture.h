@@ -1,4 +1,4 @@
-// What the tests of the content service share.
+// Fixture for the tests of the content service.
 
 #ifndef TESTS_SUBSTITUTE_CONTENT_FIXTURE_H_
 #define TESTS_SUBSTITUTE_CONTENT_FIXTURE_H_
@@ -40,8 +40,8 @@ inline XmlElement Leaf(std::string name, std::string text) {
   return {std::move(name), {}, std::move(text), {}};
 }
 
-// Bytes of which nothing but those in use may be read: neither what stands behind them, nor any
-// once it is gone. The library takes what it does not change as "unsigned char*".
+// Bytes in a block of exactly their size: a sanitizer sees a read behind them or after their end.
+// The library takes a non-const pointer though it only reads.
 class Bytes {
  public:
   explicit Bytes(const std::string& text) : bytes_(text.begin(), text.end()) {}
@@ -54,8 +54,8 @@ class Bytes {
   std::vector<unsigned char> bytes_;
 };
 
-// At the end of a test no reader is left, every scripted document has been opened, and nothing was
-// called outside its contract.
+// At the end of a test no reader may be left, every scripted document must have been opened, and no
+// call may have broken the contract.
 class ContentTest : public SubstituteTest {
  protected:
   void TearDown() override {

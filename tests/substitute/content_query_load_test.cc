@@ -225,7 +225,7 @@ TEST_F(ContentQueryLoadTest, EveryEntryIsGivenTheNewestVersion) {
 }
 
 // Whatever runs out of memory, nothing of it stays.
-TEST_F(ContentQueryLoadTest, RunningOutOfMemoryIsAFailureThatEmptiesTheQueryAndReleasesTheReader) {
+TEST_F(ContentQueryLoadTest, OutOfMemoryEmptiesTheQueryAndReleasesTheReader) {
   const XmlElement feed =
       Feed({Link({{"rel", "self"}, {"href", "h"}, {"type", "t"}}), Entry("1"), Entry("2")});
   for (const char* const operation :

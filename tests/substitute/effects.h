@@ -1,5 +1,5 @@
-// The one list of what happened, in order: what the library asked of the substitute platform and
-// what the tests add to it. The substitute is for one thread.
+// The list of effects, in order: the library's calls to the substitute platform, and what the tests
+// add. For one thread.
 
 #ifndef TESTS_SUBSTITUTE_EFFECTS_H_
 #define TESTS_SUBSTITUTE_EFFECTS_H_

@@ -22,7 +22,7 @@ TEST_F(ExtensionStoreAsyncTest, AsynchronousStatusSetsHeaderThenBodyThenStarts) 
                                          "http://a/: UploadWithDelegate, user data null"));
 }
 
-TEST_F(ExtensionStoreAsyncTest, ASecondAsynchronousStatusReplacesTheTransportBeforeTheDelegate) {
+TEST_F(ExtensionStoreAsyncTest, SecondStatusReplacesTheTransportBeforeTheDelegate) {
   Start();
   status->Init("http://b/", nullptr, "[1]");
   status->AsynchronousStatus();
@@ -55,7 +55,7 @@ TEST_F(ExtensionStoreAsyncTest, AsynchronousBodyIsUtf8) {
                                                "\xC3\xA9\xF0\x9F\x98\x80"));
 }
 
-TEST_F(ExtensionStoreAsyncTest, ATransferThatDoesNotStartIsNotLookedAt) {
+TEST_F(ExtensionStoreAsyncTest, IgnoresATransferThatDoesNotStart) {
   SetStartsInBackground(false);
   status->AsynchronousStatus();
   EXPECT_EQ(CountTransports(), 1);

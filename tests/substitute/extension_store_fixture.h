@@ -1,4 +1,4 @@
-// What the tests of ExtensionStoreStatus share.
+// Fixture for the tests of ExtensionStoreStatus.
 
 #ifndef TESTS_SUBSTITUTE_EXTENSION_STORE_FIXTURE_H_
 #define TESTS_SUBSTITUTE_EXTENSION_STORE_FIXTURE_H_
@@ -28,7 +28,7 @@ inline constexpr char kDelegateConstructed[] =
     "delegate constructed: context 0x2a, 28002 ExtensionStoreStatusRequestReturned, 28003 "
     "ExtensionStoreStatusRequestFailed";
 
-// With an object that has been given http://a/, the context 0x2a and the body {}.
+// Has an object that was given http://a/, the context 0x2a and the body {}.
 class ExtensionStoreFixture : public SubstituteTest {
  protected:
   using ExtensionStoreStatus = ovrant::extensionstoreapi::ExtensionStoreStatus;
@@ -44,13 +44,13 @@ class ExtensionStoreFixture : public SubstituteTest {
     SubstituteTest::TearDown();
   }
 
-  // Without the effects of the start.
+  // Starts a request and drops the effects of the start.
   void Start() {
     status->AsynchronousStatus();
     TakeEffects();
   }
 
-  // The id of the only item in the last response; empty when there is none.
+  // The id of the only item in the last response, or the empty string.
   std::string OnlyId() {
     const auto items = status->GetItemMapFromResponse();
     EXPECT_LE(items.size(), 1U);

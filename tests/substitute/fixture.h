@@ -1,4 +1,4 @@
-// What the tests on the substitute platform share.
+// Fixture for the tests on the substitute platform.
 
 #ifndef TESTS_SUBSTITUTE_FIXTURE_H_
 #define TESTS_SUBSTITUTE_FIXTURE_H_
@@ -17,8 +17,8 @@
 
 namespace stowra_substitute {
 
-// Starts without effects; at the end of a test nothing is left of what it made, and every scripted
-// transfer has happened.
+// Starts without effects. At the end of a test no object may be left, and every scripted transfer
+// must have happened.
 class SubstituteTest : public testing::Test {
  protected:
   SubstituteTest() { TakeEffects(); }
@@ -33,15 +33,15 @@ class SubstituteTest : public testing::Test {
   }
 };
 
-// A context or payload: an address at which nothing may be read.
+// A context or payload: an address that must not be read.
 inline void* Address(unsigned long number) { return reinterpret_cast<void*>(number); }
 
-// Posts a name as a delegate would, from a copy of it: names are compared by content.
+// Posts a copy of `name`, since names are compared by content.
 inline void Post(const std::string& name) {
   CNotificationCenter::Default()->SendNotification(name.c_str(), Address(0x99));
 }
 
-// The host's side: does something whenever a public notification arrives.
+// An observer of the host. Runs `act` for each notification of that name.
 class Host : public ovrant::IObserver {
  public:
   Host(const char* name, std::function<void()> act) : act_(std::move(act)) {

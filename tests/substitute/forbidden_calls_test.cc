@@ -159,7 +159,7 @@ TEST_F(AllowedCallsTest, ARequestIsDeletedRightAfterItsNotification) {
   status.reset();
 }
 
-TEST_F(AllowedCallsTest, AnIdleRequestOfTheSameClassIsDeletedInsideTheNotificationOfAnother) {
+TEST_F(AllowedCallsTest, IdleRequestMayBeDeletedInAnothersNotification) {
   const auto query = StartedQuery<UpdateQuery>();
   auto idle = std::make_unique<UpdateQuery>();
   const Host host("UpdateQueryAsyncSucceeded", [&] { idle.reset(); });

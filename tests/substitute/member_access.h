@@ -1,4 +1,4 @@
-// Reaching members that a class keeps to itself, to see where they lie.
+// Finds the offsets of private members.
 
 #ifndef TESTS_SUBSTITUTE_MEMBER_ACCESS_H_
 #define TESTS_SUBSTITUTE_MEMBER_ACCESS_H_
@@ -14,7 +14,7 @@ struct MemberKey {
   friend typename Tag::Type PointerTo(Tag) { return kMember; }
 };
 
-// As much memory as a T, at addresses as a T has.
+// Memory with the size and alignment of a T.
 template <typename T>
 struct alignas(T) Room {
   unsigned char bytes[sizeof(T)];

@@ -32,10 +32,10 @@ class RecordingRequest : public ovrant::webservices::WebServiceRequestBase {
   void OnAsyncResponseSuccess() override { RunHook("OnAsyncResponseSuccess"); }
   void OnAsyncResponseFail() override { RunHook("OnAsyncResponseFail"); }
 
-  // What ParseResponse returns.
+  // The result of ParseResponse.
   bool accepts_body = true;
 
-  // Runs at the end of each hook, in which the request may be deleted.
+  // Runs at the end of each hook. May delete the request.
   std::function<void()> in_hook = [] {};
 
   using WebServiceRequestBase::context_;

@@ -1,4 +1,4 @@
-// WebServiceRequestBase::AsynchronousRequest, and how its end is handled.
+// WebServiceRequestBase::AsynchronousRequest and the handling of its end.
 
 #include <memory>
 #include <new>
@@ -26,7 +26,7 @@ class RequestAsyncTest : public SubstituteTest {
     SubstituteTest::TearDown();
   }
 
-  // Without the effects of the start.
+  // Starts a request and drops the effects of the start.
   void Start() {
     request->AsynchronousRequest();
     TakeEffects();
@@ -92,7 +92,7 @@ TEST_F(RequestAsyncTest, EmptyUrlKeepsTheTransferBefore) {
                                          "ParseResponse 'a'", "OnAsyncResponseSuccess"));
 }
 
-TEST_F(RequestAsyncTest, ATransferThatDoesNotStartIsNotLookedAt) {
+TEST_F(RequestAsyncTest, IgnoresATransferThatDoesNotStart) {
   SetStartsInBackground(false);
   request->AsynchronousRequest();
   EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed",
@@ -202,7 +202,7 @@ TEST_F(RequestAsyncTest, FailedNameRunsTheHookWithoutATransport) {
               ElementsAre("SendNotification Failed, payload 0x99", "OnAsyncResponseFail"));
 }
 
-// Both comparisons are alternatives: one notification never runs two hooks.
+// One notification never runs two hooks.
 TEST_F(RequestAsyncTest, OneNameForBothEndsCountsAsReturned) {
   request->failed_notification_ = request->returned_notification_;
   Start();
@@ -250,7 +250,8 @@ TEST_F(RequestAsyncTest, NoHookRunsAfterCleanUp) {
 
 #ifdef NDEBUG
 
-// No host may do so, and a debug build says so. Elsewhere nothing is checked, and nothing breaks.
+// No host may do this, and a debug build aborts. A release build does not check, but nothing
+// breaks.
 TEST_F(RequestAsyncTest, DeletionInItsLastHookBreaksNothing) {
   const Outcome outcomes[] = {Reply(200, "body"), Reply(500, ""), NoReply()};
   for (const Outcome& outcome : outcomes) {

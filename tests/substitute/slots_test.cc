@@ -1,6 +1,6 @@
-// The order of the virtual functions, which is part of the binary interface: each one is called
-// through the object's table by its number, as a host does that was compiled against it. The table
-// is that of the C++ ABI of Linux and macOS.
+// The order of the virtual functions, which is part of the binary interface. The tests call each
+// one by its number in the object's table, as a compiled host does. The table is that of the C++
+// ABI of Linux and macOS.
 
 #include <cstddef>
 #include <cstring>

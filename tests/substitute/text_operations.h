@@ -1,4 +1,4 @@
-// The test's side of the substitute's text operations.
+// Controls the text operations of the substitute.
 
 #ifndef TESTS_SUBSTITUTE_TEXT_OPERATIONS_H_
 #define TESTS_SUBSTITUTE_TEXT_OPERATIONS_H_
@@ -7,7 +7,7 @@
 
 namespace stowra_substitute {
 
-// What Mid gives for a negative count: no text that a caller could have made up.
+// The result of Mid for a negative count: a text that no caller can produce otherwise.
 inline constexpr char kNegativeCount[] = "(negative count)";
 
 // While one lives, searching, cutting, splitting, replacing and formatting are recorded, such as
@@ -21,11 +21,11 @@ class STOWRA_EXPORT RecordingText {
   RecordingText& operator=(const RecordingText&) = delete;
 };
 
-// What find gives for a text that does not occur: all bits set at first. Only the low 32 count.
+// The result of find for a missing text: all bits set at first. Only the low 32 bits count.
 STOWRA_EXPORT void SetAbsentIndex(unsigned long index);
 
 // Calls outside the contract since the last call: an index outside the string, a number made of
-// something else than digits, an argument that its conversion does not take. Each is recorded, too.
+// other characters than digits, an argument of the wrong type. Each is recorded, too.
 STOWRA_EXPORT int TakeTextMisuses();
 
 }  // namespace stowra_substitute

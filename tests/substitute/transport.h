@@ -1,4 +1,4 @@
-// The test's side of the substitute transport: what its transfers give, and when.
+// Controls the transfers of the substitute transport.
 
 #ifndef TESTS_SUBSTITUTE_TRANSPORT_H_
 #define TESTS_SUBSTITUTE_TRANSPORT_H_
@@ -18,7 +18,7 @@ struct Outcome {
   int status = 200;
   std::string body;
 
-  // What SendAndRead stores through its status pointer, where it is not `status`.
+  // The status that SendAndRead stores, if it differs from `status`.
   std::optional<int> stored_status;
 };
 
@@ -26,25 +26,24 @@ struct Outcome {
 inline Outcome Reply(int status, std::string body) { return {true, status, std::move(body), {}}; }
 inline Outcome NoReply() { return {false, 0, "", {}}; }
 
-// Appends the outcome of a blocking transfer. A transfer that finds none records that, and fails.
+// Appends the outcome of a blocking transfer. A transfer without an outcome records that and fails.
 STOWRA_EXPORT void ScriptTransfer(Outcome outcome);
 
-// Outcomes that no transfer has taken yet.
+// The number of outcomes that no transfer has taken yet.
 STOWRA_EXPORT int CountScripted();
 
-// Whether the background transfers begun from now on start at all, and say so. They do at first.
+// Sets whether background transfers start from now on. Otherwise the start returns false.
 STOWRA_EXPORT void SetStartsInBackground(bool starts);
 
-// Whether the background transfers begun from now on fail at once: their delegate posts its failed
-// name before the start returns. They do not at first.
+// Sets whether background transfers fail at once from now on. The delegate then posts its failed
+// name before the start returns.
 STOWRA_EXPORT void SetFailsAtOnce(bool fails);
 
 // Ends the background transfer of `url`: its status and body appear in its transport, then its
-// delegate posts one of its names with its context. False, and nothing happens, when there is none:
-// it never started, it has ended, or its transport or delegate is gone.
+// delegate posts one of its names with its context. False if no such transfer is running.
 STOWRA_EXPORT bool EndTransfer(const std::string& url, const Outcome& outcome);
 
-// Objects that exist now.
+// The number of objects that exist now.
 STOWRA_EXPORT int CountTransports();
 STOWRA_EXPORT int CountDelegates();
 

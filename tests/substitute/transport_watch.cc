@@ -17,8 +17,8 @@ class InternetDataTestPeer {
         url_(Distance(sample, sample.url_)),
         last_text_(Distance(sample, sample.reserved_texts_[3])) {}
 
-  // The URL of the transport whose last reserved text is `string`; null if it is none's. Looks at
-  // memory before `string` that may not belong to it, hence not under AddressSanitizer.
+  // The URL of the transport whose last reserved text is `string`; null if it lies in no transport.
+  // Looks at memory before `string` that may not belong to it, hence not under AddressSanitizer.
   __attribute__((no_sanitize("address"))) const ovrant::utils::ovrant_ustring* UrlBeside(
       const void* string) const {
     const char* const begin = static_cast<const char*>(string) - last_text_;

@@ -1,19 +1,19 @@
-// Seeing transports begin, though their constructor is inline and compiled into the library.
+// Detects the construction of transports. Their constructor is inline, so the library contains it.
 
 #ifndef TESTS_SUBSTITUTE_TRANSPORT_WATCH_H_
 #define TESTS_SUBSTITUTE_TRANSPORT_WATCH_H_
 
 namespace stowra_substitute {
 
-// Told of each empty string that is constructed. A transport constructs four of them side by side,
-// and no more.
+// Called for each empty string that is constructed. A transport constructs exactly four of them
+// side by side.
 void WatchEmptyString(const void* string);
 
-// Called before anything else is recorded or asked for: records "<url>: constructed" if the last
+// Called before each other effect. Records "<url>: constructed" if the last
 // four strings lie inside a transport.
 void RecordWatchedTransport();
 
-// Transports whose construction has been seen.
+// The number of transports constructed so far.
 int CountConstructedTransports();
 
 }  // namespace stowra_substitute

@@ -132,7 +132,7 @@ TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideThePublicNotificationOfAno
 }
 
 // The deleted one stands after the other in the delivery that is under way.
-TEST_F(TwoRequestsTest, ARequestOfTheSameClassIsDeletedInsideThePublicNotificationOfAnother) {
+TEST_F(TwoRequestsTest, RequestMayBeDeletedInAnothersPublicNotification) {
   UserInfoQuery query;
   query.Init("http://a/", nullptr);
   query.AsynchronousRequest();

@@ -37,18 +37,19 @@ STOWRA_EXPORT int CountScriptedDocuments();
 // that it was given, such as "FindElement a:title", and with ": none" when it finds nothing.
 STOWRA_EXPORT std::unique_ptr<ovrant::IXMLInput> ReaderOf(XmlElement root);
 
-// Readers that exist now.
+// The number of readers that exist now.
 STOWRA_EXPORT int CountReaders();
 
-// Calls outside the contract since the last call: NextElement or LeaveElement of another name than
-// the current element's, anything else than LeaveElement after a failed NextElement, and an end
-// inside an element. Each is recorded, too.
+// The number of calls outside the contract since the last call, each of which is recorded, too:
+//   - NextElement or LeaveElement with another name than the current element's
+//   - any other call than LeaveElement after a failed NextElement
+//   - the end of the reader inside an element
 STOWRA_EXPORT int TakeReaderMisuses();
 
-// What LeaveElement gives, which nobody should look at. True at first.
+// Sets the result of LeaveElement, which the library should ignore. True at first.
 STOWRA_EXPORT void SetLeaveResult(bool result);
 
-// The operation of that record runs out of memory, once. Empty: none.
+// Makes the operation with that record run out of memory once. No operation if it is empty.
 STOWRA_EXPORT void SetFailingOperation(std::string record);
 
 }  // namespace stowra_substitute
