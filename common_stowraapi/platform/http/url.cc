@@ -6,8 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "common_stowraapi/platform/text/find_unit.h"
-#include "common_stowraapi/platform/text/ustring_units.h"
 #include "common_stowraapi/platform/text/utf_conversion.h"
 
 namespace ovrant::internet {
@@ -17,11 +15,12 @@ using utils::ovrant_ustring;
 
 using Units = std::u16string_view;
 
-Units Before(Units text, char mark) { return text.substr(0, utils::FindUnit(text, mark)); }
+Units Before(Units text, char16_t mark) { return text.substr(0, text.find(mark)); }
 
-// Returns an empty text when there is no mark.
-Units After(Units text, char mark) {
-  return text.substr(std::min(utils::FindUnit(text, mark) + 1, text.size()));
+// Empty if there is no mark.
+Units After(Units text, char16_t mark) {
+  const std::size_t at = text.find(mark);
+  return at == Units::npos ? Units() : text.substr(at + 1);
 }
 
 bool StandsForItself(char16_t unit) { return unit < 0x80 && unit != u'%' && unit != u'+'; }
@@ -36,7 +35,8 @@ int HexValue(char digit) {
 
 void Decode(Units value, ovrant_ustring& decoded_value) {
   if (std::all_of(value.begin(), value.end(), StandsForItself)) {
-    return utils::UstringUnits::Set(value, decoded_value);
+    decoded_value = value;
+    return;
   }
   const std::string utf8 = utils::Utf16ToUtf8(value);
   std::string decoded;
@@ -59,15 +59,15 @@ void Decode(Units value, ovrant_ustring& decoded_value) {
 }  // namespace
 
 URL::URL(ovrant_ustring url) : query_(std::move(url)) {
-  utils::UstringUnits::Set(After(Before(utils::UstringUnits::Of(query_), '#'), '?'), query_);
+  query_ = After(Before(query_.units(), u'#'), u'?');
 }
 
 bool URL::getValueForExtraInfoKey(ovrant_ustring key, ovrant_ustring& value) {
-  const Units name = utils::UstringUnits::Of(key);
-  for (Units rest = utils::UstringUnits::Of(query_); !rest.empty();) {
-    const Units parameter = Before(rest, '&');
-    if (!parameter.empty() && Before(parameter, '=') == name) {
-      Decode(After(parameter, '='), value);
+  const Units name = key.units();
+  for (Units rest = query_.units(); !rest.empty();) {
+    const Units parameter = Before(rest, u'&');
+    if (!parameter.empty() && Before(parameter, u'=') == name) {
+      Decode(After(parameter, u'='), value);
       return true;
     }
     rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
