@@ -35,15 +35,16 @@ class STOWRA_EXPORT ContentItem {
   void SetThumbnailBuffer(int size, unsigned char* buffer);
 
   // Clears the item and reads the entry at which `reader`, which must not be null, stands. True
-  // when the entry has these parts:
-  //   - an id and a title
-  //   - a category with a term
-  //   - an author with name and uri
-  //   - at least one link, each with rel, href and type
-  //   - a group with at least one thumbnail, each with a url
-  //   - for a model, at least one content in the group, each with url and type, and one of them to
-  //     download
-  //   - for a collection, a content with a src and a feed's type
+  // when the entry is complete:
+  //   - It has an id and a title.
+  //   - It has a category with a term.
+  //   - It has an author with name and uri.
+  //   - It has at least one link. Each has rel, href and type.
+  //   - It has a group with at least one thumbnail. Each has a url.
+  //   - A model has at least one content in the group. Each has url and type, and one of them can
+  //   be
+  //     downloaded.
+  //   - A collection has a content with a src and a feed's type.
   //
   // False otherwise; the item then holds what was read. Without a group nothing in it is read.
   // False too when memory runs out; `reader` may then stand inside the entry. In every other case

@@ -41,10 +41,10 @@ class STOWRA_EXPORT ContentQuery {
 
   // Replaces the contents by the feed in `data`: `length` bytes, which stay the caller's, in an
   // encoding that Get_IXMLInput reads. Leaves out entries that ContentItem::Load rejects. False,
-  // and the query is empty, when
-  //   - `data` is null or `length` is not positive,
-  //   - the bytes are not an Atom feed with a title and all three counts,
-  //   - or memory runs out.
+  // and the query is empty, in these cases:
+  //   - `data` is null or `length` is not positive.
+  //   - The bytes are not an Atom feed with a title and all three counts.
+  //   - Memory runs out.
   // The XML reader counts in int: a host with more than INT_MAX bytes cannot load them.
   bool Load(unsigned char* data, int length);
 

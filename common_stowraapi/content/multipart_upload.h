@@ -26,14 +26,14 @@ STOWRA_EXPORT std::string GetBoundaryString();
 
 // Appends the body to `*out`. Neither `file` nor `out` may be null; `data` may be null if `length`
 // is 0. The parts, in order:
-//   - "name": the parameter "name" of the upload URL
-//   - "subjectId": `subject_id` up to its first NUL
-//   - "subjectClass": "entity"
+//   - "name": the parameter "name" of the upload URL.
+//   - "subjectId": `subject_id` up to its first NUL.
+//   - "subjectClass": "entity".
 //   - "binary": the `length` bytes at `data`. The file name is the last component of
 //     zipped_file_path_ if the file is zipped, else of file_path_. The content type is the URL's
 //     parameter "type".
-//   - "task" and "priority": the URL's parameters, if they are there and not empty
-//   - "isZipped": "true", if the file is zipped
+//   - "task" and "priority": the URL's parameters, if they are there and not empty.
+//   - "isZipped": "true", if the file is zipped.
 //
 // Escapes and decodes nothing. The server misreads a body if a file name or value holds a quotation
 // mark or a line end, or if the data holds the boundary. A failed write shows in the stream's

@@ -30,11 +30,11 @@ class STOWRA_EXPORT Document {
   Document& operator=(const Document&) = delete;
 
   // Replaces the tree by the one in `text`, which is read up to its first NUL. False, and the root
-  // is null, when the text
-  //   - is not strict JSON with an object or array as root,
-  //   - is nested deeper than kMaxDepth,
-  //   - has 4 GiB or more as UTF-8,
-  //   - or has a number with a hundred million zeros or more after the decimal point.
+  // is null, in these cases:
+  //   - The text is not strict JSON with an object or array as root.
+  //   - It is nested deeper than kMaxDepth.
+  //   - It has 4 GiB or more as UTF-8.
+  //   - A number has a hundred million zeros or more after the decimal point.
   // std::bad_alloc leaves the root null. A stack of 512 KiB is enough.
   bool Load(const ovrant::utils::ovrant_ustring& text);
 

@@ -10,11 +10,11 @@
 namespace ovrant::json {
 
 // Parses `text` up to its first NUL, as RapidJSON does without parse flags, into `tree`. False, and
-// `tree` is unchanged, for a text that
-//   - has 4 GiB or more,
-//   - is not strict JSON with an object or array as root,
-//   - nests these deeper than `max_depth`, since the parser recurses,
-//   - or has a hundred million zeros or more after a decimal point.
+// `tree` is unchanged, in these cases:
+//   - The text has 4 GiB or more.
+//   - It is not strict JSON with an object or array as root.
+//   - It nests these deeper than `max_depth`. The parser recurses.
+//   - A number has a hundred million zeros or more after the decimal point.
 bool ReadTree(std::string text, unsigned int max_depth, ParsedText& tree);
 
 }  // namespace ovrant::json

@@ -17,7 +17,7 @@
 
 namespace ovrant::utils {
 
-// A std::basic_string or view of `Unit`, or what converts to one. A pointer or an array is none: it
+// A std::basic_string or view of `Unit`, or what converts to one. Not a pointer or an array, which
 // may be null and ends at its NUL.
 template <typename Text, typename Unit>
 using IfText = std::enable_if_t<std::is_convertible_v<const Text&, std::basic_string_view<Unit>> &&
@@ -32,10 +32,12 @@ using IfText = std::enable_if_t<std::is_convertible_v<const Text&, std::basic_st
 // Bytes that are not UTF-8 become U+FFFD, one for each maximal ill-formed part. A lone surrogate
 // becomes U+FFFD in utf8().
 //
-// These may throw std::bad_alloc and nothing else: every constructor but the default and the move,
-// every assignment but the move, +=, +, utf8, Left, Mid, Right, to_float, replace_all,
-// TokenizeToVector, Format, << and GetFileName. The strings are then as they were. All others never
-// throw. A literal in place of a string is made into one first, which may throw.
+// These may throw std::bad_alloc, and then leave the strings as they were:
+//   - Constructors and assignments, except the default and the move.
+//   - The operators +=, + and <<.
+//   - utf8, Left, Mid, Right, to_float, replace_all, TokenizeToVector, Format and GetFileName.
+//
+// Nothing else throws. A literal in place of a string is made into one first, which may throw.
 class STOWRA_EXPORT ovrant_ustring {
  public:
   // What find() gives for an absent text: all bits set.
@@ -146,7 +148,7 @@ class STOWRA_EXPORT ovrant_ustring {
   //
   // The argument's own type decides how it is read, after C's promotions. An integer is converted
   // for a floating conversion, and the reverse. If any other argument does not fit its conversion,
-  // or there is none, the conversion's own text stays in the result.
+  // or is missing, the conversion's own text stays in the result.
   //
   // %s  takes UTF-8, wide text or an ovrant_ustring; a null pointer is empty. A precision counts
   //     the text's own units, and no more are read. It never cuts a character in two.

@@ -34,11 +34,12 @@ namespace ovrant::webservices {
 // the object may be destroyed, and no hook runs after that.
 //
 // Exceptions: only the constructor of a concrete class, Init and AddNotifications throw
-// std::bad_alloc. An exception from a hook, or from an observer of what it posts, goes
-//   - from SynchronousRequest and OnNotification to the caller,
-//   - from AsynchronousRequest to the caller, if there is no memory to make the transport,
-//   - no further, if the transport posts on its own thread or cannot start the transfer,
-//   - to the caller of the completion, if the host's executor runs it elsewhere.
+// std::bad_alloc. An exception from a hook, or from an observer of what it posts, goes to one
+// place:
+//   - SynchronousRequest and OnNotification pass it to their caller.
+//   - AsynchronousRequest passes it on if there is no memory to make the transport.
+//   - The transport swallows it if it posts on its own thread or cannot start the transfer.
+//   - A completion that the host's executor runs passes it to its caller.
 // No hook runs a second time after that. A std::bad_alloc from ParseResponse counts as false.
 //
 // The order of the virtual functions and of the members is part of the binary interface.

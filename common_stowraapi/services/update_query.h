@@ -66,11 +66,14 @@ class STOWRA_EXPORT UpdateQuery : public WebServiceRequestBase {
   ~UpdateQuery() override;
 
   // Reads the results from the JSON object in `body`. Empties data_files_ first, in any case. Each
-  // other field keeps its value if its member is missing or has another type. The members are
-  //   - "update": "current_version" and "expire_version", strings
-  //   - "message": "id", "max_shows", "width" and "height", numbers; "title" and "url", strings
-  //   - "datafiles": an array of objects with "version", a number, and "filename" and "url",
-  //   strings
+  // other field keeps its value if its member is missing or has another type. These members are
+  // read:
+  //   - "update" has the strings "current_version" and "expire_version".
+  //   - "message" has the numbers "id", "max_shows", "width" and "height". It has the strings
+  //     "title" and "url".
+  //   - "datafiles" is an array of objects. Each has the number "version" and the strings
+  //   "filename"
+  //     and "url".
   //
   // True when "update" has a member "expire_version" and both versions are now non-empty, even from
   // an earlier response. False otherwise, also when memory runs out; the results then hold what was
