@@ -29,18 +29,15 @@ namespace ovrant::json {
 
 // Takes memory from malloc, as RapidJSON's own CrtAllocator does, but throws std::bad_alloc where
 // that returns null: RapidJSON does not check. A pool made with one may be used with the other.
+// RapidJSON asks for no empty block.
 class ThrowingAllocator {
  public:
   static constexpr bool kNeedFree = true;
 
-  void* Malloc(std::size_t size) { return size == 0 ? nullptr : Checked(std::malloc(size)); }
-
+  void* Malloc(std::size_t size) { return Checked(std::malloc(size)); }
   void* Realloc(void* block, std::size_t /*old_size*/, std::size_t new_size) {
-    if (new_size != 0) return Checked(std::realloc(block, new_size));
-    std::free(block);
-    return nullptr;
+    return Checked(std::realloc(block, new_size));
   }
-
   static void Free(void* block) { std::free(block); }
 
  private:
