@@ -7,9 +7,11 @@
 
 #include "common_stowraapi/export.h"
 
-namespace ovrant::internet {
-
+namespace ovrant {
 class DeliveryGate;
+}  // namespace ovrant
+
+namespace ovrant::internet {
 
 // Names the notifications for the end of a background transfer. For each transfer that is not
 // dropped, exactly one of the two names is posted through CNotificationCenter::Default(). The

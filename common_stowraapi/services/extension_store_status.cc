@@ -59,6 +59,8 @@ ExtensionStoreStatus::ExtensionStoreStatus() { AddNotifications(); }
 
 ExtensionStoreStatus::~ExtensionStoreStatus() {
   DeliveryCheck::ExpectOutside(this, "an extension store status was destroyed");
+  // First of all, so that no notification reaches an object that is half gone. Once more at the
+  // end, because the order of destruction is part of the contract with the platform.
   RemoveNotifications();
   delegate_.reset();
   internet_data_.reset();

@@ -117,11 +117,12 @@ const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view un
     is_gzip_ = true;
   } else if (EqualsIgnoringCase(name, "Transfer-Encoding")) {
     const std::string_view value = TrimHeaderText(untrimmed);
-    is_chunked_ = is_chunked_ || EqualsIgnoringCase(value, "chunked");
+    const bool is_chunked = EqualsIgnoringCase(value, "chunked");
     is_unframed_ = EqualsIgnoringCase(value, "identity");
-    if (!is_chunked_ && !is_unframed_) {
+    if (!is_chunked && !is_unframed_) {
       return "the response has a transfer encoding that was not offered";
     }
+    is_chunked_ = is_chunked_ || is_chunked;
   } else {
     return AddLengths(untrimmed);
   }

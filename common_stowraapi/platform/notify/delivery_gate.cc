@@ -2,7 +2,7 @@
 
 #include "common_stowraapi/platform/notify/delivery_scope.h"
 
-namespace ovrant::internet {
+namespace ovrant {
 
 bool DeliveryGate::Enter(const std::function<void()>& first) {
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -24,4 +24,4 @@ void DeliveryGate::Close() {
   all_left_.wait(lock, [this] { return inside_ == 0; });
 }
 
-}  // namespace ovrant::internet
+}  // namespace ovrant

@@ -8,7 +8,7 @@
 #include <functional>
 #include <mutex>
 
-namespace ovrant::internet {
+namespace ovrant {
 
 // Guards the calls of host code that are made for one object. A caller makes each call between
 // Enter and Leave. The object's destructor calls Close. Safe from any thread.
@@ -33,6 +33,6 @@ class DeliveryGate {
   int inside_ = 0;
 };
 
-}  // namespace ovrant::internet
+}  // namespace ovrant
 
 #endif  // COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_GATE_H_

@@ -11,7 +11,7 @@
 #include "common_stowraapi/platform/notify/delivery_gate.h"
 #include "common_stowraapi/platform/notify/delivery_scope.h"
 
-namespace ovrant::internet {
+namespace ovrant {
 
 // One function that the host has set.
 template <typename... Args>
@@ -72,6 +72,6 @@ class HostFunction {
   std::shared_ptr<Set> current_;
 };
 
-}  // namespace ovrant::internet
+}  // namespace ovrant
 
 #endif  // COMMON_STOWRAAPI_PLATFORM_NOTIFY_HOST_FUNCTION_H_

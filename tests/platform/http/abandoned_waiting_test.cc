@@ -18,7 +18,7 @@ namespace {
 using ovrant::internet::Announcement;
 using ovrant::internet::BackgroundTransfer;
 using ovrant::internet::BackgroundWorker;
-using ovrant::internet::DeliveryGate;
+using ovrant::DeliveryGate;
 using ovrant::internet::HttpReply;
 using ovrant::internet::HttpRequest;
 

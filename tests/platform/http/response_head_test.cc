@@ -174,6 +174,8 @@ TEST_F(ResponseHeadTest, RefusesOtherEncodings) {
   }
   head_ = ResponseHead();
   EXPECT_NE(Add({"HTTP/1.1 200 OK", "Content-Encoding: gzip", "Content-Encoding: x-gzip"}), "");
+  head_ = ResponseHead();
+  EXPECT_NE(Add({"HTTP/1.1 200 OK", "Transfer-Encoding: chunked", "Transfer-Encoding: gzip"}), "");
   for (const char* line : {"Transfer-Encoding: chunked", "TRANSFER-ENCODING: Chunked"}) {
     head_ = ResponseHead();
     EXPECT_EQ(Add({"HTTP/1.1 200 OK", line}), "") << line;

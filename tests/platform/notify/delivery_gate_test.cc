@@ -14,7 +14,7 @@ namespace stowra_test {
 namespace {
 
 using ovrant::DeliveryScope;
-using ovrant::internet::DeliveryGate;
+using ovrant::DeliveryGate;
 
 constexpr std::chrono::milliseconds kTooEarly(100);
 

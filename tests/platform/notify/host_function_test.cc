@@ -16,7 +16,7 @@ namespace stowra_test {
 namespace {
 
 using ovrant::DeliveryScope;
-using ovrant::internet::HostFunction;
+using ovrant::HostFunction;
 
 TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyFunction) {
   HostFunction<int> place;
