@@ -107,10 +107,6 @@ std::size_t ConvertAscii(const From* from, std::size_t length, To* to) {
   return done;
 }
 
-inline std::size_t WidenAscii(const char* from, std::size_t length, char16_t* to) {
-  return ConvertAscii(from, length, to);
-}
-
 }  // namespace ovrant::utils
 
 #endif  // COMMON_STOWRAAPI_PLATFORM_TEXT_ASCII_RUN_H_
