@@ -7,6 +7,11 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+# Its vector extensions are complete from that release on.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 12)
+  message(FATAL_ERROR "CommonStowraapi needs g++ 12 or later, or clang++")
+endif()
+
 find_package(Threads REQUIRED)
 
 set(STOWRA_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)

@@ -41,9 +41,8 @@ class STOWRA_EXPORT ContentItem {
   //   - It has an author with name and uri.
   //   - It has at least one link. Each has rel, href and type.
   //   - It has a group with at least one thumbnail. Each has a url.
-  //   - A model has at least one content in the group. Each has url and type, and one of them can
-  //   be
-  //     downloaded.
+  //   - A model has at least one content in the group. Each has url and type.
+  //   - One of a model's contents can be downloaded.
   //   - A collection has a content with a src and a feed's type.
   //
   // False otherwise; the item then holds what was read. Without a group nothing in it is read.

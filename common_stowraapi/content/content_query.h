@@ -36,7 +36,7 @@ class STOWRA_EXPORT ContentQuery {
 
   // Downloads `url` and loads the body, whatever the HTTP status. False, with the contents
   // unchanged, when `url` is empty, the download fails or memory runs out before Load. Otherwise
-  // the result of Load; a body above INT_MAX bytes counts as no feed.
+  // the result of Load; a body that is too long for the XML reader counts as no feed.
   bool QueryFeed(const ovrant::utils::ovrant_ustring& url);
 
   // Replaces the contents by the feed in `data`: `length` bytes, which stay the caller's, in an
@@ -45,7 +45,7 @@ class STOWRA_EXPORT ContentQuery {
   //   - `data` is null or `length` is not positive.
   //   - The bytes are not an Atom feed with a title and all three counts.
   //   - Memory runs out.
-  // The XML reader counts in int: a host with more than INT_MAX bytes cannot load them.
+  // Get_IXMLInput says how long a document may be.
   bool Load(unsigned char* data, int length);
 
   int total_results_;                       // of the whole search; 0 at first

@@ -31,9 +31,8 @@ class STOWRA_EXPORT Value {
   // A handle to `node`, which places strings, elements and members in `allocator`. Either may be
   // null.
   //   - `node` is a rapidjson::GenericValue over UTF8<char> and the type of the pool.
-  //   - `allocator` is a rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>. The handle grows
-  //   it
-  //     with malloc, as the pool itself does.
+  //   - `allocator` is a rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>.
+  //   - The handle grows the pool with malloc, as the pool itself does.
   //   - With `owned` the handle frees the node with operator delete, so it must come from new. The
   //     node's content stays in the pool.
   Value(bool owned, void* node, void* allocator);

@@ -194,7 +194,11 @@ inline ovrant_ustring operator+(const ovrant_ustring& left, const char* right) {
   sum += ovrant_ustring(right);
   return sum;
 }
-inline ovrant_ustring operator+(const ovrant_ustring& left, const ovrant_ustring& right) {
+// Leaves what converts to a `char*` to the one above.
+template <typename Text, std::enable_if_t<std::is_convertible_v<const Text&, ovrant_ustring> &&
+                                              !std::is_convertible_v<const Text&, const char*>,
+                                          int> = 0>
+ovrant_ustring operator+(const ovrant_ustring& left, const Text& right) {
   ovrant_ustring sum(left);
   sum += right;
   return sum;

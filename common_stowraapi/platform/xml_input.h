@@ -60,9 +60,10 @@ class STOWRA_EXPORT IXMLInput {
 
 // A reader over `length` bytes, which stay the caller's and must outlive it. The caller owns the
 // reader. Null in these cases:
+//  - `data` is null, or `length` is 0 or less.
 //  - The bytes are not a well-formed document to the last byte. The encoding may be UTF-8, UTF-16,
 //    ISO-8859-1 or US-ASCII, as the document declares it.
-//  - The document declares an entity or an attribute, other than &lt; and its four like.
+//  - The document declares an attribute, or an entity other than amp, lt, gt, apos and quot.
 //  - The document refers to an entity that it does not declare.
 //  - The document breaks a limit. It may have 1 GiB, 256 levels of elements, and namespace URIs of
 //    256 bytes. The tree may take 16 times `length` plus 1 MiB of memory, and the parser as much.

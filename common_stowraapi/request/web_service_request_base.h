@@ -79,8 +79,9 @@ class STOWRA_EXPORT WebServiceRequestBase : public IObserver {
   bool SynchronousRequest();
 
   // Drops the background transfer, if any, and starts another. Returns at once.
-  // OnAsyncResponseSuccess or OnAsyncResponseFail follows; without memory to start the transfer the
-  // latter runs before this returns, on this thread. With an empty URL it does nothing at all.
+  // OnAsyncResponseSuccess or OnAsyncResponseFail follows. Without memory or a thread to start the
+  // transfer, the latter runs before this returns, on this thread. Neither runs once the process
+  // exits. With an empty URL it does nothing at all.
   void AsynchronousRequest();
 
   // Start and stop observing both notification names at CNotificationCenter::Default().

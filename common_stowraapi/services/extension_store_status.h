@@ -73,8 +73,9 @@ class STOWRA_EXPORT ExtensionStoreStatus : public IObserver {
   bool SynchronousStatus();
 
   // Drops the background transfer, if any, and sends the request in the background. Returns at
-  // once. "ExtensionStoreAsyncStatusSucceeded" or "ExtensionStoreAsyncStatusFailed" follows;
-  // without memory to start the transfer the latter is posted before this returns, on this thread.
+  // once. "ExtensionStoreAsyncStatusSucceeded" or "ExtensionStoreAsyncStatusFailed" follows.
+  // Without memory or a thread to start the transfer, the latter is posted before this returns, on
+  // this thread. Neither is posted once the process exits.
   void AsynchronousStatus();
 
   // Handles the end of this object's background transfer. Ignores any other name and the payload.

@@ -71,9 +71,8 @@ class STOWRA_EXPORT UpdateQuery : public WebServiceRequestBase {
   //   - "update" has the strings "current_version" and "expire_version".
   //   - "message" has the numbers "id", "max_shows", "width" and "height". It has the strings
   //     "title" and "url".
-  //   - "datafiles" is an array of objects. Each has the number "version" and the strings
-  //   "filename"
-  //     and "url".
+  //   - "datafiles" is an array of objects. Each has the number "version". Each has the strings
+  //     "filename" and "url".
   //
   // True when "update" has a member "expire_version" and both versions are now non-empty, even from
   // an earlier response. False otherwise, also when memory runs out; the results then hold what was

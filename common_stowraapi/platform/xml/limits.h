@@ -18,6 +18,7 @@ inline constexpr int kMaxDepth = 256;
 inline constexpr std::size_t kMaxNamespaceUri = 256;
 
 // Bytes that the tree of a document may take. The parser may take as many.
+static_assert(sizeof(std::size_t) >= 8, "16 times a document has to fit");
 constexpr std::size_t MemoryLimit(std::size_t document_size) {
   return 16 * document_size + (std::size_t{1} << 20);
 }

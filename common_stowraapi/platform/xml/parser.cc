@@ -132,7 +132,7 @@ class TreeBuilder {
   }
 
   // Whether an attribute of this start tag refers to an entity. Where the document names an
-  // external subset, the parser drops such a reference and tells nobody.
+  // external subset, the parser drops such a reference and reports nothing.
   bool HasUnknownReference() {
     markup_.clear();
     XML_SetDefaultHandlerExpand(parser_, OnMarkup);

@@ -28,12 +28,16 @@ class CommaLocale {
   CommaLocale(const CommaLocale&) = delete;
   CommaLocale& operator=(const CommaLocale&) = delete;
 
- private:
-  static bool Set(const char* name) {
-    if (std::setlocale(LC_ALL, name) == nullptr) return false;
+  // Whether the C library still writes decimal commas on this thread.
+  static bool IsInForce() {
     char text[8];
     std::snprintf(text, sizeof(text), "%.1f", 1.5);
     return std::string(text) == "1,5";
+  }
+
+ private:
+  static bool Set(const char* name) {
+    return std::setlocale(LC_ALL, name) != nullptr && IsInForce();
   }
 
   bool Compile() const {

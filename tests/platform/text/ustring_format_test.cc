@@ -356,6 +356,7 @@ TEST(UStringFormatTest, IsIndependentOfTheLocale) {
   EXPECT_EQ(Formatted("<%7.2f>", 1.5), "<   1.50>");
   EXPECT_EQ(Formatted("%a", 1.5), "0x1.8p+0");
   EXPECT_EQ(Formatted("%d", 1234567), "1234567");
+  EXPECT_TRUE(CommaLocale::IsInForce());
 }
 
 }  // namespace

@@ -107,6 +107,7 @@ TEST(UStringNumberTest, IsIndependentOfTheLocale) {
   EXPECT_EQ(ovrant_ustring("1,5").to_float(), 0.0f);
   EXPECT_EQ(ovrant_ustring("1234567").to_int(), 1234567);
   EXPECT_EQ(ovrant_ustring("1.234.567").to_int(), 0);
+  EXPECT_TRUE(CommaLocale::IsInForce());
 }
 
 }  // namespace

@@ -195,5 +195,16 @@ TEST(UStringOverloadTest, AHostsStringStaysACharPointer) {
   EXPECT_EQ(text, "host");
 }
 
+// One that also knows this string class.
+struct HostName {
+  operator const char*() const { return "bytes"; }    // NOLINT(google-explicit-constructor)
+  operator ovrant_ustring() const { return "name"; }  // NOLINT(google-explicit-constructor)
+};
+
+TEST(UStringOverloadTest, AddsAHostsTypeThatConvertsToBoth) {
+  EXPECT_EQ(ovrant_ustring("a") + HostName(), "abytes");
+  EXPECT_EQ(ovrant_ustring("a") + ovrant_ustring("b"), "ab");
+}
+
 }  // namespace
 }  // namespace stowra_test
