@@ -15,10 +15,10 @@
 namespace stowra_test {
 namespace {
 
+using ovrant::DeliveryGate;
 using ovrant::internet::Announcement;
 using ovrant::internet::BackgroundTransfer;
 using ovrant::internet::BackgroundWorker;
-using ovrant::DeliveryGate;
 using ovrant::internet::HttpReply;
 using ovrant::internet::HttpRequest;
 
