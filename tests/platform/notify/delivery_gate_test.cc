@@ -13,8 +13,8 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::DeliveryScope;
 using ovrant::DeliveryGate;
+using ovrant::DeliveryScope;
 
 constexpr std::chrono::milliseconds kTooEarly(100);
 
