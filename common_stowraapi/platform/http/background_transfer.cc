@@ -6,23 +6,6 @@
 
 namespace ovrant::internet {
 
-namespace {
-
-// Leaves an entered gate at the end of the scope.
-class GateLeaver {
- public:
-  explicit GateLeaver(DeliveryGate& gate) : gate_(gate) {}
-  ~GateLeaver() { gate_.Leave(); }
-
-  GateLeaver(const GateLeaver&) = delete;
-  GateLeaver& operator=(const GateLeaver&) = delete;
-
- private:
-  DeliveryGate& gate_;
-};
-
-}  // namespace
-
 BackgroundTransfer::BackgroundTransfer(HttpRequest&& request,
                                        std::shared_ptr<TransferListener> listener,
                                        Announcement announcement,
@@ -42,14 +25,15 @@ bool BackgroundTransfer::Abandon() {
 
 void BackgroundTransfer::Deliver() {
   if (delivered_.exchange(true)) return;
-  if (!announcement_.gate->Enter()) return;
-  const GateLeaver leave_delegate(*announcement_.gate);
+  const DeliveryGate::Call delegate_call(*announcement_.gate);
+  if (!delegate_call.has_entered()) return;
 
   HttpReply reply = exchange_.TakeReply();
   const std::string& name =
       reply.received ? announcement_.returned_notification : announcement_.failed_notification;
-  if (!transport_gate_.Enter([this, &reply] { publish_(std::move(reply)); })) return;
-  const GateLeaver leave_transport(transport_gate_);
+  const DeliveryGate::Call transport_call(transport_gate_,
+                                          [this, &reply] { publish_(std::move(reply)); });
+  if (!transport_call.has_entered()) return;
 
   // Transport and delegate may be deleted from here on.
   CNotificationCenter::Default()->SendNotification(name.c_str(), announcement_.context);

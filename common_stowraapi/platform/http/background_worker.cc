@@ -12,7 +12,7 @@
 
 #include "common_stowraapi/platform/http/body_memory.h"
 #include "common_stowraapi/platform/http/transfer_settings.h"
-#include "common_stowraapi/platform/notify/delivery_scope.h"
+#include "common_stowraapi/platform/notify/delivery.h"
 
 namespace ovrant::internet {
 
@@ -100,7 +100,7 @@ void BackgroundWorker::Stop() {
   {
     // The host's functions may use objects that are already destroyed. Exit does not wait for a
     // call under way.
-    const DeliveryScope no_wait;
+    const NoWaitScope no_wait;
     TransferSettings::Instance().listener().Replace(nullptr);
     TransferSettings::Instance().executor().Replace(nullptr);
   }
@@ -124,6 +124,7 @@ void BackgroundWorker::Wake() {
 }
 
 void BackgroundWorker::Run() {
+  const NoWaitScope no_wait;
   while (TakeSubmitted()) {
     if (has_abandoned_.exchange(false)) DropAbandoned();
     StartWaiting();

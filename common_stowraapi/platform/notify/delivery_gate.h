@@ -4,33 +4,41 @@
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_GATE_H_
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <optional>
+
+#include "common_stowraapi/platform/notify/delivery.h"
 
 namespace ovrant {
 
-// Guards the calls of host code that are made for one object. A caller makes each call between
-// Enter and Leave. The object's destructor calls Close. Safe from any thread.
+// Guards the calls of host code that are made for one object. The object's destructor calls Close.
+// Safe from any thread.
 class DeliveryGate {
  public:
-  // Returns false if the gate is closed. Otherwise runs `first`, if given, and returns true. Leave
-  // must follow then. `first` runs under the gate's lock, so even a Close that does not wait for
-  // calls waits for it. An exception from it passes through, and Leave must not follow.
-  bool Enter(const std::function<void()>& first = nullptr);
-  void Leave();
+  // A call through the gate. Lives on the stack around the call.
+  class Call {
+   public:
+    // Enters unless the gate is closed. Runs `first`, if given, just before it enters. Every Close
+    // waits for `first`, also one that does not wait for calls. An exception from it passes
+    // through.
+    explicit Call(DeliveryGate& gate, const std::function<void()>& first = nullptr);
 
-  // Closes the gate for good and waits for the calls that are running. Does not wait for them
-  // inside a DeliveryScope. May be called again.
-  void Close();
+    bool has_entered() const { return delivery_.has_value(); }
+
+   private:
+    std::unique_lock<std::mutex> lock_;
+    std::optional<Delivery> delivery_;
+  };
+
+  // Closes the gate for good and waits as Delivery::WaitForOthers does. True if no call is inside.
+  bool Close();
 
   bool IsClosed() const { return closed_; }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable all_left_;
+  std::mutex mutex_;                 // held while `first` runs
   std::atomic<bool> closed_{false};  // set under the mutex
-  int inside_ = 0;
 };
 
 }  // namespace ovrant

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "common_stowraapi/platform/notify/delivery_gate.h"
-#include "common_stowraapi/platform/notify/delivery_scope.h"
 
 namespace ovrant {
 
@@ -22,21 +21,19 @@ class SetFunction {
   // Calls the function and swallows its exceptions. Returns false if the function has been
   // replaced. Then nothing was called, and the arguments are unchanged.
   bool Call(Args&&... args) {
-    if (!gate_.Enter()) return false;
+    const DeliveryGate::Call call(gate_);
+    if (!call.has_entered()) return false;
     try {
-      const DeliveryScope scope;
       function_(std::forward<Args>(args)...);
     } catch (...) {  // NOLINT(bugprone-empty-catch): must not fail the transfer
     }
-    gate_.Leave();
     return true;
   }
 
-  // Waits for calls on other threads, then destroys the function, so its code may be unloaded.
-  // Inside a delivery it does not wait, and the last owner of this object destroys the function.
+  // Closes the gate, then destroys the function, so its code may be unloaded. If a call is still
+  // inside, the last owner of this object destroys the function.
   void Close() {
-    gate_.Close();
-    if (!DeliveryScope::IsInside()) function_ = nullptr;
+    if (gate_.Close()) function_ = nullptr;
   }
 
  private:

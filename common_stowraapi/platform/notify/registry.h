@@ -1,13 +1,11 @@
-// Which observers are registered, and which of them are being called.
+// Which observers are registered.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_REGISTRY_H_
 #define COMMON_STOWRAAPI_PLATFORM_NOTIFY_REGISTRY_H_
 
-#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,8 +15,7 @@
 
 namespace ovrant {
 
-// Keeps the promises of CNotificationCenter. The mutex guards every member. It is never held while
-// an observer is called.
+// Keeps the promises of CNotificationCenter. Delivery::Lock guards every member.
 class NotificationRegistry {
  public:
   void Add(const char* name, IObserver* observer);
@@ -34,13 +31,7 @@ class NotificationRegistry {
     std::map<Serial, IObserver*> observers;
   };
 
-  class Call;
-
   void DropIfUnused(const Topic& topic);
-  bool IsBeingCalled(const IObserver* observer) const;
-
-  std::mutex mutex_;
-  std::condition_variable call_ended_;
 
   // Holds the topics that have observers. Each key is a view of its topic's name.
   std::unordered_map<std::string_view, std::shared_ptr<Topic>> topics_;
@@ -49,7 +40,6 @@ class NotificationRegistry {
   std::map<std::pair<IObserver*, Topic*>, Serial> registrations_;
 
   Serial last_serial_ = 0;
-  Call* calls_ = nullptr;
 };
 
 }  // namespace ovrant

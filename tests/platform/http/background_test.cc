@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <stdexcept>
@@ -20,6 +21,9 @@ namespace {
 
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
+
+// A name that no transfer of Background posts.
+constexpr char kOther[] = "BackgroundTestOther";
 
 // How long to wait for a destructor that returns too early.
 constexpr milliseconds kTooEarly(100);
@@ -414,28 +418,54 @@ TEST_P(DeletionTest, InsideTheNotificationOfAFailure) {
   EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kFailed});
 }
 
-TEST_P(DeletionTest, InsideAnotherDeliveryDoesNotWaitForAPostUnderWay) {
-  static constexpr char kOther[] = "BackgroundTestOther";
+TEST_P(DeletionTest, InsideAnotherDeliveryWaitsForAPostUnderWay) {
   Event entered;
-  Event go_on;
-  std::atomic<bool> left{false};
+  Event deleted;
+  std::atomic<bool> returned_too_early{false};
   Background background(hello_.Url(), [&] {
     entered.Set();
-    EXPECT_TRUE(go_on.Wait());
-    left = true;
+    returned_too_early = deleted.Wait(kTooEarly);
   });
-  bool returned_before = false;
   NotificationRecorder other({kOther}, [&] {
     DeleteFirst(background);
-    returned_before = !left;
+    deleted.Set();
   });
   ASSERT_TRUE(background.Start());
   ASSERT_TRUE(entered.Wait());
   CNotificationCenter::Default()->SendNotification(kOther, nullptr);
-  EXPECT_TRUE(returned_before);
-  go_on.Set();
   DeleteBoth(background);
   EXPECT_TRUE(background.recorder.WaitFor(1));
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST_P(DeletionTest, OnTheWorkerDoesNotWaitForAPostUnderWay) {
+  Event entered;
+  Event deleted;
+  std::function<void()> completion;
+  Event queued;
+  InternetData::SetCompletionExecutor([&](std::function<void()> work) {
+    completion = std::move(work);
+    queued.Set();
+  });
+  Background background(hello_.Url(), [&] {
+    entered.Set();
+    EXPECT_TRUE(deleted.Wait());
+  });
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(queued.Wait());
+  InternetData::SetCompletionExecutor(nullptr);
+  std::thread runner([&completion] { completion(); });
+  ASSERT_TRUE(entered.Wait());
+
+  NotificationRecorder on_worker({kOther}, [&] {
+    DeleteFirst(background);
+    deleted.Set();
+  });
+  const auto delegate = MakeDelegate(nullptr, kOther, kOther);
+  InternetData transport(Text("none:"));
+  ASSERT_TRUE(transport.DownloadWithDelegate(delegate.get(), nullptr));
+  EXPECT_TRUE(on_worker.WaitFor(1));
+  runner.join();
 }
 
 TEST_P(DeletionTest, AfterTheEnd) {

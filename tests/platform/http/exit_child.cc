@@ -197,6 +197,15 @@ int ReturnWhileAnObserverHangs() {
   return Return();
 }
 
+// The listener of the first transfer never returns.
+int ReturnWhileTheListenerHangs() {
+  InternetData::SetTransferListener([](const TransferEvent&) {
+    Say(kExitChildReady);
+    Sleep();
+  });
+  return Return();
+}
+
 // Destroyed after the library has given up waiting for the observer. Only then does the observer
 // return.
 struct LateEnd {
@@ -334,6 +343,7 @@ int Run(const std::string& mode, const char* self, int descriptors_at_first) {
       {"exit-inside-a-notification", ExitInsideANotification},
       {"exit-inside-the-listener", ExitInsideTheListener},
       {"return-while-an-observer-hangs", ReturnWhileAnObserverHangs},
+      {"return-while-the-listener-hangs", ReturnWhileTheListenerHangs},
       {"return-while-an-observer-is-slow", ReturnWhileAnObserverIsSlow},
       {"return-during-a-blocking-download", ReturnDuringABlockingDownload},
       {"return-with-queued-completions", ReturnWithQueuedCompletions},

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "common_stowraapi/platform/notification_center.h"
 #include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
@@ -240,6 +241,29 @@ TEST_F(ListenerTest, ReplacementWaitsForACallOnAnotherThread) {
   ASSERT_TRUE(entered.Wait());
   InternetData::SetTransferListener(nullptr);
   replaced.Set();
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST_F(ListenerTest, ReplacementInsideADeliveryWaits) {
+  static constexpr char kOther[] = "ListenerTestOther";
+  Event entered;
+  Event replaced;
+  std::atomic<bool> returned_too_early{false};
+  InternetData::SetTransferListener([&](const TransferEvent& event) {
+    if (event.kind != Kind::kStarted) return;
+    entered.Set();
+    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
+  });
+  const RawServer server(Always(Response(200, "hello")));
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(entered.Wait());
+  const NotificationRecorder other({kOther}, [&] {
+    InternetData::SetTransferListener(nullptr);
+    replaced.Set();
+  });
+  CNotificationCenter::Default()->SendNotification(kOther, nullptr);
   EXPECT_EQ(background.WaitForEnd(), kReturned);
   EXPECT_FALSE(returned_too_early);
 }

@@ -192,6 +192,14 @@ TEST_F(ProcessEndTest, IsQuickWhileAnObserverHangs) {
   child.ExpectToLeave();
 }
 
+TEST_F(ProcessEndTest, IsQuickWhileTheListenerHangs) {
+  const RawServer server(Silence());
+  Child child({STOWRA_EXIT_CHILD, "return-while-the-listener-hangs", server.Url()});
+  child.ExpectLine(kExitChildReady);
+  child.SayGo();
+  child.ExpectToLeave();
+}
+
 TEST_F(ProcessEndTest, NoObserverIsCalledAfterASlowOne) {
   const RawServer server(Always(Response(200, "hello")));
   Child child({STOWRA_EXIT_CHILD, "return-while-an-observer-is-slow", server.Url()});

@@ -4,75 +4,145 @@
 
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <thread>
 #include <vector>
 
-#include "common_stowraapi/platform/notify/delivery_scope.h"
+#include "common_stowraapi/platform/notify/delivery.h"
 #include "tests/support/event.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::DeliveryGate;
-using ovrant::DeliveryScope;
+using ovrant::NoWaitScope;
 
 constexpr std::chrono::milliseconds kTooEarly(100);
+
+bool CanEnter(DeliveryGate& gate) { return DeliveryGate::Call(gate).has_entered(); }
+
+// Stays inside a gate, on a second thread, until LetGo.
+class Visitor {
+ public:
+  explicit Visitor(DeliveryGate& gate)
+      : thread_([this, &gate] {
+          const DeliveryGate::Call call(gate);
+          has_entered_ = call.has_entered();
+          tried_.Set();
+          if (!let_go_.Wait()) ADD_FAILURE() << "LetGo was not called";
+        }) {
+    EXPECT_TRUE(tried_.Wait());
+    EXPECT_TRUE(has_entered_);
+  }
+  ~Visitor() {
+    LetGo();
+    if (thread_.joinable()) thread_.join();
+  }
+
+  Visitor(const Visitor&) = delete;
+  Visitor& operator=(const Visitor&) = delete;
+
+  void LetGo() { let_go_.Set(); }
+
+ private:
+  Event tried_;
+  Event let_go_;
+  std::atomic<bool> has_entered_{false};
+  std::thread thread_;
+};
 
 TEST(DeliveryGate, IsOpenUntilItIsClosed) {
   DeliveryGate gate;
   EXPECT_FALSE(gate.IsClosed());
-  EXPECT_TRUE(gate.Enter());
-  gate.Leave();
-  gate.Close();
+  EXPECT_TRUE(CanEnter(gate));
+  EXPECT_TRUE(gate.Close());
   EXPECT_TRUE(gate.IsClosed());
-  EXPECT_FALSE(gate.Enter());
-  gate.Close();
-  EXPECT_FALSE(gate.Enter());
+  EXPECT_FALSE(CanEnter(gate));
+  EXPECT_TRUE(gate.Close());
+  EXPECT_FALSE(CanEnter(gate));
 }
 
 TEST(DeliveryGate, RunsTheFunctionOnlyWhenOpen) {
   DeliveryGate gate;
   int runs = 0;
-  EXPECT_TRUE(gate.Enter([&runs] { ++runs; }));
-  gate.Leave();
+  EXPECT_TRUE(DeliveryGate::Call(gate, [&runs] { ++runs; }).has_entered());
   gate.Close();
-  EXPECT_FALSE(gate.Enter([&runs] { ++runs; }));
+  EXPECT_FALSE(DeliveryGate::Call(gate, [&runs] { ++runs; }).has_entered());
   EXPECT_EQ(runs, 1);
+}
+
+TEST(DeliveryGate, ThrowingFunctionDoesNotEnter) {
+  DeliveryGate gate;
+  EXPECT_THROW(DeliveryGate::Call(gate, [] { throw std::bad_alloc(); }), std::bad_alloc);
+  EXPECT_TRUE(gate.Close());
 }
 
 TEST(DeliveryGate, CloseWaitsForAllCalls) {
   DeliveryGate gate;
-  ASSERT_TRUE(gate.Enter());
-  ASSERT_TRUE(gate.Enter());
+  Visitor first(gate);
+  Visitor second(gate);
   Event closed;
   std::thread closer([&] {
-    gate.Close();
+    EXPECT_TRUE(gate.Close());
     closed.Set();
   });
   EXPECT_FALSE(closed.Wait(kTooEarly));
-  gate.Leave();
+  first.LetGo();
   EXPECT_FALSE(closed.Wait(kTooEarly));
   EXPECT_TRUE(gate.IsClosed());
-  EXPECT_FALSE(gate.Enter());
-  gate.Leave();
+  EXPECT_FALSE(CanEnter(gate));
+  second.LetGo();
   EXPECT_TRUE(closed.Wait());
   closer.join();
 }
 
-TEST(DeliveryGate, CloseInADeliveryStillWaitsForTheFunction) {
+TEST(DeliveryGate, CloseInsideAnotherGateWaits) {
+  DeliveryGate outer;
+  DeliveryGate gate;
+  Visitor visitor(gate);
+  Event closed;
+  std::thread closer([&] {
+    const DeliveryGate::Call call(outer);
+    EXPECT_TRUE(gate.Close());
+    closed.Set();
+  });
+  EXPECT_FALSE(closed.Wait(kTooEarly));
+  visitor.LetGo();
+  EXPECT_TRUE(closed.Wait());
+  closer.join();
+}
+
+TEST(DeliveryGate, CloseDoesNotWaitForItsOwnCall) {
+  DeliveryGate gate;
+  {
+    const DeliveryGate::Call call(gate);
+    EXPECT_FALSE(gate.Close());
+  }
+  EXPECT_TRUE(gate.Close());
+}
+
+TEST(DeliveryGate, CloseInANoWaitScopeDoesNotWaitForCalls) {
+  DeliveryGate gate;
+  Visitor visitor(gate);
+  const NoWaitScope scope;
+  EXPECT_FALSE(gate.Close());
+  EXPECT_FALSE(CanEnter(gate));
+}
+
+TEST(DeliveryGate, CloseInANoWaitScopeWaitsForTheFunction) {
   DeliveryGate gate;
   Event entered;
   Event closed;
   std::atomic<bool> returned_too_early{false};
   std::thread enterer([&] {
-    gate.Enter([&] {
+    const DeliveryGate::Call call(gate, [&] {
       entered.Set();
       returned_too_early = closed.Wait(kTooEarly);
     });
   });
   ASSERT_TRUE(entered.Wait());
   {
-    const DeliveryScope scope;
+    const NoWaitScope scope;
     gate.Close();
     closed.Set();
   }
@@ -80,31 +150,25 @@ TEST(DeliveryGate, CloseInADeliveryStillWaitsForTheFunction) {
   EXPECT_FALSE(returned_too_early);
 }
 
-TEST(DeliveryGate, CloseInsideADeliveryDoesNotWaitForCalls) {
+TEST(NoWaitScope, NestsAndCoversOnlyItsThread) {
   DeliveryGate gate;
-  ASSERT_TRUE(gate.Enter());
+  Visitor visitor(gate);
+  Event closed;
+  std::thread closer;
   {
-    const DeliveryScope scope;
-    gate.Close();
+    const NoWaitScope outer;
+    { const NoWaitScope inner; }
+    EXPECT_FALSE(gate.Close());
+    closer = std::thread([&] {
+      gate.Close();
+      closed.Set();
+    });
+    EXPECT_FALSE(closed.Wait(kTooEarly));
   }
-  EXPECT_TRUE(gate.IsClosed());
-  gate.Leave();
-}
-
-TEST(DeliveryScope, CoversItsThreadAndNests) {
-  EXPECT_FALSE(DeliveryScope::IsInside());
-  {
-    const DeliveryScope outer;
-    {
-      const DeliveryScope inner;
-      EXPECT_TRUE(DeliveryScope::IsInside());
-    }
-    EXPECT_TRUE(DeliveryScope::IsInside());
-    bool inside_elsewhere = true;
-    std::thread([&inside_elsewhere] { inside_elsewhere = DeliveryScope::IsInside(); }).join();
-    EXPECT_FALSE(inside_elsewhere);
-  }
-  EXPECT_FALSE(DeliveryScope::IsInside());
+  visitor.LetGo();
+  EXPECT_TRUE(gate.Close());
+  EXPECT_TRUE(closed.Wait());
+  closer.join();
 }
 
 TEST(DeliveryGate, NoCallIsRunningAfterClose) {
@@ -115,7 +179,8 @@ TEST(DeliveryGate, NoCallIsRunningAfterClose) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 2; ++i) {
       threads.emplace_back([&gate, &value] {
-        while (gate.Enter([&value] { ++value; })) gate.Leave();
+        while (DeliveryGate::Call(gate, [&value] { ++value; }).has_entered()) {
+        }
       });
     }
     gate.Close();

@@ -9,14 +9,14 @@
 #include <string>
 #include <thread>
 
-#include "common_stowraapi/platform/notify/delivery_scope.h"
+#include "common_stowraapi/platform/notify/delivery.h"
 #include "tests/support/event.h"
 
 namespace stowra_test {
 namespace {
 
-using ovrant::DeliveryScope;
 using ovrant::HostFunction;
+using ovrant::NoWaitScope;
 
 TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyFunction) {
   HostFunction<int> place;
@@ -27,18 +27,12 @@ TEST(HostFunction, IsEmptyAtFirstAndAfterAnEmptyFunction) {
   EXPECT_EQ(place.Current(), nullptr);
 }
 
-TEST(HostFunction, PassesArgumentsInsideADelivery) {
+TEST(HostFunction, PassesItsArguments) {
   HostFunction<int, std::string> place;
   std::string seen;
-  bool inside = false;
-  place.Replace([&](int number, const std::string& text) {
-    seen = std::to_string(number) + text;
-    inside = DeliveryScope::IsInside();
-  });
+  place.Replace([&](int number, const std::string& text) { seen = std::to_string(number) + text; });
   EXPECT_TRUE(place.Current()->Call(1, "a"));
   EXPECT_EQ(seen, "1a");
-  EXPECT_TRUE(inside);
-  EXPECT_FALSE(DeliveryScope::IsInside());
 }
 
 TEST(HostFunction, ReplaceDestroysTheOldFunctionAtOnce) {
@@ -81,7 +75,6 @@ TEST(HostFunction, SwallowsExceptionsOfTheFunction) {
   place.Replace([] { throw std::runtime_error("from the host"); });
   const auto current = place.Current();
   EXPECT_TRUE(current->Call());
-  EXPECT_FALSE(DeliveryScope::IsInside());
   // The call has ended, so Replace does not wait.
   place.Replace(nullptr);
 }
@@ -115,22 +108,48 @@ TEST(HostFunction, ReplaceWaitsForACallOnAnotherThread) {
   EXPECT_FALSE(returned_too_early);
 }
 
-TEST(HostFunction, ReplaceInsideADeliveryDoesNotWait) {
+TEST(HostFunction, ReplaceInsideAnotherFunctionWaits) {
   HostFunction<> place;
   Event entered;
   Event replaced;
+  std::atomic<bool> returned_too_early{false};
   place.Replace([&] {
     entered.Set();
+    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
+  });
+  std::thread caller([&place] { place.Current()->Call(); });
+  EXPECT_TRUE(entered.Wait());
+  HostFunction<> other;
+  other.Replace([&] {
+    place.Replace(nullptr);
+    replaced.Set();
+  });
+  EXPECT_TRUE(other.Current()->Call());
+  caller.join();
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST(HostFunction, FunctionLivesThroughACallThatReplaceDoesNotAwait) {
+  HostFunction<> place;
+  const auto held = std::make_shared<int>(0);
+  Event entered;
+  Event replaced;
+  place.Replace([&, held] {
+    entered.Set();
     EXPECT_TRUE(replaced.Wait());
+    ++*held;
   });
   std::thread caller([&place] { place.Current()->Call(); });
   EXPECT_TRUE(entered.Wait());
   {
-    const DeliveryScope scope;
+    const NoWaitScope scope;
     place.Replace(nullptr);
   }
+  EXPECT_EQ(held.use_count(), 2);
   replaced.Set();
   caller.join();
+  EXPECT_EQ(*held, 1);
+  EXPECT_EQ(held.use_count(), 1);
 }
 
 }  // namespace

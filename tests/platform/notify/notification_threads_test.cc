@@ -2,79 +2,18 @@
 
 #include <atomic>
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "common_stowraapi/platform/notification_center.h"
+#include "tests/platform/notify/busy_observer.h"
 #include "tests/platform/notify/notification_fixture.h"
 #include "tests/support/event.h"
 
 namespace stowra_test {
 namespace {
-
-// Has an observer that stays in OnNotification, on a second thread, until LetGo.
-class BusyObserver {
- public:
-  explicit BusyObserver(std::function<void()> then = nullptr)
-      : observer_([this, then = std::move(then)] {
-          entered_.Set();
-          if (!let_go_.Wait()) ADD_FAILURE() << "LetGo was not called";
-          if (then) then();
-          left_ = true;
-        }) {
-    Center().AddObserver(kName, &observer_);
-    sender_ = std::thread([] { Send(); });
-    EXPECT_TRUE(entered_.Wait());
-  }
-  ~BusyObserver() {
-    LetGo();
-    sender_.join();
-  }
-
-  BusyObserver(const BusyObserver&) = delete;
-  BusyObserver& operator=(const BusyObserver&) = delete;
-
-  Observer& observer() { return observer_; }
-  void LetGo() { let_go_.Set(); }
-  bool has_left() const { return left_; }
-
- private:
-  Event entered_;
-  Event let_go_;
-  std::atomic<bool> left_{false};
-  Observer observer_;
-  std::thread sender_;
-};
-
-// Lets the observer go and removes it. Returns whether the removal waited for the observer's call.
-bool RemovalWaits(BusyObserver& busy, Event& removed) {
-  busy.LetGo();
-  Center().RemoveObserver(&busy.observer());
-  const bool had_left = busy.has_left();
-  removed.Set();
-  return had_left;
-}
-
-TEST_F(NotificationCenterTest, RemovalWaitsForACallOnAnotherThread) {
-  Event removed;
-  BusyObserver busy([&] { removed.Wait(kTooEarly); });
-  EXPECT_TRUE(RemovalWaits(busy, removed));
-}
-
-TEST_F(NotificationCenterTest, SecondRemovalWaitsForACallOnAnotherThread) {
-  Event removed;
-  BusyObserver busy([&] { removed.Wait(kTooEarly); });
-  // The first removal is inside a delivery, so it does not wait.
-  Observer inside([&] { Center().RemoveObserver(&busy.observer()); });
-  Center().AddObserver(kOtherName, &inside);
-  Send(kOtherName);
-  EXPECT_FALSE(busy.has_left());
-  EXPECT_TRUE(RemovalWaits(busy, removed));
-}
 
 // Each observer but the last sends to the next one, so all are being called on one thread.
 TEST_F(NotificationCenterTest, RemovalWaitsForACallAmongNestedOnes) {
@@ -151,51 +90,6 @@ TEST_F(NotificationCenterTest, DoesNotCallAnObserverThatAnotherThreadRemoved) {
   removed.Set();
   sender.join();
   EXPECT_EQ(log_, "l");
-}
-
-TEST_F(NotificationCenterTest, RemovalInsideADeliveryDoesNotWait) {
-  BusyObserver busy;
-  bool still_busy = false;
-  Observer remover([&] {
-    Center().RemoveObserver(&busy.observer());
-    still_busy = !busy.has_left();
-  });
-  Center().AddObserver(kOtherName, &remover);
-  Send(kOtherName);
-  EXPECT_TRUE(still_busy);
-}
-
-TEST_F(NotificationCenterTest, ObserversCanRemoveEachOtherAtOnce) {
-  Event first_inside;
-  Event second_inside;
-  std::unique_ptr<Observer> first;
-  std::unique_ptr<Observer> second;
-  first = std::make_unique<Observer>([&] {
-    first_inside.Set();
-    EXPECT_TRUE(second_inside.Wait());
-    Center().RemoveObserver(second.get());
-  });
-  second = std::make_unique<Observer>([&] {
-    second_inside.Set();
-    EXPECT_TRUE(first_inside.Wait());
-    Center().RemoveObserver(first.get());
-  });
-  Center().AddObserver(kName, first.get());
-  Center().AddObserver(kOtherName, second.get());
-  Event first_ended;
-  Event second_ended;
-  std::thread first_sender([&] {
-    Send(kName);
-    first_ended.Set();
-  });
-  std::thread second_sender([&] {
-    Send(kOtherName);
-    second_ended.Set();
-  });
-  EXPECT_TRUE(first_ended.Wait());
-  EXPECT_TRUE(second_ended.Wait());
-  first_sender.join();
-  second_sender.join();
 }
 
 TEST_F(NotificationCenterTest, NeverCallsARemovedObserver) {
