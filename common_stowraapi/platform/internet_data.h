@@ -46,8 +46,7 @@ struct HttpRequest;
 // The object may be deleted at any moment of a background transfer. The delegate may go before it
 // or after it, and the notification that the delegate posts may delete it. After the destructor the
 // transfer posts nothing more. The destructor never waits for the network. It waits for a post
-// under way on another thread, except inside a delivery. A delivery is a call of a host function by
-// the library: an observer, a transfer listener or a completion executor.
+// under way on another thread, as CNotificationCenter::RemoveObserver waits for a call.
 //
 // These functions throw std::bad_alloc when memory runs out, and change nothing then:
 //   - set_send_data, SetValueForHTTPSendHeaders and received_headers,
@@ -125,8 +124,9 @@ class STOWRA_EXPORT InternetData {
   //
   // The listener runs on the thread that runs the transfer. No lock is held. It must not throw.
   //
-  // On return the previous listener has been destroyed and no longer runs on another thread. Its
-  // code may be unloaded then. This does not hold for a call from inside a delivery.
+  // On return the previous listener no longer runs and has been destroyed, so its code may be
+  // unloaded. The exceptions of CNotificationCenter::RemoveObserver apply. A listener that still
+  // runs then is destroyed later.
   static void SetTransferListener(std::function<void(const TransferEvent&)> listener);
 
   // Sets the function that brings the end of a background transfer to the host. The transport's

@@ -31,8 +31,14 @@ class STOWRA_EXPORT CNotificationCenter {
 
   // Removes `observer` from every name. Does nothing if it has none or is null. On return it is not
   // called again, and calls to it on other threads have ended. So hold no lock that the observer
-  // takes. Inside a delivery the function does not wait for other threads. Two threads that remove
-  // each other's observers would otherwise wait forever.
+  // takes.
+  //
+  // The function waits inside OnNotification too. It does not wait in these cases:
+  //   - The call runs on its own thread.
+  //   - The call runs on a thread that already waits here, in a destructor of InternetData or
+  //     InternetDataDelegate, or for a listener or executor that it replaces. Two threads that
+  //     remove each other's observers would otherwise wait forever.
+  //   - The function runs on the library's worker thread, which never waits.
   void RemoveObserver(ovrant::IObserver* observer);
 
   // Calls OnNotification(name, payload) on this thread for each observer of `name`, in order of
