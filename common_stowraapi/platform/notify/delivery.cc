@@ -47,11 +47,10 @@ std::unique_lock<std::mutex> Delivery::Lock() {
 }
 
 Delivery::Delivery(const void* target, std::unique_lock<std::mutex>& lock)
-    : target_(target),
-      lock_(lock),
-      wait_of_thread_(wait_of_this_thread),
-      next_(State::Instance().calls) {
-  State::Instance().calls = this;
+    : target_(target), lock_(lock), wait_of_thread_(wait_of_this_thread) {
+  State& state = State::Instance();
+  next_ = state.calls;
+  state.calls = this;
   lock_.unlock();
 }
 
