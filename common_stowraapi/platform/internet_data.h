@@ -21,22 +21,20 @@ struct HttpRequest;
 
 // One HTTP transfer to one URL, and the response to it.
 //
-// A response that arrives whole is a success, whatever its status. These are failures:
+// A response that arrives whole is a success, whatever its status. TransferError lists the
+// failures. After one the body and the headers are empty, and the status is the one received, or 0.
+// There is no limit on the time of a whole transfer.
 //
-//   - The URL is not http or https.
-//   - There is no connection, or the certificate does not verify.
-//   - No byte moves in either direction for the inactivity timeout (TransferDefaults).
-//   - The reply breaks off or is malformed.
-//   - The body exceeds the cap (TransferDefaults).
-//   - The content encoding is not gzip.
-//   - There are more than 20 redirects, or one from https to http or to another scheme.
-//   - Memory runs out.
+// A transfer is silent, and fails, when it has waited for the inactivity timeout
+// (TransferDefaults). A step of connecting, a complete header line, body bytes and sent bytes end
+// the silence. Time that the host's own code takes does not count.
 //
-// After a failure the body and the headers are empty. The status is the one received, or 0. There
-// is no limit on the time of a whole transfer.
+// Redirects with status 301, 302, 303, 307 and 308 are followed, at most 20. A POST becomes a GET
+// on 301, 302 and 303, and stays a POST on 307 and 308. To another origin (scheme, host or port)
+// goes nothing that the caller has set but the headers Accept, Accept-Language, Content-Type and
+// User-Agent. So a POST goes there without its body.
 //
-// Redirects are followed. A POST becomes a GET on 301, 302 and 303, and stays a POST on 307 and
-// 308. Connections are reused. Certificates are always verified.
+// Connections are reused. Certificates are always verified.
 //
 // Starting a transfer resets status, body and headers. It also drops a transfer that still runs,
 // for which nothing more is posted.
@@ -79,7 +77,7 @@ class STOWRA_EXPORT InternetData {
   // Starts a POST of the send data in the same way. The body is empty when none is set.
   bool UploadWithDelegate(InternetDataDelegate* delegate, void* user_data);
 
-  // Copies `length` bytes as the body of later uploads. `data` may be null when `length` is 0.
+  // Copies `length` bytes as the body of later uploads. The body is empty when `data` is null.
   void set_send_data(const unsigned char* data, unsigned long length);
 
   // Sets one request header of later transfers, and replaces any of that name in any letter case.
@@ -102,6 +100,10 @@ class STOWRA_EXPORT InternetData {
                    unsigned long* data_length, int* status, ovrant::utils::StringMap* send_headers,
                    bool flag1, bool flag2, bool flag3, ovrant::utils::ovrant_ustring text1,
                    ovrant::utils::ovrant_ustring text2, ovrant::utils::StringMap* received_headers);
+
+  // Why the last Download or SendAndRead on this thread failed, through any object. kNone when it
+  // received a response. Requests that block, such as ContentQuery::QueryFeed, set it too.
+  static TransferError LastError();
 
   // The HTTP status of the last response, 0 before one.
   int status_code() const { return status_code_; }
@@ -133,8 +135,8 @@ class STOWRA_EXPORT InternetData {
   // thread calls `executor` with a completion, which posts the notification when it is run. The
   // executor should queue the completion and return. It must not throw.
   //
-  // The host runs the completion once, on any thread. It may also destroy it unrun. Either may
-  // happen after delegate and transport are gone: nothing is posted then.
+  // The host runs the completion once, on any thread. It may also destroy it unrun, or while it
+  // runs. Either may happen after delegate and transport are gone: nothing is posted then.
   //
   // An empty function brings the default back, which posts on the transport's thread. Any thread.
   // The previous executor ends as a previous listener does.

@@ -24,7 +24,8 @@ namespace ovrant::internet {
 // One delegate may serve several transfers. The accessors may be called from any thread.
 class STOWRA_EXPORT InternetDataDelegate {
  public:
-  // Both names must be non-null and outlive the delegate. A transfer copies them when it starts.
+  // Both names must outlive the delegate. A transfer copies them when it starts. A null name counts
+  // as the empty one.
   // `context` may be null and is never dereferenced. The message numbers are kept for the host.
   // Throws std::bad_alloc when memory runs out.
   InternetDataDelegate(void* context, unsigned int returned_message,

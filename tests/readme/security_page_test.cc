@@ -8,6 +8,7 @@
 
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/platform/http/background_worker.h"
+#include "common_stowraapi/platform/http/chunk_decoder.h"
 #include "common_stowraapi/platform/http/message.h"
 #include "common_stowraapi/platform/http/response_head.h"
 #include "common_stowraapi/platform/xml/limits.h"
@@ -16,6 +17,7 @@ namespace stowra_test {
 namespace {
 
 using ovrant::internet::BackgroundWorker;
+using ovrant::internet::ChunkDecoder;
 using ovrant::internet::HttpRequest;
 using ovrant::internet::ResponseHead;
 
@@ -37,7 +39,10 @@ void ExpectRow(const std::string& what, const std::string& limit) {
 TEST(SecurityPageTest, StatesTheLimitsOfReplies) {
   ExpectRow("body of a reply, decoded",
             std::to_string(HttpRequest::kDefaultBodyCap / kMib) + " MiB,");
-  ExpectRow("header lines of a reply", std::to_string(ResponseHead::kMaxBytes / kKib) + " KiB |");
+  ExpectRow("header lines of a reply",
+            std::to_string(ResponseHead::kMaxBytes / kKib) + " KiB with");
+  ExpectRow("line with the size of a chunk",
+            std::to_string(ChunkDecoder::kMaxSizeLine / kKib) + " KiB |");
   ExpectRow("redirects", std::to_string(HttpRequest::kDefaultRedirectLimit) + " |");
   ExpectRow("background transfers at a time", std::to_string(BackgroundWorker::kMaxActive) + " |");
 }

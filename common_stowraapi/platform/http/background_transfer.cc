@@ -18,9 +18,9 @@ bool BackgroundTransfer::IsAbandoned() const {
   return transport_gate_.IsClosed() || announcement_.gate->IsClosed();
 }
 
-bool BackgroundTransfer::Abandon() {
+unsigned long BackgroundTransfer::Abandon() {
   transport_gate_.Close();
-  return !delivered_;
+  return delivered_ ? 0 : number();
 }
 
 void BackgroundTransfer::Deliver() {

@@ -37,10 +37,13 @@ class BackgroundTransfer final : public TransferRecord {
   // Worker's thread only.
   HttpExchange& exchange() { return exchange_; }
 
+  // Numbers the transfers in the order in which they were made. Any thread.
+  unsigned long number() const { return exchange_.number(); }
+
   // True when the transport or the delegate has closed its gate. Safe from any thread.
   bool IsAbandoned() const;
 
-  bool Abandon() override;
+  unsigned long Abandon() override;
 
   // Stores the reply in the transport and posts the delegate's name for it. Call it after the
   // exchange has ended, on any thread. A second call does nothing. Exceptions from observers pass

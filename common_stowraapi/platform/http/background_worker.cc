@@ -3,6 +3,8 @@
 #if defined(__APPLE__)
 #include <dlfcn.h>
 #endif
+#include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -10,7 +12,6 @@
 #include <system_error>
 #include <utility>
 
-#include "common_stowraapi/platform/http/body_memory.h"
 #include "common_stowraapi/platform/http/transfer_settings.h"
 #include "common_stowraapi/platform/notify/delivery.h"
 
@@ -32,14 +33,30 @@ void PinThisLibrary() {
 // How long process exit waits for the thread, which may be inside a host function.
 constexpr std::chrono::milliseconds kExitWait(500);
 
-// How long freed body memory is kept for the next transfer.
-constexpr std::chrono::milliseconds kMemoryIsKept(1000);
-
 // True from the moment the worker exists. Avoids creating the worker only to wake it.
 std::atomic<bool> worker_exists{false};
 
-// True on the worker's thread while it is certain to look for work before it waits.
-thread_local bool will_look = false;
+// While it lives, the thread blocks the signals that other threads can handle as well. A thread
+// that starts meanwhile blocks them for good, so the host's handlers do not run there.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t signals;
+    sigfillset(&signals);
+    // These report a fault of the thread itself, or are sent by a profiler.
+    for (const int own : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGPROF, SIGSEGV, SIGSYS, SIGTRAP}) {
+      sigdelset(&signals, own);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, &before_);
+  }
+  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+  SignalsBlocked(const SignalsBlocked&) = delete;
+  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+ private:
+  sigset_t before_;
+};
 
 }  // namespace
 
@@ -48,13 +65,17 @@ thread_local bool will_look = false;
 class BackgroundWorker::ExitGuard {
  public:
   explicit ExitGuard(BackgroundWorker& worker) : worker_(worker) {}
-  ~ExitGuard() { worker_.Stop(); }
+  ~ExitGuard() {
+    // A forked child has no worker's thread. What the parent's threads held is locked there.
+    if (getpid() == process_) worker_.Stop();
+  }
 
   ExitGuard(const ExitGuard&) = delete;
   ExitGuard& operator=(const ExitGuard&) = delete;
 
  private:
   BackgroundWorker& worker_;
+  const pid_t process_ = getpid();
 };
 
 bool BackgroundWorker::Submit(std::shared_ptr<BackgroundTransfer> transfer) {
@@ -65,10 +86,23 @@ bool BackgroundWorker::Submit(std::shared_ptr<BackgroundTransfer> transfer) {
   }
 }
 
+void BackgroundWorker::Withdraw(unsigned long number) {
+  if (!worker_exists.load()) return;
+  BackgroundWorker& worker = Instance();
+  decltype(worker.waiting_)::node_type withdrawn;
+  {
+    const std::lock_guard<std::mutex> lock(worker.mutex_);
+    withdrawn = worker.waiting_.extract(number);
+  }
+  if (withdrawn.empty()) NoteAbandoned();
+}
+
 void BackgroundWorker::NoteAbandoned() {
   if (!worker_exists.load()) return;
   BackgroundWorker& worker = Instance();
-  if (!worker.has_abandoned_.exchange(true)) worker.Wake();
+  if (worker.has_abandoned_.exchange(true)) return;
+  const std::lock_guard<std::mutex> lock(worker.mutex_);
+  if (worker.loop_) worker.loop_->Wake();
 }
 
 BackgroundWorker& BackgroundWorker::Instance() {
@@ -84,16 +118,23 @@ BackgroundWorker& BackgroundWorker::Instance() {
 bool BackgroundWorker::Add(std::shared_ptr<BackgroundTransfer> transfer) {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (stopping_) return false;
-  if (!thread_.joinable()) {
-    if (!loop_) loop_ = std::make_unique<TransferLoop>(&wake_);
-    active_.reserve(kMaxActive);
-    PinThisLibrary();
-    thread_ = std::thread(&BackgroundWorker::Run, this);
-  }
-  std::function<void()> completion = [transfer] { transfer->Deliver(); };
-  submitted_.push_back({std::move(transfer), std::move(completion)});
-  if (submitted_.size() == 1) Wake();
+  if (!thread_.joinable()) StartThread();
+  std::function<void()> completion = [transfer] {
+    const auto kept = transfer;  // the host may destroy the function while it runs
+    kept->Deliver();
+  };
+  const unsigned long number = transfer->number();
+  waiting_.emplace(number, Job{std::move(transfer), std::move(completion)});
+  loop_->Wake();
   return true;
+}
+
+void BackgroundWorker::StartThread() {
+  if (!loop_) loop_ = std::make_unique<TransferLoop>();
+  active_.reserve(kMaxActive);
+  PinThisLibrary();
+  const SignalsBlocked blocked;
+  thread_ = std::thread(&BackgroundWorker::Run, this);
 }
 
 void BackgroundWorker::Stop() {
@@ -107,7 +148,7 @@ void BackgroundWorker::Stop() {
   std::unique_lock<std::mutex> lock(mutex_);
   stopping_ = true;
   if (!thread_.joinable()) return;
-  wake_.Wake();
+  if (loop_) loop_->Wake();
   // The worker itself may call exit from inside a delivery.
   const bool may_join = thread_.get_id() != std::this_thread::get_id() &&
                         thread_ended_.wait_for(lock, kExitWait, [this] { return ended_; });
@@ -119,63 +160,46 @@ void BackgroundWorker::Stop() {
   }
 }
 
-void BackgroundWorker::Wake() {
-  if (!will_look) wake_.Wake();
-}
-
 void BackgroundWorker::Run() {
   const NoWaitScope no_wait;
-  while (TakeSubmitted()) {
+  while (!stopping_) {
     if (has_abandoned_.exchange(false)) DropAbandoned();
     StartWaiting();
-    WaitForEvents();
+    loop_->Turn();
     CompleteEnded();
   }
-  BodyMemory::KeepFreed(false);
-  loop_.reset();
+  std::unique_ptr<TransferLoop> loop;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    loop = std::move(loop_);
+  }
+  loop.reset();  // tells the listener of what it drops
   active_.clear();
   const std::lock_guard<std::mutex> lock(mutex_);
   ended_ = true;
   thread_ended_.notify_all();
 }
 
-void BackgroundWorker::WaitForEvents() {
-  if (!active_.empty() && !keeps_memory_) {
-    keeps_memory_ = true;
-    BodyMemory::KeepFreed(true);
-  }
-  const bool may_give_memory_back = active_.empty() && keeps_memory_;
-  if (!loop_->Turn(may_give_memory_back ? kMemoryIsKept : TransferLoop::kForever) &&
-      may_give_memory_back) {
-    keeps_memory_ = false;
-    BodyMemory::KeepFreed(false);
-  }
-}
-
-// Takes over what has been submitted. False when the thread must end.
-bool BackgroundWorker::TakeSubmitted() {
+std::optional<BackgroundWorker::Job> BackgroundWorker::NextWaiting() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  waiting_.splice(waiting_.end(), submitted_);
-  return !stopping_;
+  if (waiting_.empty() || active_.size() >= kMaxActive) return std::nullopt;
+  return std::move(waiting_.extract(waiting_.begin()).mapped());
 }
 
 void BackgroundWorker::StartWaiting() {
-  while (!waiting_.empty() && active_.size() < kMaxActive) {
-    Job job = std::move(waiting_.front());
-    waiting_.pop_front();
-    if (job.transfer->IsAbandoned()) continue;
+  while (std::optional<Job> job = NextWaiting()) {
+    if (job->transfer->IsAbandoned()) continue;
     try {
-      loop_->Start(job.transfer->exchange());
-      active_.push_back(std::move(job));
+      loop_->Start(job->transfer->exchange());
+      active_.push_back(std::move(*job));
     } catch (const std::bad_alloc&) {
-      job.transfer->exchange().EndFailed("out of memory");
-      Complete(std::move(job));
+      job->transfer->exchange().EndFailed(kOutOfMemory);
+      Complete(std::move(*job));
     }
   }
 }
 
 void BackgroundWorker::DropAbandoned() {
-  waiting_.remove_if([](const Job& each) { return each.transfer->IsAbandoned(); });
   for (std::size_t i = active_.size(); i > 0; --i) {
     if (!active_[i - 1].transfer->IsAbandoned()) continue;
     loop_->Drop(active_[i - 1].transfer->exchange());
@@ -184,7 +208,6 @@ void BackgroundWorker::DropAbandoned() {
 }
 
 void BackgroundWorker::CompleteEnded() {
-  will_look = true;
   // Once exit has begun, no further observer is called.
   while (!stopping_) {
     const HttpExchange* const exchange = loop_->NextEnded();
@@ -194,7 +217,6 @@ void BackgroundWorker::CompleteEnded() {
     });
     Complete(TakeActive(static_cast<std::size_t>(job - active_.begin())));
   }
-  will_look = false;
 }
 
 BackgroundWorker::Job BackgroundWorker::TakeActive(std::size_t index) {

@@ -7,21 +7,21 @@
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
-#include <list>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
 #include "common_stowraapi/platform/http/background_transfer.h"
 #include "common_stowraapi/platform/http/transfer_loop.h"
-#include "common_stowraapi/platform/http/wake_pipe.h"
 
 namespace ovrant::internet {
 
 // One for the process. The first Submit starts its thread. Process exit ends the thread without
 // waiting for the network. Never destroyed, because static destructors of the host may still use
-// it.
+// it. A forked child has no worker's thread and starts none.
 class BackgroundWorker {
  public:
   // Transfers that run at a time. The others wait in order, and their timeouts have not begun.
@@ -32,7 +32,12 @@ class BackgroundWorker {
   // Any thread.
   static bool Submit(std::shared_ptr<BackgroundTransfer> transfer);
 
-  // Reports that a transfer has been abandoned. The worker drops it soon. Any thread.
+  // Takes the abandoned transfer of that number out of the queue. If it runs, the worker drops it
+  // soon. Any thread.
+  static void Withdraw(unsigned long number);
+
+  // Reports that transfers may have been abandoned. The worker drops those that run soon. One that
+  // waits is dropped when its turn comes. Any thread.
   static void NoteAbandoned();
 
  private:
@@ -49,12 +54,11 @@ class BackgroundWorker {
   static BackgroundWorker& Instance();
 
   bool Add(std::shared_ptr<BackgroundTransfer> transfer);
+  void StartThread();
   void Stop();
 
-  void Wake();
   void Run();
-  void WaitForEvents();
-  bool TakeSubmitted();
+  std::optional<Job> NextWaiting();
   void StartWaiting();
   void DropAbandoned();
   void CompleteEnded();
@@ -63,19 +67,15 @@ class BackgroundWorker {
 
   std::mutex mutex_;
   std::condition_variable thread_ended_;
-  std::list<Job> submitted_;
-  std::atomic<bool> stopping_{false};  // set under the lock
+  std::map<unsigned long, Job> waiting_;  // by the number of the transfer
+  std::atomic<bool> stopping_{false};     // set under the lock
   bool ended_ = false;
   std::thread thread_;
+  std::unique_ptr<TransferLoop> loop_;
 
   std::atomic<bool> has_abandoned_{false};
-  WakePipe wake_;
 
-  // For the worker's thread only.
-  std::unique_ptr<TransferLoop> loop_;
-  std::list<Job> waiting_;
-  std::vector<Job> active_;
-  bool keeps_memory_ = false;
+  std::vector<Job> active_;  // for the worker's thread only
 };
 
 }  // namespace ovrant::internet

@@ -26,12 +26,11 @@ unsigned char* BodyBuffer::Room(std::size_t length) {
 
 void BodyBuffer::Reserve(std::size_t capacity) {
   if (capacity <= capacity_) return;
-  unsigned char* const moved =
-      data_ ? BodyMemory::Enlarge(data_.get(), capacity) : BodyMemory::Allocate(capacity);
+  void* const moved = std::realloc(data_.get(), capacity);
   if (moved == nullptr) throw std::bad_alloc();
   static_cast<void>(data_.release());
-  data_.reset(moved);
-  capacity_ = BodyMemory::CapacityOf(moved);
+  data_.reset(static_cast<unsigned char*>(moved));
+  capacity_ = capacity;
 }
 
 void BodyBuffer::Clear() {

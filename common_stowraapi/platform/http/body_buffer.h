@@ -4,12 +4,12 @@
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_BODY_BUFFER_H_
 
 #include <cstddef>
-
-#include "common_stowraapi/platform/http/body_memory.h"
+#include <cstdlib>
+#include <memory>
 
 namespace ovrant::internet {
 
-// A growing array of bytes in BodyMemory. It grows by realloc, which moves large blocks without
+// A growing array of bytes from malloc. It grows by realloc, which moves large blocks without
 // copying where the system can. A call that throws std::bad_alloc changes nothing.
 class BodyBuffer {
  public:
@@ -28,12 +28,15 @@ class BodyBuffer {
 
   void Clear();
 
-  // Hands the bytes to the caller, who frees them with BodyMemory::Free. Null when the buffer is
-  // empty.
+  // Hands the bytes to the caller, who frees them with std::free. Null when the buffer is empty.
   unsigned char* Release();
 
  private:
-  BodyBytes data_;
+  struct Free {
+    void operator()(unsigned char* bytes) const { std::free(bytes); }
+  };
+
+  std::unique_ptr<unsigned char, Free> data_;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
 };

@@ -16,6 +16,9 @@ int HexValue(char digit) {
   return -1;
 }
 
+// Whether `c` may follow the digits of a size: a line end, an extension, or blanks before them.
+bool EndsSize(char c) { return c == '\r' || c == '\n' || c == ';' || c == ' ' || c == '\t'; }
+
 }  // namespace
 
 std::string_view ChunkDecoder::Next(std::string_view& encoded) {
@@ -38,22 +41,24 @@ std::string_view ChunkDecoder::Next(std::string_view& encoded) {
 void ChunkDecoder::Take(char c) {
   switch (part_) {
     case Part::kSize:
-      TakeSize(c);
-      return;
     case Part::kExtension:
-      if (c == '\n') part_ = left_ > 0 ? Part::kData : Part::kTrailer;
+      if (++line_length_ > kMaxSizeLine) {
+        part_ = Part::kBroken;
+      } else {
+        TakeSizeLine(c);
+      }
       return;
     case Part::kDataEnd:
       if (c == '\n') {
         part_ = Part::kSize;
         has_size_ = false;
+        line_length_ = 0;
       } else if (c != '\r') {
         part_ = Part::kBroken;
       }
       return;
     case Part::kTrailer:
-      if (c == '\n' && is_line_empty_) part_ = Part::kEnd;
-      is_line_empty_ = c == '\n' || (is_line_empty_ && c == '\r');
+      TakeTrailer(c);
       return;
     case Part::kData:
     case Part::kEnd:
@@ -62,16 +67,39 @@ void ChunkDecoder::Take(char c) {
   }
 }
 
-void ChunkDecoder::TakeSize(char c) {
-  const int digit = HexValue(c);
-  if (digit < 0) {
-    part_ = has_size_ ? Part::kExtension : Part::kBroken;
-    if (has_size_) Take(c);
-  } else if (left_ > kLargest / 16) {
-    part_ = Part::kBroken;
-  } else {
+void ChunkDecoder::TakeSizeLine(char c) {
+  const int digit = part_ == Part::kSize ? HexValue(c) : -1;
+  if (digit >= 0 && left_ <= kLargest / 16) {
     left_ = left_ * 16 + static_cast<std::size_t>(digit);
     has_size_ = true;
+  } else if (part_ == Part::kSize && (!has_size_ || !EndsSize(c))) {
+    part_ = Part::kBroken;
+  } else if (c == '\n') {
+    part_ = left_ > 0 ? Part::kData : Part::kTrailer;
+    line_length_ = 0;
+  } else {
+    part_ = Part::kExtension;
+  }
+}
+
+// The section ends with an empty line. Each other line has a name and a colon, or continues the
+// line before.
+void ChunkDecoder::TakeTrailer(char c) {
+  ++trailer_bytes_;
+  if (c == '\r') return;
+  if (c != '\n') {
+    if (line_length_ == 0) is_folded_ = trailer_lines_ > 0 && (c == ' ' || c == '\t');
+    has_colon_ = has_colon_ || (c == ':' && line_length_ > 0);
+    ++line_length_;
+    if (c == '\0') part_ = Part::kBroken;
+  } else if (line_length_ == 0) {
+    part_ = Part::kEnd;
+  } else if (!has_colon_ && !is_folded_) {
+    part_ = Part::kBroken;
+  } else {
+    ++trailer_lines_;
+    line_length_ = 0;
+    has_colon_ = false;
   }
 }
 

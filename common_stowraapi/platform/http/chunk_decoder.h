@@ -8,28 +8,44 @@
 
 namespace ovrant::internet {
 
-// Decodes one chunked body and finds its end. During an upload libcurl does not tell the end of the
-// body from the end of the connection, so the transport decodes such bodies itself. For one thread
-// at a time.
+// Decodes one chunked body and finds its end. For one thread at a time.
+//
+// libcurl could do that, but not for an upload: while it still sends, it does not report the end of
+// a chunked reply. It also takes a size line such as "0x5" for the end of the body.
 class ChunkDecoder {
  public:
+  // The longest line with a chunk's size and extensions.
+  static constexpr std::size_t kMaxSizeLine = std::size_t{8} << 10;
+
   // Returns the next piece of the body and removes it from `encoded`. When `encoded` holds no more
   // of the body, the piece and `encoded` are empty.
   std::string_view Next(std::string_view& encoded);
 
-  // True after the last chunk and its trailer section. Never true when the coding is broken.
+  // True after the last chunk and its trailing section. Never true when the coding is broken.
   bool AtEnd() const { return part_ == Part::kEnd; }
+
+  // True when the bytes so far do not follow the coding. It stays so.
+  bool IsBroken() const { return part_ == Part::kBroken; }
+
+  // Complete lines of the trailing section, and all its bytes.
+  std::size_t trailer_lines() const { return trailer_lines_; }
+  std::size_t trailer_bytes() const { return trailer_bytes_; }
 
  private:
   enum class Part { kSize, kExtension, kData, kDataEnd, kTrailer, kEnd, kBroken };
 
   void Take(char c);
-  void TakeSize(char c);
+  void TakeSizeLine(char c);
+  void TakeTrailer(char c);
 
   Part part_ = Part::kSize;
   bool has_size_ = false;
-  std::size_t left_ = 0;       // of the chunk
-  bool is_line_empty_ = true;  // of the trailer
+  std::size_t left_ = 0;         // of the chunk
+  std::size_t line_length_ = 0;  // of the size line, or of the trailer line without its end
+  bool has_colon_ = false;       // in the trailer line
+  bool is_folded_ = false;       // the trailer line begins with a blank
+  std::size_t trailer_lines_ = 0;
+  std::size_t trailer_bytes_ = 0;
 };
 
 }  // namespace ovrant::internet

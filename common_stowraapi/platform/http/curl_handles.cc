@@ -32,14 +32,6 @@ void EnsureCurl() {
   }();
 }
 
-EasyReuse HowToReuseEasyHandles() {
-  constexpr unsigned int kFirstSafeVersion = 0x080101;
-  constexpr unsigned int kKnownVersion = 0x075801;
-  static const unsigned int version = curl_version_info(CURLVERSION_NOW)->version_num;
-  if (version >= kFirstSafeVersion) return EasyReuse::kFree;
-  return version == kKnownVersion ? EasyReuse::kGuarded : EasyReuse::kNever;
-}
-
 bool ShowsTlsMessages() {
   static const bool shows = [] {
     const char* const name = curl_version_info(CURLVERSION_NOW)->ssl_version;

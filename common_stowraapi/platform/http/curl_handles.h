@@ -25,21 +25,6 @@ using HeaderList = std::unique_ptr<void, HeaderListDeleter>;  // curl_slist
 // on failure.
 void EnsureCurl();
 
-// Whether an easy handle may make another transfer.
-//
-// Before 8.1.1 libcurl keeps a pointer to the last header of a transfer and frees that header. If
-// the first header line of the next transfer begins with a blank, libcurl takes it for a
-// continuation. It then follows the pointer.
-//
-//   kFree:    the version has no such fault.
-//   kGuarded: the version shows each line before it takes it (CURLOPT_DEBUGFUNCTION). It takes
-//             nothing of a transfer that is paused by then.
-//   kNever:   all other versions.
-enum class EasyReuse { kFree, kGuarded, kNever };
-
-// The answer for the libcurl in use.
-EasyReuse HowToReuseEasyHandles();
-
 // Whether CURLOPT_DEBUGFUNCTION gets the messages of TLS. It does when libcurl uses OpenSSL.
 bool ShowsTlsMessages();
 

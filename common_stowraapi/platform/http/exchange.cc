@@ -1,356 +1,186 @@
 #include "common_stowraapi/platform/http/exchange.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
-#include <cstdio>
+#include <atomic>
 #include <new>
-#include <utility>
 
-#include "common_stowraapi/platform/http/header_text.h"
+#include "common_stowraapi/platform/http/redirect.h"
+#include "common_stowraapi/platform/http/request_headers.h"
 
 namespace ovrant::internet {
 
+using ovrant::utils::StringMap;
+
 namespace {
 
-// The most memory that is reserved for an announced length.
-constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
-
-constexpr char kNoMemory[] = "out of memory";
-constexpr char kHeadersBreakOff[] = "the connection closed inside the response's headers";
-constexpr char kTooLarge[] = "the response's body is too large";
-
-constexpr char kHttps[] = "https:";
-
-constexpr int kFirstRedirect = 300;
-constexpr int kLastRedirect = 399;
-
-// libcurl's callbacks. The first or the last argument is the exchange.
-
-HttpExchange& ExchangeAt(void* exchange) { return *static_cast<HttpExchange*>(exchange); }
-
-std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* exchange) {
-  const std::size_t length = size * count;
-  return ExchangeAt(exchange).OnHeaderLine(std::string_view(data, length)) ? length : 0;
+unsigned long NextNumber() {
+  static std::atomic<unsigned long> last{0};
+  return ++last;
 }
 
-int OnDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t length, void* exchange) {
-  if (kind == CURLINFO_HEADER_IN) {
-    ExchangeAt(exchange).OnHeaderLineAhead(std::string_view(data, length));
-  } else if (kind == CURLINFO_SSL_DATA_IN) {
-    ExchangeAt(exchange).OnTlsMessage(std::string_view(data, length));
-  }
-  return 0;
+double Seconds(HttpExchange::Clock::duration time) {
+  return std::chrono::duration<double>(time).count();
 }
 
-std::size_t OnBodyBytes(char* data, std::size_t size, std::size_t count, void* exchange) {
-  const std::size_t length = size * count;
-  if (length == 0) return 0;
-  return ExchangeAt(exchange).OnBody(data, length) ? length : 0;
-}
-
-int OnRequest(void* exchange, char* /*remote_ip*/, char* /*local_ip*/, int /*remote_port*/,
-              int /*local_port*/) {
-  return ExchangeAt(exchange).OnConnected() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
-}
-
-int OnTransferInfo(void* exchange, curl_off_t /*to_receive*/, curl_off_t received,
-                   curl_off_t /*to_send*/, curl_off_t sent) {
-  ExchangeAt(exchange).OnSent(static_cast<std::size_t>(sent));
-  return ExchangeAt(exchange).OnReceived(static_cast<std::size_t>(received)) ? 0 : 1;
+// "no data for 0.5 seconds", in every locale.
+std::string SilenceText(std::chrono::milliseconds limit) {
+  constexpr long kSecond = 1000;
+  std::string fraction = std::to_string(kSecond + limit.count() % kSecond).replace(0, 1, ".");
+  fraction.erase(fraction.find_last_not_of("0.") + 1);
+  return "no data for " + std::to_string(limit.count() / kSecond) + fraction + " seconds";
 }
 
 }  // namespace
 
 HttpExchange::HttpExchange(HttpRequest&& request, std::shared_ptr<TransferListener> listener)
-    : request_(std::move(request)), listener_(std::move(listener)) {}
+    : request_(std::move(request)),
+      listener_(std::move(listener)),
+      number_(NextNumber()),
+      silence_text_(SilenceText(request_.inactivity_timeout)) {}
 
-bool HttpExchange::Begin(void* easy) noexcept {
-  easy_ = easy;
-  last_progress_ = Clock::now();
+void HttpExchange::Begin() noexcept {
+  times_.queued = Seconds(Clock::now() - created_);
   began_ = true;
   Tell(TransferEvent::Kind::kStarted);
+}
+
+bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
+  Failure failure;
   try {
-    refused_ = SetExchangeOptions(request_, error_buffer_, easy, header_list_);
-    SetCallbacks();
-    if (refused_ == nullptr) WatchTls(StartsWithIgnoringCase(request_.url.utf8(), kHttps));
+    if (!next_) next_ = FirstHop();
+    hop_.emplace(request_, std::move(*next_), sockets,
+                 [this] { Tell(TransferEvent::Kind::kProgress); });
+    failure = hop_->Prepare(this);
   } catch (const std::bad_alloc&) {
-    refused_ = kNoMemory;
+    failure = kOutOfMemory;
   }
-  return refused_ == nullptr;
+  if (!failure) return true;
+  Conclude(failure);
+  return false;
 }
 
-// These options need no memory, so they cannot fail.
-void HttpExchange::SetCallbacks() {
-  curl_easy_setopt(easy_, CURLOPT_HEADERFUNCTION, OnHeader);
-  curl_easy_setopt(easy_, CURLOPT_HEADERDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_DEBUGFUNCTION, OnDebug);
-  curl_easy_setopt(easy_, CURLOPT_DEBUGDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_WRITEFUNCTION, OnBodyBytes);
-  curl_easy_setopt(easy_, CURLOPT_WRITEDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_PREREQFUNCTION, OnRequest);
-  curl_easy_setopt(easy_, CURLOPT_PREREQDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_XFERINFOFUNCTION, OnTransferInfo);
-  curl_easy_setopt(easy_, CURLOPT_XFERINFODATA, this);
-  if (listener_ != nullptr && request_.is_upload) WatchProgress();
-}
-
-// From now on libcurl calls OnReceived and OnSent.
-void HttpExchange::WatchProgress() { curl_easy_setopt(easy_, CURLOPT_NOPROGRESS, 0L); }
-
-// libcurl repeats a request when a kept connection closes, and gives up after a few times. A handle
-// keeps that count until it is reset.
-bool HttpExchange::Release() noexcept {
-  LookAhead(false);
-  WatchTls(false);
-  const bool is_released = ReleaseFromExchange(request_, std::exchange(easy_, nullptr));
-  return is_released && reply_.received && requests_ == 1;
-}
-
-void HttpExchange::End(int curl_code) noexcept {
-  if (ended_) return;
-  const bool received =
-      refused_ == nullptr && IsReplyWhole() && (curl_code == CURLE_OK || IsAnsweredEarly(false));
-  Conclude(received, received ? "" : WhyNotReceived(curl_code));
-}
-
-void HttpExchange::EndDropped() noexcept { EndFailed("dropped by the host"); }
-
-void HttpExchange::EndFailed(const char* why) noexcept {
-  if (!ended_) Conclude(false, why);
-}
-
-void HttpExchange::EndTimedOut() noexcept {
-  if (ended_) return;
-  const std::chrono::duration<double> seconds = request_.inactivity_timeout;
-  std::snprintf(error_buffer_.data(), error_buffer_.size(), "no data for %.3g seconds",
-                seconds.count());
-  Conclude(false, error_buffer_.data());
-}
-
-void HttpExchange::NoteUnsent(std::size_t bytes) {
-  if (bytes < unsent_bytes_) NoteProgress();
-  unsent_bytes_ = bytes;
-}
-
-bool HttpExchange::IsAnsweredEarly(bool receiving_is_done) const {
-  if (!is_upload() || !IsReplyWhole() || WillFollowRedirect()) return false;
-  curl_off_t sent = 0;
-  curl_easy_getinfo(easy_, CURLINFO_SIZE_UPLOAD_T, &sent);
-  if (static_cast<std::size_t>(sent) >= request_.body->size()) return false;
-  return receiving_is_done || head_.HasNoBody() || chunks_ ||
-         (head_.content_length() && encoded_bytes_ == *head_.content_length());
-}
-
-bool HttpExchange::OnHeaderLine(std::string_view line) noexcept {
+bool HttpExchange::EndHop(int curl_code) noexcept {
+  hop_->AddTimes(times_);
+  Failure failure = kNoFailure;
   try {
-    TakeHeaderLine(line);
-  } catch (const std::bad_alloc&) {
-    Refuse(kNoMemory);
-  }
-  return refused_ == nullptr;
-}
-
-// Headers that begin with a continuation are dangerous (EasyReuse). libcurl does not take the line
-// once the transfer is paused.
-void HttpExchange::OnHeaderLineAhead(std::string_view line) noexcept {
-  if (!looks_ahead_ || !BeginsWithBlank(line)) return;
-  Refuse("the response's headers begin with a continuation line");
-  curl_easy_pause(easy_, CURLPAUSE_RECV);
-}
-
-void HttpExchange::OnTlsMessage(std::string_view message) noexcept {
-  // An alert (RFC 8446, 6) has two bytes. No other message is as short.
-  constexpr char kCloseNotify = 0;
-  tls_ended_ = tls_ended_ || (message.size() == 2 && message[1] == kCloseNotify);
-}
-
-bool HttpExchange::OnBody(const void* data, std::size_t length) noexcept {
-  try {
-    TakeBody(data, length);
-  } catch (const std::bad_alloc&) {
-    Refuse(kNoMemory);
-  }
-  return refused_ == nullptr;
-}
-
-bool HttpExchange::OnConnected() noexcept {
-  NoteProgress();
-  ++requests_;
-  // libcurl follows a redirect even if its headers break off.
-  if (head_.status() != 0 && !head_.complete()) Refuse(kHeadersBreakOff);
-  awaits_response_ = true;
-  const char* url = nullptr;
-  curl_easy_getinfo(easy_, CURLINFO_EFFECTIVE_URL, &url);
-  const bool is_https = url != nullptr && StartsWithIgnoringCase(url, kHttps);
-  if (was_https_ && !is_https) Refuse("a redirect leads from https to http");
-  was_https_ = is_https;
-  return refused_ == nullptr;
-}
-
-void HttpExchange::OnSent(std::size_t bytes_in_all) noexcept {
-  if (bytes_in_all == sent_bytes_) return;
-  sent_bytes_ = bytes_in_all;
-  Tell(TransferEvent::Kind::kProgress);
-}
-
-bool HttpExchange::OnReceived(std::size_t bytes) noexcept {
-  if (WillFollowRedirect() && bytes > request_.body_cap) Refuse(kTooLarge);
-  return refused_ == nullptr;
-}
-
-void HttpExchange::TakeHeaderLine(std::string_view line) {
-  NoteProgress();
-  const bool is_trailer = head_.complete() && !awaits_response_;
-  if (const char* why = is_trailer ? head_.AddTrailer(line) : head_.AddLine(line)) Refuse(why);
-  if (head_.at_beginning()) {
-    awaits_response_ = false;
-    if (WillFollowRedirect()) {
-      WatchProgress();  // libcurl discards its body without OnBody
-      WatchTls(true);   // it may lead to https
+    if (hop_->found_unfit_connection()) {
+      next_ = hop_->request();
+      next_->needs_fresh_connection = true;
+      hop_.reset();
+      return true;
     }
-    tls_ended_ = false;
-    reply_.body.Clear();
-    chunks_.reset();
-    gzip_.reset();
-    encoded_bytes_ = 0;
-  }
-  if (head_.complete() && !chunks_ && LeavesChunksHere(request_) && head_.is_chunked() &&
-      !head_.HasNoBody()) {
-    chunks_.emplace();
-  }
-  has_field_ = has_field_ || (has_line_ && !head_.fields().empty());
-  has_line_ = true;
-  LookAhead(!has_field_);
-}
-
-// Needed between the first status line and the first header field of a transfer.
-void HttpExchange::LookAhead(bool wanted) {
-  if (wanted == looks_ahead_ || HowToReuseEasyHandles() != EasyReuse::kGuarded) return;
-  looks_ahead_ = wanted;
-  AskToBeShown();
-}
-
-// Needed from before a TLS connection is made, for all its transfers.
-void HttpExchange::WatchTls(bool wanted) {
-  if (wanted == watches_tls_ || !ShowsTlsMessages()) return;
-  watches_tls_ = wanted;
-  AskToBeShown();
-}
-
-void HttpExchange::AskToBeShown() {
-  const bool wanted = looks_ahead_ || watches_tls_;
-  if (wanted == is_shown_) return;
-  is_shown_ = wanted;
-  curl_easy_setopt(easy_, CURLOPT_VERBOSE, wanted ? 1L : 0L);
-}
-
-void HttpExchange::TakeBody(const void* data, std::size_t length) {
-  NoteProgress();
-  if (encoded_bytes_ == 0 && head_.content_length() && !head_.is_gzip()) {
-    reply_.body.Reserve(std::min({*head_.content_length(), request_.body_cap, kMaxReserve}));
-  }
-  encoded_bytes_ += length;
-  if (chunks_) {
-    TakeEncoded(std::string_view(static_cast<const char*>(data), length));
-  } else {
-    Decode(data, length);
-  }
-  Tell(TransferEvent::Kind::kProgress);
-}
-
-void HttpExchange::TakeEncoded(std::string_view encoded) {
-  while (!encoded.empty() && refused_ == nullptr) {
-    const std::string_view piece = chunks_->Next(encoded);
-    if (!piece.empty()) Decode(piece.data(), piece.size());
-  }
-}
-
-void HttpExchange::Decode(const void* data, std::size_t length) {
-  if (!head_.is_gzip()) {
-    if (length > request_.body_cap - reply_.body.size()) {
-      Refuse(kTooLarge);
-    } else {
-      reply_.body.Append(data, length);
+    failure = hop_->WhyFailed(curl_code);
+    if (!failure && hop_->decoder().IsFollowed()) {
+      failure = FollowRedirect();
+      if (!failure) return true;
     }
-    return;
+  } catch (const std::bad_alloc&) {
+    failure = kOutOfMemory;
   }
-  if (!gzip_) gzip_.emplace();
-  switch (gzip_->Decode(data, length, request_.body_cap, reply_.body)) {
-    case GzipDecoder::Result::kOk:
-      break;
-    case GzipDecoder::Result::kCorrupt:
-      Refuse("the response's gzip stream is corrupt");
-      break;
-    case GzipDecoder::Result::kTooLarge:
-      Refuse(kTooLarge);
-      break;
-  }
+  Conclude(failure);
+  return false;
 }
 
-void HttpExchange::Refuse(const char* why) {
-  if (refused_ == nullptr) refused_ = why;
+void HttpExchange::EndSilent() noexcept {
+  Conclude({TransferError::kSilent, silence_text_.c_str()});
 }
 
-void HttpExchange::Conclude(bool received, const char* error) noexcept {
+void HttpExchange::BeforePerform() {
+  hop_->BeforePerform(std::max(std::chrono::ceil<std::chrono::milliseconds>(silence_left()),
+                               std::chrono::milliseconds(1)));
+}
+
+void HttpExchange::AfterPerform(bool sample) {
+  if (sample && is_upload()) hop_->SampleUpload();
+  if (hop_->TakeProgress()) silence_ = Clock::duration::zero();
+}
+
+HopRequest HttpExchange::FirstHop() const {
+  HopRequest hop;
+  hop.url = request_.url.utf8();
+  hop.is_post = request_.is_upload;
+  hop.body = request_.body;
+  hop.headers = HeadersFor(hop.url, true);
+  return hop;
+}
+
+// The headers that the host keeps for one origin go there and nowhere else. Of all others, few
+// leave the origin of the first URL.
+StringMap HttpExchange::HeadersFor(const std::string& url, bool is_first_origin) const {
+  StringMap headers;
+  AddHeaders(request_.common_headers, is_first_origin, headers);
+  for (const auto& [place, its_headers] : request_.origin_headers) {
+    const std::string origin = OriginOf(place.utf8());
+    if (!origin.empty() && origin == OriginOf(url)) AddHeaders(its_headers, true, headers);
+  }
+  AddHeaders(request_.headers, is_first_origin, headers);
+  return headers;
+}
+
+// Makes the next hop, or says why there is none.
+Failure HttpExchange::FollowRedirect() {
+  if (++redirects_ > request_.redirect_limit) {
+    return {TransferError::kTooManyRedirects, "too many redirects"};
+  }
+  const ResponseHead& head = hop_->decoder().head();
+  HopRequest next;
+  if (const Failure failure = ResolveRedirect(hop_->request().url, head.location(), next.url)) {
+    return failure;
+  }
+  const bool is_first_origin = OriginOf(next.url) == OriginOf(request_.url.utf8());
+  next.is_post = hop_->request().is_post && !BecomesGet(head.status());
+  if (next.is_post && is_first_origin) next.body = request_.body;
+  next.headers = HeadersFor(next.url, is_first_origin);
+  status_ = head.status();
+  next_ = std::move(next);
+  hop_.reset();
+  return kNoFailure;
+}
+
+void HttpExchange::Conclude(const Failure& failure) noexcept {
+  if (ended_) return;
   ended_ = true;
-  reply_.received = received;
-  reply_.status = head_.status();
-  if (received) {
-    reply_.headers = std::move(head_.fields());
-  } else {
-    reply_.body.Clear();
+  if (hop_ && hop_->decoder().head().status() != 0) status_ = hop_->decoder().head().status();
+  times_.total = Seconds(Clock::now() - created_);
+  reply_.received = !failure;
+  reply_.error = failure.error;
+  reply_.status = status_;
+  if (began_) Tell(TransferEvent::Kind::kEnded, failure);
+  if (reply_.received) {
+    reply_.headers = std::move(hop_->decoder().head().fields());
+    reply_.body = std::move(hop_->decoder().body());
   }
-  if (began_) Tell(TransferEvent::Kind::kEnded, error);
-  header_list_.reset();
+  hop_.reset();
 }
 
-bool HttpExchange::IsReplyWhole() const {
-  return head_.complete() && (!chunks_ || chunks_->AtEnd()) && (!gzip_ || gzip_->AtEnd()) &&
-         !IsCutOff();
-}
-
-// A body that ends with its connection is whole only if TLS has said so (RFC 9112, 9.8). Anyone on
-// the path can close the connection below TLS. libcurl does not check that with every OpenSSL.
-bool HttpExchange::IsCutOff() const {
-  if (!watches_tls_ || !was_https_ || tls_ended_) return false;
-  if (head_.HasNoBody() || head_.is_chunked() || head_.content_length()) return false;
-  long version = 0;
-  curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
-  return version < CURL_HTTP_VERSION_2_0;
-}
-
-bool HttpExchange::WillFollowRedirect() const {
-  return request_.redirect_limit > 0 && head_.status() >= kFirstRedirect &&
-         head_.status() <= kLastRedirect;
-}
-
-const char* HttpExchange::WhyNotReceived(int curl_code) const {
-  if (refused_ != nullptr) return refused_;
-  if (curl_code == CURLE_OUT_OF_MEMORY) return kNoMemory;
-  if (curl_code != CURLE_OK) {
-    return error_buffer_[0] != '\0' ? error_buffer_.data()
-                                    : curl_easy_strerror(static_cast<CURLcode>(curl_code));
-  }
-  if (head_.complete() && IsCutOff()) return "the connection closed inside the response's body";
-  return head_.complete() ? "the response's body is truncated" : kHeadersBreakOff;
-}
-
-void HttpExchange::Tell(TransferEvent::Kind kind, const char* error) noexcept {
+void HttpExchange::Tell(TransferEvent::Kind kind, const Failure& failure) noexcept {
   if (!listener_) return;
   try {
     TransferEvent event;
     event.kind = kind;
+    event.number = number_;
+    event.method = request_.is_upload ? "POST" : "GET";
+    event.context = request_.context;
     event.url = request_.url;
-    event.status = head_.status();
-    event.bytes_received = reply_.body.size();
-    if (!head_.is_gzip()) event.bytes_expected = head_.content_length().value_or(0);
-    event.bytes_sent = sent_bytes_;
+    event.status = status_;
     event.bytes_to_send = request_.body ? request_.body->size() : 0;
-    event.error = error;
+    if (hop_) FillCounts(event);
+    event.reason = failure.error;
+    event.error = failure.text;
+    event.times = times_;
     listener_->Call(event);
   } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): this event is lost
   }
+}
+
+void HttpExchange::FillCounts(TransferEvent& event) const {
+  const ReplyDecoder& decoder = hop_->decoder();
+  if (decoder.head().status() != 0) event.status = decoder.head().status();
+  event.bytes_received = decoder.body_bytes();
+  event.wire_bytes_received = decoder.wire_bytes();
+  event.bytes_expected = decoder.head().content_length().value_or(0);
+  event.bytes_sent = hop_->sent_bytes();
+  event.bytes_to_send = hop_->request().body ? hop_->request().body->size() : 0;
 }
 
 }  // namespace ovrant::internet

@@ -1,38 +1,24 @@
-// One HTTP request on the way to its reply.
+// One HTTP request on the way to its reply, through all redirects.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_
 
-#include <array>
 #include <chrono>
-#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 
-#include "common_stowraapi/platform/http/chunk_decoder.h"
-#include "common_stowraapi/platform/http/curl_handles.h"
-#include "common_stowraapi/platform/http/exchange_options.h"
-#include "common_stowraapi/platform/http/gzip_decoder.h"
+#include "common_stowraapi/platform/http/connection_sockets.h"
+#include "common_stowraapi/platform/http/failure.h"
+#include "common_stowraapi/platform/http/hop.h"
 #include "common_stowraapi/platform/http/message.h"
-#include "common_stowraapi/platform/http/response_head.h"
 #include "common_stowraapi/platform/http/transfer_settings.h"
 
 namespace ovrant::internet {
 
-// Runs one request on an easy handle and decides its outcome. TransferLoop drives the handle. The
-// exchange sets the options, takes what arrives and makes the reply.
-//
-// libcurl accepts some replies that the exchange refuses:
-//   - The connection closes inside the headers.
-//   - A gzip stream is truncated.
-//   - The body exceeds the cap.
-//   - The encoding was not offered.
-//   - A redirect leads from https to http.
-//
-// For one thread at a time. No exception reaches libcurl.
+// Makes the hops of one transfer one after another and decides its outcome. TransferLoop runs them.
+// For one thread at a time.
 class HttpExchange {
  public:
   using Clock = std::chrono::steady_clock;
@@ -43,102 +29,65 @@ class HttpExchange {
   HttpExchange(const HttpExchange&) = delete;
   HttpExchange& operator=(const HttpExchange&) = delete;
 
-  // Sets the options of `easy` and starts the clock. The handle is fresh, reset or prepared, and
-  // stays the caller's. False when the request cannot be made. The caller then calls End.
-  bool Begin(void* easy) noexcept;
+  // Numbers the exchanges of the process from 1.
+  unsigned long number() const { return number_; }
 
-  // Lets go of the handle after its transfer. False when the handle must be reset before another
-  // exchange uses it. That is always so after a failure.
-  bool Release() noexcept;
+  // Tells the listener of the start. Call it once, before the first BeginHop.
+  void Begin() noexcept;
 
-  // End the exchange by libcurl's result, as dropped, as failed or as timed out. Only the first
-  // call counts.
-  void End(int curl_code) noexcept;
-  void EndDropped() noexcept;
-  void EndFailed(const char* why) noexcept;
-  void EndTimedOut() noexcept;
+  // Makes the next hop. False when it cannot be made: the exchange has ended then. The loop runs
+  // easy() until the hop ends. `sockets` must outlive the hop.
+  bool BeginHop(ConnectionSockets& sockets) noexcept;
+
+  // The easy handle of the hop. Its private pointer is this exchange.
+  void* easy() const { return hop_->easy(); }
+  bool is_connecting() const { return hop_->is_connecting(); }
+  bool is_upload() const { return hop_->is_upload(); }
+  bool IsAnsweredEarly() const { return hop_->IsAnsweredEarly(); }
+
+  // Ends the hop by libcurl's result. The loop has let go of easy(). True when another hop follows.
+  bool EndHop(int curl_code) noexcept;
+
+  // End the exchange. The loop has let go of easy(). Only the first end counts.
+  void EndDropped() noexcept { Conclude(kDropped); }
+  void EndFailed(const Failure& failure) noexcept { Conclude(failure); }
+  void EndSilent() noexcept;
 
   bool ended() const { return ended_; }
-
-  // True when a failure is certain, so waiting is useless.
-  bool is_refused() const { return refused_ != nullptr; }
 
   // Requires ended().
   HttpReply TakeReply() { return std::move(reply_); }
 
-  // Bytes have moved in either direction. The next Settle records the time.
-  void NoteProgress() { has_progressed_ = true; }
-  void Settle(Clock::time_point now) {
-    if (has_progressed_) last_progress_ = now;
-    has_progressed_ = false;
-  }
+  // Silence is time that the loop has waited since the last progress. The host's own code is not
+  // part of it.
+  void AddSilence(Clock::duration waited) { silence_ += waited; }
+  Clock::duration silence_left() const { return request_.inactivity_timeout - silence_; }
 
-  // Notes how many bytes of the upload the system still holds. A smaller number is progress.
-  void NoteUnsent(std::size_t bytes);
-
-  bool is_upload() const { return request_.is_upload && request_.body != nullptr; }
-
-  // The time at which the exchange times out, unless more progress is settled.
-  Clock::time_point deadline() const { return last_progress_ + request_.inactivity_timeout; }
-
-  // True when the whole reply has arrived before the end of the upload. `receiving_is_done` says
-  // that libcurl has read all that it will read.
-  bool IsAnsweredEarly(bool receiving_is_done) const;
-
-  // Events from libcurl. False refuses the transfer.
-  bool OnHeaderLine(std::string_view line) noexcept;
-  bool OnBody(const void* data, std::size_t length) noexcept;
-  bool OnConnected() noexcept;
-  void OnSent(std::size_t bytes_in_all) noexcept;
-  bool OnReceived(std::size_t bytes_of_body) noexcept;
-
-  // A header line before libcurl takes it, and a TLS message from the server. Called only while
-  // AskToBeShown has asked for them.
-  void OnHeaderLineAhead(std::string_view line) noexcept;
-  void OnTlsMessage(std::string_view message) noexcept;
+  // Before and after each perform of libcurl. With `sample` an upload's progress in the system
+  // counts too.
+  void BeforePerform();
+  void AfterPerform(bool sample);
 
  private:
-  void SetCallbacks();
-  void WatchProgress();
-  void TakeHeaderLine(std::string_view line);
-  void LookAhead(bool wanted);
-  void WatchTls(bool wanted);
-  void AskToBeShown();
-  void TakeBody(const void* data, std::size_t length);
-  void TakeEncoded(std::string_view encoded);
-  void Decode(const void* data, std::size_t length);
-  void Refuse(const char* why);
-  void Conclude(bool received, const char* error) noexcept;
-  bool IsReplyWhole() const;
-  bool IsCutOff() const;
-  bool WillFollowRedirect() const;
-  const char* WhyNotReceived(int curl_code) const;
-  void Tell(TransferEvent::Kind kind, const char* error = "") noexcept;
+  HopRequest FirstHop() const;
+  ovrant::utils::StringMap HeadersFor(const std::string& url, bool is_first_origin) const;
+  Failure FollowRedirect();
+  void Conclude(const Failure& failure) noexcept;
+  void Tell(TransferEvent::Kind kind, const Failure& failure = kNoFailure) noexcept;
+  void FillCounts(TransferEvent& event) const;
 
   const HttpRequest request_;
   const std::shared_ptr<TransferListener> listener_;
-  void* easy_ = nullptr;
-  HeaderList header_list_;
-  std::array<char, kErrorBufferSize> error_buffer_{};
-  Clock::time_point last_progress_;
-  bool has_progressed_ = false;
+  const unsigned long number_;
+  const std::string silence_text_;  // made early, so that the end needs no memory
+  const Clock::time_point created_ = Clock::now();
 
-  ResponseHead head_;
-  std::optional<ChunkDecoder> chunks_;  // set when libcurl leaves chunks undecoded
-  std::optional<GzipDecoder> gzip_;
-  bool looks_ahead_ = false;
-  bool watches_tls_ = false;
-  bool is_shown_ = false;   // libcurl calls CURLOPT_DEBUGFUNCTION
-  bool tls_ended_ = false;  // the server has sent close_notify
-  bool has_line_ = false;
-  bool has_field_ = false;
-  std::size_t encoded_bytes_ = 0;
-  std::size_t sent_bytes_ = 0;
-  std::size_t unsent_bytes_ = 0;
-  const char* refused_ = nullptr;
-  bool was_https_ = false;
-  bool awaits_response_ = false;  // a request has gone out since the last response began
-  int requests_ = 0;              // by libcurl, which follows redirects and repeats requests
+  std::optional<HopRequest> next_;  // the hop that BeginHop makes
+  std::optional<Hop> hop_;
+  int redirects_ = 0;
+  Clock::duration silence_{0};
+  int status_ = 0;  // of the last response that began
+  TransferTimes times_;
   bool began_ = false;
   bool ended_ = false;
   HttpReply reply_;

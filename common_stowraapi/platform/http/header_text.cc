@@ -27,6 +27,11 @@ bool StartsWithIgnoringCase(std::string_view text, std::string_view prefix) {
                     [](char a, char b) { return ToLower(a) == ToLower(b); });
 }
 
+std::string ToLowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), ToLower);
+  return text;
+}
+
 bool IsHeaderName(std::string_view name) {
   return !name.empty() && std::all_of(name.begin(), name.end(), IsTokenCharacter);
 }

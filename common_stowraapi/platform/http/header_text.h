@@ -3,6 +3,7 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_HEADER_TEXT_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_HEADER_TEXT_H_
 
+#include <string>
 #include <string_view>
 
 namespace ovrant::internet {
@@ -29,6 +30,9 @@ bool StartsWithIgnoringCase(std::string_view text, std::string_view prefix);
 inline bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() && StartsWithIgnoringCase(a, b);
 }
+
+// Changes ASCII letters only.
+std::string ToLowerCase(std::string text);
 
 // Whether the text is valid in a request header.
 bool IsHeaderName(std::string_view name);

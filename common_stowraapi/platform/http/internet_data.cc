@@ -2,14 +2,16 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "common_stowraapi/platform/http/background_transfer.h"
 #include "common_stowraapi/platform/http/background_worker.h"
-#include "common_stowraapi/platform/http/body_memory.h"
 #include "common_stowraapi/platform/http/message.h"
+#include "common_stowraapi/platform/http/request_headers.h"
 #include "common_stowraapi/platform/http/synchronous_transfers.h"
 #include "common_stowraapi/platform/http/transfer_record.h"
 #include "common_stowraapi/platform/http/transfer_settings.h"
@@ -26,16 +28,8 @@ namespace {
 // Longer than any transfer, and small enough to add to any clock time.
 constexpr float kLongestTimeout = 1e6F;
 
-// Sets a header and replaces that name in any letter case. A call that throws std::bad_alloc
-// changes nothing.
-void SetHeader(const ovrant_ustring& name, const ovrant_ustring& value, StringMap& headers) {
-  StringMap added;
-  added.emplace(name, value);
-  for (auto entry = headers.begin(); entry != headers.end();) {
-    entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
-  }
-  headers.merge(added);
-}
+// Of the last blocking call on this thread.
+thread_local TransferError last_error = TransferError::kNone;
 
 // Exceptions from observers are swallowed, as on the transport's thread.
 void PostFailure(const InternetDataDelegate& delegate) {
@@ -46,9 +40,8 @@ void PostFailure(const InternetDataDelegate& delegate) {
   }
 }
 
-void SetHeaders(const StringMap& added, StringMap& headers) {
-  for (const auto& [name, value] : added) SetHeader(name, value, headers);
-}
+// A null name is nobody's.
+std::string NameOf(const char* notification) { return notification != nullptr ? notification : ""; }
 
 std::chrono::milliseconds ToTimeout(float wanted, float otherwise) {
   const float seconds = wanted > 0 && std::isfinite(wanted) ? wanted : otherwise;
@@ -60,7 +53,7 @@ std::chrono::milliseconds ToTimeout(float wanted, float otherwise) {
 
 InternetData::~InternetData() {
   if (transfer_) DropTransfer();
-  BodyMemory::Free(received_data_);
+  std::free(received_data_);
 }
 
 bool InternetData::Download() { return Perform(url_, false, nullptr); }
@@ -74,7 +67,12 @@ bool InternetData::UploadWithDelegate(InternetDataDelegate* delegate, void* /*us
 }
 
 void InternetData::set_send_data(const unsigned char* data, unsigned long length) {
-  send_data_ = length > 0 ? std::make_shared<RequestBody>(data, length) : nullptr;
+  const bool has_data = data != nullptr && length > 0;
+  try {
+    send_data_ = has_data ? std::make_shared<RequestBody>(data, length) : nullptr;
+  } catch (const std::length_error&) {
+    throw std::bad_alloc();
+  }
 }
 
 void InternetData::SetValueForHTTPSendHeaders(ovrant_ustring name, ovrant_ustring value) {
@@ -109,6 +107,8 @@ void InternetData::SetTransferListener(std::function<void(const TransferEvent&)>
   TransferSettings::Instance().listener().Replace(std::move(listener));
 }
 
+TransferError InternetData::LastError() { return last_error; }
+
 void InternetData::SetCompletionExecutor(
     std::function<void(std::function<void()> completion)> executor) {
   TransferSettings::Instance().executor().Replace(std::move(executor));
@@ -119,9 +119,10 @@ HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
   const auto defaults = TransferSettings::Instance().defaults();
   HttpRequest request;
   request.url = url;
-  SetHeaders(defaults->extra_request_headers, request.headers);
-  SetHeaders(send_headers_, request.headers);
-  if (send_headers != nullptr) SetHeaders(*send_headers, request.headers);
+  request.common_headers = defaults->extra_request_headers;
+  request.origin_headers = defaults->origin_request_headers;
+  request.headers = send_headers_;
+  if (send_headers != nullptr) AddHeaders(*send_headers, true, request.headers);
   request.is_upload = is_upload;
   if (is_upload) request.body = send_data_;
   request.inactivity_timeout = ToTimeout(defaults->inactivity_timeout, inactivity_timeout_);
@@ -139,8 +140,11 @@ bool InternetData::Perform(const ovrant_ustring& url, bool is_upload,
     HttpRequest request = MakeRequest(url, is_upload, send_headers);
     Reset();
     transfer_ = std::make_shared<TransferRecord>();
-    Publish(PerformSynchronously(std::move(request)));
+    HttpReply reply = PerformSynchronously(std::move(request));
+    last_error = reply.error;
+    Publish(std::move(reply));
   } catch (const std::bad_alloc&) {
+    last_error = TransferError::kOutOfMemory;
     Reset();
   }
   return responded_;
@@ -150,10 +154,11 @@ bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upl
   if (delegate == nullptr) return false;
   try {
     HttpRequest request = MakeRequest(url_, is_upload, nullptr);
+    request.context = delegate->context();
     auto transfer = std::make_shared<BackgroundTransfer>(
         std::move(request), TransferSettings::Instance().listener().Current(),
-        Announcement{delegate->context(), delegate->returned_notification(),
-                     delegate->failed_notification(), delegate->gate_},
+        Announcement{delegate->context(), NameOf(delegate->returned_notification()),
+                     NameOf(delegate->failed_notification()), delegate->gate_},
         [this](HttpReply reply) { Publish(std::move(reply)); });
     Reset();
     transfer_ = transfer;
@@ -173,6 +178,7 @@ void InternetData::CopyReceivedHeaders(StringMap& copy) {
     copy.clear();
     HttpReply failure;
     failure.status = status_code_;
+    last_error = TransferError::kOutOfMemory;
     Reset();
     Publish(std::move(failure));
   }
@@ -185,12 +191,13 @@ void InternetData::Reset() {
 }
 
 void InternetData::DropTransfer() {
-  if (transfer_->Abandon()) BackgroundWorker::NoteAbandoned();
+  const unsigned long number = transfer_->Abandon();
+  if (number != 0) BackgroundWorker::Withdraw(number);
   transfer_.reset();
 }
 
 void InternetData::Publish(HttpReply reply) {
-  BodyMemory::Free(received_data_);
+  std::free(received_data_);
   received_data_length_ = reply.body.size();
   received_data_ = reply.body.Release();
   status_code_ = reply.status;

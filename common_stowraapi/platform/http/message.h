@@ -5,10 +5,12 @@
 
 #include <chrono>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 
 #include "common_stowraapi/platform/http/body_buffer.h"
+#include "common_stowraapi/platform/http/failure.h"
 #include "common_stowraapi/platform/http/header_fields.h"
 #include "common_stowraapi/platform/ustring.h"
 
@@ -32,9 +34,14 @@ struct HttpRequest {
   static constexpr std::size_t kDefaultBodyCap = std::size_t{256} << 20;
 
   ovrant::utils::ovrant_ustring url;
-  ovrant::utils::StringMap headers;
   bool is_upload = false;
   std::shared_ptr<const RequestBody> body;  // null when empty
+  void* context = nullptr;                  // of the delegate, for the listener
+
+  // Headers of the request itself win over those for its origin, and these over the common ones.
+  ovrant::utils::StringMap headers;
+  std::map<ovrant::utils::ovrant_ustring, ovrant::utils::StringMap> origin_headers;
+  ovrant::utils::StringMap common_headers;
 
   std::chrono::milliseconds inactivity_timeout{0};  // must be above 0
   std::size_t body_cap = kDefaultBodyCap;
@@ -45,8 +52,9 @@ struct HttpRequest {
 };
 
 struct HttpReply {
-  // True when a whole reply came. If not, only the status is meaningful.
+  // True when a whole reply came. If not, only status and error are meaningful.
   bool received = false;
+  TransferError error = TransferError::kNone;
   int status = 0;
   HeaderFields headers;
   BodyBuffer body;

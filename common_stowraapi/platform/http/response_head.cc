@@ -9,10 +9,12 @@ namespace ovrant::internet {
 
 namespace {
 
-constexpr char kTooLong[] = "the response's headers are too long";
+constexpr Failure Malformed(const char* text) { return {TransferError::kMalformed, text}; }
+constexpr Failure NotOffered(const char* text) { return {TransferError::kEncoding, text}; }
 
 constexpr std::string_view kStatusLineStart = "HTTP/";
 constexpr int kFirstFinalStatus = 200;
+constexpr int kSwitchingProtocols = 101;
 constexpr int kNoContent = 204;
 constexpr int kNotModified = 304;
 
@@ -41,92 +43,115 @@ int ReadStatus(std::string_view line) {
 }  // namespace
 
 bool ResponseHead::BeginsResponse(std::string_view line) const {
-  return (status_ == 0 || complete_ || status_ < kFirstFinalStatus) &&
-         StartsWithIgnoringCase(line, kStatusLineStart);
+  return status_ < kFirstFinalStatus && StartsWithIgnoringCase(line, kStatusLineStart);
 }
 
-const char* ResponseHead::AddLine(std::string_view line) {
-  const bool begins_response = BeginsResponse(line);
-  if (begins_response) {
-    *this = ResponseHead();
-    status_ = ReadStatus(line);
-  }
-  at_beginning_ = begins_response;
+Failure ResponseHead::AddLine(std::string_view line) {
   bytes_ += line.size();
-  if (bytes_ > kMaxBytes) return kTooLong;
-  if (begins_response && status_ == 0) return "the response's status line is malformed";
-  if (begins_response || complete_) return nullptr;
+  if (bytes_ > kMaxBytes) return kHeadersTooLong;
+  if (BeginsResponse(line)) return BeginResponse(line);
+  if (status_ == 0 || complete_) return Malformed("the response has a header out of place");
   if (std::all_of(line.begin(), line.end(), IsHeaderBlank)) {
     complete_ = status_ >= kFirstFinalStatus;
-    return nullptr;
+    return kNoFailure;
   }
-  fields_.AddLine(line);
   return TakeField(line);
 }
 
-const char* ResponseHead::AddTrailer(std::string_view line) {
-  at_beginning_ = false;
+Failure ResponseHead::AddTrailer(std::string_view line) {
   bytes_ += line.size();
-  return bytes_ > kMaxBytes ? kTooLong : nullptr;
+  return bytes_ > kMaxBytes ? kHeadersTooLong : kNoFailure;
+}
+
+Failure ResponseHead::BeginResponse(std::string_view line) {
+  const std::size_t bytes = bytes_;
+  *this = ResponseHead();
+  bytes_ = bytes;
+  status_ = ReadStatus(line);
+  if (status_ == 0) return Malformed("the response's status line is malformed");
+  if (status_ == kSwitchingProtocols) return Malformed("the response switches the protocol");
+  return kNoFailure;
 }
 
 // libcurl ignores framing fields with a blank before the colon, and their continuation lines. Other
 // software does not, so both are refused.
-const char* ResponseHead::TakeField(std::string_view line) {
-  if (BeginsWithBlank(line)) {
-    return in_framing_ ? "the response folds a header that frames its body" : nullptr;
+Failure ResponseHead::TakeField(std::string_view line) {
+  const bool is_folded = BeginsWithBlank(line);
+  const std::size_t colon = line.find(':');
+  const bool has_start = is_folded ? has_line_ : colon != std::string_view::npos && colon > 0;
+  if (!has_start || line.find('\0') != std::string_view::npos) {
+    return Malformed("the response has a malformed header line");
   }
-  const std::size_t colon = std::min(line.find(':'), line.size());
+  has_line_ = true;
+  fields_.AddLine(line);
+  if (is_folded) {
+    return in_framing_ ? Malformed("the response folds a header that frames its body") : kNoFailure;
+  }
   const std::string_view name = TrimHeaderText(line.substr(0, colon));
+  const std::string_view value = TrimHeaderText(line.substr(colon + 1));
+  if (location_.empty() && EqualsIgnoringCase(name, "Location")) location_ = value;
   in_framing_ = FramesBody(name);
-  if (!in_framing_ || colon == line.size()) return nullptr;
-  if (name.size() != colon) return "the response has a blank in a header name";
-  if (const char* why = TakeMeaning(name, line.substr(colon + 1))) return why;
+  if (!in_framing_) return kNoFailure;
+  if (name.size() != colon) return Malformed("the response has a blank in a header name");
+  if (const Failure failure = TakeMeaning(name, value)) return failure;
   return is_unframed_ && content_length_
-             ? "the response has both Content-Length and Transfer-Encoding: identity"
-             : nullptr;
+             ? Malformed("the response has both Content-Length and Transfer-Encoding: identity")
+             : kNoFailure;
+}
+
+bool ResponseHead::IsRedirect() const {
+  switch (status_) {
+    case 301:
+    case 302:
+    case 303:
+    case 307:
+    case 308:
+      return !location_.empty();
+    default:
+      return false;
+  }
 }
 
 bool ResponseHead::HasNoBody() const { return status_ == kNoContent || status_ == kNotModified; }
 
 // A list that repeats one number means that number (RFC 9110, 8.6).
-const char* ResponseHead::AddLengths(std::string_view list) {
+Failure ResponseHead::AddLengths(std::string_view list) {
   for (std::size_t start = 0; start <= list.size();) {
     const std::size_t comma = std::min(list.find(',', start), list.size());
     const std::string_view digits = TrimHeaderText(list.substr(start, comma - start));
     std::size_t length = 0;
     const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), length);
     if (end.ec != std::errc() || end.ptr != digits.data() + digits.size()) {
-      return "the response's Content-Length is not a number";
+      return Malformed("the response's Content-Length is not a number");
     }
     if (content_length_ && *content_length_ != length) {
-      return "the response has two different lengths";
+      return Malformed("the response has two different lengths");
     }
     content_length_ = length;
     start = comma + 1;
   }
-  return nullptr;
+  return kNoFailure;
 }
 
-const char* ResponseHead::TakeMeaning(std::string_view name, std::string_view untrimmed) {
+Failure ResponseHead::TakeMeaning(std::string_view name, std::string_view value) {
   if (EqualsIgnoringCase(name, "Content-Encoding")) {
-    const std::string_view value = TrimHeaderText(untrimmed);
-    if (value.empty() || EqualsIgnoringCase(value, "identity")) return nullptr;
+    if (value.empty() || EqualsIgnoringCase(value, "identity")) return kNoFailure;
     const bool known = EqualsIgnoringCase(value, "gzip") || EqualsIgnoringCase(value, "x-gzip");
-    if (!known || is_gzip_) return "the response has a content encoding that was not offered";
+    if (!known || is_gzip_) {
+      return NotOffered("the response has a content encoding that was not offered");
+    }
     is_gzip_ = true;
   } else if (EqualsIgnoringCase(name, "Transfer-Encoding")) {
-    const std::string_view value = TrimHeaderText(untrimmed);
     const bool is_chunked = EqualsIgnoringCase(value, "chunked");
     is_unframed_ = EqualsIgnoringCase(value, "identity");
     if (!is_chunked && !is_unframed_) {
-      return "the response has a transfer encoding that was not offered";
+      return NotOffered("the response has a transfer encoding that was not offered");
     }
     is_chunked_ = is_chunked_ || is_chunked;
   } else {
-    return AddLengths(untrimmed);
+    return AddLengths(value);
   }
-  return nullptr;
+  return kNoFailure;
 }
 
 }  // namespace ovrant::internet

@@ -5,29 +5,26 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
+#include "common_stowraapi/platform/http/failure.h"
 #include "common_stowraapi/platform/http/header_fields.h"
 
 namespace ovrant::internet {
 
-// Reads the header lines of one transfer in order, with those of interim responses and redirects.
-// The accessors describe the response whose status line came last. For one thread at a time.
+// Reads the header lines of one request's reply in order, with those of interim responses. The
+// accessors describe the response whose status line came last. For one thread at a time.
 class ResponseHead {
  public:
-  // A response with more bytes of header lines than this is refused.
+  // A reply with more bytes of header and trailer lines than this is refused.
   static constexpr std::size_t kMaxBytes = std::size_t{256} << 10;
 
-  // Adds the next line, with its line end. Returns null, or a static text that says why the
-  // response must be refused.
-  const char* AddLine(std::string_view line);
+  // Adds the next line, with its line end. A failure refuses the reply.
+  Failure AddLine(std::string_view line);
 
-  // Adds a line of the trailing section. It changes nothing but the count of bytes. Returns as
-  // AddLine does.
-  const char* AddTrailer(std::string_view line);
-
-  // Whether the last line was a status line.
-  bool at_beginning() const { return at_beginning_; }
+  // Adds a line of the trailing section, which changes nothing but the count of bytes.
+  Failure AddTrailer(std::string_view line);
 
   // Whether the empty line after the headers of a final response has come.
   bool complete() const { return complete_; }
@@ -47,23 +44,35 @@ class ResponseHead {
   // True when the status allows no body, whatever the headers say.
   bool HasNoBody() const;
 
+  // True for 301, 302, 303, 307 and 308 with a Location. Any other response is the reply itself,
+  // also 300 and 304.
+  bool IsRedirect() const;
+
+  // The first Location that is not empty, as it came.
+  const std::string& location() const { return location_; }
+
+  // Bytes of all lines so far.
+  std::size_t bytes() const { return bytes_; }
+
   HeaderFields& fields() { return fields_; }
 
  private:
   bool BeginsResponse(std::string_view line) const;
-  const char* TakeField(std::string_view line);
-  const char* TakeMeaning(std::string_view name, std::string_view untrimmed);
-  const char* AddLengths(std::string_view list);
+  Failure BeginResponse(std::string_view line);
+  Failure TakeField(std::string_view line);
+  Failure TakeMeaning(std::string_view name, std::string_view value);
+  Failure AddLengths(std::string_view list);
 
-  bool at_beginning_ = false;
   std::size_t bytes_ = 0;
   int status_ = 0;
   bool complete_ = false;
+  bool has_line_ = false;    // a header line since the status line
   bool in_framing_ = false;  // the last field frames or encodes the body
   bool is_gzip_ = false;
   bool is_chunked_ = false;
   bool is_unframed_ = false;  // Transfer-Encoding: identity
   std::optional<std::size_t> content_length_;
+  std::string location_;
   HeaderFields fields_;
 };
 

@@ -54,14 +54,17 @@ class LoopPool {
 
 HttpReply PerformSynchronously(HttpRequest&& request) {
   try {
-    std::unique_ptr<TransferLoop> loop = LoopPool::Instance().Take();
+    // The loop may use the exchange until it is destroyed.
     HttpExchange exchange(std::move(request), TransferSettings::Instance().listener().Current());
+    std::unique_ptr<TransferLoop> loop = LoopPool::Instance().Take();
     loop->Start(exchange);
     while (loop->NextEnded() == nullptr) loop->Turn();
     LoopPool::Instance().GiveBack(std::move(loop));
     return exchange.TakeReply();
   } catch (const std::bad_alloc&) {
-    return HttpReply();
+    HttpReply reply;
+    reply.error = TransferError::kOutOfMemory;
+    return reply;
   }
 }
 

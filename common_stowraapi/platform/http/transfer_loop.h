@@ -3,29 +3,25 @@
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_LOOP_H_
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_LOOP_H_
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <memory>
-#include <optional>
+#include <mutex>
 #include <vector>
 
+#include "common_stowraapi/platform/http/connection_sockets.h"
 #include "common_stowraapi/platform/http/curl_handles.h"
 #include "common_stowraapi/platform/http/exchange.h"
 
 namespace ovrant::internet {
 
-class SocketSet;
-class WakePipe;
-
-// Owns one libcurl multi handle with its connections, and waits for their sockets. It watches the
-// sockets itself. Only that tells progress from silence while one header line arrives byte by byte.
-// For one thread at a time.
+// Owns one libcurl multi handle with its connections. For one thread at a time, except Wake.
 class TransferLoop {
  public:
   using Clock = HttpExchange::Clock;
 
-  // `wake` may be null and must outlive the loop. Its Wake ends a Turn.
-  explicit TransferLoop(WakePipe* wake = nullptr);
+  // Throws std::bad_alloc when memory or descriptors run out.
+  TransferLoop();
   ~TransferLoop();
 
   TransferLoop(const TransferLoop&) = delete;
@@ -39,60 +35,45 @@ class TransferLoop {
   // Ends an exchange that NextEnded has not returned yet. Does not wait for the network.
   void Drop(HttpExchange& exchange);
 
-  // Waits for an event of an exchange and handles it. A Wake also ends the wait, as does `longest`.
-  // False when only the time has passed.
-  bool Turn(std::chrono::milliseconds longest = kForever);
+  // Waits for an event of an exchange, or for a Wake, and handles it.
+  void Turn();
 
-  static constexpr std::chrono::milliseconds kForever = std::chrono::milliseconds::max();
+  // Ends a Turn, now or the next one. What was written before is visible after it. Any thread.
+  void Wake();
 
   // Returns the next ended exchange, or null.
   HttpExchange* NextEnded();
 
   // Exchanges that NextEnded has not returned yet.
-  std::size_t size() const { return slots_.size() + ended_.size(); }
+  std::size_t size() const { return running_.size() + ended_.size(); }
 
  private:
-  // A running exchange and its easy handle.
-  struct Slot {
-    EasyHandle easy;
-    HttpExchange* exchange;
-  };
-
   void MakeMulti();
-  void MakeRoom();
-  EasyHandle TakeEasy();
-  void PrepareEasy() noexcept;
-  void KeepIfPrepared(EasyHandle easy) noexcept;
-  void Detach(std::size_t index);
-  void Finish(std::size_t index);
-  std::size_t IndexOf(const void* easy) const;
-  HttpExchange* ExchangeOf(const void* easy) const;
-  int MillisecondsToWait(Clock::time_point now, std::chrono::milliseconds longest) const;
-  bool HandleSockets(int milliseconds);
-  bool HandleTimer();
-  void Act(int socket, int events);
-  void Conclude(Clock::time_point now);
+  void AddHop(HttpExchange& exchange);
+  void Detach(HttpExchange& exchange);
+  void EndHop(HttpExchange& exchange, int curl_code);
+  void Finish(HttpExchange& exchange);
+  std::chrono::milliseconds LongestWait() const;
+  void Wait();
+  void Perform();
   void TakeResults();
+  void EndSilentAndAnswered();
   void EndAll();
-  void EndOverdue(Clock::time_point now);
-  bool IsAnsweredEarly(const Slot& slot) const;
-  void NoteWhatUploadsSent();
 
-  WakePipe* const wake_;
+  // libcurl's connections use it until the multi handle is destroyed.
+  ConnectionSockets sockets_;
 
-  // libcurl still writes to these two while its multi handle is destroyed.
-  std::unique_ptr<SocketSet> sockets_;
-  std::optional<Clock::time_point> timer_;
-
-  // Why libcurl has failed. The cause is mostly lack of memory. libcurl does not say which transfer
-  // failed, and may crash on it later. So all transfers end and the multi handle is destroyed. The
-  // next start makes another one.
-  const char* failure_ = nullptr;
-
-  std::vector<EasyHandle> ready_;  // for later exchanges
-  std::vector<EasyHandle> used_;   // must be reset first
+  std::mutex multi_mutex_;  // for Wake, while the handle is replaced
   MultiHandle multi_;
-  std::vector<Slot> slots_;
+  std::atomic<bool> is_woken_{false};
+
+  // libcurl has failed, mostly for lack of memory. It does not say which transfer failed, so all
+  // end. The next Start makes another multi handle.
+  bool has_failed_ = false;
+
+  bool has_new_hop_ = false;
+  Clock::time_point next_sample_;
+  std::vector<HttpExchange*> running_;
   std::vector<HttpExchange*> ended_;  // NextEnded takes the last
 };
 

@@ -16,9 +16,9 @@ class TransferRecord {
   TransferRecord& operator=(const TransferRecord&) = delete;
 
   // Detaches the transfer from its transport. On return nothing of this transfer is posted any
-  // more, and no post is under way. Inside a delivery it does not wait for a post under way.
-  // Returns whether the transfer was still undelivered. Any thread.
-  virtual bool Abandon() { return false; }
+  // more. Waits for a post under way as DeliveryGate::Close does. Returns the transfer's number, or
+  // 0 when nothing of it runs or waits. Any thread.
+  virtual unsigned long Abandon() { return 0; }
 
   // The response's headers until they are first read. Only the transport uses them.
   HeaderFields unread_headers;

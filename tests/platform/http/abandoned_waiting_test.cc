@@ -52,9 +52,8 @@ TEST_F(AbandonedWaitingTest, FreesTransfersThatNeverGetTheirTurn) {
   BackgroundTransfer& waiting = *transfer;
   ASSERT_TRUE(BackgroundWorker::Submit(std::move(transfer)));
   EXPECT_FALSE(freed.Wait(std::chrono::milliseconds(0)));
-  EXPECT_TRUE(waiting.Abandon());
-  BackgroundWorker::NoteAbandoned();
-  EXPECT_TRUE(freed.Wait(kSoon));
+  BackgroundWorker::Withdraw(waiting.Abandon());
+  EXPECT_TRUE(freed.Wait(std::chrono::milliseconds(0)));
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
@@ -19,7 +21,6 @@ namespace stowra_test {
 namespace {
 
 using ovrant::internet::BodyBuffer;
-using ovrant::internet::BodyBytes;
 
 std::string TextOf(const BodyBuffer& buffer) {
   return std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size());
@@ -67,7 +68,7 @@ TEST(BodyBuffer, ReserveKeepsTheBytesAndAvoidsMoves) {
 TEST(BodyBuffer, ReleaseHandsTheBytesOver) {
   BodyBuffer buffer;
   buffer.Append("hello", 5);
-  const BodyBytes bytes(buffer.Release());
+  const std::unique_ptr<unsigned char, decltype(&std::free)> bytes(buffer.Release(), &std::free);
   ASSERT_NE(bytes, nullptr);
   EXPECT_EQ(std::memcmp(bytes.get(), "hello", 5), 0);
   EXPECT_EQ(buffer.size(), 0U);

@@ -47,14 +47,42 @@ TEST(ChunkDecoder, AcceptsBareLineFeeds) {
   EXPECT_TRUE(decoder.AtEnd());
 }
 
-TEST(ChunkDecoder, NeverEndsABrokenBody) {
+TEST(ChunkDecoder, SeesThatABodyIsBroken) {
   for (const char* body :
        {"5\r\nhello!\r\n0\r\n\r\n", "x\r\n0\r\n\r\n", "\r\n0\r\n\r\n",
-        "5\r\nhello\r\n\r\n0\r\n\r\n", "-1\r\n0\r\n\r\n", "10000000000000000\r\n0\r\n\r\n"}) {
+        "5\r\nhello\r\n\r\n0\r\n\r\n", "-1\r\n0\r\n\r\n", "10000000000000000\r\n0\r\n\r\n",
+        "0x5\r\nhello\r\n0\r\n\r\n", "5,\r\nhello\r\n0\r\n\r\n", "0\r\ngarbage\r\n\r\n",
+        "0\r\n: no name\r\n\r\n", "0\r\n continues nothing\r\n\r\n"}) {
     ChunkDecoder decoder;
     Decoded(body, 3, decoder);
+    EXPECT_TRUE(decoder.IsBroken()) << body;
     EXPECT_FALSE(decoder.AtEnd()) << body;
   }
+}
+
+TEST(ChunkDecoder, RefusesNulInTheTrailingSection) {
+  ChunkDecoder decoder;
+  Decoded(std::string_view("0\r\nA: \0\r\n\r\n", 11), 100, decoder);
+  EXPECT_TRUE(decoder.IsBroken());
+}
+
+TEST(ChunkDecoder, CountsTheTrailingSection) {
+  ChunkDecoder decoder;
+  Decoded("0\r\nA: 1\r\nB: 2\r\n more\r\n\r\n", 1, decoder);
+  EXPECT_TRUE(decoder.AtEnd());
+  EXPECT_EQ(decoder.trailer_lines(), 3U);
+  EXPECT_EQ(decoder.trailer_bytes(), 21U);
+}
+
+TEST(ChunkDecoder, LimitsTheLengthOfASizeLine) {
+  const std::string longest = "5;" + std::string(ChunkDecoder::kMaxSizeLine - 4, 'x') + "\r\n";
+  ChunkDecoder decoder;
+  EXPECT_EQ(Decoded(longest + "hello\r\n" + longest + "again\r\n0\r\n\r\n", 1000, decoder),
+            "helloagain");
+  EXPECT_TRUE(decoder.AtEnd());
+  ChunkDecoder refused;
+  EXPECT_EQ(Decoded("5;x" + longest.substr(2) + "hello\r\n", 1000, refused), "");
+  EXPECT_TRUE(refused.IsBroken());
 }
 
 TEST(ChunkDecoder, IgnoresBytesAfterTheEnd) {

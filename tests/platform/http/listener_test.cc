@@ -120,13 +120,16 @@ TEST_F(ListenerTest, HearsOfAnUpload) {
   EXPECT_EQ(events.back().event.bytes_sent, kLargeBody);
 }
 
-TEST_F(ListenerTest, CountsDecodedBytesWithoutAnExpectedTotal) {
+TEST_F(ListenerTest, CountsDecodedBytesAndBytesOnTheWire) {
   const std::string text(100'000, 'x');
-  const RawServer server(Always(Response(200, Gzip(text), "Content-Encoding: gzip\r\n")));
+  const std::string gzip = Gzip(text);
+  const RawServer server(Always(Response(200, gzip, "Content-Encoding: gzip\r\n")));
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(told().back().event.bytes_received, text.size());
-  for (const Told& each : told()) EXPECT_EQ(each.event.bytes_expected, 0U);
+  const TransferEvent& end = told().back().event;
+  EXPECT_EQ(end.bytes_received, text.size());
+  EXPECT_EQ(end.wire_bytes_received, gzip.size());
+  EXPECT_EQ(end.bytes_expected, gzip.size());
 }
 
 TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
@@ -168,7 +171,7 @@ TEST_F(ListenerTest, ErrorTextNamesATimeout) {
   const RawServer server(Silence());
   InternetData transport(Text(server.Url()));
   EXPECT_FALSE(transport.Download());
-  EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()), ::testing::HasSubstr("0.25"));
+  EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()), ::testing::HasSubstr("no data for 0.25 seconds"));
 }
 
 TEST_F(ListenerTest, HearsTheEndOfADroppedTransfer) {

@@ -75,16 +75,27 @@ INSTANTIATE_TEST_SUITE_P(
 
 class TimeoutTest : public TransportTest {};
 
-TEST_F(TimeoutTest, BytesInAHeaderLineAreProgress) {
-  SetInactivityTimeout(kLonger);
+// Only complete lines are progress, so a drip cannot go on for ever.
+TEST_F(TimeoutTest, EndsADripInsideAHeaderLine) {
+  SetInactivityTimeout(kShort);
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 OK\r\nX-Slow: ");
-    connection.Drip(std::string(20, 'x'), kPause);
-    connection.Write("\r\nContent-Length: 5\r\n\r\nhello");
+    connection.Drip(std::string(1000, 'x'), kPause);
+  });
+  InternetData transport(Text(server.Url()));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport, 200);
+}
+
+TEST_F(TimeoutTest, HeaderLinesAreProgress) {
+  SetInactivityTimeout(kLonger);
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\n");
+    for (int i = 0; i < 20; ++i) connection.Drip("X-A: 1\r\n", kPause / 8);
+    connection.Write("Content-Length: 5\r\n\r\nhello");
   });
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(HeaderOf(transport, "X-Slow"), std::string(20, 'x'));
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
@@ -100,16 +111,29 @@ TEST_F(TimeoutTest, BytesInTheBodyAreProgress) {
   EXPECT_EQ(BodyOf(*background.transport), std::string(20, 'x'));
 }
 
-TEST_F(TimeoutTest, BytesInAChunkSizeAreProgress) {
+TEST_F(TimeoutTest, EndsADripInsideAChunkSize) {
+  SetInactivityTimeout(kShort);
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+    connection.Drip("5;" + std::string(1000, 'x'), kPause);
+  });
+  InternetData transport(Text(server.Url()));
+  EXPECT_FALSE(transport.Download());
+  ExpectFailureState(transport, 200);
+}
+
+TEST_F(TimeoutTest, ChunksAndTrailerLinesAreProgress) {
   SetInactivityTimeout(kLonger);
   const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
-    connection.Drip("5;extension=123456789\r\n", kPause);
-    connection.Write("hello\r\n0\r\n\r\n");
+    for (int i = 0; i < 10; ++i) connection.Drip("1\r\nx\r\n", kPause / 4);
+    connection.Write("0\r\n");
+    for (int i = 0; i < 10; ++i) connection.Drip("A: 1\r\n", kPause / 4);
+    connection.Write("\r\n");
   });
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "hello");
+  EXPECT_EQ(BodyOf(transport), std::string(10, 'x'));
 }
 
 TEST_F(TimeoutTest, EndsAConnectionThatIsNotMade) {

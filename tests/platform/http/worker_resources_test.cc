@@ -14,7 +14,6 @@
 #include <string>
 #include <thread>
 
-#include "common_stowraapi/platform/http/body_memory.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/failing_malloc.h"
 #include "tests/support/raw_server.h"
@@ -22,8 +21,6 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::internet::BodyBytes;
-using ovrant::internet::BodyMemory;
 using std::chrono::steady_clock;
 
 class WorkerResourcesTest : public TransportTest {
@@ -33,28 +30,6 @@ class WorkerResourcesTest : public TransportTest {
 
   const RawServer server_{Always(Response(200, std::string(100'000, 'x')))};
 };
-
-// Whether freed body memory is kept. A smaller request would then get a kept piece.
-bool KeepsBodyMemory() {
-  constexpr std::size_t kSmaller = 60'000;
-  const BodyBytes piece(BodyMemory::Allocate(kSmaller));
-  return BodyMemory::CapacityOf(piece.get()) > kSmaller;
-}
-
-TEST_F(WorkerResourcesTest, FreesKeptMemoryWhenNoTransferFollows) {
-  {
-    Background background(server_.Url());
-    ASSERT_TRUE(background.Start());
-    ASSERT_EQ(background.WaitForEnd(), kReturned);
-  }
-  EXPECT_TRUE(KeepsBodyMemory());
-  // No event reports it.
-  const auto begin = steady_clock::now();
-  while (KeepsBodyMemory() && steady_clock::now() - begin < kPatience) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_FALSE(KeepsBodyMemory());
-}
 
 // Ends the process, with 0 on success. A transfer must fail at once while `refuse` holds. The next
 // must succeed after `allow`.

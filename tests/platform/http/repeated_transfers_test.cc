@@ -5,14 +5,11 @@
 #include <set>
 #include <string>
 
-#include "common_stowraapi/platform/http/curl_handles.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
-
-using ovrant::internet::EasyReuse;
 
 constexpr char kOk[] = "HTTP/1.1 200 OK\r\n";
 constexpr char kEnd[] = "Content-Length: 0\r\n\r\n";
@@ -20,8 +17,9 @@ constexpr char kEnd[] = "Content-Length: 0\r\n\r\n";
 // A value that needs memory of its own, so sanitizers see every access.
 const std::string kLong(100, 'x');
 
-// Transfers that may reuse the handle of the one before.
-class HandleReuseTest : public TransportTest {
+// Transfers after others that went wrong. libcurl 7.88 leaves a dangling pointer to the headers of a
+// transfer in its easy handle, so none is used twice.
+class RepeatedTransfersTest : public TransportTest {
  protected:
   static void ExpectHello(const std::string& url) {
     InternetData transport((Text(url)));
@@ -33,8 +31,8 @@ class HandleReuseTest : public TransportTest {
     EXPECT_EQ(BodyOf(*background.transport), "hello");
   }
 
-  // Downloads in turn from a server that answers "/odd" with `bytes` and anything else well.
-  // libcurl decides about the odd response, unless handles are guarded.
+  // Downloads in turn from a server that answers "/odd" with `bytes` and anything else well. The
+  // odd response is refused.
   static void ExpectHarmless(const std::string& bytes, bool dripped = false) {
     const RawServer server([&](const RawRequest& request, RawConnection& connection) {
       if (request.target != "/odd") {
@@ -48,38 +46,35 @@ class HandleReuseTest : public TransportTest {
     for (int i = 0; i < 3; ++i) {
       ExpectHello(server.Url("/good"));
       InternetData odd(Text(server.Url("/odd")));
-      const bool received = odd.Download();
+      EXPECT_FALSE(odd.Download());
+      ExpectFailureState(odd, odd.status_code());
       Background background(server.Url("/odd"));
       ASSERT_TRUE(background.Start());
-      EXPECT_EQ(background.WaitForEnd(), received ? kReturned : kFailed);
-      if (ovrant::internet::HowToReuseEasyHandles() == EasyReuse::kGuarded) {
-        EXPECT_FALSE(received);
-        ExpectFailureState(odd, odd.status_code());
-      }
+      EXPECT_EQ(background.WaitForEnd(), kFailed);
     }
   }
 };
 
-TEST_F(HandleReuseTest, SurvivesHeadersThatBeginWithAContinuation) {
+TEST_F(RepeatedTransfersTest, SurvivesHeadersThatBeginWithAContinuation) {
   ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd);
   ExpectHarmless(kOk + ("\tfolded: " + kLong) + "\r\nX-Next: 1\r\n more\r\n" + kEnd);
 }
 
-TEST_F(HandleReuseTest, SurvivesALeadingContinuationByteByByte) {
+TEST_F(RepeatedTransfersTest, SurvivesALeadingContinuationByteByByte) {
   ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd, true);
 }
 
-TEST_F(HandleReuseTest, SurvivesALeadingContinuationWithInterimResponses) {
+TEST_F(RepeatedTransfersTest, SurvivesALeadingContinuationWithInterimResponses) {
   ExpectHarmless("HTTP/1.1 100 Continue\r\n folded: " + kLong + "\r\n\r\n" + kOk + kEnd);
   ExpectHarmless("HTTP/1.1 100 Continue\r\n\r\n" + std::string(kOk) + " folded: " + kLong + "\r\n" +
                  kEnd);
 }
 
-TEST_F(HandleReuseTest, SurvivesALeadingContinuationInARedirect) {
+TEST_F(RepeatedTransfersTest, SurvivesALeadingContinuationInARedirect) {
   ExpectHarmless("HTTP/1.1 302 Found\r\n folded: " + kLong + "\r\nLocation: /good\r\n" + kEnd);
 }
 
-TEST_F(HandleReuseTest, AcceptsAContinuationOfAField) {
+TEST_F(RepeatedTransfersTest, AcceptsAContinuationOfAField) {
   const RawServer server(Always(kOk + ("X-Long: " + kLong) + "\r\n more: of it\r\n" + kEnd));
   for (int i = 0; i < 3; ++i) {
     InternetData transport(Text(server.Url()));
@@ -88,12 +83,12 @@ TEST_F(HandleReuseTest, AcceptsAContinuationOfAField) {
   }
 }
 
-TEST_F(HandleReuseTest, AcceptsAResponseWithoutHeaders) {
+TEST_F(RepeatedTransfersTest, AcceptsAResponseWithoutHeaders) {
   const RawServer server(AlwaysThenClose(std::string(kOk) + "\r\nhello"));
   for (int i = 0; i < 3; ++i) ExpectHello(server.Url());
 }
 
-TEST_F(HandleReuseTest, RequestLeavesNothingInTheNext) {
+TEST_F(RepeatedTransfersTest, RequestLeavesNothingInTheNext) {
   const RawServer server(Always(Response(200, "hello")));
   std::string with_user = server.Url();
   with_user.insert(with_user.find("//") + 2, "user:password@");
@@ -114,7 +109,7 @@ TEST_F(HandleReuseTest, RequestLeavesNothingInTheNext) {
   EXPECT_EQ(request.Header("Accept-Encoding"), "gzip");
 }
 
-TEST_F(HandleReuseTest, ForgetsDefaultsThatAreReset) {
+TEST_F(RepeatedTransfersTest, ForgetsDefaultsThatAreReset) {
   const RawServer server(Always(Response(200, "hello")));
   TransferDefaults defaults;
   defaults.proxy = Text(server.Url());
@@ -129,7 +124,7 @@ TEST_F(HandleReuseTest, ForgetsDefaultsThatAreReset) {
 }
 
 // libcurl repeats such a request on another connection, but only a few times.
-TEST_F(HandleReuseTest, KeptConnectionsMayCloseAnyNumberOfTimes) {
+TEST_F(RepeatedTransfersTest, KeptConnectionsMayCloseAnyNumberOfTimes) {
   std::mutex mutex;
   std::set<int> used;
   const RawServer server([&](const RawRequest& request, RawConnection& connection) {
@@ -143,7 +138,7 @@ TEST_F(HandleReuseTest, KeptConnectionsMayCloseAnyNumberOfTimes) {
   for (int i = 0; i < 20; ++i) ExpectHello(server.Url());
 }
 
-TEST_F(HandleReuseTest, ManyImpossibleTransfersDoNotHarmTheNext) {
+TEST_F(RepeatedTransfersTest, ManyImpossibleTransfersDoNotHarmTheNext) {
   const RawServer server(Always(Response(200, "hello")));
   for (const char* url : {"none:", "http://127.0.0.1:99999/", "http://127.0.0.1/a b"}) {
     for (int i = 0; i < 100; ++i) {

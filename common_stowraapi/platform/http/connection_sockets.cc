@@ -1,0 +1,89 @@
+#include "common_stowraapi/platform/http/connection_sockets.h"
+
+#include <netinet/in.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <new>
+
+namespace ovrant::internet {
+
+namespace {
+
+int PortOf(const sockaddr_storage& address) {
+  if (address.ss_family == AF_INET) {
+    return ntohs(reinterpret_cast<const sockaddr_in&>(address).sin_port);
+  }
+  if (address.ss_family == AF_INET6) {
+    return ntohs(reinterpret_cast<const sockaddr_in6&>(address).sin6_port);
+  }
+  return 0;
+}
+
+// Reads an end's port with getsockname or getpeername. 0 when there is none.
+int PortOf(int socket, int (*name_of)(int, sockaddr*, socklen_t*)) {
+  sockaddr_storage address{};
+  socklen_t size = sizeof(address);
+  return name_of(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0 ? PortOf(address) : 0;
+}
+
+}  // namespace
+
+bool ConnectionSockets::Add(int socket) noexcept {
+  try {
+    sockets_.push_back({socket, 0, 0, false});
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+void ConnectionSockets::Remove(int socket) noexcept {
+  sockets_.erase(std::remove_if(sockets_.begin(), sockets_.end(),
+                                [socket](const Entry& each) { return each.socket == socket; }),
+                 sockets_.end());
+}
+
+int ConnectionSockets::Find(int local_port, int remote_port) {
+  for (Entry& entry : sockets_) {
+    if (entry.local_port == 0) {
+      entry.remote_port = PortOf(entry.socket, getpeername);
+      if (entry.remote_port != 0) entry.local_port = PortOf(entry.socket, getsockname);
+    }
+    if (entry.local_port == local_port && entry.remote_port == remote_port) return entry.socket;
+  }
+  return kNone;
+}
+
+void ConnectionSockets::SetFramed(int socket) {
+  for (Entry& entry : sockets_) {
+    if (entry.socket == socket) entry.is_framed = true;
+  }
+}
+
+bool ConnectionSockets::IsUnfit(int socket) const {
+  const auto entry = std::find_if(sockets_.begin(), sockets_.end(),
+                                  [socket](const Entry& each) { return each.socket == socket; });
+  if (entry == sockets_.end() || entry->is_framed) return false;
+  char byte = 0;
+  return recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
+}
+
+std::size_t CountUnsentBytes(int socket) {
+  int count = 0;
+#if defined(SO_NWRITE)
+  socklen_t size = sizeof(count);
+  if (getsockopt(socket, SOL_SOCKET, SO_NWRITE, &count, &size) != 0) return 0;
+#elif defined(TIOCOUTQ)
+  if (ioctl(socket, TIOCOUTQ, &count) != 0) return 0;
+#endif
+  return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+bool IsAtEnd(int socket) {
+  char byte = 0;
+  return recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+}
+
+}  // namespace ovrant::internet

@@ -1,0 +1,87 @@
+// Reads the reply to one request.
+
+#ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_REPLY_DECODER_H_
+#define COMMON_STOWRAAPI_PLATFORM_HTTP_REPLY_DECODER_H_
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "common_stowraapi/platform/http/body_buffer.h"
+#include "common_stowraapi/platform/http/chunk_decoder.h"
+#include "common_stowraapi/platform/http/failure.h"
+#include "common_stowraapi/platform/http/gzip_decoder.h"
+#include "common_stowraapi/platform/http/response_head.h"
+
+namespace ovrant::internet {
+
+// Takes the header lines and the body as they came, chunked and compressed, and makes the decoded
+// body. Downloads and uploads have the same limits:
+//
+//   - header lines and trailing section: ResponseHead::kMaxBytes
+//   - decoded body: the cap
+//   - compressed body: a little more than the cap
+//   - line with a chunk's size: ChunkDecoder::kMaxSizeLine
+//
+// The body of a redirect that will be followed counts against the cap and is thrown away undecoded.
+//
+// For one thread at a time. Calls that throw std::bad_alloc leave a decoder that must not be used.
+class ReplyDecoder {
+ public:
+  // With `follows_redirects` a redirect is not the reply.
+  ReplyDecoder(std::size_t body_cap, bool follows_redirects)
+      : body_cap_(body_cap), follows_redirects_(follows_redirects) {}
+
+  // Adds a status line, a header line, the empty line after them, or a line of the trailing section
+  // that did not come inside the body. Adds the next bytes of the body. Both return false when the
+  // reply is refused. failure() says why.
+  bool AddHeaderLine(std::string_view line);
+  bool AddBody(std::string_view bytes);
+
+  const Failure& failure() const { return failure_; }
+
+  // Refuses the reply. The first failure counts.
+  void Refuse(const Failure& failure);
+
+  // True when all of a reply has come that says itself how long it is.
+  bool IsComplete() const;
+
+  // True when the connection's end is the body's end.
+  bool EndsByClose() const;
+
+  // True when the reply could end here: IsComplete, or EndsByClose and nothing inside is open.
+  bool MayEnd() const;
+
+  // True for a redirect that will be followed.
+  bool IsFollowed() const { return follows_redirects_ && head_.complete() && head_.IsRedirect(); }
+
+  const ResponseHead& head() const { return head_; }
+  ResponseHead& head() { return head_; }
+  BodyBuffer& body() { return body_; }
+
+  // Bytes of body without chunk framing, before and after decompression. Refused bytes count.
+  std::size_t wire_bytes() const { return wire_bytes_; }
+  std::size_t body_bytes() const { return body_.size(); }
+
+  // Grows with each complete line and each byte of body. A part of a line is no progress.
+  std::size_t progress() const;
+
+ private:
+  void TakePayload(std::string_view payload);
+  void Decode(std::string_view payload);
+  std::size_t WireCap() const;
+
+  const std::size_t body_cap_;
+  const bool follows_redirects_;
+  ResponseHead head_;
+  std::optional<ChunkDecoder> chunks_;
+  std::optional<GzipDecoder> gzip_;
+  BodyBuffer body_;
+  std::size_t lines_ = 0;
+  std::size_t wire_bytes_ = 0;
+  Failure failure_;
+};
+
+}  // namespace ovrant::internet
+
+#endif  // COMMON_STOWRAAPI_PLATFORM_HTTP_REPLY_DECODER_H_
