@@ -41,6 +41,11 @@ std::string CheckHeader(const std::string& header) {
   return good ? "" : fmt::format("'{}' is not of the form \"Name: value\"", header);
 }
 
+std::string CheckOrigin(const std::string& text) {
+  const bool good = text.rfind("http://", 0) == 0 || text.rfind("https://", 0) == 0;
+  return good ? "" : fmt::format("'{}' does not begin with http:// or https://", text);
+}
+
 std::string CheckSeconds(const std::string& text) {
   float seconds = 0;
   // Comparisons with NaN are false, so NaN is refused, too.
@@ -52,17 +57,13 @@ std::string CheckSeconds(const std::string& text) {
 }
 
 // A later header replaces an earlier one of the same name in any letter case.
-StringMap ToHeaders(const std::vector<std::string>& lines) {
-  StringMap headers;
-  for (const std::string_view line : lines) {
-    const std::size_t colon = line.find(':');
-    const ovrant_ustring name = ToText(Trim(line.substr(0, colon)));
-    for (auto entry = headers.begin(); entry != headers.end();) {
-      entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
-    }
-    headers[name] = ToText(Trim(line.substr(colon + 1)));
+void AddHeader(std::string_view line, StringMap& headers) {
+  const std::size_t colon = line.find(':');
+  const ovrant_ustring name = ToText(Trim(line.substr(0, colon)));
+  for (auto entry = headers.begin(); entry != headers.end();) {
+    entry = entry->first.compare_nocase(name) == 0 ? headers.erase(entry) : std::next(entry);
   }
-  return headers;
+  headers[name] = ToText(Trim(line.substr(colon + 1)));
 }
 
 void AddUrl(CLI::App& command, RequestOptions& options, const char* name, const char* description) {
@@ -84,10 +85,19 @@ void AddTransferOptions(CLI::App& command, RequestOptions& options) {
       ->check(CLI::Validator(CheckSeconds, ""));
   command
       .add_option("--header", options.headers,
-                  "Also send this header, written \"Name: value\"; may be repeated")
+                  "Also send this header, written \"Name: value\", to the server of URL and to no "
+                  "other; may be repeated")
       ->option_text("HEADER")
       ->allow_extra_args(false)
       ->check(CLI::Validator(CheckHeader, ""));
+  command
+      .add_option("--header-to", options.headers_to,
+                  "Also send this header to the server of ORIGIN, such as https://host:8443; may "
+                  "be repeated")
+      ->option_text("ORIGIN HEADER")
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(CheckOrigin, "").application_index(0))
+      ->check(CLI::Validator(CheckHeader, "").application_index(1));
   command
       .add_option("--cacert", options.ca_file,
                   "Trust the certificate authorities in this PEM file instead of the system's")
@@ -132,7 +142,12 @@ TransferDefaults MakeTransferDefaults(const RequestOptions& options) {
   defaults.body_cap = options.max_bytes;
   defaults.ca_file = ToText(options.ca_file);
   defaults.user_agent = ToText(fmt::format("stowra/{}", CommonStowraapiVersionNumber));
-  defaults.extra_request_headers = ToHeaders(options.headers);
+  for (const std::string& header : options.headers) {
+    AddHeader(header, defaults.origin_request_headers[ToText(options.url)]);
+  }
+  for (const auto& [origin, header] : options.headers_to) {
+    AddHeader(header, defaults.origin_request_headers[ToText(origin)]);
+  }
   return defaults;
 }
 

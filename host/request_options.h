@@ -4,6 +4,7 @@
 #define HOST_REQUEST_OPTIONS_H_
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common_stowraapi/platform/transfer_types.h"
@@ -22,7 +23,8 @@ struct RequestOptions {
   bool shows_transfers = false;      // print each transfer when it ends
   float timeout = 0;                 // seconds; 0: the library's default
   unsigned long max_bytes = 0;       // of a response body; 0: the library's default
-  std::vector<std::string> headers;  // "Name: value"
+  std::vector<std::string> headers;  // "Name: value", for the origin of `url`
+  std::vector<std::pair<std::string, std::string>> headers_to;  // an origin, and "Name: value"
   std::string ca_file;
 };
 

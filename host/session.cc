@@ -2,24 +2,27 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "common_stowraapi/platform/internet_data.h"
 #include "host/terminal.h"
 
 namespace stowra {
 
 using ovrant::internet::InternetData;
+using ovrant::internet::TransferError;
+using ovrant::internet::TransferEvent;
 
 namespace {
 
 constexpr int kHttpOk = 200;
 
-// The library's error text for a body beyond the limit.
-constexpr char kTooLarge[] = "the response's body is too large";
-
-std::string ReasonOf(const std::string& error, unsigned long max_bytes) {
-  const bool is_limit = max_bytes > 0 && error == kTooLarge;
-  return is_limit ? fmt::format("{}: more than {} bytes (see --max-bytes)", error, max_bytes)
-                  : error;
+std::string ReasonOf(const TransferEvent& end, unsigned long max_bytes) {
+  const bool is_limit = max_bytes > 0 && end.reason == TransferError::kTooLarge &&
+                        std::max(end.bytes_received, end.wire_bytes_received) > max_bytes;
+  return is_limit
+             ? fmt::format("{}: more than {} bytes (see --max-bytes)", end.error.utf8(), max_bytes)
+             : end.error.utf8();
 }
 
 }  // namespace
@@ -44,8 +47,7 @@ ExitStatus Session::Fail(const std::string& unusable, const std::string& message
     return ExitStatus::kTransferFailed;
   }
   if (!end->error.empty()) {
-    Complain(
-        fmt::format("{}: {}", end->url.utf8(), ReasonOf(end->error.utf8(), options_.max_bytes)));
+    Complain(fmt::format("{}: {}", end->url.utf8(), ReasonOf(*end, options_.max_bytes)));
     return ExitStatus::kTransferFailed;
   }
   if (end->status != kHttpOk) {

@@ -35,6 +35,25 @@ TEST_P(OptionsTest, SendsGivenHeaders) {
   EXPECT_THAT(request.Header("User-Agent"), MatchesRegex("stowra/[0-9]+"));
 }
 
+TEST_P(OptionsTest, SendsEachHeaderToItsServerOnly) {
+  const RawServer last(Replies(kUser));
+  const RawServer first([&last](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 302 Found\r\nLocation: " + last.Url("/there") +
+                     "\r\nContent-Length: 0\r\n\r\n");
+  });
+  const Outcome outcome =
+      RunInMode({"user-info", first.Url(), "--header", "X-First: 1", "--header-to", last.Url(),
+                 "X-Last: 2", "--header-to", "http://127.0.0.1:1", "X-Nobody: 3"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  ASSERT_EQ(first.requests().size(), 1U);
+  ASSERT_EQ(last.requests().size(), 1U);
+  EXPECT_EQ(first.requests()[0].Header("X-First"), "1");
+  EXPECT_FALSE(first.requests()[0].HasHeader("X-Last"));
+  EXPECT_FALSE(last.requests()[0].HasHeader("X-First"));
+  EXPECT_EQ(last.requests()[0].Header("X-Last"), "2");
+  EXPECT_FALSE(last.requests()[0].HasHeader("X-Nobody"));
+}
+
 TEST_P(OptionsTest, ReportsHeaderThatCannotBeSent) {
   const Outcome outcome = RunInMode({"user-info", "http://127.0.0.1:1/", "--header", "a b: c"});
   EXPECT_EQ(outcome.status, 3);
