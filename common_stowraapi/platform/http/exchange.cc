@@ -46,6 +46,7 @@ void HttpExchange::Begin() noexcept {
 
 bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
   Failure failure;
+  silence_ = Clock::duration::zero();
   try {
     if (!next_) next_ = FirstHop();
     hop_.emplace(request_, std::move(*next_), sockets,

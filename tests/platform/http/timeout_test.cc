@@ -4,6 +4,7 @@
 #include <limits>
 #include <ostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/platform/http/transport_fixture.h"
@@ -95,6 +96,20 @@ TEST_F(TimeoutTest, HeaderLinesAreProgress) {
     connection.Write("Content-Length: 5\r\n\r\nhello");
   });
   InternetData transport(Text(server.Url()));
+  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(BodyOf(transport), "hello");
+}
+
+TEST_F(TimeoutTest, RedirectsAreProgress) {
+  SetInactivityTimeout(kLonger);
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    const std::string step = request.target.substr(1);
+    // The status line comes late, after most of the timeout.
+    std::this_thread::sleep_for(milliseconds(400));
+    connection.Write(step == "xxx" ? Response(200, "hello")
+                                   : Response(302, "", "Location: /" + step + "x\r\n"));
+  });
+  InternetData transport(Text(server.Url("/")));
   EXPECT_TRUE(transport.Download());
   EXPECT_EQ(BodyOf(transport), "hello");
 }
