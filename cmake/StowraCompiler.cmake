@@ -14,7 +14,10 @@ endif()
 
 find_package(Threads REQUIRED)
 
-set(STOWRA_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+set(STOWRA_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(STOWRA_WARNINGS_AS_ERRORS)
+  list(APPEND STOWRA_WARNINGS -Werror)
+endif()
 
 # "address,undefined" or "thread". Needs clang++, because only its UBSan accepts an ignore-list.
 set(STOWRA_SANITIZE "" CACHE STRING "Sanitizers to build with")

@@ -17,12 +17,11 @@ if [ "$way" = find_package ]; then
   "$work/build/consumer"
 else
   libdir=$(cd "$(dirname "$(find "$prefix" -name common_stowraapi.pc)")/.." && pwd)
-  # The .pc file holds the configured prefix, so the temporary one must replace it.
   export PKG_CONFIG_PATH=$libdir/pkgconfig
-  define="--define-variable=prefix=$prefix"
   # shellcheck disable=SC2046
-  "$compiler" -std=c++17 $flags $(pkg-config "$define" --cflags common_stowraapi) \
-      "$consumer/consumer.cc" -o "$work/consumer" \
-      $(pkg-config "$define" --libs common_stowraapi) -Wl,-rpath,"$libdir"
+  "$compiler" -std=c++17 $flags $(pkg-config --cflags common_stowraapi) "$consumer/consumer.cc" -o "$work/consumer" \
+      $(pkg-config --libs common_stowraapi) -Wl,-rpath,"$libdir"
+  version=$(sed -n 's/^#define COMMON_STOWRAAPI_VERSION_[A-Z]* //p' "$prefix/include/common_stowraapi/version.h" | paste -sd.)
+  [ "$(pkg-config --modversion common_stowraapi)" = "$version" ] || { echo "the .pc file has another version" >&2; exit 1; }
   "$work/consumer"
 fi
