@@ -2,22 +2,13 @@
 
 #include <zlib.h>
 
-#include <cstdint>
-#include <optional>
+#include <algorithm>
 
 namespace stowra_fuzz {
 namespace {
 
-using Kind = HttpOutcome::Kind;
-using Headers = std::vector<std::pair<std::string, std::string>>;
-
 constexpr char kDigits[] = "0123456789";
-constexpr char kTokenCharacters[] =
-    "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ!#$%&'*+-.^_`|~";
-
-bool IsMadeOf(const std::string& text, const char* characters) {
-  return !text.empty() && text.find_first_not_of(characters) == std::string::npos;
-}
+constexpr char kHexDigits[] = "0123456789abcdefABCDEF";
 
 std::string Lower(std::string text) {
   for (char& c : text) {
@@ -27,247 +18,246 @@ std::string Lower(std::string text) {
 }
 
 std::string Trimmed(const std::string& text) {
-  const std::size_t begin = text.find_first_not_of(" \t");
+  const std::size_t begin = text.find_first_not_of(" \t\r\n");
   if (begin == std::string::npos) return "";
-  return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
+  return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
 }
 
-// Takes lines that end in CR LF and hold no other CR, LF or NUL.
-class Lines {
- public:
-  explicit Lines(std::string_view bytes) : rest_(bytes) {}
+// The next line with its line feed, or all the rest.
+std::string_view TakeLine(std::string_view& text) {
+  const std::string_view line = text.substr(0, text.find('\n'));
+  const std::size_t size = std::min(line.size() + 1, text.size());
+  const std::string_view whole = text.substr(0, size);
+  text.remove_prefix(size);
+  return whole;
+}
 
-  std::optional<std::string> Take() {
-    const std::size_t end = rest_.find("\r\n");
-    if (end == std::string_view::npos) return std::nullopt;
-    std::string line(rest_.substr(0, end));
-    if (line.find_first_of(std::string("\r\n\0", 3)) != std::string::npos) return std::nullopt;
-    rest_.remove_prefix(end + 2);
-    return line;
+bool BeginsWithBlank(std::string_view line) {
+  return !line.empty() && (line[0] == ' ' || line[0] == '\t');
+}
+
+// The status after "HTTP/", a version and spaces, or 0.
+int StatusOf(const std::string& line) {
+  const std::size_t space = line.find(' ');
+  if (space == std::string::npos || line.find_first_of(kDigits, 5) != 5) return 0;
+  const std::size_t begin = line.find_first_not_of(' ', space);
+  if (begin == std::string::npos) return 0;
+  const std::size_t end = line.find_first_not_of(kDigits, begin);
+  const std::string digits = line.substr(begin, end == std::string::npos ? end : end - begin);
+  return digits.size() == 3 && digits[0] != '0' ? std::stoi(digits) : 0;
+}
+
+// A decimal number of 64 bits.
+std::optional<std::uint64_t> NumberIn(const std::string& digits) {
+  if (digits.empty() || digits.find_first_not_of(kDigits) != std::string::npos) return std::nullopt;
+  std::uint64_t number = 0;
+  for (const char digit : digits) {
+    const auto value = static_cast<std::uint64_t>(digit - '0');
+    if (number > (UINT64_MAX - value) / 10) return std::nullopt;
+    number = number * 10 + value;
   }
-
-  std::string_view rest() const { return rest_; }
-  void Skip(std::size_t size) { rest_.remove_prefix(size); }
-
- private:
-  std::string_view rest_;
-};
-
-// The status, or 0 if the line is not plain.
-int ReadStatusLine(const std::string& line) {
-  const std::string version = line.substr(0, 9);
-  if (version != "HTTP/1.1 " && version != "HTTP/1.0 ") return 0;
-  const std::string status = line.substr(9, 3);
-  if (status.size() != 3 || !IsMadeOf(status, kDigits)) return 0;
-  if (line.size() > 12 && line[12] != ' ') return 0;
-  return std::stoi(status);
+  return number;
 }
 
-// False if a line is not plain. Also takes the empty line at the end.
-bool ReadHeaders(Lines& lines, Headers& headers) {
-  for (;;) {
-    const std::optional<std::string> line = lines.Take();
-    if (!line) return false;
-    if (line->empty()) return true;
-    const std::size_t colon = line->find(':');
-    const std::string name = line->substr(0, colon);
-    if (colon == std::string::npos || !IsMadeOf(name, kTokenCharacters)) return false;
-    headers.emplace_back(name, Trimmed(line->substr(colon + 1)));
-  }
-}
-
-std::vector<std::string> ValuesOf(const Headers& headers, const std::string& lower_name) {
-  std::vector<std::string> values;
-  for (const auto& [name, value] : headers) {
-    if (Lower(name) == lower_name) values.push_back(value);
-  }
-  return values;
-}
-
-// The body's framing by the headers.
-struct Framing {
-  bool is_clear = true;
-  bool is_refused = false;
-  bool is_gzip = false;
-  bool is_chunked = false;
-  std::optional<std::uint64_t> length;
-};
-
-void ReadLengths(const std::string& list, Framing& framing) {
-  std::string rest = list + ',';
-  while (!rest.empty()) {
-    const std::string digits = Trimmed(rest.substr(0, rest.find(',')));
+Fault ReadLengths(const std::string& list, ReplyHead& head) {
+  for (std::string rest = list + ','; !rest.empty();) {
+    const auto length = NumberIn(Trimmed(rest.substr(0, rest.find(','))));
+    if (!length || (head.length && head.length != length)) return Fault::kMalformed;
+    head.length = length;
     rest.erase(0, rest.find(',') + 1);
-    if (!IsMadeOf(digits, kDigits)) {
-      framing.is_refused = true;
-      return;
-    }
-    std::uint64_t length = 0;
-    for (const char digit : digits) {
-      if (length > std::uint64_t{1} << 40) framing.is_clear = false;
-      length = length * 10 + static_cast<std::uint64_t>(digit - '0');
-    }
-    if (framing.length && *framing.length != length) framing.is_refused = true;
-    framing.length = length;
   }
+  return Fault::kNone;
 }
 
-Framing ReadFraming(const Headers& headers) {
-  Framing framing;
-  const auto encodings = ValuesOf(headers, "content-encoding");
-  const auto codings = ValuesOf(headers, "transfer-encoding");
-  if (encodings.size() > 1 || codings.size() > 1) framing.is_clear = false;
-  for (const std::string& value : encodings) {
-    framing.is_gzip = Lower(value) == "gzip" || Lower(value) == "x-gzip";
-    if (!framing.is_gzip && !value.empty() && Lower(value) != "identity") framing.is_refused = true;
-  }
-  for (const std::string& value : codings) {
-    framing.is_chunked = Lower(value) == "chunked";
-    if (Lower(value) == "identity") framing.is_clear = false;
-    if (!framing.is_chunked && Lower(value) != "identity") framing.is_refused = true;
-  }
-  for (const std::string& value : ValuesOf(headers, "content-length")) ReadLengths(value, framing);
-  if (!ValuesOf(headers, "upgrade").empty()) framing.is_clear = false;
-  return framing;
+bool Frames(const std::string& name) {
+  return name == "content-encoding" || name == "transfer-encoding" || name == "content-length";
 }
 
-struct Body {
-  Kind kind = Kind::kReceived;
-  std::string bytes;
+// Reads the framing from all fields anew.
+Fault ReadFraming(ReplyHead& head) {
+  bool is_identity = false;
+  head.is_gzip = head.is_chunked = false;
+  head.length.reset();
+  for (const auto& [spelt_name, spelt_value] : head.fields) {
+    const std::string name = Lower(spelt_name);
+    const std::string value = Lower(spelt_value);
+    if (name == "content-encoding" && !value.empty() && value != "identity") {
+      if (head.is_gzip || (value != "gzip" && value != "x-gzip")) return Fault::kEncoding;
+      head.is_gzip = true;
+    } else if (name == "transfer-encoding") {
+      if (value != "chunked" && value != "identity") return Fault::kEncoding;
+      is_identity = value == "identity";
+      head.is_chunked = head.is_chunked || value == "chunked";
+    } else if (name == "content-length" && ReadLengths(value, head) != Fault::kNone) {
+      return Fault::kMalformed;
+    }
+    if (is_identity && head.length) return Fault::kMalformed;
+  }
+  return Fault::kNone;
+}
+
+Fault ReadField(const std::string& line, ReplyHead& head) {
+  if (line.find('\0') != std::string::npos) return Fault::kMalformed;
+  if (BeginsWithBlank(line)) {
+    if (head.fields.empty() || Frames(Lower(head.fields.back().first))) return Fault::kMalformed;
+    head.fields.back().second += (head.fields.back().second.empty() ? "" : " ") + Trimmed(line);
+    return Fault::kNone;
+  }
+  const std::size_t colon = line.find(':');
+  if (colon == std::string::npos || colon == 0) return Fault::kMalformed;
+  const std::string name = Trimmed(line.substr(0, colon));
+  head.fields.emplace_back(name, Trimmed(line.substr(colon + 1)));
+  if (head.location.empty() && Lower(name) == "location") head.location = head.fields.back().second;
+  if (!Frames(Lower(name))) return Fault::kNone;
+  return name.size() == colon ? ReadFraming(head) : Fault::kMalformed;
+}
+
+Fault ReadLine(const std::string& line, ReplyHead& head) {
+  head.lines += 1;
+  head.bytes += line.size();
+  if (head.bytes > kMostHeadBytes) return Fault::kTooLarge;
+  if (head.status < 200 && Lower(line.substr(0, 5)) == "http/") {
+    ReplyHead next;
+    next.lines = head.lines;
+    next.bytes = head.bytes;
+    next.status = StatusOf(line);
+    head = next;
+    return head.status == 0 || head.status == 101 ? Fault::kMalformed : Fault::kNone;
+  }
+  if (head.status == 0) return Fault::kMalformed;
+  if (!Trimmed(line).empty()) return ReadField(line, head);
+  head.is_whole = head.status >= 200;
+  return Fault::kNone;
+}
+
+// A chunked body without its framing.
+struct Chunks {
+  bool is_broken = false;
+  bool is_whole = false;
+  std::string payload;
+  std::size_t trailer_lines = 0;
+  std::size_t trailer_bytes = 0;
 };
 
-Body ReadChunks(std::string_view bytes) {
-  Body body;
-  Lines lines(bytes);
-  for (;;) {
-    // An incomplete line, or no line at all.
-    if (lines.rest().find("\r\n") == std::string_view::npos &&
-        lines.rest().find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos) {
-      return {Kind::kFailed, ""};
-    }
-    const std::optional<std::string> line = lines.Take();
-    if (!line || !IsMadeOf(*line, "0123456789abcdefABCDEF") || line->size() > 6) {
-      return {Kind::kUnclear, ""};
-    }
-    const auto size = static_cast<std::size_t>(std::stoul(*line, nullptr, 16));
-    if (size == 0) break;
-    if (lines.rest().size() < size + 2) return {Kind::kFailed, ""};
-    body.bytes += lines.rest().substr(0, size);
-    lines.Skip(size);
-    // Other line ends may be accepted.
-    const char end = lines.rest().front();
-    if (end != '\r' && end != '\n') return {Kind::kFailed, ""};
-    if (lines.Take() != "") return {Kind::kUnclear, ""};
+// The chunk's size, when its line is whole.
+std::optional<std::uint64_t> ReadSize(std::string_view line, Chunks& chunks) {
+  const std::string_view digits = line.substr(0, line.find_first_not_of(kHexDigits));
+  const std::string_view rest = line.substr(digits.size());
+  std::uint64_t size = 0;
+  bool fits = true;
+  for (const char digit : digits) {
+    fits = fits && size >> 60 == 0;
+    size = size << 4 | static_cast<std::uint64_t>(std::stoi(std::string(1, digit), nullptr, 16));
   }
-  // Trailers have no effect.
-  for (std::optional<std::string> trailer; trailer != "";) {
-    trailer = lines.Take();
-    const bool is_field = trailer && trailer->find(':') != std::string::npos;
-    if (!is_field && trailer != "") return {Kind::kUnclear, ""};
-  }
-  return body;
+  const bool ends_well = rest.empty() || (!digits.empty() && rest.find_first_of("\r\n; \t") == 0);
+  chunks.is_broken = !fits || !ends_well || line.size() > kMostSizeLine;
+  if (chunks.is_broken || line.empty() || line.back() != '\n') return std::nullopt;
+  return size;
 }
 
-Body ReadBody(std::string_view bytes, const Framing& framing) {
-  if (framing.is_chunked) return ReadChunks(bytes);
-  if (!framing.length) return {Kind::kReceived, std::string(bytes)};
-  if (bytes.size() < *framing.length) return {Kind::kFailed, ""};
-  return {Kind::kReceived, std::string(bytes.substr(0, static_cast<std::size_t>(*framing.length)))};
+void ReadTrailers(std::string_view text, Chunks& chunks) {
+  while (!text.empty() && !chunks.is_broken && !chunks.is_whole) {
+    const std::string_view spelt = TakeLine(text);
+    chunks.trailer_bytes += spelt.size();
+    std::string line(spelt);
+    line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+    chunks.is_broken = line.find('\0') != std::string::npos;
+    if (line.empty() || line.back() != '\n') return;
+    const std::size_t colon = line.find(':', 1);
+    const bool is_fold = BeginsWithBlank(line) && chunks.trailer_lines > 0;
+    chunks.is_whole = line == "\n";
+    if (chunks.is_whole) return;
+    chunks.is_broken = chunks.is_broken || (colon == std::string::npos && !is_fold);
+    chunks.trailer_lines += chunks.is_broken ? 0 : 1;
+  }
 }
 
-// Decodes any number of members. Gives nothing if they are incomplete or beyond the cap.
-std::optional<std::string> Unzipped(const std::string& zipped, std::size_t cap) {
-  std::string out(cap + 1, '\0');
+Chunks ReadChunks(std::string_view text) {
+  Chunks chunks;
+  while (const auto size = ReadSize(TakeLine(text), chunks)) {
+    if (*size == 0) {
+      ReadTrailers(text, chunks);
+      break;
+    }
+    const std::string_view data = text.substr(0, static_cast<std::size_t>(*size));
+    chunks.payload += data;
+    text.remove_prefix(data.size());
+    if (data.size() < *size || text.empty() || text == "\r") break;
+    const std::size_t end = text[0] == '\r' ? 1 : 0;
+    chunks.is_broken = text[end] != '\n';
+    if (chunks.is_broken) break;
+    text.remove_prefix(end + 1);
+  }
+  return chunks;
+}
+
+// Decodes any number of members. False if the stream is corrupt or exceeds the cap.
+bool Unzip(const std::string& zipped, std::size_t cap, bool& is_whole, std::string& out) {
+  out.assign(cap + 1, '\0');
   std::size_t size = 0;
-  std::size_t at = 0;
-  while (at < zipped.size()) {
+  int result = Z_STREAM_END;
+  for (std::size_t at = 0; at < zipped.size() && result == Z_STREAM_END && size <= cap;) {
     z_stream stream = {};
-    if (inflateInit2(&stream, 15 + 16) != Z_OK) return std::nullopt;
+    if (inflateInit2(&stream, 15 + 16) != Z_OK) return false;
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(zipped.data() + at));
     stream.avail_in = static_cast<uInt>(zipped.size() - at);
     stream.next_out = reinterpret_cast<Bytef*>(out.data() + size);
     stream.avail_out = static_cast<uInt>(out.size() - size);
-    const int result = inflate(&stream, Z_FINISH);
+    result = inflate(&stream, Z_SYNC_FLUSH);
     at = zipped.size() - stream.avail_in;
     size = out.size() - stream.avail_out;
     inflateEnd(&stream);
-    if (result != Z_STREAM_END || size > cap) return std::nullopt;
   }
-  return out.substr(0, size);
-}
-
-// A path on the same server.
-bool IsPlainPath(const std::string& location) {
-  return !location.empty() && location[0] == '/' && location.substr(0, 2) != "//" &&
-         IsMadeOf(location, "0123456789abcdefghijklmnopqrstuvwxyz/?=&");
-}
-
-HttpOutcome Finish(HttpOutcome outcome, Body body, const Framing& framing, bool follows_redirects,
-                   std::size_t cap) {
-  const bool has_no_body = outcome.status == 204 || outcome.status == 304;
-  if (has_no_body) body = Body();
-  const auto locations = ValuesOf(outcome.headers, "location");
-  const bool may_redirect = follows_redirects && outcome.status >= 300 && outcome.status <= 399;
-  if (may_redirect && !locations.empty()) {
-    const bool is_whole =
-        body.kind == Kind::kReceived && !framing.is_gzip && (framing.is_chunked || framing.length);
-    if (locations.size() == 1 && IsPlainPath(locations[0]) && is_whole && !has_no_body) {
-      outcome.kind = Kind::kRedirect;
-    }
-    return outcome;
-  }
-  outcome.kind = body.kind;
-  if (body.kind != Kind::kReceived) return outcome;
-  if (framing.is_gzip && !body.bytes.empty()) {
-    const std::optional<std::string> unzipped = Unzipped(body.bytes, cap);
-    if (!unzipped) outcome.kind = Kind::kFailed;
-    outcome.body = unzipped.value_or("");
-  } else {
-    if (body.bytes.size() > cap) outcome.kind = Kind::kFailed;
-    outcome.body = body.bytes;
-  }
-  return outcome;
+  is_whole = result == Z_STREAM_END;
+  out.resize(std::min(size, cap));
+  return size <= cap && (is_whole || result == Z_OK || result == Z_BUF_ERROR);
 }
 
 }  // namespace
 
-HttpOutcome ReadReply(std::string_view bytes, bool follows_redirects, std::size_t cap) {
-  HttpOutcome outcome;
-  Lines lines(bytes);
-  Framing framing;
-  for (;;) {
-    const std::optional<std::string> line = lines.Take();
-    outcome.status = line ? ReadStatusLine(*line) : 0;
-    outcome.headers.clear();
-    if (!ReadHeaders(lines, outcome.headers)) return outcome;
-    framing = ReadFraming(outcome.headers);
-    if (outcome.status >= 200) break;
-    const bool is_plain =
-        outcome.status == 100 && line->substr(0, 9) == "HTTP/1.1 " && outcome.headers.empty();
-    if (!is_plain) return outcome;
-    if (lines.rest().empty()) {
-      outcome.kind = Kind::kFailed;
-      return outcome;
-    }
-  }
-  if (!framing.is_clear) return outcome;
-  if (framing.is_refused) {
-    outcome.kind = Kind::kFailed;
-    return outcome;
-  }
-  const Body body = ReadBody(lines.rest(), framing);
-  return Finish(std::move(outcome), body, framing, follows_redirects, cap);
+bool ReplyHead::IsRedirect() const {
+  const bool has_status =
+      status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+  return has_status && !location.empty();
 }
 
-bool HasStatusLine(std::string_view bytes, int status) {
-  const std::string text = Lower(std::string(bytes));
-  const std::string digits = ' ' + std::to_string(status);
-  for (std::size_t at = text.find("http/"); at != std::string::npos;
-       at = text.find("http/", at + 1)) {
-    const std::string line = text.substr(at, text.find('\n', at) - at);
-    if (line.find(digits) != std::string::npos) return true;
+ReplyHead ReadHead(std::string_view text) {
+  ReplyHead head;
+  while (!text.empty() && !head.is_whole && head.fault == Fault::kNone) {
+    head.fault = ReadLine(std::string(TakeLine(text)), head);
   }
-  return false;
+  return head;
+}
+
+ReplyBody ReadBody(const ReplyHead& head, std::string_view rest, bool follows_redirects,
+                   std::size_t cap) {
+  const bool may_have_body = head.is_whole && !head.HasNoBody();
+  Chunks chunks;
+  if (may_have_body && head.is_chunked) {
+    chunks = ReadChunks(rest);
+  } else {
+    chunks.payload = rest;
+    chunks.is_whole = true;
+  }
+  const bool is_followed = follows_redirects && head.IsRedirect();
+  const bool is_zipped = head.is_gzip && !is_followed;
+  const std::uint64_t length = head.IsCounted() ? head.length.value_or(0) : chunks.payload.size();
+  ReplyBody body;
+  body.payload = chunks.payload.size();
+  body.trailer_lines = chunks.trailer_lines;
+  body.is_refused = chunks.is_broken || (!may_have_body && !rest.empty()) ||
+                    body.payload > length || (!is_zipped && body.payload > cap) ||
+                    head.bytes + chunks.trailer_bytes > kMostHeadBytes;
+  if (body.is_refused) return body;
+  bool is_stream_whole = true;
+  if (is_zipped) {
+    body.is_refused = !Unzip(chunks.payload, cap, is_stream_whole, body.decoded);
+  } else if (!is_followed) {
+    body.decoded = chunks.payload;
+  }
+  const bool has_all = chunks.is_whole && is_stream_whole && body.payload == length;
+  body.is_whole = head.is_whole && !body.is_refused && (head.HasNoBody() || has_all);
+  return body;
 }
 
 }  // namespace stowra_fuzz

@@ -16,7 +16,8 @@
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/ustring.h"
 #include "fuzz/platform/http/fake_network.h"
-#include "fuzz/platform/http/model.h"
+#include "fuzz/platform/http/joined_fields.h"
+#include "fuzz/platform/http/wire_model.h"
 #include "fuzz/support/check.h"
 #include "fuzz/support/input.h"
 #include "tests/platform/http/internet_data_test_peer.h"
@@ -104,17 +105,6 @@ bool Send(InternetData& transport) {
   return received;
 }
 
-void CheckHeaders(const InternetData& transport, const HttpOutcome& expected) {
-  StringMap headers;
-  for (const auto& [name, value] : expected.headers) {
-    const auto [entry, is_new] = headers.try_emplace(ovrant_ustring(name.data(), name.size()));
-    if (!is_new && entry->second.empty()) return;  // joining to an empty value is not specified
-    if (!is_new) entry->second += ", ";
-    entry->second += ovrant_ustring(value.data(), value.size());
-  }
-  FUZZ_CHECK(transport.received_headers() == headers);
-}
-
 // Checks what holds for every transfer. It took the replies from `first` to `end`.
 void CheckAnyway(const InternetData& transport, bool received,
                  const std::vector<ServerReply>& replies, std::size_t first, std::size_t end) {
@@ -133,9 +123,9 @@ void CheckOutcome(const InternetData& transport, bool received, const HttpOutcom
   if (expected.kind == HttpOutcome::Kind::kUnclear) return;
   FUZZ_CHECK(received == (expected.kind == HttpOutcome::Kind::kReceived));
   if (!received) return;
-  FUZZ_CHECK(transport.status_code() == expected.status);
+  FUZZ_CHECK(transport.status_code() == expected.head.status);
   FUZZ_CHECK(BodyOf(transport) == expected.body);
-  CheckHeaders(transport, expected);
+  stowra_fuzz::CheckFields(expected.head.fields, transport.received_headers());
 }
 
 void Transfer(InternetData& transport, bool is_upload, const Choices& choices,
