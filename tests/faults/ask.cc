@@ -2,20 +2,55 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
+#include <memory>
+
 #include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
 namespace {
 
-Answer AnswerIn(const InternetData& transport, bool received) {
+using ovrant::internet::TransferError;
+
+const char* NameOf(TransferError error) {
+  constexpr std::array<const char*, 14> kNames = {
+      "kNone",     "kBadUrl",     "kNameNotFound",     "kNotConnected",
+      "kTls",      "kSilent",     "kCutOff",           "kMalformed",
+      "kTooLarge", "kEncoding",   "kTooManyRedirects", "kForbiddenRedirect",
+      "kDropped",  "kOutOfMemory"};
+  return kNames.at(static_cast<std::size_t>(error));
+}
+
+// Holds the reason with which the last transfer ended.
+class ReasonListener {
+ public:
+  ReasonListener() {
+    InternetData::SetTransferListener([reason = reason_](const TransferEvent& event) {
+      if (event.kind == TransferEvent::Kind::kEnded) *reason = event.reason;
+    });
+  }
+  ~ReasonListener() { InternetData::SetTransferListener(nullptr); }
+
+  ReasonListener(const ReasonListener&) = delete;
+  ReasonListener& operator=(const ReasonListener&) = delete;
+
+  TransferError reason() const { return *reason_; }
+
+ private:
+  const std::shared_ptr<std::atomic<TransferError>> reason_ =
+      std::make_shared<std::atomic<TransferError>>(TransferError::kNone);
+};
+
+Answer AnswerIn(const InternetData& transport, bool received, TransferError error) {
   if (!received) ExpectFailureState(transport, transport.status_code());
-  return {received, transport.status_code(), BodyOf(transport)};
+  return {received, transport.status_code(), BodyOf(transport), error};
 }
 
 Answer AskByDownload(const std::string& url) {
   InternetData transport((Text(url)));
   const bool received = transport.Download();
-  return AnswerIn(transport, received);
+  return AnswerIn(transport, received, InternetData::LastError());
 }
 
 Answer AskBySendAndRead(const std::string& url, const std::string& upload) {
@@ -31,11 +66,12 @@ Answer AskBySendAndRead(const std::string& url, const std::string& upload) {
   EXPECT_EQ(length, transport.received_data_length());
   EXPECT_EQ(status, transport.status_code());
   EXPECT_EQ(headers, transport.received_headers());
-  return AnswerIn(transport, received);
+  return AnswerIn(transport, received, InternetData::LastError());
 }
 
 // `upload` is null for a download.
 Answer AskInBackground(const std::string& url, const std::string* upload) {
+  const ReasonListener listener;
   Background background(url);
   InternetData& transport = *background.transport;
   if (upload == nullptr) {
@@ -47,7 +83,7 @@ Answer AskInBackground(const std::string& url, const std::string* upload) {
   const std::string posted = background.WaitForEnd();
   EXPECT_TRUE(posted == kReturned || posted == kFailed) << posted;
   EXPECT_EQ(background.recorder.entries().size(), 1U);
-  return AnswerIn(transport, posted == kReturned);
+  return AnswerIn(transport, posted == kReturned, listener.reason());
 }
 
 }  // namespace
@@ -67,7 +103,9 @@ const char* NameOf(Way way) {
 }
 
 std::string TextOf(const Answer& answer) {
-  if (!answer.received) return "failed, status " + std::to_string(answer.status);
+  if (!answer.received) {
+    return std::string(NameOf(answer.error)) + ", status " + std::to_string(answer.status);
+  }
   return "received " + std::to_string(answer.status) + ", " + std::to_string(answer.body.size()) +
          " bytes";
 }

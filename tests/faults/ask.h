@@ -5,6 +5,9 @@
 
 #include <ostream>
 #include <string>
+#include <utility>
+
+#include "common_stowraapi/platform/transfer_types.h"
 
 namespace stowra_test {
 
@@ -16,13 +19,20 @@ struct Answer {
   bool received = false;
   int status = 0;
   std::string body;
+  ovrant::internet::TransferError error = ovrant::internet::TransferError::kNone;
 
   friend bool operator==(const Answer& a, const Answer& b) {
-    return a.received == b.received && a.status == b.status && a.body == b.body;
+    return a.received == b.received && a.status == b.status && a.body == b.body &&
+           a.error == b.error;
   }
 };
 
-// "received 200, 5 bytes" or "failed, status 0".
+inline Answer Received(int status, std::string body) { return {true, status, std::move(body)}; }
+inline Answer Failed(int status, ovrant::internet::TransferError error) {
+  return {false, status, "", error};
+}
+
+// "received 200, 5 bytes" or "kSilent, status 0".
 std::string TextOf(const Answer& answer);
 void PrintTo(const Answer& answer, std::ostream* out);
 

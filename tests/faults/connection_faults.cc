@@ -67,20 +67,20 @@ RawServer::Handler SayThenStall(std::string bytes) {
 }
 
 Fault Reset(const char* name, const char* bytes, int status) {
-  Fault fault = {name, Serve(SayThenReset(bytes)), {false, status, ""}};
+  Fault fault = {name, Serve(SayThenReset(bytes)), Failed(status, TransferError::kCutOff)};
   fault.ways = EveryWay();
   fault.may_lose_status = true;
   return fault;
 }
 
 Fault NotLetIn(const char* name, std::function<void(Stage&)> set) {
-  Fault fault = {name, std::move(set), {false, 0, ""}};
+  Fault fault = {name, std::move(set), Failed(0, TransferError::kNotConnected)};
   fault.ways = EveryWay();
   return fault;
 }
 
 Fault Silent(const char* name, std::function<void(Stage&)> set, int status) {
-  Fault fault = {name, std::move(set), {false, status, ""}};
+  Fault fault = {name, std::move(set), Failed(status, TransferError::kSilent)};
   fault.end = End::kAt;
   fault.ways = EveryWay();
   fault.runs = 1;
@@ -101,23 +101,32 @@ Fault HalfClosedBetween() {
                      if (request.target == kGoodTarget) connection.Close();
                    });
                  },
-                 {true, 200, kGoodBody}};
+                 Received(200, kGoodBody)};
   fault.ways = EveryWay();
   fault.kept_connections = 1;
   return OnUsedConnection(fault);
 }
 
 Fault Drip() {
-  Fault fault = {"DripOfAByte",
-                 Serve([](const RawRequest&, RawConnection& connection) {
+  Fault fault = {"DripOfAByte", Serve([](const RawRequest&, RawConnection& connection) {
                    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n");
                    connection.Drip(std::string(20, 'x'), kPause);
                  }),
-                 {true, 200, std::string(20, 'x')}};
+                 Received(200, std::string(20, 'x'))};
   fault.end = End::kAfter;
   fault.kept_connections = 1;
   fault.runs = 1;
   return fault;
+}
+
+// A line that never ends is silence, although its bytes arrive.
+Fault DripInsideLine(const char* name, const std::string& head) {
+  return Silent(name, Serve([head](const RawRequest&, RawConnection& connection) {
+                  connection.Write(head);
+                  connection.Drip(std::string(1000, 'x'), kPause);
+                  connection.Close();
+                }),
+                200);
 }
 
 // Each Open lets one Pass through.
@@ -141,6 +150,30 @@ class Turnstile {
   int open_for_ = 0;
 };
 
+// Between two requests the server sends a reply to a request that nobody made. The next request
+// gets a connection of its own.
+Fault UnaskedBytes() {
+  const auto set = [](Stage& stage) {
+    auto is_idle = std::make_shared<Turnstile>();
+    auto has_written = std::make_shared<Turnstile>();
+    stage.set_before([is_idle, has_written] {
+      is_idle->Open();
+      has_written->Pass();
+    });
+    stage.AddServer([is_idle, has_written](const RawRequest& request, RawConnection& connection) {
+      connection.Write(Response(200, kGoodBody));
+      if (request.target != kGoodTarget) return;
+      is_idle->Pass();
+      connection.Write(Response(200, "unasked"));
+      has_written->Open();
+    });
+  };
+  Fault fault = {"UnaskedBytes", set, Received(200, kGoodBody)};
+  fault.ways = EveryWay();
+  fault.kept_connections = 1;
+  return OnUsedConnection(fault);
+}
+
 // Answers after the headers of an upload. The upload is larger than all buffers on the way, and its
 // body is not read before the transfer has ended.
 void AnswerEarly(int status, const std::string& body, Stage& stage) {
@@ -159,9 +192,8 @@ void AnswerEarly(int status, const std::string& body, Stage& stage) {
 }
 
 Fault AnsweredEarly(const char* name, int status, const char* body) {
-  Fault fault = {name,
-                 [status, body](Stage& stage) { AnswerEarly(status, body, stage); },
-                 {true, status, body}};
+  Fault fault = {name, [status, body](Stage& stage) { AnswerEarly(status, body, stage); },
+                 Received(status, body)};
   fault.ways = Uploads();
   fault.upload_size = kLargeBody;
   fault.runs = 5;
@@ -188,10 +220,14 @@ std::vector<Fault> ConnectionFaults() {
           Reset("ResetInsideBody", kPartOfBody, 200),
           OnUsedConnection(Silent("StallOnUsedConnection", Serve(Silence()), 0)),
           OnUsedConnection(Reset("ResetOnUsedConnection", kPartOfBody, 200)),
-          OnUsedConnection(
-              {"CutOnUsedConnection", Serve(AlwaysThenClose(kPartOfBody)), {false, 200, ""}}),
+          OnUsedConnection({"CutOnUsedConnection", Serve(AlwaysThenClose(kPartOfBody)),
+                            Failed(200, TransferError::kCutOff)}),
           HalfClosedBetween(),
+          UnaskedBytes(),
           Drip(),
+          DripInsideLine("DripInsideHeaderLine", "HTTP/1.1 200 OK\r\nX-Slow: "),
+          DripInsideLine("DripInsideChunkSize",
+                         "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5;"),
           AnsweredEarly("TakenBeforeTheUpload", 200, "taken"),
           AnsweredEarly("RefusedBeforeTheUpload", 413, "too large")};
 }

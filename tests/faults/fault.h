@@ -15,6 +15,8 @@
 
 namespace stowra_test {
 
+using ovrant::internet::TransferError;
+
 // Every fault's server answers this target with this body.
 inline constexpr char kGoodTarget[] = "/good";
 inline constexpr char kGoodBody[] = "good";
@@ -42,7 +44,11 @@ class Stage {
 
   TransferDefaults& defaults() { return defaults_; }
 
-  // Called after the transfer.
+  // Called before and after the transfer.
+  void set_before(std::function<void()> before) { before_ = std::move(before); }
+  void NoteBegin() const {
+    if (before_) before_();
+  }
   void set_after(std::function<void()> after) { after_ = std::move(after); }
   void NoteEnd() const {
     if (after_) after_();
@@ -51,6 +57,7 @@ class Stage {
  private:
   TransferDefaults defaults_;
   std::string url_;
+  std::function<void()> before_;
   std::function<void()> after_;
   std::vector<std::shared_ptr<void>> props_;
   std::vector<std::unique_ptr<RawServer>> servers_;
@@ -84,9 +91,7 @@ struct Fault {
 
   std::size_t upload_size = 4;
 
-  // There must be many more runs than blocks that libcurl may keep, or a leak would not show.
-  int runs = 400;
-  int kept_blocks = kKeptBlocks;
+  int runs = kRuns;
 };
 
 // All calls, and those that send a body.

@@ -1,4 +1,4 @@
-// Redirects in a circle and to schemes that are not allowed.
+// Redirects in a circle, to schemes that are not allowed and to a long URL.
 
 #include "tests/faults/fault.h"
 
@@ -9,21 +9,28 @@ std::string Redirect(const std::string& location) {
   return Response(302, "moved", "Location: " + location + "\r\n");
 }
 
-Fault RedirectedTo(const char* name, const char* location) {
-  Fault fault = {name,
-                 [location](Stage& stage) { stage.AddServer(Always(Redirect(location))); },
-                 {false, 302, ""}};
+Fault RedirectedTo(const char* name, const char* location, TransferError error) {
+  Fault fault = {name, [location](Stage& stage) { stage.AddServer(Always(Redirect(location))); },
+                 Failed(302, error)};
   fault.kept_connections = 1;
-  fault.runs = 1500;
-  fault.kept_blocks = kMostKeptBlocks;
   return fault;
+}
+
+// libcurl takes no header line as long as this.
+Fault LongLocation() {
+  const std::string location = '/' + std::string(250'000, 'x');
+  return {"LongLocation",
+          [location](Stage& stage) { stage.AddServer(SayThenClose(Redirect(location))); },
+          Failed(302, TransferError::kTooLarge)};
 }
 
 }  // namespace
 
 std::vector<Fault> RedirectFaults() {
-  return {RedirectedTo("RedirectLoop", "/"), RedirectedTo("RedirectToFile", "file:///etc/passwd"),
-          RedirectedTo("RedirectToFtp", "ftp://127.0.0.1/")};
+  return {RedirectedTo("RedirectLoop", "/", TransferError::kTooManyRedirects),
+          RedirectedTo("RedirectToFile", "file:///etc/passwd", TransferError::kForbiddenRedirect),
+          RedirectedTo("RedirectToFtp", "ftp://127.0.0.1/", TransferError::kForbiddenRedirect),
+          LongLocation()};
 }
 
 }  // namespace stowra_test

@@ -12,6 +12,11 @@ namespace {
 constexpr char kChunked[] = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
 constexpr char kGzipHeader[] = "Content-Encoding: gzip\r\n";
 
+constexpr char kGzipEndedByClose[] = "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n";
+
+// The beginning of a gzip stream with a file name.
+constexpr std::string_view kGzipWithName("\x1F\x8B\x08\x08\0\0\0\0\0\x03", 10);
+
 constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 
 Fault Says(const char* name, std::string bytes, Answer answer) {
@@ -19,21 +24,22 @@ Fault Says(const char* name, std::string bytes, Answer answer) {
           std::move(answer)};
 }
 
-Fault Refused(const char* name, std::string bytes) {
-  return Says(name, std::move(bytes), {false, 200, ""});
+Fault Refused(const char* name, TransferError error, std::string bytes) {
+  return Says(name, std::move(bytes), Failed(200, error));
 }
 
-Fault RefusedChunks(const char* name, const char* chunks) {
-  return Refused(name, std::string(kChunked) + chunks);
+Fault RefusedChunks(const char* name, TransferError error, const char* chunks) {
+  return Refused(name, error, std::string(kChunked) + chunks);
 }
 
 Fault RefusedEncoding(const char* name, const char* encoding) {
   return Refused(
-      name, Response(200, Gzip("hello"), std::string("Content-Encoding: ") + encoding + "\r\n"));
+      name, TransferError::kEncoding,
+      Response(200, Gzip("hello"), std::string("Content-Encoding: ") + encoding + "\r\n"));
 }
 
 Fault RefusedGzip(const char* name, const std::string& gzip) {
-  return Refused(name, Response(200, gzip, kGzipHeader));
+  return Refused(name, TransferError::kMalformed, Response(200, gzip, kGzipHeader));
 }
 
 // The HTTP framing is intact, so the connection stays open.
@@ -42,10 +48,8 @@ Fault CutGzip(const char* name, const std::string& gzip, std::size_t length) {
                  [response = Response(200, gzip.substr(0, length), kGzipHeader)](Stage& stage) {
                    stage.AddServer(Always(response));
                  },
-                 {false, 200, ""}};
+                 Failed(200, TransferError::kCutOff)};
   fault.kept_connections = 1;
-  fault.runs = 1500;
-  fault.kept_blocks = kMostKeptBlocks;
   return fault;
 }
 
@@ -57,10 +61,21 @@ Fault LargeHead(const char* name, std::size_t line_length, std::size_t lines) {
     }
     stage.AddServer(SayThenClose(head + "\r\n"));
   };
-  Fault fault = {name, set, {false, 200, ""}};
-  fault.runs = 500;
-  fault.kept_blocks = 400;
-  return fault;
+  return {name, set, Failed(200, TransferError::kTooLarge)};
+}
+
+// Says `begin` and then `more` again and again, until the client closes.
+Fault Endless(const char* name, int status, std::string begin, const std::string& more) {
+  const auto set = [begin = std::move(begin), more](Stage& stage) {
+    stage.defaults().body_cap = kMegabyte;
+    stage.AddServer(GoodOr([begin, more](const RawRequest&, RawConnection& connection) {
+      connection.Write(begin);
+      while (connection.Write(more)) {
+      }
+      connection.Close();
+    }));
+  };
+  return {name, set, Failed(status, TransferError::kTooLarge)};
 }
 
 std::string Corrupt(std::string gzip) {
@@ -76,17 +91,16 @@ Fault GzipBomb() {
                    static const std::string bomb = Gzip(std::string(64 * kMegabyte, '\0'));
                    stage.AddServer(SayThenClose(Response(200, bomb, kGzipHeader)));
                  },
-                 {false, 200, ""}};
+                 Failed(200, TransferError::kTooLarge)};
   return fault;
 }
 
 Fault EmptyBodies(const char* name, std::vector<Way> ways, int runs) {
-  Fault fault = {
-      name, [](Stage& stage) { stage.AddServer(Always(Response(200, ""))); }, {true, 200, ""}};
+  Fault fault = {name, [](Stage& stage) { stage.AddServer(Always(Response(200, ""))); },
+                 Received(200, "")};
   fault.ways = std::move(ways);
   fault.kept_connections = 1;
   fault.runs = runs;
-  fault.kept_blocks = kMostKeptBlocks;
   return fault;
 }
 
@@ -94,19 +108,25 @@ Fault EmptyBodies(const char* name, std::vector<Way> ways, int runs) {
 
 std::vector<Fault> ReplyFaults() {
   const std::string gzip = Gzip("hello world, hello world");
+  const std::string line = "X-Long: " + std::string(1000, 'x') + "\r\n";
   return {
-    Refused("CutInsideBodyWithLength", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"),
-        RefusedChunks("CutInsideChunk", "5\r\nhel"),
-        RefusedChunks("CutBeforeLastChunk", "5\r\nhello\r\n"),
+    Refused("CutInsideBodyWithLength", TransferError::kCutOff,
+            "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"),
+        RefusedChunks("CutInsideChunk", TransferError::kCutOff, "5\r\nhel"),
+        RefusedChunks("CutBeforeLastChunk", TransferError::kCutOff, "5\r\nhello\r\n"),
         // Without a length or chunks the end of the connection ends the body.
-        Says("BodyEndedByClose", "HTTP/1.1 200 OK\r\n\r\nhello", {true, 200, "hello"}),
-        RefusedChunks("ChunkSizeNoNumber", "xyz\r\nhello\r\n0\r\n\r\n"),
-        RefusedChunks("ChunkSizeBeyondAllNumbers", "fffffffffffffffff\r\nhello\r\n0\r\n\r\n"),
-        RefusedChunks("ChunkWithoutLineEnd", "5\r\nhello0\r\n\r\n"),
-        Refused("TwoLengths",
+        Says("BodyEndedByClose", "HTTP/1.1 200 OK\r\n\r\nhello", Received(200, "hello")),
+        RefusedChunks("ChunkSizeNoNumber", TransferError::kMalformed, "xyz\r\nhello\r\n0\r\n\r\n"),
+        RefusedChunks("ChunkSizeBeyondAllNumbers", TransferError::kMalformed,
+                      "fffffffffffffffff\r\nhello\r\n0\r\n\r\n"),
+        RefusedChunks("ChunkWithoutLineEnd", TransferError::kMalformed, "5\r\nhello0\r\n\r\n"),
+        Refused("TwoLengths", TransferError::kMalformed,
                 "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nContent-Length: 3\r\n\r\nhello"),
         LargeHead("TwoMegabytesInOneHeader", 2 * kMegabyte, 1),
         LargeHead("TwoMegabytesOfHeaders", 1000, 2 * kMegabyte / 1000), GzipBomb(),
+        Endless("EndlessGzipName", 200, kGzipEndedByClose + std::string(kGzipWithName), line),
+        Endless("EndlessTrailers", 200, std::string(kChunked) + "0\r\n", line),
+        Endless("EndlessInterimReplies", 103, "", "HTTP/1.1 103 Early\r\n" + line + "\r\n"),
         CutGzip("GzipTruncated", gzip, gzip.size() / 2),
         CutGzip("GzipWithoutItsTrailer", gzip, gzip.size() - 8),
         RefusedGzip("GzipWithGarbageBehind", gzip + "garbage"),

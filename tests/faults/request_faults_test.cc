@@ -22,7 +22,6 @@ namespace {
 
 using ovrant::webservices::UpdateQuery;
 
-constexpr int kRuns = 400;
 constexpr int kWarmUpRuns = 10;
 
 void ExpectNothingIsLeftBy(const char* fault, const char* way, const char* answer,

@@ -8,9 +8,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -28,6 +30,8 @@ constexpr int kHighestDescriptor = 80;
 // Milliseconds. A name look-up on another thread polls more often.
 constexpr int kLongWait = 1000;
 
+constexpr int kFirstPort = 1000;
+
 void MakeNonBlocking(int descriptor) {
   FUZZ_CHECK(fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK) == 0);
 }
@@ -39,6 +43,25 @@ bool BeginsRequest(std::string_view bytes) {
 template <typename Function>
 Function Original(const char* name) {
   return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+sockaddr_in LoopbackAddress(int port) {
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  return address;
+}
+
+using NameOf = int (*)(int, sockaddr*, socklen_t*);
+
+int GiveAddress(NameOf original, int descriptor, sockaddr* address, socklen_t* size) {
+  const int port = network == nullptr ? 0 : network->PortOf(descriptor);
+  if (port == 0) return original(descriptor, address, size);
+  const sockaddr_in given = LoopbackAddress(port);
+  std::memcpy(address, &given, std::min<std::size_t>(*size, sizeof(given)));
+  *size = sizeof(given);
+  return 0;
 }
 
 // A result of getaddrinfo with its address.
@@ -72,6 +95,13 @@ bool FakeNetwork::Connect(int client) {
   }
   connections_.push_back({client, ends[1], true});
   return true;
+}
+
+int FakeNetwork::PortOf(int client) const {
+  for (std::size_t i = 0; i < connections_.size(); ++i) {
+    if (connections_[i].client == client) return kFirstPort + static_cast<int>(i);
+  }
+  return 0;
 }
 
 void FakeNetwork::OnSent(int client, const char* data, std::size_t size) {
@@ -118,6 +148,17 @@ STOWRA_INSTEAD int connect(int descriptor, const sockaddr* address, socklen_t /*
   return -1;
 }
 
+// Both ends have the connection's port.
+STOWRA_INSTEAD int getsockname(int descriptor, sockaddr* address, socklen_t* size) noexcept {
+  static const auto original = stowra_fuzz::Original<stowra_fuzz::NameOf>("getsockname");
+  return stowra_fuzz::GiveAddress(original, descriptor, address, size);
+}
+
+STOWRA_INSTEAD int getpeername(int descriptor, sockaddr* address, socklen_t* size) noexcept {
+  static const auto original = stowra_fuzz::Original<stowra_fuzz::NameOf>("getpeername");
+  return stowra_fuzz::GiveAddress(original, descriptor, address, size);
+}
+
 STOWRA_INSTEAD ssize_t send(int descriptor, const void* data, size_t size, int flags) {
   using Send = ssize_t (*)(int, const void*, size_t, int);
   static const auto original = stowra_fuzz::Original<Send>("send");
@@ -153,10 +194,7 @@ STOWRA_INSTEAD int getaddrinfo(const char* /*node*/, const char* service, const 
                                addrinfo** result) {
   if (hints != nullptr && hints->ai_family == AF_INET6) return EAI_NONAME;
   auto* const owned = new stowra_fuzz::OwnedAddress;
-  owned->address.sin_family = AF_INET;
-  owned->address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const int port = service == nullptr ? 0 : std::atoi(service);
-  owned->address.sin_port = htons(static_cast<std::uint16_t>(port));
+  owned->address = stowra_fuzz::LoopbackAddress(service == nullptr ? 0 : std::atoi(service));
   owned->info.ai_family = AF_INET;
   owned->info.ai_socktype = SOCK_STREAM;
   owned->info.ai_addrlen = sizeof(owned->address);

@@ -1,6 +1,6 @@
 // A network of one server. While it exists, every connection of this process leads to that server,
-// and nothing leaves the process. It replaces connect, send, poll, getaddrinfo and freeaddrinfo of
-// the C library.
+// and nothing leaves the process. It replaces connect, getsockname, getpeername, send, poll,
+// getaddrinfo and freeaddrinfo of the C library.
 
 #ifndef FUZZ_PLATFORM_HTTP_FAKE_NETWORK_H_
 #define FUZZ_PLATFORM_HTTP_FAKE_NETWORK_H_
@@ -38,6 +38,7 @@ class FakeNetwork {
 
   // Called by the replaced C functions.
   bool Connect(int client);
+  int PortOf(int client) const;  // 0 without a connection, else another for each
   void OnSent(int client, const char* data, std::size_t size);
   bool CloseAll();
   void NoteWait() { has_waited_ = true; }

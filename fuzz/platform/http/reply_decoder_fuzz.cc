@@ -32,12 +32,15 @@ constexpr std::string_view kLinesMark = "<<LINES>>";
 constexpr std::string_view kLongMark = "<<LONG>>";
 constexpr std::size_t kLong = 8180;
 
-// Enough for more than 256 KiB, and less than what a gzip stream may have beyond the cap.
-constexpr int kMostLong = 40;
+// Marks that count. Some are enough for the line with a chunk's size. Many exceed 256 KiB, but not
+// what a gzip stream may have beyond the cap. They are slow, so few inputs have many.
+constexpr int kSome = 2;
+constexpr int kMany = 40;
+constexpr std::uint8_t kChoosesMany = 0xF0;
 
-std::string Lengthened(std::string_view text) {
+std::string Lengthened(std::string_view text, int most) {
   std::string out;
-  for (int i = 0; i < kMostLong; ++i) {
+  for (int i = 0; i < most; ++i) {
     const std::size_t mark = text.find(kLongMark);
     if (mark == std::string_view::npos) break;
     out += text.substr(0, mark);
@@ -165,10 +168,11 @@ void AddTrailers(std::string_view lines, std::size_t bytes, ReplyDecoder& decode
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   stowra_fuzz::Input input(data, size);
-  const bool follows_redirects = input.Below(2) == 0;
+  const std::uint8_t choices = input.Byte();
+  const bool follows_redirects = choices % 2 == 0;
   const std::size_t cap = input.Byte() * std::size_t{1024};
   const std::uint8_t seed = input.Byte();
-  const std::string text = Lengthened(input.Rest());
+  const std::string text = Lengthened(input.Rest(), choices >= kChoosesMany ? kMany : kSome);
   const auto [before, trailers] = SplitAt(kLinesMark, text);
   const auto [lines, after_mark] = SplitAt(kBodyMark, before);
 
