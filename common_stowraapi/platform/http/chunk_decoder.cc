@@ -53,7 +53,7 @@ void ChunkDecoder::Take(char c) {
         part_ = Part::kSize;
         has_size_ = false;
         line_length_ = 0;
-      } else if (c != '\r') {
+      } else if (c != '\r' || ++line_length_ > 1) {
         part_ = Part::kBroken;
       }
       return;

@@ -41,7 +41,7 @@ class ChunkDecoder {
   Part part_ = Part::kSize;
   bool has_size_ = false;
   std::size_t left_ = 0;         // of the chunk
-  std::size_t line_length_ = 0;  // of the size line, or of the trailer line without its end
+  std::size_t line_length_ = 0;  // of the line that is read, in a trailer without its end
   bool has_colon_ = false;       // in the trailer line
   bool is_folded_ = false;       // the trailer line begins with a blank
   std::size_t trailer_lines_ = 0;

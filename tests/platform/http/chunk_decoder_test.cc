@@ -49,7 +49,7 @@ TEST(ChunkDecoder, AcceptsBareLineFeeds) {
 
 TEST(ChunkDecoder, SeesThatABodyIsBroken) {
   for (const char* body :
-       {"5\r\nhello!\r\n0\r\n\r\n", "x\r\n0\r\n\r\n", "\r\n0\r\n\r\n",
+       {"5\r\nhello!\r\n0\r\n\r\n", "5\r\nhello\r\r\n0\r\n\r\n", "x\r\n0\r\n\r\n", "\r\n0\r\n\r\n",
         "5\r\nhello\r\n\r\n0\r\n\r\n", "-1\r\n0\r\n\r\n", "10000000000000000\r\n0\r\n\r\n",
         "0x5\r\nhello\r\n0\r\n\r\n", "5,\r\nhello\r\n0\r\n\r\n", "0\r\ngarbage\r\n\r\n",
         "0\r\n: no name\r\n\r\n", "0\r\n continues nothing\r\n\r\n"}) {
