@@ -25,9 +25,8 @@ struct Outcome {
 // another thread may still be freeing some.
 bool GivesAllBack(const MemoryWatch& watch);
 
-// A run that leaves blocks is repeated up to this number of runs. The transport alone keeps up to
-// 16 used handles before it frees them.
-inline constexpr int kMostTries = 60;
+// A run that leaves blocks is repeated up to this number of runs, while caches fill up.
+inline constexpr int kMostTries = 10;
 
 // Prints how many runs had a failure, and adds it to the sum that the program prints at its end.
 void CountFailingRuns(long runs);

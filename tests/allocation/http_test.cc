@@ -151,7 +151,11 @@ TEST_F(TransportAllocationTest, TransferWithAllSettingsFailsOrSucceeds) {
 
 // A background transfer and its posts.
 struct InBackground {
-  explicit InBackground(const std::string& url) : transport(Text(url)) {
+  explicit InBackground(const std::string& url, const char* returned = kReturned,
+                        const char* failed = kFailed)
+      : ends(returned, failed),
+        delegate(MakeDelegate(nullptr, returned, failed)),
+        transport(Text(url)) {
     SetSendData(kSent, transport);
   }
 
@@ -161,8 +165,8 @@ struct InBackground {
     return started;
   }
 
-  EndCounter ends{kReturned, kFailed};
-  const std::unique_ptr<InternetDataDelegate> delegate = MakeDelegate();
+  EndCounter ends;
+  const std::unique_ptr<InternetDataDelegate> delegate;
   InternetData transport;
   bool started = false;
 };
@@ -221,6 +225,51 @@ TEST_F(TransportAllocationTest, FailureOnTheWorkerReachesListenerAndExecutor) {
   EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kAll), 15);
   EXPECT_GT(events, 0);
   EXPECT_GT(completions, 0);
+}
+
+// Another transfer waits for its reply meanwhile, on the same thread.
+TEST_F(TransportAllocationTest, OutOfMemoryEndsOnlyThatTransfer) {
+  std::mutex mutex;
+  std::condition_variable changed;
+  int arrived = 0;
+  int let_go = 0;
+  const RawServer slow([&](const RawRequest&, RawConnection& connection) {
+    std::unique_lock<std::mutex> lock(mutex);
+    const int number = ++arrived;
+    changed.notify_all();
+    changed.wait_for(lock, kPatience, [&] { return let_go >= number; });
+    lock.unlock();
+    connection.Write(Response(200, kBody));
+  });
+  struct Two {
+    Two(const std::string& slow_url, const std::string& url)
+        : waiting(slow_url, "WaitingReturned", "WaitingFailed"), other(url) {}
+
+    InBackground waiting;
+    InBackground other;
+  };
+  const auto make = [&] {
+    auto two = std::make_unique<Two>(slow.Url(), server_.Url("/redirect"));
+    EXPECT_TRUE(two->waiting.Start(false));
+    std::unique_lock<std::mutex> lock(mutex);
+    EXPECT_TRUE(changed.wait_for(lock, kPatience, [&] { return arrived > let_go; }));
+    return two;
+  };
+  const auto work = [](const std::unique_ptr<Two>& two) {
+    if (two->other.Start(false)) two->other.ends.WaitFor(1);
+  };
+  const auto check = [&](const std::unique_ptr<Two>& two, Outcome outcome) {
+    EXPECT_TRUE(two->other.ends.successes() == 1 || outcome.failed());
+    {
+      const std::lock_guard<std::mutex> lock(mutex);
+      ++let_go;
+      changed.notify_all();
+    }
+    ASSERT_TRUE(two->waiting.ends.WaitFor(1));
+    EXPECT_EQ(two->waiting.ends.successes(), 1);
+    LetWorkerCatchUp();
+  };
+  EXPECT_GT(FailEachAllocationOf(make, work, check, Threads::kOthers), 20);
 }
 
 // The transfer is deleted after the server has its request, or after it has failed.

@@ -45,10 +45,10 @@ class Program final : public ::testing::Environment {
 
   void TearDown() override {
     if (Rows().empty()) return;
-    std::printf("%-30s %-21s %6s  %-26s %8s  %17s  %15s  %11s\n", "fault", "way", "runs", "answer",
+    std::printf("%-30s %-21s %6s  %-30s %8s  %17s  %15s  %11s\n", "fault", "way", "runs", "answer",
                 "ms", "bytes", "blocks", "descriptors");
     for (const FaultRow& row : Rows()) {
-      std::printf("%-30s %-21s %6d  %-26s %8.1f  %8lld %8lld  %7ld %7ld  %5d %5d\n",
+      std::printf("%-30s %-21s %6d  %-30s %8.1f  %8lld %8lld  %7ld %7ld  %5d %5d\n",
                   row.fault.c_str(), row.way.c_str(), row.runs, row.answer.c_str(),
                   row.longest.count(), row.before.bytes, row.after.bytes, row.before.blocks,
                   row.after.blocks, row.before.descriptors, row.after.descriptors);

@@ -12,14 +12,16 @@
 
 namespace stowra_fuzz {
 
-// Checks that `map` holds exactly `fields`, with the values of each name joined.
+// Checks that `map` holds exactly `fields`, with the values of each name joined. How an empty value
+// is joined or continued is not specified.
 inline void CheckFields(const std::vector<std::pair<std::string, std::string>>& fields,
                         const ovrant::utils::StringMap& map) {
   using ovrant::utils::ovrant_ustring;
   ovrant::utils::StringMap joined;
   for (const auto& [name, value] : fields) {
     const auto [entry, is_new] = joined.try_emplace(ovrant_ustring(name.data(), name.size()));
-    if (!is_new && entry->second.empty()) return;  // joining to an empty value is not specified
+    const bool continues_nothing = !value.empty() && value.front() == ' ';
+    if (continues_nothing || (!is_new && entry->second.empty())) return;
     if (!is_new) entry->second += ", ";
     entry->second += ovrant_ustring(value.data(), value.size());
   }

@@ -100,7 +100,7 @@ Fault ReadField(const std::string& line, ReplyHead& head) {
   if (line.find('\0') != std::string::npos) return Fault::kMalformed;
   if (BeginsWithBlank(line)) {
     if (head.fields.empty() || Frames(Lower(head.fields.back().first))) return Fault::kMalformed;
-    head.fields.back().second += (head.fields.back().second.empty() ? "" : " ") + Trimmed(line);
+    head.fields.back().second += ' ' + Trimmed(line);
     return Fault::kNone;
   }
   const std::size_t colon = line.find(':');
