@@ -22,8 +22,10 @@ std::string_view Field(std::string_view text, std::string_view label) {
 
 std::string VersionText() {
   const std::string_view text = reinterpret_cast<const char*>(CommonStowraapiVersionString);
-  return fmt::format("stowra with {} {} ({})", Field(text, "PROGRAM:"),
-                     CommonStowraapiVersionNumber, Field(text, "PROJECT:"));
+  return fmt::format("stowra {}.{}.{} with {} {} ({})", COMMON_STOWRAAPI_VERSION_MAJOR,
+                     COMMON_STOWRAAPI_VERSION_MINOR, COMMON_STOWRAAPI_VERSION_PATCH,
+                     Field(text, "PROGRAM:"), CommonStowraapiVersionNumber,
+                     Field(text, "PROJECT:"));
 }
 
 }  // namespace stowra

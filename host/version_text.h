@@ -7,7 +7,7 @@
 
 namespace stowra {
 
-// The two version symbols of the loaded library, in readable form.
+// The version of the program, and the two version symbols of the loaded library.
 std::string VersionText();
 
 }  // namespace stowra

@@ -135,11 +135,14 @@ TEST(UsageTest, HelpExplainsTheUrl) {
 }
 
 TEST(UsageTest, PrintsVersionOfTheLibrary) {
+  const std::string version = std::to_string(COMMON_STOWRAAPI_VERSION_MAJOR) + "." +
+                              std::to_string(COMMON_STOWRAAPI_VERSION_MINOR) + "." +
+                              std::to_string(COMMON_STOWRAAPI_VERSION_PATCH);
   const Outcome outcome = RunStowra({"--version"});
   EXPECT_EQ(outcome.status, 0);
   const std::string number = std::to_string(static_cast<int>(CommonStowraapiVersionNumber));
-  EXPECT_EQ(outcome.out,
-            "stowra with CommonStowraapi " + number + " (common_stowraapi-" + number + ")\n");
+  EXPECT_EQ(outcome.out, "stowra " + version + " with CommonStowraapi " + number +
+                             " (common_stowraapi-" + number + ")\n");
   EXPECT_EQ(outcome.err, "");
 }
 
