@@ -45,13 +45,14 @@ class Program final : public ::testing::Environment {
 
   void TearDown() override {
     if (Rows().empty()) return;
-    std::printf("%-30s %-21s %6s  %-30s %8s  %17s  %15s  %11s\n", "fault", "way", "runs", "answer",
-                "ms", "bytes", "blocks", "descriptors");
+    std::printf(
+        "| fault | way | runs | answer | ms | kB before | after | descriptors before | after |\n"
+        "|---|---|---|---|---|---|---|---|---|\n");
     for (const FaultRow& row : Rows()) {
-      std::printf("%-30s %-21s %6d  %-30s %8.1f  %8lld %8lld  %7ld %7ld  %5d %5d\n",
-                  row.fault.c_str(), row.way.c_str(), row.runs, row.answer.c_str(),
-                  row.longest.count(), row.before.bytes, row.after.bytes, row.before.blocks,
-                  row.after.blocks, row.before.descriptors, row.after.descriptors);
+      std::printf("| %s | %s | %d | %s | %.1f | %lld | %lld | %d | %d |\n", row.fault.c_str(),
+                  row.way.c_str(), row.runs, row.answer.c_str(), row.longest.count(),
+                  row.before.bytes / 1000, row.after.bytes / 1000, row.before.descriptors,
+                  row.after.descriptors);
     }
   }
 };
