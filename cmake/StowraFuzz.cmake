@@ -1,3 +1,5 @@
+include(StowraTest)
+
 add_custom_target(fuzz_targets)
 
 # stowra_add_fuzz_target(<name> [SOURCES <file>...] [LIBRARIES <target>...])
@@ -26,6 +28,7 @@ function(stowra_add_fuzz_target name)
     add_test(NAME fuzz.${room}.${name}
       COMMAND ${program} "${CMAKE_CURRENT_SOURCE_DIR}/${name}/seeds"
               "${CMAKE_CURRENT_SOURCE_DIR}/${name}/findings")
-    set_tests_properties(fuzz.${room}.${name} PROPERTIES TIMEOUT 300)
+    set_tests_properties(fuzz.${room}.${name} PROPERTIES TIMEOUT 300 LABELS ${room})
+    stowra_build_for_labels(${program} ${room})
   endif()
 endfunction()

@@ -1,11 +1,24 @@
 include(GoogleTest)
 
-# stowra_add_test_program(<name> [LIBRARIES <target>...] [SOURCES <file>...])
+# stowra_build_for_labels(<target> <label>...)
+#
+# Makes the target tests_<label>, which builds what the tests of a label run, build <target>.
+function(stowra_build_for_labels target)
+  foreach(label IN LISTS ARGN)
+    if(NOT TARGET tests_${label})
+      add_custom_target(tests_${label})
+    endif()
+    add_dependencies(tests_${label} ${target})
+  endforeach()
+endfunction()
+
+# stowra_add_test_program(<name> [LIBRARIES <target>...] [SOURCES <file>...] [LABELS <label>...])
 #
 # Adds a test program from all *_test.cc in the current folder, or from SOURCES. Each GoogleTest test becomes a CTest
 # test. By default it links the rooms' objects with their internals. To test what is shipped, name the shared libraries.
+# The tests get the name of the folder as their label, or LABELS. Those that STOWRA_SLOW_TESTS names get "slow", too.
 function(stowra_add_test_program name)
-  cmake_parse_arguments(TEST "" "" "LIBRARIES;SOURCES" ${ARGN})
+  cmake_parse_arguments(TEST "" "" "LIBRARIES;SOURCES;LABELS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_test.cc")
   if(TEST_SOURCES)
     set(sources ${TEST_SOURCES})
@@ -13,9 +26,27 @@ function(stowra_add_test_program name)
   if(NOT TEST_LIBRARIES)
     set(TEST_LIBRARIES stowra_all_rooms)
   endif()
+  if(NOT TEST_LABELS)
+    get_filename_component(TEST_LABELS "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+  endif()
   add_executable(${name} ${sources})
   target_compile_options(${name} PRIVATE ${STOWRA_WARNINGS})
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} stowra_test_support GTest::gmock
                                         GTest::gtest_main)
+  stowra_build_for_labels(${name} ${TEST_LABELS})
   gtest_discover_tests(${name} PROPERTIES TIMEOUT 300 DISCOVERY_TIMEOUT 60)
+
+  # gtest_discover_tests cannot pass on a list of labels. CTest reads this file after the tests.
+  list(JOIN STOWRA_SLOW_TESTS "|" slow)
+  file(CONFIGURE OUTPUT ${name}_labels.cmake @ONLY CONTENT [[
+foreach(test IN LISTS @name@_TESTS)
+  set(labels "@TEST_LABELS@")
+  if(test MATCHES "^(@slow@)$")
+    list(APPEND labels slow)
+  endif()
+  set_tests_properties("${test}" PROPERTIES LABELS "${labels}")
+endforeach()
+]])
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES
+    "${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake")
 endfunction()

@@ -72,6 +72,7 @@ void ExpectAgreement(const Reading& reading, const Reading& expected) {
 
 TEST(MultipartCorpusTest, MultipartyFindsExpectedParts) {
   SKIP_WITHOUT_CORPUS(folder, "multipart");
+  SKIP_WITHOUT_NODE();
   std::vector<std::string> cases;
   for (const std::filesystem::path& file : FilesIn(folder / "http")) {
     if (file.extension() == ".yaml") cases.push_back(file.string());
@@ -100,6 +101,7 @@ TEST(MultipartCorpusTest, MultipartyFindsExpectedParts) {
 }
 
 TEST(MultipartyTest, UndoesBrowserEscapesInFileNames) {
+  SKIP_WITHOUT_NODE();
   const std::vector<std::pair<std::string, std::string>> names = {
       {"chair.qmf", "chair.qmf"},
       {"12%22 chair.qmf", "12\" chair.qmf"},

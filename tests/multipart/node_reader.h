@@ -3,6 +3,7 @@
 #ifndef TESTS_MULTIPART_NODE_READER_H_
 #define TESTS_MULTIPART_NODE_READER_H_
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,11 +11,19 @@
 
 #include "tests/multipart/part.h"
 #include "tests/support/child_process.h"
+#include "tests/support/corpora.h"
 
 namespace stowra_test {
 
+// Skips the test if Node or its packages are missing.
+#define SKIP_WITHOUT_NODE()                                                                   \
+  if (std::string(STOWRA_NODE).empty() ||                                                     \
+      !std::filesystem::exists(STOWRA_NODE_FOLDER "/packages.stamp"))                         \
+  SKIP_OR_FAIL() << "Node or its packages are not installed, which the target node_packages " \
+                    "installs"
+
 // Runs a Node script of this folder. It reads requests from standard input and writes answers to
-// standard output. The test fails if Node is missing or the script ends early.
+// standard output. The test fails if the script ends early.
 class NodeProgram {
  public:
   explicit NodeProgram(const std::string& script, const std::vector<std::string>& arguments = {});

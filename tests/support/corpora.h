@@ -20,9 +20,17 @@ std::string ReadFile(const std::filesystem::path& file);
 
 }  // namespace stowra_test
 
+// Ends the test for want of something that it needs. That is a failure if STOWRA_REQUIRE_CORPORA is
+// set.
+#if STOWRA_REQUIRE_CORPORA
+#define SKIP_OR_FAIL() FAIL()
+#else
+#define SKIP_OR_FAIL() GTEST_SKIP()
+#endif
+
 // Declares `folder`, or skips the test if the corpus is missing.
 #define SKIP_WITHOUT_CORPUS(folder, name)                               \
   const std::filesystem::path folder = stowra_test::CorpusFolder(name); \
-  if (folder.empty()) GTEST_SKIP() << "no corpus '" << (name) << "' in STOWRA_CORPORA_DIR"
+  if (folder.empty()) SKIP_OR_FAIL() << "no corpus '" << (name) << "' in STOWRA_CORPORA_DIR"
 
 #endif  // TESTS_SUPPORT_CORPORA_H_
