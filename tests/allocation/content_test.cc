@@ -51,7 +51,7 @@ struct Loaded {
 };
 
 TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
-  DocumentBytes page(Page());
+  Bytes page(Page());
   const auto load = [&](Loaded& loaded) {
     loaded.result = loaded.query.Load(page.data(), page.length());
   };
@@ -125,7 +125,7 @@ struct Upload {
 };
 
 TEST(ContentAllocationTest, AConfigurationThatCannotBeParsedIsFalse) {
-  DocumentBytes document(kConfig);
+  Bytes document(kConfig);
   const auto parse = [&](Upload& upload) {
     upload.result = upload.config.ParseResponse(document.data(), document.size());
   };
@@ -172,7 +172,7 @@ TEST(ContentAllocationTest, OtherFunctionsThrow) {
   const auto rendition = Text("s" + std::string(40, '0') + "7");
   const std::string boundary = "BrevixClient0385119264730052";
   UploadConfig config;
-  ASSERT_TRUE(config.ParseResponse(DocumentBytes(kConfig).data(), sizeof(kConfig) - 1));
+  ASSERT_TRUE(config.ParseResponse(Bytes(kConfig).data(), sizeof(kConfig) - 1));
   using namespace ovrant::stowraapiclient;                   // NOLINT(google-build-using-namespace)
   using namespace ovrant::stowraapiclient::multipartupload;  // NOLINT(google-build-using-namespace)
   int version = 0;

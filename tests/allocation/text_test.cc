@@ -11,7 +11,7 @@
 #include "common_stowraapi/platform/url.h"
 #include "common_stowraapi/platform/ustring.h"
 #include "tests/allocation/each_failure.h"
-#include "tests/platform/text/units.h"
+#include "tests/support/text.h"
 
 #ifdef STOWRA_FAILS_ALLOCATIONS
 

@@ -81,9 +81,9 @@ const std::string kLong(300, 'n');
 const std::string kInt(300, 'i');
 const std::string kBool(300, 'b');
 const std::string kValue(300, 'v');
-const ovrant_ustring kLongName = UString(kLong);
-const ovrant_ustring kIntName = UString(kInt);
-const ovrant_ustring kBoolName = UString(kBool);
+const ovrant_ustring kLongName = Text(kLong);
+const ovrant_ustring kIntName = Text(kInt);
+const ovrant_ustring kBoolName = Text(kBool);
 
 struct Texts {
   Texts() { EXPECT_TRUE(document.Find(kLong)); }

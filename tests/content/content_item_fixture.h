@@ -20,7 +20,7 @@ class ContentItemFixture : public testing::Test {
   bool Load(const Parts& entry) { return LoadEntry(entry.text()); }
 
   bool LoadEntry(const std::string& entry) {
-    DocumentBytes bytes(FeedOf(entry));
+    Bytes bytes(FeedOf(entry));
     const std::unique_ptr<ovrant::IXMLInput> reader(
         ovrant::Get_IXMLInput(bytes.data(), bytes.length()));
     if (reader == nullptr || !reader->FindElement("http://www.w3.org/2005/Atom:feed") ||

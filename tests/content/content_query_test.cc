@@ -162,7 +162,7 @@ TEST_F(ContentQueryTest, UnreadableDocumentsEmptyTheQuery) {
   EXPECT_FALSE(query.Load(nullptr, 0));
   ExpectEmpty(query);
   Fill();
-  DocumentBytes bytes(good);
+  Bytes bytes(good);
   EXPECT_FALSE(query.Load(bytes.data(), -1));
   ExpectEmpty(query);
 }

@@ -64,6 +64,9 @@ TEST_F(ContentQueryTextTest, SearchOperatorsAreRemovedInOneOrder) {
   EXPECT_EQ(TitleOf("x filetype:is:downloadableqmf"), "x filetype:qmf");
   EXPECT_EQ(TitleOf("x is:filetype:qmfdownloadable"), "x ");
   EXPECT_EQ(TitleOf("xfiletype filetype:qmf:qmf"), "x");
+  EXPECT_EQ(TitleOf("filetype is:downloadable:qmf"), "");
+  EXPECT_EQ(TitleOf("is: filetype:qmfdownloadable"), "");
+  EXPECT_EQ(TitleOf("y is:down filetype:qmfloadable"), "y");
 }
 
 TEST_F(ContentQueryTextTest, EachLinkGoesToItsField) {

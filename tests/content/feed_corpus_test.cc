@@ -32,13 +32,6 @@ bool HasCounts(const json& expected) {
   return true;
 }
 
-std::string Trimmed(const std::string& text) {
-  const char* const space = " \t\r\n";
-  const std::string::size_type begin = text.find_first_not_of(space);
-  return begin == std::string::npos ? ""
-                                    : text.substr(begin, text.find_last_not_of(space) + 1 - begin);
-}
-
 // The last complete link of that relation and type. A missing attribute is absent or null.
 std::string LastLink(const json& expected, const std::string& rel, const std::string& type) {
   const auto has = [](const json& link, const char* name) {

@@ -3,48 +3,20 @@
 #ifndef TESTS_CONTENT_FEED_TEXT_H_
 #define TESTS_CONTENT_FEED_TEXT_H_
 
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "common_stowraapi/content/content_query.h"
-#include "common_stowraapi/platform/ustring.h"
-
-namespace ovrant::utils {
-
-// How GoogleTest shows a string.
-inline void PrintTo(const ovrant_ustring& text, std::ostream* out) {
-  *out << '"' << text.utf8() << '"';
-}
-
-}  // namespace ovrant::utils
+#include "tests/support/text.h"
 
 namespace stowra_test {
 
 inline constexpr char kSchema[] = "http://schemas.stowra.example/stowra/2008";
 
-inline ovrant::utils::ovrant_ustring Text(std::string_view utf8) {
-  return ovrant::utils::ovrant_ustring(utf8.data(), utf8.size());
-}
-
-// The bytes of a document in a block of exactly their size. For functions that take a non-const
-// pointer though they only read.
-class DocumentBytes {
- public:
-  explicit DocumentBytes(std::string_view text) : bytes_(text.begin(), text.end()) {}
-
-  unsigned char* data() { return bytes_.data(); }
-  unsigned long size() const { return bytes_.size(); }
-  int length() const { return static_cast<int>(bytes_.size()); }
-
- private:
-  std::vector<unsigned char> bytes_;
-};
-
 inline bool LoadText(std::string_view document, ovrant::stowraapiclient::ContentQuery& query) {
-  DocumentBytes bytes(document);
+  Bytes bytes(document);
   return query.Load(bytes.data(), bytes.length());
 }
 

@@ -39,7 +39,7 @@ Parts File() {
 class UploadConfigTest : public testing::Test {
  protected:
   bool Parse(const std::string& document) {
-    DocumentBytes bytes(document);
+    Bytes bytes(document);
     return config.ParseResponse(bytes.data(), bytes.size());
   }
 
@@ -180,7 +180,7 @@ TEST_F(UploadConfigTest, NothingIsReadWithoutTheRoot) {
 
 // The reader takes an int. Cut to 32 bits, the first length would be the document's.
 TEST_F(UploadConfigTest, ALengthThatNoReaderTakesIsNotCutOff) {
-  DocumentBytes bytes(Upload(File().text()).text());
+  Bytes bytes(Upload(File().text()).text());
   EXPECT_FALSE(config.ParseResponse(bytes.data(), (1UL << 32) + bytes.size()));
   EXPECT_FALSE(config.ParseResponse(bytes.data(), 1UL << 31));
   EXPECT_TRUE(config.files_.empty());

@@ -27,7 +27,7 @@ class UploadQueryTest : public testing::Test {
   UploadQueryTest() { Fill(); }
 
   void Fill() {
-    DocumentBytes bytes(kGood);
+    Bytes bytes(kGood);
     config.Clear();
     EXPECT_TRUE(config.ParseResponse(bytes.data(), bytes.size()));
   }

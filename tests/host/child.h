@@ -3,32 +3,12 @@
 #ifndef TESTS_HOST_CHILD_H_
 #define TESTS_HOST_CHILD_H_
 
-#include <sys/types.h>
-
 #include <string>
 #include <vector>
 
+#include "tests/support/child_process.h"
+
 namespace stowra_test {
-
-// Owns a file descriptor and closes it.
-class Descriptor {
- public:
-  explicit Descriptor(int number = -1) : number_(number) {}
-  ~Descriptor() { Close(); }
-  Descriptor(Descriptor&& other) noexcept : number_(other.Release()) {}
-  Descriptor& operator=(Descriptor&& other) noexcept;
-
-  int number() const { return number_; }
-  void Close();
-
-  // Reads up to the end of the file.
-  std::string ReadAll() const;
-
- private:
-  int Release();
-
-  int number_;
-};
 
 // How a program ended and what it wrote.
 struct Outcome {
@@ -50,19 +30,16 @@ struct Start {
 class Child {
  public:
   Child(const std::string& program, const Start& start);
-  ~Child();
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
 
-  void Signal(int number);
+  void Signal(int number) { process_.Signal(number); }
 
   // Waits until the program ends.
   Outcome Wait();
 
  private:
-  pid_t pid_ = -1;
-  Descriptor output_;
-  Descriptor errors_;
+  const OwnedDescriptor output_;
+  const OwnedDescriptor errors_;
+  ChildProcess process_;
 };
 
 Outcome RunProgram(const std::string& program, const Start& start);
@@ -82,7 +59,8 @@ class EmulatorProcess {
   const std::string& url() const { return url_; }
 
  private:
-  pid_t pid_ = -1;
+  OwnedPipe output_;
+  ChildProcess process_;
   std::string url_;
 };
 

@@ -7,6 +7,7 @@
 
 #include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
+#include "tests/json/value_fields.h"
 
 namespace stowra_test {
 namespace {
@@ -16,10 +17,14 @@ using ovrant::json::Value;
 using Pool = rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>;
 using Node = rapidjson::GenericValue<rapidjson::UTF8<char>, Pool>;
 
-TEST(ForeignNode, IsFreedByItsOwner) {
+TEST(ForeignNode, BelongsToTheCopyOfItsHandle) {
   Pool pool;
-  const Value value(true, new Node(5), &pool);
+  auto* const node = new Node(5);
+  const Value value(true, node, &pool);
   const Value owner(value);
+  EXPECT_FALSE(IsOwned(value));
+  EXPECT_TRUE(IsOwned(owner));
+  EXPECT_EQ(NodeOf(owner), node);
   EXPECT_EQ(owner.GetInt(), 5);
 }
 

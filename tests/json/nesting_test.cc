@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 #include "common_stowraapi/json/document.h"
@@ -15,17 +16,10 @@ namespace {
 using ovrant::json::Document;
 using ovrant::json::Value;
 
-constexpr int kMaxDepth = static_cast<int>(Document::kMaxDepth);
+constexpr std::size_t kMaxDepth = Document::kMaxDepth;
 constexpr int kMillion = 1'000'000;
 
-std::string Repeated(const std::string& part, int count) {
-  std::string whole;
-  whole.reserve(part.size() * static_cast<std::size_t>(count));
-  for (int i = 0; i < count; ++i) whole += part;
-  return whole;
-}
-
-std::string Nested(const std::string& open, const std::string& close, int depth) {
+std::string Nested(const std::string& open, const std::string& close, std::size_t depth) {
   return Repeated(open, depth) + Repeated(close, depth);
 }
 
@@ -36,7 +30,7 @@ bool LoadsOnSmallStack(const std::string& text) {
 }
 
 TEST(Nesting, LoadsAsDeepAsAllowed) {
-  EXPECT_EQ(kMaxDepth, 512);
+  EXPECT_EQ(kMaxDepth, 512U);
   EXPECT_TRUE(LoadsOnSmallStack(Nested("[", "]", kMaxDepth)));
   EXPECT_TRUE(
       LoadsOnSmallStack(Repeated("{\"a\":", kMaxDepth - 1) + "{}" + Repeated("}", kMaxDepth - 1)));

@@ -8,13 +8,9 @@
 #include <string>
 
 #include "common_stowraapi/json/document.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
-
-// `utf8` with its NULs.
-inline ovrant::utils::ovrant_ustring Text(const std::string& utf8) {
-  return ovrant::utils::ovrant_ustring(utf8.data(), utf8.size());
-}
 
 inline std::string Written(ovrant::json::Document& document) {
   ovrant::utils::ovrant_ustring text;

@@ -3,6 +3,7 @@
 #include "common_stowraapi/content/content_helpers.h"
 
 #include <string>
+#include <tuple>
 
 #include "tests/substitute/content_fixture.h"
 
@@ -17,64 +18,29 @@ class ContentHelpersTest : public ContentTest {
   const RecordingText recording_;
 };
 
-TEST_F(ContentHelpersTest, AnIdEndsAtTheNextAmpersand) {
-  EXPECT_EQ(GetStowraIdFromUrl("a&b?mid=123&x&y"), "123");
-  EXPECT_EQ(TakeLines(), R"(
-find 'mid=' from 0
-find '&' from 4
-Mid 8 3
-)");
-}
-
-TEST_F(ContentHelpersTest, AnIdEndsAtTheEnd) {
-  EXPECT_EQ(GetStowraIdFromUrl("mid=123"), "123");
-  EXPECT_EQ(TakeLines(), R"(
-find 'mid=' from 0
-find '&' from 0
-Mid 4 3
-)");
-}
-
-TEST_F(ContentHelpersTest, AUrlWithoutAnIdIsSearchedOnce) {
-  EXPECT_EQ(GetStowraIdFromUrl("http://a/?id=1&x"), "");
-  EXPECT_EQ(TakeLines(), "\nfind 'mid=' from 0\n");
-}
-
-TEST_F(ContentHelpersTest, AQuotedNameEndsAtTheModelExtension) {
-  EXPECT_EQ(GetFilenameFromContentDisposition("x; filename=\"chair.qmf\""), "chair");
-  EXPECT_EQ(TakeLines(), R"(
-find 'filename="' from 0
-find '.qmf' from 0
-Mid 13 5
-)");
-}
-
-TEST_F(ContentHelpersTest, ABareNameEndsAtTheOtherExtension) {
-  EXPECT_EQ(GetFilenameFromContentDisposition("x; filename=chair.kmz"), "chair");
-  EXPECT_EQ(TakeLines(), R"(
-find 'filename="' from 0
-find 'filename=' from 0
-find '.qmf' from 0
-find '.kmz' from 0
-Mid 12 5
-)");
-}
-
-TEST_F(ContentHelpersTest, AHeaderWithoutANameIsNotSearchedForAnExtension) {
-  EXPECT_EQ(GetFilenameFromContentDisposition("attachment.qmf"), "");
-  EXPECT_EQ(TakeLines(), R"(
-find 'filename="' from 0
-find 'filename=' from 0
-)");
-}
-
-TEST_F(ContentHelpersTest, AHeaderWithoutAnExtensionIsNotCut) {
-  EXPECT_EQ(GetFilenameFromContentDisposition("filename=\"chair.zip\""), "");
-  EXPECT_EQ(TakeLines(), R"(
-find 'filename="' from 0
-find '.qmf' from 0
-find '.kmz' from 0
-)");
+TEST_F(ContentHelpersTest, SearchNoFurtherThanNeeded) {
+  const std::tuple<const char*, const char*, const char*> urls[] = {
+      {"a&b?mid=123&x&y", "123", "find 'mid=' from 0 | find '&' from 4 | Mid 8 3"},
+      {"mid=123", "123", "find 'mid=' from 0 | find '&' from 0 | Mid 4 3"},
+      {"mid=&x", "", "find 'mid=' from 0 | find '&' from 0 | Mid 4 0"},
+      {"http://a/?id=1&x", "", "find 'mid=' from 0"}};
+  for (const auto& [url, id, effects] : urls) {
+    EXPECT_EQ(GetStowraIdFromUrl(url), id);
+    EXPECT_EQ(TakeText(), effects);
+  }
+  const std::string quoted = "find 'filename=\"' from 0";
+  const std::string both = quoted + " | find 'filename=' from 0";
+  const std::tuple<const char*, const char*, std::string> headers[] = {
+      {"x; filename=\"chair.qmf\"", "chair", quoted + " | find '.qmf' from 0 | Mid 13 5"},
+      {"x; filename=chair.kmz", "chair",
+       both + " | find '.qmf' from 0 | find '.kmz' from 0 | Mid 12 5"},
+      {"filename=.qmf", "", both + " | find '.qmf' from 0 | Mid 9 0"},
+      {"attachment.qmf", "", both},
+      {"filename=\"chair.zip\"", "", quoted + " | find '.qmf' from 0 | find '.kmz' from 0"}};
+  for (const auto& [header, name, effects] : headers) {
+    EXPECT_EQ(GetFilenameFromContentDisposition(header), name);
+    EXPECT_EQ(TakeText(), effects);
+  }
 }
 
 // What a negative count gives is for the platform to say.
@@ -83,13 +49,6 @@ TEST_F(ContentHelpersTest, ANegativeCountIsPassedThrough) {
   EXPECT_THAT(TakeEffects(), testing::Contains("Mid 17 -16"));
   EXPECT_EQ(GetFilenameFromContentDisposition("a.kmz; filename=chair"), kNegativeCount);
   EXPECT_THAT(TakeEffects(), testing::Contains("Mid 16 -15"));
-}
-
-TEST_F(ContentHelpersTest, ACountOfZeroIsPassedThrough) {
-  EXPECT_EQ(GetStowraIdFromUrl("mid=&x"), "");
-  EXPECT_THAT(TakeEffects(), testing::Contains("Mid 4 0"));
-  EXPECT_EQ(GetFilenameFromContentDisposition("filename=.qmf"), "");
-  EXPECT_THAT(TakeEffects(), testing::Contains("Mid 9 0"));
 }
 
 // Only the low 32 bits of what find gives for an absent text are set on some platforms.

@@ -28,13 +28,13 @@ class ContentItemTest : public ContentTest {
     EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
     TakeEffects();
     const bool loaded = item.Load(reader.get());
-    lines = TakeLines();
+    walk = TakeText();
     reader->LeaveElement("http://www.w3.org/2005/Atom:entry");
     return loaded;
   }
 
   ContentItem item;
-  std::string lines;  // the effects of the last load
+  std::string walk;  // the effects of the last load
 };
 
 TEST_F(ContentItemTest, WalksAModelInItsOwnOrder) {
@@ -51,58 +51,16 @@ TEST_F(ContentItemTest, WalksAModelInItsOwnOrder) {
             With("a:link", {{"type", "t"}, {"href", "h"}, {"rel", "x"}}), Leaf("a:summary", "s"),
             Leaf("a:title", "t"), With("a:category", {{"term", kModel}}),
             With("a:category", {{"term", "x"}}), Leaf("a:id", "i")}));
-  EXPECT_EQ(lines, R"(
-GetElementText a:id
-FindElement a:category
-GetAttribute term
-LeaveElement a:category
-GetElementText a:title
-GetElementText a:summary
-FindElement a:link
-GetAttribute rel
-GetAttribute href
-GetAttribute type
-NextElement a:link
-GetAttribute rel
-GetAttribute href
-GetAttribute type
-NextElement a:link: none
-LeaveElement a:link
-FindElement a:author
-GetElementText a:name
-GetElementText a:uri
-LeaveElement a:author
-GetElementBool s:dynamicComponent
-GetElementBool s:classifiedComponent
-FindElement m:group
-FindElement m:thumbnail
-GetAttribute url
-NextElement m:thumbnail
-GetAttribute url
-NextElement m:thumbnail: none
-LeaveElement m:thumbnail
-FindElement m:content
-GetAttribute url
-GetAttribute type
-URL http://d/?rtyp=s7
-getValueForExtraInfoKey rtyp
-NextElement m:content
-GetAttribute url
-GetAttribute type
-URL http://d/?x=y
-getValueForExtraInfoKey rtyp: absent
-NextElement m:content
-GetAttribute url
-GetAttribute type
-NextElement m:content
-GetAttribute url
-GetAttribute type
-URL http://d/?rtyp=k2
-getValueForExtraInfoKey rtyp
-NextElement m:content: none
-LeaveElement m:content
-LeaveElement m:group
-)");
+  EXPECT_EQ(walk,
+            ".a:id | +a:category | @term | -a:category | .a:title | .a:summary | +a:link | "
+            "@rel | @href | @type | >a:link | @rel | @href | @type | !>a:link | -a:link | "
+            "+a:author | .a:name | .a:uri | -a:author | ?s:dynamicComponent | "
+            "?s:classifiedComponent | +m:group | +m:thumbnail | @url | >m:thumbnail | @url | "
+            "!>m:thumbnail | -m:thumbnail | +m:content | @url | @type | URL http://d/?rtyp=s7 | "
+            "getValueForExtraInfoKey rtyp | >m:content | @url | @type | URL http://d/?x=y | "
+            "getValueForExtraInfoKey rtyp: absent | >m:content | @url | @type | >m:content | "
+            "@url | @type | URL http://d/?rtyp=k2 | getValueForExtraInfoKey rtyp | !>m:content | "
+            "-m:content | -m:group");
   EXPECT_EQ(item.kind_, 0);
   EXPECT_EQ(item.download_format_, 1);
   EXPECT_EQ(item.download_url_, "http://d/?rtyp=k2");
@@ -117,69 +75,23 @@ TEST_F(ContentItemTest, WalksACollectionWithoutRenditions) {
                     With("a:content", {{"src", "http://c/"}, {"type", "application/atom+xml"}}),
                     Parent("a:author", {Leaf("a:name", "n"), Leaf("a:uri", "u")}),
                     Parent("m:group", {With("m:thumbnail", {{"url", "u"}})})}));
-  EXPECT_EQ(lines, R"(
-GetElementText a:id
-FindElement a:category
-GetAttribute term
-LeaveElement a:category
-GetElementText a:title
-GetElementText a:summary: none
-FindElement a:link
-GetAttribute rel
-GetAttribute href
-GetAttribute type
-NextElement a:link: none
-LeaveElement a:link
-FindElement a:content
-GetAttribute type
-GetAttribute src
-LeaveElement a:content
-FindElement a:author
-GetElementText a:name
-GetElementText a:uri
-LeaveElement a:author
-GetElementBool s:dynamicComponent: none
-GetElementBool s:classifiedComponent: none
-FindElement m:group
-FindElement m:thumbnail
-GetAttribute url
-NextElement m:thumbnail: none
-LeaveElement m:thumbnail
-LeaveElement m:group
-)");
+  EXPECT_EQ(walk,
+            ".a:id | +a:category | @term | -a:category | .a:title | !.a:summary | +a:link | "
+            "@rel | @href | @type | !>a:link | -a:link | +a:content | @type | @src | "
+            "-a:content | +a:author | .a:name | .a:uri | -a:author | !?s:dynamicComponent | "
+            "!?s:classifiedComponent | +m:group | +m:thumbnail | @url | !>m:thumbnail | "
+            "-m:thumbnail | -m:group");
 }
 
 // Each element is there and without what is read from it.
 TEST_F(ContentItemTest, ReadsOnWhateverIsMissing) {
   EXPECT_FALSE(Load({With("a:category", {}), With("a:link", {{"rel", "r"}}), With("a:link", {}),
                      With("a:content", {}), Parent("a:author", {}), Parent("m:group", {})}));
-  EXPECT_EQ(lines, R"(
-GetElementText a:id: none
-FindElement a:category
-GetAttribute term: none
-LeaveElement a:category
-GetElementText a:title: none
-GetElementText a:summary: none
-FindElement a:link
-GetAttribute rel
-GetAttribute href: none
-NextElement a:link
-GetAttribute rel: none
-NextElement a:link: none
-LeaveElement a:link
-FindElement a:content
-GetAttribute type: none
-LeaveElement a:content
-FindElement a:author
-GetElementText a:name: none
-GetElementText a:uri: none
-LeaveElement a:author
-GetElementBool s:dynamicComponent: none
-GetElementBool s:classifiedComponent: none
-FindElement m:group
-FindElement m:thumbnail: none
-LeaveElement m:group
-)");
+  EXPECT_EQ(walk,
+            "!.a:id | +a:category | !@term | -a:category | !.a:title | !.a:summary | +a:link | "
+            "@rel | !@href | >a:link | !@rel | !>a:link | -a:link | +a:content | !@type | "
+            "-a:content | +a:author | !.a:name | !.a:uri | -a:author | !?s:dynamicComponent | "
+            "!?s:classifiedComponent | +m:group | !+m:thumbnail | -m:group");
 }
 
 TEST_F(ContentItemTest, AModelsRenditionsAreReadThoughTheyAreIncomplete) {
@@ -187,42 +99,26 @@ TEST_F(ContentItemTest, AModelsRenditionsAreReadThoughTheyAreIncomplete) {
       Load({With("a:category", {{"term", kModel}}),
             Parent("m:group", {With("m:thumbnail", {}), With("m:content", {{"type", kQmf}}),
                                With("m:content", {{"url", "http://d/?rtyp=s7"}})})}));
-  EXPECT_THAT(lines, testing::EndsWith(R"(
-FindElement m:group
-FindElement m:thumbnail
-GetAttribute url: none
-NextElement m:thumbnail: none
-LeaveElement m:thumbnail
-FindElement m:content
-GetAttribute url: none
-NextElement m:content
-GetAttribute url
-GetAttribute type: none
-NextElement m:content: none
-LeaveElement m:content
-LeaveElement m:group
-)"));
+  EXPECT_THAT(walk,
+              testing::EndsWith(
+                  "+m:group | +m:thumbnail | !@url | !>m:thumbnail | -m:thumbnail | +m:content | "
+                  "!@url | >m:content | @url | !@type | !>m:content | -m:content | -m:group"));
 }
 
 TEST_F(ContentItemTest, AModelWithoutRenditionsLeavesTheGroup) {
   EXPECT_FALSE(Load({With("a:category", {{"term", kModel}}), Parent("m:group", {})}));
-  EXPECT_THAT(lines, testing::EndsWith(R"(
-FindElement m:group
-FindElement m:thumbnail: none
-FindElement m:content: none
-LeaveElement m:group
-)"));
+  EXPECT_THAT(walk, testing::EndsWith("+m:group | !+m:thumbnail | !+m:content | -m:group"));
 }
 
 TEST_F(ContentItemTest, NothingIsReadAfterAMissingGroup) {
   EXPECT_FALSE(Load({With("a:category", {{"term", kModel}}), Leaf("a:id", "i")}));
-  EXPECT_THAT(lines, testing::EndsWith("\nFindElement m:group: none\n"));
+  EXPECT_THAT(walk, testing::EndsWith("| !+m:group"));
   EXPECT_EQ(item.id_, "i");
 }
 
 TEST_F(ContentItemTest, ContentOfAModelIsNotAskedFor) {
   EXPECT_FALSE(Load({With("a:category", {{"term", kModel}}), With("a:content", {})}));
-  EXPECT_THAT(lines, testing::Not(testing::HasSubstr("a:content")));
+  EXPECT_THAT(walk, testing::Not(testing::HasSubstr("a:content")));
 }
 
 TEST_F(ContentItemTest, WhatLeaveElementGivesIsNotLookedAt) {
@@ -252,8 +148,7 @@ TEST_F(ContentItemTest, RunningOutOfMemoryIsAFailure) {
   const std::vector<XmlElement> entry = {
       Leaf("a:id", "i"), With("a:link", {{"rel", "r"}, {"href", "h"}, {"type", "t"}}),
       Parent("m:group", {With("m:thumbnail", {{"url", "u"}})})};
-  for (const char* const operation :
-       {"GetElementText a:id", "GetAttribute type", "NextElement m:thumbnail: none"}) {
+  for (const char* const operation : {".a:id", "@type", "!>m:thumbnail"}) {
     SetFailingOperation(operation);
     const auto reader = ReaderOf(Parent("a:entry", entry));
     ASSERT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));

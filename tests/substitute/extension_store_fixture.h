@@ -16,14 +16,10 @@ namespace stowra_substitute {
 inline constexpr char kOne[] = R"({"extensions":[{"id":"one"}]})";
 inline constexpr char kTwo[] = R"({"extensions":[{"id":"two"}]})";
 
-inline constexpr char kReturned[] =
-    "SendNotification ExtensionStoreStatusRequestReturned, payload 0x2a";
-inline constexpr char kFailed[] =
-    "SendNotification ExtensionStoreStatusRequestFailed, payload 0x2a";
-inline constexpr char kPublicSuccess[] =
-    "SendNotification ExtensionStoreAsyncStatusSucceeded, payload null";
-inline constexpr char kPublicFailure[] =
-    "SendNotification ExtensionStoreAsyncStatusFailed, payload null";
+inline constexpr char kReturned[] = "post ExtensionStoreStatusRequestReturned 0x2a";
+inline constexpr char kFailed[] = "post ExtensionStoreStatusRequestFailed 0x2a";
+inline constexpr char kPublicSuccess[] = "post ExtensionStoreAsyncStatusSucceeded";
+inline constexpr char kPublicFailure[] = "post ExtensionStoreAsyncStatusFailed";
 inline constexpr char kDelegateConstructed[] =
     "delegate constructed: context 0x2a, 28002 ExtensionStoreStatusRequestReturned, 28003 "
     "ExtensionStoreStatusRequestFailed";

@@ -33,6 +33,13 @@ class SubstituteTest : public testing::Test {
   }
 };
 
+// The effects since the last call, joined by " | ".
+inline std::string TakeText() {
+  std::string text;
+  for (const std::string& effect : TakeEffects()) text += (text.empty() ? "" : " | ") + effect;
+  return text;
+}
+
 // A context or payload: an address that must not be read.
 inline void* Address(unsigned long number) { return reinterpret_cast<void*>(number); }
 

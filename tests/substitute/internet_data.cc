@@ -91,7 +91,7 @@ class InternetDataTestPeer {
     const std::string& body = outcome.body;
     std::free(transport.received_data_);
     transport.received_data_ = nullptr;
-    transport.received_data_length_ = body.size();
+    transport.received_data_length_ = outcome.stated_length.value_or(body.size());
     transport.status_code_ = outcome.status;
     if (body.empty()) return;
     transport.received_data_ = static_cast<unsigned char*>(std::malloc(body.size()));

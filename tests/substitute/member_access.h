@@ -3,6 +3,8 @@
 #ifndef TESTS_SUBSTITUTE_MEMBER_ACCESS_H_
 #define TESTS_SUBSTITUTE_MEMBER_ACCESS_H_
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 
 namespace stowra_substitute {
@@ -26,6 +28,25 @@ std::size_t OffsetIn(const Object& object, Member Class::*member) {
   const Class& as_class = object;
   return static_cast<std::size_t>(reinterpret_cast<const char*>(&(as_class.*member)) -
                                   reinterpret_cast<const char*>(&object));
+}
+
+// Expects members of these types to lie one behind the other, each at the next place that suits its
+// type, from `begin` up to the end of the class.
+template <typename Class, typename... Members>
+void ExpectMembers(std::size_t begin, Members Class::*... members) {
+  const Class object;
+  std::size_t at = begin;
+  const auto round_up = [&at](std::size_t alignment) {
+    at += (alignment - at % alignment) % alignment;
+  };
+  const auto expect = [&](auto member, std::size_t size, std::size_t alignment) {
+    round_up(alignment);
+    EXPECT_EQ(OffsetIn(object, member), at);
+    at += size;
+  };
+  (expect(members, sizeof(Members), alignof(Members)), ...);
+  round_up(alignof(Class));
+  EXPECT_EQ(sizeof(Class), at);
 }
 
 }  // namespace stowra_substitute

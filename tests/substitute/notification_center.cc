@@ -61,7 +61,7 @@ void CNotificationCenter::RemoveObserver(ovrant::IObserver* observer) {
 
 // An observer that is removed during the delivery, and so may be gone, is not called.
 void CNotificationCenter::SendNotification(const char* name, void* payload) {
-  Record(std::string("SendNotification ") + name + ", payload " + AddressText(payload));
+  Record(std::string("post ") + name + (payload == nullptr ? "" : " " + AddressText(payload)));
   const std::vector<NotificationRegistry::Entry> at_start = registry_->entries;
   for (const NotificationRegistry::Entry& entry : at_start) {
     if (entry.first == name && registry_->Has(entry)) entry.second->OnNotification(name, payload);

@@ -5,11 +5,13 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/request/web_service_request_base.h"
 #include "tests/substitute/effects.h"
+#include "tests/substitute/transport.h"
 
 namespace stowra_substitute {
 
@@ -54,6 +56,30 @@ class RecordingRequest : public ovrant::webservices::WebServiceRequestBase {
     last_act();
   }
 };
+
+// The end of a transfer, and what the request does then.
+struct End {
+  Outcome outcome;
+  bool accepts_body;
+  std::string parsing;  // the effect of parsing; empty: nothing is parsed
+  bool succeeds;
+};
+
+inline std::vector<End> AllEnds() {
+  // No terminator follows the bytes, and a NUL does not end them.
+  const std::string utf8("\xC3\xA9\0\xF0\x9F\x98\x80!", 8);
+  std::vector<End> ends = {{Reply(200, "body"), true, "ParseResponse 'body' | ", true},
+                           {Reply(200, "body"), false, "ParseResponse 'body' | ", false},
+                           {Reply(200, ""), true, "ParseResponse '' | ", true},
+                           {Reply(200, utf8), true, "ParseResponse '" + utf8 + "' | ", true}};
+  for (const int status : {-200, 0, 100, 199, 201, 202, 204, 206, 299, 302, 304, 404, 500}) {
+    ends.push_back({Reply(status, "body"), true, "", false});
+  }
+  for (const int status : {0, 200, 503}) {
+    ends.push_back({Outcome{false, status, "body", {}}, true, "", false});
+  }
+  return ends;
+}
 
 // A body that its transport has published.
 inline std::string BodyOf(const ovrant::internet::InternetData& transport) {

@@ -20,6 +20,9 @@ struct Outcome {
 
   // The status that SendAndRead stores, if it differs from `status`.
   std::optional<int> stored_status;
+
+  // The length of the body that the transport states, if it is not that of `body`.
+  std::optional<unsigned long> stated_length = {};
 };
 
 // A response that arrived whole, and a transfer that failed before one began.

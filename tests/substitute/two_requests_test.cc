@@ -15,8 +15,6 @@ namespace {
 using ovrant::extensionstoreapi::ExtensionStoreStatus;
 using ovrant::webservices::UpdateQuery;
 using ovrant::webservices::UserInfoQuery;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr char kUser[] = R"({"uid":"1","email":"e","vkr_id":"v"})";
 constexpr char kUpdate[] = R"({"update":{"current_version":"2","expire_version":"1"}})";
@@ -34,9 +32,7 @@ TEST_F(TwoRequestsTest, OneUserInfoQueryRequestsAndTheOtherIgnoresItsEnd) {
     TakeEffects();
 
     EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
-    EXPECT_THAT(TakeEffects(),
-                ElementsAre("SendNotification UserInfoQueryRequestReturned, payload null",
-                            "SendNotification UserInfoUpdated, payload null"));
+    EXPECT_EQ(TakeText(), "post UserInfoQueryRequestReturned | post UserInfoUpdated");
     EXPECT_EQ(requesting.GetUserInfoValue("uid"), "1");
     EXPECT_TRUE(other.GetUserInfoValue("uid").empty());
   }
@@ -49,9 +45,7 @@ TEST_F(TwoRequestsTest, OneUpdateQueryRequestsAndTheOtherIgnoresItsReturn) {
   requesting.AsynchronousRequest();
   TakeEffects();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUpdate)));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification UpdateQueryReturned, payload null",
-                          "SendNotification UpdateQueryAsyncSucceeded, payload null"));
+  EXPECT_EQ(TakeText(), "post UpdateQueryReturned | post UpdateQueryAsyncSucceeded");
   EXPECT_TRUE(other.current_version_.empty());
 }
 
@@ -62,9 +56,8 @@ TEST_F(TwoRequestsTest, OneExtensionStoreStatusRequestsAndTheOtherIgnoresItsRetu
   requesting.AsynchronousStatus();
   TakeEffects();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, R"({"extensions":[{"id":"x"}]})")));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification ExtensionStoreStatusRequestReturned, payload null",
-                          "SendNotification ExtensionStoreAsyncStatusSucceeded, payload null"));
+  EXPECT_EQ(TakeText(),
+            "post ExtensionStoreStatusRequestReturned | post ExtensionStoreAsyncStatusSucceeded");
   EXPECT_EQ(requesting.GetItemMapFromResponse().size(), 1U);
   EXPECT_TRUE(other.GetItemMapFromResponse().empty());
 }
@@ -80,10 +73,9 @@ TEST_F(TwoRequestsTest, AnObjectThatStillHoldsATransportHandlesTheReturnOfAnothe
   requesting.AsynchronousStatus();
   TakeEffects();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "{}")));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification ExtensionStoreStatusRequestReturned, payload null",
-                          "SendNotification ExtensionStoreAsyncStatusFailed, payload null",
-                          "SendNotification ExtensionStoreAsyncStatusSucceeded, payload null"));
+  EXPECT_EQ(TakeText(),
+            "post ExtensionStoreStatusRequestReturned | post ExtensionStoreAsyncStatusFailed | "
+            "post ExtensionStoreAsyncStatusSucceeded");
 }
 
 TEST_F(TwoRequestsTest, ClassesDoNotHearEachOther) {
@@ -99,17 +91,12 @@ TEST_F(TwoRequestsTest, ClassesDoNotHearEachOther) {
   TakeEffects();
 
   EXPECT_TRUE(EndTransfer("http://user/", Reply(200, kUser)));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification UserInfoQueryRequestReturned, payload null",
-                          "SendNotification UserInfoUpdated, payload null"));
+  EXPECT_EQ(TakeText(), "post UserInfoQueryRequestReturned | post UserInfoUpdated");
   EXPECT_TRUE(EndTransfer("http://status/", NoReply()));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification ExtensionStoreStatusRequestFailed, payload null",
-                          "SendNotification ExtensionStoreAsyncStatusFailed, payload null"));
+  EXPECT_EQ(TakeText(),
+            "post ExtensionStoreStatusRequestFailed | post ExtensionStoreAsyncStatusFailed");
   EXPECT_TRUE(EndTransfer("http://update/", Reply(200, kUpdate)));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification UpdateQueryReturned, payload null",
-                          "SendNotification UpdateQueryAsyncSucceeded, payload null"));
+  EXPECT_EQ(TakeText(), "post UpdateQueryReturned | post UpdateQueryAsyncSucceeded");
 }
 
 TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideThePublicNotificationOfAnother) {
@@ -122,13 +109,12 @@ TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideThePublicNotificationOfAno
   const Host host("UserInfoUpdated", [&] { doomed.reset(); });
 
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification UserInfoQueryRequestReturned, payload null",
-                          "SendNotification UserInfoUpdated, payload null", "RemoveObserver",
-                          "delegate deleted", "http://doomed/: deleted", "RemoveObserver"));
+  EXPECT_EQ(TakeText(),
+            "post UserInfoQueryRequestReturned | post UserInfoUpdated | RemoveObserver | "
+            "delegate deleted | http://doomed/: deleted | RemoveObserver");
   EXPECT_EQ(query.GetUserInfoValue("uid"), "1");
   EXPECT_FALSE(EndTransfer("http://doomed/", Reply(200, kUpdate)));
-  EXPECT_THAT(TakeEffects(), IsEmpty());
+  EXPECT_EQ(TakeText(), "");
 }
 
 // The deleted one stands after the other in the delivery that is under way.
@@ -142,10 +128,9 @@ TEST_F(TwoRequestsTest, RequestMayBeDeletedInAnothersPublicNotification) {
   const Host host("UserInfoUpdated", [&] { doomed.reset(); });
 
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("SendNotification UserInfoQueryRequestReturned, payload null",
-                          "SendNotification UserInfoUpdated, payload null", "RemoveObserver",
-                          "delegate deleted", "http://doomed/: deleted", "RemoveObserver"));
+  EXPECT_EQ(TakeText(),
+            "post UserInfoQueryRequestReturned | post UserInfoUpdated | RemoveObserver | "
+            "delegate deleted | http://doomed/: deleted | RemoveObserver");
   EXPECT_EQ(query.GetUserInfoValue("uid"), "1");
 }
 
@@ -159,10 +144,10 @@ TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideASynchronousRequest) {
   const Host host("UpdateQueryAsyncFailed", [&] { doomed.reset(); });
   ScriptTransfer(Reply(500, ""));
   EXPECT_FALSE(query.SynchronousRequest());
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("http://a/: constructed", "http://a/: Download", "http://a/: deleted",
-                          "SendNotification UpdateQueryAsyncFailed, payload null", "RemoveObserver",
-                          "delegate deleted", "http://doomed/: deleted", "RemoveObserver"));
+  EXPECT_EQ(TakeText(),
+            "http://a/: constructed | http://a/: Download | http://a/: deleted | "
+            "post UpdateQueryAsyncFailed | RemoveObserver | delegate deleted | "
+            "http://doomed/: deleted | RemoveObserver");
 }
 
 TEST_F(TwoRequestsTest, ARequestStartsAnotherOneInsideItsPublicNotification) {

@@ -64,16 +64,14 @@ class ScriptedReader : public IXMLInput {
     Record("reader deleted");
   }
 
-  bool FindElement(const ovrant_ustring& name) override {
-    return Move("FindElement", name, here(), 0);
-  }
+  bool FindElement(const ovrant_ustring& name) override { return Move('+', name, here(), 0); }
 
   bool NextElement(const ovrant_ustring& name) override {
     RequireCurrent("NextElement", name);
     if (path_.size() < 2) return false;
     const Place left = path_.back();
     path_.pop_back();
-    if (Move("NextElement", name, here(), left.index + 1)) return true;
+    if (Move('>', name, here(), left.index + 1)) return true;
     path_.push_back(left);
     list_is_over_ = true;
     return false;
@@ -81,7 +79,7 @@ class ScriptedReader : public IXMLInput {
 
   bool LeaveElement(const ovrant_ustring& name) override {
     list_is_over_ = false;
-    RecordOrFail("LeaveElement " + ShortName(name.utf8()));
+    RecordOrFail("-" + ShortName(name.utf8()));
     RequireCurrent("LeaveElement", name);
     if (path_.size() > 1) path_.pop_back();
     return leave_result;
@@ -93,25 +91,25 @@ class ScriptedReader : public IXMLInput {
         std::find_if(attributes.begin(), attributes.end(),
                      [key = name.utf8()](const auto& entry) { return entry.first == key; });
     const bool is_found = found != attributes.end();
-    RecordCall("GetAttribute", name, is_found);
+    RecordCall('@', name, is_found);
     if (is_found) value = found->second.c_str();
     return is_found;
   }
 
   bool GetElementText(const ovrant_ustring& name, ovrant_ustring& value) override {
-    const XmlElement* const child = Child("GetElementText", name);
+    const XmlElement* const child = Child('.', name);
     if (child != nullptr) value = child->text.c_str();
     return child != nullptr;
   }
 
   bool GetElementInt(const ovrant_ustring& name, int& value) override {
-    const XmlElement* const child = Child("GetElementInt", name);
+    const XmlElement* const child = Child('#', name);
     if (child != nullptr) value = std::atoi(child->text.c_str());
     return child != nullptr;
   }
 
   bool GetElementBool(const ovrant_ustring& name, bool& value) override {
-    const XmlElement* const child = Child("GetElementBool", name);
+    const XmlElement* const child = Child('?', name);
     if (child != nullptr) value = child->text == "true";
     return child != nullptr;
   }
@@ -136,8 +134,8 @@ class ScriptedReader : public IXMLInput {
     return from;
   }
 
-  void RecordCall(const char* operation, const ovrant_ustring& name, bool found) {
-    RecordOrFail(operation + (" " + ShortName(name.utf8())) + (found ? "" : ": none"));
+  void RecordCall(char operation, const ovrant_ustring& name, bool found) {
+    RecordOrFail((found ? "" : "!") + (operation + ShortName(name.utf8())));
     if (list_is_over_) Misuse("the list has not been left");
   }
 
@@ -145,7 +143,7 @@ class ScriptedReader : public IXMLInput {
     if (ShortName(name.utf8()) != here().name) Misuse(operation + " in " + here().name);
   }
 
-  bool Move(const char* operation, const ovrant_ustring& name, const XmlElement& parent,
+  bool Move(char operation, const ovrant_ustring& name, const XmlElement& parent,
             std::size_t from) {
     const std::size_t index = IndexOf(ShortName(name.utf8()), parent, from);
     const bool found = index < parent.children.size();
@@ -154,7 +152,7 @@ class ScriptedReader : public IXMLInput {
     return found;
   }
 
-  const XmlElement* Child(const char* operation, const ovrant_ustring& name) {
+  const XmlElement* Child(char operation, const ovrant_ustring& name) {
     const std::size_t index = IndexOf(ShortName(name.utf8()), here(), 0);
     const bool found = index < here().children.size();
     RecordCall(operation, name, found);

@@ -33,8 +33,12 @@ STOWRA_EXPORT void ScriptDocument(XmlElement root);
 STOWRA_EXPORT void ScriptUnreadableDocument();
 STOWRA_EXPORT int CountScriptedDocuments();
 
-// A reader at the document above that root. Each of its operations is recorded with the short name
-// that it was given, such as "FindElement a:title", and with ": none" when it finds nothing.
+// A reader at the document above that root. Each of its operations is recorded as a sign and the
+// short name that it was given, such as "+a:title", with a "!" before it when it finds nothing:
+//
+//   +  FindElement    @  GetAttribute     #  GetElementInt
+//   >  NextElement    .  GetElementText   ?  GetElementBool
+//   -  LeaveElement
 STOWRA_EXPORT std::unique_ptr<ovrant::IXMLInput> ReaderOf(XmlElement root);
 
 // The number of readers that exist now.

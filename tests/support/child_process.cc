@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 extern char** environ;
@@ -19,6 +20,11 @@ std::vector<char*> Pointers(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
   pointers.push_back(nullptr);
   return pointers;
+}
+
+bool IsWithheld(const std::string& variable, const std::vector<std::string>& names) {
+  const std::string name = variable.substr(0, variable.find('='));
+  return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 }  // namespace
@@ -51,6 +57,16 @@ bool OwnedDescriptor::ReadExactly(std::size_t count, std::string& bytes) const {
   return true;
 }
 
+std::string OwnedDescriptor::ReadAll() const {
+  std::string text;
+  char bytes[4096];
+  for (;;) {
+    const ssize_t count = ::read(number_, bytes, sizeof(bytes));
+    if (count == 0 || (count < 0 && errno != EINTR)) return text;
+    if (count > 0) text.append(bytes, static_cast<std::size_t>(count));
+  }
+}
+
 OwnedPipe::OwnedPipe() {
   int ends[2] = {-1, -1};
   EXPECT_EQ(::pipe(ends), 0);
@@ -63,7 +79,7 @@ ChildProcess::ChildProcess(const Start& start) {
   arguments.insert(arguments.begin(), start.program);
   std::vector<std::string> environment = start.environment;
   for (char** variable = environ; *variable != nullptr; ++variable) {
-    environment.emplace_back(*variable);
+    if (!IsWithheld(*variable, start.withheld)) environment.emplace_back(*variable);
   }
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

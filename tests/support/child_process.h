@@ -31,6 +31,9 @@ class OwnedDescriptor {
   bool WriteAll(std::string_view bytes) const;
   bool ReadExactly(std::size_t count, std::string& bytes) const;
 
+  // Reads up to the end of the file or an error.
+  std::string ReadAll() const;
+
  private:
   int number_;
 };
@@ -49,6 +52,7 @@ class ChildProcess {
     std::string program;                           // a path
     std::vector<std::string> arguments;            // without the program's name
     std::vector<std::string> environment;          // "NAME=value", added to the test's own
+    std::vector<std::string> withheld;             // names that the child does not get of that
     std::vector<std::pair<int, int>> descriptors;  // (number here, number in the child)
   };
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/text/units.h"
 #include "tests/support/corpora.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {

@@ -1,66 +1,50 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "common_stowraapi/platform/ustring.h"
-#include "tests/platform/text/units.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::utils::GetFileName;
 
-TEST(FileNameTest, IsWhatFollowsTheLastSeparator) {
-  EXPECT_EQ(GetFileName("/home/user/chair.qmf", true), "chair.qmf");
-  EXPECT_EQ(GetFileName("models/chair.qmf", true), "chair.qmf");
-  EXPECT_EQ(GetFileName("/chair.qmf", true), "chair.qmf");
-  EXPECT_EQ(GetFileName("//a//b", true), "b");
-}
+struct FileName {
+  const char* path;
+  const char* name;
+  const char* stem;  // the name without its extension
+};
 
-TEST(FileNameTest, IsTheWholePathWithoutASeparator) {
-  EXPECT_EQ(GetFileName("chair.qmf", true), "chair.qmf");
-  EXPECT_EQ(GetFileName("", true), "");
-}
-
-TEST(FileNameTest, IsEmptyBehindAFinalSeparator) {
-  EXPECT_EQ(GetFileName("/home/user/", true), "");
-  EXPECT_EQ(GetFileName("/home/user/", false), "");
-  EXPECT_EQ(GetFileName("/", true), "");
-}
-
-TEST(FileNameTest, KeepsEveryExtensionWhenAsked) {
-  EXPECT_EQ(GetFileName("/a.b/c.tar.gz", true), "c.tar.gz");
-  EXPECT_EQ(GetFileName("/a/.profile", true), ".profile");
-}
-
-TEST(FileNameTest, DropsTheLastExtensionWhenAsked) {
-  EXPECT_EQ(GetFileName("/home/user/chair.qmf", false), "chair");
-  EXPECT_EQ(GetFileName("/a/c.tar.gz", false), "c.tar");
-  EXPECT_EQ(GetFileName("chair.", false), "chair");
-  EXPECT_EQ(GetFileName("a..b", false), "a.");
-}
-
-TEST(FileNameTest, ADotAtTheBeginningStartsNoExtension) {
-  EXPECT_EQ(GetFileName("/a/.profile", false), ".profile");
-  EXPECT_EQ(GetFileName(".", false), ".");
-  EXPECT_EQ(GetFileName("/a/.profile.bak", false), ".profile");
-}
-
-TEST(FileNameTest, ADotInAFolderIsNoExtension) {
-  EXPECT_EQ(GetFileName("/models.old/chair", false), "chair");
-  EXPECT_EQ(GetFileName("/models.old/", false), "");
-}
-
+TEST(FileNameTest, FollowsTheLastSeparatorAndLosesTheLastExtension) {
+  const FileName names[] = {
+    {"/home/user/chair.qmf", "chair.qmf", "chair"},
+    {"models/chair.qmf", "chair.qmf", "chair"},
+    {"/chair.qmf", "chair.qmf", "chair"},
+    {"//a//b", "b", "b"},
+    {"chair.qmf", "chair.qmf", "chair"},
+    {"", "", ""},
+    {"/home/user/", "", ""},
+    {"/", "", ""},
+    {"/a.b/c.tar.gz", "c.tar.gz", "c.tar"},
+    {"chair.", "chair.", "chair"},
+    {"a..b", "a..b", "a."},
+    // A dot at the beginning starts no extension, nor does one in a folder.
+    {"/a/.profile", ".profile", ".profile"},
+    {".", ".", "."},
+    {"/a/.profile.bak", ".profile.bak", ".profile"},
+    {"/models.old/chair", "chair", "chair"},
+    {"/models.old/", "", ""},
 #if !defined(_WIN32)
-TEST(FileNameTest, ABackslashIsACharacterLikeAnyOther) {
-  EXPECT_EQ(GetFileName("/a/b\\c.qmf", true), "b\\c.qmf");
-  EXPECT_EQ(GetFileName("b\\c.qmf", false), "b\\c");
-}
+    {"/a/b\\c.qmf", "b\\c.qmf", "b\\c"},
 #endif
+    {"/\xC3\xA9/\xF0\x9F\xAA\x91 \"x\".qmf", "\xF0\x9F\xAA\x91 \"x\".qmf", "\xF0\x9F\xAA\x91 \"x\""}
+  };
+  for (const auto& [path, name, stem] : names) {
+    EXPECT_EQ(GetFileName(path, true), name) << path;
+    EXPECT_EQ(GetFileName(path, false), stem) << path;
+  }
+}
 
-TEST(FileNameTest, KeepsEveryUnitOfTheName) {
-  EXPECT_EQ(UnitsOf(GetFileName("/\xC3\xA9/\xF0\x9F\xAA\x91 \"x\".qmf", true)),
-            u"\U0001FA91 \"x\".qmf");
+TEST(FileNameTest, KeepsALoneSurrogate) {
   EXPECT_EQ(GetFileName(TextOf(u"/\xD83E.x"), true), TextOf(u"\xD83E.x"));
 }
 

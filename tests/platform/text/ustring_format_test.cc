@@ -15,7 +15,7 @@
 
 #include "common_stowraapi/platform/ustring.h"
 #include "tests/platform/text/comma_locale.h"
-#include "tests/platform/text/units.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -337,6 +337,8 @@ TEST(UStringFormatTest, BoundsWidthAndPrecision) {
   EXPECT_EQ(Formatted("%*d", INT_MIN, 1).length(), 4096u);
   EXPECT_EQ(Formatted("%*d", LLONG_MAX, 1).length(), 4096u);
   EXPECT_EQ(Formatted("%*d", LLONG_MIN, 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%.4096d", 1).length(), 4096u);
+  EXPECT_EQ(Formatted("%.4097d", 1).length(), 4096u);
   EXPECT_EQ(Formatted("%.99999999d", 1).length(), 4096u);
   EXPECT_EQ(Formatted("%.99999999f", 1.5).length(), 4098u);
   EXPECT_EQ(Formatted("%.99999999f", DBL_MAX).length(), 309u + 1 + 4096);

@@ -13,12 +13,9 @@
 
 #include "common_stowraapi/platform/ustring.h"
 #include "common_stowraapi/platform/xml_input.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
-
-inline ovrant::utils::ovrant_ustring UString(std::string_view utf8) {
-  return ovrant::utils::ovrant_ustring(utf8.data(), utf8.size());
-}
 
 // The reader of one document, whose bytes lie in a block of just their size. Getters give nullopt
 // for absent, and then see to it that the caller's value is as it was.
@@ -31,27 +28,20 @@ class XmlDocument {
   bool is_open() const { return reader_ != nullptr; }
   ovrant::IXMLInput& reader() const { return *reader_; }
 
-  bool Find(std::string_view name) { return reader_->FindElement(UString(name)); }
-  bool Next(std::string_view name) { return reader_->NextElement(UString(name)); }
-  bool Leave(std::string_view name) { return reader_->LeaveElement(UString(name)); }
+  bool Find(std::string_view name) { return reader_->FindElement(stowra_test::Text(name)); }
+  bool Next(std::string_view name) { return reader_->NextElement(stowra_test::Text(name)); }
+  bool Leave(std::string_view name) { return reader_->LeaveElement(stowra_test::Text(name)); }
 
   std::optional<std::string> Attribute(std::string_view name) {
-    ovrant::utils::ovrant_ustring value = kUntouched;
-    if (reader_->GetAttribute(UString(name), value)) return value.utf8();
-    EXPECT_EQ(value.utf8(), kUntouched) << name;
-    return std::nullopt;
+    return Utf8(&ovrant::IXMLInput::GetAttribute, name);
   }
-
   std::optional<std::string> Text(std::string_view name) {
-    ovrant::utils::ovrant_ustring value = kUntouched;
-    if (reader_->GetElementText(UString(name), value)) return value.utf8();
-    EXPECT_EQ(value.utf8(), kUntouched) << name;
-    return std::nullopt;
+    return Utf8(&ovrant::IXMLInput::GetElementText, name);
   }
 
   std::optional<int> Int(std::string_view name) {
     int value = -77;
-    if (reader_->GetElementInt(UString(name), value)) return value;
+    if (reader_->GetElementInt(stowra_test::Text(name), value)) return value;
     EXPECT_EQ(value, -77) << name;
     return std::nullopt;
   }
@@ -59,14 +49,22 @@ class XmlDocument {
   std::optional<bool> Bool(std::string_view name) {
     for (const bool before : {false, true}) {
       bool value = before;
-      if (reader_->GetElementBool(UString(name), value)) return value;
+      if (reader_->GetElementBool(stowra_test::Text(name), value)) return value;
       EXPECT_EQ(value, before) << name;
     }
     return std::nullopt;
   }
 
  private:
-  static constexpr const char* kUntouched = "untouched";
+  using Ustring = ovrant::utils::ovrant_ustring;
+
+  std::optional<std::string> Utf8(bool (ovrant::IXMLInput::*get)(const Ustring&, Ustring&),
+                                  std::string_view name) {
+    Ustring value = "untouched";
+    if ((*reader_.*get)(stowra_test::Text(name), value)) return value.utf8();
+    EXPECT_EQ(value.utf8(), "untouched") << name;
+    return std::nullopt;
+  }
 
   std::vector<unsigned char> bytes_;
   std::unique_ptr<ovrant::IXMLInput> reader_;
@@ -79,13 +77,6 @@ inline std::optional<std::string> RootText(std::string_view bytes) {
   XmlDocument document(bytes);
   EXPECT_TRUE(document.is_open()) << bytes.substr(0, 1000);
   return document.is_open() ? document.Text("a") : std::nullopt;
-}
-
-inline std::string Repeated(std::string_view text, std::size_t count) {
-  std::string all;
-  all.reserve(text.size() * count);
-  for (std::size_t i = 0; i < count; ++i) all += text;
-  return all;
 }
 
 }  // namespace stowra_test

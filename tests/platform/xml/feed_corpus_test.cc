@@ -35,12 +35,6 @@ std::string NameOf(const std::string& root) {
   return root.substr(1, end - 1) + ":" + root.substr(end + 1);
 }
 
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
 // The text that a file of expectations gives, which keeps its white space.
 std::optional<std::string> TextIn(const json& expected) {
   if (expected.is_null()) return std::nullopt;

@@ -130,7 +130,7 @@ TEST(XmlHostileHashTest, ElementNames) {
     ASSERT_TRUE(reader.FindElement("a"));
     ovrant::utils::ovrant_ustring text;
     for (const std::string& name : names) {
-      ASSERT_TRUE(reader.GetElementText(UString(name), text));
+      ASSERT_TRUE(reader.GetElementText(Text(name), text));
     }
   }));
 }
@@ -144,7 +144,7 @@ TEST(XmlHostileHashTest, AttributeNames) {
     ASSERT_TRUE(reader.FindElement("a"));
     ovrant::utils::ovrant_ustring text;
     for (std::size_t i = 0; i < names.size(); i += 32) {
-      ASSERT_TRUE(reader.GetAttribute(UString(names[i]), text));
+      ASSERT_TRUE(reader.GetAttribute(Text(names[i]), text));
     }
   }));
 }

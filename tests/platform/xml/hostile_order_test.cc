@@ -43,7 +43,7 @@ TEST(XmlHostileOrderTest, ADifferentNameEachInReverse) {
     ASSERT_TRUE(reader.FindElement("a"));
     for (int i = kMany - 1; i >= 0; --i) {
       int value = -1;
-      ASSERT_TRUE(reader.GetElementInt(UString(NameOf(i)), value));
+      ASSERT_TRUE(reader.GetElementInt(Text(NameOf(i)), value));
       ASSERT_EQ(value, i);
     }
   }));
@@ -53,7 +53,7 @@ TEST(XmlHostileOrderTest, ADifferentNameEachVisitedInReverse) {
   EXPECT_TRUE(OpenHostile(ListOf(NameOf, kMany), [](IXMLInput& reader) {
     ASSERT_TRUE(reader.FindElement("a"));
     for (int i = kMany - 1; i >= 0; --i) {
-      const ovrant_ustring name = UString(NameOf(i));
+      const ovrant_ustring name = Text(NameOf(i));
       ASSERT_TRUE(reader.FindElement(name));
       ASSERT_FALSE(reader.NextElement(name));
       ASSERT_TRUE(reader.LeaveElement(name));
@@ -76,7 +76,7 @@ TEST(XmlHostileOrderTest, AThousandListsThroughEachOther) {
   EXPECT_TRUE(OpenHostile(ListOf(one_of_thousand, kMany), [](IXMLInput& reader) {
     ASSERT_TRUE(reader.FindElement("a"));
     for (int i = 999; i >= 0; --i) {
-      const ovrant_ustring name = UString(NameOf(i));
+      const ovrant_ustring name = Text(NameOf(i));
       ASSERT_TRUE(reader.FindElement(name));
       ASSERT_EQ(CountNext(reader, name), kMany / 1'000 - 1);
       ASSERT_TRUE(reader.LeaveElement(name));
@@ -149,7 +149,7 @@ void AskForEach(const std::vector<std::string>& names, IXMLInput& reader) {
   ASSERT_TRUE(reader.FindElement("a"));
   for (std::size_t i = names.size(); i > 0; --i) {
     int value = -1;
-    ASSERT_TRUE(reader.GetElementInt(UString(names[i - 1]), value));
+    ASSERT_TRUE(reader.GetElementInt(Text(names[i - 1]), value));
     ASSERT_EQ(value, static_cast<int>(i - 1));
   }
 }

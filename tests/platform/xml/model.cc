@@ -4,6 +4,8 @@
 #include <regex>
 #include <utility>
 
+#include "tests/support/text.h"
+
 namespace stowra_test {
 namespace {
 
@@ -57,12 +59,6 @@ constexpr char kDeclarations[] = "<!DOCTYPE a SYSTEM 'nowhere' [<!ELEMENT a ANY>
 template <typename T, std::size_t kCount>
 const T& PickFrom(std::mt19937* random, const T (&items)[kCount]) {
   return items[Pick(random, kCount)];
-}
-
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
 std::string AllText(const ModelElement& element) {

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kBoundaries[] = {1024, 4096, 8192, 16'384, 32'768, 65'536, 131'072};
 
 std::string Utf16Of(const std::string& utf8) {
-  const ovrant::utils::ovrant_ustring text = UString(utf8);
+  const ovrant::utils::ovrant_ustring text = Text(utf8);
   std::string bytes = "\xFF\xFE";
   for (unsigned long i = 0; i < text.length(); ++i) {
     const char16_t unit = text.at(i);

@@ -1,22 +1,14 @@
-// The order of the virtual functions, which is part of the binary interface. Each one is called by
-// its number in the object's table, as a compiled host does. The table is that of the C++ ABI of
-// Linux and macOS.
+// The order of the virtual functions, which is part of the binary interface.
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
 #include "tests/platform/xml/document.h"
-
-#if defined(__clang__)
-#define STOWRA_ANY_FUNCTION_TYPE __attribute__((no_sanitize("function")))
-#else
-#define STOWRA_ANY_FUNCTION_TYPE
-#endif
+#include "tests/support/slots.h"
 
 namespace stowra_test {
 namespace {
@@ -35,13 +27,6 @@ enum Slot {
   kGetElementInt,
   kGetElementBool,
 };
-
-template <typename Result = void, typename... Args>
-STOWRA_ANY_FUNCTION_TYPE Result CallSlot(void* object, Slot slot, Args... args) {
-  void* const* table;
-  std::memcpy(&table, object, sizeof(table));
-  return reinterpret_cast<Result (*)(void*, Args...)>(table[slot])(object, args...);
-}
 
 class RecordingInput final : public IXMLInput {
  public:

@@ -1,159 +1,145 @@
-// Moving about: FindElement, NextElement, LeaveElement.
+// Moving about, and names with and without namespaces.
+
+#include "tests/platform/xml/walk.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "tests/platform/xml/document.h"
-
 namespace stowra_test {
 namespace {
 
-TEST(XmlWalkTest, StandsAtTheDocumentFirst) {
-  XmlDocument document("<a b='1'><c/></a>");
-  ASSERT_TRUE(document.is_open());
-  EXPECT_FALSE(document.Attribute("b"));
-  EXPECT_FALSE(document.Text("c"));
-  EXPECT_FALSE(document.Next("a"));
-  EXPECT_FALSE(document.Leave("a"));
-  EXPECT_FALSE(document.Leave(""));
-  EXPECT_FALSE(document.Find("c"));
-  EXPECT_TRUE(document.Find("a"));
-  EXPECT_EQ(document.Attribute("b"), "1");
-}
+class XmlWalkTest : public testing::TestWithParam<Walk> {};
 
-TEST(XmlWalkTest, WalksAListInTheUsualPattern) {
-  XmlDocument document("<list><item>1</item><item>2</item><item>3</item></list>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("list"));
-  ASSERT_TRUE(document.Find("item"));
-  EXPECT_TRUE(document.Next("item"));
-  EXPECT_TRUE(document.Next("item"));
-  EXPECT_FALSE(document.Next("item"));
-  EXPECT_TRUE(document.Leave("item"));
-  EXPECT_EQ(document.Text("item"), "1");
-  EXPECT_TRUE(document.Leave("list"));
-  EXPECT_EQ(document.Text("list"), "123");
-}
+TEST_P(XmlWalkTest, Finds) { Follow(GetParam()); }
 
-TEST(XmlWalkTest, ReadsWhatEachElementOfAListHolds) {
-  XmlDocument document(
-      "<list><item id='x'><name>one</name></item>"
-      "<item id='y'><name>two</name><part n='1'/><part n='2'/></item></list>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("list"));
-  ASSERT_TRUE(document.Find("item"));
-  EXPECT_EQ(document.Attribute("id"), "x");
-  EXPECT_EQ(document.Text("name"), "one");
-  EXPECT_FALSE(document.Find("part"));
-  ASSERT_TRUE(document.Next("item"));
-  EXPECT_EQ(document.Attribute("id"), "y");
-  EXPECT_EQ(document.Text("name"), "two");
-  ASSERT_TRUE(document.Find("part"));
-  EXPECT_EQ(document.Attribute("n"), "1");
-  ASSERT_TRUE(document.Next("part"));
-  EXPECT_EQ(document.Attribute("n"), "2");
-  EXPECT_FALSE(document.Next("part"));
-  EXPECT_TRUE(document.Leave("part"));
-  EXPECT_EQ(document.Attribute("id"), "y");
-  EXPECT_FALSE(document.Next("item"));
-  EXPECT_TRUE(document.Leave("item"));
-  EXPECT_TRUE(document.Leave("list"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Elements, XmlWalkTest,
+    testing::Values(
+        Walk{"StandsAtTheDocumentFirst", "<a b='1'><c/></a>",
+             "!@b | !.c | !>a | !-a | !- | !+c | +a | @b=1"},
+        Walk{"WalksAListInTheUsualPattern",
+             "<list><item>1</item><item>2</item><item>3</item></list>",
+             "+list | +item | >item | >item | !>item | -item | .item=1 | -list | .list=123"},
+        Walk{"ReadsWhatEachElementOfAListHolds",
+             "<list><item id='x'><name>one</name></item><item id='y'><name>two</name>"
+             "<part n='1'/><part n='2'/></item></list>",
+             "+list | +item | @id=x | .name=one | !+part | >item | @id=y | .name=two | +part | "
+             "@n=1 | >part | @n=2 | !>part | -part | @id=y | !>item | -item | -list"},
+        Walk{"StaysAtTheLastOfAListAfterItsEnd", "<r><i n='1'/><other/><i n='2'/><other/></r>",
+             "+r | +i | >i | !>i | @n=2 | !>i | @n=2 | !>i | @n=2 | -i | !@n | +other"},
+        Walk{"FindElementTakesTheFirst", "<r>text<x/><i n='1'/><i n='2'/></r>",
+             "+r | +i | @n=1 | >i | @n=2 | -i | +i | @n=1 | >i | @n=2 | -i | +i | @n=1"},
+        Walk{"FindElementLooksAtChildrenOnly",
+             "<r id='r'><x><deep id='1'/></x><deep id='2'/><x><only/></x></r>",
+             "!+x | !+deep | +r | !+r | !+only | @id=r | +deep | @id=2"},
+        Walk{"NextElementLooksAtLaterSiblingsOnly", "<r><n/><i><n/><i/></i><x><n/></x></r>",
+             "+r | +i | !>n | !>i | !>r | >x"},
+        Walk{"NextElementMayGoToAnotherName", "<r><a n='1'/><b n='2'/><a n='3'/><b n='4'/></r>",
+             "+r | +a | >b | @n=2 | >b | @n=4 | !>a | !-a | -b"},
+        Walk{"LeaveElementWantsTheNameOfTheCurrentElement", "<r><i n='1'><r/></i></r>",
+             "+r | +i | !-r | @n=1 | !-I | @n=1 | !- | @n=1 | !-i  | @n=1 | !-none | @n=1 | -i"},
+        Walk{"LeavingTheRootLeadsToTheDocument", "<r n='1'><i/></r>",
+             "+r | !>r | -r | !@n | !-r | !+i | +r | !>r | -r | !@n | !-r | !+i | +r"},
+        Walk{"ListsMayLieAmongEachOther",
+             "<r><a n='1'/><b n='2'/><a n='3'/><c/><b n='4'/><a n='5'/></r>",
+             "+r | +b | @n=2 | >b | @n=4 | !>b | -b | +a | @n=1 | >a | @n=3 | >a | @n=5 | !>a | "
+             "-a | +b | @n=2 | >b | @n=4 | !>b | -b"},
+        Walk{"AskingForTextsDoesNotMove",
+             "<r n='0'><i n='1'><v>1</v></i><i n='2'><v>x</v><v>2</v></i></r>",
+             "+r | +i | #v=1 | @n=1 | >i | !#v | !?v | .v=x | @n=2"},
+        Walk{"NamesMatchExactly", "<Name><na.me-_1\xC3\xA9/><\xC3\x89l\xE4\xB8\x80/></Name>",
+             "!+name | !+NAME | !+Nam | !+Names | !+ Name | !+Name  | !+ | !+:Name | +Name | "
+             "!+na.me-_1e | !+na.me-_1\xC3\x89 | !+na.me-_1e\xCC\x81 | !+na.me-_1 | "
+             "+na.me-_1\xC3\xA9 | >\xC3\x89l\xE4\xB8\x80"},
+        Walk{"ANameEndsOnlyWhereItEnds", "<a><b/></a>",
+             std::string("!+a\0 | !+a\0b | +a | !-a\0 | !.b\0", 31)}),
+    RowName());
 
-TEST(XmlWalkTest, StaysAtTheLastOfAListAfterItsEnd) {
-  XmlDocument document("<r><i n='1'/><other/><i n='2'/><other/></r>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  ASSERT_TRUE(document.Find("i"));
-  ASSERT_TRUE(document.Next("i"));
-  for (int again = 0; again < 3; ++again) {
-    EXPECT_FALSE(document.Next("i"));
-    EXPECT_EQ(document.Attribute("n"), "2");
-  }
-  EXPECT_TRUE(document.Leave("i"));
-  EXPECT_FALSE(document.Attribute("n"));
-  EXPECT_TRUE(document.Find("other"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Attributes, XmlWalkTest,
+    testing::Values(
+        Walk{"EachByItsName", "<a one='1' two=\"2\" three='' four=' '><b one='5'/></a>",
+             "+a | @two=2 | @one=1 | @three= | @four=  | !@five | !@One | !@on | !@ones | !@ | "
+             "!@:one | !@a | !@b | +b | @one=5 | !@two"},
+        Walk{"OfTheCurrentElement", "<a n='a'><b/><b n='b'/><b/></a>",
+             "+a | +b | !@n | >b | @n=b | >b | !@n | -b | @n=a"},
+        Walk{"PrefixedIsAnother", "<a xmlns:p='urn:p' p:href='p' xml:lang='en'/>",
+             "+a | !@href | !@lang"},
+        Walk{"PrefixedComesFirst", "<a xmlns:p='urn:p' p:href='p' href='plain'/>",
+             "+a | @href=plain"},
+        Walk{"PrefixedComesLast", "<a xmlns:p='urn:p' href='plain' p:href='p'/>",
+             "+a | @href=plain"},
+        Walk{"WithoutAPrefixIsInNoNamespace", "<a xmlns='urn:x' n='1'/>", "+urn:x:a | @n=1"},
+        Walk{"NamespaceDeclarationsAreNone", "<a xmlns:p='urn:p' n='1'/>",
+             "+a | !@xmlns | !@p | @n=1"},
+        Walk{"ReferencesAreDecoded",
+             "<a n='&lt;&amp;&gt;&quot;&apos;\">' m='&#65;&#x42;&#x1F600;\xC3\xA9'/>",
+             "+a | @n=<&>\"'\"> | @m=AB\xF0\x9F\x98\x80\xC3\xA9"},
+        Walk{"WhiteSpaceIsKeptAsSpacesAndReferencesAsTheyAre", "<a n=' x\ty\nz\r\n.\r '/>",
+             "+a | @n= x y z .  "},
+        Walk{"ReferencesToWhiteSpaceAreKept", "<a n='&#9;&#10;&#13;&#32;'/>", "+a | @n=\t\n\r "}),
+    RowName());
 
-TEST(XmlWalkTest, FindElementTakesTheFirst) {
-  XmlDocument document("<r>text<x/><i n='1'/><i n='2'/></r>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  for (int again = 0; again < 3; ++again) {
-    ASSERT_TRUE(document.Find("i"));
-    EXPECT_EQ(document.Attribute("n"), "1");
-    EXPECT_TRUE(document.Next("i"));
-    EXPECT_EQ(document.Attribute("n"), "2");
-    ASSERT_TRUE(document.Leave("i"));
-  }
-}
+INSTANTIATE_TEST_SUITE_P(
+    Namespaces, XmlWalkTest,
+    testing::Values(
+        Walk{"ADefaultHoldsForWhatLiesInside", "<a xmlns='http://host/x'><b>1</b></a>",
+             "!+a | !+:a | !+http://host/xa | !+http://host/x/:a | !+HTTP://host/x:a | "
+             "!+http://host/x: | !+http://host/x: a | !+http://host/x::a | +http://host/x:a | "
+             ".http://host/x:b=1 | !.b | !-a | -http://host/x:a"},
+        Walk{"WithoutOneTheNameIsTheLocalName", "<a><b>1</b></a>", "!+:a | +a | .b=1"},
+        Walk{"ThePrefixDoesNotMatter",
+             "<p:a xmlns:p='urn:x'><q:b xmlns:q='urn:x'>1</q:b><b xmlns='urn:x'>2</b><p:b>3</p:b>"
+             "<b>4</b></p:a>",
+             "!+p:a | +urn:x:a | .b=4 | !.p:b | +urn:x:b | >urn:x:b | >urn:x:b | !>urn:x:b | >b"},
+        Walk{"SameLocalNamesAreToldApart",
+             "<feed xmlns='urn:f' xmlns:m='urn:m'><m:title>media</m:title>"
+             "<title xmlns=''>none</title><title>feed</title></feed>",
+             "+urn:f:feed | .urn:f:title=feed | .urn:m:title=media | .title=none"},
+        Walk{"DeclarationsMayBeReplacedAndTakenBack",
+             "<a xmlns='urn:1' xmlns:p='urn:p'><b xmlns='urn:2' xmlns:p='urn:q'><c/><p:c/></b>"
+             "<b xmlns=''><c/></b><p:b/><b/></a>",
+             "+urn:1:a | +urn:2:b | .urn:2:c= | .urn:q:c= | !.urn:p:c | !.urn:1:c | -urn:2:b | +b "
+             "| .c= | -b | +urn:p:b | >urn:1:b"},
+        Walk{"HoldForTheElementThatDeclaresThem", "<a><p:b xmlns:p='urn:x'/><b xmlns='urn:y'/></a>",
+             "+a | .urn:x:b= | .urn:y:b= | !.b"},
+        Walk{"TheUriIsTakenAsWritten", "<a xmlns='HTTP://h/%7e a&amp;b?c:d#&#x65;/../ '/>",
+             "+HTTP://h/%7e a&b?c:d#e/../ :a"},
+        Walk{"TheUriMayHaveAnyCharacter",
+             "<a xmlns='\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80'><b/></a>",
+             "+\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80:a | .\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80:b="},
+        Walk{"TheXmlPrefixNeedsNoDeclaration", "<xml:a/>",
+             "+http://www.w3.org/XML/1998/namespace:a"},
+        Walk{"OpensAFeedOfSeveral",
+             "<feed xmlns='http://www.w3.org/2005/Atom'"
+             " xmlns:os='http://a9.com/-/spec/opensearchrss/1.0/'"
+             " xmlns:media='http://search.yahoo.com/mrss/'><os:totalResults>12</os:totalResults>"
+             "<entry><title>T</title><media:group><media:content url='u'/></media:group></entry>"
+             "</feed>",
+             "+http://www.w3.org/2005/Atom:feed | "
+             "#http://a9.com/-/spec/opensearchrss/1.0/:totalResults=12 | "
+             "+http://www.w3.org/2005/Atom:entry | .http://www.w3.org/2005/Atom:title=T | "
+             "+http://search.yahoo.com/mrss/:group | +http://search.yahoo.com/mrss/:content | "
+             "@url=u"}),
+    RowName());
 
-TEST(XmlWalkTest, FindElementLooksAtChildrenOnly) {
-  XmlDocument document("<r id='r'><x><deep id='1'/></x><deep id='2'/><x><only/></x></r>");
-  ASSERT_TRUE(document.is_open());
-  EXPECT_FALSE(document.Find("x"));
-  EXPECT_FALSE(document.Find("deep"));
-  ASSERT_TRUE(document.Find("r"));
-  EXPECT_FALSE(document.Find("r"));
-  EXPECT_FALSE(document.Find("only"));
-  EXPECT_EQ(document.Attribute("id"), "r");
-  ASSERT_TRUE(document.Find("deep"));
-  EXPECT_EQ(document.Attribute("id"), "2");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, XmlWalkTest,
+    testing::Values(
+        Walk{"OfTheFirstChildOfTheName", "<r>0<x>x</x><t>1</t><t>2</t></r>", "+r | .t=1 | .x=x"},
+        Walk{"ADescendantIsNoChild", "<r><x><t>1</t></x></r>", "!.x | +r | !.t | !.r"},
+        Walk{"EndsWithItsElement", "<r>0<a>1</a>2<b>3</b>4<c/>5</r>",
+             ".r=012345 | +r | .a=1 | .b=3 | .c="},
+        Walk{"WordsOfNestedElementsInTheirPlaces",
+             "<r><t> A <i>title <b>of</b></i> <u/>words </t><t>B</t></r>",
+             "+r | .t=A title of words | +t | .i=title of | +i | .b=of"},
+        Walk{"AMissingNumberIsAbsent", "<a><b><n>1</n></b></a>", "!#n | +a | !#n | #b=1"},
+        Walk{"AMissingFlagIsAbsent", "<a><b><n>true</n></b></a>", "!?n | +a | !?n | ?b=1"}),
+    RowName());
 
-TEST(XmlWalkTest, NextElementLooksAtLaterSiblingsOnly) {
-  XmlDocument document("<r><n/><i><n/><i/></i><x><n/></x></r>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  ASSERT_TRUE(document.Find("i"));
-  EXPECT_FALSE(document.Next("n"));
-  EXPECT_FALSE(document.Next("i"));
-  EXPECT_FALSE(document.Next("r"));
-  EXPECT_TRUE(document.Next("x"));
-}
-
-TEST(XmlWalkTest, NextElementMayGoToAnotherName) {
-  XmlDocument document("<r><a n='1'/><b n='2'/><a n='3'/><b n='4'/></r>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  ASSERT_TRUE(document.Find("a"));
-  ASSERT_TRUE(document.Next("b"));
-  EXPECT_EQ(document.Attribute("n"), "2");
-  ASSERT_TRUE(document.Next("b"));
-  EXPECT_EQ(document.Attribute("n"), "4");
-  EXPECT_FALSE(document.Next("a"));
-  EXPECT_FALSE(document.Leave("a"));
-  EXPECT_TRUE(document.Leave("b"));
-}
-
-TEST(XmlWalkTest, LeaveElementWantsTheNameOfTheCurrentElement) {
-  XmlDocument document("<r><i n='1'><r/></i></r>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  ASSERT_TRUE(document.Find("i"));
-  for (const char* const other : {"r", "I", "", "i ", "none"}) {
-    EXPECT_FALSE(document.Leave(other)) << other;
-    EXPECT_EQ(document.Attribute("n"), "1") << other;
-  }
-  EXPECT_TRUE(document.Leave("i"));
-}
-
-TEST(XmlWalkTest, LeavingTheRootLeadsToTheDocument) {
-  XmlDocument document("<r n='1'><i/></r>");
-  ASSERT_TRUE(document.is_open());
-  for (int again = 0; again < 3; ++again) {
-    ASSERT_TRUE(document.Find("r"));
-    EXPECT_FALSE(document.Next("r"));
-    ASSERT_TRUE(document.Leave("r"));
-    EXPECT_FALSE(document.Attribute("n"));
-    EXPECT_FALSE(document.Leave("r"));
-    EXPECT_FALSE(document.Find("i"));
-  }
-}
-
-TEST(XmlWalkTest, ChildrenAreFoundInAnyOrder) {
+TEST(XmlListTest, ChildrenAreFoundInAnyOrder) {
   const std::vector<std::string> names = {"one", "two", "three", "four"};
   XmlDocument document(
       "<r>text<junk/><one>1</one><!-- two --><junk>x</junk><two>2</two><![CDATA[<four/>]]>"
@@ -161,35 +147,18 @@ TEST(XmlWalkTest, ChildrenAreFoundInAnyOrder) {
   ASSERT_TRUE(document.is_open());
   ASSERT_TRUE(document.Find("r"));
   for (std::size_t first = 0; first < names.size(); ++first) {
-    for (std::size_t second = 0; second < names.size(); ++second) {
+    for (const std::string& second : names) {
       EXPECT_EQ(document.Text(names[first]), std::to_string(first + 1));
-      ASSERT_TRUE(document.Find(names[second]));
-      ASSERT_TRUE(document.Leave(names[second]));
+      ASSERT_TRUE(document.Find(second));
+      ASSERT_TRUE(document.Leave(second));
       EXPECT_EQ(document.Int(names[first]), static_cast<int>(first + 1));
     }
   }
 }
 
-TEST(XmlWalkTest, ListsMayLieAmongEachOther) {
-  XmlDocument document("<r><a n='1'/><b n='2'/><a n='3'/><c/><b n='4'/><a n='5'/></r>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  for (const std::string name : {"b", "a", "b"}) {
-    std::string numbers;
-    ASSERT_TRUE(document.Find(name));
-    do {
-      numbers += document.Attribute("n").value_or("none");
-    } while (document.Next(name));
-    ASSERT_TRUE(document.Leave(name));
-    EXPECT_EQ(numbers, name == "a" ? "135" : "24");
-  }
-}
-
-TEST(XmlWalkTest, ListsOfAnyLengthAreWalkedToTheirEnd) {
+TEST(XmlListTest, ListsOfAnyLengthAreWalkedToTheirEnd) {
   for (const int length : {1, 2, 10, 63, 64, 65, 100, 1000}) {
-    std::string bytes = "<r>";
-    for (int i = 0; i < length; ++i) bytes += "<a n='" + std::to_string(i) + "'/><b/><c/>";
-    XmlDocument document(bytes + "<d/></r>");
+    XmlDocument document("<r>" + Numbered(0, length, "<a n='", "'/><b/><c/>") + "<d/></r>");
     ASSERT_TRUE(document.is_open());
     ASSERT_TRUE(document.Find("r"));
     ASSERT_TRUE(document.Find("a"));
@@ -202,43 +171,55 @@ TEST(XmlWalkTest, ListsOfAnyLengthAreWalkedToTheirEnd) {
   }
 }
 
-TEST(XmlWalkTest, AskingForTextsDoesNotMove) {
-  XmlDocument document("<r n='0'><i n='1'><v>1</v></i><i n='2'><v>x</v><v>2</v></i></r>");
+TEST(XmlListTest, EveryOneOfManyAttributesIsFound) {
+  std::string bytes = "<a";
+  for (int i = 0; i < 1000; ++i) bytes += " n" + std::to_string(i) + "='" + std::to_string(i) + "'";
+  XmlDocument document(bytes + "/>");
   ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("r"));
-  ASSERT_TRUE(document.Find("i"));
-  EXPECT_EQ(document.Int("v"), 1);
-  EXPECT_EQ(document.Attribute("n"), "1");
-  ASSERT_TRUE(document.Next("i"));
-  EXPECT_FALSE(document.Int("v"));
-  EXPECT_FALSE(document.Bool("v"));
-  EXPECT_EQ(document.Text("v"), "x");
-  EXPECT_EQ(document.Attribute("n"), "2");
-}
-
-TEST(XmlWalkTest, NamesMatchExactly) {
-  XmlDocument document("<Name><na.me-_1\xC3\xA9/><\xC3\x89l\xE4\xB8\x80/></Name>");
-  ASSERT_TRUE(document.is_open());
-  for (const char* const wrong : {"name", "NAME", "Nam", "Names", " Name", "Name ", "", ":Name"}) {
-    EXPECT_FALSE(document.Find(wrong)) << wrong;
-  }
-  ASSERT_TRUE(document.Find("Name"));
-  for (const char* const wrong :
-       {"na.me-_1e", "na.me-_1\xC3\x89", "na.me-_1e\xCC\x81", "na.me-_1"}) {
-    EXPECT_FALSE(document.Find(wrong)) << wrong;
-  }
-  EXPECT_TRUE(document.Find("na.me-_1\xC3\xA9"));
-  EXPECT_TRUE(document.Next("\xC3\x89l\xE4\xB8\x80"));
-}
-
-TEST(XmlWalkTest, ANameEndsOnlyWhereItEnds) {
-  XmlDocument document("<a><b/></a>");
-  ASSERT_TRUE(document.is_open());
-  EXPECT_FALSE(document.Find(std::string("a\0", 2)));
-  EXPECT_FALSE(document.Find(std::string("a\0b", 3)));
   ASSERT_TRUE(document.Find("a"));
-  EXPECT_FALSE(document.Leave(std::string("a\0", 2)));
-  EXPECT_FALSE(document.Text(std::string("b\0", 2)));
+  for (int i = 999; i >= 0; --i) {
+    EXPECT_EQ(document.Attribute("n" + std::to_string(i)), std::to_string(i));
+  }
+  EXPECT_FALSE(document.Attribute("n1000"));
+}
+
+TEST(XmlNameTest, HalfACharacterIsNoReplacementCharacter) {
+  XmlDocument document("<a xmlns='\xEF\xBF\xBD'/>");
+  ASSERT_TRUE(document.is_open());
+  ovrant::utils::ovrant_ustring name = "\xEF\xBF\xBD:a";
+  name[0] = 0xD800;
+  EXPECT_FALSE(document.reader().FindElement(name));
+  name[0] = 0xFFFD;
+  EXPECT_TRUE(document.reader().FindElement(name));
+}
+
+TEST(XmlNameTest, BrokenRulesOfNamespacesAreIllFormed) {
+  for (const char* const bytes :
+       {"<p:a/>", "<a p:n='1'/>", "<a><b xmlns:p='urn:x'/><p:b/></a>", "<a xmlns:p=''/>",
+        "<a xmlns:xmlns='urn:x'/>", "<a xmlns:xml='urn:x'/>",
+        "<a xmlns:p='http://www.w3.org/XML/1998/namespace'/>",
+        "<a xmlns='http://www.w3.org/2000/xmlns/'/>", "<a:b:c xmlns:a='urn:x'/>", "<:a/>", "<a:/>",
+        "<p:a xmlns:p='urn:x' xmlns:q='urn:x'></q:a>", "<a n='1' n='1'/>",
+        "<a xmlns:p='urn:x' xmlns:q='urn:x' p:n='1' q:n='2'/>"}) {
+    EXPECT_FALSE(Opens(bytes)) << bytes;
+  }
+  EXPECT_TRUE(Opens("<a xmlns:p='urn:x' xmlns:q='urn:y' p:n='1' q:n='2' n='3'/>"));
+}
+
+TEST(XmlNameTest, AUriMayHave256Bytes) {
+  for (const std::string head : {"<a xmlns='", "<p:a xmlns:p='"}) {
+    EXPECT_TRUE(Opens(head + std::string(256, 'u') + "'/>"));
+    EXPECT_FALSE(Opens(head + std::string(257, 'u') + "'/>"));
+    EXPECT_TRUE(Opens(head + Repeated("\xC3\xA9", 128) + "'/>"));
+    EXPECT_FALSE(Opens(head + Repeated("\xC3\xA9", 129) + "'/>"));
+  }
+}
+
+TEST(XmlNameTest, AnOverlongUriIsRefusedWhereverItIsDeclared) {
+  const std::string uri(257, 'u');
+  EXPECT_FALSE(Opens("<a><b><c xmlns:unused='" + uri + "'/></b></a>"));
+  EXPECT_FALSE(Opens("<a><b xmlns='" + uri + "'>x</b></a>"));
+  EXPECT_TRUE(Opens("<a n='" + uri + "'>" + uri + "</a>"));
 }
 
 }  // namespace
