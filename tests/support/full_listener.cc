@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <stdexcept>
 
 namespace stowra_test {
@@ -25,10 +26,11 @@ void Check(bool good) {
 
 }  // namespace
 
-FullListener::FullListener() {
+FullListener::FullListener(const char* own_address, int port) {
   sockaddr_in address = {};
   address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_addr.s_addr = inet_addr(own_address);
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
   socklen_t length = sizeof(address);
   auto* const any_address = reinterpret_cast<sockaddr*>(&address);
   sockets_.push_back(socket(AF_INET, SOCK_STREAM, 0));

@@ -8,15 +8,17 @@
 
 namespace stowra_test {
 
-// Listens on 127.0.0.1, accepts nothing and fills its own queue, so further clients wait.
+// Accepts nothing and fills its own queue, so further clients wait.
 class FullListener {
  public:
-  FullListener();
+  // Listens on an address of this machine. With port 0 the system chooses one.
+  explicit FullListener(const char* address = "127.0.0.1", int port = 0);
   ~FullListener();
 
   FullListener(const FullListener&) = delete;
   FullListener& operator=(const FullListener&) = delete;
 
+  // Of a listener on 127.0.0.1.
   std::string Url() const;
 
  private:

@@ -97,7 +97,7 @@ RawServer::RawServer(Handler handler, const Options& options)
   if (options.certificate != nullptr) tls_ = MakeTls(*options.certificate);
   Check(pipe(stop_pipe_.data()) == 0);
   for (const int end : stop_pipe_) CloseOnExec(end);
-  Listen(options.receive_buffer);
+  Listen(options);
   acceptor_ = std::thread(&RawServer::Accept, this);
 }
 
@@ -147,17 +147,17 @@ bool RawServer::WaitUntilOpen(int count) const {
   return changed_.wait_for(lock, kPatience, [this, count] { return open_ == count; });
 }
 
-void RawServer::Listen(int receive_buffer) {
+void RawServer::Listen(const Options& options) {
   listener_ = socket(AF_INET, SOCK_STREAM, 0);
   Check(listener_ >= 0);
   CloseOnExec(listener_);
-  if (receive_buffer > 0) {
-    Check(setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &receive_buffer, sizeof(receive_buffer)) ==
-          0);
+  if (options.receive_buffer > 0) {
+    Check(setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &options.receive_buffer,
+                     sizeof(options.receive_buffer)) == 0);
   }
   sockaddr_in address = {};
   address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_addr.s_addr = inet_addr(options.address);
   socklen_t length = sizeof(address);
   auto* const any_address = reinterpret_cast<sockaddr*>(&address);
   Check(bind(listener_, any_address, length) == 0);

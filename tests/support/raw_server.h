@@ -88,7 +88,7 @@ class RawConnection {
   bool closed_ = false;
 };
 
-// Listens on 127.0.0.1, on a port that the system chooses. Each connection has a thread, which
+// Listens on a port of this machine that the system chooses. Each connection has a thread, which
 // reads whole requests and calls the handler. A connection stays open between requests unless the
 // handler ends it. The destructor ends all connections and waits for their handlers.
 class RawServer {
@@ -100,6 +100,7 @@ class RawServer {
     bool reads_body = true;                    // false: the handler is called after the headers
     int receive_buffer = 0;                    // bytes; 0: the system's default
     bool records = true;                       // false: requests() stays empty
+    const char* address = "127.0.0.1";         // to listen on, another one of this machine
   };
 
   explicit RawServer(Handler handler);
@@ -111,7 +112,7 @@ class RawServer {
 
   int port() const { return port_; }
 
-  // "http://127.0.0.1:port" and `target`, or https with a certificate.
+  // "http://127.0.0.1:port" and `target`, or https with a certificate. Not for another address.
   std::string Url(std::string_view target = "/") const;
 
   std::vector<RawRequest> requests() const;
@@ -134,7 +135,7 @@ class RawServer {
     bool ended = false;
   };
 
-  void Listen(int receive_buffer);
+  void Listen(const Options& options);
   void Accept();
   void Serve(Client& client, int index);
   bool ReadRequest(RawConnection& connection, RawRequest& request) const;
