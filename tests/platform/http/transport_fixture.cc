@@ -50,6 +50,11 @@ void SetSendData(std::string_view data, InternetData& transport) {
   transport.set_send_data(reinterpret_cast<const unsigned char*>(data.data()), data.size());
 }
 
+bool Post(const std::string& url, InternetData& transport, StringMap* send_headers) {
+  return transport.SendAndRead(Text(url), nullptr, nullptr, nullptr, send_headers, false, false,
+                               true, "", "", nullptr);
+}
+
 void ExpectFailureState(const InternetData& transport, int status) {
   EXPECT_EQ(transport.status_code(), status);
   EXPECT_EQ(transport.received_data(), nullptr);
@@ -69,6 +74,11 @@ Background::Background(const std::string& url, std::function<void()> on_notifica
       transport(std::make_unique<InternetData>(Text(url))) {}
 
 bool Background::Start() { return transport->DownloadWithDelegate(delegate.get(), nullptr); }
+
+bool Background::StartUpload(std::string_view data) {
+  SetSendData(data, *transport);
+  return transport->UploadWithDelegate(delegate.get(), nullptr);
+}
 
 std::string Background::WaitForEnd() {
   if (!recorder.WaitFor(1)) return "(nothing)";

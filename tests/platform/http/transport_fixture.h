@@ -46,6 +46,9 @@ RawRequest LastRequest(const RawServer& server);
 
 void SetSendData(std::string_view data, InternetData& transport);
 
+// Makes a POST of the send data to `url` with SendAndRead.
+bool Post(const std::string& url, InternetData& transport, StringMap* send_headers = nullptr);
+
 // Expects the state after a failure: no body, no headers and `status`.
 void ExpectFailureState(const InternetData& transport, int status = 0);
 
@@ -57,8 +60,10 @@ std::unique_ptr<InternetDataDelegate> MakeDelegate(void* context = nullptr,
 struct Background {
   explicit Background(const std::string& url, std::function<void()> on_notification = nullptr);
 
-  // Starts a GET. WaitForEnd gives the posted name, or waits for kPatience in vain.
+  // Start a GET, or a POST of `data`. WaitForEnd gives the posted name, or waits for kPatience in
+  // vain.
   bool Start();
+  bool StartUpload(std::string_view data);
   std::string WaitForEnd();
 
   NotificationRecorder recorder;

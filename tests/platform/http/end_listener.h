@@ -1,0 +1,44 @@
+// Listens for the ends of transfers.
+
+#ifndef TESTS_PLATFORM_HTTP_END_LISTENER_H_
+#define TESTS_PLATFORM_HTTP_END_LISTENER_H_
+
+#include <mutex>
+#include <string>
+
+#include "common_stowraapi/platform/transfer_types.h"
+#include "tests/faults/ask.h"
+
+namespace stowra_test {
+
+using ovrant::internet::TransferError;
+
+// Takes the place of the transfer listener from construction to destruction.
+class EndListener {
+ public:
+  EndListener();
+  ~EndListener();
+
+  EndListener(const EndListener&) = delete;
+  EndListener& operator=(const EndListener&) = delete;
+
+  // The last kEnded. An empty event of kind kStarted if there was none.
+  ovrant::internet::TransferEvent last() const;
+
+ private:
+  mutable std::mutex mutex_;
+  ovrant::internet::TransferEvent last_;
+};
+
+constexpr Way kAllWays[] = {Way::kDownload, Way::kDownloadWithDelegate, Way::kSendAndRead,
+                            Way::kUploadWithDelegate};
+
+inline bool IsBlocking(Way way) { return way == Way::kDownload || way == Way::kSendAndRead; }
+
+// Makes one transfer and returns why it failed. Expects that the event, LastError and the result
+// agree.
+TransferError ReasonOf(Way way, const std::string& url, const std::string& upload = "data");
+
+}  // namespace stowra_test
+
+#endif  // TESTS_PLATFORM_HTTP_END_LISTENER_H_
