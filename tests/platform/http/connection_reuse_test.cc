@@ -39,8 +39,7 @@ TEST_F(ConnectionReuseTest, UploadsAndDownloadsShareAConnection) {
   Download(server);
   InternetData transport(Text("none:"));
   SetSendData("data", transport);
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   Download(server);
   EXPECT_EQ(server.connections(), 1);
 }

@@ -67,8 +67,7 @@ TEST_F(DefaultsTest, SendAndReadHeadersWinOverExtraOnes) {
   InternetData::SetDefaults(defaults_);
   StringMap headers;
   headers["X-BOTH"] = "passed";
-  EXPECT_TRUE(transport_.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, &headers,
-                                     false, false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server_.Url(), transport_, &headers));
   EXPECT_EQ(server_.requests().at(0).Header("X-Both"), "passed");
 }
 

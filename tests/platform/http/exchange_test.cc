@@ -267,16 +267,14 @@ TEST_F(ExchangeTest, SendAndReadSetsEveryOutputOnFailure) {
 TEST_F(ExchangeTest, SendAndReadAcceptsNullOutputs) {
   const RawServer server(Always(Response(200, "hello")));
   InternetData transport(Text("none:"));
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
 TEST_F(ExchangeTest, UploadWithoutDataSendsAnEmptyBody) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text("none:"));
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   Background background(server.Url());
   ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
   EXPECT_EQ(background.WaitForEnd(), kReturned);
@@ -291,10 +289,7 @@ TEST_F(ExchangeTest, UploadWithoutDataSendsAnEmptyBody) {
 TEST_F(ExchangeTest, SendDataCanBeReplacedAndCleared) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text("none:"));
-  const auto send = [&] {
-    EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                      false, true, "", "", nullptr));
-  };
+  const auto send = [&] { EXPECT_TRUE(Post(server.Url(), transport)); };
   SetSendData("one", transport);
   send();
   send();

@@ -17,8 +17,8 @@ constexpr char kEnd[] = "Content-Length: 0\r\n\r\n";
 // A value that needs memory of its own, so sanitizers see every access.
 const std::string kLong(100, 'x');
 
-// Transfers after others that went wrong. libcurl 7.88 leaves a dangling pointer to the headers of a
-// transfer in its easy handle, so none is used twice.
+// Transfers after others that went wrong. libcurl 7.88 leaves a dangling pointer to the headers of
+// a transfer in its easy handle, so none is used twice.
 class RepeatedTransfersTest : public TransportTest {
  protected:
   static void ExpectHello(const std::string& url) {
@@ -97,8 +97,7 @@ TEST_F(RepeatedTransfersTest, RequestLeavesNothingInTheNext) {
   EXPECT_TRUE(first.Download());
   EXPECT_NE(LastRequest(server).Header("Authorization"), "");
   SetSendData("data", first);
-  EXPECT_TRUE(first.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), first));
   InternetData second(Text(server.Url()));
   EXPECT_TRUE(second.Download());
   const RawRequest request = LastRequest(server);

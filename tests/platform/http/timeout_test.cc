@@ -210,8 +210,7 @@ TEST_F(TimeoutTest, SlowUploadIsProgress) {
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
   const auto begin = Clock::now();
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   EXPECT_EQ(BodyOf(transport), std::to_string(kLargeBody));
   EXPECT_GT(Clock::now() - begin, std::chrono::duration<float>(kLonger));
 }
@@ -230,8 +229,7 @@ TEST_F(TimeoutTest, BytesThatTheSystemSendsOfAnUploadAreProgress) {
       {nullptr, false, 4096});
   InternetData transport(Text("none:"));
   SetSendData(std::string(kBody, 'x'), transport);
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   EXPECT_EQ(BodyOf(transport), std::to_string(kBody));
 }
 
