@@ -1,0 +1,181 @@
+// Deletion of transport and delegate at any moment of a background transfer.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/platform/http/deletion_fixture.h"
+#include "tests/support/full_listener.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class DeletionTest : public DeletionFixture {
+ protected:
+  // Deletes both objects of a running transfer. Expects that this is quick and that nothing is
+  // posted.
+  static void ExpectQuickDeletion(Background& background) {
+    const auto begin = Clock::now();
+    DeleteBoth(background);
+    EXPECT_LT(Clock::now() - begin, kSoon);
+    LetWorkerCatchUp();
+    EXPECT_TRUE(background.recorder.entries().empty());
+  }
+
+  // Deletes one object and then the other right after the start. Expects no post after the first.
+  static void ExpectNoPostAfterDeletion(const std::string& url) {
+    for (int i = 0; i < 50; ++i) {
+      Background background(url);
+      ASSERT_TRUE(background.Start());
+      DeleteFirst(background);
+      const std::size_t posted = background.recorder.entries().size();
+      DeleteBoth(background);
+      LetWorkerCatchUp();
+      EXPECT_EQ(background.recorder.entries().size(), posted);
+    }
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Orders, DeletionTest,
+                         ::testing::Values(Order::kDelegateFirst, Order::kTransportFirst),
+                         NameOfOrder);
+
+TEST_P(DeletionTest, BeforeAnyTransfer) {
+  Background background(hello_.Url());
+  DeleteBoth(background);
+}
+
+TEST_P(DeletionTest, RightAfterTheStart) { ExpectNoPostAfterDeletion(hello_.Url()); }
+
+TEST_P(DeletionTest, WhileTheNameIsLookedUp) {
+  ExpectNoPostAfterDeletion("http://localhost:" + std::to_string(hello_.port()) + "/");
+}
+
+TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
+  static constexpr char kWaiting[] = "DeletionTestWaiting";
+  // A delivery blocks the worker.
+  Event go_on;
+  Event entered;
+  Background holder(hello_.Url(), [&] {
+    entered.Set();
+    EXPECT_TRUE(go_on.Wait());
+  });
+  ASSERT_TRUE(holder.Start());
+  ASSERT_TRUE(entered.Wait());
+  const RawServer server(Always(Response(200, "hello")));
+  NotificationRecorder recorder({kWaiting});
+  auto delegate = MakeDelegate(nullptr, kWaiting, kWaiting);
+  auto transport = std::make_unique<InternetData>(Text(server.Url()));
+  ASSERT_TRUE(transport->DownloadWithDelegate(delegate.get(), nullptr));
+  if (GetParam() == Order::kDelegateFirst) delegate.reset();
+  transport.reset();
+  delegate.reset();
+  go_on.Set();
+  LetWorkerCatchUp();
+  EXPECT_TRUE(recorder.entries().empty());
+  EXPECT_EQ(server.connections(), 0);
+}
+
+TEST_P(DeletionTest, WhileTheServerIsSilent) {
+  const RawServer server(Silence());
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(server.WaitForRequests(1));
+  ExpectQuickDeletion(background);
+  EXPECT_TRUE(server.WaitUntilUnused());
+}
+
+TEST_P(DeletionTest, WhileAnUploadIsSent) {
+  const RawServer server(
+      [](const RawRequest&, RawConnection& connection) { connection.StallWithoutReading(); },
+      {nullptr, false, 4096});
+  Background background(server.Url());
+  ASSERT_TRUE(background.StartUpload(std::string(kLargeBody, 'x')));
+  ASSERT_TRUE(server.WaitForRequests(1));
+  ExpectQuickDeletion(background);
+}
+
+TEST_P(DeletionTest, WhileTheConnectionIsMade) {
+  const FullListener listener;
+  Background background(listener.Url());
+  ASSERT_TRUE(background.Start());
+  LetWorkerCatchUp();
+  ExpectQuickDeletion(background);
+}
+
+TEST_P(DeletionTest, WhileTlsIsNegotiated) {
+  const RawServer server(Silence());
+  // The client's first message is not an HTTP request, so the server keeps waiting.
+  Background background("https" + server.Url().substr(4));
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(server.WaitForConnections(1));
+  ExpectQuickDeletion(background);
+  EXPECT_TRUE(server.WaitUntilUnused());
+}
+
+TEST_P(DeletionTest, OfOneObjectEndsTheTransfer) {
+  const RawServer server(Silence());
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(server.WaitForRequests(1));
+  DeleteFirst(background);
+  EXPECT_TRUE(server.WaitUntilUnused());
+  LetWorkerCatchUp();
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+TEST_P(DeletionTest, WhileTheBodyArrives) {
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
+    const std::string piece(1 << 16, 'x');
+    while (connection.Write(piece)) {
+    }
+  });
+  Event progress;
+  InternetData::SetTransferListener([&progress](const TransferEvent& event) {
+    if (event.kind == TransferEvent::Kind::kProgress) progress.Set();
+  });
+  Background background(server.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(progress.Wait());
+  DeleteBoth(background);
+  EXPECT_TRUE(server.WaitUntilUnused());
+  LetWorkerCatchUp();
+  EXPECT_TRUE(background.recorder.entries().empty());
+  InternetData::SetTransferListener(nullptr);
+}
+
+TEST_P(DeletionTest, AfterTheEnd) {
+  Background background(hello_.Url());
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  DeleteBoth(background);
+  LetWorkerCatchUp();
+  EXPECT_EQ(background.recorder.entries().size(), 1U);
+}
+
+TEST_P(DeletionTest, OfManyStalledTransfersIsQuick) {
+  constexpr std::size_t kCount = 300;
+  const RawServer server(Silence());
+  std::vector<std::unique_ptr<Background>> all;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    all.push_back(std::make_unique<Background>(server.Url()));
+    ASSERT_TRUE(all.back()->Start());
+  }
+  ASSERT_TRUE(server.WaitForRequests(1));
+  const auto begin = Clock::now();
+  for (const auto& each : all) DeleteBoth(*each);
+  EXPECT_LT(Clock::now() - begin, kSoon);
+  EXPECT_TRUE(server.WaitUntilUnused());
+  LetWorkerCatchUp();
+  for (const auto& each : all) EXPECT_TRUE(each->recorder.entries().empty());
+}
+
+}  // namespace
+}  // namespace stowra_test
