@@ -1,0 +1,139 @@
+// Time that the host's own code takes. It is no silence of the server.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/platform/http/end_listener.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr float kTimeout = 0.8F;
+constexpr milliseconds kLongerThanTheTimeout(1700);
+
+// Takes as long as a slow host function.
+void BeSlow(milliseconds time = kLongerThanTheTimeout) {
+  Event never;
+  never.Wait(time);
+}
+
+class SlowListenerTest : public TransportTest, public ::testing::WithParamInterface<Way> {
+ protected:
+  SlowListenerTest() { SetInactivityTimeout(kTimeout); }
+
+  // The listener is slow at the first event of that kind.
+  static void BeSlowAt(TransferEvent::Kind kind) {
+    InternetData::SetTransferListener([kind, slow = false](const TransferEvent& event) mutable {
+      if (event.kind == kind && !std::exchange(slow, true)) BeSlow();
+    });
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Ways, SlowListenerTest, ::testing::ValuesIn(kAllWays),
+                         [](const auto& test) { return NameOf(test.param); });
+
+TEST_P(SlowListenerTest, AtTheStartIsNoSilence) {
+  const RawServer server(Always(Response(200, "hello")));
+  BeSlowAt(TransferEvent::Kind::kStarted);
+  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, "hello"}));
+}
+
+TEST_P(SlowListenerTest, DuringTheBodyIsNoSilence) {
+  const std::string body(300'000, 'x');
+  const RawServer server(Always(Response(200, body)));
+  BeSlowAt(TransferEvent::Kind::kProgress);
+  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, body}));
+}
+
+TEST_P(SlowListenerTest, BeforeARedirectIsNoSilence) {
+  const RawServer other(Always(Response(200, "hello")));
+  const RawServer server(Always(Response(302, "", "Location: " + other.Url() + "\r\n")));
+  BeSlowAt(TransferEvent::Kind::kStarted);
+  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, "hello"}));
+}
+
+class BlockedWorkerTest : public TransportTest {
+ protected:
+  BlockedWorkerTest() { SetInactivityTimeout(kTimeout); }
+
+  static constexpr std::size_t kOthers = 20;
+
+  // Starts kOthers transfers.
+  void StartOthers(const std::string& url) {
+    for (std::size_t i = 0; i < kOthers; ++i) {
+      others_.push_back(std::make_unique<Background>(url));
+      ASSERT_TRUE(others_.back()->Start());
+    }
+  }
+
+  void ExpectOthersReceived() {
+    for (const auto& each : others_) {
+      EXPECT_TRUE(each->recorder.WaitFor(kOthers));
+      EXPECT_EQ(each->transport->status_code(), 200);
+      EXPECT_EQ(BodyOf(*each->transport), "hello");
+    }
+  }
+
+  std::vector<std::unique_ptr<Background>> others_;
+};
+
+// The replies of the others lie in their sockets while an observer blocks the worker.
+TEST_F(BlockedWorkerTest, RepliesThatHaveArrivedAreReceived) {
+  Event answer;
+  std::atomic<std::size_t> answered{0};
+  Event all_answered;
+  const RawServer server([&](const RawRequest&, RawConnection& connection) {
+    EXPECT_TRUE(answer.Wait());
+    connection.Write(Response(200, "hello"));
+    if (++answered == kOthers) all_answered.Set();
+  });
+  StartOthers(server.Url());
+  ASSERT_TRUE(server.WaitForRequests(kOthers));
+
+  static constexpr char kBlocking[] = "HostCodeTestBlocking";
+  NotificationRecorder blocking({kBlocking}, [&] {
+    answer.Set();
+    EXPECT_TRUE(all_answered.Wait());
+    BeSlow();
+  });
+  const auto delegate = MakeDelegate(nullptr, kBlocking, kBlocking);
+  InternetData impossible(Text("none:"));
+  ASSERT_TRUE(impossible.DownloadWithDelegate(delegate.get(), nullptr));
+  ExpectOthersReceived();
+}
+
+// Each start is slow, so the first connections wait for the last start.
+TEST_F(BlockedWorkerTest, ConnectionsThatAreMadeMeanwhileAreUsed) {
+  const RawServer server(Always(Response(200, "hello")));
+  InternetData::SetTransferListener([](const TransferEvent& event) {
+    if (event.kind == TransferEvent::Kind::kStarted) BeSlow(milliseconds(150));
+  });
+  // All starts happen in one turn, because a delivery holds the worker until then.
+  static constexpr char kHolding[] = "HostCodeTestHolding";
+  Event go_on;
+  Event entered;
+  NotificationRecorder holding({kHolding}, [&] {
+    entered.Set();
+    EXPECT_TRUE(go_on.Wait());
+  });
+  const auto delegate = MakeDelegate(nullptr, kHolding, kHolding);
+  InternetData impossible(Text("none:"));
+  ASSERT_TRUE(impossible.DownloadWithDelegate(delegate.get(), nullptr));
+  ASSERT_TRUE(entered.Wait());
+  StartOthers(server.Url());
+  go_on.Set();
+  ExpectOthersReceived();
+}
+
+}  // namespace
+}  // namespace stowra_test
