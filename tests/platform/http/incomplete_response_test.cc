@@ -3,6 +3,7 @@
 #include <ostream>
 #include <string>
 
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
 
@@ -19,29 +20,12 @@ void PrintTo(const Case& item, std::ostream* out) { *out << item.name; }
 
 class IncompleteResponseTest : public TransportTest, public ::testing::WithParamInterface<Case> {};
 
-TEST_P(IncompleteResponseTest, IsAFailureSynchronously) {
+TEST_P(IncompleteResponseTest, IsAFailureInEveryWay) {
   const RawServer server(AlwaysThenClose(GetParam().bytes));
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, GetParam().status);
-}
-
-TEST_P(IncompleteResponseTest, IsAFailureInTheBackground) {
-  const RawServer server(AlwaysThenClose(GetParam().bytes));
-  Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kFailed);
-  ExpectFailureState(*background.transport, GetParam().status);
-}
-
-TEST_P(IncompleteResponseTest, IsAFailureForAnUpload) {
-  const RawServer server(AlwaysThenClose(GetParam().bytes));
-  InternetData transport(Text("none:"));
-  SetSendData("data", transport);
-  int status = -1;
-  EXPECT_FALSE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, &status, nullptr, false,
-                                     false, true, "", "", nullptr));
-  EXPECT_EQ(status, GetParam().status);
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(Ask(way, server.Url(), "data"), (Answer{false, GetParam().status, ""}))
+        << NameOf(way);
+  }
 }
 
 TEST_P(IncompleteResponseTest, IsAFailureWhenTheConnectionIsReset) {
@@ -145,28 +129,6 @@ TEST_F(OddResponseTest, SurvivesALeadingFoldedLine) {
     InternetData folded(Text(server.Url("/folded")));
     folded.Download();
   }
-}
-
-TEST_F(OddResponseTest, RefusesEndlessHeaders) {
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n");
-    while (connection.Write("X-Header: " + std::string(1000, 'x') + "\r\n")) {
-    }
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
-}
-
-TEST_F(OddResponseTest, RefusesAnEndlessHeaderLine) {
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nX-Header: ");
-    while (connection.Write(std::string(1000, 'x'))) {
-    }
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
 }
 
 }  // namespace
