@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "tests/faults/ask.h"
 #include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
@@ -39,8 +40,7 @@ TEST_P(EarlyResponseTest, IsReceivedSynchronously) {
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
   const auto begin = std::chrono::steady_clock::now();
-  EXPECT_TRUE(transport.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server_.Url(), transport));
   EXPECT_LT(std::chrono::steady_clock::now() - begin, kSoon);
   EXPECT_EQ(transport.status_code(), GetParam().status);
   EXPECT_EQ(BodyOf(transport), GetParam().body);
@@ -61,8 +61,7 @@ TEST_P(EarlyResponseTest, DoesNotReuseItsConnection) {
   for (int i = 0; i < 2; ++i) {
     InternetData transport(Text("none:"));
     SetSendData(std::string(kLargeBody, 'x'), transport);
-    EXPECT_TRUE(transport.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, nullptr,
-                                      false, false, true, "", "", nullptr));
+    EXPECT_TRUE(Post(server_.Url(), transport));
   }
   EXPECT_EQ(server_.connections(), 2);
 }
@@ -86,6 +85,25 @@ INSTANTIATE_TEST_SUITE_P(
 
 class EarlyEndTest : public TransportTest {};
 
+TEST_F(EarlyEndTest, FollowsARedirectBeforeTheEndOfTheUpload) {
+  SetInactivityTimeout(kTimeout);
+  const RawServer other(Always(Response(200, "hello")));
+  for (const char* headers : {"", "Connection: close\r\n"}) {
+    const RawServer server(
+        [&](const RawRequest&, RawConnection& connection) {
+          connection.Write(Response(302, "moved", headers + ("Location: " + other.Url()) + "\r\n"));
+          connection.StallWithoutReading();
+        },
+        {nullptr, false, 4096});
+    for (const Way way : {Way::kSendAndRead, Way::kUploadWithDelegate}) {
+      const auto begin = std::chrono::steady_clock::now();
+      EXPECT_EQ(Ask(way, server.Url(), std::string(kLargeBody, 'x')), (Answer{true, 200, "hello"}));
+      EXPECT_LT(std::chrono::steady_clock::now() - begin, kSoon);
+      EXPECT_EQ(LastRequest(other).method, "GET");
+    }
+  }
+}
+
 TEST_F(EarlyEndTest, RefusesCutChunksDespiteContentLength) {
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
@@ -97,8 +115,7 @@ TEST_F(EarlyEndTest, RefusesCutChunksDespiteContentLength) {
       {nullptr, false, 0});
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
-  EXPECT_FALSE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                     false, true, "", "", nullptr));
+  EXPECT_FALSE(Post(server.Url(), transport));
   ExpectFailureState(transport, 200);
 }
 
@@ -112,8 +129,7 @@ TEST_F(EarlyEndTest, AcceptsBodyEndedByClose) {
       {nullptr, false, 0});
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
@@ -128,8 +144,7 @@ TEST_F(EarlyEndTest, AcceptsBodyEndedByCloseWhileTheUploadStalls) {
       {nullptr, false, 4096});
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                    false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url(), transport));
   EXPECT_EQ(BodyOf(transport), "hello");
 }
 
@@ -143,8 +158,7 @@ TEST_F(EarlyEndTest, RefusesAnIncompleteResponse) {
       {nullptr, false, 4096});
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
-  EXPECT_FALSE(transport.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                     false, true, "", "", nullptr));
+  EXPECT_FALSE(Post(server.Url(), transport));
   ExpectFailureState(transport, 200);
 }
 

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/internet_data_test_peer.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
@@ -64,8 +65,7 @@ TEST_P(RedirectedPostTest, MethodDependsOnTheStatus) {
   const RawServer server(RedirectTo("/to", GetParam().status));
   InternetData transport(Text("none:"));
   SetSendData("data", transport);
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url("/from")), nullptr, nullptr, nullptr, nullptr,
-                                    false, false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url("/from"), transport));
   Background background(server.Url("/from"));
   SetSendData("data", *background.transport);
   ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
@@ -89,20 +89,30 @@ INSTANTIATE_TEST_SUITE_P(Statuses, RedirectedPostTest,
                                            PostCase{308, "POST", "data"}),
                          [](const auto& test) { return std::to_string(test.param.status); });
 
+// Nobody connects to the server that the redirect names.
+TEST_F(RedirectTest, RefusesAnotherSchemeBeforeConnecting) {
+  const RawServer other(Silence());
+  const RawServer server(RedirectTo("ftp" + other.Url().substr(4)));
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(ReasonOf(way, server.Url("/from")), TransferError::kForbiddenRedirect);
+  }
+  EXPECT_EQ(other.connections(), 0);
+}
+
 TEST_F(RedirectTest, FollowsTwentyAndNoMore) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     const int left = std::atoi(request.target.c_str() + 1);
     connection.Write(left > 0 ? Redirect(302, "/" + std::to_string(left - 1))
                               : Response(200, "hello"));
   });
-  InternetData allowed(Text(server.Url("/" + std::to_string(kMostRedirects))));
-  EXPECT_TRUE(allowed.Download());
-  EXPECT_EQ(BodyOf(allowed), "hello");
-  EXPECT_EQ(server.requests().size(), std::size_t{kMostRedirects} + 1);
-
-  InternetData refused(Text(server.Url("/" + std::to_string(kMostRedirects + 1))));
-  EXPECT_FALSE(refused.Download());
-  ExpectFailureState(refused, 302);
+  const std::string allowed = server.Url("/" + std::to_string(kMostRedirects));
+  const std::string refused = server.Url("/" + std::to_string(kMostRedirects + 1));
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(Ask(way, allowed, "data"), (Answer{true, 200, "hello"}));
+    EXPECT_EQ(LastRequest(server).target, "/0");
+    EXPECT_EQ(ReasonOf(way, refused), TransferError::kTooManyRedirects);
+    EXPECT_EQ(LastRequest(server).target, "/1");
+  }
 }
 
 TEST_F(RedirectTest, FailsOnACircle) {
@@ -117,7 +127,9 @@ TEST_F(RedirectTest, ResolvesRelativeLocations) {
   const struct {
     const char* location;
     const char* target;
-  } kCases[] = {{"c", "/a/c"}, {"/c", "/c"}, {"../c", "/c"}, {"?x=1", "/a/b?x=1"}, {"./", "/a/"}};
+  } kCases[] = {{"c", "/a/c"},       {"/c", "/c"},         {"../c", "/c"},
+                {"../../c", "/c"},   {"?x=1", "/a/b?x=1"}, {"./", "/a/"},
+                {"c d", "/a/c%20d"}, {"/c#d", "/c"},       {"/%63", "/%63"}};
   for (const auto& item : kCases) {
     const RawServer server([&item](const RawRequest& request, RawConnection& connection) {
       connection.Write(request.target == "/a/b" ? Redirect(302, item.location)
@@ -147,9 +159,9 @@ TEST_F(RedirectTest, RefusesOtherSchemes) {
        {"file:///etc/passwd", "ftp://127.0.0.1/", "FILE:///etc/passwd", "gopher://127.0.0.1/",
         "dict://127.0.0.1/", "scp://127.0.0.1/", "telnet://127.0.0.1/", "file://localhost/etc"}) {
     const RawServer server(RedirectTo(location));
-    InternetData transport(Text(server.Url("/from")));
-    EXPECT_FALSE(transport.Download()) << location;
-    ExpectFailureState(transport, 302);
+    for (const Way way : kAllWays) {
+      EXPECT_EQ(ReasonOf(way, server.Url("/from")), TransferError::kForbiddenRedirect) << location;
+    }
   }
 }
 
@@ -166,43 +178,39 @@ TEST_F(RedirectTest, FailsWhenARedirectBreaksOffInItsHeaders) {
   EXPECT_EQ(server.requests().size(), 1U);
 }
 
+TEST_F(RedirectTest, FailsWhenARedirectBreaksOffInItsBody) {
+  for (const char* rest :
+       {"Content-Length: 9\r\n\r\nmoved", "Transfer-Encoding: chunked\r\n\r\n5\r\nmoved\r\n",
+        "Transfer-Encoding: chunked\r\n\r\n5\r\nmov"}) {
+    const RawServer server(
+        AlwaysThenClose("HTTP/1.1 302 Found\r\nLocation: /to\r\n" + std::string(rest)));
+    for (const Way way : kAllWays) {
+      EXPECT_EQ(ReasonOf(way, server.Url("/from")), TransferError::kCutOff) << rest;
+    }
+    EXPECT_EQ(LastRequest(server).target, "/from");
+  }
+}
+
 TEST_F(RedirectTest, RedirectWithoutALocationIsAResponse) {
-  const RawServer server(Always(Response(302, "nowhere")));
-  InternetData transport(Text(server.Url("/")));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(transport.status_code(), 302);
-  EXPECT_EQ(BodyOf(transport), "nowhere");
+  for (const int status : {301, 302, 303, 307, 308}) {
+    for (const char* location : {"", "Location:\r\n", "Location: \t\r\n"}) {
+      const RawServer server(Always(Response(status, "nowhere", location)));
+      for (const Way way : kAllWays) {
+        EXPECT_EQ(Ask(way, server.Url(), "data"), (Answer{true, status, "nowhere"})) << location;
+      }
+    }
+  }
 }
 
-TEST_F(RedirectTest, IgnoresTheLocationOfASuccess) {
-  const RawServer server(Always(Response(201, "made", "Location: /made\r\n")));
-  InternetData transport(Text(server.Url("/")));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(transport.status_code(), 201);
-  EXPECT_EQ(HeaderOf(transport, "Location"), "/made");
-  EXPECT_EQ(server.requests().size(), 1U);
-}
-
-TEST_F(RedirectTest, SendsRequestHeadersToTheTarget) {
-  const RawServer server(RedirectTo("/to"));
-  InternetData transport(Text(server.Url("/from")));
-  transport.SetValueForHTTPSendHeaders("X-Own", "1");
-  EXPECT_TRUE(transport.Download());
-  ASSERT_EQ(server.requests().size(), 2U);
-  EXPECT_EQ(server.requests()[1].Header("X-Own"), "1");
-}
-
-TEST_F(RedirectTest, DoesNotSendCredentialsToAnotherServer) {
-  const RawServer other(Always(Response(200, "other")));
-  const RawServer server(RedirectTo(other.Url("/there")));
-  InternetData transport(Text(server.Url("/from")));
-  transport.SetValueForHTTPSendHeaders("Authorization", "Bearer secret");
-  transport.SetValueForHTTPSendHeaders("Cookie", "session=secret");
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(server.requests().at(0).Header("Authorization"), "Bearer secret");
-  EXPECT_EQ(server.requests().at(0).Header("Cookie"), "session=secret");
-  EXPECT_FALSE(other.requests().at(0).HasHeader("Authorization"));
-  EXPECT_FALSE(other.requests().at(0).HasHeader("Cookie"));
+TEST_F(RedirectTest, OtherStatusWithALocationIsAResponse) {
+  for (const int status : {201, 300, 304, 305, 399, 404}) {
+    const std::string body = status == 304 ? "" : "here";
+    const RawServer server(Always(Response(status, body, "Location: /to\r\n")));
+    for (const Way way : kAllWays) {
+      EXPECT_EQ(Ask(way, server.Url(), "data"), (Answer{true, status, body}));
+    }
+    EXPECT_EQ(LastRequest(server).target, "/");
+  }
 }
 
 TEST_F(RedirectTest, IsAResponseWhenRedirectsAreNotFollowed) {

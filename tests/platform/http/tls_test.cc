@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/certificates.h"
 #include "tests/support/raw_server.h"
@@ -167,8 +168,7 @@ class TlsEndTest : public TlsTest {
     InternetData redirected(Text(plain.Url()));
     results.push_back(redirected.Download());
     SetSendData("data", first);
-    results.push_back(first.SendAndRead(Text(server.Url()), nullptr, nullptr, nullptr, nullptr,
-                                        false, false, true, "", "", nullptr));
+    results.push_back(Post(server.Url(), first));
     Background background(server.Url());
     EXPECT_TRUE(background.Start());
     results.push_back(background.WaitForEnd() == kReturned);
@@ -223,14 +223,10 @@ TEST_F(TlsTest, RefusesARedirectFromHttpsToHttp) {
     const RawServer plain(Always(Response(200, "plain")));
     const RawServer server(Always(Response(status, "", "Location: " + plain.Url() + "\r\n")),
                            With(good_));
-    InternetData transport(Text(server.Url()));
-    EXPECT_FALSE(transport.Download());
-    ExpectFailureState(transport, status);
-    Background background(server.Url());
-    SetSendData("secret", *background.transport);
-    ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
-    EXPECT_EQ(background.WaitForEnd(), kFailed);
-    EXPECT_EQ(plain.requests().size(), 0U);
+    for (const Way way : kAllWays) {
+      EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kForbiddenRedirect);
+    }
+    EXPECT_EQ(plain.connections(), 0);
   }
 }
 
