@@ -147,6 +147,42 @@ TEST_F(ExecutorTest, CompletionOfAReplacedTransferPostsNothing) {
   EXPECT_EQ(BodyOf(*background.transport), "hello");
 }
 
+TEST_F(ExecutorTest, CompletionMayBeDestroyedWhileItRuns) {
+  std::function<void()> completion;
+  Background* current = nullptr;
+  Background background(server_.Url(), [&] {
+    completion = nullptr;
+    EXPECT_EQ(BodyOf(*current->transport), "hello");
+  });
+  current = &background;
+  completion = StartAndTake(background);
+  completion();
+  EXPECT_FALSE(completion);
+  EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kReturned});
+}
+
+TEST_F(ExecutorTest, EverythingMayBeDestroyedWhileACompletionRuns) {
+  std::function<void()> completion;
+  Background* current = nullptr;
+  Background background(server_.Url(), [&] {
+    completion = nullptr;
+    current->transport.reset();
+    current->delegate.reset();
+  });
+  current = &background;
+  completion = StartAndTake(background);
+  completion();
+  EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kReturned});
+}
+
+TEST_F(ExecutorTest, CompletionMayRunInsideItself) {
+  std::function<void()> completion;
+  Background background(server_.Url(), [&] { completion(); });
+  completion = StartAndTake(background);
+  completion();
+  EXPECT_EQ(background.recorder.entries().size(), 1U);
+}
+
 TEST_F(ExecutorTest, CompletionMayBeDestroyedUnrun) {
   Background background(server_.Url());
   { const auto dropped = StartAndTake(background); }
