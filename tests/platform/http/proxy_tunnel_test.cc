@@ -1,0 +1,96 @@
+// Proxies that do not open the tunnel for https.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tests/platform/http/end_listener.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+constexpr char kTarget[] = "https://server.example/";
+
+// What the proxy sends: `start` once, then `piece` for ever.
+struct Endless {
+  const char* name;
+  const char* start;
+  std::string piece;
+};
+
+void PrintTo(const Endless& endless, std::ostream* out) { *out << endless.name; }
+
+class EndlessProxyTest : public TransportTest, public ::testing::WithParamInterface<Endless> {
+ protected:
+  void UseProxy() {
+    TransferDefaults defaults;
+    defaults.proxy = Text(proxy_.Url(""));
+    InternetData::SetDefaults(defaults);
+  }
+
+  const RawServer proxy_{[](const RawRequest&, RawConnection& connection) {
+    connection.Write(GetParam().start);
+    while (connection.Write(GetParam().piece)) {
+    }
+  }};
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Answers, EndlessProxyTest,
+    ::testing::Values(
+        Endless{"BodyOfARefusal", "HTTP/1.1 407 No\r\nContent-Length: 9000000000000000\r\n\r\n",
+                std::string(10'000, 'x')},
+        Endless{"ChunkedBodyOfARefusal", "HTTP/1.1 403 No\r\nTransfer-Encoding: chunked\r\n\r\n",
+                "5\r\nhello\r\n"},
+        Endless{"Headers", "HTTP/1.1 200 OK\r\n", "X-Header: " + std::string(1000, 'x') + "\r\n"},
+        Endless{"HeaderLine", "HTTP/1.1 200 OK\r\nX-Header: ", std::string(10'000, 'x')},
+        Endless{"InterimResponses", "", "HTTP/1.1 100 Continue\r\n\r\n"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_P(EndlessProxyTest, FailsSoonInEveryWay) {
+  UseProxy();
+  for (const Way way : kAllWays) {
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_NE(ReasonOf(way, kTarget), TransferError::kNone) << NameOf(way);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kSoon) << NameOf(way);
+  }
+}
+
+TEST_P(EndlessProxyTest, DoesNotStallOtherTransfers) {
+  constexpr std::size_t kEach = 10;
+  const RawServer server(Always(Response(200, "hello")));
+  Background tunnels(kTarget);
+  Background others(server.Url());
+  std::vector<std::unique_ptr<InternetData>> transports;
+  for (std::size_t i = 0; i < kEach; ++i) {
+    UseProxy();
+    transports.push_back(std::make_unique<InternetData>(Text(kTarget)));
+    ASSERT_TRUE(transports.back()->DownloadWithDelegate(tunnels.delegate.get(), nullptr));
+    InternetData::SetDefaults(TransferDefaults());
+    transports.push_back(std::make_unique<InternetData>(Text(server.Url())));
+    ASSERT_TRUE(transports.back()->DownloadWithDelegate(others.delegate.get(), nullptr));
+  }
+  EXPECT_TRUE(tunnels.recorder.WaitFor(2 * kEach));
+  for (std::size_t i = 0; i < transports.size(); ++i) {
+    EXPECT_EQ(transports[i]->status_code(), i % 2 == 0 ? 0 : 200);
+  }
+}
+
+// The proxy is silent, and the host's timeout ends the transfer.
+TEST_F(TransportTest, SilentProxyIsSilence) {
+  const RawServer proxy(Silence());
+  TransferDefaults defaults;
+  defaults.proxy = Text(proxy.Url(""));
+  defaults.inactivity_timeout = 0.3F;
+  InternetData::SetDefaults(defaults);
+  for (const Way way : kAllWays) EXPECT_EQ(ReasonOf(way, kTarget), TransferError::kSilent);
+}
+
+}  // namespace
+}  // namespace stowra_test
