@@ -288,6 +288,33 @@ int ForkAndExec(const char* self) {
   return kExitChildCode;
 }
 
+// Registered before the library's own exit functions, so it runs after them.
+std::atomic<bool> is_forked_child{false};
+std::chrono::steady_clock::time_point exit_began;
+
+void EndForkedChild() {
+  if (!is_forked_child) return;
+  const auto time = std::chrono::steady_clock::now() - exit_began;
+  _exit(time < kExitChildForkedExit ? 0 : 1);
+}
+
+// A child that was forked during the transfers exits without waiting for them. They go on here.
+int ForkAndExit() {
+  StartHeld();
+  WaitForWord();
+  const pid_t child = fork();
+  if (child == 0) {
+    exit_began = std::chrono::steady_clock::now();
+    is_forked_child = true;
+    std::exit(3);
+  }
+  int status = 0;
+  if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return 1;
+  if (WEXITSTATUS(status) != 0) return 2;
+  Leave();
+  return kExitChildCode;
+}
+
 // Each libcurl multi handle has a pair of local sockets that other programs may inherit. They are
 // not used here and do not count.
 bool IsOpen(int descriptor) {
@@ -347,6 +374,7 @@ int Run(const std::string& mode, const char* self, int descriptors_at_first) {
       {"return-while-an-observer-is-slow", ReturnWhileAnObserverIsSlow},
       {"return-during-a-blocking-download", ReturnDuringABlockingDownload},
       {"return-with-queued-completions", ReturnWithQueuedCompletions},
+      {"fork-and-exit", ForkAndExit},
       {"fork-and-exec", [self] { return ForkAndExec(self); }},
       {"fork-and-exec-then-end", [=] { return ForkAndExecThenEnd(self, descriptors_at_first); }},
   };
@@ -358,7 +386,7 @@ int Run(const std::string& mode, const char* self, int descriptors_at_first) {
 }  // namespace stowra_test
 
 int main(int count, char** arguments) {
-  if (count < 2) return 2;
+  if (count < 2 || std::atexit(stowra_test::EndForkedChild) != 0) return 2;
   const int descriptors = stowra_test::OpenDescriptors();
   const std::string mode = arguments[1];
   if (mode == "count-descriptors") return descriptors;

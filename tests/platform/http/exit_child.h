@@ -3,6 +3,7 @@
 #ifndef TESTS_PLATFORM_HTTP_EXIT_CHILD_H_
 #define TESTS_PLATFORM_HTTP_EXIT_CHILD_H_
 
+#include <chrono>
 #include <string>
 
 namespace stowra_test {
@@ -10,6 +11,10 @@ namespace stowra_test {
 inline constexpr int kExitChildTransfers = 10;
 inline constexpr int kExitChildRequests = 3;  // one of each kind
 inline constexpr int kExitChildCode = 7;
+
+// Less than the time that the library would wait for a thread at exit.
+inline constexpr std::chrono::milliseconds kExitChildForkedExit(400);
+
 inline constexpr char kExitChildLeaving[] = "leaving";
 inline constexpr char kExitChildReady[] = "ready";
 inline constexpr char kUnloadChildUnloaded[] = "unloaded";

@@ -152,7 +152,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, ProcessExitTest,
                          ::testing::Values("return", "return-and-destroy",
                                            "return-with-young-static", "exit",
                                            "exit-from-another-thread", "exit-inside-the-listener",
-                                           "fork-and-exec"),
+                                           "fork-and-exec", "fork-and-exit"),
                          NameOfWay);
 
 class ProcessEndTest : public ::testing::Test {};
