@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "common_stowraapi/platform/notification_center.h"
-#include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
 
@@ -103,8 +102,7 @@ TEST_F(ListenerTest, HearsOfAnUpload) {
   const RawServer server(Always(Response(200, "")));
   InternetData transport(Text("none:"));
   SetSendData(std::string(kLargeBody, 'x'), transport);
-  EXPECT_TRUE(transport.SendAndRead(Text(server.Url("/up")), nullptr, nullptr, nullptr, nullptr,
-                                    false, false, true, "", "", nullptr));
+  EXPECT_TRUE(Post(server.Url("/up"), transport));
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/up")), "");
   const auto events = told();
   bool seen_midway = false;
@@ -120,18 +118,6 @@ TEST_F(ListenerTest, HearsOfAnUpload) {
   EXPECT_EQ(events.back().event.bytes_sent, kLargeBody);
 }
 
-TEST_F(ListenerTest, CountsDecodedBytesAndBytesOnTheWire) {
-  const std::string text(100'000, 'x');
-  const std::string gzip = Gzip(text);
-  const RawServer server(Always(Response(200, gzip, "Content-Encoding: gzip\r\n")));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  const TransferEvent& end = told().back().event;
-  EXPECT_EQ(end.bytes_received, text.size());
-  EXPECT_EQ(end.wire_bytes_received, gzip.size());
-  EXPECT_EQ(end.bytes_expected, gzip.size());
-}
-
 TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
@@ -141,29 +127,6 @@ TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
   EXPECT_TRUE(transport.Download());
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/from")), "");
   EXPECT_EQ(told().back().event.status, 200);
-}
-
-TEST_F(ListenerTest, EachFailureHasAText) {
-  const RawServer cut(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhe"));
-  const RawServer inside_headers(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent"));
-  const RawServer encoded(Always(Response(200, "x", "Content-Encoding: br\r\n")));
-  const RawServer truncated(
-      Always(Response(200, Gzip("hello").substr(0, 15), "Content-Encoding: gzip\r\n")));
-  const RawServer circle(Always(Response(302, "", "Location: /\r\n")));
-  const RawServer elsewhere(Always(Response(302, "", "Location: file:///etc/passwd\r\n")));
-  std::string nobody;
-  {
-    const RawServer gone(Silence());
-    nobody = gone.Url();
-  }
-  for (const std::string& url :
-       {cut.Url(), inside_headers.Url(), encoded.Url(), truncated.Url(), circle.Url(),
-        elsewhere.Url(), nobody, std::string("ftp://127.0.0.1/"), std::string()}) {
-    told_.clear();
-    InternetData transport((Text(url)));
-    EXPECT_FALSE(transport.Download()) << url;
-    EXPECT_NE(ErrorOfTheOneTransfer(url), "") << url;
-  }
 }
 
 TEST_F(ListenerTest, ErrorTextNamesATimeout) {

@@ -21,7 +21,7 @@
 namespace stowra_test {
 namespace {
 
-using std::chrono::steady_clock;
+using ovrant::internet::TransferError;
 
 class WorkerResourcesTest : public TransportTest {
  protected:
@@ -71,6 +71,23 @@ TEST_F(WorkerResourcesTest, TransferFailsAtOnceWithoutDescriptors) {
                   server_.Url(), [] { SetDescriptorLimit(DescriptorsInUse()); },
                   [&] { SetDescriptorLimit(usual.rlim_cur); }),
               testing::ExitedWithCode(0), "");
+}
+
+// Ends the process, with 0 on success.
+void DownloadWithoutDescriptors(const std::string& url) {
+  InternetData transport((Text(url)));
+  rlimit usual = {};
+  getrlimit(RLIMIT_NOFILE, &usual);
+  SetDescriptorLimit(DescriptorsInUse());
+  const bool refused = !transport.Download();
+  const TransferError reason = InternetData::LastError();
+  SetDescriptorLimit(usual.rlim_cur);
+  if (!refused || reason != TransferError::kOutOfMemory) std::exit(1);
+  std::exit(transport.Download() && InternetData::LastError() == TransferError::kNone ? 0 : 2);
+}
+
+TEST_F(WorkerResourcesTest, BlockingTransferWithoutDescriptorsIsOutOfMemory) {
+  EXPECT_EXIT(DownloadWithoutDescriptors(server_.Url()), testing::ExitedWithCode(0), "");
 }
 
 // The start must not throw.

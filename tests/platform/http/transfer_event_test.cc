@@ -1,0 +1,211 @@
+// The fields of a transfer's events.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common_stowraapi/platform/http/background_worker.h"
+#include "tests/platform/http/end_listener.h"
+#include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using Kind = TransferEvent::Kind;
+
+class TransferEventTest : public TransportTest {
+ protected:
+  TransferEventTest() {
+    InternetData::SetTransferListener([this](const TransferEvent& event) {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      events_.push_back(event);
+    });
+  }
+  ~TransferEventTest() override { InternetData::SetTransferListener(nullptr); }
+
+  // All events so far, which are forgotten.
+  std::vector<TransferEvent> TakeEvents() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(events_, {});
+  }
+
+  static void ExpectPlausible(const ovrant::internet::TransferTimes& times) {
+    for (const double part :
+         {times.queued, times.name, times.connect, times.tls, times.first_byte}) {
+      EXPECT_GE(part, 0);
+      EXPECT_LE(part, times.total);
+    }
+  }
+
+  const RawServer hello_{Always(Response(200, "hello"))};
+
+ private:
+  std::mutex mutex_;
+  std::vector<TransferEvent> events_;
+};
+
+TEST_F(TransferEventTest, NumbersAreDistinctAndGrow) {
+  unsigned long last = 0;
+  for (const Way way : kAllWays) {
+    for (const std::string& url : {hello_.Url(), std::string("none:")}) {
+      Ask(way, url, "data");
+      const auto events = TakeEvents();
+      ASSERT_GE(events.size(), 2U);
+      EXPECT_GT(events.front().number, last);
+      last = events.front().number;
+      for (const TransferEvent& event : events) EXPECT_EQ(event.number, last);
+    }
+  }
+  EXPECT_GE(last, 8U);
+}
+
+TEST_F(TransferEventTest, MethodIsTheOneOfTheStart) {
+  const RawServer server(Always(Response(303, "", "Location: " + hello_.Url() + "\r\n")));
+  for (const Way way : kAllWays) {
+    const bool is_upload = way == Way::kSendAndRead || way == Way::kUploadWithDelegate;
+    Ask(way, server.Url(), "data");
+    for (const TransferEvent& event : TakeEvents()) {
+      EXPECT_STREQ(event.method, is_upload ? "POST" : "GET");
+    }
+  }
+}
+
+TEST_F(TransferEventTest, ContextIsTheOneOfTheDelegate) {
+  int context = 0;
+  Background background(hello_.Url());
+  background.delegate = MakeDelegate(&context);
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  for (const TransferEvent& event : TakeEvents()) EXPECT_EQ(event.context, &context);
+  EXPECT_TRUE(background.transport->Download());
+  const auto events = TakeEvents();
+  EXPECT_GE(events.size(), 2U);
+  for (const TransferEvent& event : events) EXPECT_EQ(event.context, nullptr);
+}
+
+TEST_F(TransferEventTest, StatusIsZeroUntilAResponseBegins) {
+  const RawServer server(Always(Response(404, "hello")));
+  for (const Way way : kAllWays) {
+    Ask(way, server.Url(), "");
+    for (const TransferEvent& event : TakeEvents()) {
+      EXPECT_EQ(event.status, event.kind == Kind::kStarted ? 0 : 404);
+    }
+  }
+}
+
+TEST_F(TransferEventTest, FailureKeepsWhatWasReceived) {
+  const RawServer server(AlwaysThenClose("HTTP/1.1 203 OK\r\nContent-Length: 9\r\n\r\nhello"));
+  for (const Way way : kAllWays) {
+    Ask(way, server.Url(), "data");
+    const TransferEvent end = TakeEvents().back();
+    EXPECT_EQ(end.kind, Kind::kEnded);
+    EXPECT_EQ(end.reason, TransferError::kCutOff);
+    EXPECT_EQ(end.status, 203);
+    EXPECT_EQ(end.bytes_received, 5U);
+    EXPECT_EQ(end.wire_bytes_received, 5U);
+    EXPECT_EQ(end.bytes_expected, 9U);
+  }
+}
+
+TEST_F(TransferEventTest, CountsCompressedBytesToo) {
+  const std::string text(500'000, 'x');
+  const std::string gzip = Gzip(text);
+  const RawServer server([&gzip](const RawRequest& request, RawConnection& connection) {
+    const std::string encoding = "Content-Encoding: gzip\r\n";
+    if (request.target == "/") {
+      connection.Write(Response(200, gzip, encoding));
+    } else {
+      connection.Write("HTTP/1.1 200 OK\r\n" + encoding + "\r\n" + gzip);
+      connection.Close();
+    }
+  });
+  for (const Way way : kAllWays) {
+    for (const char* target : {"/", "/of-unknown-length"}) {
+      Ask(way, server.Url(target), "data");
+      const TransferEvent end = TakeEvents().back();
+      EXPECT_EQ(end.bytes_received, text.size());
+      EXPECT_EQ(end.wire_bytes_received, gzip.size());
+      EXPECT_EQ(end.bytes_expected, target == std::string("/") ? gzip.size() : 0);
+    }
+  }
+}
+
+TEST_F(TransferEventTest, ProgressOfAChunkedBodyCountsItsBytes) {
+  const RawServer server(
+      Always("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n0\r\n\r\n"));
+  for (const Way way : kAllWays) {
+    Ask(way, server.Url(), "data");
+    const TransferEvent end = TakeEvents().back();
+    EXPECT_EQ(end.wire_bytes_received, 5U);
+    EXPECT_EQ(end.bytes_expected, 0U);
+  }
+}
+
+TEST_F(TransferEventTest, TimesAddUp) {
+  constexpr std::chrono::milliseconds kPause(100);
+  const RawServer server([kPause](const RawRequest& request, RawConnection& connection) {
+    connection.Drip(request.target == "/" ? Response(302, "", "Location: /to\r\n").substr(0, 1)
+                                          : Response(200, "").substr(0, 1),
+                    kPause);
+    connection.Write(
+        (request.target == "/" ? Response(302, "", "Location: /to\r\n") : Response(200, ""))
+            .substr(1));
+  });
+  for (const Way way : kAllWays) {
+    Ask(way, "http://localhost:" + std::to_string(server.port()) + "/", "data");
+    const TransferEvent end = TakeEvents().back();
+    EXPECT_EQ(end.reason, TransferError::kNone);
+    ExpectPlausible(end.times);
+    EXPECT_GT(end.times.name, 0);
+    // Both replies began after the pause.
+    EXPECT_GE(end.times.first_byte, 0.19);
+    EXPECT_EQ(end.times.tls, 0);
+  }
+}
+
+TEST_F(TransferEventTest, FailureHasTimesToo) {
+  SetInactivityTimeout(0.2F);
+  const RawServer server(Silence());
+  Ask(Way::kDownload, server.Url(), "");
+  const TransferEvent end = TakeEvents().back();
+  ExpectPlausible(end.times);
+  EXPECT_GE(end.times.total, 0.19);
+}
+
+TEST_F(TransferEventTest, QueuedTimeGrowsWhenAllPlacesAreTaken) {
+  constexpr std::size_t kPlaces = ovrant::internet::BackgroundWorker::kMaxActive;
+  constexpr std::chrono::milliseconds kPause(200);
+  const RawServer silent(Silence());
+  const auto delegate =
+      MakeDelegate(nullptr, "TransferEventTestStalled", "TransferEventTestStalled");
+  std::vector<std::unique_ptr<InternetData>> stalled;
+  for (std::size_t i = 0; i < kPlaces; ++i) {
+    stalled.push_back(std::make_unique<InternetData>(Text(silent.Url())));
+    ASSERT_TRUE(stalled.back()->DownloadWithDelegate(delegate.get(), nullptr));
+  }
+  ASSERT_TRUE(silent.WaitForRequests(kPlaces));
+  Background next(hello_.Url());
+  ASSERT_TRUE(next.Start());
+  Event never;
+  never.Wait(kPause);
+  stalled.pop_back();
+  EXPECT_EQ(next.WaitForEnd(), kReturned);
+  const auto events = TakeEvents();
+  const auto end = std::find_if(events.begin(), events.end(), [this](const TransferEvent& event) {
+    return event.kind == Kind::kEnded && event.url == Text(hello_.Url());
+  });
+  ASSERT_NE(end, events.end());
+  EXPECT_GE(end->times.queued, 0.19);
+  ExpectPlausible(end->times);
+}
+
+}  // namespace
+}  // namespace stowra_test
