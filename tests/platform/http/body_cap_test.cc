@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <cstdio>
+#include <random>
 #include <string>
 
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
@@ -64,6 +66,38 @@ TEST_F(BodyCapTest, AllowsGzipLongerThanItsContent) {
   std::string members;
   for (unsigned long i = 0; i < kCap; ++i) members += member;
   EXPECT_TRUE(Passes(Response(200, members, kGzipHeader), kCap));
+}
+
+// gzip stores such a body with a few bytes more.
+TEST_F(BodyCapTest, AllowsIncompressibleGzipAtTheCap) {
+  for (const unsigned long cap : {kCap, 4 * kMebibyte}) {
+    std::mt19937 random;
+    std::string body(cap, '\0');
+    for (char& byte : body) byte = static_cast<char>(random());
+    const std::string gzip = Gzip(body);
+    ASSERT_GT(gzip.size(), cap);
+    SetBodyCap(cap);
+    const RawServer server(Always(Response(200, gzip, kGzipHeader)));
+    for (const Way way : kAllWays) {
+      EXPECT_EQ(Ask(way, server.Url(), "data"), (Answer{true, 200, body})) << NameOf(way);
+    }
+    SetBodyCap(cap - 1);
+    EXPECT_EQ(ReasonOf(Way::kDownload, server.Url()), TransferError::kTooLarge);
+  }
+}
+
+TEST_F(BodyCapTest, StopsAnEndlessNameInAGzipHeader) {
+  SetBodyCap(kCap);
+  // The flag 8 says that a file name follows (RFC 1952, 2.3.1).
+  const std::string start("\x1F\x8B\x08\x08\0\0\0\0\0\xFF", 10);
+  const RawServer server([&start](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\n" + std::string(kGzipHeader) + "\r\n" + start);
+    while (connection.Write(std::string(kMebibyte, 'x'))) {
+    }
+  });
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kTooLarge) << NameOf(way);
+  }
 }
 
 TEST_F(BodyCapTest, DoesNotReserveALengthBeyondTheCap) {
