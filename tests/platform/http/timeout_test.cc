@@ -17,8 +17,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr float kShort = 0.2F;
-constexpr milliseconds kShortest(190);
+constexpr float kShort = 0.4F;
+constexpr milliseconds kShortest(390);
 
 // For transfers that must not time out. A busy machine may delay a byte by this much.
 constexpr float kLonger = 0.6F;
