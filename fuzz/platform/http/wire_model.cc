@@ -31,7 +31,7 @@ bool IsPlainStatusLine(std::string_view line) {
          (line.size() == 12 || line.substr(12, 1) == " ");
 }
 
-// Takes a line that ends in CR LF and holds no other CR. Sets `is_plain` to false if there is none.
+// Takes a line that ends in CR LF and holds no other CR. Clears `is_plain` if the next line is another one.
 std::string_view TakePlainLine(std::string_view& text, bool& is_plain) {
   const std::string_view line = text.substr(0, text.find("\r\n"));
   is_plain = line.size() < text.size() && line.find_first_of("\r\n") == std::string_view::npos;
