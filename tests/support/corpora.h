@@ -20,8 +20,7 @@ std::string ReadFile(const std::filesystem::path& file);
 
 }  // namespace stowra_test
 
-// Ends the test for want of something that it needs. That is a failure if STOWRA_REQUIRE_CORPORA is
-// set.
+// Ends a test that lacks something. That is a failure if STOWRA_REQUIRE_CORPORA is set.
 #if STOWRA_REQUIRE_CORPORA
 #define SKIP_OR_FAIL() FAIL()
 #else
