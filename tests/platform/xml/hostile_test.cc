@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <ostream>
 #include <string>
 
@@ -12,193 +13,213 @@
 namespace stowra_test {
 namespace {
 
-constexpr std::size_t kHuge = 100'000'000;
+constexpr int kHuge = 100'000'000;
 constexpr int kMillion = 1'000'000;
-constexpr std::size_t kAnyLength = 0 - std::size_t{1};
+constexpr int kAnyLength = -1;
 
-const std::string kLongText(60'000, 'x');
-
-// As long as the URI of a namespace may be.
-const std::string kLongestUri(256, 'u');
-
-struct Hostile {
-  const char* name;
-  bool opens;
-  std::string (*bytes)();
-  std::size_t length = kAnyLength;  // of the text of the root element `a`, in code units
-};
-
-void PrintTo(const Hostile& hostile, std::ostream* out) { *out << hostile.name; }
-
-class XmlHostileTest : public testing::TestWithParam<Hostile> {};
-
-TEST_P(XmlHostileTest, CostsNoMoreThanItsSize) {
-  const std::size_t length = GetParam().length;
-  const bool opened = OpenHostile(GetParam().bytes(), [length](ovrant::IXMLInput& reader) {
-    if (length == kAnyLength) return;
+// Expects the text of the root element `a` to have that many code units.
+std::function<void(ovrant::IXMLInput& reader)> HasTextOf(int length) {
+  if (length == kAnyLength) return nullptr;
+  return [length](ovrant::IXMLInput& reader) {
     ovrant::utils::ovrant_ustring text;
     ASSERT_TRUE(reader.GetElementText("a", text));
-    EXPECT_EQ(text.length(), length);
-  });
-  EXPECT_EQ(opened, GetParam().opens);
+    EXPECT_EQ(text.length(), static_cast<unsigned long>(length));
+  };
 }
 
-std::string InA(const std::string& content) { return "<a>" + content + "</a>"; }
+// A piece that is repeated between two others. "@" stands for its number, from 0.
+struct Repetition {
+  const char* name;
+  bool opens;
+  std::string before;
+  std::string piece;
+  int count;
+  std::string after;
+  int length = kAnyLength;
+};
 
-// `<a` attributes `/>`.
-std::string WithAttributes(const std::string& attributes) { return "<a" + attributes + "/>"; }
+void PrintTo(const Repetition& repetition, std::ostream* out) { *out << repetition.name; }
+
+class XmlHostileTest : public testing::TestWithParam<Repetition> {};
+
+TEST_P(XmlHostileTest, CostsNoMoreThanItsSize) {
+  const auto& [name, opens, before, piece, count, after, length] = GetParam();
+  const std::size_t number = piece.find('@');
+  const std::string repeated =
+      number == std::string::npos
+          ? Repeated(piece, static_cast<std::size_t>(count))
+          : Numbered(0, count, piece.substr(0, number), piece.substr(number + 1));
+  EXPECT_EQ(OpenHostile(before + repeated + after, HasTextOf(length)), opens);
+}
+
+const std::string kPair("\x3D\xD8\0\xDE", 4);
+const std::string kOpenInUtf16("\xFF\xFE<\0a\0>\0", 8);
+const std::string kCloseInUtf16("<\0/\0a\0>\0", 8);
+const std::string kDeepElement = Repeated("<b>", 250) + "x" + Repeated("</b>", 250);
 
 INSTANTIATE_TEST_SUITE_P(
     Sizes, XmlHostileTest,
     testing::Values(
-        Hostile{"Text", true, [] { return InA(std::string(kHuge, 'x')); }, kHuge},
-        Hostile{"TextOfManyLines", true, [] { return InA(Repeated("xxx\n", kHuge / 4) + "x"); },
-                kHuge + 1},
-        Hostile{"TextOfLineEnds", true, [] { return InA("x" + Repeated("\r\n", kHuge / 2) + "x"); },
-                kHuge / 2 + 2},
-        Hostile{"WhiteSpace", true, [] { return InA(std::string(kHuge, ' ')); }, 0},
-        Hostile{"Section", true, [] { return InA("<![CDATA[" + std::string(kHuge, ']') + "x]]>"); },
-                kHuge + 1},
-        Hostile{"Comment", true, [] { return InA("<!--" + std::string(kHuge, ' ') + "-->x"); }, 1},
-        Hostile{"CommentWithoutEnd", false, [] { return "<a><!--" + std::string(kHuge, ' '); }},
-        Hostile{"Instruction", true, [] { return InA("<?p " + std::string(kHuge, '?') + "?>x"); },
-                1},
-        Hostile{"ElementName", true,
-                [] {
-                  const std::string name(kHuge / 2, 'x');
-                  return "<" + name + "></" + name + ">";
-                }},
-        Hostile{"AttributeName", true,
-                [] { return WithAttributes(" " + std::string(kHuge / 2, 'x') + "=''"); }},
-        Hostile{"SpaceInTags", true,
-                [] {
-                  const std::string space(kHuge, ' ');
-                  return "<a" + space + "></a" + space + ">";
-                }},
-        Hostile{"SpaceAfterTheRoot", true, [] { return "<a/>" + std::string(kHuge, '\n'); }},
-        Hostile{"MillionNumericReferences", true, [] { return InA(Repeated("&#x41;", kMillion)); },
-                kMillion},
-        Hostile{"MillionNamedReferences", true, [] { return InA(Repeated("&amp;", kMillion)); },
-                kMillion},
-        Hostile{"MillionNumericReferencesInAValue", true,
-                [] { return WithAttributes(" n='" + Repeated("&#65;", kMillion) + "'"); }},
-        Hostile{"MillionNamedReferencesInAValue", true,
-                [] { return WithAttributes(" n='" + Repeated("&lt;", kMillion) + "'"); }},
-        Hostile{"ReferenceOfAMillionZeros", true,
-                [] { return InA("&#" + std::string(kMillion, '0') + "65;"); }, 1},
-        Hostile{"ReferenceOfAMillionDigits", false,
-                [] { return InA("&#" + std::string(kMillion, '6') + ";"); }},
-        Hostile{"ReferenceOfAMillionHexDigits", false,
-                [] { return InA("&#x" + std::string(kMillion, 'F') + ";"); }},
-        Hostile{"TextBetweenElements", true, [] { return InA(Repeated("x<b/>", kMillion)); },
-                kMillion},
-        Hostile{"TextBetweenComments", true, [] { return InA(Repeated("x<!---->", kMillion)); },
-                kMillion},
-        Hostile{"ManySections", true, [] { return InA(Repeated("<![CDATA[x]]>", kMillion)); },
-                kMillion},
-        Hostile{"MillionLevels", false,
-                [] { return Repeated("<a>", kMillion) + Repeated("</a>", kMillion); }},
-        Hostile{"MillionStartTags", false, [] { return Repeated("<a>", kMillion); }},
-        Hostile{"MillionValuesWithoutEnd", false, [] { return Repeated("<a n='", kMillion); }},
-        Hostile{"TenMillionOpenBrackets", false, [] { return Repeated("<", 10 * kMillion); }},
-        Hostile{"DeepAndWide", true,
-                [] {
-                  const std::string deep = Repeated("<b>", 250) + "x" + Repeated("</b>", 250);
-                  return InA(Repeated(deep, 2'000));
-                },
-                2'000},
-        Hostile{"TenMillionEmptyElements", true,
-                [] { return InA(Repeated("<b/>", 10 * kMillion)); }, 0},
-        Hostile{"MillionEndings", false, [] { return "<a>" + Repeated("</a>", kMillion); }},
-        Hostile{"MillionWrongEndings", false, [] { return InA(Repeated("<b></c>", kMillion)); }},
-        Hostile{"MillionEndsOfSections", false, [] { return InA(Repeated("]]>", kMillion)); }},
-        Hostile{"TextOfPairsInUtf16", true,
-                [] {
-                  const std::string pair("\x3D\xD8\0\xDE", 4);
-                  return std::string("\xFF\xFE<\0a\0>\0", 8) + Repeated(pair, 10 * kMillion) +
-                         std::string("<\0/\0a\0>\0", 8);
-                },
-                20 * kMillion},
-        Hostile{"TextThatGrowsInUtf8", true,
-                [] {
-                  return "<?xml version='1.0' encoding='ISO-8859-1'?>" +
-                         InA(std::string(10 * kMillion, '\xE9'));
-                },
-                10 * kMillion}),
+        Repetition{"Text", true, "<a>", "x", kHuge, "</a>", kHuge},
+        Repetition{"TextOfManyLines", true, "<a>", "xxx\n", kHuge / 4, "x</a>", kHuge + 1},
+        Repetition{"TextOfLineEnds", true, "<a>x", "\r\n", kHuge / 2, "x</a>", kHuge / 2 + 2},
+        Repetition{"WhiteSpace", true, "<a>", " ", kHuge, "</a>", 0},
+        Repetition{"Section", true, "<a><![CDATA[", "]", kHuge, "x]]></a>", kHuge + 1},
+        Repetition{"Comment", true, "<a><!--", " ", kHuge, "-->x</a>", 1},
+        Repetition{"CommentWithoutEnd", false, "<a><!--", " ", kHuge, ""},
+        Repetition{"Instruction", true, "<a><?p ", "?", kHuge, "?>x</a>", 1},
+        Repetition{"ElementName", true, "<", "x", kHuge, "/>"},
+        Repetition{"AttributeName", true, "<a ", "x", kHuge / 2, "=''/>"},
+        Repetition{"SpaceInStartTag", true, "<a", " ", kHuge, "></a>"},
+        Repetition{"SpaceInEndTag", true, "<a></a", " ", kHuge, ">"},
+        Repetition{"SpaceAfterTheRoot", true, "<a/>", "\n", kHuge, ""},
+        Repetition{"NumericReferences", true, "<a>", "&#x41;", kMillion, "</a>", kMillion},
+        Repetition{"NamedReferences", true, "<a>", "&amp;", kMillion, "</a>", kMillion},
+        Repetition{"NumericReferencesInAValue", true, "<a n='", "&#65;", kMillion, "'/>"},
+        Repetition{"NamedReferencesInAValue", true, "<a n='", "&lt;", kMillion, "'/>"},
+        Repetition{"ReferenceOfManyZeros", true, "<a>&#", "0", kMillion, "65;</a>", 1},
+        Repetition{"ReferenceOfManyDigits", false, "<a>&#", "6", kMillion, ";</a>"},
+        Repetition{"ReferenceOfManyHexDigits", false, "<a>&#x", "F", kMillion, ";</a>"},
+        Repetition{"TextBetweenElements", true, "<a>", "x<b/>", kMillion, "</a>", kMillion},
+        Repetition{"TextBetweenComments", true, "<a>", "x<!---->", kMillion, "</a>", kMillion},
+        Repetition{"ManySections", true, "<a>", "<![CDATA[x]]>", kMillion, "</a>", kMillion},
+        Repetition{"StartTags", false, "", "<a>", kMillion, ""},
+        Repetition{"ValuesWithoutEnd", false, "", "<a n='", kMillion, ""},
+        Repetition{"OpenBrackets", false, "", "<", 10 * kMillion, ""},
+        Repetition{"DeepAndWide", true, "<a>", kDeepElement, 2'000, "</a>", 2'000},
+        Repetition{"EmptyElements", true, "<a>", "<b/>", 10 * kMillion, "</a>", 0},
+        Repetition{"EndTags", false, "<a>", "</a>", kMillion, ""},
+        Repetition{"WrongEndTags", false, "<a>", "<b></c>", kMillion, "</a>"},
+        Repetition{"EndsOfSections", false, "<a>", "]]>", kMillion, "</a>"},
+        Repetition{"TextOfPairsInUtf16", true, kOpenInUtf16, kPair, 10 * kMillion, kCloseInUtf16,
+                   20 * kMillion},
+        Repetition{"TextThatGrowsInUtf8", true, "<?xml version='1.0' encoding='ISO-8859-1'?><a>",
+                   "\xE9", 10 * kMillion, "</a>", 10 * kMillion}),
     RowName());
+
+const std::string kLongText(60'000, 'x');
+const std::string kThousand(1'000, 'x');
+
+// As long as the URI of a namespace may be.
+const std::string kLongestUri(256, 'u');
+
+const std::string kOneOfManyAttributes = "<a><b" + Numbered(0, 300'000, " n", "=''") + "/>";
 
 INSTANTIATE_TEST_SUITE_P(
     Attributes, XmlHostileTest,
-    testing::Values(
-        Hostile{
-            "PrefixedOnOneElement", true,
-            [] { return WithAttributes(" xmlns:p='u'" + Numbered(0, kMillion, " p:n", "=''")); }},
-        Hostile{"OnTwoElements", true,
-                [] {
-                  const std::string attributes = Numbered(0, kMillion, " n", "=''");
-                  return "<a" + attributes + "><b" + attributes + "/></a>";
-                }},
-        Hostile{"OneElementOfManyAndManyOfNone", true,
-                [] {
-                  return InA("<b" + Numbered(0, 300'000, " n", "=''") + "/>" +
-                             Repeated("<b/>", kMillion));
-                }},
-        Hostile{"OneOnEachElement", true, [] { return InA(Repeated("<b n=''/>", kMillion)); }},
-        Hostile{"AnotherOnEachElement", true,
-                [] { return InA(Numbered(0, kMillion, "<b n", "=''/>")); }}),
+    testing::Values(Repetition{"Prefixed", true, "<a xmlns:p='u'", " p:n@=''", kMillion, "/>"},
+                    Repetition{"OneElementOfManyAndManyOfNone", true, kOneOfManyAttributes, "<b/>",
+                               kMillion, "</a>"},
+                    Repetition{"OneOnEachElement", true, "<a>", "<b n=''/>", kMillion, "</a>"},
+                    Repetition{"AnotherOnEachElement", true, "<a>", "<b n@=''/>", kMillion,
+                               "</a>"}),
     RowName());
+
+const std::string kInLongest = "<a xmlns='" + kLongestUri + "'>";
+const std::string kWithLongest = "<a xmlns:p='" + kLongestUri + "'";
+const std::string kOneLevel = Repeated("<p:b xmlns:p='u'>", 200) + Repeated("</p:b>", 200);
 
 INSTANTIATE_TEST_SUITE_P(
     Namespaces, XmlHostileTest,
     testing::Values(
-        Hostile{"OverlongUriOfManyElements", false,
-                [] { return "<a xmlns='" + kLongText + "'>" + Repeated("<b/>", 60'000) + "</a>"; }},
-        Hostile{"OverlongUriOfPrefixedNames", false,
-                [] {
-                  return "<a xmlns:p='" + kLongText + "'>" + Repeated("<p:b p:n=''/>", 60'000) +
-                         "</a>";
-                }},
-        Hostile{"OverlongUriOnEachElement", false,
-                [] { return InA(Repeated("<b xmlns='" + kLongText + "'/>", 1'000)); }},
-        Hostile{
-            "LongPrefixOnManyElements", true,
-            [] { return InA(Repeated("<b xmlns:" + std::string(1'000, 'x') + "='u'/>", 10'000)); }},
-        Hostile{
-            "LongestUriOfElements", true,
-            [] { return "<a xmlns='" + kLongestUri + "'>" + Repeated("<b/>", kMillion) + "</a>"; }},
-        Hostile{"LongestUriOfDistinctNames", false,
-                [] {
-                  return "<a xmlns='" + kLongestUri + "'>" + Numbered(0, kMillion, "<b", "/>") +
-                         "</a>";
-                }},
-        Hostile{"LongestUriOfAttributes", true,
-                [] {
-                  return "<a xmlns:p='" + kLongestUri + "'>" + Repeated("<b p:n=''/>", kMillion) +
-                         "</a>";
-                }},
-        Hostile{"LongestUriOfDistinctAttributes", false,
-                [] {
-                  return WithAttributes(" xmlns:p='" + kLongestUri + "'" +
-                                        Numbered(0, kMillion, " p:n", "=''"));
-                }},
-        Hostile{"LongestUriOnEachElement", true,
-                [] { return InA(Repeated("<b xmlns='" + kLongestUri + "'/>", 100'000)); }},
-        Hostile{"ManyDeclarationsOnOneElement", true,
-                [] { return WithAttributes(Numbered(0, 10'000, " xmlns:p", "='u'")); }},
-        Hostile{"TooManyDeclarationsOnOneElement", false,
-                [] { return WithAttributes(Numbered(0, 300'000, " xmlns:p", "='u'")); }},
-        Hostile{"ManyUris", true, [] { return InA(Numbered(0, 300'000, "<b xmlns='u", "'/>")); }},
-        Hostile{"OnePrefixOnEveryLevel", true,
-                [] {
-                  return InA(Repeated(Repeated("<p:b xmlns:p='u'>", 200) + Repeated("</p:b>", 200),
-                                      1'000));
-                }},
-        Hostile{"AnElementForEachOfManyDeclarations", true,
-                [] {
-                  return "<a" + Numbered(0, 100'000, " xmlns:p", "='u'") + ">" +
-                         Numbered(0, 100'000, "<p", ":b/>") + "</a>";
-                }}),
+        Repetition{"OverlongUriOfManyElements", false, "<a xmlns='" + kLongText + "'>", "<b/>",
+                   60'000, "</a>"},
+        Repetition{"OverlongUriOfPrefixedNames", false, "<a xmlns:p='" + kLongText + "'>",
+                   "<p:b p:n=''/>", 60'000, "</a>"},
+        Repetition{"OverlongUriOnEachElement", false, "<a>", "<b xmlns='" + kLongText + "'/>",
+                   1'000, "</a>"},
+        Repetition{"LongPrefixOnManyElements", true, "<a>", "<b xmlns:" + kThousand + "='u'/>",
+                   10'000, "</a>"},
+        Repetition{"LongestUriOfElements", true, kInLongest, "<b/>", kMillion, "</a>"},
+        Repetition{"LongestUriOfDistinctNames", false, kInLongest, "<b@/>", kMillion, "</a>"},
+        Repetition{"LongestUriOfAttributes", true, kWithLongest + ">", "<b p:n=''/>", kMillion,
+                   "</a>"},
+        Repetition{"LongestUriOfDistinctAttributes", false, kWithLongest, " p:n@=''", kMillion,
+                   "/>"},
+        Repetition{"LongestUriOnEachElement", true, "<a>", "<b xmlns='" + kLongestUri + "'/>",
+                   100'000, "</a>"},
+        Repetition{"ManyDeclarationsOnOneElement", true, "<a", " xmlns:p@='u'", 10'000, "/>"},
+        Repetition{"TooManyDeclarationsOnOneElement", false, "<a", " xmlns:p@='u'", 300'000, "/>"},
+        Repetition{"ManyUris", true, "<a>", "<b xmlns='u@'/>", 300'000, "</a>"},
+        Repetition{"OnePrefixOnEveryLevel", true, "<a>", kOneLevel, 1'000, "</a>"}),
     RowName());
+
+const std::string kSubset = "<!DOCTYPE a [";
+const std::string kRoot = "]><a/>";
+
+// With an external subset each start tag is looked at once more.
+const std::string kExternal = "<!DOCTYPE a SYSTEM 'x'>";
+
+INSTANTIATE_TEST_SUITE_P(
+    Declarations, XmlHostileTest,
+    testing::Values(
+        Repetition{"HugeEntity", false, kSubset + "<!ENTITY e '", "x", kHuge, "'>" + kRoot},
+        Repetition{"HugeParameterEntity", false, kSubset + "<!ENTITY % p '", "x", 10 * kMillion,
+                   "'>" + kRoot},
+        Repetition{"Enumeration", false, kSubset + "<!ATTLIST a n (", "x|", kMillion,
+                   "y) #IMPLIED>]><a n='x'/>"},
+        Repetition{"EmptyAttributeLists", true, kSubset, "<!ATTLIST n@>", 300'000, kRoot},
+        Repetition{"WideContentModel", true, kSubset + "<!ELEMENT a (", "b,", kMillion,
+                   "b)>" + kRoot},
+        Repetition{"ElementDeclarations", true, kSubset, "<!ELEMENT n@ EMPTY>", 100'000, kRoot},
+        Repetition{"Notations", true, kSubset, "<!NOTATION n@ SYSTEM 'x'>", 100'000, kRoot},
+        Repetition{"HugePublicIdentifier", true, "<!DOCTYPE a PUBLIC '", "x", 10 * kMillion,
+                   "' 'y'><a/>"},
+        Repetition{"HugeSystemIdentifier", true, "<!DOCTYPE a PUBLIC 'y' '", "x", 10 * kMillion,
+                   "'><a/>"},
+        Repetition{"HugeIdentifierOfANotation", true, kSubset + "<!NOTATION n PUBLIC '", "x",
+                   10 * kMillion, "'>" + kRoot},
+        Repetition{"DeclarationsWithoutEnd", false, kSubset, "<!ELEMENT a ANY>[", 100'000, ""},
+        Repetition{"DoctypesWithoutEnd", false, "", "<!DOCTYPE a [", 100'000, ""},
+        Repetition{"SubsetsWithoutEnd", false, "<!DOCTYPE a ", "[", kMillion, ""},
+        Repetition{"SectionsWithoutEnd", false, kSubset, "<![INCLUDE[", 100'000, ""},
+        Repetition{"ExternalAndManyAttributes", true, kExternal + "<a", " n@='&lt;'", kMillion,
+                   "/>"},
+        Repetition{"ExternalAndManyReferences", true, kExternal + "<a n='", "&lt;", 5 * kMillion,
+                   "'/>"},
+        Repetition{"ExternalAndManyStartTags", true, kExternal + "<a>", "<b n='&lt;'/>", kMillion,
+                   "</a>"},
+        Repetition{"ExternalAndUnknownReference", false, kExternal + "<a n='", "&lt;", 5 * kMillion,
+                   "&e;'/>"}),
+    RowName());
+
+std::string Levels(const std::string& open, const std::string& inside, const std::string& close) {
+  return Repeated(open, kMillion) + inside + Repeated(close, kMillion);
+}
+
+TEST(XmlHostileNameTest, MayBeLongInBothTags) {
+  const std::string name(kHuge / 2, 'x');
+  EXPECT_TRUE(OpenHostile("<" + name + "></" + name + ">"));
+}
+
+TEST(XmlHostileNestingTest, IsRefusedAndIsHarmlessInContentModels) {
+  EXPECT_FALSE(OpenHostile(Levels("<a>", "", "</a>")));
+  EXPECT_TRUE(OpenHostile(kSubset + "<!ELEMENT a " + Levels("(", "b", ")") + ">" + kRoot));
+}
+
+TEST(XmlHostileAttributesTest, AreReadOnTwoElementsAndInALargeValue) {
+  const std::string attributes = Numbered(0, kMillion, " n", "=''");
+  EXPECT_TRUE(
+      OpenHostile("<a" + attributes + "><b" + attributes + "/></a>", [](ovrant::IXMLInput& reader) {
+        ovrant::utils::ovrant_ustring value = "before";
+        ASSERT_TRUE(reader.FindElement("a"));
+        EXPECT_TRUE(reader.GetAttribute("n999999", value));
+        EXPECT_EQ(value, "");
+        EXPECT_FALSE(reader.GetAttribute("n1000000", value));
+      }));
+  EXPECT_TRUE(
+      OpenHostile("<a n='" + std::string(kHuge, 'x') + "'/>", [](ovrant::IXMLInput& reader) {
+        ovrant::utils::ovrant_ustring value;
+        ASSERT_TRUE(reader.FindElement("a"));
+        ASSERT_TRUE(reader.GetAttribute("n", value));
+        EXPECT_EQ(value.length(), static_cast<unsigned long>(kHuge));
+      }));
+}
+
+TEST(XmlHostileNamespacesTest, AnElementForEachOfManyDeclarations) {
+  EXPECT_TRUE(OpenHostile("<a" + Numbered(0, 100'000, " xmlns:p", "='u'") + ">" +
+                          Numbered(0, 100'000, "<p", ":b/>") + "</a>"));
+}
 
 // `<!ENTITY name "value">`. The value may have no quotation mark.
 std::string Entity(const std::string& name, const std::string& value) {
@@ -215,7 +236,34 @@ std::string Tower(int levels, std::size_t times, const std::string& ground) {
   return declarations;
 }
 
-std::string DoublingParameterEntities() {
+void ExpectRefused(const std::string& declarations, const std::string& content) {
+  EXPECT_FALSE(OpenHostile(WithDeclarations(declarations, content)));
+}
+
+TEST(XmlHostileEntityTest, BillionLaughs) {
+  for (const std::string ground : {"lol", "", "<b/>"}) {
+    ExpectRefused(Tower(9, 10, ground), "<a>&e9;</a>");
+    ExpectRefused(Tower(9, 10, ground), "<a n='&e9;'/>");
+  }
+  ExpectRefused("%p;" + Tower(9, 10, "lol"), "<a>&e9;</a>");
+}
+
+TEST(XmlHostileEntityTest, QuadraticGrowth) {
+  const std::string references = Repeated("&e;", 60'000);
+  const std::string entity = Entity("e", kLongText);
+  ExpectRefused(entity, "<a>" + references + "</a>");
+  ExpectRefused(entity, "<a n='" + references + "'/>");
+  ExpectRefused(entity + "<!ATTLIST a n CDATA '" + references + "'>", "<a/>");
+}
+
+TEST(XmlHostileEntityTest, AChainOf100000) {
+  const std::string chain = Tower(100'000, 1, "x");
+  ExpectRefused(chain, "<a>&e100000;</a>");
+  ExpectRefused(chain, "<a n='&e100000;'/>");
+  ExpectRefused("%p;" + chain, "<a/>");
+}
+
+TEST(XmlHostileEntityTest, DoublingParameterEntities) {
   std::string declarations = "<!ENTITY % e0 'xxxxxxxxxxxxxxxx'>";
   for (int i = 1; i <= 40; ++i) {
     const std::string number = std::to_string(i);
@@ -223,157 +271,26 @@ std::string DoublingParameterEntities() {
     declarations += "<!ENTITY % d" + number + " \"<!ENTITY &#37; e" + number + " '" + before +
                     before + "'>\">%d" + number + ";";
   }
-  return declarations;
+  ExpectRefused(declarations, "<a/>");
 }
 
-std::string References() { return Repeated("&e;", 60'000); }
-
-// An attribute list for the elements of a list.
-std::string WithList(const std::string& list, std::size_t elements) {
-  return WithDeclarations("<!ATTLIST b " + list + ">", InA(Repeated("<b/>", elements)));
+// The parser would look through the whole list at each attribute.
+TEST(XmlHostileAttributeListTest, AListOfTokensAndManyAttributes) {
+  const std::string element = "<b" + Numbered(16'000, 17'000, " n", "=' '") + "/>";
+  ExpectRefused("<!ATTLIST b " + Numbered(0, 17'000, " n", " NMTOKEN #IMPLIED") + ">",
+                "<a>" + Repeated(element, 870) + "</a>");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Declarations, XmlHostileTest,
-    testing::Values(
-        Hostile{"BillionLaughs", false,
-                [] { return WithDeclarations(Tower(9, 10, "lol"), "<a>&e9;</a>"); }},
-        Hostile{"BillionEmptyTexts", false,
-                [] { return WithDeclarations(Tower(9, 10, ""), "<a>&e9;</a>"); }},
-        Hostile{"BillionElements", false,
-                [] { return WithDeclarations(Tower(9, 10, "<b/>"), "<a>&e9;</a>"); }},
-        Hostile{"BillionLaughsInAValue", false,
-                [] { return WithDeclarations(Tower(9, 10, "lol"), "<a n='&e9;'/>"); }},
-        Hostile{"BillionLaughsAfterAParameterEntity", false,
-                [] { return WithDeclarations("%p;" + Tower(9, 10, "lol"), "<a>&e9;</a>"); }},
-        Hostile{"QuadraticText", false,
-                [] { return WithDeclarations(Entity("e", kLongText), InA(References())); }},
-        Hostile{"QuadraticValue", false,
-                [] {
-                  return WithDeclarations(Entity("e", kLongText), "<a n='" + References() + "'/>");
-                }},
-        Hostile{"QuadraticDefault", false,
-                [] {
-                  return WithDeclarations(
-                      Entity("e", kLongText) + "<!ATTLIST a n CDATA '" + References() + "'>",
-                      "<a/>");
-                }},
-        Hostile{"ChainOfEntities", false,
-                [] { return WithDeclarations(Tower(100'000, 1, "x"), "<a>&e100000;</a>"); }},
-        Hostile{"ChainOfEntitiesInAValue", false,
-                [] { return WithDeclarations(Tower(100'000, 1, "x"), "<a n='&e100000;'/>"); }},
-        Hostile{"ChainAfterAParameterEntity", false,
-                [] { return WithDeclarations("%p;" + Tower(100'000, 1, "x"), "<a/>"); }},
-        // The parser keeps the text before the reader can refuse it.
-        Hostile{"HugeEntity", false,
-                [] { return WithDeclarations(Entity("e", std::string(kHuge, 'x')), "<a/>"); }},
-        Hostile{"HugeParameterEntity", false,
-                [] { return WithDeclarations(Entity("% p", std::string(kHuge, 'x')), "<a/>"); }},
-        Hostile{"DoublingParameterEntities", false,
-                [] { return WithDeclarations(DoublingParameterEntities(), "<a/>"); }},
-        // The parser would look through the whole list at each attribute.
-        Hostile{"ListOfTokensAndManyAttributes", false,
-                [] {
-                  const std::string element = "<b" + Numbered(16'000, 17'000, " n", "=' '") + "/>";
-                  return WithDeclarations(
-                      "<!ATTLIST b " + Numbered(0, 17'000, " n", " NMTOKEN #IMPLIED") + ">",
-                      InA(Repeated(element, 870)));
-                }},
-        Hostile{"DefaultOnManyElements", false,
-                [] { return WithList("n CDATA '" + kLongText + "'", 60'000); }},
-        Hostile{"DefaultNamespaceOnManyElements", false,
-                [] { return WithList("xmlns CDATA '" + kLongText + "'", 60'000); }},
-        Hostile{"DefaultPrefixOnManyElements", false,
-                [] { return WithList("xmlns:p CDATA '" + kLongText + "'", 60'000); }},
-        Hostile{"LongDefaultNameOnManyElements", false,
-                [] { return WithList(kLongText + " CDATA ''", 60'000); }},
-        Hostile{"ManyDefaultsOnManyElements", false,
-                [] { return WithList(Numbered(0, 100'000, " n", " CDATA ''"), 500'000); }},
-        Hostile{"ManyOptionalOnManyElements", false,
-                [] { return WithList(Numbered(0, 100'000, " n", " CDATA #IMPLIED"), 500'000); }},
-        Hostile{"ManyRequiredOnManyElements", false,
-                [] { return WithList(Numbered(0, 100'000, " n", " CDATA #REQUIRED"), 500'000); }},
-        Hostile{"EnumerationOfAMillion", false,
-                [] {
-                  return WithDeclarations(
-                      "<!ATTLIST a n (" + Repeated("x|", kMillion) + "y) #IMPLIED>", "<a n='x'/>");
-                }},
-        Hostile{"ManyEmptyAttributeLists", true,
-                [] { return WithDeclarations(Numbered(0, 300'000, "<!ATTLIST n", ">"), "<a/>"); }},
-        Hostile{"DeepContentModel", true,
-                [] {
-                  return WithDeclarations("<!ELEMENT a " + Repeated("(", kMillion) + "b" +
-                                              Repeated(")", kMillion) + ">",
-                                          "<a/>");
-                }},
-        Hostile{"WideContentModel", true,
-                [] {
-                  return WithDeclarations("<!ELEMENT a (" + Repeated("b,", kMillion) + "b)>",
-                                          "<a/>");
-                }},
-        Hostile{"ManyElementDeclarations", true,
-                [] {
-                  return WithDeclarations(Numbered(0, 100'000, "<!ELEMENT n", " EMPTY>"), "<a/>");
-                }},
-        Hostile{"ManyNotations", true,
-                [] {
-                  return WithDeclarations(
-                      Numbered(0, 100'000, "<!NOTATION n", " SYSTEM 'somewhere'>"), "<a/>");
-                }},
-        Hostile{"HugeIdentifiers", true,
-                [] {
-                  const std::string id(10 * kMillion, 'x');
-                  return "<!DOCTYPE a PUBLIC '" + id + "' '" + id + "'><a/>";
-                }},
-        Hostile{"HugeIdentifierOfANotation", true,
-                [] {
-                  return WithDeclarations(
-                      "<!NOTATION n PUBLIC '" + std::string(10 * kMillion, 'x') + "'>", "<a/>");
-                }},
-        Hostile{"DeclarationsWithoutEnd", false,
-                [] { return "<!DOCTYPE a [" + Repeated("<!ELEMENT a ANY>[", 100'000); }},
-        Hostile{"DoctypesWithoutEnd", false, [] { return Repeated("<!DOCTYPE a [", 100'000); }},
-        Hostile{"SubsetsWithoutEnd", false,
-                [] { return "<!DOCTYPE a " + Repeated("[", kMillion); }},
-        Hostile{"SectionsWithoutEnd", false,
-                [] { return "<!DOCTYPE a [" + Repeated("<![INCLUDE[", 100'000); }}),
-    RowName());
-
-// With an external subset each start tag is looked at once more.
-std::string External(const std::string& root) { return "<!DOCTYPE a SYSTEM 'x'>" + root; }
-
-INSTANTIATE_TEST_SUITE_P(
-    ExternalSubset, XmlHostileTest,
-    testing::Values(
-        Hostile{"ManyAttributes", true,
-                [] { return External(WithAttributes(Numbered(0, kMillion, " n", "='&lt;'"))); }},
-        Hostile{"ManyReferences", true,
-                [] { return External("<a n='" + Repeated("&lt;", 5 * kMillion) + "'/>"); }},
-        Hostile{"ManyStartTags", true,
-                [] { return External(InA(Repeated("<b n='&lt;'/>", kMillion))); }},
-        Hostile{"UnknownReferenceAfterMany", false,
-                [] { return External("<a n='" + Repeated("&lt;", 5 * kMillion) + "&e;'/>"); }}),
-    RowName());
-
-TEST(XmlHostileValueTest, ReadsAHugeAttribute) {
-  EXPECT_TRUE(
-      OpenHostile("<a n='" + std::string(kHuge, 'x') + "'/>", [](ovrant::IXMLInput& reader) {
-        ovrant::utils::ovrant_ustring value;
-        ASSERT_TRUE(reader.FindElement("a"));
-        ASSERT_TRUE(reader.GetAttribute("n", value));
-        EXPECT_EQ(value.length(), kHuge);
-      }));
-}
-
-TEST(XmlHostileValueTest, ReadsTheLastOfAMillionAttributes) {
-  const std::string bytes = WithAttributes(Numbered(0, kMillion, " n", "=''"));
-  EXPECT_TRUE(OpenHostile(bytes, [](ovrant::IXMLInput& reader) {
-    ovrant::utils::ovrant_ustring value = "before";
-    ASSERT_TRUE(reader.FindElement("a"));
-    EXPECT_TRUE(reader.GetAttribute("n999999", value));
-    EXPECT_EQ(value, "");
-    EXPECT_FALSE(reader.GetAttribute("n1000000", value));
-  }));
+TEST(XmlHostileAttributeListTest, LongOrManyOnManyElements) {
+  const std::string elements = "<a>" + Repeated("<b/>", 60'000) + "</a>";
+  for (const std::string name : {"n", "xmlns", "xmlns:p"}) {
+    ExpectRefused("<!ATTLIST b " + name + " CDATA '" + kLongText + "'>", elements);
+  }
+  ExpectRefused("<!ATTLIST b " + kLongText + " CDATA ''>", elements);
+  const std::string more_elements = "<a>" + Repeated("<b/>", 500'000) + "</a>";
+  for (const std::string rest : {" CDATA ''", " CDATA #IMPLIED", " CDATA #REQUIRED"}) {
+    ExpectRefused("<!ATTLIST b" + Numbered(0, 100'000, " n", rest) + ">", more_elements);
+  }
 }
 
 }  // namespace
