@@ -42,15 +42,15 @@ class ReasonListener {
       std::make_shared<std::atomic<TransferError>>(TransferError::kNone);
 };
 
-Answer AnswerIn(const InternetData& transport, bool received, TransferError error) {
+Answer AnswerIn(const InternetData& transport, bool received) {
   if (!received) ExpectFailureState(transport, transport.status_code());
-  return {received, transport.status_code(), BodyOf(transport), error};
+  return {received, transport.status_code(), BodyOf(transport)};
 }
 
 Answer AskByDownload(const std::string& url) {
   InternetData transport((Text(url)));
   const bool received = transport.Download();
-  return AnswerIn(transport, received, InternetData::LastError());
+  return AnswerIn(transport, received);
 }
 
 Answer AskBySendAndRead(const std::string& url, const std::string& upload) {
@@ -66,12 +66,11 @@ Answer AskBySendAndRead(const std::string& url, const std::string& upload) {
   EXPECT_EQ(length, transport.received_data_length());
   EXPECT_EQ(status, transport.status_code());
   EXPECT_EQ(headers, transport.received_headers());
-  return AnswerIn(transport, received, InternetData::LastError());
+  return AnswerIn(transport, received);
 }
 
 // `upload` is null for a download.
 Answer AskInBackground(const std::string& url, const std::string* upload) {
-  const ReasonListener listener;
   Background background(url);
   InternetData& transport = *background.transport;
   if (upload == nullptr) {
@@ -83,7 +82,7 @@ Answer AskInBackground(const std::string& url, const std::string* upload) {
   const std::string posted = background.WaitForEnd();
   EXPECT_TRUE(posted == kReturned || posted == kFailed) << posted;
   EXPECT_EQ(background.recorder.entries().size(), 1U);
-  return AnswerIn(transport, posted == kReturned, listener.reason());
+  return AnswerIn(transport, posted == kReturned);
 }
 
 }  // namespace
@@ -124,6 +123,15 @@ Answer Ask(Way way, const std::string& url, const std::string& upload) {
       return AskInBackground(url, &upload);
   }
   return {};
+}
+
+Answer AskForReason(Way way, const std::string& url, const std::string& upload) {
+  const ReasonListener listener;
+  Answer answer = Ask(way, url, upload);
+  answer.error = listener.reason();
+  const bool is_blocking = way == Way::kDownload || way == Way::kSendAndRead;
+  EXPECT_TRUE(!is_blocking || InternetData::LastError() == answer.error);
+  return answer;
 }
 
 }  // namespace stowra_test

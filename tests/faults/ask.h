@@ -19,7 +19,8 @@ struct Answer {
   bool received = false;
   int status = 0;
   std::string body;
-  ovrant::internet::TransferError error = ovrant::internet::TransferError::kNone;
+  ovrant::internet::TransferError error =
+      ovrant::internet::TransferError::kNone;  // by AskForReason
 
   friend bool operator==(const Answer& a, const Answer& b) {
     return a.received == b.received && a.status == b.status && a.body == b.body &&
@@ -39,6 +40,9 @@ void PrintTo(const Answer& answer, std::ostream* out);
 // Makes one transfer of `url`. Uploads send `upload`. Expects that a failure leaves neither body
 // nor headers, and that a background transfer posts once.
 Answer Ask(Way way, const std::string& url, const std::string& upload);
+
+// The same, with the reason of a failure. Takes the place of the transfer listener.
+Answer AskForReason(Way way, const std::string& url, const std::string& upload);
 
 }  // namespace stowra_test
 

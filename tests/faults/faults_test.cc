@@ -106,11 +106,11 @@ TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
   row.runs = fault.runs;
   const auto run = [&](FaultRow& current) {
     if (fault.on_used_connection) {
-      ASSERT_EQ(Ask(way, stage.Url(kGoodTarget), upload), Received(200, kGoodBody));
+      ASSERT_EQ(AskForReason(way, stage.Url(kGoodTarget), upload), Received(200, kGoodBody));
     }
     stage.NoteBegin();
     const auto begin = Clock::now();
-    Answer answer = Ask(way, stage.Url(), upload);
+    Answer answer = AskForReason(way, stage.Url(), upload);
     const auto took = Clock::now() - begin;
     if (fault.may_lose_status && answer.status == 0) answer.status = fault.answer.status;
     ASSERT_EQ(answer, fault.answer);
@@ -121,7 +121,7 @@ TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
     current.longest = std::max<decltype(current.longest)>(current.longest, took);
   };
   const auto settle = [&] {
-    ASSERT_EQ(Ask(DownloadLike(way), calm.Url(), ""), Received(200, kGoodBody));
+    ASSERT_EQ(AskForReason(DownloadLike(way), calm.Url(), ""), Received(200, kGoodBody));
   };
   ExpectNothingIsLeft(row, fault.end == End::kBefore ? kWarmUpRuns : 1, run, settle);
 }
