@@ -90,8 +90,7 @@ void ChunkDecoder::TakeTrailer(char c) {
   if (c != '\n') {
     if (line_length_ == 0) is_folded_ = trailer_lines_ > 0 && (c == ' ' || c == '\t');
     has_colon_ = has_colon_ || (c == ':' && line_length_ > 0);
-    ++line_length_;
-    if (c == '\0') part_ = Part::kBroken;
+    if (++line_length_ > kMaxTrailerLine || c == '\0') part_ = Part::kBroken;
   } else if (line_length_ == 0) {
     part_ = Part::kEnd;
   } else if (!has_colon_ && !is_folded_) {

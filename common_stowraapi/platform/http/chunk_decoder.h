@@ -17,6 +17,9 @@ class ChunkDecoder {
   // The longest line with a chunk's size and extensions.
   static constexpr std::size_t kMaxSizeLine = std::size_t{8} << 10;
 
+  // The longest line of the trailing section. libcurl has a limit just above it.
+  static constexpr std::size_t kMaxTrailerLine = 4000;
+
   // Returns the next piece of the body and removes it from `encoded`. When `encoded` holds no more
   // of the body, the piece and `encoded` are empty.
   std::string_view Next(std::string_view& encoded);
@@ -26,6 +29,9 @@ class ChunkDecoder {
 
   // True when the bytes so far do not follow the coding. It stays so.
   bool IsBroken() const { return part_ == Part::kBroken; }
+
+  // Whether it is broken by a line of the trailing section that is too long.
+  bool IsTrailerTooLong() const { return line_length_ > kMaxTrailerLine && trailer_bytes_ > 0; }
 
   // Complete lines of the trailing section, and all its bytes.
   std::size_t trailer_lines() const { return trailer_lines_; }

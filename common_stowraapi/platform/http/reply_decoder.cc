@@ -44,6 +44,7 @@ bool ReplyDecoder::AddBody(std::string_view bytes) {
     const std::string_view piece = chunks_->Next(bytes);
     if (!piece.empty()) TakePayload(piece);
   }
+  if (chunks_->IsTrailerTooLong()) Refuse(kHeadersTooLong);
   if (chunks_->IsBroken()) Refuse(kBrokenChunks);
   if (head_.bytes() + chunks_->trailer_bytes() > ResponseHead::kMaxBytes) Refuse(kHeadersTooLong);
   return !failure_;

@@ -161,7 +161,8 @@ void ReadTrailers(std::string_view text, Chunks& chunks) {
     chunks.trailer_bytes += spelt.size();
     std::string line(spelt);
     line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
-    chunks.is_broken = line.find('\0') != std::string::npos;
+    const std::size_t length = line.size() - (!line.empty() && line.back() == '\n' ? 1 : 0);
+    chunks.is_broken = line.find('\0') != std::string::npos || length > kMostTrailerLine;
     if (line.empty() || line.back() != '\n') return;
     const std::size_t colon = line.find(':', 1);
     const bool is_fold = BeginsWithBlank(line) && chunks.trailer_lines > 0;

@@ -13,9 +13,11 @@
 
 namespace stowra_fuzz {
 
-// The most bytes of header and trailer lines together, and of the line with a chunk's size.
+// The most bytes of header and trailer lines together, of the line with a chunk's size, and of one
+// line of the trailing section.
 inline constexpr std::size_t kMostHeadBytes = std::size_t{256} << 10;
 inline constexpr std::size_t kMostSizeLine = std::size_t{8} << 10;
+inline constexpr std::size_t kMostTrailerLine = 4000;
 
 enum class Fault { kNone, kMalformed, kTooLarge, kEncoding };
 

@@ -9,8 +9,7 @@ using Kind = HttpOutcome::Kind;
 
 constexpr char kHexDigits[] = "0123456789abcdefABCDEF";
 
-// Lines of a trailing section and sizes of chunks that libcurl's own reader takes too.
-constexpr std::size_t kPlainTrailer = 4000;
+// Sizes of chunks that libcurl's own reader takes too.
 constexpr std::size_t kPlainSize = 16;
 
 std::string Lower(std::string_view text) {
@@ -31,7 +30,8 @@ bool IsPlainStatusLine(std::string_view line) {
          (line.size() == 12 || line.substr(12, 1) == " ");
 }
 
-// Takes a line that ends in CR LF and holds no other CR. Clears `is_plain` if the next line is another one.
+// Takes a line that ends in CR LF and holds no other CR. Clears `is_plain` if the next line is
+// another one.
 std::string_view TakePlainLine(std::string_view& text, bool& is_plain) {
   const std::string_view line = text.substr(0, text.find("\r\n"));
   is_plain = line.size() < text.size() && line.find_first_of("\r\n") == std::string_view::npos;
@@ -64,7 +64,7 @@ bool IsPlainChunks(std::string_view text) {
   }
   for (std::string_view line = "-"; is_plain && !line.empty();) {
     line = TakePlainLine(text, is_plain);
-    if (line.size() > kPlainTrailer) return false;
+    if (line.size() > kMostTrailerLine) return false;
   }
   return is_plain;
 }

@@ -74,6 +74,18 @@ TEST(ChunkDecoder, CountsTheTrailingSection) {
   EXPECT_EQ(decoder.trailer_bytes(), 21U);
 }
 
+TEST(ChunkDecoder, LimitsTheLengthOfATrailerLine) {
+  const std::string longest = "A:" + std::string(ChunkDecoder::kMaxTrailerLine - 2, 'x');
+  ChunkDecoder decoder;
+  Decoded("0\r\n" + longest + "\r\n" + longest + "\r\n\r\n", 1000, decoder);
+  EXPECT_TRUE(decoder.AtEnd());
+  EXPECT_FALSE(decoder.IsTrailerTooLong());
+  ChunkDecoder refused;
+  Decoded("0\r\n" + longest + "x\r\n\r\n", 1000, refused);
+  EXPECT_TRUE(refused.IsBroken());
+  EXPECT_TRUE(refused.IsTrailerTooLong());
+}
+
 TEST(ChunkDecoder, LimitsTheLengthOfASizeLine) {
   const std::string longest = "5;" + std::string(ChunkDecoder::kMaxSizeLine - 4, 'x') + "\r\n";
   ChunkDecoder decoder;

@@ -134,7 +134,8 @@ TEST_F(ListenerTest, ErrorTextNamesATimeout) {
   const RawServer server(Silence());
   InternetData transport(Text(server.Url()));
   EXPECT_FALSE(transport.Download());
-  EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()), ::testing::HasSubstr("no data for 0.25 seconds"));
+  EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()),
+              ::testing::HasSubstr("no data for 0.25 seconds"));
 }
 
 TEST_F(ListenerTest, HearsTheEndOfADroppedTransfer) {
