@@ -5,8 +5,8 @@
 
 #include "common_stowraapi/export.h"
 
-// The version of these headers (Semantic Versioning). The build reads it from here. The first number
-// is that of the shared libraries' SONAME.
+// The version of these headers (Semantic Versioning). The build reads it from here. The first
+// number is that of the shared libraries' SONAME.
 #define COMMON_STOWRAAPI_VERSION_MAJOR 1
 #define COMMON_STOWRAAPI_VERSION_MINOR 0
 #define COMMON_STOWRAAPI_VERSION_PATCH 0
