@@ -221,6 +221,11 @@ TEST(ReplyDecoder, ProgressGrowsWithLinesAndBytesOfBody) {
   EXPECT_EQ(decoder.progress(), before + 1);
 }
 
+// A field line of `size` bytes.
+std::string LineOf(std::size_t size) {
+  return "X: " + std::string(size - std::string("X: \r\n").size(), 'x') + "\r\n";
+}
+
 // Trailers come inside the chunks, or as header lines after the body.
 TEST(ReplyDecoder, TrailersOfBothKindsHaveTheLimitOfHeaders) {
   for (const bool as_lines : {true, false}) {
@@ -229,10 +234,13 @@ TEST(ReplyDecoder, TrailersOfBothKindsHaveTheLimitOfHeaders) {
       const std::string head = CHUNKED;
       EXPECT_TRUE(AddHead(head, decoder));
       EXPECT_TRUE(decoder.AddBody("0\r\n"));
-      std::string line = "X: \r\n";
-      const std::size_t end = as_lines ? 0 : 2;
-      line.insert(3, ResponseHead::kMaxBytes - head.size() - line.size() - end + more, 'x');
-      const bool taken = as_lines ? decoder.AddHeaderLine(line) : decoder.AddBody(line + "\r\n");
+      const auto add = [&](const std::string& line) {
+        return as_lines ? decoder.AddHeaderLine(line) : decoder.AddBody(line);
+      };
+      constexpr std::size_t kLine = 1000;
+      std::size_t left = ResponseHead::kMaxBytes - head.size() - (as_lines ? 0 : 2) + more;
+      for (; left > 2 * kLine; left -= kLine) ASSERT_TRUE(add(LineOf(kLine)));
+      const bool taken = add(as_lines ? LineOf(left) : LineOf(left) + "\r\n");
       EXPECT_EQ(taken, more == 0) << as_lines;
       EXPECT_EQ(decoder.failure().error == TransferError::kTooLarge, more > 0);
     }
