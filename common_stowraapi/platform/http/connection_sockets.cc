@@ -21,7 +21,7 @@ int PortOf(const sockaddr_storage& address) {
   return 0;
 }
 
-// Reads an end's port with getsockname or getpeername. 0 when there is none.
+// Reads an end's port with getsockname or getpeername. Returns 0 for a socket without one.
 int PortOf(int socket, int (*name_of)(int, sockaddr*, socklen_t*)) {
   sockaddr_storage address{};
   socklen_t size = sizeof(address);

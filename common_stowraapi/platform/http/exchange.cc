@@ -118,7 +118,7 @@ StringMap HttpExchange::HeadersFor(const std::string& url, bool is_first_origin)
   return headers;
 }
 
-// Makes the next hop, or says why there is none.
+// Makes the next hop. A failure says why that is not possible.
 Failure HttpExchange::FollowRedirect() {
   if (++redirects_ > request_.redirect_limit) {
     return {TransferError::kTooManyRedirects, "too many redirects"};
