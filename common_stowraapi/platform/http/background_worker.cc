@@ -3,11 +3,11 @@
 #if defined(__APPLE__)
 #include <dlfcn.h>
 #endif
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -120,7 +120,8 @@ bool BackgroundWorker::Add(std::shared_ptr<BackgroundTransfer> transfer) {
   if (stopping_) return false;
   if (!thread_.joinable()) StartThread();
   std::function<void()> completion = [transfer] {
-    const auto kept = transfer;  // the host may destroy the function while it runs
+    // The host may destroy this function while it runs.
+    const auto kept = transfer;  // NOLINT(performance-unnecessary-copy-initialization)
     kept->Deliver();
   };
   const unsigned long number = transfer->number();
