@@ -30,9 +30,9 @@ int PortOf(int socket, int (*name_of)(int, sockaddr*, socklen_t*)) {
 
 }  // namespace
 
-bool ConnectionSockets::Add(int socket) noexcept {
+bool ConnectionSockets::Add(int socket, const void* opener) noexcept {
   try {
-    sockets_.push_back({socket, 0, 0, false});
+    sockets_.push_back({socket, 0, 0, false, opener});
     return true;
   } catch (const std::bad_alloc&) {
     return false;
@@ -42,6 +42,15 @@ bool ConnectionSockets::Add(int socket) noexcept {
 void ConnectionSockets::Remove(int socket) noexcept {
   sockets_.erase(std::remove_if(sockets_.begin(), sockets_.end(),
                                 [socket](const Entry& each) { return each.socket == socket; }),
+                 sockets_.end());
+}
+
+void ConnectionSockets::Settle(const void* opener, int used) noexcept {
+  for (Entry& entry : sockets_) {
+    if (entry.socket == used) entry.opener = nullptr;
+  }
+  sockets_.erase(std::remove_if(sockets_.begin(), sockets_.end(),
+                                [opener](const Entry& each) { return each.opener == opener; }),
                  sockets_.end());
 }
 

@@ -15,9 +15,13 @@ class ConnectionSockets {
  public:
   static constexpr int kNone = -1;
 
-  // Add returns false when memory runs out.
-  bool Add(int socket) noexcept;
+  // Add returns false when memory runs out. `opener` is the request that the socket is opened for.
+  bool Add(int socket, const void* opener = nullptr) noexcept;
   void Remove(int socket) noexcept;
+
+  // Removes what `opener` has added, except `used`, which outlives it. libcurl does not report that
+  // it closes a socket before it is connected. The system may give its number to another thread.
+  void Settle(const void* opener, int used) noexcept;
 
   // The socket that is connected from `local_port` to `remote_port`, or kNone.
   int Find(int local_port, int remote_port);
@@ -35,6 +39,7 @@ class ConnectionSockets {
     int local_port;  // 0 until found
     int remote_port;
     bool is_framed;
+    const void* opener;  // null once its request goes out
   };
 
   std::vector<Entry> sockets_;

@@ -79,6 +79,8 @@ Hop::Hop(const HttpRequest& settings, HopRequest&& request, ConnectionSockets& s
       decoder_(settings.body_cap, settings.redirect_limit > 0),
       easy_(MakeEasyHandle()) {}
 
+Hop::~Hop() { sockets_.Settle(this, ConnectionSockets::kNone); }
+
 Failure Hop::Prepare(void* owner) {
   const Failure failure =
       SetHopOptions(settings_, request_, error_buffer_, easy_.get(), header_list_);
@@ -202,7 +204,7 @@ int Hop::OnOpenSocket(int family, int type, int protocol) noexcept {
   const int opened = socket(family, type, protocol);
   if (opened >= 0) fcntl(opened, F_SETFD, FD_CLOEXEC);
 #endif
-  if (opened < 0 || sockets_.Add(opened)) return opened;
+  if (opened < 0 || sockets_.Add(opened, this)) return opened;
   close(opened);
   return CURL_SOCKET_BAD;
 }
@@ -211,6 +213,7 @@ bool Hop::OnRequest(int local_port, int remote_port) noexcept {
   is_connecting_ = false;
   ++progress_;
   socket_ = sockets_.Find(local_port, remote_port);
+  sockets_.Settle(this, socket_);
   long new_connections = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_NUM_CONNECTS, &new_connections);
   found_unfit_connection_ = new_connections == 0 && sockets_.IsUnfit(socket_);

@@ -27,6 +27,7 @@ class Hop {
   // in either direction. Throws std::bad_alloc when memory runs out.
   Hop(const HttpRequest& settings, HopRequest&& request, ConnectionSockets& sockets,
       std::function<void()> on_moved);
+  ~Hop();
 
   Hop(const Hop&) = delete;
   Hop& operator=(const Hop&) = delete;
