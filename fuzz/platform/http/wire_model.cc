@@ -26,8 +26,8 @@ bool IsMadeOf(std::string_view text, const char* characters) {
 
 bool IsPlainStatusLine(std::string_view line) {
   const bool has_version = line.substr(0, 9) == "HTTP/1.1 " || line.substr(0, 9) == "HTTP/1.0 ";
-  return has_version && IsMadeOf(line.substr(9, 3), "0123456789") &&
-         (line.size() == 12 || line.substr(12, 1) == " ");
+  return has_version && line.size() >= 12 && IsMadeOf(line.substr(9, 3), "0123456789") &&
+         (line.size() == 12 || line[12] == ' ') && line.find('\0') == std::string_view::npos;
 }
 
 // Takes a line that ends in CR LF and holds no other CR. Clears `is_plain` if the next line is
