@@ -51,7 +51,7 @@ Failure ResponseHead::AddLine(std::string_view line) {
   if (bytes_ > kMaxBytes) return kHeadersTooLong;
   if (BeginsResponse(line)) return BeginResponse(line);
   if (status_ == 0 || complete_) return Malformed("the response has a header out of place");
-  if (std::all_of(line.begin(), line.end(), IsHeaderBlank)) {
+  if (line.find_first_not_of("\r\n") == std::string_view::npos) {
     complete_ = status_ >= kFirstFinalStatus;
     return kNoFailure;
   }

@@ -125,7 +125,7 @@ Fault ReadLine(const std::string& line, ReplyHead& head) {
     return head.status == 0 || head.status == 101 ? Fault::kMalformed : Fault::kNone;
   }
   if (head.status == 0) return Fault::kMalformed;
-  if (!Trimmed(line).empty()) return ReadField(line, head);
+  if (line.find_first_not_of("\r\n") != std::string::npos) return ReadField(line, head);
   head.is_whole = head.status >= 200;
   return Fault::kNone;
 }

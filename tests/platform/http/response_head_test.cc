@@ -51,6 +51,15 @@ TEST_F(ResponseHeadTest, IsCompleteAfterTheEmptyLine) {
   EXPECT_EQ(Header("X-One"), "1");
 }
 
+// libcurl reads on after such a line. A head that ended there would miss the framing.
+TEST_F(ResponseHeadTest, ALineOfBlanksDoesNotEndTheHead) {
+  EXPECT_EQ(Add({"HTTP/1.1 200 OK", "X-One: 1", " \t", "Transfer-Encoding: chunked"}), "");
+  EXPECT_FALSE(head_.complete());
+  EXPECT_EQ(Add({""}), "");
+  EXPECT_TRUE(head_.complete());
+  EXPECT_TRUE(head_.is_chunked());
+}
+
 TEST_F(ResponseHeadTest, ReadsTheStatusOfEveryVersion) {
   for (const char* line : {"HTTP/1.0 200 OK", "HTTP/1.1 200", "HTTP/2 200", "http/1.1 200 ok"}) {
     head_ = ResponseHead();
