@@ -3,13 +3,16 @@
 #ifndef EMULATOR_CLIENT_SOCKET_H_
 #define EMULATOR_CLIENT_SOCKET_H_
 
+#include <openssl/ssl.h>
 #include <sys/types.h>
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
+#include <memory>
 
+#include "emulator/channel.h"
 #include "emulator/file_descriptor.h"
+#include "emulator/socket_address.h"
 #include "emulator/stop_event.h"
 
 namespace stowra_emulator {
@@ -18,10 +21,11 @@ namespace stowra_emulator {
 // event must outlive this object. For one thread.
 class ClientSocket {
  public:
-  ClientSocket(FileDescriptor socket, const StopEvent& stop);
+  // Speaks TLS if `tls` is not null. It must then outlive this object.
+  ClientSocket(FileDescriptor socket, const StopEvent& stop, SSL_CTX* tls);
 
-  // The port of this server, or 0 if the connection is closed.
-  std::uint16_t LocalPort() const;
+  // The address of this server, as the client reached it.
+  SocketAddress LocalAddress() const;
 
   // True if bytes or the end of the stream can be received.
   bool WaitReadable(std::chrono::milliseconds timeout) const;
@@ -45,8 +49,12 @@ class ClientSocket {
   void Finish();
 
  private:
+  // Waits for what a channel wants. False if it does not come.
+  bool WaitFor(ssize_t wanted) const;
+
   FileDescriptor socket_;
   const StopEvent& stop_;
+  const std::unique_ptr<Channel> channel_;
 };
 
 }  // namespace stowra_emulator

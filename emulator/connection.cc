@@ -32,13 +32,8 @@ bool MayHaveBody(const std::string& method) {
 
 }  // namespace
 
-Connection::Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher,
-                       RequestLog& log, std::uint64_t max_body_size)
-    : socket_(std::move(socket), stop),
-      stream_(socket_),
-      dispatcher_(dispatcher),
-      log_(log),
-      max_body_size_(max_body_size) {
+Connection::Connection(FileDescriptor socket, ServerState& state)
+    : state_(state), socket_(std::move(socket), state.stop, state.tls_context()), stream_(socket_) {
   // The engine only tells the client these limits. Serve enforces them.
   set_keep_alive_timeout(kIdleTimeout.count());
   set_keep_alive_max_count(kMaxRequests);
@@ -93,7 +88,7 @@ bool Connection::ServeRequest(bool is_last) {
 
   const Delivery delivery = Deliver(response, fault_, socket_);
   log_entry_.body_bytes = delivery.body_bytes;
-  log_.Write(log_entry_);
+  state_.log.Write(log_entry_);
   return delivery.may_continue && request_was_read_ && !close_was_asked && !is_last;
 }
 
@@ -104,7 +99,8 @@ void Connection::PrepareRequest(httplib::Request& request) {
     request.set_header("Content-Length", "0");
   }
   request.ranges.clear();
-  stream_.AllowInput(max_body_size_);
+  if (state_.tls) request.set_header("X-Forwarded-Proto", "https");
+  stream_.AllowInput(state_.max_body_size);
   if (HasOversizedBody(request)) {
     // Nobody reads this body, so the client gets no "100 Continue".
     request.headers.erase("Expect");
@@ -114,29 +110,33 @@ void Connection::PrepareRequest(httplib::Request& request) {
 }
 
 bool Connection::HasOversizedBody(const httplib::Request& request) const {
-  return DeclaredSize(request) > max_body_size_;
+  return DeclaredSize(request) > state_.max_body_size;
 }
 
 void Connection::RefuseBody(httplib::Response& response) const {
   SetError(response, 413,
-           "a body of more than " + std::to_string(max_body_size_) + " bytes is refused");
+           "a body of more than " + std::to_string(state_.max_body_size) + " bytes is refused");
 }
 
 void Connection::Answer(const httplib::Request& request, httplib::Response& response) {
   // The engine would take an unread body for the next request.
   request_was_read_ = MayHaveBody(request.method) || !HasBody(request);
   try {
-    const std::optional<Fault> fault =
-        request.has_param("fault") ? ParseFault(request.get_param_value("fault")) : Fault();
+    const std::optional<Fault> fault = FaultFor(request);
     if (!fault) {
       SetError(response, 400, "unknown fault; the faults are: " + FaultUsages());
       return;
     }
     fault_ = *fault;
-    if (!AnswerInstead(fault_, request, response)) dispatcher_.Answer(request, response);
+    if (!AnswerInstead(fault_, request, response)) state_.dispatcher.Answer(request, response);
   } catch (const std::exception& error) {
     SetError(response, 500, error.what());
   }
+}
+
+std::optional<Fault> Connection::FaultFor(const httplib::Request& request) {
+  if (request.has_param("fault")) return ParseFault(request.get_param_value("fault"));
+  return state_.faults.Draw(request.path);
 }
 
 }  // namespace stowra_emulator

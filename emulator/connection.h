@@ -5,13 +5,12 @@
 
 #include <httplib.h>
 
-#include <cstdint>
+#include <optional>
 
 #include "emulator/client_socket.h"
-#include "emulator/dispatcher.h"
 #include "emulator/engine_stream.h"
 #include "emulator/fault.h"
-#include "emulator/request_log.h"
+#include "emulator/server_state.h"
 
 namespace stowra_emulator {
 
@@ -19,11 +18,10 @@ namespace stowra_emulator {
 // requests and writes the responses but does not listen. It calls back without naming the
 // connection, so each connection has an engine of its own. Handlers must set a body: a content
 // provider fails in an engine that does not listen.
-// For one thread. The references passed to the constructor must outlive this object.
+// For one thread. The state must outlive this object.
 class Connection : private httplib::Server {
  public:
-  Connection(FileDescriptor socket, const StopEvent& stop, Dispatcher& dispatcher, RequestLog& log,
-             std::uint64_t max_body_size);
+  Connection(FileDescriptor socket, ServerState& state);
 
   // Returns when the connection has ended or the stop event is set.
   void Serve();
@@ -37,11 +35,12 @@ class Connection : private httplib::Server {
   void RefuseBody(httplib::Response& response) const;
   void Answer(const httplib::Request& request, httplib::Response& response);
 
+  // Empty if the request asks for an unknown one.
+  std::optional<Fault> FaultFor(const httplib::Request& request);
+
+  ServerState& state_;
   ClientSocket socket_;
   EngineStream stream_;
-  Dispatcher& dispatcher_;
-  RequestLog& log_;
-  const std::uint64_t max_body_size_;
 
   // The state of the current request.
   Fault fault_;

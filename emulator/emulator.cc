@@ -7,13 +7,14 @@
 namespace stowra_emulator {
 
 Emulator::Emulator(const EmulatorOptions& options)
-    : dispatcher_(options.database_file),
-      log_(options.log),
-      listener_(options.port, stop_,
-                [this, max_body_size = options.max_body_size](FileDescriptor client) {
-                  Connection(std::move(client), stop_, dispatcher_, log_, max_body_size).Serve();
-                }) {}
+    : state_(options),
+      listener_(SocketAddress(options.address, options.port), state_.stop,
+                [this](FileDescriptor client) { Connection(std::move(client), state_).Serve(); }) {}
 
-std::string Emulator::url() const { return "http://127.0.0.1:" + std::to_string(port()); }
+std::string Emulator::url() const {
+  return (state_.tls ? "https://" : "http://") + listener_.address().ToString();
+}
+
+std::string Emulator::ca_file() const { return state_.tls ? state_.tls->ca_file() : std::string(); }
 
 }  // namespace stowra_emulator

@@ -44,8 +44,9 @@ ssize_t EngineStream::write(const char* data, std::size_t size) {
 }
 
 void EngineStream::get_local_ip_and_port(std::string& address, int& port) const {
-  address = "127.0.0.1";
-  port = socket_.LocalPort();
+  const SocketAddress local = socket_.LocalAddress();
+  address = local.host();
+  port = local.port();
 }
 
 }  // namespace stowra_emulator

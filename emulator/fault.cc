@@ -74,7 +74,7 @@ std::optional<Fault> WithoutArgument(Kind kind) {
 void AnswerStatus(int status, httplib::Response& response) {
   const bool has_body = status >= 200 && status != 204 && status != 304;
   if (has_body) {
-    SetError(response, status, "the request asked for this status");
+    SetError(response, status, "this status is a fault on purpose");
   } else {
     response.status = status;
   }
@@ -116,8 +116,11 @@ std::optional<Fault> ParseFault(std::string_view text) {
       std::find_if(Faults().begin(), Faults().end(),
                    [name](const FaultDescription& fault) { return fault.name == name; });
   if (found == Faults().end()) return std::nullopt;
-  return colon == std::string_view::npos ? WithoutArgument(found->kind)
-                                         : WithArgument(found->kind, text.substr(colon + 1));
+  std::optional<Fault> fault = colon == std::string_view::npos
+                                   ? WithoutArgument(found->kind)
+                                   : WithArgument(found->kind, text.substr(colon + 1));
+  if (fault) fault->text = text;
+  return fault;
 }
 
 bool AnswerInstead(const Fault& fault, const httplib::Request& request,

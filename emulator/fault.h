@@ -1,4 +1,4 @@
-// The faults that a client can ask for with `?fault=...`.
+// What can be done to a response on purpose.
 
 #ifndef EMULATOR_FAULT_H_
 #define EMULATOR_FAULT_H_
@@ -27,6 +27,7 @@ struct Fault {
   };
 
   Kind kind = Kind::kNone;
+  std::string text;                    // As ParseFault read it.
   int status = 0;                      // Of kStatus.
   std::chrono::milliseconds pause{0};  // Of kStall, before the response; of kDrip, between bytes.
 };

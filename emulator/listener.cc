@@ -1,6 +1,5 @@
 #include "emulator/listener.h"
 
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -21,21 +20,16 @@ constexpr std::chrono::hours kNoTimeout(24);
 // The pause after the system had no descriptor or memory for a connection.
 constexpr std::chrono::milliseconds kAcceptRetry(50);
 
-FileDescriptor Listen(std::uint16_t port) {
-  const auto fail = [port](const char* what) {
-    throw std::system_error(errno, std::generic_category(),
-                            what + std::string(" 127.0.0.1:") + std::to_string(port));
+FileDescriptor Listen(const SocketAddress& address) {
+  const auto fail = [&address](const char* what) {
+    throw std::system_error(errno, std::generic_category(), what + (" " + address.ToString()));
   };
-  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+  FileDescriptor socket(::socket(address.family(), SOCK_STREAM, 0));
   if (socket.get() < 0) fail("cannot create a socket for");
   // Allows a port that a recent run used, but none that another program listens on.
   const int on = 1;
   ::setsockopt(socket.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0 ||
+  if (::bind(socket.get(), address.data(), address.size()) != 0 ||
       ::listen(socket.get(), SOMAXCONN) != 0) {
     fail("cannot listen on");
   }
@@ -43,19 +37,13 @@ FileDescriptor Listen(std::uint16_t port) {
   return socket;
 }
 
-std::uint16_t PortOf(const FileDescriptor& socket) {
-  sockaddr_in address = {};
-  socklen_t size = sizeof(address);
-  if (::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-    throw std::system_error(errno, std::generic_category(), "getsockname");
-  }
-  return ntohs(address.sin_port);
-}
-
 }  // namespace
 
-Listener::Listener(std::uint16_t port, const StopEvent& stop, Serve serve)
-    : socket_(Listen(port)), port_(PortOf(socket_)), stop_(stop), serve_(std::move(serve)) {
+Listener::Listener(const SocketAddress& address, const StopEvent& stop, Serve serve)
+    : socket_(Listen(address)),
+      address_(SocketAddress::OfSocket(socket_.get())),
+      stop_(stop),
+      serve_(std::move(serve)) {
   // If a client has left, send then fails and the process goes on.
   std::signal(SIGPIPE, SIG_IGN);
   accepting_ = std::thread([this] { AcceptAll(); });

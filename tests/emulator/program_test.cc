@@ -100,8 +100,8 @@ TEST(ProgramTest, CreatesAndReusesDatabaseFile) {
 
 TEST(ProgramTest, WrongUsageEndsWithStatusTwo) {
   const std::vector<std::vector<std::string>> usages = {
-      {"--nope"},          {"extra"},        {"--port"},    {"--port", "x"},
-      {"--port", "65536"}, {"--port", "-1"}, {"--database"}};
+      {"--nope"},       {"extra"},      {"--port"},  {"--port", "x"},        {"--port", "65536"},
+      {"--port", "-1"}, {"--database"}, {"--fault"}, {"--fault", "/update"}, {"--seed", "x"}};
   for (const std::vector<std::string>& usage : usages) {
     ChildProgram program(kProgram, usage);
     EXPECT_EQ(program.Wait(), 2) << usage[0];
@@ -110,12 +110,58 @@ TEST(ProgramTest, WrongUsageEndsWithStatusTwo) {
   }
 }
 
+TEST(ProgramTest, WrongFaultIsUsageErrorThatListsWhatExists) {
+  ChildProgram route(kProgram, {"--fault", "/nope=reset"});
+  EXPECT_EQ(route.Wait(), 2);
+  EXPECT_THAT(route.ReadErrors(),
+              MatchesRegex("stowra-emulator: --fault: no route '/nope'; [^\n]*/update[^\n]*\n"));
+  ChildProgram kind(kProgram, {"--fault", "/update=nope"});
+  EXPECT_EQ(kind.Wait(), 2);
+  EXPECT_THAT(kind.ReadErrors(),
+              MatchesRegex("stowra-emulator: --fault: no fault 'nope'; [^\n]*status:CODE[^\n]*\n"));
+}
+
+TEST(ProgramTest, PlaysFaultsThatTheSeedRepeats) {
+  std::vector<std::vector<int>> runs;
+  for (const char* seed : {"5", "5", "6"}) {
+    ChildProgram program(kProgram, {"--fault", "/update=status:503@50", "--fault",
+                                    "/search=status:404", "--seed", seed, "--quiet"});
+    const std::string url = program.ReadLine();
+    EXPECT_EQ(GetStatus(url, "/search"), 404);
+    std::vector<int>& statuses = runs.emplace_back();
+    for (int i = 0; i < 24; ++i) statuses.push_back(GetStatus(url, "/update"));
+  }
+  EXPECT_EQ(runs[0], runs[1]);
+  EXPECT_NE(runs[0], runs[2]);
+  EXPECT_THAT(runs[0], testing::IsSupersetOf({200, 503}));
+}
+
+TEST(ProgramTest, TlsPrintsAddressThenCaFile) {
+  ChildProgram program(kProgram, {"--tls", "--quiet"});
+  const std::string url = program.ReadLine();
+  EXPECT_THAT(url, StartsWith("https://127.0.0.1:"));
+  const std::string ca_file = program.ReadLine();
+  httplib::Client client(url);
+  client.set_ca_cert_path(ca_file);
+  EXPECT_EQ(client.Get("/user-info")->status, 200);
+  program.Signal(SIGTERM);
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_FALSE(std::filesystem::exists(ca_file));
+}
+
+TEST(ProgramTest, PrintsVersion) {
+  ChildProgram program(kProgram, {"--version"});
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_EQ(program.ReadOutput(), "stowra-emulator " STOWRA_VERSION "\n");
+}
+
 TEST(ProgramTest, HelpBeginsWithExamples) {
   ChildProgram program(kProgram, {"--help"});
   EXPECT_EQ(program.Wait(), 0);
   const std::string help = program.ReadOutput();
   EXPECT_THAT(help, StartsWith("Examples:\n"));
-  for (const char* option : {"--port", "--database", "--quiet"}) {
+  for (const char* option :
+       {"--port", "--listen", "--tls", "--database", "--fault", "--seed", "--quiet", "--version"}) {
     EXPECT_THAT(help, HasSubstr(option));
   }
 }

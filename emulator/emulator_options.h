@@ -1,0 +1,29 @@
+// What an emulator can be told.
+
+#ifndef EMULATOR_EMULATOR_OPTIONS_H_
+#define EMULATOR_EMULATOR_OPTIONS_H_
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "emulator/fault_plan.h"
+
+namespace stowra_emulator {
+
+struct EmulatorOptions {
+  std::string address = "127.0.0.1";  // The IP address to listen on.
+  std::uint16_t port = 0;             // 0 takes any free port.
+  bool use_tls = false;               // With a certificate of this run.
+  std::string database_file;          // Empty keeps the data in memory.
+  std::vector<FaultRule> faults;
+  std::uint64_t seed = 1;       // Of the faults' percentages.
+  std::ostream* log = nullptr;  // Gets a line for each request. Must outlive the emulator.
+  // Of a request, as sent (bytes). SQLite takes no value of more than 10^9 bytes.
+  std::uint64_t max_body_size = 512 << 20;
+};
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_EMULATOR_OPTIONS_H_

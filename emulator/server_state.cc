@@ -1,0 +1,14 @@
+#include "emulator/server_state.h"
+
+namespace stowra_emulator {
+
+ServerState::ServerState(const EmulatorOptions& options)
+    : dispatcher(options.database_file),
+      faults(options.seed),
+      log(options.log),
+      max_body_size(options.max_body_size) {
+  if (options.use_tls) tls.emplace(options.address);
+  for (const FaultRule& rule : options.faults) faults.Add(rule);
+}
+
+}  // namespace stowra_emulator

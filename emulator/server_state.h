@@ -1,0 +1,34 @@
+// What all connections share.
+
+#ifndef EMULATOR_SERVER_STATE_H_
+#define EMULATOR_SERVER_STATE_H_
+
+#include <cstdint>
+#include <optional>
+
+#include "emulator/dispatcher.h"
+#include "emulator/emulator_options.h"
+#include "emulator/fault_plan.h"
+#include "emulator/request_log.h"
+#include "emulator/stop_event.h"
+#include "emulator/tls_identity.h"
+
+namespace stowra_emulator {
+
+struct ServerState {
+  // Throws what its members throw.
+  explicit ServerState(const EmulatorOptions& options);
+
+  SSL_CTX* tls_context() const { return tls ? &tls->context() : nullptr; }
+
+  StopEvent stop;
+  std::optional<TlsIdentity> tls;
+  Dispatcher dispatcher;
+  FaultPlan faults;
+  RequestLog log;
+  const std::uint64_t max_body_size;
+};
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_SERVER_STATE_H_

@@ -1,0 +1,134 @@
+#include "emulator/fault_plan.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "emulator/emulator.h"
+
+namespace stowra_emulator {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+const std::vector<std::string> kRoutes = {"/update", "/search"};
+
+FaultRule Rule(const std::string& text) { return ParseFaultRule(text, {}); }
+
+std::string RefusalOf(const std::string& text) {
+  try {
+    ParseFaultRule(text, kRoutes);
+  } catch (const std::invalid_argument& error) {
+    return error.what();
+  }
+  return std::string();
+}
+
+std::vector<int> StatusesOf(FaultPlan& plan, const std::string& path, int requests) {
+  std::vector<int> statuses;
+  for (int i = 0; i < requests; ++i) statuses.push_back(plan.Draw(path).status);
+  return statuses;
+}
+
+TEST(FaultRuleTest, ReadsRouteFaultAndPercentage) {
+  const FaultRule rule = ParseFaultRule("/update=status:503@25", kRoutes);
+  EXPECT_EQ(rule.route, "/update");
+  EXPECT_EQ(rule.fault.kind, Fault::Kind::kStatus);
+  EXPECT_EQ(rule.fault.status, 503);
+  EXPECT_EQ(rule.percent, 25);
+  EXPECT_EQ(rule.ToString(), "/update=status:503@25");
+  EXPECT_EQ(ParseFaultRule("*=drip", kRoutes).ToString(), "*=drip");
+  EXPECT_EQ(ParseFaultRule("/search=reset@100", kRoutes).percent, 100);
+}
+
+TEST(FaultRuleTest, RefusalListsWhatExists) {
+  EXPECT_THAT(RefusalOf("/nope=reset"), AllOf(HasSubstr("'/nope'"), HasSubstr("*, /update, /sea")));
+  for (const char* text : {"/update=bogus", "/update=", "/update=status", "/update=@50"}) {
+    EXPECT_THAT(RefusalOf(text), HasSubstr("status:CODE, stall:SECONDS")) << text;
+  }
+  for (const char* text : {"/update", "=reset", ""}) {
+    EXPECT_THAT(RefusalOf(text), HasSubstr("ROUTE=KIND")) << text;
+  }
+  for (const char* text : {"/update=reset@", "/update=reset@0", "/update=reset@101",
+                           "/update=reset@x", "/update=reset@5%", "/update=reset@5@5"}) {
+    EXPECT_THAT(RefusalOf(text), HasSubstr("from @1 to @100")) << text;
+  }
+}
+
+TEST(FaultRuleTest, AnyPathIsARouteWhereNoneAreListed) {
+  EXPECT_EQ(ParseFaultRule("/any/path=reset", {}).route, "/any/path");
+  EXPECT_THROW(ParseFaultRule("any=reset", {}), std::invalid_argument);
+}
+
+TEST(FaultPlanTest, MeetsOnlyItsRoute) {
+  FaultPlan plan(1);
+  plan.Add(Rule("/update=status:503"));
+  EXPECT_EQ(plan.Draw("/update").status, 503);
+  EXPECT_EQ(plan.Draw("/search").kind, Fault::Kind::kNone);
+  EXPECT_EQ(plan.Draw("/update/").kind, Fault::Kind::kNone);
+}
+
+TEST(FaultPlanTest, FirstRuleThatStrikesDecides) {
+  FaultPlan plan(1);
+  plan.Add(Rule("/update=status:501"));
+  plan.Add(Rule("*=status:502"));
+  EXPECT_EQ(plan.Draw("/update").status, 501);
+  EXPECT_EQ(plan.Draw("/search").status, 502);
+}
+
+TEST(FaultPlanTest, PercentageMeetsAboutThatMany) {
+  FaultPlan plan(1);
+  plan.Add(Rule("/update=status:503@25"));
+  int met = 0;
+  for (const int status : StatusesOf(plan, "/update", 10000)) met += status == 503 ? 1 : 0;
+  EXPECT_GT(met, 2300);
+  EXPECT_LT(met, 2700);
+}
+
+TEST(FaultPlanTest, SeedRepeatsARun) {
+  FaultPlan first(7);
+  FaultPlan second(7);
+  FaultPlan other(8);
+  for (FaultPlan* plan : {&first, &second, &other}) plan->Add(Rule("/update=status:503@50"));
+  StatusesOf(second, "/search", 3);  // Requests to other routes change nothing.
+  const std::vector<int> statuses = StatusesOf(first, "/update", 64);
+  EXPECT_EQ(StatusesOf(second, "/update", 64), statuses);
+  EXPECT_NE(StatusesOf(other, "/update", 64), statuses);
+}
+
+TEST(FaultPlanTest, SwitchesAndRemovesRules) {
+  FaultPlan plan(1);
+  plan.Add(Rule("/update=status:501"));
+  plan.Add(Rule("/update=status:502"));
+  const int first = plan.Entries().at(0).id;
+  plan.Switch(first, false);
+  EXPECT_FALSE(plan.Entries().at(0).is_on);
+  EXPECT_EQ(plan.Draw("/update").status, 502);
+  plan.Switch(first, true);
+  EXPECT_EQ(plan.Draw("/update").status, 501);
+  plan.Remove(first);
+  ASSERT_EQ(plan.Entries().size(), 1u);
+  EXPECT_EQ(plan.Draw("/update").status, 502);
+  plan.Switch(first, false);
+  plan.Remove(first);
+  EXPECT_EQ(plan.Draw("/update").status, 502);
+}
+
+TEST(FaultPlanTest, EmulatorPlaysRulesForUnchangedRequests) {
+  EmulatorOptions options;
+  options.faults = {Rule("/update=status:503"), Rule("/user-info=truncate"), Rule("*=status:418")};
+  const Emulator emulator(options);
+  httplib::Client client(emulator.url());
+  EXPECT_EQ(client.Get("/update")->status, 503);
+  EXPECT_FALSE(client.Get("/user-info"));
+  EXPECT_EQ(client.Get("/search?q=chair")->status, 418);
+  EXPECT_EQ(client.Get("/update?fault=status:502")->status, 502) << "the request's own fault";
+}
+
+}  // namespace
+}  // namespace stowra_emulator

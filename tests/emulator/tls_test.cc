@@ -1,0 +1,118 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "emulator/emulator.h"
+#include "tests/emulator/raw_client.h"
+
+namespace stowra_emulator {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+EmulatorOptions WithTls() {
+  EmulatorOptions options;
+  options.use_tls = true;
+  return options;
+}
+
+class TlsTest : public testing::Test {
+ protected:
+  TlsTest() { client_.set_ca_cert_path(emulator_.ca_file()); }
+
+  const Emulator emulator_{WithTls()};
+  httplib::Client client_{emulator_.url()};
+};
+
+TEST_F(TlsTest, ClientThatTrustsTheCaFileIsServed) {
+  EXPECT_THAT(emulator_.url(), StartsWith("https://127.0.0.1:"));
+  const httplib::Result result = client_.Get("/user-info");
+  ASSERT_TRUE(result) << httplib::to_string(result.error());
+  EXPECT_THAT(result->body, HasSubstr("u-1001"));
+  httplib::Client by_name("https://localhost:" + std::to_string(emulator_.port()));
+  by_name.set_ca_cert_path(emulator_.ca_file());
+  EXPECT_TRUE(by_name.Get("/user-info"));
+}
+
+TEST_F(TlsTest, OtherClientsRefuseTheCertificate) {
+  httplib::Client other(emulator_.url());
+  const httplib::Result result = other.Get("/user-info");
+  ASSERT_FALSE(result);
+  EXPECT_EQ(result.error(), httplib::Error::SSLServerVerification);
+}
+
+TEST_F(TlsTest, AddressesInAnswersAreSecure) {
+  EXPECT_THAT(client_.Get("/search?count=1")->body,
+              HasSubstr("href=\"https://127.0.0.1:" + std::to_string(emulator_.port())));
+}
+
+TEST_F(TlsTest, LargeBodiesPassBothWays) {
+  std::string bytes(3 << 20, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * i >> 8);
+  const httplib::Result posted =
+      client_.Post("/upload", {{"name", "Large", "", ""},
+                               {"subjectId", "m42", "", ""},
+                               {"subjectClass", "entity", "", ""},
+                               {"binary", bytes, "large.bin", "application/octet-stream"}});
+  ASSERT_TRUE(posted);
+  ASSERT_EQ(posted->status, 201);
+  EXPECT_TRUE(client_.Get("/download?mid=m-1101&rtyp=o")->body == bytes);
+}
+
+TEST_F(TlsTest, TakesFaults) {
+  EXPECT_EQ(client_.Get("/update?fault=status:503")->status, 503);
+  EXPECT_FALSE(client_.Get("/update?fault=truncate"));
+  EXPECT_FALSE(client_.Get("/update?fault=reset"));
+  EXPECT_EQ(client_.Get("/update?fault=drip:0")->status, 200);
+}
+
+TEST_F(TlsTest, PlainClientIsTurnedAway) {
+  RawClient plain(emulator_.port());
+  plain.Send("GET /user-info HTTP/1.1\r\n\r\n");
+  EXPECT_THAT(plain.ReadToEnd(), testing::Not(HasSubstr("HTTP/1.1 200")));
+  EXPECT_EQ(client_.Get("/user-info")->status, 200);
+}
+
+TEST(TlsStopTest, StopsDuringHandshakeAndStall) {
+  auto emulator = std::make_unique<Emulator>(WithTls());
+  const std::string ca_file = emulator->ca_file();
+  EXPECT_TRUE(std::filesystem::exists(ca_file));
+  RawClient silent(emulator->port());
+  RawClient half(emulator->port());
+  half.Send("\x16\x03\x01");
+  const auto start = steady_clock::now();
+  emulator.reset();
+  EXPECT_LT(steady_clock::now() - start, milliseconds(1000));
+  EXPECT_FALSE(std::filesystem::exists(ca_file));
+}
+
+TEST(ListenTest, ServesOnAnotherAddress) {
+  EmulatorOptions options;
+  options.address = "::1";
+  const Emulator emulator(options);
+  EXPECT_THAT(emulator.url(), StartsWith("http://[::1]:"));
+  httplib::Client client("::1", emulator.port());
+  ASSERT_TRUE(client.Get("/user-info"));
+  options.address = "127.0.0.2";
+  const Emulator second(options);
+  EXPECT_THAT(second.url(), StartsWith("http://127.0.0.2:"));
+  EXPECT_EQ(httplib::Client(second.url()).Get("/user-info")->status, 200);
+}
+
+TEST(ListenTest, RefusesAddressThatIsNoIpAddress) {
+  EmulatorOptions options;
+  options.address = "localhost";
+  EXPECT_THROW(Emulator{options}, std::runtime_error);
+}
+
+}  // namespace
+}  // namespace stowra_emulator
