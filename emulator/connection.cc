@@ -3,13 +3,11 @@
 #include <chrono>
 #include <cstdint>
 #include <exception>
-#include <limits>
-#include <optional>
-#include <string>
 #include <utility>
 
-#include "emulator/delivery.h"
 #include "emulator/json_reply.h"
+#include "emulator/range.h"
+#include "emulator/route.h"
 
 namespace stowra_emulator {
 namespace {
@@ -25,47 +23,53 @@ bool HasBody(const httplib::Request& request) {
   return request.has_header("Transfer-Encoding") || DeclaredSize(request) > 0;
 }
 
-// The methods whose body the engine reads.
-bool MayHaveBody(const std::string& method) {
-  return method == "POST" || method == "PUT" || method == "PATCH" || method == "DELETE";
+std::uint64_t SizeOf(const httplib::Response& response) {
+  return response.body.empty() ? response.content_length_ : response.body.size();
 }
 
 }  // namespace
 
 Connection::Connection(FileDescriptor socket, ServerState& state)
-    : state_(state), socket_(std::move(socket), state.stop, state.tls_context()), stream_(socket_) {
+    : state_(state),
+      socket_(std::move(socket), state.stop, state.tls_context()),
+      delivery_(socket_),
+      stream_(socket_, delivery_) {
+  // The engine calls content providers only if it believes that it listens.
+  svr_sock_ = 0;
+  set_default_headers({{"Accept-Ranges", "none"}, {"X-Content-Type-Options", "nosniff"}});
   // The engine only tells the client these limits. Serve enforces them.
   set_keep_alive_timeout(kIdleTimeout.count());
   set_keep_alive_max_count(kMaxRequests);
-  set_default_headers({{"Accept-Ranges", "none"}});
+  SetHandlers();
+}
 
+void Connection::SetHandlers() {
   const Handler answer = [this](const httplib::Request& request, httplib::Response& response) {
-    Answer(request, response);
+    // The engine would take an unread body for the next request.
+    request_was_read_ = !HasBody(request);
+    Answer(request, RequestBody(), response);
   };
+  const HandlerWithContentReader answer_with_body =
+      [this](const httplib::Request& request, httplib::Response& response,
+             const httplib::ContentReader& reader) { AnswerWithBody(request, reader, response); };
   const std::string every_path = R"([\s\S]*)";
   Get(every_path, answer);
-  Post(every_path, answer);
-  Put(every_path, answer);
-  Patch(every_path, answer);
-  Delete(every_path, answer);
   Options(every_path, answer);
+  Post(every_path, answer_with_body);
+  Put(every_path, answer_with_body);
+  Patch(every_path, answer_with_body);
+  Delete(every_path, answer_with_body);
 
-  // Runs before the engine reads the body.
   set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-    if (!HasOversizedBody(request)) return HandlerResponse::Unhandled;
-    RefuseBody(response);
-    return HandlerResponse::Handled;
+    return RefuseEarly(request, response);
   });
   // Runs for every error status. Without a body it is a refusal by the engine itself.
-  set_error_handler(Handler([this](const httplib::Request&, httplib::Response& response) {
-    if (stream_.WantsMoreInput()) {
-      RefuseBody(response);
-    } else if (response.body.empty()) {
-      SetError(response, response.status, "cannot serve this request");
-    }
+  set_error_handler(Handler([](const httplib::Request&, httplib::Response& response) {
+    if (response.body.empty()) SetError(response, response.status, "cannot serve this request");
   }));
-  set_logger([this](const httplib::Request& request, const httplib::Response& response) {
-    log_entry_ = {request.method, request.target, response.status, 0};
+  // Runs just before the engine writes a response.
+  set_post_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+    BeginDelivery(request, response);
   });
 }
 
@@ -77,19 +81,37 @@ void Connection::Serve() {
 
 bool Connection::ServeRequest(bool is_last) {
   if (!stream_.WaitForInput(kIdleTimeout)) return false;
-  stream_.AllowInput(std::numeric_limits<std::uint64_t>::max());
   fault_ = Fault();
+  log_entry_ = LogEntry();
   request_was_read_ = false;
+  delivery_.Reset();
+  if (!ReadHead()) return false;
   bool close_was_asked = false;
-  process_request(stream_, is_last, close_was_asked,
-                  [this](httplib::Request& request) { PrepareRequest(request); });
-  const std::string response = stream_.TakeResponse();
-  if (response.empty()) return false;
-
-  const Delivery delivery = Deliver(response, fault_, socket_);
-  log_entry_.body_bytes = delivery.body_bytes;
+  const bool was_written =
+      process_request(stream_, is_last, close_was_asked,
+                      [this](httplib::Request& request) { PrepareRequest(request); });
+  if (!delivery_.has_begun()) return false;
+  log_entry_.body_bytes = delivery_.body_bytes();
   state_.log.Write(log_entry_);
-  return delivery.may_continue && request_was_read_ && !close_was_asked && !is_last;
+  return was_written && delivery_.may_continue() && request_was_read_ && !close_was_asked &&
+         !is_last;
+}
+
+bool Connection::ReadHead() {
+  std::string head;
+  const EngineStream::HeadResult result = stream_.ReadHead(state_.limits, head);
+  if (result == EngineStream::HeadResult::kClosed) return false;
+  head_is_too_large_ = result == EngineStream::HeadResult::kTooLarge;
+  if (head_is_too_large_) {
+    // The engine answers the request line alone.
+    head.resize(head.find('\n') + 1);
+    head += "Connection: close\r\n\r\n";
+  } else if (result == EngineStream::HeadResult::kLongRequestLine) {
+    head += "\r\n\r\n";
+  }
+  HideRange(head);
+  stream_.SetHead(std::move(head));
+  return true;
 }
 
 void Connection::PrepareRequest(httplib::Request& request) {
@@ -100,7 +122,7 @@ void Connection::PrepareRequest(httplib::Request& request) {
   }
   request.ranges.clear();
   if (state_.tls) request.set_header("X-Forwarded-Proto", "https");
-  stream_.AllowInput(state_.max_body_size);
+  stream_.LimitBody(BodyLimit(request));
   if (HasOversizedBody(request)) {
     // Nobody reads this body, so the client gets no "100 Continue".
     request.headers.erase("Expect");
@@ -109,18 +131,59 @@ void Connection::PrepareRequest(httplib::Request& request) {
   }
 }
 
+std::uint64_t Connection::BodyLimit(const httplib::Request& request) const {
+  const Route* route = FindRoute(request.method, request.path);
+  const bool takes_files = route != nullptr && route->takes_files;
+  return takes_files ? state_.limits.upload : state_.limits.body;
+}
+
 bool Connection::HasOversizedBody(const httplib::Request& request) const {
-  return DeclaredSize(request) > state_.max_body_size;
+  return DeclaredSize(request) > BodyLimit(request);
 }
 
-void Connection::RefuseBody(httplib::Response& response) const {
+void Connection::RefuseBody(const httplib::Request& request, httplib::Response& response) const {
+  response.set_header("Connection", "close");
   SetError(response, 413,
-           "a body of more than " + std::to_string(state_.max_body_size) + " bytes is refused");
+           "a body of more than " + std::to_string(BodyLimit(request)) + " bytes is refused");
 }
 
-void Connection::Answer(const httplib::Request& request, httplib::Response& response) {
-  // The engine would take an unread body for the next request.
-  request_was_read_ = MayHaveBody(request.method) || !HasBody(request);
+Connection::HandlerResponse Connection::RefuseEarly(const httplib::Request& request,
+                                                    httplib::Response& response) {
+  if (head_is_too_large_) {
+    SetError(response, 431,
+             "a header field of more than " + std::to_string(state_.limits.head_line) +
+                 " bytes, or more than " + std::to_string(state_.limits.head) +
+                 " bytes of header, is refused");
+  } else if (HasOversizedBody(request)) {
+    RefuseBody(request, response);
+  } else {
+    return HandlerResponse::Unhandled;
+  }
+  return HandlerResponse::Handled;
+}
+
+void Connection::AnswerWithBody(const httplib::Request& request,
+                                const httplib::ContentReader& reader, httplib::Response& response) {
+  RequestBody body;
+  BodyResult result;
+  try {
+    result = ReadBody(request, reader, state_.limits, state_.dispatcher.spool_folder(), body);
+  } catch (const std::exception& error) {
+    SetError(response, 500, error.what());
+    return;
+  }
+  if (result == BodyResult::kTooLarge || stream_.BodyIsTooLarge()) {
+    RefuseBody(request, response);
+  } else if (result == BodyResult::kMalformed) {
+    SetError(response, 400, "the body is malformed or incomplete");
+  } else {
+    request_was_read_ = true;
+    Answer(request, body, response);
+  }
+}
+
+void Connection::Answer(const httplib::Request& request, const RequestBody& body,
+                        httplib::Response& response) {
   try {
     const std::optional<Fault> fault = FaultFor(request);
     if (!fault) {
@@ -128,10 +191,17 @@ void Connection::Answer(const httplib::Request& request, httplib::Response& resp
       return;
     }
     fault_ = *fault;
-    if (!AnswerInstead(fault_, request, response)) state_.dispatcher.Answer(request, response);
+    if (!AnswerInstead(fault_, request, response)) {
+      state_.dispatcher.Answer(request, body, response);
+    }
   } catch (const std::exception& error) {
     SetError(response, 500, error.what());
   }
+}
+
+void Connection::BeginDelivery(const httplib::Request& request, const httplib::Response& response) {
+  log_entry_ = {request.method, request.target, response.status, 0};
+  delivery_.Begin(fault_, request.method == "HEAD" ? 0 : SizeOf(response));
 }
 
 std::optional<Fault> Connection::FaultFor(const httplib::Request& request) {

@@ -8,7 +8,7 @@ namespace {
 
 // They mark a file as made by this program, with this version of the tables.
 constexpr int kApplicationId = 0x53746577;
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
 constexpr int kBusyTimeoutMilliseconds = 2000;
 
@@ -31,16 +31,8 @@ Statement& Statement::Bind(int parameter, std::string_view text) {
   return *this;
 }
 
-Statement& Statement::BindInt(int parameter, int number) {
-  Check(database_, sqlite3_bind_int(statement_.get(), parameter, number));
-  return *this;
-}
-
-Statement& Statement::BindBytes(int parameter, std::string_view bytes) {
-  // A null pointer would bind NULL.
-  const char* data = bytes.empty() ? "" : bytes.data();
-  Check(database_,
-        sqlite3_bind_blob64(statement_.get(), parameter, data, bytes.size(), SQLITE_STATIC));
+Statement& Statement::BindInt(int parameter, std::int64_t number) {
+  Check(database_, sqlite3_bind_int64(statement_.get(), parameter, number));
   return *this;
 }
 
@@ -69,11 +61,8 @@ std::string Statement::Text(int column) const {
 
 int Statement::Int(int column) const { return sqlite3_column_int(statement_.get(), column); }
 
-std::string Statement::Bytes(int column) const {
-  const void* bytes = sqlite3_column_blob(statement_.get(), column);
-  if (bytes == nullptr) return std::string();
-  return std::string(static_cast<const char*>(bytes),
-                     static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
+std::int64_t Statement::Int64(int column) const {
+  return sqlite3_column_int64(statement_.get(), column);
 }
 
 Database::Database(const std::string& file) {

@@ -5,6 +5,7 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -22,11 +23,9 @@ class Statement {
  public:
   Statement(sqlite3* database, std::string_view sql);
 
-  // Each sets the parameter with this number, counted from 1. Text is copied. `bytes` are not, and
-  // must stay valid while the statement uses them.
+  // Each sets the parameter with this number, counted from 1. Text is copied.
   Statement& Bind(int parameter, std::string_view text);
-  Statement& BindInt(int parameter, int number);
-  Statement& BindBytes(int parameter, std::string_view bytes);
+  Statement& BindInt(int parameter, std::int64_t number);
   // For SQL functions that take a pointer of this type.
   Statement& BindPointer(int parameter, void* pointer, const char* type);
 
@@ -37,7 +36,7 @@ class Statement {
   bool IsNull(int column) const;
   std::string Text(int column) const;
   int Int(int column) const;
-  std::string Bytes(int column) const;
+  std::int64_t Int64(int column) const;
 
  private:
   struct Finalize {

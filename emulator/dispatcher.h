@@ -8,7 +8,9 @@
 #include <mutex>
 #include <string>
 
+#include "emulator/content/upload_store.h"
 #include "emulator/database.h"
+#include "emulator/request_body.h"
 
 namespace stowra_emulator {
 
@@ -16,15 +18,21 @@ namespace stowra_emulator {
 class Dispatcher {
  public:
   // Throws DatabaseError, as Database does.
-  explicit Dispatcher(const std::string& database_file) : database_(database_file) {}
+  explicit Dispatcher(const std::string& database_file)
+      : database_(database_file), uploads_(database_file) {}
 
   // Answers with the route's handler. Sets an error if no route matches or the handler throws a
   // RequestError. Other exceptions of a handler pass through.
-  void Answer(const httplib::Request& request, httplib::Response& response);
+  void Answer(const httplib::Request& request, const RequestBody& body,
+              httplib::Response& response);
+
+  // Where to put the files of a request.
+  std::string spool_folder() const { return uploads_.SpoolFolder(); }
 
  private:
   std::mutex mutex_;
   Database database_;
+  UploadStore uploads_;
 };
 
 }  // namespace stowra_emulator

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "emulator/fault_plan.h"
+#include "emulator/limits.h"
 
 namespace stowra_emulator {
 
@@ -20,8 +21,7 @@ struct EmulatorOptions {
   std::vector<FaultRule> faults;
   std::uint64_t seed = 1;       // Of the faults' percentages.
   std::ostream* log = nullptr;  // Gets a line for each request. Must outlive the emulator.
-  // Of a request, as sent (bytes). SQLite takes no value of more than 10^9 bytes.
-  std::uint64_t max_body_size = 512 << 20;
+  Limits limits;                // Of each request.
 };
 
 }  // namespace stowra_emulator

@@ -12,32 +12,41 @@
 #include <string>
 
 #include "emulator/client_socket.h"
+#include "emulator/delivery.h"
+#include "emulator/limits.h"
 
 namespace stowra_emulator {
 
-// Collects a whole response before it is sent, because a fault can affect all of it. For one
-// thread. The socket must outlive this object.
+// Reads the head of a request before the engine does, because the engine sets no limit to it. For
+// one thread. The socket and the delivery must outlive this object.
 class EngineStream : public httplib::Stream {
  public:
-  explicit EngineStream(ClientSocket& socket) : socket_(socket) {}
+  enum class HeadResult { kRead, kClosed, kLongRequestLine, kTooLarge };
+
+  EngineStream(ClientSocket& socket, Delivery& delivery) : socket_(socket), delivery_(delivery) {}
 
   // True if bytes or the end of the stream can be read.
   bool WaitForInput(std::chrono::milliseconds timeout) const;
 
-  // Allows `size` more bytes to be read. Reads beyond them fail.
-  void AllowInput(std::uint64_t size);
+  // Reads up to and including the empty line. Without it, `head` holds what came.
+  HeadResult ReadHead(const Limits& limits, std::string& head);
+
+  // The engine reads `head`, then up to `size` bytes from the socket. Reads beyond them fail.
+  void SetHead(std::string head);
+  void LimitBody(std::uint64_t size);
 
   // True if a read has failed because of that limit.
-  bool WantsMoreInput() const { return wants_more_input_; }
+  bool BodyIsTooLarge() const { return body_is_too_large_; }
 
-  // Hands out what was written since the last call.
-  std::string TakeResponse();
+  // The first bytes of the body, as sent.
+  const std::string& body_start() const { return body_start_; }
 
   bool is_readable() const override { return true; }
-  bool is_writable() const override { return true; }
+  bool is_writable() const override { return delivery_.may_continue(); }
 
-  // First sends what has been written: the client sends no body before it gets "100 Continue".
   ssize_t read(char* data, std::size_t size) override;
+
+  // Goes to the delivery once it has begun. Before that it is an interim response.
   ssize_t write(const char* data, std::size_t size) override;
 
   void get_remote_ip_and_port(std::string&, int&) const override {}
@@ -47,13 +56,19 @@ class EngineStream : public httplib::Stream {
   socket_t socket() const override { return INVALID_SOCKET; }
 
  private:
+  bool Fill();
+  ssize_t ReadBody(char* data, std::size_t size);
+
   ClientSocket& socket_;
-  std::array<char, 8192> input_;
+  Delivery& delivery_;
+  std::array<char, 65536> input_;
   std::size_t input_position_ = 0;
   std::size_t input_end_ = 0;
-  std::uint64_t allowed_input_ = 0;
-  bool wants_more_input_ = false;
-  std::string response_;
+  std::string head_;
+  std::size_t head_position_ = 0;
+  std::uint64_t allowed_body_ = 0;
+  bool body_is_too_large_ = false;
+  std::string body_start_;
 };
 
 }  // namespace stowra_emulator

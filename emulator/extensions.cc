@@ -67,9 +67,8 @@ ordered_json StatusOf(const ordered_json& extension, Database& database) {
 
 }  // namespace
 
-void AnswerExtensions(const httplib::Request& request, Database& database,
-                      httplib::Response& response) {
-  const std::optional<ordered_json> asked = ParseRequest(request.body);
+void AnswerExtensions(const Call& call, httplib::Response& response) {
+  const std::optional<ordered_json> asked = ParseRequest(call.body.text);
   if (!asked) {
     SetError(response, 400,
              R"(the body must be JSON such as {"extensions": [{"id": "...", "version": "1.0"}]})");
@@ -77,7 +76,7 @@ void AnswerExtensions(const httplib::Request& request, Database& database,
   }
   ordered_json statuses = ordered_json::array();
   for (const ordered_json& extension : *asked) {
-    ordered_json status = StatusOf(extension, database);
+    ordered_json status = StatusOf(extension, call.database);
     if (!status.is_null()) statuses.push_back(std::move(status));
   }
   SetJson(response, {{"extensions", statuses}});

@@ -7,7 +7,7 @@
 
 namespace stowra_emulator {
 
-void AnswerIndex(const httplib::Request&, Database&, httplib::Response& response) {
+void AnswerIndex(const Call&, httplib::Response& response) {
   std::ostringstream page;
   page << std::left << "stowra-emulator: local services to develop and test against\n\nRoutes\n";
   for (const Route& route : Routes()) {

@@ -3,7 +3,7 @@
 #ifndef EMULATOR_REQUEST_LOG_H_
 #define EMULATOR_REQUEST_LOG_H_
 
-#include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <ostream>
 #include <string>
@@ -14,7 +14,7 @@ struct LogEntry {
   std::string method;
   std::string target;  // Path and query, as sent.
   int status = 0;
-  std::size_t body_bytes = 0;  // Bytes of the body that were sent.
+  std::uint64_t body_bytes = 0;  // Bytes of the body that were sent.
 };
 
 // Safe from any thread.

@@ -5,27 +5,31 @@
 
 #include <httplib.h>
 
+#include <string>
 #include <vector>
 
-#include "emulator/database.h"
+#include "emulator/call.h"
 
 namespace stowra_emulator {
 
-// Answers one request from the database. Sets a status only if it is not 200. Handlers run one at a
+// Answers one request. Sets a status only if it is not 200. Handlers run one at a
 // time, so they need no locks. An exception replaces the answer: a RequestError gives its status
 // and text, any other gives status 500.
-using Handler = void (*)(const httplib::Request& request, Database& database,
-                         httplib::Response& response);
+using Handler = void (*)(const Call& call, httplib::Response& response);
 
 struct Route {
   const char* method;  // "GET" also answers HEAD.
   const char* path;
   Handler handler;
   const char* description;
+  bool takes_files = false;  // True allows bodies of any size.
 };
 
 // All routes.
 const std::vector<Route>& Routes();
+
+// Null if no route has this method and path. HEAD finds the route of GET.
+const Route* FindRoute(const std::string& method, const std::string& path);
 
 }  // namespace stowra_emulator
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "emulator/route.h"
 #include "emulator/services.h"
 
@@ -19,13 +21,21 @@ const std::vector<Route>& Routes() {
        "a PNG picture; ?mid=MID, &rtyp=st or lt for the size"},
       {"GET", "/upload-config", AnswerUploadConfig,
        "where to upload; ?name, type, task, priority, zipped=true, files=N"},
-      {"POST", "/upload", AnswerUpload, "a multipart form that becomes a model"},
+      {"POST", "/upload", AnswerUpload, "a multipart form that becomes a model", true},
       {"GET", "/upload-succeeded", AnswerUploadSucceeded,
        "a page to show after an upload; ?mid=MID"},
       {"GET", "/upload-failed", AnswerUploadFailed,
        "a page to show after a failed one; ?reason=TEXT"},
   };
   return routes;
+}
+
+const Route* FindRoute(const std::string& method, const std::string& path) {
+  const std::string wanted = method == "HEAD" ? "GET" : method;
+  const auto found = std::find_if(Routes().begin(), Routes().end(), [&](const Route& route) {
+    return wanted == route.method && path == route.path;
+  });
+  return found == Routes().end() ? nullptr : &*found;
 }
 
 }  // namespace stowra_emulator

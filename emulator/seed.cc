@@ -80,7 +80,8 @@ CREATE TABLE uploads (
   task          TEXT NOT NULL,
   priority      TEXT NOT NULL,
   is_zipped     INTEGER NOT NULL CHECK (is_zipped IN (0, 1)),
-  bytes         BLOB NOT NULL
+  size          INTEGER NOT NULL,       -- In bytes. The file itself is not in the database.
+  etag          TEXT NOT NULL
 );
 
 -- The words of the items. Symbols count as words, so a search can find an emoji.

@@ -6,7 +6,7 @@ ServerState::ServerState(const EmulatorOptions& options)
     : dispatcher(options.database_file),
       faults(options.seed),
       log(options.log),
-      max_body_size(options.max_body_size) {
+      limits(options.limits) {
   if (options.use_tls) tls.emplace(options.address);
   for (const FaultRule& rule : options.faults) faults.Add(rule);
 }

@@ -3,12 +3,12 @@
 #ifndef EMULATOR_SERVER_STATE_H_
 #define EMULATOR_SERVER_STATE_H_
 
-#include <cstdint>
 #include <optional>
 
 #include "emulator/dispatcher.h"
 #include "emulator/emulator_options.h"
 #include "emulator/fault_plan.h"
+#include "emulator/limits.h"
 #include "emulator/request_log.h"
 #include "emulator/stop_event.h"
 #include "emulator/tls_identity.h"
@@ -26,7 +26,7 @@ struct ServerState {
   Dispatcher dispatcher;
   FaultPlan faults;
   RequestLog log;
-  const std::uint64_t max_body_size;
+  const Limits limits;
 };
 
 }  // namespace stowra_emulator

@@ -5,44 +5,44 @@
 
 #include <httplib.h>
 
-#include "emulator/database.h"
+#include "emulator/call.h"
 
 namespace stowra_emulator {
 
 // A plain-text page that lists the routes and the faults.
-void AnswerIndex(const httplib::Request&, Database&, httplib::Response&);
+void AnswerIndex(const Call&, httplib::Response&);
 
 // The signed-in user, or the one with the uid `user`, as a JSON object.
-void AnswerUserInfo(const httplib::Request&, Database&, httplib::Response&);
+void AnswerUserInfo(const Call&, httplib::Response&);
 
 // The version offered, the message and the data files.
-void AnswerUpdate(const httplib::Request&, Database&, httplib::Response&);
+void AnswerUpdate(const Call&, httplib::Response&);
 
 // The state of each extension in the request that the store knows, in the request's order.
-void AnswerExtensions(const httplib::Request&, Database&, httplib::Response&);
+void AnswerExtensions(const Call&, httplib::Response&);
 
 // A page of search results: as an Atom feed, and as a web page.
-void AnswerSearch(const httplib::Request&, Database&, httplib::Response&);
-void AnswerSearchPage(const httplib::Request&, Database&, httplib::Response&);
+void AnswerSearch(const Call&, httplib::Response&);
+void AnswerSearchPage(const Call&, httplib::Response&);
 
 // A web page on the model `mid`.
-void AnswerModelPage(const httplib::Request&, Database&, httplib::Response&);
+void AnswerModelPage(const Call&, httplib::Response&);
 
 // The file of the model `mid`, in the rendition `rtyp`.
-void AnswerDownload(const httplib::Request&, Database&, httplib::Response&);
+void AnswerDownload(const Call&, httplib::Response&);
 
 // A picture of the model or collection `mid`.
-void AnswerThumbnail(const httplib::Request&, Database&, httplib::Response&);
+void AnswerThumbnail(const Call&, httplib::Response&);
 
 // What to upload and where.
-void AnswerUploadConfig(const httplib::Request&, Database&, httplib::Response&);
+void AnswerUploadConfig(const Call&, httplib::Response&);
 
 // Makes a model from the multipart form in the body.
-void AnswerUpload(const httplib::Request&, Database&, httplib::Response&);
+void AnswerUpload(const Call&, httplib::Response&);
 
 // Web pages to show after an upload.
-void AnswerUploadSucceeded(const httplib::Request&, Database&, httplib::Response&);
-void AnswerUploadFailed(const httplib::Request&, Database&, httplib::Response&);
+void AnswerUploadSucceeded(const Call&, httplib::Response&);
+void AnswerUploadFailed(const Call&, httplib::Response&);
 
 }  // namespace stowra_emulator
 

@@ -5,16 +5,16 @@
 
 namespace stowra_emulator {
 
-void AnswerUpdate(const httplib::Request&, Database& database, httplib::Response& response) {
+void AnswerUpdate(const Call& call, httplib::Response& response) {
   nlohmann::ordered_json json = nlohmann::ordered_json::object();
 
-  Statement version = database.Prepare(
+  Statement version = call.database.Prepare(
       "SELECT current_version, expire_version FROM application_versions ORDER BY id DESC LIMIT 1");
   if (version.Step()) {
     json["update"] = {{"current_version", version.Text(0)}, {"expire_version", version.Text(1)}};
   }
 
-  Statement message = database.Prepare(
+  Statement message = call.database.Prepare(
       "SELECT id, max_shows, width, height, title, url FROM messages ORDER BY id DESC LIMIT 1");
   if (message.Step()) {
     json["message"] = {{"id", message.Int(0)},     {"max_shows", message.Int(1)},
@@ -24,7 +24,7 @@ void AnswerUpdate(const httplib::Request&, Database& database, httplib::Response
 
   json["datafiles"] = nlohmann::ordered_json::array();
   Statement file =
-      database.Prepare("SELECT version, filename, url FROM data_files ORDER BY position");
+      call.database.Prepare("SELECT version, filename, url FROM data_files ORDER BY position");
   while (file.Step()) {
     json["datafiles"].push_back(
         {{"version", file.Int(0)}, {"filename", file.Text(1)}, {"url", file.Text(2)}});

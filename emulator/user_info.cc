@@ -22,11 +22,10 @@ Statement FindUser(const httplib::Request& request, Database& database) {
 
 }  // namespace
 
-void AnswerUserInfo(const httplib::Request& request, Database& database,
-                    httplib::Response& response) {
-  Statement user = FindUser(request, database);
+void AnswerUserInfo(const Call& call, httplib::Response& response) {
+  Statement user = FindUser(call.request, call.database);
   if (!user.Step()) {
-    const std::string uid = request.get_param_value("user");
+    const std::string uid = call.request.get_param_value("user");
     SetError(response, 404, uid.empty() ? "nobody is signed in" : "no user '" + uid + "'");
     return;
   }

@@ -1,12 +1,15 @@
 #include <algorithm>
+#include <cstdint>
 #include <string>
 
 #include "emulator/content/catalog.h"
 #include "emulator/content/model_file.h"
 #include "emulator/content/rendition_type.h"
+#include "emulator/file_reply.h"
 #include "emulator/parameters.h"
 #include "emulator/request_error.h"
 #include "emulator/services.h"
+#include "emulator/web_address.h"
 
 namespace stowra_emulator {
 namespace {
@@ -21,16 +24,26 @@ Rendition FindRendition(const Item& model, const std::string& rtyp) {
   return *found;
 }
 
-struct File {
-  std::string bytes;
-  bool is_zipped = false;
-};
-
-File ReadFile(Database& database, const std::string& mid, const std::string& rtyp) {
-  Statement upload = database.Prepare("SELECT bytes, is_zipped FROM uploads WHERE mid = ?");
+bool IsZippedUpload(Database& database, const std::string& mid) {
+  Statement upload = database.Prepare("SELECT is_zipped FROM uploads WHERE mid = ?");
   upload.Bind(1, mid);
-  if (upload.Step()) return {upload.Bytes(0), upload.Int(1) == 1};
-  return {MakeModelFile(mid, rtyp), false};
+  return upload.Step() && upload.Int(0) == 1;
+}
+
+FileReply ReplyFor(const Call& call, const Item& model, const Rendition& rendition) {
+  FileReply reply;
+  reply.type = rendition.type;
+  reply.updated = model.updated;
+  Statement upload = call.database.Prepare("SELECT size, etag FROM uploads WHERE mid = ?");
+  upload.Bind(1, model.mid);
+  if (upload.Step()) {
+    SetFile(reply, call.uploads.Open(model.mid), static_cast<std::uint64_t>(upload.Int64(0)));
+    reply.etag = upload.Text(1);
+  } else {
+    SetBytes(reply, MakeModelFile(model.mid, rendition.rtyp));
+    reply.etag = '"' + PercentEncode(model.mid + "/" + rendition.rtyp, "/") + '"';
+  }
+  return reply;
 }
 
 // Drops characters that end the quoted name, control a terminal or lead to another folder.
@@ -46,16 +59,14 @@ std::string FileNameOf(const std::string& title) {
 
 }  // namespace
 
-void AnswerDownload(const httplib::Request& request, Database& database,
-                    httplib::Response& response) {
-  AllowParameters(request, {"mid", "rtyp"});
-  const Item model = GetModel(database, RequiredParameter(request, "mid"));
-  const Rendition rendition = FindRendition(model, RequiredParameter(request, "rtyp"));
-  const File file = ReadFile(database, model.mid, rendition.rtyp);
+void AnswerDownload(const Call& call, httplib::Response& response) {
+  AllowParameters(call.request, {"mid", "rtyp"});
+  const Item model = GetModel(call.database, RequiredParameter(call.request, "mid"));
+  const Rendition rendition = FindRendition(model, RequiredParameter(call.request, "rtyp"));
   std::string name = FileNameOf(model.title) + "." + ExtensionOfType(rendition.type);
-  if (file.is_zipped && rendition.type != kZipType) name += ".zip";
+  if (rendition.type != kZipType && IsZippedUpload(call.database, model.mid)) name += ".zip";
   response.set_header("Content-Disposition", "attachment; filename=\"" + name + "\"");
-  response.set_content(file.bytes, rendition.type);
+  AnswerFile(call.request, ReplyFor(call, model, rendition), response);
 }
 
 }  // namespace stowra_emulator

@@ -32,10 +32,9 @@ void WriteDownloads(MarkupWriter& page, const Item& model) {
 
 }  // namespace
 
-void AnswerModelPage(const httplib::Request& request, Database& database,
-                     httplib::Response& response) {
-  AllowParameters(request, {"mid"});
-  const Item model = GetModel(database, RequiredParameter(request, "mid"));
+void AnswerModelPage(const Call& call, httplib::Response& response) {
+  AllowParameters(call.request, {"mid"});
+  const Item model = GetModel(call.database, RequiredParameter(call.request, "mid"));
   const PictureSize& size = PictureSizes().back();
   MarkupWriter page = BeginPage({model.title, "", ""});
   page.Begin("article", {{"class", "model"}});

@@ -93,11 +93,10 @@ void WriteEntry(MarkupWriter& feed, const std::string& site, const Item& item) {
 
 }  // namespace
 
-void AnswerSearch(const httplib::Request& request, Database& database,
-                  httplib::Response& response) {
-  const SearchQuery query = ReadSearchQuery(request);
-  const ItemPage page = Search(database, query);
-  const std::string site = SiteAddress(request);
+void AnswerSearch(const Call& call, httplib::Response& response) {
+  const SearchQuery query = ReadSearchQuery(call.request);
+  const ItemPage page = Search(call.database, query);
+  const std::string site = SiteAddress(call.request);
 
   MarkupWriter feed(R"(<?xml version="1.0" encoding="UTF-8"?>)");
   feed.Begin("feed", {{"xmlns", "http://www.w3.org/2005/Atom"},

@@ -63,10 +63,9 @@ void WritePaging(MarkupWriter& page, const SearchQuery& query, int total) {
 
 }  // namespace
 
-void AnswerSearchPage(const httplib::Request& request, Database& database,
-                      httplib::Response& response) {
-  const SearchQuery query = ReadSearchQuery(request);
-  const ItemPage results = Search(database, query);
+void AnswerSearchPage(const Call& call, httplib::Response& response) {
+  const SearchQuery query = ReadSearchQuery(call.request);
+  const ItemPage results = Search(call.database, query);
   const std::string heading = HeadingOf(query, results);
   MarkupWriter page = BeginPage({heading, query.text, SearchAddress("/search", query)});
   page.Element("h1", heading, {{"dir", "auto"}});

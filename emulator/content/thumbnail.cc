@@ -3,23 +3,29 @@
 
 #include "emulator/content/catalog.h"
 #include "emulator/content/picture_size.h"
+#include "emulator/file_reply.h"
 #include "emulator/parameters.h"
 #include "emulator/picture/picture.h"
 #include "emulator/request_error.h"
 #include "emulator/services.h"
+#include "emulator/web_address.h"
 
 namespace stowra_emulator {
 
-void AnswerThumbnail(const httplib::Request& request, Database& database,
-                     httplib::Response& response) {
-  AllowParameters(request, {"mid", "rtyp"});
-  const std::string mid = RequiredParameter(request, "mid");
-  const std::optional<Item> item = FindItem(database, mid);
+void AnswerThumbnail(const Call& call, httplib::Response& response) {
+  AllowParameters(call.request, {"mid", "rtyp"});
+  const std::string mid = RequiredParameter(call.request, "mid");
+  const std::optional<Item> item = FindItem(call.database, mid);
   if (!item) throw RequestError(404, "no model or collection '" + mid + "'");
-  const std::string rtyp = TextParameter(request, "rtyp", PictureSizes().front().rtyp);
+  const std::string rtyp = TextParameter(call.request, "rtyp", PictureSizes().front().rtyp);
   const PictureSize* size = FindPictureSize(rtyp);
   if (size == nullptr) throw RequestError(404, "no picture '" + rtyp + "'");
-  response.set_content(DrawPicture(item->shape, item->mid, size->width, size->height), "image/png");
+  FileReply reply;
+  reply.type = "image/png";
+  reply.etag = '"' + PercentEncode(item->mid + "/" + item->shape + "/" + rtyp, "/") + '"';
+  reply.updated = item->updated;
+  SetBytes(reply, DrawPicture(item->shape, item->mid, size->width, size->height));
+  AnswerFile(call.request, reply, response);
 }
 
 }  // namespace stowra_emulator

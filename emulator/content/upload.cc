@@ -1,5 +1,7 @@
+#include <cstdint>
 #include <nlohmann/json.hpp>
-#include <optional>
+#include <random>
+#include <sstream>
 #include <string>
 
 #include "emulator/content/catalog.h"
@@ -21,6 +23,14 @@ std::string TitleOf(const UploadForm& form) {
   const std::string file = form.file_name.substr(form.file_name.find_last_of("/\\") + 1);
   const std::size_t dot = file.find('.', 1);
   return file.empty() ? "Untitled" : file.substr(0, dot);
+}
+
+// Another one for each upload, because a new database uses the mids again.
+std::string NewEtag() {
+  std::random_device random;
+  std::ostringstream etag;
+  etag << '"' << std::hex << random() << random() << '"';
+  return etag.str();
 }
 
 // Returns the mid of the new item.
@@ -47,28 +57,30 @@ void AddRendition(Database& database, const std::string& mid, const Rendition& r
 void AddFile(Database& database, const std::string& mid, const UploadForm& form) {
   Statement row = database.Prepare(
       "INSERT INTO uploads (mid, subject_id, subject_class, file_name, content_type, task, "
-      "priority, is_zipped, bytes) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+      "priority, is_zipped, size, etag) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
   row.Bind(1, mid).Bind(2, form.subject_id).Bind(3, form.subject_class).Bind(4, form.file_name);
   row.Bind(5, form.content_type).Bind(6, form.task).Bind(7, form.priority);
-  row.BindInt(8, form.is_zipped ? 1 : 0).BindBytes(9, form.bytes).Step();
+  row.BindInt(8, form.is_zipped ? 1 : 0).BindInt(9, static_cast<std::int64_t>(form.file->size()));
+  row.Bind(10, NewEtag()).Step();
 }
 
 }  // namespace
 
-void AnswerUpload(const httplib::Request& request, Database& database,
-                  httplib::Response& response) {
-  const UploadForm form = ReadUploadForm(request);
+void AnswerUpload(const Call& call, httplib::Response& response) {
+  const UploadForm form = ReadUploadForm(call.request, call.body);
   const std::string type = form.content_type.empty() ? kDefaultType : form.content_type;
   const Rendition rendition = {RenditionOfType(type), type};
 
-  Transaction transaction(database);
-  const std::string mid = AddItem(database, TitleOf(form), "Uploaded as " + form.file_name + ".");
-  AddRendition(database, mid, rendition);
-  AddFile(database, mid, form);
+  Transaction transaction(call.database);
+  const std::string mid =
+      AddItem(call.database, TitleOf(form), "Uploaded as " + form.file_name + ".");
+  AddRendition(call.database, mid, rendition);
+  AddFile(call.database, mid, form);
+  call.uploads.Keep(mid, *form.file);
   transaction.Commit();
 
-  const std::string site = SiteAddress(request);
-  const std::string page = PageAddress(site, GetModel(database, mid));
+  const std::string site = SiteAddress(call.request);
+  const std::string page = PageAddress(site, GetModel(call.database, mid));
   response.status = 201;
   response.set_header("Location", page);
   SetJson(

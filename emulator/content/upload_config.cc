@@ -44,16 +44,16 @@ void WriteFile(MarkupWriter& config, const std::string& site, const FileWanted& 
 
 }  // namespace
 
-void AnswerUploadConfig(const httplib::Request& request, Database&, httplib::Response& response) {
-  AllowParameters(request, {"name", "type", "task", "priority", "zipped", "files"});
+void AnswerUploadConfig(const Call& call, httplib::Response& response) {
+  AllowParameters(call.request, {"name", "type", "task", "priority", "zipped", "files"});
   FileWanted file;
-  file.type = TextParameter(request, "type", kQmfType);
-  file.task = TextParameter(request, "task", "create");
-  file.priority = TextParameter(request, "priority", "1");
-  file.is_zipped = FlagParameter(request, "zipped");
-  const std::string name = TextParameter(request, "name", "Untitled");
-  const int files = NumberParameter(request, "files", 1, 0, kMaxFiles);
-  const std::string site = SiteAddress(request);
+  file.type = TextParameter(call.request, "type", kQmfType);
+  file.task = TextParameter(call.request, "task", "create");
+  file.priority = TextParameter(call.request, "priority", "1");
+  file.is_zipped = FlagParameter(call.request, "zipped");
+  const std::string name = TextParameter(call.request, "name", "Untitled");
+  const int files = NumberParameter(call.request, "files", 1, 0, kMaxFiles);
+  const std::string site = SiteAddress(call.request);
 
   MarkupWriter config(R"(<?xml version="1.0" encoding="UTF-8"?>)");
   config.Begin("upload");

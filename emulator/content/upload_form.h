@@ -5,8 +5,10 @@
 
 #include <httplib.h>
 
+#include <memory>
 #include <string>
-#include <string_view>
+
+#include "emulator/request_body.h"
 
 namespace stowra_emulator {
 
@@ -19,12 +21,12 @@ struct UploadForm {
   std::string task;
   std::string priority;
   bool is_zipped = false;
-  std::string_view bytes;  // Point into the request.
+  std::shared_ptr<SpooledFile> file;  // Never null.
 };
 
 // Reads the parts of the request's body. Throws a RequestError with status 400 if it is no
 // multipart form, or a part is missing, repeated or invalid.
-UploadForm ReadUploadForm(const httplib::Request& request);
+UploadForm ReadUploadForm(const httplib::Request& request, const RequestBody& body);
 
 }  // namespace stowra_emulator
 

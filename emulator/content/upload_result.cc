@@ -8,14 +8,13 @@
 
 namespace stowra_emulator {
 
-void AnswerUploadSucceeded(const httplib::Request& request, Database& database,
-                           httplib::Response& response) {
-  AllowParameters(request, {"mid"});
+void AnswerUploadSucceeded(const Call& call, httplib::Response& response) {
+  AllowParameters(call.request, {"mid"});
   MarkupWriter page = BeginPage({"Upload succeeded", "", ""});
   page.Element("h1", "Your model is online");
   page.Begin("p");
-  if (request.has_param("mid")) {
-    const Item model = GetModel(database, RequiredParameter(request, "mid"));
+  if (call.request.has_param("mid")) {
+    const Item model = GetModel(call.database, RequiredParameter(call.request, "mid"));
     page.Text("See ");
     page.Element("a", model.title, {{"href", PageAddress("", model)}, {"class", "button"}});
   } else {
@@ -24,11 +23,11 @@ void AnswerUploadSucceeded(const httplib::Request& request, Database& database,
   SetPage(response, page);
 }
 
-void AnswerUploadFailed(const httplib::Request& request, Database&, httplib::Response& response) {
-  AllowParameters(request, {"reason"});
+void AnswerUploadFailed(const Call& call, httplib::Response& response) {
+  AllowParameters(call.request, {"reason"});
   MarkupWriter page = BeginPage({"Upload failed", "", ""});
   page.Element("h1", "Your upload failed");
-  page.Element("p", TextParameter(request, "reason", "Please try again."));
+  page.Element("p", TextParameter(call.request, "reason", "Please try again."));
   SetPage(response, page);
 }
 

@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ class ChildProgram {
   // Waits for its end. Returns its exit status, or minus the signal that ended it.
   int Wait();
 
+  // After Wait: the most memory that it has used (bytes).
+  std::size_t peak_memory() const { return peak_memory_; }
+
   // The rest of its standard output or standard error.
   std::string ReadOutput();
   std::string ReadErrors();
@@ -37,6 +41,7 @@ class ChildProgram {
   pid_t pid_ = -1;
   FileDescriptor output_;
   FileDescriptor errors_;
+  std::size_t peak_memory_ = 0;
 };
 
 }  // namespace stowra_emulator

@@ -21,12 +21,15 @@ RawClient::RawClient(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM
   EXPECT_EQ(::connect(socket_.get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
 }
 
-void RawClient::Send(std::string_view bytes) {
+void RawClient::Send(std::string_view bytes) { ASSERT_TRUE(TrySend(bytes)); }
+
+bool RawClient::TrySend(std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t sent = ::send(socket_.get(), bytes.data(), bytes.size(), 0);
-    ASSERT_GT(sent, 0);
+    const ssize_t sent = ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (sent <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(sent));
   }
+  return true;
 }
 
 std::string RawClient::ReadUntil(std::string_view mark) {

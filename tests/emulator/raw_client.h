@@ -18,6 +18,9 @@ class RawClient {
 
   void Send(std::string_view bytes);
 
+  // False if the emulator has closed.
+  bool TrySend(std::string_view bytes);
+
   // Reads up to and including `mark`, or to the end of the connection.
   std::string ReadUntil(std::string_view mark);
 

@@ -1,0 +1,33 @@
+// The ranges that a client asks for.
+
+#ifndef EMULATOR_RANGE_H_
+#define EMULATOR_RANGE_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace stowra_emulator {
+
+// The engine refuses ranges of units that it does not know, which a server must ignore. So their
+// field is hidden from it under this name.
+constexpr const char* kHiddenRange = "Emulator-Range";
+
+// Renames each field "Range" in the head of a request.
+void HideRange(std::string& head);
+
+struct ByteRange {
+  enum class Kind { kWhole, kPart, kUnsatisfiable };
+
+  Kind kind = Kind::kWhole;
+  std::uint64_t offset = 0;  // These two of kPart. The length is not 0.
+  std::uint64_t length = 0;
+};
+
+// Reads the value of a field "Range" for a file of `size` bytes. The whole file is the answer to
+// several ranges, to other units and to what is malformed.
+ByteRange ParseRange(std::string_view value, std::uint64_t size);
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_RANGE_H_
