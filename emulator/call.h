@@ -5,8 +5,11 @@
 
 #include <httplib.h>
 
+#include "emulator/console/journal.h"
 #include "emulator/content/upload_store.h"
 #include "emulator/database.h"
+#include "emulator/exchange_source.h"
+#include "emulator/fault_plan.h"
 #include "emulator/request_body.h"
 
 namespace stowra_emulator {
@@ -17,6 +20,9 @@ struct Call {
   const RequestBody& body;
   Database& database;
   UploadStore& uploads;
+  FaultPlan& faults;
+  Journal& journal;
+  const ExchangeSource* source;  // Null if the services answer.
 };
 
 }  // namespace stowra_emulator

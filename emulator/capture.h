@@ -11,7 +11,7 @@
 namespace stowra_emulator {
 
 // The most that is kept of a head or a body, to be shown (bytes).
-constexpr std::size_t kCaptureSize = 16 << 10;
+constexpr std::size_t kCaptureSize = 8 << 10;
 
 // Appends to `captured` what still fits.
 inline void Capture(std::string_view bytes, std::string& captured) {

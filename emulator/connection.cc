@@ -5,8 +5,12 @@
 #include <exception>
 #include <utility>
 
+#include "emulator/capture.h"
+#include "emulator/http_fields.h"
 #include "emulator/json_reply.h"
-#include "emulator/range.h"
+#include "emulator/page/error_page.h"
+#include "emulator/page/page.h"
+#include "emulator/request_error.h"
 #include "emulator/route.h"
 
 namespace stowra_emulator {
@@ -64,8 +68,9 @@ void Connection::SetHandlers() {
     return RefuseEarly(request, response);
   });
   // Runs for every error status. Without a body it is a refusal by the engine itself.
-  set_error_handler(Handler([](const httplib::Request&, httplib::Response& response) {
+  set_error_handler(Handler([](const httplib::Request& request, httplib::Response& response) {
     if (response.body.empty()) SetError(response, response.status, "cannot serve this request");
+    if (WantsPage(request)) MakeErrorPage(response);
   }));
   // Runs just before the engine writes a response.
   set_post_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
@@ -83,24 +88,29 @@ bool Connection::ServeRequest(bool is_last) {
   if (!stream_.WaitForInput(kIdleTimeout)) return false;
   fault_ = Fault();
   log_entry_ = LogEntry();
+  path_.clear();
+  shown_body_.clear();
+  start_ = std::chrono::steady_clock::now();
   request_was_read_ = false;
+  raw_response_.reset();
   delivery_.Reset();
+  stream_.DropOutput(false);
   if (!ReadHead()) return false;
   bool close_was_asked = false;
   const bool was_written =
       process_request(stream_, is_last, close_was_asked,
                       [this](httplib::Request& request) { PrepareRequest(request); });
+  if (raw_response_) SendRawResponse();
   if (!delivery_.has_begun()) return false;
-  log_entry_.body_bytes = delivery_.body_bytes();
-  state_.log.Write(log_entry_);
+  NoteRequest();
   return was_written && delivery_.may_continue() && request_was_read_ && !close_was_asked &&
          !is_last;
 }
 
 bool Connection::ReadHead() {
-  std::string head;
-  const EngineStream::HeadResult result = stream_.ReadHead(state_.limits, head);
+  const EngineStream::HeadResult result = stream_.ReadHead(state_.limits, head_);
   if (result == EngineStream::HeadResult::kClosed) return false;
+  std::string head = head_;
   head_is_too_large_ = result == EngineStream::HeadResult::kTooLarge;
   if (head_is_too_large_) {
     // The engine answers the request line alone.
@@ -109,7 +119,13 @@ bool Connection::ReadHead() {
   } else if (result == EngineStream::HeadResult::kLongRequestLine) {
     head += "\r\n\r\n";
   }
-  HideRange(head);
+  // The engine refuses ranges of units that it does not know, which a server must ignore.
+  HideField(head, "Range");
+  if (state_.source != nullptr) {
+    // The engine would take the body apart.
+    HideField(head, "Content-Type");
+    HideField(head, "Content-Encoding");
+  }
   stream_.SetHead(std::move(head));
   return true;
 }
@@ -191,9 +207,21 @@ void Connection::Answer(const httplib::Request& request, const RequestBody& body
       return;
     }
     fault_ = *fault;
-    if (!AnswerInstead(fault_, request, response)) {
-      state_.dispatcher.Answer(request, body, response);
+    if (AnswerInstead(fault_, request, response)) {
+      Capture(response.body, shown_body_);
+      return;
     }
+    if (state_.source == nullptr || IsControlPath(request.path)) {
+      state_.dispatcher.Answer(request, body, response);
+      Capture(response.body, shown_body_);
+    } else {
+      raw_response_ =
+          state_.source->Answer({request.method, request.target, ParseFields(head_), body.text});
+      response.status = raw_response_->status;
+      Capture(raw_response_->body, shown_body_);
+    }
+  } catch (const RequestError& error) {
+    SetError(response, error.status, error.what());
   } catch (const std::exception& error) {
     SetError(response, 500, error.what());
   }
@@ -201,12 +229,50 @@ void Connection::Answer(const httplib::Request& request, const RequestBody& body
 
 void Connection::BeginDelivery(const httplib::Request& request, const httplib::Response& response) {
   log_entry_ = {request.method, request.target, response.status, 0};
-  delivery_.Begin(fault_, request.method == "HEAD" ? 0 : SizeOf(response));
+  path_ = request.path;
+  if (raw_response_) {
+    stream_.DropOutput(true);
+  } else {
+    delivery_.Begin(fault_, request.method == "HEAD" ? 0 : SizeOf(response));
+  }
+}
+
+void Connection::NoteRequest() {
+  log_entry_.body_bytes = delivery_.body_bytes();
+  state_.log.Write(log_entry_);
+  if (IsConsole(path_)) return;
+  JournalEntry entry;
+  entry.time = std::chrono::system_clock::now();
+  entry.duration = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - start_);
+  entry.method = log_entry_.method;
+  entry.target = log_entry_.target;
+  entry.status = log_entry_.status;
+  entry.fault = fault_.text;
+  Capture(head_, entry.request_head);
+  entry.request_body = stream_.body_start();
+  Capture(delivery_.head(), entry.response_head);
+  entry.response_body = shown_body_;
+  entry.body_bytes = log_entry_.body_bytes;
+  state_.journal.Add(std::move(entry));
+}
+
+void Connection::SendRawResponse() {
+  if (!socket_.Pause(raw_response_->delay)) return;
+  delivery_.Begin(fault_, raw_response_->body.size());
+  if (delivery_.Write(raw_response_->Head())) delivery_.Write(raw_response_->body);
 }
 
 std::optional<Fault> Connection::FaultFor(const httplib::Request& request) {
-  if (request.has_param("fault")) return ParseFault(request.get_param_value("fault"));
-  return state_.faults.Draw(request.path);
+  // With a recording, such a parameter belongs to the recorded service.
+  if (state_.source == nullptr && request.has_param("fault")) {
+    return ParseFault(request.get_param_value("fault"));
+  }
+  return IsConsole(request.path) ? Fault() : state_.faults.Draw(request.path);
+}
+
+bool Connection::IsConsole(const std::string& path) const {
+  return IsControlPath(path) || (state_.source == nullptr && path == "/");
 }
 
 }  // namespace stowra_emulator

@@ -5,12 +5,14 @@
 
 #include <httplib.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 
 #include "emulator/client_socket.h"
 #include "emulator/delivery.h"
 #include "emulator/engine_stream.h"
+#include "emulator/exchange_source.h"
 #include "emulator/fault.h"
 #include "emulator/request_body.h"
 #include "emulator/server_state.h"
@@ -50,6 +52,14 @@ class Connection : private httplib::Server {
               httplib::Response& response);
   void BeginDelivery(const httplib::Request& request, const httplib::Response& response);
 
+  void SendRawResponse();
+
+  // True for the pages that show and set what the emulator does.
+  bool IsConsole(const std::string& path) const;
+
+  // Writes log and journal.
+  void NoteRequest();
+
   // Empty if the request asks for an unknown one.
   std::optional<Fault> FaultFor(const httplib::Request& request);
 
@@ -63,6 +73,11 @@ class Connection : private httplib::Server {
   LogEntry log_entry_;
   bool head_is_too_large_ = false;
   bool request_was_read_ = false;
+  std::string head_;  // As the client sent it.
+  std::chrono::steady_clock::time_point start_;
+  std::string path_;
+  std::string shown_body_;                    // The start of the response's body.
+  std::optional<HttpResponse> raw_response_;  // Sent in place of the engine's.
 };
 
 }  // namespace stowra_emulator

@@ -35,7 +35,7 @@ void Dispatcher::Answer(const httplib::Request& request, const RequestBody& body
   }
   const std::lock_guard<std::mutex> lock(mutex_);
   try {
-    route->handler({request, body, database_, uploads_}, response);
+    route->handler({request, body, database_, uploads_, faults_, journal_, source_}, response);
   } catch (const RequestError& error) {
     SetError(response, error.status, error.what());
   }

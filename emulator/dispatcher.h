@@ -8,8 +8,11 @@
 #include <mutex>
 #include <string>
 
+#include "emulator/console/journal.h"
 #include "emulator/content/upload_store.h"
 #include "emulator/database.h"
+#include "emulator/exchange_source.h"
+#include "emulator/fault_plan.h"
 #include "emulator/request_body.h"
 
 namespace stowra_emulator {
@@ -18,8 +21,14 @@ namespace stowra_emulator {
 class Dispatcher {
  public:
   // Throws DatabaseError, as Database does.
-  explicit Dispatcher(const std::string& database_file)
-      : database_(database_file), uploads_(database_file) {}
+  // The faults, the journal and the source are for the handlers. They must outlive this object.
+  Dispatcher(const std::string& database_file, FaultPlan& faults, Journal& journal,
+             const ExchangeSource* source)
+      : database_(database_file),
+        uploads_(database_file),
+        faults_(faults),
+        journal_(journal),
+        source_(source) {}
 
   // Answers with the route's handler. Sets an error if no route matches or the handler throws a
   // RequestError. Other exceptions of a handler pass through.
@@ -33,6 +42,9 @@ class Dispatcher {
   std::mutex mutex_;
   Database database_;
   UploadStore uploads_;
+  FaultPlan& faults_;
+  Journal& journal_;
+  const ExchangeSource* const source_;
 };
 
 }  // namespace stowra_emulator

@@ -18,7 +18,7 @@ class Emulator {
  public:
   // Throws a std::exception with the reason, in one line, if it cannot start.
   explicit Emulator(const EmulatorOptions& options = EmulatorOptions());
-  ~Emulator() { state_.stop.Set(); }
+  ~Emulator() { state_.Stop(); }
 
   std::uint16_t port() const { return listener_.address().port(); }
 

@@ -4,10 +4,12 @@
 #define EMULATOR_EMULATOR_OPTIONS_H_
 
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "emulator/exchange_source.h"
 #include "emulator/fault_plan.h"
 #include "emulator/limits.h"
 
@@ -22,6 +24,8 @@ struct EmulatorOptions {
   std::uint64_t seed = 1;       // Of the faults' percentages.
   std::ostream* log = nullptr;  // Gets a line for each request. Must outlive the emulator.
   Limits limits;                // Of each request.
+  // Answers in place of the services. Null without a recording.
+  std::shared_ptr<ExchangeSource> source;
 };
 
 }  // namespace stowra_emulator

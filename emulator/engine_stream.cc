@@ -80,6 +80,7 @@ bool EngineStream::Fill() {
 }
 
 ssize_t EngineStream::write(const char* data, std::size_t size) {
+  if (drops_output_) return static_cast<ssize_t>(size);
   const bool was_sent =
       delivery_.has_begun() ? delivery_.Write({data, size}) : socket_.Send(data, size);
   return was_sent ? static_cast<ssize_t>(size) : -1;

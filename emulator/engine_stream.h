@@ -35,6 +35,9 @@ class EngineStream : public httplib::Stream {
   void SetHead(std::string head);
   void LimitBody(std::uint64_t size);
 
+  // Drops what the engine writes, because another response takes its place.
+  void DropOutput(bool drops) { drops_output_ = drops; }
+
   // True if a read has failed because of that limit.
   bool BodyIsTooLarge() const { return body_is_too_large_; }
 
@@ -69,6 +72,7 @@ class EngineStream : public httplib::Stream {
   std::uint64_t allowed_body_ = 0;
   bool body_is_too_large_ = false;
   std::string body_start_;
+  bool drops_output_ = false;
 };
 
 }  // namespace stowra_emulator

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "emulator/http_date.h"
+#include "emulator/http_fields.h"
 #include "emulator/json_reply.h"
 #include "emulator/range.h"
 
@@ -17,12 +18,13 @@ constexpr std::size_t kChunkSize = 64 << 10;
 
 ByteRange RangeFor(const httplib::Request& request, const FileReply& reply,
                    const std::string& last_modified) {
-  if (request.method != "GET" || !request.has_header(kHiddenRange)) return ByteRange();
+  const std::string value = request.get_header_value(std::string(kHidden) + "Range");
+  if (request.method != "GET" || value.empty()) return ByteRange();
   const std::string condition = request.get_header_value("If-Range");
   if (!condition.empty() && condition != reply.etag && condition != last_modified) {
     return ByteRange();
   }
-  return ParseRange(request.get_header_value(kHiddenRange), reply.size);
+  return ParseRange(value, reply.size);
 }
 
 void SetBody(const FileReply& reply, std::uint64_t offset, std::uint64_t length,

@@ -1,7 +1,5 @@
 #include "emulator/range.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -9,15 +7,12 @@
 #include <optional>
 #include <system_error>
 
+#include "emulator/http_fields.h"
+
 namespace stowra_emulator {
 namespace {
 
-constexpr std::string_view kField = "\nrange:";
 constexpr std::string_view kUnit = "bytes=";
-
-bool StartsWithIgnoringCase(std::string_view text, std::string_view start) {
-  return text.size() >= start.size() && ::strncasecmp(text.data(), start.data(), start.size()) == 0;
-}
 
 // A number that does not fit counts as the largest.
 std::optional<std::uint64_t> ParsePosition(std::string_view digits) {
@@ -36,17 +31,8 @@ ByteRange Part(std::uint64_t offset, std::uint64_t length) {
 
 }  // namespace
 
-void HideRange(std::string& head) {
-  for (std::size_t i = 0; i + kField.size() <= head.size(); ++i) {
-    if (head[i] != '\n' || !StartsWithIgnoringCase(std::string_view(head).substr(i), kField)) {
-      continue;
-    }
-    head.replace(i + 1, kField.size() - 2, kHiddenRange);
-  }
-}
-
 ByteRange ParseRange(std::string_view value, std::uint64_t size) {
-  if (!StartsWithIgnoringCase(value, kUnit)) return ByteRange();
+  if (!EqualNames(value.substr(0, kUnit.size()), kUnit)) return ByteRange();
   value.remove_prefix(kUnit.size());
   const std::size_t dash = value.find('-');
   if (dash == std::string_view::npos) return ByteRange();

@@ -4,17 +4,9 @@
 #define EMULATOR_RANGE_H_
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace stowra_emulator {
-
-// The engine refuses ranges of units that it does not know, which a server must ignore. So their
-// field is hidden from it under this name.
-constexpr const char* kHiddenRange = "Emulator-Range";
-
-// Renames each field "Range" in the head of a request.
-void HideRange(std::string& head);
 
 struct ByteRange {
   enum class Kind { kWhole, kPart, kUnsatisfiable };

@@ -22,11 +22,18 @@ struct Route {
   const char* path;
   Handler handler;
   const char* description;
+  const char* example = "";  // An address to try in a browser. Empty if there is none.
   bool takes_files = false;  // True allows bodies of any size.
 };
 
 // All routes.
 const std::vector<Route>& Routes();
+
+// True for the routes of the emulator itself. Nothing is recorded, replayed or spoiled there.
+bool IsControlPath(const std::string& path);
+
+// The paths that faults may name. Empty if every path may be.
+std::vector<std::string> FaultRoutes(const ExchangeSource* source);
 
 // Null if no route has this method and path. HEAD finds the route of GET.
 const Route* FindRoute(const std::string& method, const std::string& path);

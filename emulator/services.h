@@ -9,8 +9,17 @@
 
 namespace stowra_emulator {
 
-// A plain-text page that lists the routes and the faults.
+// The front page: for a browser the faults, the last requests, uploads and routes; for others a
+// text that lists the routes and the faults.
 void AnswerIndex(const Call&, httplib::Response&);
+
+// The front page's script, and the requests as server-sent events.
+void AnswerScript(const Call&, httplib::Response&);
+void AnswerEvents(const Call&, httplib::Response&);
+
+// The faults that are set, and a change to them.
+void AnswerFaults(const Call&, httplib::Response&);
+void AnswerChangeFaults(const Call&, httplib::Response&);
 
 // The signed-in user, or the one with the uid `user`, as a JSON object.
 void AnswerUserInfo(const Call&, httplib::Response&);

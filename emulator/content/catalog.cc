@@ -8,7 +8,7 @@ namespace stowra_emulator {
 namespace {
 
 constexpr const char* kItemColumns =
-    "SELECT mid, kind = 'collection', items.title, items.summary, author, "
+    "SELECT items.mid, kind = 'collection', items.title, items.summary, author, "
     "coalesce(nullif(displayname, ''), author), updated, shape, dynamic_component, "
     "classified_component ";
 constexpr const char* kItemTables = "FROM items LEFT JOIN users ON users.uid = items.author ";
@@ -112,6 +112,16 @@ Item GetModel(Database& database, const std::string& mid) {
   std::optional<Item> item = FindItem(database, mid);
   if (!item || item->is_collection) throw RequestError(404, "no model '" + mid + "'");
   return *std::move(item);
+}
+
+std::vector<Item> LatestUploads(Database& database, int count) {
+  Statement row = database.Prepare(std::string(kItemColumns) + kItemTables +
+                                   "JOIN uploads ON uploads.mid = items.mid "
+                                   "ORDER BY items.id DESC LIMIT ?");
+  row.BindInt(1, count);
+  std::vector<Item> items;
+  while (row.Step()) items.push_back(ReadItem(database, row));
+  return items;
 }
 
 ItemPage Search(Database& database, const SearchQuery& query) {

@@ -18,6 +18,9 @@ std::optional<Item> FindItem(Database& database, const std::string& mid);
 // The model with this mid. Throws a RequestError with status 404 if there is no such model.
 Item GetModel(Database& database, const std::string& mid);
 
+// The last `count` models that clients have uploaded, the newest first.
+std::vector<Item> LatestUploads(Database& database, int count);
+
 struct ItemPage {
   int total = 0;            // Of the whole result.
   std::vector<Item> items;  // Of the page asked for.

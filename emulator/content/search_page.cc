@@ -3,10 +3,9 @@
 #include <string>
 
 #include "emulator/content/catalog.h"
-#include "emulator/content/item_address.h"
-#include "emulator/content/page.h"
-#include "emulator/content/picture_size.h"
+#include "emulator/content/item_list.h"
 #include "emulator/content/search_query.h"
+#include "emulator/page/page.h"
 #include "emulator/services.h"
 
 namespace stowra_emulator {
@@ -26,23 +25,6 @@ std::string RangeOf(const SearchQuery& query, const ItemPage& results) {
   const int last = query.start + static_cast<int>(results.items.size()) - 1;
   return std::to_string(query.start) + "–" + std::to_string(last) + " of " +
          std::to_string(results.total);
-}
-
-void WriteResult(MarkupWriter& page, const Item& item) {
-  const PictureSize& size = PictureSizes().front();
-  page.Begin("li");
-  page.Begin("a", {{"href", PageAddress("", item)}});
-  page.Empty("img", {{"src", ThumbnailAddress("", item.mid, size.rtyp)},
-                     {"alt", "Picture of " + item.title},
-                     {"width", std::to_string(size.width)},
-                     {"height", std::to_string(size.height)}});
-  page.Element("h2", item.title, {{"dir", "auto"}});
-  page.End();
-  page.Begin("p", {{"class", "soft"}});
-  page.Text(item.is_collection ? "Collection by " : "Model by ");
-  page.Element("a", item.author_name, {{"href", AuthorPageAddress("", item.author)}});
-  page.End();
-  page.End();
 }
 
 void WritePaging(MarkupWriter& page, const SearchQuery& query, int total) {
@@ -70,9 +52,7 @@ void AnswerSearchPage(const Call& call, httplib::Response& response) {
   MarkupWriter page = BeginPage({heading, query.text, SearchAddress("/search", query)});
   page.Element("h1", heading, {{"dir", "auto"}});
   page.Element("p", RangeOf(query, results), {{"class", "soft"}});
-  page.Begin("ul", {{"class", "results"}});
-  for (const Item& item : results.items) WriteResult(page, item);
-  page.End();
+  WriteItemList(page, results.items, "h2");
   WritePaging(page, query, results.total);
   SetPage(response, page);
 }

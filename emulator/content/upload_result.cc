@@ -2,7 +2,7 @@
 
 #include "emulator/content/catalog.h"
 #include "emulator/content/item_address.h"
-#include "emulator/content/page.h"
+#include "emulator/page/page.h"
 #include "emulator/parameters.h"
 #include "emulator/services.h"
 

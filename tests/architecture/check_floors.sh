@@ -32,7 +32,7 @@ $library/content    ($library/content/|PLATFORM|$base)                          
 host                (host/|PUBLIC)                                                                          <(CLI/|fmt/)
 benchmarks          (benchmarks/|PUBLIC)                                                                    <(benchmark/|CLI/|curl/|expat\.h|fmt/|libxml/|malloc\.h|nlohmann/|Poco/|Q[A-Za-z]+>|rapidjson/|unicode/)
 fuzz                (fuzz/|tests/|$library/)                                                                <(expat\.h|nlohmann/|zlib\.h)
-emulator            emulator/                                                                               <(CLI/|httplib\.h|nlohmann/|sqlite3\.h|zlib\.h)
+emulator            emulator/                                                                               <(CLI/|httplib\.h|nlohmann/|openssl/|sqlite3\.h|zlib\.h)
 "
 
 # Headers of the language and of POSIX.

@@ -14,8 +14,9 @@ function program(variable) {
   return path;
 }
 
-async function startEmulator() {
-  const child = spawn(program('STOWRA_EMULATOR'), ['--quiet'], {stdio: ['ignore', 'pipe', 'inherit']});
+async function startEmulator(options) {
+  const child = spawn(program('STOWRA_EMULATOR'), ['--quiet', ...options],
+                      {stdio: ['ignore', 'pipe', 'inherit']});
   const ended = once(child, 'exit');
   const [url] = await Promise.race([
     once(createInterface(child.stdout), 'line'),
@@ -28,19 +29,49 @@ async function startEmulator() {
   return {url, stop};
 }
 
-// Calls `use` with a new page that resolves addresses against the emulator's. Ends both programs
-// afterwards.
-export async function withPage(use) {
-  const emulator = await startEmulator();
+// Calls `use` with an emulator that runs with these options, and ends the emulator.
+export async function withEmulator(options, use) {
+  const emulator = await startEmulator(options);
   try {
-    const browser = await chromium.launch({executablePath: program('STOWRA_CHROMIUM')});
-    try {
-      const viewport = {width: 1180, height: 800};
-      await use(await browser.newPage({baseURL: emulator.url, viewport}));
-    } finally {
-      await browser.close();
-    }
+    return await use(emulator);
   } finally {
     await emulator.stop();
   }
+}
+
+// Calls `use` with a browser, and ends the browser.
+export async function withBrowser(use) {
+  const browser = await chromium.launch({executablePath: program('STOWRA_CHROMIUM')});
+  try {
+    return await use(browser);
+  } finally {
+    await browser.close();
+  }
+}
+
+// Calls `use` with a new page that resolves addresses against the emulator's. `settings` are the
+// page's, such as viewport and colorScheme.
+export async function withPage(use, settings = {}) {
+  const viewport = {width: 1180, height: 800};
+  await withEmulator([], ({url}) => withBrowser(async (browser) => {
+    await use(await browser.newPage({baseURL: url, viewport, ...settings}));
+  }));
+}
+
+// Posts a form such as {rule: '/update=reset'} outside of the page.
+export async function post(page, path, form) {
+  const response = await page.request.post(path, {form});
+  if (!response.ok()) throw new Error(`${path}: ${response.status()}`);
+}
+
+// Uploads a model and returns its address.
+export async function upload(page, name) {
+  const file = {
+    name: 'chair.qmf',
+    mimeType: 'application/vnd.brevix.qmf',
+    buffer: Buffer.from('x'),
+  };
+  const multipart = {name, subjectId: 'm42', subjectClass: 'entity', binary: file};
+  const response = await page.request.post('/upload', {multipart});
+  return (await response.json()).url;
 }

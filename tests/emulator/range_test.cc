@@ -25,14 +25,6 @@ TEST(HttpDateTest, NamesTheDay) {
   EXPECT_EQ(HttpDate(""), "");
 }
 
-TEST(HideRangeTest, RenamesTheFieldWhateverItsCase) {
-  std::string head = "GET /range: HTTP/1.1\r\nrange: bytes=0-1\r\nX-Range: 1\r\nRANGE: x\r\n\r\n";
-  HideRange(head);
-  EXPECT_EQ(head,
-            "GET /range: HTTP/1.1\r\nEmulator-Range: bytes=0-1\r\nX-Range: 1\r\n"
-            "Emulator-Range: x\r\n\r\n");
-}
-
 class RangeTest : public ContentTest {
  protected:
   httplib::Response GetRange(const std::string& range, int status, const std::string& if_range = "",

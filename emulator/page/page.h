@@ -1,7 +1,7 @@
 // The parts that all web pages share.
 
-#ifndef EMULATOR_CONTENT_PAGE_H_
-#define EMULATOR_CONTENT_PAGE_H_
+#ifndef EMULATOR_PAGE_PAGE_H_
+#define EMULATOR_PAGE_PAGE_H_
 
 #include <httplib.h>
 
@@ -23,6 +23,9 @@ MarkupWriter BeginPage(const PageHead& head);
 // Finishes the page and sets it as the answer.
 void SetPage(httplib::Response& response, MarkupWriter& page);
 
+// True for a browser that shows the answer to a person.
+bool WantsPage(const httplib::Request& request);
+
 }  // namespace stowra_emulator
 
-#endif  // EMULATOR_CONTENT_PAGE_H_
+#endif  // EMULATOR_PAGE_PAGE_H_

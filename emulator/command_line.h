@@ -1,0 +1,19 @@
+// The program's arguments.
+
+#ifndef EMULATOR_COMMAND_LINE_H_
+#define EMULATOR_COMMAND_LINE_H_
+
+#include <optional>
+
+#include "emulator/emulator_options.h"
+
+namespace stowra_emulator {
+
+// Reads the arguments into `options`. Returns the exit status if there is nothing to run: after
+// --help, --version or, with a reason on standard error, wrong usage.
+// Throws a std::exception if a recording cannot be read or written.
+std::optional<int> ReadCommandLine(int argc, const char* const* argv, EmulatorOptions& options);
+
+}  // namespace stowra_emulator
+
+#endif  // EMULATOR_COMMAND_LINE_H_
