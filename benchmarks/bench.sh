@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # bench.sh BUILD_DIR DOCS_DIR
 #
 # Runs all benchmarks of a build, counts the instructions of the small cases, and writes performance.md,

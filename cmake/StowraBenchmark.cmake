@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # stowra_add_benchmark_program(<name> [LIBRARIES <target>...])
 #
 # Adds a Google Benchmark program from all *_bench.cc in the current folder. It links the shared libraries that are

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Compiler settings for the whole project.
 
 set(CMAKE_CXX_STANDARD 17)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 include(StowraTest)
 
 add_custom_target(fuzz_targets)

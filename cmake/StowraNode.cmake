@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 find_program(STOWRA_NODE node)
 find_program(STOWRA_NPM npm)
 

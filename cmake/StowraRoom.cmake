@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # stowra_add_room(<name> [LIBRARIES <third-party target>...])
 #
 # Adds one room of the library, an object library of the .cc files in the current folder. The shared library that holds

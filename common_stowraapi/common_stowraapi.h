@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Includes every public header. The build installs the headers in this list.
 
 #ifndef COMMON_STOWRAAPI_COMMON_STOWRAAPI_H_

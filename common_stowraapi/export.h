@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // STOWRA_EXPORT marks what the two shared libraries export. Everything else has hidden visibility
 // and is not part of the binary interface.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Turns running out of memory into a failure.
 
 #ifndef COMMON_STOWRAAPI_SUCCEEDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/version.h"
 
 #define STOWRA_TEXT_OF(number) #number

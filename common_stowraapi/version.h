@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The version of the headers, and the one that a loaded libCommonStowraapi reports about itself.
 
 #ifndef COMMON_STOWRAAPI_VERSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a handler works on.
 
 #ifndef EMULATOR_CALL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keeping the start of what passes by.
 
 #ifndef EMULATOR_CAPTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/channel.h"
 
 #include <sys/socket.h>

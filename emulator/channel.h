@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bytes to and from a client, plain or encrypted.
 
 #ifndef EMULATOR_CHANNEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/client_socket.h"
 
 #include <netinet/in.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The socket of one client.
 
 #ifndef EMULATOR_CLIENT_SOCKET_H_

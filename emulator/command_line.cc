@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/command_line.h"
 
 #include <CLI/CLI.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's arguments.
 
 #ifndef EMULATOR_COMMAND_LINE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/connection.h"
 
 #include <chrono>

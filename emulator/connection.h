@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // HTTP with one client.
 
 #ifndef EMULATOR_CONNECTION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/database.h"
 
 #include "emulator/content/content_seed.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The SQLite database behind the services.
 
 #ifndef EMULATOR_DATABASE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sending a response, with its fault.
 
 #ifndef EMULATOR_DELIVERY_H_

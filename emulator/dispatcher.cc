@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/dispatcher.h"
 
 #include "emulator/json_reply.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds the handler for a request and runs it.
 
 #ifndef EMULATOR_DISPATCHER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The emulator as a whole.
 
 #ifndef EMULATOR_EMULATOR_H_

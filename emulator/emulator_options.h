@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What an emulator can be told.
 
 #ifndef EMULATOR_EMULATOR_OPTIONS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/engine_stream.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stream between the HTTP engine and a client.
 
 #ifndef EMULATOR_ENGINE_STREAM_H_

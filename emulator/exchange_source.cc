@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/exchange_source.h"
 
 namespace stowra_emulator {

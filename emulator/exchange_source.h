@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What answers requests in place of the services.
 
 #ifndef EMULATOR_EXCHANGE_SOURCE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What can be done to a response on purpose.
 
 #ifndef EMULATOR_FAULT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/fault_plan.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults for requests that do not ask for one.
 
 #ifndef EMULATOR_FAULT_PLAN_H_

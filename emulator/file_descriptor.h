@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ownership of a file descriptor.
 
 #ifndef EMULATOR_FILE_DESCRIPTOR_H_

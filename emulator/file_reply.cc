@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/file_reply.h"
 
 #include <algorithm>

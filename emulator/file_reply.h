@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Responses that hold a file.
 
 #ifndef EMULATOR_FILE_REPLY_H_

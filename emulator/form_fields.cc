@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/form_fields.h"
 
 #include <algorithm>

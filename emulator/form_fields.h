@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Forms in the body of a request.
 
 #ifndef EMULATOR_FORM_FIELDS_H_

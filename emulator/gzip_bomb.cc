@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/gzip_bomb.h"
 
 #include <zlib.h>

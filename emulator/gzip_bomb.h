@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small response that grows when it is decoded.
 
 #ifndef EMULATOR_GZIP_BOMB_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/http_date.h"
 
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dates in HTTP fields.
 
 #ifndef EMULATOR_HTTP_DATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/http_fields.h"
 
 #include <algorithm>

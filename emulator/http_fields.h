@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fields in the head of a message.
 
 #ifndef EMULATOR_HTTP_FIELDS_H_

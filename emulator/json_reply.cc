@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/json_reply.h"
 
 namespace stowra_emulator {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Responses that hold JSON.
 
 #ifndef EMULATOR_JSON_REPLY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How much a request may hold.
 
 #ifndef EMULATOR_LIMITS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/listener.h"
 
 #include <poll.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The listening socket.
 
 #ifndef EMULATOR_LISTENER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra-emulator: local services to develop and test against.
 
 #include <pthread.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/markup_writer.h"
 
 #include "emulator/utf8.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writing XML and HTML.
 
 #ifndef EMULATOR_MARKUP_WRITER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parameters in a request's query. What a function refuses is a RequestError with status 400.
 
 #ifndef EMULATOR_PARAMETERS_H_

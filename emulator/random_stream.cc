@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/random_stream.h"
 
 namespace stowra_emulator {

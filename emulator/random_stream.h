@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pseudo-random numbers that depend only on a seed text.
 
 #ifndef EMULATOR_RANDOM_STREAM_H_

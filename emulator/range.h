@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ranges that a client asks for.
 
 #ifndef EMULATOR_RANGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/request_body.h"
 
 #include <cstddef>

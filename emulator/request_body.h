@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The body of a request.
 
 #ifndef EMULATOR_REQUEST_BODY_H_

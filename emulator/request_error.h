@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A request that a handler refuses.
 
 #ifndef EMULATOR_REQUEST_ERROR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/request_log.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One line for each request.
 
 #ifndef EMULATOR_REQUEST_LOG_H_

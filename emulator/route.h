@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The routes to the services.
 
 #ifndef EMULATOR_ROUTE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tables of a new database, and its contents except the models and collections.
 
 #ifndef EMULATOR_SEED_H_

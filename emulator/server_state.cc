@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/server_state.h"
 
 namespace stowra_emulator {

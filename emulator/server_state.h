@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What all connections share.
 
 #ifndef EMULATOR_SERVER_STATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The handlers of all services.
 
 #ifndef EMULATOR_SERVICES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/socket_address.h"
 
 #include <netdb.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Addresses to listen on.
 
 #ifndef EMULATOR_SOCKET_ADDRESS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/spooled_file.h"
 
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A temporary file for bytes that are too many for memory.
 
 #ifndef EMULATOR_SPOOLED_FILE_H_

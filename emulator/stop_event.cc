@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/stop_event.h"
 
 #include <poll.h>

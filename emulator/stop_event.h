@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tells every thread of the emulator to stop.
 
 #ifndef EMULATOR_STOP_EVENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/tls_certificate.h"
 
 #include <openssl/ec.h>

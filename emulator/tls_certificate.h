@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Making certificates.
 
 #ifndef EMULATOR_TLS_CERTIFICATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/tls_channel.h"
 
 #include <openssl/err.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // TLS with a client.
 
 #ifndef EMULATOR_TLS_CHANNEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/tls_identity.h"
 
 #include <openssl/pem.h>

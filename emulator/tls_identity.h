@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The certificate of this run.
 
 #ifndef EMULATOR_TLS_IDENTITY_H_

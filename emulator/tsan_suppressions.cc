@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ThreadSanitizer reads this at start-up.
 
 // The HTTP library is not instrumented. ThreadSanitizer does not see the guards of its static

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/utf8.h"
 
 namespace stowra_emulator {

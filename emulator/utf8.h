@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading UTF-8.
 
 #ifndef EMULATOR_UTF8_H_

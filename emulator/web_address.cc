@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/web_address.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading and writing web addresses.
 
 #ifndef EMULATOR_WEB_ADDRESS_H_

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # fuzz.sh BUILD_DIR SECONDS [TARGET...]
 #
 # Runs all fuzzers of BUILD_DIR, or the named ones, each for SECONDS. One fuzzer runs on each processor. A fuzzer

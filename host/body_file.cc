@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/body_file.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a request body that the user gives.
 
 #ifndef HOST_BODY_FILE_H_

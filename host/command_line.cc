@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/command_line.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program but main.
 
 #ifndef HOST_COMMAND_LINE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The commands. Each has its own source file.
 
 #ifndef HOST_COMMANDS_H_

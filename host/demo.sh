@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # demo.sh STOWRA EMULATOR
 # Starts a local emulator and calls every service: three in both modes, then the content service.
 set -euo pipefail

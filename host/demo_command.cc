@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra demo: tries out the content service and checks the results.
 
 #include <fmt/format.h>

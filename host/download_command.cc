@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra download: fetches a model's file.
 
 #include <fmt/format.h>

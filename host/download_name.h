@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Chooses the name of a downloaded file.
 
 #ifndef HOST_DOWNLOAD_NAME_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a server says about a request that it refuses.
 
 #ifndef HOST_ERROR_MESSAGE_H_

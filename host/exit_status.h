@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's exit statuses.
 
 #ifndef HOST_EXIT_STATUS_H_

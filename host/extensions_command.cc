@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra extensions: shows the status of the installed extensions.
 
 #include <fmt/format.h>

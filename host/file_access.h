@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads and writes whole files.
 
 #ifndef HOST_FILE_ACCESS_H_

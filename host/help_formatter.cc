@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/help_formatter.h"
 
 #include <utility>

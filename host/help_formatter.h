@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The layout of --help.
 
 #ifndef HOST_HELP_FORMATTER_H_

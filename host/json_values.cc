@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/json_values.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes the values of a JSON document.
 
 #ifndef HOST_JSON_VALUES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra: calls the services from the command line.
 
 #include <csignal>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's main loop.
 
 #ifndef HOST_MAIN_LOOP_H_

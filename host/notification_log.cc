@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/notification_log.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Records which notifications have arrived.
 
 #ifndef HOST_NOTIFICATION_LOG_H_

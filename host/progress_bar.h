@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shows the progress of a transfer on a terminal.
 
 #ifndef HOST_PROGRESS_BAR_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/request_options.h"
 
 #include <fmt/format.h>

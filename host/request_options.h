@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The options of every command that calls a service.
 
 #ifndef HOST_REQUEST_OPTIONS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/response_check.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Says what is wrong with a response that a service class has refused.
 
 #ifndef HOST_RESPONSE_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/response_headers.h"
 
 namespace stowra {

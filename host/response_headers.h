@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Looks up a response's headers.
 
 #ifndef HOST_RESPONSE_HEADERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra search: finds models and collections.
 
 #include <fmt/format.h>

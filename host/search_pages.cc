@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/search_pages.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Search results, page by page.
 
 #ifndef HOST_SEARCH_PAGES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/session.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a host sets up for its requests.
 
 #ifndef HOST_SESSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/stored_zip.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes a zip archive without compression.
 
 #ifndef HOST_STORED_ZIP_H_

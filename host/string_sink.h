@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stream buffer that writes to a string.
 
 #ifndef HOST_STRING_SINK_H_

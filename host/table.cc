@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/table.h"
 
 #include <fmt/color.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Formats text in columns.
 
 #ifndef HOST_TABLE_H_

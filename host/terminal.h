@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes to stdout and stderr.
 
 #ifndef HOST_TERMINAL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/transfer_log.h"
 
 #include <fmt/format.h>

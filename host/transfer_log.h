@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Records how the transfers end.
 
 #ifndef HOST_TRANSFER_LOG_H_

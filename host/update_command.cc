@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra update: shows the offered version, message and data files.
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes the body of an upload.
 
 #ifndef HOST_UPLOAD_BODY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra upload: sends the files of a model.
 
 #include <fmt/format.h>

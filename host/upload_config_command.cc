@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra upload-config: shows where and how to upload.
 
 #include <fmt/format.h>

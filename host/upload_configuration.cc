@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/upload_configuration.h"
 
 namespace stowra {

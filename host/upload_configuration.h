@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fetches an upload configuration.
 
 #ifndef HOST_UPLOAD_CONFIGURATION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/upload_problems.h"
 
 #include "host/utf8.h"

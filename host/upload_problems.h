@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds what an upload's form cannot carry safely.
 
 #ifndef HOST_UPLOAD_PROBLEMS_H_

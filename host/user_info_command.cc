@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra user-info: shows who is signed in.
 
 #include <CLI/CLI.hpp>

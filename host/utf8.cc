@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/utf8.h"
 
 #include "common_stowraapi/platform/ustring.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checks text that comes from the user's system.
 
 #ifndef HOST_UTF8_H_

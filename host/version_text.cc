@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/version_text.h"
 
 #include <fmt/format.h>

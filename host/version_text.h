@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The output of --version.
 
 #ifndef HOST_VERSION_TEXT_H_

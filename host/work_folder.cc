@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/work_folder.h"
 
 #include <pthread.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A temporary folder for the files of one command.
 
 #ifndef HOST_WORK_FOLDER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/content/bare_expat.h"
 
 #include <expat.h>

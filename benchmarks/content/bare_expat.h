@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limit for reading a feed: the parser alone.
 
 #ifndef BENCHMARKS_CONTENT_BARE_EXPAT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures reading the bytes of a feed into items.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Builds a feed from parser events. Shared by the peers' event parsers and tree walks.
 
 #ifndef BENCHMARKS_CONTENT_FEED_BUILDER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record that the peer libraries read a feed into. It has the fields of ContentQuery and
 // ContentItem, with each library's own text type.
 

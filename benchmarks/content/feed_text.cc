@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/content/feed_text.h"
 
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads values from a feed's texts in std::string.
 
 #ifndef BENCHMARKS_CONTENT_FEED_TEXT_H_

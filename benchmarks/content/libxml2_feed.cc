@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/content/libxml2_feed.h"
 
 #include <libxml/parserInternals.h>

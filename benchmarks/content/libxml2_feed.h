@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a feed with libxml2. The SAX2 events are its fastest way, the tree its usual way.
 
 #ifndef BENCHMARKS_CONTENT_LIBXML2_FEED_H_

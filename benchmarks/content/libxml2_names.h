@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names of a feed's elements in libxml2.
 
 #ifndef BENCHMARKS_CONTENT_LIBXML2_NAMES_H_

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # stowra_bench_content_peers: reads a feed with other libraries.
 
 find_package(Qt6 REQUIRED COMPONENTS Core)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/content/poco_feed.h"
 
 #include <Poco/SAX/Attributes.h>

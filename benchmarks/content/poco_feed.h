@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a feed with POCO, from SAX events or from a tree.
 
 #ifndef BENCHMARKS_CONTENT_POCO_FEED_H_

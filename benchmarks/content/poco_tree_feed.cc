@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Poco/AutoPtr.h>
 #include <Poco/DOM/Attr.h>
 #include <Poco/DOM/CharacterData.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/content/qt_feed.h"
 
 #include <QByteArray>

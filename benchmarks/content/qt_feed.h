@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a feed with Qt's QXmlStreamReader.
 
 #ifndef BENCHMARKS_CONTENT_QT_FEED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures building an upload's body against one write of the same file.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cases whose instructions are counted.
 
 #ifndef BENCHMARKS_INSTRUCTIONS_CASE_H_

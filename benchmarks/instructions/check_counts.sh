@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check_counts.sh [--update] RECORD COUNTS
 #
 # Compares COUNTS, the output of count.sh, with RECORD. Fails if a case takes over 5 % more instructions than recorded,

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # count.sh PROGRAM
 #
 # Prints each case of stowra-instructions and its number of instructions, sorted by name.

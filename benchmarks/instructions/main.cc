@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra-instructions: runs each case once to warm up and once to be counted, and prints its name.
 // count.sh runs it under callgrind.
 

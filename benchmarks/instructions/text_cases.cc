@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/instructions/case.h"
 #include "benchmarks/support/inputs.h"
 #include "common_stowraapi/platform/ustring.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/json/bare_rapidjson.h"
 
 #include <rapidjson/document.h>

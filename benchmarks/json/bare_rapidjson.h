@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limit for loading a JSON text: the parser alone.
 
 #ifndef BENCHMARKS_JSON_BARE_RAPIDJSON_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures loading a JSON text into a document.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/environment.h"
 
 #include <nlohmann/json.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine and the software of the measurements.
 
 #ifndef BENCHMARKS_REPORT_ENVIRONMENT_H_

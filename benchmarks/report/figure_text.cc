@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/figure_text.h"
 
 #include <fmt/format.h>

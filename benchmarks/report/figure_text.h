@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Formats figures for people.
 
 #ifndef BENCHMARKS_REPORT_FIGURE_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stowra-bench-report: judges the results of the benchmarks and writes the report.
 
 #include <CLI/CLI.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/markdown_table.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A Markdown table that is also readable as plain text.
 
 #ifndef BENCHMARKS_REPORT_MARKDOWN_TABLE_H_

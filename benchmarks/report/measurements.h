@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The results of the benchmark programs.
 
 #ifndef BENCHMARKS_REPORT_MEASUREMENTS_H_

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # gnuplot -c plot.gp DATA OUTPUT.svg|OUTPUT.png
 #
 # Draws each row of the report as a dot: the library's time as a multiple of the other's time. The band is the goal.

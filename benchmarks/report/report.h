@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The texts that are written about the measurements.
 
 #ifndef BENCHMARKS_REPORT_REPORT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/row.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The goals of the library, as benchmarks/rows.json lists them.
 
 #ifndef BENCHMARKS_REPORT_ROW_H_

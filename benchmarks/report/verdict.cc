@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/verdict.h"
 
 namespace stowra_bench {

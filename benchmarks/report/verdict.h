@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Judges whether a row is reached.
 
 #ifndef BENCHMARKS_REPORT_VERDICT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An update query from the request to the results, compared with the transfer alone.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/services/direct_item_map.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limit for reading the extension store's answer: RapidJSON alone, used as fast as possible.
 
 #ifndef BENCHMARKS_SERVICES_DIRECT_ITEM_MAP_H_

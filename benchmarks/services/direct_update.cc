@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/services/direct_update.h"
 
 #include <rapidjson/document.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limit for reading the update service's answer: RapidJSON alone.
 
 #ifndef BENCHMARKS_SERVICES_DIRECT_UPDATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures reading the extension store's answer into a map of items.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the extension store's answer with other libraries.
 
 #ifndef BENCHMARKS_SERVICES_PEER_ITEM_MAPS_H_

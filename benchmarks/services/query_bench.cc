@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures parsing an answer into the results of a query.
 
 #include <benchmark/benchmark.h>

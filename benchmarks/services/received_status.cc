@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/services/received_status.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An extension store status that has received an answer.
 
 #ifndef BENCHMARKS_SERVICES_RECEIVED_STATUS_H_

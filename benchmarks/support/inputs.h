@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Inputs of the benchmarks. They have the same bytes on every machine and in every run.
 
 #ifndef BENCHMARKS_SUPPORT_INPUTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/support/nginx.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs nginx for the benchmarks of one program.
 
 #ifndef BENCHMARKS_SUPPORT_NGINX_H_

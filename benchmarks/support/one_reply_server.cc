@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/support/one_reply_server.h"
 
 #include <arpa/inet.h>

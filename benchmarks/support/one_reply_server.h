@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A server for one request.
 
 #ifndef BENCHMARKS_SUPPORT_ONE_REPLY_SERVER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/content/content_helpers.h"
 
 #include "common_stowraapi/content/text_search.h"

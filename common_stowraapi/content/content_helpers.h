@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads names from the content service's URLs and headers.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_CONTENT_HELPERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One search result of the content service.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_CONTENT_ITEM_H_

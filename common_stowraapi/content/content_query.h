@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A page of search results from the content service.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_CONTENT_QUERY_H_

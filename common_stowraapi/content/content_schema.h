@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The content service's own vocabulary.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_CONTENT_SCHEMA_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Walks the children of one name.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_ELEMENT_LIST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the entries of a feed.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_ENTRY_READER_H_

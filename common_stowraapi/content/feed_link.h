@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the links of a feed and of its entries.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_FEED_LINK_H_

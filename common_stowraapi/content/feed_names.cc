@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/content/feed_names.h"
 
 #include "common_stowraapi/content/content_schema.h"

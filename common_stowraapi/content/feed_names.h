@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names and values that a search feed uses.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_FEED_NAMES_H_

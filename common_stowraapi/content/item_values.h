@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Values of the numeric members of ContentItem.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_ITEM_VALUES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/content/multipart_upload.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Builds the body and the headers of an upload.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_MULTIPART_UPLOAD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds text in strings.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_TEXT_SEARCH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads where to send the files of an upload.
 
 #ifndef COMMON_STOWRAAPI_CONTENT_UPLOAD_CONFIG_H_

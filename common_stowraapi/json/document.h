@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads, holds and writes a JSON text as a tree.
 
 #ifndef COMMON_STOWRAAPI_JSON_DOCUMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contents of a Document.
 
 #ifndef COMMON_STOWRAAPI_JSON_DOCUMENT_TREE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/json/lookup.h"
 
 #include "common_stowraapi/json/document_tree.h"

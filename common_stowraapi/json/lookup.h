@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a document without growing it, for the library's own services.
 
 #ifndef COMMON_STOWRAAPI_JSON_LOOKUP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operations on nodes that are safe where RapidJSON's own are not: on any type of node, on a null
 // pointer, and when memory runs out.
 

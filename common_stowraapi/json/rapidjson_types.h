@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The RapidJSON types of this room. Only the .cc files beside this header include it, and nothing
 // else includes RapidJSON.
 

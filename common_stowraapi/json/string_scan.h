@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds the end of the plain part of a JSON string. With it Load takes 0.4 times the instructions
 // at 2 to 200 KB, and ToString 0.65 times.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a tree from text.
 
 #ifndef COMMON_STOWRAAPI_JSON_TREE_READER_H_

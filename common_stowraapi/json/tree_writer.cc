@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/json/tree_writer.h"
 
 #include <cstddef>

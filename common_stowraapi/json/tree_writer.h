@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes a tree as text.
 
 #ifndef COMMON_STOWRAAPI_JSON_TREE_WRITER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A handle to one node of a JSON tree.
 
 #ifndef COMMON_STOWRAAPI_JSON_VALUE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One argument of ovrant_ustring::Format, with its type.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_FORMAT_ARGUMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // HTTP transfers, blocking and in the background.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_INTERNET_DATA_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The completion object of background transfers.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_INTERNET_DATA_DELEGATE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sends named notifications within the process.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFICATION_CENTER_H_

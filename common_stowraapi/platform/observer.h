@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The interface of observers of notifications.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_OBSERVER_H_

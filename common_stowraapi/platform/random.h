@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pseudo-random numbers. Not for secrets.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_RANDOM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings of all transfers, and the events that a listener gets.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TRANSFER_TYPES_H_

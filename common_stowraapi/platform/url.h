@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading the query part of a URL.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_URL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text type of every public interface, and helpers for it.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_USTRING_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading XML documents.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_INPUT_H_

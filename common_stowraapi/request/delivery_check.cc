@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/request/delivery_check.h"
 
 #ifndef NDEBUG

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Catches, in debug builds, calls that a host must not make while an object is being notified.
 
 #ifndef COMMON_STOWRAAPI_REQUEST_DELIVERY_CHECK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/request/web_service_request_base.h"
 
 #include <cstring>

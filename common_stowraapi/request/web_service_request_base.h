@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The base of the web service requests.
 
 #ifndef COMMON_STOWRAAPI_REQUEST_WEB_SERVICE_REQUEST_BASE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/services/extension_store_item.h"
 
 namespace ovrant::extensionstoreapi {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record of one extension.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_EXTENSION_STORE_ITEM_H_

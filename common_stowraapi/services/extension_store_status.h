@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Asks the extension store for the status of the installed extensions.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_EXTENSION_STORE_STATUS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the extension store's response into records.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_ITEM_MAP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/services/json_fields.h"
 
 #include "common_stowraapi/json/lookup.h"

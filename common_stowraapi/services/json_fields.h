@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads optional members of a JSON object into fields.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_JSON_FIELDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/services/update_query.h"
 
 #include <cstddef>

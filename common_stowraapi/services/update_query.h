@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Asks the update service for the current version, a message and data files.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_UPDATE_QUERY_H_

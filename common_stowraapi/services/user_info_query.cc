@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/services/user_info_query.h"
 
 #include "common_stowraapi/json/document.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Asks the account service who is signed in.
 
 #ifndef COMMON_STOWRAAPI_SERVICES_USER_INFO_QUERY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The last requests, for the front page.
 
 #ifndef EMULATOR_CONSOLE_JOURNAL_H_

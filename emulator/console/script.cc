@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/services.h"
 
 namespace stowra_emulator {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/catalog.h"
 
 #include <utility>

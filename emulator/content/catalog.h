@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The models and collections in the database.
 
 #ifndef EMULATOR_CONTENT_CATALOG_H_

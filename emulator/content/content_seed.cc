@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/content_seed.h"
 
 #include <array>

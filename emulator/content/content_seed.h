@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The models and collections of a new database.
 
 #ifndef EMULATOR_CONTENT_CONTENT_SEED_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the content service offers.
 
 #ifndef EMULATOR_CONTENT_ITEM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/item_address.h"
 
 #include "emulator/web_address.h"

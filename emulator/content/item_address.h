@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The addresses of an item's pages and files.
 
 #ifndef EMULATOR_CONTENT_ITEM_ADDRESS_H_

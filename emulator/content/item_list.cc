@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/item_list.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Items with their pictures on a web page.
 
 #ifndef EMULATOR_CONTENT_ITEM_LIST_H_

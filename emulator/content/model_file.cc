@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/model_file.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Made-up files for the seeded models.
 
 #ifndef EMULATOR_CONTENT_MODEL_FILE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture sizes of every item.
 
 #ifndef EMULATOR_CONTENT_PICTURE_SIZE_H_

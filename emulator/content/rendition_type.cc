@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/rendition_type.h"
 
 namespace stowra_emulator {

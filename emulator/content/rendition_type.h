@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The content types of model files.
 
 #ifndef EMULATOR_CONTENT_RENDITION_TYPE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parameters of a search.
 
 #ifndef EMULATOR_CONTENT_SEARCH_QUERY_H_

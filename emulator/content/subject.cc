@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/subject.h"
 
 namespace stowra_emulator {

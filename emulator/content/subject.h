@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the seeded models show.
 
 #ifndef EMULATOR_CONTENT_SUBJECT_H_

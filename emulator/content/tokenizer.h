@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tokenizer of the word index.
 
 #ifndef EMULATOR_CONTENT_TOKENIZER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/content/upload_form.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The form with which a client uploads a model.
 
 #ifndef EMULATOR_CONTENT_UPLOAD_FORM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that clients have uploaded.
 
 #ifndef EMULATOR_CONTENT_UPLOAD_STORE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/page/error_page.h"
 
 #include <nlohmann/json.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Errors for people.
 
 #ifndef EMULATOR_PAGE_ERROR_PAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/page/page.h"
 
 #include "emulator/page/style.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parts that all web pages share.
 
 #ifndef EMULATOR_PAGE_PAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/page/style.h"
 
 namespace stowra_emulator {

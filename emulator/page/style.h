@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The style sheet of all web pages.
 
 #ifndef EMULATOR_PAGE_STYLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/picture/canvas.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A canvas to draw faces on.
 
 #ifndef EMULATOR_PICTURE_CANVAS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Points and faces in space.
 
 #ifndef EMULATOR_PICTURE_GEOMETRY_H_

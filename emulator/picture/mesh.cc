@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/picture/mesh.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bodies made of faces.
 
 #ifndef EMULATOR_PICTURE_MESH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures of models.
 
 #ifndef EMULATOR_PICTURE_PICTURE_H_

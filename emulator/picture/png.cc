@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/picture/png.h"
 
 #include <zlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // PNG files.
 
 #ifndef EMULATOR_PICTURE_PNG_H_

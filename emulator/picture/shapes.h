@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shapes in the pictures.
 
 #ifndef EMULATOR_PICTURE_SHAPES_H_

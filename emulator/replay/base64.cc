@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/replay/base64.h"
 
 #include <openssl/evp.h>

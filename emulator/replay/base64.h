@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Base64 (RFC 4648).
 
 #ifndef EMULATOR_REPLAY_BASE64_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Taking credentials out of what is recorded.
 
 #ifndef EMULATOR_REPLAY_CREDENTIALS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A request and its response, as they are kept.
 
 #ifndef EMULATOR_REPLAY_EXCHANGE_H_

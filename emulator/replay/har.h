@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Exchanges as an HTTP Archive (HAR 1.2).
 
 #ifndef EMULATOR_REPLAY_HAR_H_

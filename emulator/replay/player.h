@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Giving recorded responses back.
 
 #ifndef EMULATOR_REPLAY_PLAYER_H_

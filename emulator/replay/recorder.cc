@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/replay/recorder.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Recording what another server answers.
 
 #ifndef EMULATOR_REPLAY_RECORDER_H_

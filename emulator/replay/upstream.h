@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The server that is recorded.
 
 #ifndef EMULATOR_REPLAY_UPSTREAM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loads a search feed, and each entry alone, and compares both with a second reader. The input is a
 // byte for the newest version that the host opens, then the feed.
 

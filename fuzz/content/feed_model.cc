@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/content/feed_model.h"
 
 #include <cstddef>

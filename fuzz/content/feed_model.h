@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second reader of search feeds, over a tree.
 
 #ifndef FUZZ_CONTENT_FEED_MODEL_H_

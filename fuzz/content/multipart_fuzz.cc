@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The body and the headers of an upload, compared with a second writer and read back. The input is
 //   - a byte of choices and two bytes for the length in the headers,
 //   - the boundary, the subject, the upload URL, the path of the file and the path of the other

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/content/multipart_reader.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A reader of multipart/form-data bodies (RFC 7578, RFC 2046).
 
 #ifndef FUZZ_CONTENT_MULTIPART_READER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ids, file names and versions out of texts, beside second readings. Input: the text.
 
 #include <cstdint>

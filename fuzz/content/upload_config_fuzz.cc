@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An upload configuration beside a second reading, twice into one object that held something
 // before. Input: the document.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/json/document_builder.h"
 
 #include <algorithm>

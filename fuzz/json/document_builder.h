@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Builds and changes trees as the fuzzer's bytes say, together with a model.
 
 #ifndef FUZZ_JSON_DOCUMENT_BUILDER_H_

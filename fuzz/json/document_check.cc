@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/json/document_check.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Compares a document with the tree that it should hold.
 
 #ifndef FUZZ_JSON_DOCUMENT_CHECK_H_

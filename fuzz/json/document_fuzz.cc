@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loads any text, reads it in every way, writes it and loads it again, and compares all that with
 // another parser. Then builds trees. The input is a text up to its first NUL, then the operations.
 

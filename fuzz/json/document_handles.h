@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Long-lived handles into a document, each with its node in a model.
 
 #ifndef FUZZ_JSON_DOCUMENT_HANDLES_H_

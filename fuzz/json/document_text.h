@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a document.
 
 #ifndef FUZZ_JSON_DOCUMENT_TEXT_H_

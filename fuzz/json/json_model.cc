@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/json/json_model.h"
 
 #include <algorithm>

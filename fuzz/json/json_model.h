@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second reading of JSON, by another parser than the library's, into a tree of plain values.
 
 #ifndef FUZZ_JSON_JSON_MODEL_H_

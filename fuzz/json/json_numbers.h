@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Predicts how the library reads the numbers of a JSON text.
 
 #ifndef FUZZ_JSON_JSON_NUMBERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The extension store's answer as records, beside a model. Input: the answer.
 
 #include "common_stowraapi/services/item_map.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Answers of the update service beside a model. Input: two answers, with a NUL between them: what
 // the first one left counts in the second.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The answer of the account service beside a model. Input: two answers, with a NUL between them.
 
 #include "common_stowraapi/services/user_info_query.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checks for fuzz targets.
 
 #ifndef FUZZ_SUPPORT_CHECK_H_

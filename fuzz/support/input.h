@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Turns the fuzzer's bytes into choices.
 
 #ifndef FUZZ_SUPPORT_INPUT_H_

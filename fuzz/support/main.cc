@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A main program for builds without a fuzzer. Runs a fuzz target on files and on the files in
 // folders. Fails if it finds no file.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Searching and uploading.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/allocation/each_failure.h"
 
 #include <chrono>

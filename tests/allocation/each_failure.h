@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs code once for each of its allocations and fails that allocation.
 
 #ifndef TESTS_ALLOCATION_EACH_FAILURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An observer that counts its notifications and allocates nothing when called.
 
 #ifndef TESTS_ALLOCATION_END_COUNTER_H_

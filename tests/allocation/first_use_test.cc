@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work that a process does once. Each failure gets a process of its own.
 
 #include <gtest/gtest.h>

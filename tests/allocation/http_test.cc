@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transfers on the caller's thread, on the worker's thread and on both.
 
 #include <gtest/gtest.h>

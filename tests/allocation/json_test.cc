@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents and values.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Notifications without memory.
 
 #include <gtest/gtest.h>

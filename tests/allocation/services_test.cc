@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Requests and the parsers of the services.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts, URLs and random numbers.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The XML reader.
 
 #include <gtest/gtest.h>

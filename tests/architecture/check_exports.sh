@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check_exports.sh LIBRARY LIST [--update]
 #
 # Compares the names that a shared library defines for others with the list that is kept beside this script.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check_floors.sh PROJECT_DIR
 #
 # Checks the rooms and the only arrows between them. Prints each include that goes another way, each circle of includes in

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Whether check_floors.sh accepts what it should and complains of each kind of wrong include.
 set -uo pipefail
 check=$(cd "$(dirname "$0")" && pwd)/check_floors.sh

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check_counts_test.sh CHECK_COUNTS
 #
 # Tests which instruction counts check_counts.sh accepts and which it rejects.

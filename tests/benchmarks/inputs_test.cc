@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/support/inputs.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/measurements.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/report.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/report/verdict.h"
 
 #include <gtest/gtest.h>

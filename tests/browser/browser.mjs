@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Starts an emulator and a headless Chromium for a test.
 //
 // The environment variables STOWRA_EMULATOR and STOWRA_CHROMIUM name the programs.

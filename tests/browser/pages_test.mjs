@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every page in three widths, light and dark. With STOWRA_SCREENSHOTS, a folder, pictures are kept.
 
 import assert from 'node:assert/strict';

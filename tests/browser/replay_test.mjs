@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a browser saves replays.
 
 import assert from 'node:assert/strict';

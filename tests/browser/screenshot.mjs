@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // screenshot.mjs FOLDER: saves the pictures in docs/emulator.md.
 
 import {post, upload, withPage} from './browser.mjs';

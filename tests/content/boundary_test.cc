@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The boundary of an upload's body.
 
 #include <gtest/gtest.h>

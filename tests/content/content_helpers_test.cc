@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/content/content_helpers.h"
 
 #include <gtest/gtest.h>

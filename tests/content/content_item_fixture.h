@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fixture for the tests of ContentItem.
 
 #ifndef TESTS_CONTENT_CONTENT_ITEM_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The thumbnails of an entry, its choice of a download, and the fields after a failure.
 
 #include <climits>

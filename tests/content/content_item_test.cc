@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The required parts of an entry, its kind, author, links and flags.
 
 #include "common_stowraapi/content/content_item.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The title and the links of a page of search results.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Feeds of other projects, unchanged and with the title and counts that most of them lack.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/content/feed_text.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Search feeds as text, in parts that a test replaces or leaves out.
 
 #ifndef TESTS_CONTENT_FEED_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ownership of items and thumbnails.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The headers of an upload.
 
 #include <gtest/gtest.h>

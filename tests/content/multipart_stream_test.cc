@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The body of an upload, written to streams of every kind and state.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The body of an upload, byte by byte.
 
 #include "common_stowraapi/content/multipart_upload.h"

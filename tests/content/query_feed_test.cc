@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ContentQuery::QueryFeed over a connection.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ContentItem::ExtractQmfVersionFromRTypValue.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Copies of a file of an upload.
 
 #include <gtest/gtest.h>

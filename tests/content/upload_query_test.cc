@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // UploadConfig::SynchronousQuery over a connection.
 
 #include <gtest/gtest.h>

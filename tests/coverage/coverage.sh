@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # coverage.sh BUILD_DIR: runs the tests of a build with the preset "coverage" and judges their coverage with judge.py.
 set -euo pipefail
 folder=$(cd "$(dirname "$0")" && pwd)

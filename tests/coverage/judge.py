@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """judge.py SOURCE_DIR COVERAGE_JSON UNCOVERED: judges the coverage that gcovr has counted.
 
 Prints the coverage of each room and piece, and each uncovered line with its reason. Fails if a room, or all rooms

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests what judge.py accepts and what it rejects."""
 
 import unittest

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/emulator/child_program.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that runs in a process of its own.
 
 #ifndef TESTS_EMULATOR_CHILD_PROGRAM_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/emulator/content_fixture.h"
 
 #include <nlohmann/json.hpp>

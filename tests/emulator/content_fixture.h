@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fixture for tests of the content service.
 
 #ifndef TESTS_EMULATOR_CONTENT_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/database.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/fault.h"
 
 #include <gmock/gmock.h>

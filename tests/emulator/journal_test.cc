@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/console/journal.h"
 
 #include <gmock/gmock.h>

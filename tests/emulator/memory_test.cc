@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory of the emulator's process. Sanitizers add memory of their own, so there the tests are
 // smaller and compare with a run that does little.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/picture/picture.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "emulator/range.h"
 
 #include <gmock/gmock.h>

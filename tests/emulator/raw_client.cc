@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/emulator/raw_client.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A client that sees the raw bytes and how the connection ends.
 
 #ifndef TESTS_EMULATOR_RAW_CLIENT_H_

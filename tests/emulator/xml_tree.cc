@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/emulator/xml_tree.h"
 
 #include <expat.h>

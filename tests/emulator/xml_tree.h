@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // XML as a tree, to check what the services answer.
 
 #ifndef TESTS_EMULATOR_XML_TREE_H_

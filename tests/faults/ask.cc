@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/faults/ask.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One transfer by any of the four calls, and its outcome.
 
 #ifndef TESTS_FAULTS_ASK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Connections that fail, break or fall silent.
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults between the library and a server, with the outcome that each must have.
 
 #ifndef TESTS_FAULTS_FAULT_H_

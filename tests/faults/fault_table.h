@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Records what each fault cost, and prints a table when the program ends.
 
 #ifndef TESTS_FAULTS_FAULT_TABLE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every network fault with every call that makes a transfer. Each row checks the outcome, the time
 // and what stays in the process.
 //

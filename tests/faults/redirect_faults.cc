@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Redirects in a circle, to schemes that are not allowed and to a long URL.
 
 #include "tests/faults/fault.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replies that break the rules of HTTP or of their encoding, and many that do not.
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults during a request, and transfers that the host deletes during a fault.
 
 #include <gtest/gtest.h>

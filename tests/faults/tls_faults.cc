@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Servers with wrong certificates, and TLS that breaks off.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/host/child.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs programs as child processes.
 
 #ifndef TESTS_HOST_CHILD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/host/host_test.h"
 
 namespace stowra_test {

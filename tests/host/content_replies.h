@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Builds the replies of a content service.
 
 #ifndef TESTS_HOST_CONTENT_REPLIES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/download_name.h"
 
 #include <gtest/gtest.h>

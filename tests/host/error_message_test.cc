@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/error_message.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each fault of the emulator, with each command that reads a document.
 
 #include <tuple>

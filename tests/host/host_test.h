@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shared by the tests of the program.
 
 #ifndef TESTS_HOST_HOST_TEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/main_loop.h"
 
 #include <gtest/gtest.h>

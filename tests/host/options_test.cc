@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the options change the transfers.
 
 #include <signal.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/progress_bar.h"
 
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <atomic>
 
 #include "tests/host/content_replies.h"

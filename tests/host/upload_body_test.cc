@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/upload_body.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/host/content_replies.h"
 #include "tests/host/host_test.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/version.h"
 #include "tests/host/host_test.h"
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # install_test.sh find_package|pkg_config BUILD_DIR CONSUMER_DIR COMPILER SANITIZERS
 set -euo pipefail
 

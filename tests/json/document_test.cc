@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Document: its root, its members and handles to them.
 
 #include "common_stowraapi/json/document.h"

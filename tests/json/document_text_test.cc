@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Load and ToString.
 
 #include <gtest/gtest.h>

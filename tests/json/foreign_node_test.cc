@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Nodes and pools that a caller makes with RapidJSON itself.
 
 #include <gtest/gtest.h>

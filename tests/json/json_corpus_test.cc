@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Public collections of JSON texts and of awkward strings.
 
 #include <gtest/gtest.h>

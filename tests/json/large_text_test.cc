@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts and names that need more than 32 bits to count.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Look-ups that leave no handle in the document.
 
 #include "common_stowraapi/json/lookup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts, trees and chains of handles that are too deep for recursion.
 
 #include <gtest/gtest.h>

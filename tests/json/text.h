@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers to load and write documents.
 
 #ifndef TESTS_JSON_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // PushBack, Clear and AddMember.
 
 #include <gtest/gtest.h>

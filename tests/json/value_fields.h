@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the private members of a handle.
 
 #ifndef TESTS_JSON_VALUE_FIELDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Handles: navigation, copies and assignments.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Types, getters and setters of one node.
 
 #include "common_stowraapi/json/value.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/memory/costs.h"
 
 #include "tests/support/failing_malloc.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures the memory that a parser needs.
 
 #ifndef TESTS_MEMORY_COSTS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Limits the memory of each parser to a multiple of its input, and prints the multiples.
 
 #include <gtest/gtest.h>

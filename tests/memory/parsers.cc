@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/memory/parsers.h"
 
 #include <memory>

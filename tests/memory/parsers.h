@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library's parsers, with inputs and the memory that each may use.
 
 #ifndef TESTS_MEMORY_PARSERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loads a thousand texts into one object: good, cut off and empty ones in turn.
 
 #include <gtest/gtest.h>

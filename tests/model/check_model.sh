@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Searches all states of deliveries.pml with spin. Fails on any error and on a search that does not reach every state.
 # Then breaks the waiting rule in two ways, and fails unless spin finds the fault.
 set -euo pipefail

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* A model of the calls of host code, and of the removals and destructors that wait for them.
  *
  * It has two host threads, the worker, two observers of one name and one transfer. Inside and outside

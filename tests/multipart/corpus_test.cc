@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tests the second parser itself, on bodies from another source with known parts.
 
 #include <gmock/gmock.h>

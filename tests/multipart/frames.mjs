@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The messages between the test program and the scripts here. A number is four bytes, most
 // significant first. A text is its length and its bytes. An absent text is the length 0xFFFFFFFF.
 

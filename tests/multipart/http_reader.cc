@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/multipart/http_reader.h"
 
 #include <gtest/gtest.h>

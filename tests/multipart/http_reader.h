@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A server that parses multipart bodies with cpp-httplib.
 
 #ifndef TESTS_MULTIPART_HTTP_READER_H_

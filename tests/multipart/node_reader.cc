@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/multipart/node_reader.h"
 
 #include <gtest/gtest.h>

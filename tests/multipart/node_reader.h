@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads multipart bodies with a parser in JavaScript.
 
 #ifndef TESTS_MULTIPART_NODE_READER_H_

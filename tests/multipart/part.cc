@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/multipart/part.h"
 
 #include <gmock/gmock.h>

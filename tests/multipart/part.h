@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parts that a parser found in a body.
 
 #ifndef TESTS_MULTIPART_PART_H_

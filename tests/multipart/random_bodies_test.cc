@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the library's bodies back with two parsers that share no code with it or each other.
 
 #include <gmock/gmock.h>

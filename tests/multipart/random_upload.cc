@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/multipart/random_upload.h"
 
 #include <algorithm>

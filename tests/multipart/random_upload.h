@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes random uploads.
 
 #ifndef TESTS_MULTIPART_RANDOM_UPLOAD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads multipart bodies. A request is a Content-Type and a body. The answer is the parser's
 // reading.
 

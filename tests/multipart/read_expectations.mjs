@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes the boundary and the expected reading of each YAML file on the command line.
 
 import { readFileSync } from 'node:fs';

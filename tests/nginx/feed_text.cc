@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/nginx/feed_text.h"
 
 namespace stowra_test {

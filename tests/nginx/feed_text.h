@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents of a content service.
 
 #ifndef TESTS_NGINX_FEED_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/nginx/nginx_server.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs nginx for one test.
 
 #ifndef TESTS_NGINX_NGINX_SERVER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the content service's client against nginx.
 
 #include <gmock/gmock.h>

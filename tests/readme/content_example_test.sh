@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # content_example_test.sh EXAMPLE EMULATOR
 set -euo pipefail
 source "$(dirname "$0")/with_emulator.sh" "$2"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // SECURITY.md states the library's limits.
 
 #include <gtest/gtest.h>

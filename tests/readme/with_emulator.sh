@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Source this with the emulator as $1. Starts it, sets url and work, and stops it at exit.
 work=$(mktemp -d)
 mkfifo "$work/url"

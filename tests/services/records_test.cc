@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host may copy, move and keep the records that the services fill.
 
 #include <gtest/gtest.h>

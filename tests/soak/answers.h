@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The requests to the soak's server, and its replies.
 
 #ifndef TESTS_SOAK_ANSWERS_H_

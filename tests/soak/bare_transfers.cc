@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/soak/bare_transfers.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uses transports and delegates directly, without requests.
 
 #ifndef TESTS_SOAK_BARE_TRANSFERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes calls that block until the reply.
 
 #ifndef TESTS_SOAK_BLOCKING_CALLS_H_

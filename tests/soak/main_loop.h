@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's main loop, which runs completions.
 
 #ifndef TESTS_SOAK_MAIN_LOOP_H_

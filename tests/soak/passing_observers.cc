@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/soak/passing_observers.h"
 
 #include <chrono>

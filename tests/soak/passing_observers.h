@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Adds and removes observers while notifications are sent.
 
 #ifndef TESTS_SOAK_PASSING_OBSERVERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names under which requests post for the host.
 
 #ifndef TESTS_SOAK_PUBLIC_NAMES_H_

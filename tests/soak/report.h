@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Counts what a soak does, and reports violations.
 
 #ifndef TESTS_SOAK_REPORT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three kinds of requests. Each checks its own reaction to a notification.
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uses requests of all three kinds on the main loop's thread, as a host does.
 
 #ifndef TESTS_SOAK_REQUESTS_H_

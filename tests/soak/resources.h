@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures the resources of the process.
 
 #ifndef TESTS_SOAK_RESOURCES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replaces the settings for all transfers while transfers run.
 
 #ifndef TESTS_SOAK_SETTINGS_H_

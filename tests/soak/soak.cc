@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uses everything at once, at random. Usage: soak SECONDS [--seed NUMBER]
 //
 // The main thread delivers, and uses requests of all three kinds. Other threads use bare

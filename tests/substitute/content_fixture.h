@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fixture for the tests of the content service.
 
 #ifndef TESTS_SUBSTITUTE_CONTENT_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The helpers on the substitute platform: what they search and which part they ask for.
 
 #include "common_stowraapi/content/content_helpers.h"

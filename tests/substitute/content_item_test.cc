@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What ContentItem::Load asks of the reader, and in what order.
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the members of the content service's classes lie, what they hold at first, and which
 // virtual functions there are: all of it part of the binary interface.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ContentQuery::QueryFeed and what it asks of its transport.
 
 #include <climits>

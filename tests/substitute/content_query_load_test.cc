@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What ContentQuery::Load asks of the reader, and in what order.
 
 #include <new>

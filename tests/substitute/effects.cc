@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/substitute/effects.h"
 
 #include <cstdint>

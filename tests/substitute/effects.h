@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The list of effects, in order: the library's calls to the substitute platform, and what the tests
 // add. For one thread.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ExtensionStoreStatus::AsynchronousStatus, and how its end is handled.
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fixture for the tests of ExtensionStoreStatus.
 
 #ifndef TESTS_SUBSTITUTE_EXTENSION_STORE_FIXTURE_H_

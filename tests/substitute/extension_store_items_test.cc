@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The records that ExtensionStoreStatus reads from its response.
 
 #include <map>

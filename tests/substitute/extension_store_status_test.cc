@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ExtensionStoreStatus apart from its background transfers: constants, registration, destruction,
 // SynchronousStatus.
 

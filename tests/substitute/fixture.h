@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fixture for the tests on the substitute platform.
 
 #ifndef TESTS_SUBSTITUTE_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What must not be done to an object while a notification is being delivered to it, and what may.
 
 #include <functional>

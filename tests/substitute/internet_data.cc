@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A transport without a network: the test's script says how each transfer ends. It uses none of the
 // functions that the class keeps to itself.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the members of the public classes lie: their order is part of the binary interface.
 
 #include <cstddef>

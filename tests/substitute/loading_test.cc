@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is loaded: the shipped library on the substitute platform, and no other platform; and what
 // it exports by name.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds the offsets of private members.
 
 #ifndef TESTS_SUBSTITUTE_MEMBER_ACCESS_H_

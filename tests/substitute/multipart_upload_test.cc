@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The multipart functions on the substitute platform: what they ask of clock, generator and text.
 
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Requests of both queries: construction, what is posted and when, what each failure keeps.
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A generator whose sequence is easy to foresee: 0, 7, 14, ... within the range.
 
 #include "common_stowraapi/platform/random.h"

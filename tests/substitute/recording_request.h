@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A request whose hooks record that they ran.
 
 #ifndef TESTS_SUBSTITUTE_RECORDING_REQUEST_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // WebServiceRequestBase::AsynchronousRequest and the handling of its end.
 
 #include <memory>

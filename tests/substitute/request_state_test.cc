@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The request base apart from its transfers: construction, Init, registration, the base's hooks.
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // WebServiceRequestBase::SynchronousRequest.
 
 #include <new>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations that search, cut and format texts, and their watch.
 
 #include "tests/substitute/text_operations.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Controls the text operations of the substitute.
 
 #ifndef TESTS_SUBSTITUTE_TEXT_OPERATIONS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Controls the transfers of the substitute transport.
 
 #ifndef TESTS_SUBSTITUTE_TRANSPORT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/substitute/transport_watch.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Detects the construction of transports. Their constructor is inline, so the library contains it.
 
 #ifndef TESTS_SUBSTITUTE_TRANSPORT_WATCH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Several live objects that hear the same names.
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What UpdateQuery reads from an answer, and what it keeps from the one before.
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // UploadConfig on the substitute platform: what it asks of reader and transport, and in what order.
 
 #include <climits>

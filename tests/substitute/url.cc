@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds parameters as they are written.
 
 #include "common_stowraapi/platform/url.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What UserInfoQuery accepts as an answer, and what it keeps of it.
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Making, converting and comparing texts, unit by unit.
 
 #include "common_stowraapi/platform/ustring.h"

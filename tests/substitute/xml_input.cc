@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A reader over a document that the test has built.
 
 #include "common_stowraapi/platform/xml_input.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The test's side of the substitute's XML reader: the documents that it opens.
 
 #ifndef TESTS_SUBSTITUTE_XML_SCRIPT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Marks threads that belong to the test and not to the library.
 
 #ifndef TESTS_SUPPORT_BYSTANDER_H_

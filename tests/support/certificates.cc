@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/certificates.h"
 
 #include <openssl/pem.h>

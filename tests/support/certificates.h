@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Certificates for TLS servers on this machine. Each test program makes new ones.
 
 #ifndef TESTS_SUPPORT_CERTIFICATES_H_

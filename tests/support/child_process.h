@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs programs as child processes of a test.
 
 #ifndef TESTS_SUPPORT_CHILD_PROCESS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/corpora.h"
 
 #include <gtest/gtest.h>

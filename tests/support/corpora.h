@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds and reads the test corpora.
 
 #ifndef TESTS_SUPPORT_CORPORA_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Waits for another thread.
 
 #ifndef TESTS_SUPPORT_EVENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/failing_malloc.h"
 
 #ifdef STOWRA_FAILS_ALLOCATIONS

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replaces malloc and operator new: they count allocations and fail on request. For programs that
 // compile failing_malloc.cc.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replaces operator new: it counts allocations and fails on request. For programs that compile
 // failing_new.cc.
 

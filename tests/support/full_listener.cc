@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/full_listener.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An open port to which no client can connect.
 
 #ifndef TESTS_SUPPORT_FULL_LISTENER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/notification_recorder.h"
 
 #include <utility>

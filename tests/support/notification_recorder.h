@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An observer that records its notifications.
 
 #ifndef TESTS_SUPPORT_NOTIFICATION_RECORDER_H_

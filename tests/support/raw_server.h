@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An HTTP server whose every byte the test chooses.
 
 #ifndef TESTS_SUPPORT_RAW_SERVER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Virtual functions by their number in the object's table, as a compiled host calls them. The table
 // is that of the C++ ABI of Linux and macOS.
 

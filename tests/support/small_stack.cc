@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/small_stack.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs code on the smallest stack that hosts give their threads.
 
 #ifndef TESTS_SUPPORT_SMALL_STACK_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A folder for the files of one test.
 
 #ifndef TESTS_SUPPORT_TEMPORARY_FOLDER_H_

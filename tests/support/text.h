@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts for tests.
 
 #ifndef TESTS_SUPPORT_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/platform/http/bare_curl.h"
 
 #include <curl/curl.h>

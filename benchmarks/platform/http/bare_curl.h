@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Downloads with libcurl alone, as a yardstick.
 
 #ifndef BENCHMARKS_PLATFORM_HTTP_BARE_CURL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Background downloads, one at a time and 64 at a time.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Downloads on the calling thread over an open connection. One transport or one easy handle makes
 // them all.
 

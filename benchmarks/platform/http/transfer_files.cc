@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/platform/http/transfer_files.h"
 
 #include <map>

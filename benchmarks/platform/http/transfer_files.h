@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that the transfer benchmarks fetch.
 
 #ifndef BENCHMARKS_PLATFORM_HTTP_TRANSFER_FILES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A download that fills much of the memory.
 
 #include <benchmark/benchmark.h>

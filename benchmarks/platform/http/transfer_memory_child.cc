@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Usage: transfer_memory_child URL LENGTH. Downloads once, into memory. The exit status is 0 when
 // LENGTH bytes came.
 

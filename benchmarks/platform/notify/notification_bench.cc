@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sends a notification among many observers, compared with a bare hash table. Adds and removes
 // observers.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // UTF-8 to the text type and back, beside the Unicode library used directly and Qt's string.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One transfer in the background, and the objects that it reports to.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_TRANSFER_H_

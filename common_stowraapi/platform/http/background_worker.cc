@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/background_worker.h"
 
 #if defined(__APPLE__)

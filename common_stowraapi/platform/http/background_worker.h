@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The thread that runs the background transfers.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_BACKGROUND_WORKER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A buffer for bytes that arrive piece by piece.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_BODY_BUFFER_H_

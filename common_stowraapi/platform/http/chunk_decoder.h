@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The chunked transfer coding of HTTP (RFC 9112, 7.1).
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_CHUNK_DECODER_H_

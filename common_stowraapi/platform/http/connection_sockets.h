@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sockets of a pool of connections.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_CONNECTION_SOCKETS_H_

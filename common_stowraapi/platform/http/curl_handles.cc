@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/curl_handles.h"
 
 #include <curl/curl.h>

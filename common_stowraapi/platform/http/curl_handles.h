@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Owners of libcurl's handles. They are untyped, because only source files include libcurl.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_CURL_HANDLES_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One HTTP request on the way to its reply, through all redirects.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_EXCHANGE_H_

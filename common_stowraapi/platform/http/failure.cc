@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/failure.h"
 
 #include <curl/curl.h>

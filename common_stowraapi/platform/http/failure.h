@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why a transfer has failed.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_FAILURE_H_

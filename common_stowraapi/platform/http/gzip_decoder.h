@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gzip content encoding (RFC 1952).
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_GZIP_DECODER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The header fields of a response.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_HEADER_FIELDS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/header_text.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rules of HTTP header text (RFC 9110, 5.1 and 5.5), for ASCII only.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_HEADER_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One request and its reply, as one libcurl transfer.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_HOP_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The libcurl options of one request.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_HOP_OPTIONS_H_

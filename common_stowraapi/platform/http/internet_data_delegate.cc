@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/internet_data_delegate.h"
 
 #include "common_stowraapi/platform/http/background_worker.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One HTTP request, and the reply to it.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_MESSAGE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where a redirect leads, and which of the caller's headers may go there.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_REDIRECT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/reply_decoder.h"
 
 #include <algorithm>

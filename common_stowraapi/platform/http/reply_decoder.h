@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the reply to one request.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_REPLY_DECODER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Building the headers of a request from several maps.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_REQUEST_HEADERS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status line and the header fields of an HTTP response (RFC 9112).
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_RESPONSE_HEAD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // HTTP exchanges on the calling thread.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_SYNCHRONOUS_TRANSFERS_H_

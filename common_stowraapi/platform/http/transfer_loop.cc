@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/transfer_loop.h"
 
 #include <curl/curl.h>

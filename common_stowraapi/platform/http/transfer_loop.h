@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drives exchanges over a shared pool of connections.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_LOOP_H_

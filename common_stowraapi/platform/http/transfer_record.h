@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The part of a transfer that its transport keeps.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_RECORD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's settings for all transfers.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_HTTP_TRANSFER_SETTINGS_H_

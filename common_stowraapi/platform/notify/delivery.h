@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The calls of host code that are under way, and the threads that wait for their ends.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lets an object stop callbacks into itself and wait for those that are running.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_DELIVERY_GATE_H_

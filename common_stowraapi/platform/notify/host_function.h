@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A function that the host sets and may replace at any time.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_HOST_FUNCTION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/notify/registry.h"
 
 #include "common_stowraapi/platform/notify/delivery.h"

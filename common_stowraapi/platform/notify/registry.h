@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which observers are registered.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_NOTIFY_REGISTRY_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds ASCII at the start of a text and converts it between UTF-8 and UTF-16.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_ASCII_RUN_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The C library's numbers without the host's locale.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_CLASSIC_LOCALE_H_

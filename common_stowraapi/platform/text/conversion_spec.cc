@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/text/conversion_spec.h"
 
 #include <algorithm>

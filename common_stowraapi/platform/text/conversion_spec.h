@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One conversion of a printf format, such as "%-8.3f".
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_CONVERSION_SPEC_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 

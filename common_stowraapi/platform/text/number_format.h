@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers as snprintf writes them in the "C" locale.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_NUMBER_FORMAT_H_

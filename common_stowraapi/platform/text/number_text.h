@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads decimal numbers, in any locale.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_NUMBER_TEXT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/ustring.h"
 
 #include <unicode/uchar.h>

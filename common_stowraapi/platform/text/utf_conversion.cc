@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/text/utf_conversion.h"
 
 #include <unicode/utf16.h>

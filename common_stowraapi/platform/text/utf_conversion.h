@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Converts text between Unicode encodings. A text may have any length and contain NUL.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_TEXT_UTF_CONVERSION_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a document may cost.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_LIMITS_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From the bytes of an XML document to its tree.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_PARSER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A cursor in an XML document.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_READER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An XML document as a tree.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_TREE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Values as XML texts spell them.
 
 #ifndef COMMON_STOWRAAPI_PLATFORM_XML_VALUES_H_

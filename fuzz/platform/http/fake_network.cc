@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/platform/http/fake_network.h"
 
 #include <dlfcn.h>

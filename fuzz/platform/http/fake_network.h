@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A network of one server. While it exists, every connection of this process leads to that server,
 // and nothing leaves the process. It replaces connect, getsockname, getpeername, send, poll,
 // getaddrinfo and freeaddrinfo of the C library.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Compares header fields with a transport's map.
 
 #ifndef FUZZ_PLATFORM_HTTP_JOINED_FIELDS_H_

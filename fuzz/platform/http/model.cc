@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/platform/http/model.h"
 
 #include <zlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second reader of HTTP replies, written apart from the library's.
 
 #ifndef FUZZ_PLATFORM_HTTP_MODEL_H_

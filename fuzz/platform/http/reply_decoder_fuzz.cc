@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Compares ReplyDecoder with a second reader. The input is three bytes of choices and the reply.
 //
 // The reply's lines go to the decoder one by one, and the rest in pieces of any size. Marks in the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Feeds whole server replies to the transport over socket pairs. The input is a byte of choices and
 // the replies.
 //

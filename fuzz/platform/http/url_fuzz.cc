@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Compares a parameter of a URL with a second reader's result. The input is the parameter's name, a
 // NUL and the URL.
 

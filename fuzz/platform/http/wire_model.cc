@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/platform/http/wire_model.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second reader of whole HTTP/1 connections, for replies without ambiguity.
 
 #ifndef FUZZ_PLATFORM_HTTP_WIRE_MODEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/platform/text/format.h"
 
 #include <cstddef>

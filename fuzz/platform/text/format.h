@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ovrant_ustring::Format beside the C library's formatting and a model.
 
 #ifndef FUZZ_PLATFORM_TEXT_FORMAT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/platform/text/model.h"
 
 #include <algorithm>

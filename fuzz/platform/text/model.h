@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second, plain implementation of the text operations, over code units.
 
 #ifndef FUZZ_PLATFORM_TEXT_MODEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Does the same operations on a few texts and on a model of code units. Each step of the input is a
 // byte for the operation, one for the texts, and what the operation takes. At the end each text is
 // read back.

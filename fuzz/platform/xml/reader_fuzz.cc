@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A walk through an XML document beside the same walk through a second tree of it. Input: one byte
 // for each step, a NUL, the document. A step's operation is its lower three bits, and its name is
 // that number among the document's own and a few that none has.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/platform/xml/tree.h"
 
 #include <expat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second reading of XML documents, for every target whose subject reads one.
 
 #ifndef FUZZ_PLATFORM_XML_TREE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A separate project that uses the installed library.
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transfers that are dropped while they wait for their turn.
 
 #include <gtest/gtest.h>

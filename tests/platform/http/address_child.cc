@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that downloads one URL. Usage: address_child MODE URL SECONDS.
 //
 // MODE is "blocking" or "background". SECONDS is the inactivity timeout. The program prints the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Arguments that a caller should not pass. No exception but std::bad_alloc comes of them.
 
 #include <gtest/gtest.h>

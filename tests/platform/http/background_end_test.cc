@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The end of background transfers, and what may happen to transports and delegates meanwhile.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The start of background transfers.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/body_buffer.h"
 
 #include <gtest/gtest.h>

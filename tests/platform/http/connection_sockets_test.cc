@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/connection_sockets.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deletes the objects of a background transfer in both orders.
 
 #ifndef TESTS_PLATFORM_HTTP_DELETION_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deletion of transport and delegate while a notification is delivered.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deletion of transport and delegate at any moment of a background transfer.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/http/end_listener.h"
 
 #include <gtest/gtest.h>

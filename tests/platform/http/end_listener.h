@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Listens for the ends of transfers.
 
 #ifndef TESTS_PLATFORM_HTTP_END_LISTENER_H_

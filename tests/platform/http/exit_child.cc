@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that exits while transfers run. Usage: exit_child MODE URL [CA_FILE].
 //
 // It starts transfers of URL and waits for a line on its input. Then it says "leaving" and exits as

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What exit_child and unload_child share with the test that runs them.
 
 #ifndef TESTS_PLATFORM_HTTP_EXIT_CHILD_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The part of exit_child that exits while requests run.
 
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/http/gzip_text.h"
 
 #include <zlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Encoders for content encodings.
 
 #ifndef TESTS_PLATFORM_HTTP_GZIP_TEXT_H_

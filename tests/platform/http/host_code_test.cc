@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Time that the host's own code takes. It is no silence of the server.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Access to the private members of a transport.
 
 #ifndef TESTS_PLATFORM_HTTP_INTERNET_DATA_TEST_PEER_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Header lines that are very long.
 
 #include <gtest/gtest.h>

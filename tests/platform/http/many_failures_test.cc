@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Many transfers that fail at once, each deleted in its own notification.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Headers that the host sets for one origin.
 
 #include <gtest/gtest.h>

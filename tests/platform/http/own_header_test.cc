@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Headers that the transport sets unless the host does.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Proxies that do not open the tunnel for https.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What of a request goes along with a redirect.
 
 #include <gtest/gtest.h>

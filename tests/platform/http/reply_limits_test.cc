@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Limits of a reply. Downloads and uploads have the same.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names with several addresses, of which some do not answer.
 //
 // A child program makes the transfers. It sees its own /etc/hosts, which gives the addresses.

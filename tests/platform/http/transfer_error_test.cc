@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why a transfer fails, as InternetData::LastError and the listener tell it.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fields of a transfer's events.
 
 #include <gtest/gtest.h>

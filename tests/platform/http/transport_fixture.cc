@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/http/transport_fixture.h"
 
 #include <stdlib.h>

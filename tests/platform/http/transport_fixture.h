@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers for the tests of the transport.
 
 #ifndef TESTS_PLATFORM_HTTP_TRANSPORT_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bytes that a server sends on a kept connection without a request.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that unloads a plugin while transfers run. The plugin uses the platform library, which
 // stays loaded. Usage: unload_child PLUGIN URL.
 

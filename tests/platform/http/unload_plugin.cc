@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A plugin of a host that uses the platform library.
 
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A plugin of a host that uses the whole library.
 
 #include "common_stowraapi/common_stowraapi.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // System resources that the worker takes and gives back.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Signals of the host's process. They do not reach the worker.
 
 #include <gtest/gtest.h>

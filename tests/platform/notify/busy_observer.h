@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An observer that another thread is calling.
 
 #ifndef TESTS_PLATFORM_NOTIFY_BUSY_OBSERVER_H_

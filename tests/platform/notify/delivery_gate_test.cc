@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/notify/delivery_gate.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Observers for the tests of the notification center.
 
 #ifndef TESTS_PLATFORM_NOTIFY_NOTIFICATION_FIXTURE_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which calls a removal waits for.
 
 #include <gtest/gtest.h>

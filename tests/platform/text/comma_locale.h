@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A locale whose decimal point is a comma.
 
 #ifndef TESTS_PLATFORM_TEXT_COMMA_LOCALE_H_

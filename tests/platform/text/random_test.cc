@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/random.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // compare_nocase.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Format: first against the C library, then what it promises beyond that.
 
 #include <gtest/gtest.h>

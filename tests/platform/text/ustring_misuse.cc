@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Code that must not compile: one case for each value of MISUSE. Case 0 is correct.
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading numbers out of text.
 
 #include <gtest/gtest.h>

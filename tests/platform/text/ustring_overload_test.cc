@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which types make, extend and meet a string, and which function an argument selects.
 
 #include <gtest/gtest.h>

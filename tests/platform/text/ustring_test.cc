@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text type, operation by operation. Conversion, case, numbers, overloads and Format have files
 // of their own.
 

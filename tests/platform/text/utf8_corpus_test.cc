@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Published UTF-8 test data through the text type.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conversion against a second, plain implementation, around every size at which the fast one
 // changes its step.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A public conformance suite for XML readers.
 
 #include <gtest/gtest.h>

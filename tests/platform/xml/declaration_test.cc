@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a document type declaration may hold, and references to entities.
 
 #include <gtest/gtest.h>

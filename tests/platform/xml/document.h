@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A document that a test opens, and the reader's operations on plain strings.
 
 #ifndef TESTS_PLATFORM_XML_DOCUMENT_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents in different encodings.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Public collections of feeds, read by the operations alone.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/xml/hostile_document.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents made to cost more than their size.
 
 #ifndef TESTS_PLATFORM_XML_HOSTILE_DOCUMENT_H_

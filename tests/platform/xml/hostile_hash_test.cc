@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names for which the standard library's hash of strings gives one value. They are found by undoing
 // the steps of the hash. A hash table that relies on it would compare each name with each.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Long lists whose children are asked for in awkward orders. The cost must not be quadratic.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents whose parts are long, deep or many, or whose declarations would cost more than their
 // size.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A document type declaration opens and fetches nothing.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Children of a long list, asked for in any order.
 
 #include <gtest/gtest.h>

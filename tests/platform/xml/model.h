@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second, plain way to read a document: a tree that is built first and written as XML then.
 
 #ifndef TESTS_PLATFORM_XML_MODEL_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random walks through random documents, beside a plain model of the reader.
 
 #include "tests/platform/xml/model.h"

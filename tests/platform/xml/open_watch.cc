@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/xml/open_watch.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Noticing that a file is opened or a server is called.
 
 #ifndef TESTS_PLATFORM_XML_OPEN_WATCH_H_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What Get_IXMLInput opens, and the end of a reader.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A document means the same wherever its parts lie. The parser converts long texts in pieces.
 
 #include <gtest/gtest.h>

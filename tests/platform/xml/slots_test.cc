@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The order of the virtual functions, which is part of the binary interface.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a tree charges against its memory limit.
 
 #include "common_stowraapi/platform/xml/tree.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // GetElementText, GetElementInt and GetElementBool.
 
 #include <gtest/gtest.h>

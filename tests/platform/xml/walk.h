@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents and what a reader finds on its way through them.
 
 #ifndef TESTS_PLATFORM_XML_WALK_H_

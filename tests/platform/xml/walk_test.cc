@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Moving about, and names with and without namespaces.
 
 #include "tests/platform/xml/walk.h"
