@@ -14,7 +14,7 @@
 namespace stowra_emulator {
 namespace {
 
-using Outcome = StopEvent::Outcome;
+using WaitOutcome = StopEvent::Outcome;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -50,7 +50,7 @@ SocketAddress ClientSocket::LocalAddress() const { return SocketAddress::OfSocke
 
 bool ClientSocket::WaitReadable(milliseconds timeout) const {
   return channel_->HasBufferedInput() ||
-         stop_.Wait(socket_.get(), POLLIN, timeout) == Outcome::kReady;
+         stop_.Wait(socket_.get(), POLLIN, timeout) == WaitOutcome::kReady;
 }
 
 // Waits before each attempt, so that a busy client cannot delay the stop.
@@ -80,15 +80,15 @@ bool ClientSocket::Send(const char* data, std::size_t size) {
 
 bool ClientSocket::WaitFor(ssize_t wanted) const {
   const short events = wanted == Channel::kWantsRead ? POLLIN : POLLOUT;
-  return stop_.Wait(socket_.get(), events, kInactivityTimeout) == Outcome::kReady;
+  return stop_.Wait(socket_.get(), events, kInactivityTimeout) == WaitOutcome::kReady;
 }
 
 bool ClientSocket::Pause(milliseconds duration) const {
   const auto deadline = steady_clock::now() + duration;
   short events = channel_->HasBufferedInput() ? short{0} : POLLIN;
   while (true) {
-    const Outcome outcome = stop_.Wait(socket_.get(), events, Until(deadline));
-    if (outcome != Outcome::kReady) return outcome == Outcome::kTimedOut;
+    const WaitOutcome outcome = stop_.Wait(socket_.get(), events, Until(deadline));
+    if (outcome != WaitOutcome::kReady) return outcome == WaitOutcome::kTimedOut;
     char next;
     const ssize_t peeked = channel_->Peek(&next, 1);
     if (peeked == 0 || peeked == Channel::kFailed) return false;
@@ -110,7 +110,7 @@ void ClientSocket::Finish() {
   ::shutdown(socket_.get(), SHUT_WR);
   const auto deadline = steady_clock::now() + kLingerTimeout;
   char ignored[4096];
-  while (stop_.Wait(socket_.get(), POLLIN, Until(deadline)) == Outcome::kReady) {
+  while (stop_.Wait(socket_.get(), POLLIN, Until(deadline)) == WaitOutcome::kReady) {
     const ssize_t received = ::recv(socket_.get(), ignored, sizeof(ignored), 0);
     const bool is_blocked = errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK;
     if (received == 0 || (received < 0 && !is_blocked)) break;

@@ -4,9 +4,12 @@
 namespace stowra_emulator {
 
 std::string HttpResponse::Head() const {
-  std::string head = "HTTP/1.1 " + std::to_string(status) + " " + reason + "\r\n";
-  for (const auto& [name, value] : fields) head += name + ": " + value + "\r\n";
-  return head + "\r\n";
+  std::string head = "HTTP/1.1 ";
+  head.append(std::to_string(status)).append(" ").append(reason).append("\r\n");
+  for (const auto& [name, value] : fields) {
+    head.append(name).append(": ").append(value).append("\r\n");
+  }
+  return head.append("\r\n");
 }
 
 }  // namespace stowra_emulator

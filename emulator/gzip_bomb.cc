@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kInflatedSize = std::size_t{1} << 30;
 constexpr std::size_t kSegmentSize = std::size_t{16} << 20;
-constexpr std::size_t kChunkSize = std::size_t{64} << 10;
+constexpr std::size_t kDeflateChunk = std::size_t{64} << 10;
 constexpr int kRawDeflate = -MAX_WBITS;
 
 struct EndDeflate {
@@ -35,21 +35,21 @@ Segment MakeSegment() {
     throw std::bad_alloc();
   }
   const std::unique_ptr<z_stream, EndDeflate> end_deflate(&stream);
-  std::array<Bytef, kChunkSize> spaces;
+  std::array<Bytef, kDeflateChunk> spaces;
   spaces.fill(' ');
-  std::array<Bytef, kChunkSize> output;
+  std::array<Bytef, kDeflateChunk> output;
   Segment segment;
-  for (std::size_t done = 0; done < kSegmentSize; done += kChunkSize) {
+  for (std::size_t done = 0; done < kSegmentSize; done += kDeflateChunk) {
     stream.next_in = spaces.data();
-    stream.avail_in = kChunkSize;
-    segment.crc = crc32(segment.crc, spaces.data(), kChunkSize);
-    const int flush = done + kChunkSize == kSegmentSize ? Z_FULL_FLUSH : Z_NO_FLUSH;
+    stream.avail_in = kDeflateChunk;
+    segment.crc = crc32(segment.crc, spaces.data(), kDeflateChunk);
+    const int flush = done + kDeflateChunk == kSegmentSize ? Z_FULL_FLUSH : Z_NO_FLUSH;
     do {
       stream.next_out = output.data();
-      stream.avail_out = kChunkSize;
+      stream.avail_out = kDeflateChunk;
       deflate(&stream, flush);
       segment.deflated.append(reinterpret_cast<const char*>(output.data()),
-                              kChunkSize - stream.avail_out);
+                              kDeflateChunk - stream.avail_out);
     } while (stream.avail_out == 0);
   }
   return segment;

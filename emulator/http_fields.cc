@@ -52,7 +52,7 @@ void HideField(std::string& head, std::string_view name) {
   for (std::size_t start = NextLine(head, 0); start < head.size(); start = NextLine(head, start)) {
     const std::size_t colon = head.find(':', start);
     if (colon == std::string::npos) return;
-    if (EqualNames(std::string_view(head).substr(start, colon - start), name)) {
+    if (EqualNames({head.data() + start, colon - start}, name)) {
       head.insert(start, kHidden);
     }
   }

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/spooled_file.h"
 
-#include <stdlib.h>
-
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <system_error>
 
 namespace stowra_emulator {

@@ -12,10 +12,10 @@
 namespace stowra_emulator {
 namespace {
 
-constexpr long kSecondsInDay = 24 * 60 * 60;
+constexpr long kSecondsInDay = 24L * 60 * 60;
 
 // So that a client whose clock is slow accepts it.
-constexpr long kClockSkew = -60 * 60;
+constexpr long kClockSkew = -60L * 60;
 
 void SetSerialNumber(X509& certificate) {
   std::array<unsigned char, 8> bytes;

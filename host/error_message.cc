@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::size_t kMaxCharacters = 200;
 constexpr std::size_t kMaxBytes = 4 * kMaxCharacters;  // only invalid UTF-8 has more
-constexpr std::string_view kWhiteSpace = " \t\r\n";
+constexpr std::string_view kBlanks = " \t\r\n";
 
-bool IsSpace(char c) { return kWhiteSpace.find(c) != std::string_view::npos; }
+bool IsSpace(char c) { return kBlanks.find(c) != std::string_view::npos; }
 
 bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;

@@ -28,8 +28,8 @@ std::string EncodeBase64(std::string_view bytes) {
 std::optional<std::string> DecodeBase64(const std::string& text) {
   if (text.size() % 4 != 0) return std::nullopt;
   std::string bytes(text.size() / 4 * 3, '\0');
-  const int size =
-      EVP_DecodeBlock(Bytes(bytes), Bytes(std::string_view(text)), static_cast<int>(text.size()));
+  const std::string_view coded = text;
+  const int size = EVP_DecodeBlock(Bytes(bytes), Bytes(coded), static_cast<int>(coded.size()));
   if (size < 0) return std::nullopt;
   // OpenSSL counts the padding as zero bytes.
   const auto padding =

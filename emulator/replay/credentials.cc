@@ -18,8 +18,8 @@ constexpr std::array<std::string_view, 10> kSecretNames = {
 bool NamesACredential(std::string_view name) {
   std::string plain;
   for (const char c : name) {
-    if (c != '-' && c != '_')
-      plain += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (c == '-' || c == '_') continue;
+    plain += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   }
   return std::any_of(kSecretNames.begin(), kSecretNames.end(), [&plain](std::string_view secret) {
     return plain.find(secret) != std::string::npos;
@@ -45,8 +45,7 @@ void BlankParameters(std::string& text) {
     ++start;
     const std::size_t end = std::min(text.find_first_of(kEnds, start), text.size());
     const std::size_t equals = std::min(text.find('=', start), end);
-    const bool is_secret =
-        equals < end && NamesACredential(std::string_view(text).substr(start, equals - start));
+    const bool is_secret = equals < end && NamesACredential({text.data() + start, equals - start});
     if (is_secret) text.replace(equals + 1, end - equals - 1, kBlank);
     start = text.find_first_of("?&", start);
   }

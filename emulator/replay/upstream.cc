@@ -62,12 +62,12 @@ HttpFields ResponseFields(const httplib::Response& response, const std::string& 
 
 }  // namespace
 
-HttpResponse AskUpstream(const std::string& upstream, const HttpRequest& raw,
+HttpResponse AskUpstream(const std::string& upstream, const HttpRequest& request,
                          std::uint64_t max_body) {
   const Address address = SplitAddress(upstream);
   httplib::Client client(address.site);
   // The request's own credentials go before those of the address.
-  if (!address.user.empty() && FieldValue(raw.fields, "Authorization").empty()) {
+  if (!address.user.empty() && FieldValue(request.fields, "Authorization").empty()) {
     client.set_basic_auth(address.user, address.password);
   }
   client.set_url_encode(false);
@@ -77,21 +77,21 @@ HttpResponse AskUpstream(const std::string& upstream, const HttpRequest& raw,
   client.set_write_timeout(kTimeout);
 
   HttpResponse answer;
-  httplib::Request request = MakeRequest(raw);
-  request.content_receiver = [&answer, max_body](const char* data, std::size_t size, std::uint64_t,
-                                                 std::uint64_t) {
+  httplib::Request sent = MakeRequest(request);
+  sent.content_receiver = [&answer, max_body](const char* data, std::size_t size, std::uint64_t,
+                                              std::uint64_t) {
     if (size > max_body - answer.body.size()) return false;
     answer.body.append(data, size);
     return true;
   };
-  const httplib::Result result = client.send(request);
+  const httplib::Result result = client.send(sent);
   if (!result) {
     throw RequestError(502, "no answer from " + WithoutCredentials(upstream) + ": " +
                                 httplib::to_string(result.error()));
   }
   answer.status = result->status;
   answer.reason = result->reason;
-  answer.fields = ResponseFields(*result, raw.method, answer.body.size());
+  answer.fields = ResponseFields(*result, request.method, answer.body.size());
   return answer;
 }
 

@@ -24,8 +24,8 @@ std::string_view View(const char* utf8) {
 
 // The Unicode library counts in 32 bits. Of a longer text only so much is compared.
 std::int32_t CaseLength(std::u16string_view units) {
-  constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min(units.size(), kMost));
+  constexpr std::size_t kMaxLength = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(std::min(units.size(), kMaxLength));
 }
 
 }  // namespace
