@@ -5,11 +5,6 @@
 #include "common_stowraapi/json/node.h"
 
 namespace ovrant::json {
-namespace {
-
-Node* NodeOf(void* node) { return static_cast<Node*>(node); }
-
-}  // namespace
 
 Value Lookup::Root(const Document& document) { return document.tree_->RootHandle(); }
 

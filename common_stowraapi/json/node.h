@@ -20,6 +20,9 @@ void FreeNode(void* node);
 // The node of a handle. For a null pointer, a shared null node that must not be written to.
 const Node& ReadNode(const void* node);
 
+// The node of a handle, which may be null.
+inline Node* NodeOf(void* node) { return static_cast<Node*>(node); }
+
 // The element, the member's value or the member. Null if it does not exist, or if `node` is null or
 // of another type. A std::string_view holds UTF-8.
 Node* FindElement(Node* node, unsigned int index);

@@ -12,8 +12,6 @@ namespace {
 
 using ovrant::utils::ovrant_ustring;
 
-Node* NodeOf(void* node) { return static_cast<Node*>(node); }
-
 Pool* PoolOf(void* allocator) { return static_cast<Pool*>(allocator); }
 
 // Empties `handles`. Takes each handle's own list from it first: a long chain of handles must not
