@@ -15,9 +15,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 // A kept transfer has posted by then, unless its completion was dropped.
-constexpr std::chrono::seconds kOverdue(15);
+constexpr std::chrono::seconds kOverdue(40);
 
-// Destructors do not wait for the network. The limit allows for a busy machine.
+// Destructors do not wait for the network. The limit allows for a busy machine, and some of the
+// inactivity timeouts are longer.
 constexpr std::chrono::seconds kLongestDeletion(5);
 
 constexpr std::uint32_t kLongestPause = 800;  // microseconds

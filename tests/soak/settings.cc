@@ -16,6 +16,10 @@ using ovrant::internet::TransferEvent;
 namespace {
 
 constexpr std::chrono::milliseconds kPace(5);
+
+// Seconds. Longer than the longest deletion that the soak allows. So a destructor that waits for a
+// silent server is seen.
+constexpr float kLongTimeout = 8;
 constexpr std::uint32_t kLongestDelay = 30;  // milliseconds
 constexpr std::uint32_t kOneDroppedOf = 200;
 
@@ -122,7 +126,8 @@ void SettingsChanges::ReplaceListener() {
 
 void SettingsChanges::ReplaceDefaults() {
   TransferDefaults defaults;
-  defaults.inactivity_timeout = 0.5F + static_cast<float>(random_.Draw(3)) / 4;
+  defaults.inactivity_timeout =
+      random_.OneIn(8) ? kLongTimeout : 0.5F + static_cast<float>(random_.Draw(3)) / 4;
   // Some caps are smaller than the big bodies.
   if (random_.OneIn(4)) defaults.body_cap = 100'000 + random_.Draw(1'000'000);
   if (random_.OneIn(2)) defaults.user_agent = "soak";
