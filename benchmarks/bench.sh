@@ -22,6 +22,13 @@ processor() {
   echo "${name:-$(uname -m)}"
 }
 
+# The library's last commit. A "+" says that it has changed since.
+commit() {
+  local library=$here/../common_stowraapi changed=''
+  git -C "$here" diff --quiet HEAD -- "$library" || changed=+
+  echo "$(git -C "$here" log -1 --format=%h -- "$library")$changed"
+}
+
 # measure PROGRAM BENCHMARK OUTPUT: runs one benchmark in its own process. Another benchmark in the process could leave
 # a fragmented heap or vector registers in use. Either makes a parser a tenth slower.
 measure() {
@@ -53,7 +60,7 @@ fi
 status=0
 "$build/benchmarks/report/stowra-bench-report" --rows "$here/rows.json" \
   --environment "$build/benchmarks/report/environment.json" --counts "$results/counts.txt" \
-  --processor "$(processor)" --document "$docs/performance.md" --summary "$docs/performance.json" \
+  --commit "$(commit)" --processor "$(processor)" --document "$docs/performance.md" --summary "$docs/performance.json" \
   --plot-data "$results/plot.tsv" "$results"/*.json || status=$?
 [ "$status" -le 1 ] || exit "$status"
 gnuplot -c "$here/report/plot.gp" "$results/plot.tsv" "$docs/performance.svg"

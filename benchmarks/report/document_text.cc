@@ -22,9 +22,10 @@ programs under `benchmarks/` and judges their results by `benchmarks/rows.json`.
 - A figure is the median of all rounds. In each round, every benchmark runs once in its own process.
   Other load on the machine then affects both sides, and no benchmark inherits another one's heap.
   Time is real time.
-- A limit is the parser, libcurl or the memory under the library, used directly. RapidJSON is
-  compiled as packaged, without its SIMD switch. A peer is another library that a host could use,
-  in its fastest way. XML peers also read from a tree, as ContentQuery does.
+- A limit is the parser, libcurl or the memory under the library, used directly. RapidJSON stands
+  there as packaged, without its SIMD switch, and in its fastest way, with SSE2 and in place. A peer
+  is another library that a host could use, in its fastest way. XML peers also read from a tree, as
+  ContentQuery does. Before the clock starts, each peer's fields are compared with ours.
 - Transfers go to nginx on the same machine. nginx and the program share one processor. The time is
   then the work of both, and does not depend on how the system wakes processors.
 - callgrind counts instructions in the second run of a case. The counts depend on processor type,
@@ -51,10 +52,10 @@ std::string FigureOf(const Verdict& verdict) {
 
 std::string EnvironmentText(const Report& report) {
   const Environment& environment = report.environment;
-  std::string text =
-      fmt::format("{}. {}, {} processors, {}. {}, {}.\n", report.measurements.date().substr(0, 10),
-                  environment.processor, report.measurements.processors(), environment.system,
-                  environment.compiler, environment.flags);
+  std::string text = fmt::format("{}, commit {}. {}, {} processors, {}. {}, {}.\n",
+                                 report.measurements.date().substr(0, 10), environment.commit,
+                                 environment.processor, report.measurements.processors(),
+                                 environment.system, environment.compiler, environment.flags);
   const char* separator = "";
   for (const auto& [name, version] : environment.libraries) {
     text += separator + name + ' ' + version;
@@ -70,6 +71,20 @@ std::string InstructionTable(const Report& report) {
         if (measure == "instructions") table.AddRow({name, CountText(measurement.median)});
       });
   return table.ToText();
+}
+
+std::string ReasonList(const std::vector<Verdict>& verdicts) {
+  std::string text;
+  for (const Verdict& verdict : verdicts) {
+    const Row& row = verdict.row;
+    const std::string against = row.against_text.empty() ? "" : ", against " + row.against_text;
+    if (!row.because.empty()) {
+      text += fmt::format("- {}{}: {}\n", row.what, against, row.because);
+    } else if (verdict.is_measured() && !verdict.is_reached()) {
+      text += fmt::format("- {}{}: not reached, and nobody has said why.\n", row.what, against);
+    }
+  }
+  return text.empty() ? text : text + '\n';
 }
 
 std::string FailureList(const Report& report) {
@@ -119,7 +134,9 @@ std::string DocumentText(const Report& report) {
   text += EnvironmentText(report) + '\n';
   text += FailureList(report);
   text += "## Against the limits and the peers\n\n" + ComparisonTable(report) + '\n';
+  text += ReasonList(report.comparisons);
   text += "## Growth\n\n" + GrowthTable(report) + '\n';
+  text += ReasonList(report.growth);
   text += "## Instructions of small cases\n\n" + InstructionTable(report) + '\n';
   text += std::string("## How it is measured\n\n") + kHowMeasured;
   return text;

@@ -12,6 +12,7 @@
 namespace stowra_bench {
 
 struct Environment {
+  std::string commit;  // that was measured
   std::string processor;
   std::string system;
   std::string compiler;
@@ -19,8 +20,8 @@ struct Environment {
   std::vector<std::pair<std::string, std::string>> libraries;  // name and version
 };
 
-// Reads the file that the build writes (environment.json.in). The processor stays empty. Throws a
-// std::exception for another document.
+// Reads the file that the build writes (environment.json.in). Commit and processor stay empty.
+// Throws a std::exception for another document.
 Environment ReadEnvironment(std::istream& file);
 
 }  // namespace stowra_bench

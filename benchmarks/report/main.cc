@@ -20,6 +20,7 @@ struct Options {
   std::string rows;
   std::string environment;
   std::string counts;
+  std::string commit;
   std::string processor;
   std::string document;
   std::string summary;
@@ -52,6 +53,7 @@ Report MakeReport(const Options& options) {
   }
   ReadFile(options.counts, [&](std::istream& file) { report.measurements.AddCounts(file); });
   report.environment = ReadFile(options.environment, ReadEnvironment);
+  report.environment.commit = options.commit;
   report.environment.processor = options.processor;
   const Rows rows = ReadFile(options.rows, ReadRows);
   report.comparisons = JudgeAll(rows.comparisons, report.measurements);
@@ -73,6 +75,7 @@ int Run(int argc, char** argv) {
   app.add_option("--rows", options.rows, "the goals")->required();
   app.add_option("--environment", options.environment, "the build's environment.json")->required();
   app.add_option("--counts", options.counts, "instruction counts")->required();
+  app.add_option("--commit", options.commit, "the commit that was measured")->required();
   app.add_option("--processor", options.processor, "the processor's name")->required();
   app.add_option("--document", options.document, "the Markdown file to write")->required();
   app.add_option("--summary", options.summary, "the JSON file to write")->required();

@@ -35,6 +35,7 @@ Row ReadRow(const json& member) {
   row.unit = member.value("unit", "");
   row.is_times_as_fast = member.contains("times_as_fast");
   row.bound = member.value(row.is_times_as_fast ? "times_as_fast" : "at_most", 0.0);
+  row.because = member.value("because", "");
 
   Require(!row.id.empty() && !row.what.empty() && !row.ours.empty(), row.id,
           "row, what and ours are required");

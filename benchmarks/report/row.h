@@ -26,6 +26,9 @@ struct Row {
   // If true, other / ours must be at least `bound`. Otherwise ours / other must be at most `bound`.
   bool is_times_as_fast = false;
   double bound = 0;
+
+  std::string
+      because;  // why the bound is what it is, or why the row does not reach it; may be empty
 };
 
 struct Rows {

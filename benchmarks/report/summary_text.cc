@@ -21,6 +21,7 @@ bool IsKept(const std::string& measure) {
 std::string ContextText(const Report& report) {
   ordered_json context;
   context["date"] = report.measurements.date();
+  context["commit"] = report.environment.commit;
   context["processor"] = report.environment.processor;
   context["processors"] = report.measurements.processors();
   context["system"] = report.environment.system;

@@ -45,6 +45,7 @@ Report MakeReport() {
                                  RowOf("sending", "nothing", "fast", "absent", 1)},
                                 report.measurements);
   report.growth = JudgeAll({RowOf("ten times", "", "tenfold", "fast", 11)}, report.measurements);
+  report.environment.commit = "0123abc";
   report.environment.processor = "Some processor";
   report.environment.libraries = {{"expat", "2.5.0"}};
   return report;
@@ -79,6 +80,20 @@ TEST(ReportTest, DocumentHasMachineTablesAndPlot) {
   EXPECT_THAT(document, HasSubstr("| tenfold |"));
 }
 
+TEST(ReportTest, DocumentNamesTheCommit) {
+  EXPECT_THAT(DocumentText(MakeReport()), HasSubstr("2026-03-14, commit 0123abc. "));
+}
+
+TEST(ReportTest, DocumentSaysWhyOrThatNobodyHasSaid) {
+  Report report = MakeReport();
+  const std::string unexplained = "- loading, against parser: not reached, and nobody has said why";
+  EXPECT_THAT(DocumentText(report), HasSubstr(unexplained));
+  EXPECT_THAT(DocumentText(report), Not(HasSubstr("against peer: ")));
+  report.comparisons[0].row.because = "it does more.";
+  EXPECT_THAT(DocumentText(report), HasSubstr("- loading, against parser: it does more.\n"));
+  EXPECT_THAT(DocumentText(report), Not(HasSubstr(unexplained)));
+}
+
 TEST(ReportTest, DocumentNamesFailedBenchmarks) {
   Report report = MakeReport();
   EXPECT_THAT(DocumentText(report), Not(HasSubstr("failed: ")));
@@ -91,7 +106,7 @@ TEST(ReportTest, DocumentNamesFailedBenchmarks) {
 TEST(ReportTest, SummaryIsJsonWithOneMedianPerLine) {
   EXPECT_EQ(SummaryText(MakeReport()),
             R"({
-"context": {"date":"2026-03-14T09:26:53","processor":"Some processor","processors":2,)"
+"context": {"date":"2026-03-14T09:26:53","commit":"0123abc","processor":"Some processor","processors":2,)"
             R"("system":"","compiler":"","flags":"","libraries":{"expat":"2.5.0"}},
 "measurements": [
 {"name":"fast","measure":"instructions","median":1000.0,"unit":"instructions","repetitions":1},

@@ -150,6 +150,27 @@ BENCHMARK(FindAndCall<std::string>)
     ->Arg(10'000)
     ->UseRealTime();
 
+// The same names in turn, in the standard library's hash table.
+void FindAndCallManyNames(benchmark::State& state) {
+  const IdleThread second;
+  std::vector<std::string> names;
+  for (std::int64_t i = 0; i < state.range(); ++i) names.push_back(NameOf(i));
+  std::vector<Counter> counters(names.size());
+  std::unordered_map<std::string_view, ovrant::IObserver*> observers;
+  for (std::size_t i = 0; i < names.size(); ++i) observers.emplace(names[i], &counters[i]);
+  std::size_t next = 0;
+  for (auto _ : state) {
+    const char* const name = names[next].c_str();
+    const auto found = observers.find(name);
+    if (found != observers.end()) found->second->OnNotification(name, nullptr);
+    if (++next == names.size()) next = 0;
+  }
+  std::int64_t count = 0;
+  for (const Counter& counter : counters) count += counter.count();
+  if (count != state.iterations()) state.SkipWithError("not delivered");
+}
+BENCHMARK(FindAndCallManyNames)->Name("SendManyNames/table_of_views")->Arg(256)->UseRealTime();
+
 // Adds and removes one observer among others of the same name.
 void ComeAndGo(benchmark::State& state) {
   CNotificationCenter& center = *CNotificationCenter::Default();
