@@ -1,6 +1,20 @@
 # SPDX-License-Identifier: MIT
 include(GoogleTest)
 
+# Most of a test's time in the compiler goes into GoogleTest's headers and into optimising. So the headers are compiled
+# once, and the test programs are hardly optimised. The code under test is, as ever.
+set(STOWRA_TEST_OPTIMISATION -O1)
+if(STOWRA_SANITIZE OR STOWRA_COVERAGE OR CMAKE_BUILD_TYPE STREQUAL "Debug")
+  set(STOWRA_TEST_OPTIMISATION -O0)
+endif()
+if(NOT TARGET stowra_test_headers)
+  file(CONFIGURE OUTPUT test_headers.cc CONTENT "int main() {}\n")
+  add_executable(stowra_test_headers EXCLUDE_FROM_ALL "${CMAKE_CURRENT_BINARY_DIR}/test_headers.cc")
+  target_compile_options(stowra_test_headers PRIVATE ${STOWRA_WARNINGS} ${STOWRA_TEST_OPTIMISATION})
+  target_link_libraries(stowra_test_headers PRIVATE GTest::gmock)
+  target_precompile_headers(stowra_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+endif()
+
 # stowra_build_for_labels(<target> <label>...)
 #
 # Makes the target tests_<label>, which builds what the tests of a label run, build <target>.
@@ -31,7 +45,11 @@ function(stowra_add_test_program name)
     get_filename_component(TEST_LABELS "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
   endif()
   add_executable(${name} ${sources})
-  target_compile_options(${name} PRIVATE ${STOWRA_WARNINGS})
+  target_compile_options(${name} PRIVATE ${STOWRA_WARNINGS} ${STOWRA_TEST_OPTIMISATION})
+  target_precompile_headers(${name} REUSE_FROM stowra_test_headers)
+  # These run before a sanitizer is ready. Optimised, they call no function that it instruments.
+  set_source_files_properties("${STOWRA_FAILING_MALLOC}" "${STOWRA_FAILING_NEW}" PROPERTIES
+    COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} stowra_test_support GTest::gmock
                                         GTest::gtest_main)
   stowra_build_for_labels(${name} ${TEST_LABELS})
