@@ -33,6 +33,7 @@ $library/content    ($library/content/|PLATFORM|$base)                          
 host                (host/|PUBLIC)                                                                          <(CLI/|fmt/)
 benchmarks          (benchmarks/|PUBLIC)                                                                    <(benchmark/|CLI/|curl/|expat\.h|fmt/|libxml/|malloc\.h|nlohmann/|Poco/|Q[A-Za-z]+>|rapidjson/|unicode/)
 fuzz                (fuzz/|tests/|$library/)                                                                <(expat\.h|nlohmann/|zlib\.h)
+examples            ((\.\./)?[a-z_]+\.h|PUBLIC)                                                              <(dispatch/dispatch\.h|glib\.h|Q[A-Za-z]+>)
 emulator            emulator/                                                                               <(CLI/|httplib\.h|nlohmann/|openssl/|sqlite3\.h|zlib\.h)
 "
 
