@@ -95,6 +95,12 @@ void AddReplayOptions(CLI::App& app, Arguments& arguments) {
       ->needs(replay);
 }
 
+void AddOptions(CLI::App& app, EmulatorOptions& options, Arguments& arguments) {
+  AddServerOptions(app, options, arguments);
+  AddFaultOptions(app, options, arguments);
+  AddReplayOptions(app, arguments);
+}
+
 std::shared_ptr<ExchangeSource> MakeSource(const Arguments& arguments, const Limits& limits) {
   if (!arguments.record_file.empty()) {
     return std::make_shared<Recorder>(arguments.record_file, arguments.upstream, limits.body);
@@ -109,9 +115,7 @@ std::shared_ptr<ExchangeSource> MakeSource(const Arguments& arguments, const Lim
 std::optional<int> ReadCommandLine(int argc, const char* const* argv, EmulatorOptions& options) {
   Arguments arguments;
   CLI::App app(kHelp, "stowra-emulator");
-  AddServerOptions(app, options, arguments);
-  AddFaultOptions(app, options, arguments);
-  AddReplayOptions(app, arguments);
+  AddOptions(app, options, arguments);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -128,6 +132,14 @@ std::optional<int> ReadCommandLine(int argc, const char* const* argv, EmulatorOp
     return kUsageError;
   }
   return std::nullopt;
+}
+
+void DescribeCommandLine(const std::function<void(const CLI::App&)>& visit) {
+  EmulatorOptions options;
+  Arguments arguments;
+  CLI::App app(kHelp, "stowra-emulator");
+  AddOptions(app, options, arguments);
+  visit(app);
 }
 
 }  // namespace stowra_emulator

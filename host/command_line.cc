@@ -16,6 +16,9 @@ namespace stowra {
 
 namespace {
 
+constexpr char kDescription[] =
+    "Calls the online services through the library, as a host application does.";
+
 constexpr char kExamples[] =
     "Examples:\n"
     "  stowra user-info http://127.0.0.1:8080/user-info\n"
@@ -55,8 +58,7 @@ ExitStatus ComplainOfUsage(const CLI::App& app, const std::string& what) {
 }  // namespace
 
 ExitStatus RunCommandLine(int argc, const char* const* argv) {
-  CLI::App app("Calls the online services through the library, as a host application does.",
-               "stowra");
+  CLI::App app(kDescription, "stowra");
   Task chosen;
   SetUp(app, chosen);
   try {
@@ -69,6 +71,13 @@ ExitStatus RunCommandLine(int argc, const char* const* argv) {
     return ComplainOfUsage(app, error.what());
   }
   return chosen ? chosen() : ComplainOfUsage(app, "a command is needed");
+}
+
+void DescribeCommandLine(const std::function<void(const CLI::App&)>& visit) {
+  CLI::App app(kDescription, "stowra");
+  Task chosen;
+  SetUp(app, chosen);
+  visit(app);
 }
 
 }  // namespace stowra

@@ -34,6 +34,7 @@ host                (host/|PUBLIC)                                              
 benchmarks          (benchmarks/|PUBLIC)                                                                    <(benchmark/|CLI/|curl/|expat\.h|fmt/|libxml/|malloc\.h|nlohmann/|Poco/|Q[A-Za-z]+>|rapidjson/|unicode/)
 fuzz                (fuzz/|tests/|$library/)                                                                <(expat\.h|nlohmann/|zlib\.h)
 examples            ((\.\./)?[a-z_]+\.h|PUBLIC)                                                              <(dispatch/dispatch\.h|glib\.h|Q[A-Za-z]+>)
+packaging           (packaging/|(host|emulator)/command_line\.h)                                             <CLI/
 emulator            emulator/                                                                               <(CLI/|httplib\.h|nlohmann/|openssl/|sqlite3\.h|zlib\.h)
 "
 

@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$1"
 
 mapfile -t sources < <(find . \( -path ./build -o -name .git -o -name node_modules \) -prune -o -type f \
-  \( -name '*.cc' -o -name '*.h' -o -name '*.mjs' -o -name '*.sh' -o -name '*.py' -o -name '*.rb' -o -name '*.pml' \
+  \( -name '*.cc' -o -name '*.h' -o -name '*.mjs' -o -name '*.sh' -o -name '*.zsh' -o -name '*.py' -o -name '*.rb' -o -name '*.pml' \
   -o -name '*.gp' -o -name '*.cmake' -o -name '*.cmake.in' -o -name '*.pc.in' -o -name '*.tbd' -o -name CMakeLists.txt \
   -o -path ./run -o -path ./.ci/run \) -print)
 

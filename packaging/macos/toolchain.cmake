@@ -1,0 +1,19 @@
+# SPDX-License-Identifier: MIT
+# Compiles for macOS with Zig's compiler, which brings the headers of macOS's C library and of libc++. Everything else comes
+# from the folder that sysroot.sh fills. Set STOWRA_ZIG, STOWRA_MACOS_TARGET (aarch64-macos.14.0) and STOWRA_MACOS_SYSROOT.
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES STOWRA_ZIG STOWRA_MACOS_TARGET STOWRA_MACOS_SYSROOT)
+set(CMAKE_SYSTEM_NAME Darwin)
+string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR "${STOWRA_MACOS_TARGET}")
+
+set(CMAKE_CXX_COMPILER "${STOWRA_ZIG}" c++)
+set(CMAKE_CXX_COMPILER_TARGET "${STOWRA_MACOS_TARGET}")
+find_program(CMAKE_AR NAMES llvm-ar llvm-ar-14 REQUIRED)
+find_program(CMAKE_RANLIB NAMES llvm-ranlib llvm-ranlib-14 REQUIRED)
+find_program(CMAKE_INSTALL_NAME_TOOL NAMES llvm-install-name-tool llvm-install-name-tool-14 REQUIRED)
+
+set(CMAKE_FIND_ROOT_PATH "${STOWRA_MACOS_SYSROOT}")
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-F${STOWRA_MACOS_SYSROOT}/System/Library/Frameworks")
