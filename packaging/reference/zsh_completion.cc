@@ -22,7 +22,7 @@ std::string Values(const Argument& argument) {
     if (!argument.choices.empty()) {
       text += "(" + Joined(argument.choices, " ") + ")";
     } else {
-      text += argument.TakesFile() ? "_files" : " ";
+      text += argument.TakesFile() ? "_files" : "()";
     }
   }
   return text;

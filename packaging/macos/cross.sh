@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# cross.sh BUILD_DIR [ARCHITECTURE...]
+#
+# Compiles the library and the programs for macOS on Linux, for x86_64 and aarch64. Links the libraries and stowra against
+# text stubs and checks what they ask of the system. Nothing is run. Run it in the project's folder.
+set -euo pipefail
+mkdir -p "$1"
+build=$(cd "$1" && pwd)
+shift
+[ $# -gt 0 ] || set -- x86_64 aarch64
+here=packaging/macos
+export ZIG_GLOBAL_CACHE_DIR=$build/cache ZIG_LOCAL_CACHE_DIR=$build/cache
+export CMAKE_CXX_COMPILER_LAUNCHER=
+
+cp "$here"/package*.json "$build"
+(cd "$build" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >/dev/null)
+zig=$(echo "$build"/node_modules/@zigc/linux-*/bin/zig)
+"$here/sysroot.sh" "$build/sysroot"
+
+for architecture in "$@"; do
+  echo "== $architecture: $("$zig" c++ --version | head -n 1)"
+  tree=$build/$architecture
+  PKG_CONFIG_LIBDIR=$build/sysroot/usr/lib/pkgconfig cmake -G Ninja -S . -B "$tree" \
+    -DCMAKE_TOOLCHAIN_FILE="$here/toolchain.cmake" -DSTOWRA_ZIG="$zig" -DSTOWRA_MACOS_TARGET="$architecture-macos.14.0" \
+    -DSTOWRA_MACOS_SYSROOT="$build/sysroot" -DSTOWRA_BUILD_TESTS=OFF -DCMAKE_BUILD_TYPE=Release >"$tree.log" ||
+    { cat "$tree.log" >&2; exit 1; }
+  # The emulator is compiled, not linked: its libraries have no stubs.
+  cmake --build "$tree" --target CommonStowraapi stowra stowra_emulator_services \
+    emulator/CMakeFiles/stowra-emulator.dir/main.cc.o
+  "$here/check.sh" "$tree"
+done
