@@ -22,8 +22,11 @@ expect() {
   fi
 }
 
-# loaded FILE: the libraries that it loads, without versions.
-loaded() { "$objdump" --macho --dylibs-used "$1" | sed -nE 's/^\t(.*) \(compat.*/\1/p' | LC_ALL=C sort; }
+# loaded FILE: the libraries that it loads, without versions and without itself.
+loaded() {
+  "$objdump" --macho --dylibs-used "$1" | sed -nE 's/^\t(.*) \(compat.*/\1/p' |
+    grep -vxF "$("$objdump" --macho --dylib-id "$1" | tail -n 1)" | LC_ALL=C sort
+}
 
 # identity LIBRARY: "NAME (compatibility version A, current version B)"
 identity() { "$objdump" --macho --all-headers "$1" | awk '
@@ -32,10 +35,10 @@ identity() { "$objdump" --macho --all-headers "$1" | awk '
   id && $1 == "current" { current = $3 }
   id && $1 == "compatibility" { print name " (compatibility version " $3 ", current version " current ")" }'; }
 
-# plain: names without what only one standard library writes. Instances of its own templates are left out.
+# plain: names without what only one standard library writes. Its own instances and the linker's names are left out.
 plain() {
   sed -E 's/std::__(1|cxx11)::/std::/g; s/\[abi:[a-z0-9]+\]//g; s/ >/>/g; s/ >/>/g' |
-    grep -vE '^((typeinfo|typeinfo name|vtable|guard variable) for )?(void |bool )?std::|^operator (new|delete)' | LC_ALL=C sort -u
+    grep -vE '^((typeinfo|typeinfo name|vtable|guard variable) for )?(void |bool )?std::|^operator (new|delete)|^__' | LC_ALL=C sort -u
 }
 exported() { "$nm" --defined-only --extern-only --demangle "$1" | sed -E 's/^[0-9a-f]* +[A-Za-z] //; s/^_([Ck])/\1/' | plain; }
 
