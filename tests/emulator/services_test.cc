@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
@@ -20,6 +21,9 @@ using testing::HasSubstr;
 
 class ServicesTest : public testing::Test {
  protected:
+  // A sanitizer makes the emulator slow.
+  ServicesTest() { client_.set_read_timeout(std::chrono::minutes(1)); }
+
   json GetJson(const std::string& target, int status = 200) {
     const httplib::Result result = client_.Get(target);
     EXPECT_TRUE(result) << target << ": " << httplib::to_string(result.error());
@@ -31,9 +35,9 @@ class ServicesTest : public testing::Test {
 
   json PostExtensions(const std::string& body, int status = 200) {
     const httplib::Result result = client_.Post("/extensions", body, "application/json");
-    EXPECT_TRUE(result) << body << ": " << httplib::to_string(result.error());
+    EXPECT_TRUE(result) << body.substr(0, 100) << ": " << httplib::to_string(result.error());
     if (!result) return json();
-    EXPECT_EQ(result->status, status) << body;
+    EXPECT_EQ(result->status, status) << body.substr(0, 100);
     return json::parse(result->body);
   }
 
@@ -183,7 +187,7 @@ TEST_F(ServicesTest, AnyOtherBodyIsABadRequest) {
 }
 
 TEST_F(ServicesTest, SurvivesDeepNestingInARequest) {
-  const std::string deep(500000, '[');
+  const std::string deep(200'000, '[');
   const std::string closed = deep + std::string(deep.size(), ']');
   PostExtensions(deep, 400);
   const json answer =
