@@ -27,9 +27,13 @@ ovrant_ustring::ovrant_ustring(const ovrant_ustring& other) = default;
 ovrant_ustring::~ovrant_ustring() = default;
 
 ovrant_ustring& ovrant_ustring::operator=(const ovrant_ustring& other) = default;
-ovrant_ustring& ovrant_ustring::operator=(const char* utf8) { return assign_utf8(utf8); }
+ovrant_ustring& ovrant_ustring::operator=(const char* utf8) {
+  assign_utf8(utf8);
+  return *this;
+}
 ovrant_ustring& ovrant_ustring::assign_utf8(const char* utf8) {
-  return *this = ovrant_ustring(utf8);
+  *this = ovrant_ustring(utf8);
+  return *this;
 }
 ovrant_ustring& ovrant_ustring::operator+=(const ovrant_ustring& other) {
   units_ += other.units_;
@@ -93,8 +97,8 @@ std::vector<ovrant_ustring> ovrant_ustring::TokenizeToVector(
 void ovrant_ustring::FormatArguments(const ovrant_ustring& format, const FormatArgument* args,
                                      std::size_t count) {
   *this = format;
-  if (count == 1)
-    replace_all("%i", ovrant_ustring(QString::number(args[0].as_signed()).toStdString()));
+  if (count == 0) return;
+  replace_all("%i", ovrant_ustring(QString::number(args[0].as_signed()).toStdString()));
 }
 
 ovrant_ustring GetFileName(const ovrant_ustring& path, bool with_extension) {

@@ -31,7 +31,7 @@ class RequestBody {
 };
 
 struct HttpReply {
-  QNetworkReply* reply;
+  QNetworkReply* source;
 };
 
 // A transfer. Deleting it drops the transfer, also in the notification that ends it.
@@ -93,10 +93,10 @@ void InternetData::Reset() {
   responded_ = false;
 }
 
-void InternetData::Publish(HttpReply http) {
-  status_code_ = http.reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-  responded_ = status_code_ != 0 && IsWhole(*http.reply);
-  const QByteArray body = http.reply->readAll();
+void InternetData::Publish(HttpReply reply) {
+  status_code_ = reply.source->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+  responded_ = status_code_ != 0 && IsWhole(*reply.source);
+  const QByteArray body = reply.source->readAll();
   if (!responded_ || body.isEmpty()) return;
   received_data_length_ = static_cast<unsigned long>(body.size());
   received_data_ = new unsigned char[received_data_length_];
