@@ -19,8 +19,8 @@ failed=0
 for library in CommonStowraapiPlatform CommonStowraapi; do
   record=$records/$library.abi
   abidw --headers-dir "$build/installed/include" --drop-private-types --exported-interfaces-only --no-show-locs \
-    --no-corpus-path --no-comp-dir-path --type-id-style hash --out-file "$build/$library.abi" \
-    "$build/common_stowraapi/lib$library.so"
+    --no-corpus-path --no-comp-dir-path --type-id-style hash --suppressions "$records/abi.suppressions" \
+    --out-file "$build/$library.abi" "$build/common_stowraapi/lib$library.so"
   if [ "${2-}" = --update ]; then
     cp "$build/$library.abi" "$record"
   elif abidiff --no-added-syms "$record" "$build/$library.abi"; then

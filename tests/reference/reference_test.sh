@@ -18,6 +18,8 @@ expect() {
   fi
 }
 
+options() { grep -oE -- '--[a-z][a-z-]*' | LC_ALL=C sort -u; }
+
 # bash_completes WORD...: the completions of the last word.
 bash_completes() {
   bash -c 'source "$0/stowra.bash"; source "$0/stowra-emulator.bash"
@@ -42,10 +44,9 @@ case $part in
       if command -v mandoc >/dev/null; then
         expect "$page.1 by mandoc" "" "$(mandoc -T lint -W warning "$folder/$page.1")"
       fi
-      "$folder/../../${page#stowra-}"/"$page" --help 2>/dev/null | grep -oE -- '--[a-z][a-z-]*' | sort -u |
-        while read -r option; do
-          grep -qF -- "${option//-/\\-}" "$folder/$page.1" || echo "$option"
-        done | { missing=$(cat); [ -z "$missing" ] || { echo "$page.1 lacks $missing" >&2; exit 1; }; } || failed=1
+      program=$folder/../../$([ "$page" = stowra ] && echo host || echo emulator)/$page
+      expect "options that $page.1 lacks" "" \
+        "$(comm -23 <("$program" --help | options) <(sed 's/\\-/-/g' "$folder/$page.1" | options))"
     done ;;
   bash)
     need bash
