@@ -1,6 +1,9 @@
 # SPDX-License-Identifier: MIT
 include(GoogleTest)
 
+# It links a test program several times faster than GNU's linker.
+find_program(STOWRA_LLD ld.lld)
+
 # Most of a test's time in the compiler goes into GoogleTest's headers and into optimising. So the headers are compiled
 # once, and the test programs are hardly optimised. The code under test is, as ever.
 set(STOWRA_TEST_OPTIMISATION -O1)
@@ -47,6 +50,9 @@ function(stowra_add_test_program name)
   add_executable(${name} ${sources})
   target_compile_options(${name} PRIVATE ${STOWRA_WARNINGS} ${STOWRA_TEST_OPTIMISATION})
   target_precompile_headers(${name} REUSE_FROM stowra_test_headers)
+  if(STOWRA_LLD)
+    target_link_options(${name} PRIVATE -fuse-ld=lld)
+  endif()
   # These run before a sanitizer is ready. Optimised, they call no function that it instruments.
   set_source_files_properties("${STOWRA_FAILING_MALLOC}" "${STOWRA_FAILING_NEW}" PROPERTIES
     COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
