@@ -132,6 +132,13 @@ class STOWRA_EXPORT InternetData {
   // runs then is destroyed later.
   static void SetTransferListener(std::function<void(const TransferEvent&)> listener);
 
+  // The same for a listener that also hears of the steps of a transfer. Each step is told on the
+  // thread that takes it. The listener may delete the transfer's transport and delegate. In the
+  // steps, secrets are blanked unless `secrets` is kShown (see TransferSecrets).
+  static void SetTransferListener(std::function<void(const TransferEvent&)> listener,
+                                  TransferDetail detail,
+                                  TransferSecrets secrets = TransferSecrets::kBlanked);
+
   // Sets the function that brings the end of a background transfer to the host. The transport's
   // thread calls `executor` with a completion, which posts the notification when it is run. The
   // executor should queue the completion and return. It must not throw.

@@ -67,9 +67,43 @@ struct TransferDefaults {
   std::map<ovrant::utils::ovrant_ustring, ovrant::utils::StringMap> origin_request_headers;
 };
 
+// How much a listener hears (InternetData::SetTransferListener).
+enum class TransferDetail {
+  kProgress,  // kStarted, kProgress and kEnded
+  kSteps,     // all kinds
+  kHeads,     // all kinds, and the header fields of each request and response
+};
+
+// Whether the steps show secrets. If not, "***" stands for these:
+//
+//   - A URL's user name and password, the values of its query, and its fragment.
+//   - The value of a header field whose name contains auth, cookie, key, password, secret, session
+//     or token, in any letter case.
+//   - The value of a header field that TransferDefaults::origin_request_headers has.
+//
+// The path of a URL and the other header fields are shown as they are. So is TransferEvent::url in
+// kStarted, kProgress and kEnded.
+enum class TransferSecrets { kBlanked, kShown };
+
 // One step of one transfer. The listener may use it only during the call.
 struct TransferEvent {
-  enum class Kind { kStarted, kProgress, kEnded };
+  enum class Kind {
+    kStarted,
+    kProgress,
+    kEnded,
+
+    // With TransferDetail::kSteps. A background transfer is queued before it starts. Then come, for
+    // each request of the transfer, kConnected to kResponse, and kRedirected if another request
+    // follows. A failed transfer ends early. Nothing follows kQueued when the transfer is dropped
+    // before it starts.
+    kQueued,
+    kConnected,   // the request can be sent
+    kRequest,     // it goes out
+    kFirstByte,   // the response begins
+    kResponse,    // its head is complete; also an interim one, with status 1xx
+    kRedirected,  // another request follows
+    kPosted,      // after kEnded: the delegate's notification was posted, its observers returned
+  };
 
   Kind kind = Kind::kStarted;
 
@@ -107,6 +141,37 @@ struct TransferEvent {
 
   // Complete at kEnded.
   TransferTimes times;
+
+  // The members below are for listeners of steps. `times` is then what has passed so far, in every
+  // kind. `total` tells when the step was taken.
+
+  // Counts the requests of the transfer from 1. The method and the URL of this one.
+  unsigned int request = 0;
+  const char* request_method = "";
+  ovrant::utils::ovrant_ustring request_url;
+
+  // From kConnected on: the numeric address and port, the proxy's if there is one, and whether the
+  // connection was kept from an earlier request. `tls` is such as "TLSv1.3". It is empty without
+  // TLS, with other TLS libraries than OpenSSL, and on a connection that was made without a
+  // listener of steps.
+  ovrant::utils::ovrant_ustring address;
+  int port = 0;
+  bool is_reused = false;
+  ovrant::utils::ovrant_ustring tls;
+
+  // With TransferDetail::kHeads. kRequest: the request line and the fields as sent. kResponse: the
+  // status line and the fields. kEnded: the part of a response's head that came before a failure.
+  // Each line ends with a line feed.
+  ovrant::utils::ovrant_ustring head;
+
+  // kRedirected: the URL of the next request.
+  ovrant::utils::ovrant_ustring redirect_url;
+
+  // kPosted: its name. Otherwise empty.
+  ovrant::utils::ovrant_ustring notification;
+
+  // The system's number of the thread, 0 where it is not known.
+  unsigned long thread = 0;
 };
 
 }  // namespace ovrant::internet

@@ -150,6 +150,15 @@ TEST_F(TransportAllocationTest, TransferWithAllSettingsFailsOrSucceeds) {
   EXPECT_GT(starts, 0);
 }
 
+TEST_F(TransportAllocationTest, ListenerOfHeadsMayLoseSteps) {
+  std::atomic<int> heads{0};
+  InternetData::SetTransferListener(
+      [&](const TransferEvent& event) { heads += event.head.empty() ? 0 : 1; },
+      ovrant::internet::TransferDetail::kHeads);
+  EXPECT_GT(FailTransfer(To("/redirect"), [](Sent& sent) { return sent.Download(); }), 40);
+  EXPECT_GT(heads, 0);
+}
+
 // A background transfer and its posts.
 struct InBackground {
   explicit InBackground(const std::string& url, const char* returned = kReturned,

@@ -38,6 +38,7 @@ void BackgroundTransfer::Deliver() {
 
   // Transport and delegate may be deleted from here on.
   CNotificationCenter::Default()->SendNotification(name.c_str(), announcement_.context);
+  exchange_.TellPosted(name);
 }
 
 }  // namespace ovrant::internet

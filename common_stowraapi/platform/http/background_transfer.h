@@ -35,7 +35,7 @@ class BackgroundTransfer final : public TransferRecord {
   BackgroundTransfer(HttpRequest&& request, std::shared_ptr<TransferListener> listener,
                      Announcement announcement, std::function<void(HttpReply)> publish);
 
-  // Worker's thread only.
+  // Worker's thread only, once it is submitted.
   HttpExchange& exchange() { return exchange_; }
 
   // Numbers the transfers in the order in which they were made. Any thread.

@@ -80,6 +80,8 @@ class BackgroundWorker::ExitGuard {
 };
 
 bool BackgroundWorker::Submit(std::shared_ptr<BackgroundTransfer> transfer) {
+  transfer->exchange().TellQueued();
+  if (transfer->IsAbandoned()) return true;  // by the listener
   try {
     return Instance().Add(std::move(transfer));
   } catch (const std::system_error&) {

@@ -33,7 +33,7 @@ int PortOf(int socket, int (*name_of)(int, sockaddr*, socklen_t*)) {
 
 bool ConnectionSockets::Add(int socket, const void* opener) noexcept {
   try {
-    sockets_.push_back({socket, 0, 0, false, opener});
+    sockets_.push_back({socket, 0, 0, false, opener, {}});
     return true;
   } catch (const std::bad_alloc&) {
     return false;
@@ -70,6 +70,13 @@ void ConnectionSockets::SetFramed(int socket) {
   for (Entry& entry : sockets_) {
     if (entry.socket == socket) entry.is_framed = true;
   }
+}
+
+std::string* ConnectionSockets::TlsOf(int socket) {
+  for (Entry& entry : sockets_) {
+    if (entry.socket == socket) return &entry.tls;
+  }
+  return nullptr;
 }
 
 bool ConnectionSockets::IsUnfit(int socket) const {

@@ -5,6 +5,7 @@
 #define COMMON_STOWRAAPI_PLATFORM_HTTP_CONNECTION_SOCKETS_H_
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace ovrant::internet {
@@ -31,6 +32,9 @@ class ConnectionSockets {
   // reply there.
   void SetFramed(int socket);
 
+  // A text about the TLS of a socket, empty at first. Null for a socket that is not here.
+  std::string* TlsOf(int socket);
+
   // Whether bytes, or the end of the connection, wait on a socket where no reply is due.
   bool IsUnfit(int socket) const;
 
@@ -41,6 +45,7 @@ class ConnectionSockets {
     int remote_port;
     bool is_framed;
     const void* opener;  // null once its request goes out
+    std::string tls;
   };
 
   std::vector<Entry> sockets_;

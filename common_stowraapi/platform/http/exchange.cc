@@ -37,7 +37,18 @@ HttpExchange::HttpExchange(HttpRequest&& request, std::shared_ptr<TransferListen
     : request_(std::move(request)),
       listener_(std::move(listener)),
       number_(NextNumber()),
-      silence_text_(SilenceText(request_.inactivity_timeout)) {}
+      silence_text_(SilenceText(request_.inactivity_timeout)) {
+  if (!listener_ || listener_->detail() == TransferDetail::kProgress) return;
+  trace_.emplace(*listener_, request_, [this](TransferEvent::Kind kind) { Tell(kind); });
+}
+
+void HttpExchange::TellQueued() noexcept {
+  if (trace_) Tell(TransferEvent::Kind::kQueued);
+}
+
+void HttpExchange::TellPosted(const std::string& notification) noexcept {
+  if (trace_) trace_->OnPosted(notification);
+}
 
 void HttpExchange::Begin() noexcept {
   times_.queued = Seconds(Clock::now() - created_);
@@ -50,8 +61,10 @@ bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
   silence_ = Clock::duration::zero();
   try {
     if (!next_) next_ = FirstHop();
-    hop_.emplace(request_, std::move(*next_), sockets,
-                 [this] { Tell(TransferEvent::Kind::kProgress); });
+    if (trace_) trace_->Begin(*next_);
+    hop_.emplace(
+        request_, std::move(*next_), sockets, [this] { Tell(TransferEvent::Kind::kProgress); },
+        trace_ ? &*trace_ : nullptr);
     failure = hop_->Prepare(this);
   } catch (const std::bad_alloc&) {
     failure = kOutOfMemory;
@@ -62,12 +75,12 @@ bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
 }
 
 bool HttpExchange::EndHop(int curl_code) noexcept {
-  hop_->AddTimes(times_);
   Failure failure = kNoFailure;
   try {
     if (hop_->found_unfit_connection()) {
       next_ = hop_->request();
       next_->needs_fresh_connection = true;
+      hop_->AddTimes(times_);
       hop_.reset();
       return true;
     }
@@ -134,6 +147,8 @@ Failure HttpExchange::FollowRedirect() {
   if (next.is_post && is_first_origin) next.body = request_.body;
   next.headers = HeadersFor(next.url, is_first_origin);
   status_ = head.status();
+  if (trace_) trace_->OnRedirect(next.url);
+  hop_->AddTimes(times_);
   next_ = std::move(next);
   hop_.reset();
   return kNoFailure;
@@ -143,6 +158,7 @@ void HttpExchange::Conclude(const Failure& failure) noexcept {
   if (ended_) return;
   ended_ = true;
   if (hop_ && hop_->decoder().head().status() != 0) status_ = hop_->decoder().head().status();
+  if (hop_) hop_->AddTimes(times_);
   times_.total = Seconds(Clock::now() - created_);
   reply_.received = !failure;
   reply_.error = failure.error;
@@ -170,9 +186,18 @@ void HttpExchange::Tell(TransferEvent::Kind kind, const Failure& failure) noexce
     event.reason = failure.error;
     event.error = failure.text;
     event.times = times_;
+    if (trace_) FillSteps(event);
     listener_->Call(event);
   } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): this event is lost
   }
+}
+
+void HttpExchange::FillSteps(TransferEvent& event) const {
+  if (event.kind != TransferEvent::Kind::kEnded) {
+    event.times.total = Seconds(Clock::now() - created_);
+    if (hop_) hop_->AddTimes(event.times);
+  }
+  trace_->Fill(event);
 }
 
 void HttpExchange::FillCounts(TransferEvent& event) const {

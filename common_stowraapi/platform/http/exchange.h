@@ -15,6 +15,7 @@
 #include "common_stowraapi/platform/http/hop.h"
 #include "common_stowraapi/platform/http/message.h"
 #include "common_stowraapi/platform/http/transfer_settings.h"
+#include "common_stowraapi/platform/http/transfer_trace.h"
 
 namespace ovrant::internet {
 
@@ -24,7 +25,7 @@ class HttpExchange {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // `listener` may be null. It gets the start, the progress and the end.
+  // `listener` may be null. It gets the start, the progress, the end and the steps, as it wants.
   HttpExchange(HttpRequest&& request, std::shared_ptr<TransferListener> listener);
 
   HttpExchange(const HttpExchange&) = delete;
@@ -32,6 +33,10 @@ class HttpExchange {
 
   // Numbers the exchanges of the process from 1.
   unsigned long number() const { return number_; }
+
+  // Tell a listener of steps what happens before the start and after the end.
+  void TellQueued() noexcept;
+  void TellPosted(const std::string& notification) noexcept;
 
   // Tells the listener of the start. Call it once, before the first BeginHop.
   void Begin() noexcept;
@@ -76,6 +81,7 @@ class HttpExchange {
   void Conclude(const Failure& failure) noexcept;
   void Tell(TransferEvent::Kind kind, const Failure& failure = kNoFailure) noexcept;
   void FillCounts(TransferEvent& event) const;
+  void FillSteps(TransferEvent& event) const;
 
   const HttpRequest request_;
   const std::shared_ptr<TransferListener> listener_;
@@ -83,7 +89,8 @@ class HttpExchange {
   const std::string silence_text_;  // made early, so that the end needs no memory
   const Clock::time_point created_ = Clock::now();
 
-  std::optional<HopRequest> next_;  // the hop that BeginHop makes
+  std::optional<TransferTrace> trace_;  // for a listener of steps
+  std::optional<HopRequest> next_;      // the hop that BeginHop makes
   std::optional<Hop> hop_;
   int redirects_ = 0;
   Clock::duration silence_{0};

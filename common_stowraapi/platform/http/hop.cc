@@ -36,8 +36,9 @@ int OnCloseSocket(void* sockets, curl_socket_t socket) {
   return close(socket);
 }
 
-int OnRequest(void* hop, char* /*remote_ip*/, char* /*local_ip*/, int remote_port, int local_port) {
-  return HopAt(hop).OnRequest(local_port, remote_port) ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+int OnRequest(void* hop, char* remote_ip, char* /*local_ip*/, int remote_port, int local_port) {
+  return HopAt(hop).OnRequest(remote_ip, local_port, remote_port) ? CURL_PREREQFUNC_OK
+                                                                  : CURL_PREREQFUNC_ABORT;
 }
 
 std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* hop) {
@@ -54,7 +55,10 @@ int OnProgress(void* hop, curl_off_t /*to_receive*/, curl_off_t /*received*/,
 }
 
 int OnDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t length, void* hop) {
-  if (kind == CURLINFO_SSL_DATA_IN) HopAt(hop).OnTlsMessage(std::string_view(data, length));
+  const std::string_view bytes(data, length);
+  if (kind == CURLINFO_SSL_DATA_IN) HopAt(hop).OnTlsMessage(bytes);
+  if (kind == CURLINFO_TEXT) HopAt(hop).OnText(bytes);
+  if (kind == CURLINFO_HEADER_OUT) HopAt(hop).OnSentHead(bytes);
   return 0;
 }
 
@@ -72,11 +76,12 @@ void AddSpan(curl_off_t from, curl_off_t to, double& seconds) {
 }  // namespace
 
 Hop::Hop(const HttpRequest& settings, HopRequest&& request, ConnectionSockets& sockets,
-         std::function<void()> on_moved)
+         std::function<void()> on_moved, TransferTrace* trace)
     : settings_(settings),
       request_(std::move(request)),
       sockets_(sockets),
       on_moved_(std::move(on_moved)),
+      trace_(trace),
       decoder_(settings.body_cap, settings.redirect_limit > 0),
       easy_(MakeEasyHandle()) {}
 
@@ -109,7 +114,8 @@ void Hop::SetCallbacks() {
   curl_easy_setopt(easy, CURLOPT_XFERINFODATA, this);
   curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
   watches_tls_ = IsHttps() && ShowsTlsMessages();
-  if (!watches_tls_) return;
+  const bool is_traced = trace_ != nullptr && (IsHttps() || trace_->wants_heads());
+  if (!watches_tls_ && !is_traced) return;
   curl_easy_setopt(easy, CURLOPT_DEBUGFUNCTION, OnDebug);
   curl_easy_setopt(easy, CURLOPT_DEBUGDATA, this);
   curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
@@ -210,25 +216,32 @@ int Hop::OnOpenSocket(int family, int type, int protocol) noexcept {
   return CURL_SOCKET_BAD;
 }
 
-bool Hop::OnRequest(int local_port, int remote_port) noexcept {
+bool Hop::OnRequest(const char* remote_ip, int local_port, int remote_port) noexcept {
   is_connecting_ = false;
   ++progress_;
   socket_ = sockets_.Find(local_port, remote_port);
   sockets_.Settle(this, socket_);
   long new_connections = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_NUM_CONNECTS, &new_connections);
-  found_unfit_connection_ = new_connections == 0 && sockets_.IsUnfit(socket_);
-  return !found_unfit_connection_;
+  const bool is_reused = new_connections == 0;
+  found_unfit_connection_ = is_reused && sockets_.IsUnfit(socket_);
+  if (found_unfit_connection_) return false;
+  if (trace_ != nullptr) {
+    trace_->OnConnected(remote_ip, remote_port, is_reused, sockets_.TlsOf(socket_));
+  }
+  return true;
 }
 
 bool Hop::OnHeaderLine(std::string_view line) noexcept {
   if (StartsWithIgnoringCase(line, "HTTP/2")) sockets_.SetFramed(socket_);
+  const bool is_trailer = decoder_.head().complete();
   try {
-    return decoder_.AddHeaderLine(line);
+    decoder_.AddHeaderLine(line);
   } catch (const std::bad_alloc&) {
     decoder_.Refuse(kOutOfMemory);
-    return false;
   }
+  if (trace_ != nullptr && !is_trailer) trace_->OnHeadLine(line);
+  return !decoder_.failure();
 }
 
 bool Hop::OnBody(std::string_view bytes) noexcept {
@@ -255,6 +268,15 @@ void Hop::OnTlsMessage(std::string_view message) noexcept {
   // An alert (RFC 8446, 6) has two bytes. No other message is as short.
   constexpr char kCloseNotify = 0;
   tls_ended_ = tls_ended_ || (message.size() == 2 && message[1] == kCloseNotify);
+}
+
+void Hop::OnText(std::string_view text) noexcept {
+  if (trace_ != nullptr) trace_->OnText(text);
+}
+
+// What is sent before is for the proxy.
+void Hop::OnSentHead(std::string_view bytes) noexcept {
+  if (trace_ != nullptr && !is_connecting_) trace_->OnSentHead(bytes);
 }
 
 }  // namespace ovrant::internet

@@ -16,6 +16,7 @@
 #include "common_stowraapi/platform/http/hop_options.h"
 #include "common_stowraapi/platform/http/message.h"
 #include "common_stowraapi/platform/http/reply_decoder.h"
+#include "common_stowraapi/platform/http/transfer_trace.h"
 
 namespace ovrant::internet {
 
@@ -25,9 +26,10 @@ namespace ovrant::internet {
 class Hop {
  public:
   // `settings` and `sockets` must outlive the hop. `on_moved` is called when body bytes have moved
-  // in either direction. Throws std::bad_alloc when memory runs out.
+  // in either direction. `trace` gets the steps. It may be null. Throws std::bad_alloc when memory
+  // runs out.
   Hop(const HttpRequest& settings, HopRequest&& request, ConnectionSockets& sockets,
-      std::function<void()> on_moved);
+      std::function<void()> on_moved, TransferTrace* trace = nullptr);
   ~Hop();
 
   Hop(const Hop&) = delete;
@@ -71,11 +73,13 @@ class Hop {
 
   // Events from libcurl. False ends the transfer.
   int OnOpenSocket(int family, int type, int protocol) noexcept;
-  bool OnRequest(int local_port, int remote_port) noexcept;
+  bool OnRequest(const char* remote_ip, int local_port, int remote_port) noexcept;
   bool OnHeaderLine(std::string_view line) noexcept;
   bool OnBody(std::string_view bytes) noexcept;
   bool OnProgress(std::size_t sent_bytes_in_all) noexcept;
   void OnTlsMessage(std::string_view message) noexcept;
+  void OnText(std::string_view text) noexcept;
+  void OnSentHead(std::string_view bytes) noexcept;
 
  private:
   bool IsHttps() const;
@@ -88,6 +92,7 @@ class Hop {
   const HopRequest request_;
   ConnectionSockets& sockets_;
   const std::function<void()> on_moved_;
+  TransferTrace* const trace_;
   const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 
   // What libcurl uses until the handle is destroyed.

@@ -105,7 +105,14 @@ void InternetData::SetDefaults(const TransferDefaults& defaults) {
 }
 
 void InternetData::SetTransferListener(std::function<void(const TransferEvent&)> listener) {
-  TransferSettings::Instance().listener().Replace(std::move(listener));
+  SetTransferListener(std::move(listener), TransferDetail::kProgress);
+}
+
+void InternetData::SetTransferListener(std::function<void(const TransferEvent&)> listener,
+                                       TransferDetail detail, TransferSecrets secrets) {
+  TransferSettings::Instance().listener().Replace(
+      listener ? std::make_shared<TransferListener>(std::move(listener), detail, secrets)
+               : nullptr);
 }
 
 TransferError InternetData::LastError() { return last_error; }

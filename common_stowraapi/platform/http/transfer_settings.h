@@ -7,13 +7,27 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "common_stowraapi/platform/notify/host_function.h"
 #include "common_stowraapi/platform/transfer_types.h"
 
 namespace ovrant::internet {
 
-using TransferListener = SetFunction<const TransferEvent&>;
+// The host's listener, and what it wants to hear.
+class TransferListener : public SetFunction<const TransferEvent&> {
+ public:
+  TransferListener(std::function<void(const TransferEvent&)> function, TransferDetail detail,
+                   TransferSecrets secrets)
+      : SetFunction(std::move(function)), detail_(detail), secrets_(secrets) {}
+
+  TransferDetail detail() const { return detail_; }
+  bool hides_secrets() const { return secrets_ == TransferSecrets::kBlanked; }
+
+ private:
+  const TransferDetail detail_;
+  const TransferSecrets secrets_;
+};
 
 // One for the process, never destroyed. Safe from any thread.
 class TransferSettings {
@@ -23,13 +37,13 @@ class TransferSettings {
   void SetDefaults(const TransferDefaults& defaults);
   std::shared_ptr<const TransferDefaults> defaults() const;
 
-  HostFunction<const TransferEvent&>& listener() { return listener_; }
+  HostFunctionPlace<TransferListener>& listener() { return listener_; }
   HostFunction<std::function<void()>>& executor() { return executor_; }
 
  private:
   mutable std::mutex mutex_;
   std::shared_ptr<const TransferDefaults> defaults_ = std::make_shared<TransferDefaults>();
-  HostFunction<const TransferEvent&> listener_;
+  HostFunctionPlace<TransferListener> listener_;
   HostFunction<std::function<void()>> executor_;
 };
 

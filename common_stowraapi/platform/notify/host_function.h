@@ -42,16 +42,12 @@ class SetFunction {
   DeliveryGate gate_;
 };
 
-// Holds the function that is set now. Safe from any thread.
-template <typename... Args>
-class HostFunction {
+// Holds what is set now: a SetFunction or a class made from it. Safe from any thread.
+template <typename Set>
+class HostFunctionPlace {
  public:
-  using Set = SetFunction<Args...>;
-
-  // Sets `function`, or none if it is empty, and closes the old one. Throws std::bad_alloc if
-  // memory runs out, and then the old function stays.
-  void Replace(std::function<void(Args...)> function) {
-    auto next = function ? std::make_shared<Set>(std::move(function)) : nullptr;
+  // Sets `next`, or none if it is null, and closes the old one.
+  void Replace(std::shared_ptr<Set> next) {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       current_.swap(next);
@@ -68,6 +64,20 @@ class HostFunction {
  private:
   mutable std::mutex mutex_;
   std::shared_ptr<Set> current_;
+};
+
+// The same for a plain function.
+template <typename... Args>
+class HostFunction : public HostFunctionPlace<SetFunction<Args...>> {
+ public:
+  using Set = SetFunction<Args...>;
+
+  // Sets `function`, or none if it is empty, and closes the old one. Throws std::bad_alloc if
+  // memory runs out, and then the old function stays.
+  void Replace(std::function<void(Args...)> function) {
+    HostFunctionPlace<Set>::Replace(function ? std::make_shared<Set>(std::move(function))
+                                             : nullptr);
+  }
 };
 
 }  // namespace ovrant

@@ -1,0 +1,449 @@
+// SPDX-License-Identifier: MIT
+// The steps of a transfer.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/platform/http/end_listener.h"
+#include "tests/platform/http/transport_fixture.h"
+#include "tests/support/certificates.h"
+#include "tests/support/raw_server.h"
+#include "tests/support/temporary_folder.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::TransferDetail;
+using ovrant::internet::TransferSecrets;
+using Kind = TransferEvent::Kind;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr Kind kStepKinds[] = {Kind::kQueued,   Kind::kConnected,  Kind::kRequest, Kind::kFirstByte,
+                               Kind::kResponse, Kind::kRedirected, Kind::kPosted};
+
+constexpr char kOneRequest[] = "started connected request first-byte response ended";
+
+const char* NameOf(Kind kind) {
+  switch (kind) {
+    case Kind::kStarted:
+      return "started";
+    case Kind::kProgress:
+      return "progress";
+    case Kind::kEnded:
+      return "ended";
+    case Kind::kQueued:
+      return "queued";
+    case Kind::kConnected:
+      return "connected";
+    case Kind::kRequest:
+      return "request";
+    case Kind::kFirstByte:
+      return "first-byte";
+    case Kind::kResponse:
+      return "response";
+    case Kind::kRedirected:
+      return "redirected";
+    case Kind::kPosted:
+      return "posted";
+  }
+  return "?";
+}
+
+// Collects the events of the listener.
+class TransferTraceTest : public TransportTest {
+ protected:
+  ~TransferTraceTest() override { InternetData::SetTransferListener(nullptr); }
+
+  void Listen(TransferDetail detail, TransferSecrets secrets = TransferSecrets::kBlanked) {
+    InternetData::SetTransferListener(
+        [this](const TransferEvent& event) {
+          if (event.url == Text("none:")) return;  // of LetWorkerCatchUp
+          const std::lock_guard<std::mutex> lock(mutex_);
+          events_.push_back(event);
+          threads_.push_back(std::this_thread::get_id());
+        },
+        detail, secrets);
+  }
+
+  std::vector<TransferEvent> events() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return events_;
+  }
+
+  // The kinds but kProgress, in order, and forgets the events.
+  std::string TakeSteps() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    std::string names;
+    for (const TransferEvent& event : std::exchange(events_, {})) {
+      if (event.kind == Kind::kProgress) continue;
+      names.append(names.empty() ? "" : " ").append(NameOf(event.kind));
+    }
+    return names;
+  }
+
+  // The `index`th event of that kind. Without one, the test fails.
+  TransferEvent EventOf(Kind kind, int index = 0) {
+    for (const TransferEvent& event : events()) {
+      if (event.kind == kind && index-- == 0) return event;
+    }
+    ADD_FAILURE() << "no event " << NameOf(kind);
+    return {};
+  }
+
+  std::string HeadOf(Kind kind, int index = 0) { return EventOf(kind, index).head.utf8(); }
+
+  const RawServer hello_{Always(Response(200, "hello", "X-Reply: 1\r\n"))};
+
+  std::mutex mutex_;
+  std::vector<TransferEvent> events_;
+  std::vector<std::thread::id> threads_;
+};
+
+TEST_F(TransferTraceTest, NoStepIsToldUnasked) {
+  InternetData::SetTransferListener([this](const TransferEvent& event) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    events_.push_back(event);
+  });
+  for (const Way way : kAllWays) Ask(way, hello_.Url("/?a=b"), "data");
+  for (const TransferEvent& event : events()) {
+    EXPECT_LE(event.kind, Kind::kEnded);
+    EXPECT_EQ(event.request, 0U);
+    EXPECT_TRUE(event.request_url.empty());
+    EXPECT_TRUE(event.head.empty());
+    EXPECT_EQ(event.url, Text(hello_.Url("/?a=b")));
+  }
+  EXPECT_EQ(TakeSteps(), "started ended started ended started ended started ended");
+}
+
+TEST_F(TransferTraceTest, TellsEachStepOfABlockingTransfer) {
+  for (const TransferDetail detail : {TransferDetail::kSteps, TransferDetail::kHeads}) {
+    Listen(detail);
+    for (const Way way : {Way::kDownload, Way::kSendAndRead}) {
+      Ask(way, hello_.Url(), "data");
+      EXPECT_EQ(TakeSteps(), kOneRequest);
+    }
+  }
+}
+
+TEST_F(TransferTraceTest, TellsOfQueueAndPostInTheBackground) {
+  Listen(TransferDetail::kSteps);
+  for (const Way way : {Way::kDownloadWithDelegate, Way::kUploadWithDelegate}) {
+    Ask(way, hello_.Url(), "data");
+    LetWorkerCatchUp();
+    EXPECT_EQ(TakeSteps(), "queued " + std::string(kOneRequest) + " posted");
+  }
+}
+
+TEST_F(TransferTraceTest, PostNamesTheNotificationAndItsThread) {
+  Listen(TransferDetail::kSteps);
+  Background background(hello_.Url());
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  LetWorkerCatchUp();
+  const TransferEvent posted = EventOf(Kind::kPosted);
+  EXPECT_EQ(posted.notification, Text(kReturned));
+  EXPECT_EQ(posted.status, 200);
+  EXPECT_NE(posted.thread, 0U);
+  EXPECT_NE(posted.thread, EventOf(Kind::kQueued).thread);
+  EXPECT_EQ(threads_.back(), background.recorder.entries().at(0).thread);
+  EXPECT_EQ(threads_.front(), std::this_thread::get_id());
+  EXPECT_NE(threads_.back(), threads_.front());
+}
+
+TEST_F(TransferTraceTest, PostIsToldOnTheThreadOfTheCompletion) {
+  Listen(TransferDetail::kSteps);
+  Event queued;
+  std::function<void()> kept;
+  InternetData::SetCompletionExecutor([&](std::function<void()> completion) {
+    kept = std::move(completion);
+    queued.Set();
+  });
+  Background background(hello_.Url());
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(queued.Wait());
+  kept();
+  InternetData::SetCompletionExecutor(nullptr);
+  EXPECT_EQ(EventOf(Kind::kPosted).thread, EventOf(Kind::kQueued).thread);
+  EXPECT_NE(EventOf(Kind::kEnded).thread, EventOf(Kind::kQueued).thread);
+}
+
+TEST_F(TransferTraceTest, ConnectionNamesItsAddressAndPort) {
+  Listen(TransferDetail::kSteps);
+  Ask(Way::kDownload, "http://localhost:" + std::to_string(hello_.port()) + "/", "");
+  const TransferEvent connected = EventOf(Kind::kConnected);
+  EXPECT_EQ(connected.address, "127.0.0.1");
+  EXPECT_EQ(connected.port, hello_.port());
+  EXPECT_FALSE(connected.is_reused);
+  EXPECT_TRUE(connected.tls.empty());
+  EXPECT_GT(connected.times.connect, 0);
+  EXPECT_EQ(EventOf(Kind::kStarted).port, 0);
+  EXPECT_EQ(EventOf(Kind::kEnded).port, hello_.port());
+}
+
+TEST_F(TransferTraceTest, TellsOfAKeptConnection) {
+  Listen(TransferDetail::kSteps);
+  for (int i = 0; i < 2; ++i) Ask(Way::kDownload, hello_.Url(), "");
+  EXPECT_FALSE(EventOf(Kind::kConnected, 0).is_reused);
+  EXPECT_TRUE(EventOf(Kind::kConnected, 1).is_reused);
+  EXPECT_TRUE(EventOf(Kind::kEnded, 1).is_reused);
+  EXPECT_EQ(EventOf(Kind::kConnected, 1).port, hello_.port());
+}
+
+TEST_F(TransferTraceTest, TlsVersionIsKeptWithTheConnection) {
+  const TemporaryFolder folder;
+  const CertificateAuthority authority("trusted");
+  const Certificate certificate = authority.Issue("IP:127.0.0.1");
+  authority.WriteTo(folder.path() / "authority.pem");
+  TransferDefaults defaults;
+  defaults.ca_file = (folder.path() / "authority.pem").c_str();
+  InternetData::SetDefaults(defaults);
+  RawServer::Options options;
+  options.certificate = &certificate;
+  const RawServer server(Always(Response(200, "hello")), options);
+  Listen(TransferDetail::kSteps);
+  for (int i = 0; i < 2; ++i) {
+    Ask(Way::kDownload, server.Url(), "");
+    EXPECT_EQ(EventOf(Kind::kConnected, i).tls, "TLSv1.3");
+    EXPECT_EQ(EventOf(Kind::kConnected, i).is_reused, i == 1);
+  }
+  EXPECT_GT(EventOf(Kind::kConnected).times.tls, 0);
+}
+
+TEST_F(TransferTraceTest, ConnectionWithBytesOnItIsNotTold) {
+  Event first_ended;
+  Event sent;
+  const RawServer server([&](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, "hello"));
+    if (request.target != "/first" || !first_ended.Wait()) return;
+    connection.Write("unasked");
+    sent.Set();
+  });
+  Listen(TransferDetail::kSteps);
+  InternetData transport(Text(server.Url("/first")));
+  ASSERT_TRUE(transport.Download());
+  EXPECT_EQ(TakeSteps(), kOneRequest);
+  first_ended.Set();
+  ASSERT_TRUE(sent.Wait());
+  Ask(Way::kDownload, server.Url(), "");
+  EXPECT_FALSE(EventOf(Kind::kConnected).is_reused);
+  EXPECT_EQ(EventOf(Kind::kConnected).request, 1U);
+  EXPECT_EQ(TakeSteps(), kOneRequest);
+}
+
+TEST_F(TransferTraceTest, HeadsAreThoseOnTheWire) {
+  TransferDefaults defaults;
+  defaults.user_agent = "an agent";
+  InternetData::SetDefaults(defaults);
+  Listen(TransferDetail::kHeads);
+  Ask(Way::kSendAndRead, hello_.Url("/a"), "data");
+  const std::string host = "127.0.0.1:" + std::to_string(hello_.port());
+  EXPECT_EQ(HeadOf(Kind::kRequest), "POST /a HTTP/1.1\nHost: " + host +
+                                        "\nAccept: */*\nUser-Agent: an agent\n"
+                                        "Accept-Encoding: gzip\nContent-Length: 4\n");
+  EXPECT_EQ(HeadOf(Kind::kResponse), "HTTP/1.1 200 Text\nContent-Length: 5\nX-Reply: 1\n");
+  for (const Kind kind : {Kind::kStarted, Kind::kConnected, Kind::kFirstByte, Kind::kEnded}) {
+    EXPECT_EQ(HeadOf(kind), "") << NameOf(kind);
+  }
+}
+
+TEST_F(TransferTraceTest, HeadsAreEmptyWithStepsAlone) {
+  Listen(TransferDetail::kSteps);
+  Ask(Way::kDownload, hello_.Url("/a"), "");
+  for (const TransferEvent& event : events()) EXPECT_TRUE(event.head.empty());
+  EXPECT_EQ(EventOf(Kind::kRequest).request_url, Text(hello_.Url("/a")));
+}
+
+TEST_F(TransferTraceTest, InterimResponsesHaveHeadsOfTheirOwn) {
+  const RawServer server(
+      Always("HTTP/1.1 103 Early Hints\r\nLink: </a>\r\n\r\n" + Response(200, "hello")));
+  Listen(TransferDetail::kHeads);
+  Ask(Way::kDownload, server.Url(), "");
+  EXPECT_EQ(HeadOf(Kind::kResponse, 0), "HTTP/1.1 103 Early Hints\nLink: </a>\n");
+  EXPECT_EQ(EventOf(Kind::kResponse, 0).status, 103);
+  EXPECT_EQ(HeadOf(Kind::kResponse, 1), "HTTP/1.1 200 Text\nContent-Length: 5\n");
+  EXPECT_EQ(TakeSteps(), "started connected request first-byte response response ended");
+}
+
+TEST_F(TransferTraceTest, EachRedirectIsAnotherRequest) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/from" ? Response(302, "gone", "Location: /to\r\n")
+                                               : Response(200, "hello"));
+  });
+  Listen(TransferDetail::kHeads);
+  Ask(Way::kDownload, server.Url("/from"), "");
+  const TransferEvent redirected = EventOf(Kind::kRedirected);
+  EXPECT_EQ(redirected.request, 1U);
+  EXPECT_EQ(redirected.request_url, Text(server.Url("/from")));
+  EXPECT_EQ(redirected.redirect_url, Text(server.Url("/to")));
+  EXPECT_EQ(redirected.status, 302);
+  EXPECT_EQ(redirected.wire_bytes_received, 4U);
+  EXPECT_THAT(HeadOf(Kind::kRequest, 1), StartsWith("GET /to HTTP/1.1\n"));
+  const TransferEvent end = EventOf(Kind::kEnded);
+  EXPECT_EQ(end.request, 2U);
+  EXPECT_EQ(end.url, Text(server.Url("/from")));
+  EXPECT_EQ(end.request_url, Text(server.Url("/to")));
+  EXPECT_TRUE(end.redirect_url.empty());
+  EXPECT_EQ(TakeSteps(),
+            "started connected request first-byte response redirected "
+            "connected request first-byte response ended");
+}
+
+TEST_F(TransferTraceTest, RequestMethodIsTheOneAfterTheRedirect) {
+  const RawServer server(Always(Response(303, "", "Location: " + hello_.Url() + "\r\n")));
+  Listen(TransferDetail::kSteps);
+  Ask(Way::kSendAndRead, server.Url(), "data");
+  EXPECT_STREQ(EventOf(Kind::kStarted).request_method, "POST");
+  EXPECT_STREQ(EventOf(Kind::kRequest, 0).request_method, "POST");
+  EXPECT_STREQ(EventOf(Kind::kRequest, 1).request_method, "GET");
+  EXPECT_STREQ(EventOf(Kind::kEnded).method, "POST");
+}
+
+TEST_F(TransferTraceTest, TimesGrowFromStepToStep) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
+                                               : Response(200, "hello"));
+  });
+  Listen(TransferDetail::kSteps);
+  for (const Way way : kAllWays) Ask(way, server.Url("/from"), "data");
+  LetWorkerCatchUp();
+  std::map<unsigned long, ovrant::internet::TransferTimes> times;
+  for (const TransferEvent& event : events()) {
+    auto& before = times[event.number];
+    const auto& now = event.times;
+    EXPECT_GE(now.total, before.total);
+    EXPECT_GE(now.name + now.connect, before.name + before.connect);
+    EXPECT_GE(now.first_byte, before.first_byte) << NameOf(event.kind);
+    EXPECT_LE(now.first_byte, now.total);
+    before = now;
+  }
+  EXPECT_EQ(times.size(), 4U);
+}
+
+TEST_F(TransferTraceTest, SecretsAreBlankedInStepsAndHeads) {
+  TransferDefaults defaults;
+  const RawServer server(
+      Always(Response(302, "", "Set-Cookie: a=SECRET\r\nLocation: /?to=SECRET#SECRET\r\n")));
+  defaults.origin_request_headers[Text(server.Url())]["X-Tenant"] = "SECRET";
+  defaults.extra_request_headers["Authorization"] = "SECRET";
+  InternetData::SetDefaults(defaults);
+  const std::string url = "http://user:SECRET@" + server.Url("/?from=SECRET").substr(7);
+  Listen(TransferDetail::kHeads);
+  for (const Way way : kAllWays) Ask(way, url, "data");
+  LetWorkerCatchUp();
+  for (const TransferEvent& event : events()) {
+    const std::string all = event.request_url.utf8() + event.redirect_url.utf8() +
+                            event.head.utf8() + event.error.utf8();
+    EXPECT_THAT(all, Not(HasSubstr("SECRET"))) << NameOf(event.kind);
+    EXPECT_EQ(event.url == Text(url), event.kind <= Kind::kEnded);
+    EXPECT_TRUE(event.kind <= Kind::kEnded || event.url.utf8().find("SECRET") == std::string::npos);
+  }
+  EXPECT_EQ(EventOf(Kind::kConnected).request_url,
+            Text("http://***@" + server.Url("/?from=***").substr(7)));
+  EXPECT_THAT(HeadOf(Kind::kRequest),
+              AllOf(StartsWith("GET /?from=*** HTTP/1.1\n"), HasSubstr("\nX-Tenant: ***\n"),
+                    HasSubstr("\nAuthorization: ***\n")));
+  EXPECT_THAT(HeadOf(Kind::kResponse), HasSubstr("\nSet-Cookie: ***\nLocation: /?to=***#***\n"));
+}
+
+TEST_F(TransferTraceTest, SecretsAreShownOnRequest) {
+  TransferDefaults defaults;
+  defaults.extra_request_headers["Authorization"] = "SECRET";
+  InternetData::SetDefaults(defaults);
+  Listen(TransferDetail::kHeads, TransferSecrets::kShown);
+  Ask(Way::kDownload, hello_.Url("/?a=b"), "");
+  EXPECT_EQ(EventOf(Kind::kRequest).request_url, Text(hello_.Url("/?a=b")));
+  EXPECT_THAT(HeadOf(Kind::kRequest),
+              AllOf(StartsWith("GET /?a=b HTTP/1.1\n"), HasSubstr("\nAuthorization: SECRET\n")));
+}
+
+TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
+  SetInactivityTimeout(0.2F);
+  const RawServer silent(Silence());
+  const RawServer inside_head(AlwaysThenClose("HTTP/1.1 200 OK\r\nX-Whole: 1\r\nX-Par"));
+  const RawServer inside_body(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhello"));
+  const RawServer malformed(Always("HTTP/1.1 200 OK\r\nno field\r\n\r\n"));
+  int unused_port = 0;
+  {
+    const RawServer gone(Silence());
+    unused_port = gone.port();
+  }
+  const struct {
+    std::string url;
+    TransferError reason;
+    const char* steps;
+  } cases[] = {
+      {"bad:", TransferError::kBadUrl, "started ended"},
+      {"http://127.0.0.1:" + std::to_string(unused_port), TransferError::kNotConnected,
+       "started ended"},
+      {"https" + silent.Url().substr(4), TransferError::kSilent, "started ended"},
+      {silent.Url(), TransferError::kSilent, "started connected request ended"},
+      {inside_head.Url(), TransferError::kCutOff, "started connected request first-byte ended"},
+      {malformed.Url(), TransferError::kMalformed, "started connected request first-byte ended"},
+      {inside_body.Url(), TransferError::kCutOff, kOneRequest},
+  };
+  Listen(TransferDetail::kHeads);
+  for (const auto& [url, reason, steps] : cases) {
+    Ask(Way::kDownload, url, "");
+    EXPECT_EQ(EventOf(Kind::kEnded).reason, reason) << url;
+    EXPECT_EQ(TakeSteps(), steps) << url;
+  }
+}
+
+TEST_F(TransferTraceTest, EndShowsAHeadThatBrokeOff) {
+  const RawServer server(AlwaysThenClose("HTTP/1.1 200 OK\r\nX-Whole: 1\r\nX-Par"));
+  Listen(TransferDetail::kHeads);
+  Ask(Way::kDownload, server.Url(), "");
+  EXPECT_THAT(HeadOf(Kind::kEnded), StartsWith("HTTP/1.1 200 OK\nX-Whole: 1\n"));
+}
+
+TEST_F(TransferTraceTest, DroppedTransferEndsItsSteps) {
+  const RawServer server(Silence());
+  Listen(TransferDetail::kSteps);
+  {
+    Background background(server.Url());
+    ASSERT_TRUE(background.Start());
+    ASSERT_TRUE(server.WaitForRequests(1));
+  }
+  ASSERT_TRUE(server.WaitUntilUnused());
+  LetWorkerCatchUp();
+  EXPECT_THAT(TakeSteps(), StartsWith("queued started connected request ended"));
+}
+
+// The listener deletes transport and delegate in the first step of each kind.
+TEST_F(TransferTraceTest, ListenerMayDeleteTheTransferAtEachStep) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
+                                               : Response(200, "hello"));
+  });
+  for (const Kind kind : kStepKinds) {
+    Background background(server.Url("/from"));
+    Event deleted;
+    InternetData::SetTransferListener(
+        [&](const TransferEvent& event) {
+          if (event.kind != kind || background.transport == nullptr) return;
+          background.transport.reset();
+          background.delegate.reset();
+          deleted.Set();
+        },
+        TransferDetail::kHeads);
+    background.transport->DownloadWithDelegate(background.delegate.get(), nullptr);
+    EXPECT_TRUE(deleted.Wait()) << NameOf(kind);
+    LetWorkerCatchUp();
+    InternetData::SetTransferListener(nullptr);
+    EXPECT_EQ(background.recorder.entries().size(), kind == Kind::kPosted ? 1U : 0U)
+        << NameOf(kind);
+  }
+}
+
+}  // namespace
+}  // namespace stowra_test
