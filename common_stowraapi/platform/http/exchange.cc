@@ -59,6 +59,7 @@ void HttpExchange::Begin() noexcept {
 bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
   Failure failure;
   silence_ = Clock::duration::zero();
+  perform_time_ = Clock::duration::zero();
   try {
     if (!next_) next_ = FirstHop();
     if (trace_) trace_->Begin(*next_);
@@ -101,6 +102,7 @@ void HttpExchange::EndSilent() noexcept {
 }
 
 void HttpExchange::BeforePerform() {
+  host_time_ = Clock::duration::zero();
   hop_->BeforePerform(std::max(std::chrono::ceil<std::chrono::milliseconds>(silence_left()),
                                std::chrono::milliseconds(1)));
 }
@@ -187,7 +189,9 @@ void HttpExchange::Tell(TransferEvent::Kind kind, const Failure& failure) noexce
     event.error = failure.text;
     event.times = times_;
     if (trace_) FillSteps(event);
+    const Clock::time_point begin = Clock::now();
     listener_->Call(event);
+    host_time_ += Clock::now() - begin;
   } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): this event is lost
   }
 }

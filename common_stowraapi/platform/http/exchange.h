@@ -64,15 +64,20 @@ class HttpExchange {
   // Requires ended().
   HttpReply TakeReply() { return std::move(reply_); }
 
-  // Silence is time that the loop has waited since the last progress. The host's own code is not
-  // part of it.
-  void AddSilence(Clock::duration waited) { silence_ += waited; }
+  // Silence is time that the loop has waited, or spent in libcurl, since the last progress. The
+  // host's own code is not part of it. What arrives during a perform is read by the next one, so a
+  // perform's time counts after that.
+  void AddWait(Clock::duration time) { silence_ += time; }
+  void AddPerform(Clock::duration time) { silence_ += std::exchange(perform_time_, time); }
   Clock::duration silence_left() const { return request_.inactivity_timeout - silence_; }
 
   // Before and after each perform of libcurl. With `sample` an upload's progress in the system
   // counts too.
   void BeforePerform();
   void AfterPerform(bool sample);
+
+  // What the listener took since BeforePerform.
+  Clock::duration host_time() const { return host_time_; }
 
  private:
   HopRequest FirstHop() const;
@@ -94,6 +99,8 @@ class HttpExchange {
   std::optional<Hop> hop_;
   int redirects_ = 0;
   Clock::duration silence_{0};
+  Clock::duration perform_time_{0};  // of the last perform
+  Clock::duration host_time_{0};
   int status_ = 0;  // of the last response that began
   TransferTimes times_;
   bool began_ = false;

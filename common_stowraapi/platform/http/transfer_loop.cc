@@ -143,13 +143,17 @@ void TransferLoop::Wait() {
   if (waited != CURLM_OK) has_failed_ = true;
   is_woken_ = false;
   const Clock::duration time = Clock::now() - begin;
-  for (HttpExchange* exchange : running_) exchange->AddSilence(time);
+  for (HttpExchange* exchange : running_) exchange->AddWait(time);
 }
 
 void TransferLoop::Perform() {
   for (HttpExchange* exchange : running_) exchange->BeforePerform();
   int running = 0;
+  const Clock::time_point begin = Clock::now();
   if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) has_failed_ = true;
+  Clock::duration time = Clock::now() - begin;
+  for (const HttpExchange* exchange : running_) time -= exchange->host_time();
+  for (HttpExchange* exchange : running_) exchange->AddPerform(time);
   TakeResults();
   if (has_failed_) EndAll();
   EndSilentAndAnswered();

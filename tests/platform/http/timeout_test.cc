@@ -11,6 +11,7 @@
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/full_listener.h"
 #include "tests/support/raw_server.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -276,6 +277,26 @@ TEST_F(TimeoutTest, InvalidSettingMeansTheDefault) {
   const RawServer server(Always(Response(200, "hello")));
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
+}
+
+// The worker has no time to wait beside a reply that comes as fast as it can be read.
+TEST_F(TimeoutTest, ASilentServerIsNoticedBesideABusyOne) {
+  const RawServer busy([](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+    const std::string many_chunks = Repeated("1\r\nx\r\n", 10'000);
+    while (connection.Write(many_chunks)) continue;
+  });
+  const RawServer silent([](const RawRequest&, RawConnection& connection) { connection.Stall(); });
+  SetInactivityTimeout(kShort);
+  Background stream(busy.Url());
+  ASSERT_TRUE(stream.Start());
+  Background background(silent.Url());
+  const auto begin = Clock::now();
+  ASSERT_TRUE(background.Start());
+  EXPECT_EQ(background.WaitForEnd(), kFailed);
+  EXPECT_GE(Clock::now() - begin, kShortest);
+  EXPECT_LT(Clock::now() - begin, kSoon);
+  EXPECT_EQ(stream.recorder.names().size(), 1U) << "the stream has ended";  // it hears of both
 }
 
 }  // namespace
