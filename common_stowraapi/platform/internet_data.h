@@ -14,9 +14,12 @@
 
 namespace ovrant::internet {
 
+class BodySink;
+class BodySource;
 class InternetDataDelegate;
 class RequestBody;
 class TransferRecord;
+struct HostBody;
 struct HttpReply;
 struct HttpRequest;
 
@@ -33,7 +36,7 @@ struct HttpRequest;
 // Redirects with status 301, 302, 303, 307 and 308 are followed, at most 20. A POST becomes a GET
 // on 301, 302 and 303, and stays a POST on 307 and 308. To another origin (scheme, host or port)
 // goes nothing that the caller has set but the headers Accept, Accept-Language, Content-Type and
-// User-Agent. So a POST goes there without its body.
+// User-Agent. So a POST goes there without its body. The headers of a BodySink go everywhere.
 //
 // Connections are reused. Certificates are always verified.
 //
@@ -102,7 +105,31 @@ class STOWRA_EXPORT InternetData {
                    bool flag1, bool flag2, bool flag3, ovrant::utils::ovrant_ustring text1,
                    ovrant::utils::ovrant_ustring text2, ovrant::utils::StringMap* received_headers);
 
-  // Why the last Download or SendAndRead on this thread failed, through any object. kNone when it
+  // Makes a POST of what `source` gives on the calling thread. True when a response was received.
+  // The body may have any size, and its length replaces any Content-Length header.
+  bool UploadFrom(BodySource& source);
+
+  // Makes a GET on the calling thread and writes the body to `sink`, which chooses the replies that
+  // it takes. True when a response was received, and all of it written if the sink took it. This
+  // object then holds no body. Holds the body of any other reply, such as a server's error text.
+  //
+  // A body that a sink takes may have any size, unless TransferDefaults::body_cap is set. During
+  // these two calls source and sink must leave this object alone.
+  bool DownloadTo(BodySink& sink);
+
+  // The same in the background, and otherwise as UploadWithDelegate and DownloadWithDelegate. The
+  // library shares the source or sink until the transfer has ended, and has let go of it when the
+  // notification is posted. False too when `source` or `sink` is null.
+  //
+  // Once this object or the delegate has been deleted, neither is called any more. The destructors
+  // wait for such a call under way on another thread, as they do for a post. The library lets go
+  // soon after.
+  bool UploadFromWithDelegate(std::shared_ptr<BodySource> source, InternetDataDelegate* delegate,
+                              void* user_data);
+  bool DownloadToWithDelegate(std::shared_ptr<BodySink> sink, InternetDataDelegate* delegate,
+                              void* user_data);
+
+  // Why the last blocking transfer on this thread failed, through any object. kNone when it
   // received a response. Requests that block, such as ContentQuery::QueryFeed, set it too.
   static TransferError LastError();
 
@@ -157,7 +184,10 @@ class STOWRA_EXPORT InternetData {
                           const ovrant::utils::StringMap* send_headers) const;
   bool Perform(const ovrant::utils::ovrant_ustring& url, bool is_upload,
                const ovrant::utils::StringMap* send_headers);
+  bool Perform(const ovrant::utils::ovrant_ustring& url, bool is_upload,
+               const ovrant::utils::StringMap* send_headers, const HostBody& host_body);
   bool StartInBackground(InternetDataDelegate* delegate, bool is_upload);
+  bool StartInBackground(InternetDataDelegate* delegate, bool is_upload, const HostBody& host_body);
   void CopyReceivedHeaders(ovrant::utils::StringMap& copy);
   void Reset();
   void DropTransfer();

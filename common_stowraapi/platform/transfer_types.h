@@ -26,6 +26,7 @@ enum class TransferError {
   kForbiddenRedirect,  // from https to http, or to another scheme
   kDropped,            // by the host
   kOutOfMemory,
+  kBody,  // the host's source or sink failed
 };
 
 // Where the time of a transfer went, in seconds. With redirects, each is the sum over all requests.
@@ -45,7 +46,8 @@ struct TransferDefaults {
   // value that is not above 0, or not finite, means 30 seconds.
   float inactivity_timeout = 0;
 
-  // A transfer fails when its decoded body exceeds this many bytes. 0 means 256 MiB.
+  // A transfer fails when its decoded body exceeds this many bytes. 0 means 256 MiB in memory, and
+  // no limit for a body that a BodySink takes.
   unsigned long body_cap = 0;
 
   // PEM file of the trusted certificate authorities. Empty: the system's authorities.
@@ -130,7 +132,7 @@ struct TransferEvent {
   unsigned long wire_bytes_received = 0;
   unsigned long bytes_expected = 0;
 
-  // Bytes of request body so far, and in all.
+  // Bytes of request body so far, and in all. The total is 0 when it is not known.
   unsigned long bytes_sent = 0;
   unsigned long bytes_to_send = 0;
 

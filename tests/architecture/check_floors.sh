@@ -13,7 +13,7 @@ platform=$library/platform
 # The public headers of each wing of the platform. They stand in platform/ itself.
 text_headers="$platform/(ustring|format_argument|random)\.h"
 notify_headers="$platform/(observer|notification_center)\.h"
-http_headers="$platform/(internet_data|internet_data_delegate|transfer_types|url)\.h"
+http_headers="$platform/(internet_data|internet_data_delegate|transfer_types|url|(body|file|memory)_(source|sink))\.h"
 xml_headers="$platform/xml_input\.h"
 
 # Small headers without a room.

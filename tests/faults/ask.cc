@@ -7,19 +7,33 @@
 #include <atomic>
 #include <memory>
 
+#include "common_stowraapi/platform/body_sink.h"
+#include "common_stowraapi/platform/memory_source.h"
 #include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
 namespace {
 
+using ovrant::internet::BodySink;
+using ovrant::internet::MemorySource;
 using ovrant::internet::TransferError;
 
 const char* NameOf(TransferError error) {
-  constexpr std::array<const char*, 14> kNames = {
-      "kNone",     "kBadUrl",     "kNameNotFound",     "kNotConnected",
-      "kTls",      "kSilent",     "kCutOff",           "kMalformed",
-      "kTooLarge", "kEncoding",   "kTooManyRedirects", "kForbiddenRedirect",
-      "kDropped",  "kOutOfMemory"};
+  constexpr std::array<const char*, 15> kNames = {"kNone",
+                                                  "kBadUrl",
+                                                  "kNameNotFound",
+                                                  "kNotConnected",
+                                                  "kTls",
+                                                  "kSilent",
+                                                  "kCutOff",
+                                                  "kMalformed",
+                                                  "kTooLarge",
+                                                  "kEncoding",
+                                                  "kTooManyRedirects",
+                                                  "kForbiddenRedirect",
+                                                  "kDropped",
+                                                  "kOutOfMemory",
+                                                  "kBody"};
   return kNames.at(static_cast<std::size_t>(error));
 }
 
@@ -70,20 +84,64 @@ Answer AskBySendAndRead(const std::string& url, const std::string& upload) {
   return AnswerIn(transport, received);
 }
 
-// `upload` is null for a download.
-Answer AskInBackground(const std::string& url, const std::string* upload) {
+// Takes the body of any reply.
+class TakingSink final : public BodySink {
+ public:
+  Choice Begin(int /*status*/, const StringMap& /*headers*/) override { return Choice::kTake; }
+  bool Write(const unsigned char* data, std::size_t size) override {
+    bytes.append(reinterpret_cast<const char*>(data), size);
+    return true;
+  }
+  std::string bytes;
+};
+
+Answer AnswerOf(const TakingSink& sink, Answer answer) {
+  EXPECT_EQ(answer.body, "");
+  if (answer.received) answer.body = sink.bytes;
+  return answer;
+}
+
+Answer AskByDownloadTo(const std::string& url) {
+  InternetData transport((Text(url)));
+  TakingSink sink;
+  const bool received = transport.DownloadTo(sink);
+  return AnswerOf(sink, AnswerIn(transport, received));
+}
+
+Answer AskByUploadFrom(const std::string& url, const std::string& upload) {
+  InternetData transport((Text(url)));
+  MemorySource source(upload);
+  const bool received = transport.UploadFrom(source);
+  return AnswerIn(transport, received);
+}
+
+bool Start(Way way, const std::string& upload, const std::shared_ptr<TakingSink>& sink,
+           Background& background) {
+  InternetData& transport = *background.transport;
+  InternetDataDelegate* const delegate = background.delegate.get();
+  switch (way) {
+    case Way::kDownloadToWithDelegate:
+      return transport.DownloadToWithDelegate(sink, delegate, nullptr);
+    case Way::kUploadWithDelegate:
+      return background.StartUpload(upload);
+    case Way::kUploadFromWithDelegate:
+      return transport.UploadFromWithDelegate(std::make_shared<MemorySource>(upload), delegate,
+                                              nullptr);
+    default:
+      return background.Start();
+  }
+}
+
+Answer AskInBackground(Way way, const std::string& url, const std::string& upload) {
   Background background(url);
   InternetData& transport = *background.transport;
-  if (upload == nullptr) {
-    EXPECT_TRUE(background.Start());
-  } else {
-    SetSendData(*upload, transport);
-    EXPECT_TRUE(transport.UploadWithDelegate(background.delegate.get(), nullptr));
-  }
+  const auto sink = std::make_shared<TakingSink>();
+  EXPECT_TRUE(Start(way, upload, sink, background));
   const std::string posted = background.WaitForEnd();
   EXPECT_TRUE(posted == kReturned || posted == kFailed) << posted;
   EXPECT_EQ(background.recorder.entries().size(), 1U);
-  return AnswerIn(transport, posted == kReturned);
+  const Answer answer = AnswerIn(transport, posted == kReturned);
+  return way == Way::kDownloadToWithDelegate ? AnswerOf(*sink, answer) : answer;
 }
 
 }  // namespace
@@ -94,12 +152,25 @@ const char* NameOf(Way way) {
       return "Download";
     case Way::kDownloadWithDelegate:
       return "DownloadWithDelegate";
+    case Way::kDownloadTo:
+      return "DownloadTo";
+    case Way::kDownloadToWithDelegate:
+      return "DownloadToWithDelegate";
     case Way::kSendAndRead:
       return "SendAndRead";
     case Way::kUploadWithDelegate:
       return "UploadWithDelegate";
+    case Way::kUploadFrom:
+      return "UploadFrom";
+    case Way::kUploadFromWithDelegate:
+      return "UploadFromWithDelegate";
   }
   return "";
+}
+
+bool IsBlocking(Way way) {
+  return way == Way::kDownload || way == Way::kDownloadTo || way == Way::kSendAndRead ||
+         way == Way::kUploadFrom;
 }
 
 std::string TextOf(const Answer& answer) {
@@ -116,22 +187,22 @@ Answer Ask(Way way, const std::string& url, const std::string& upload) {
   switch (way) {
     case Way::kDownload:
       return AskByDownload(url);
-    case Way::kDownloadWithDelegate:
-      return AskInBackground(url, nullptr);
+    case Way::kDownloadTo:
+      return AskByDownloadTo(url);
     case Way::kSendAndRead:
       return AskBySendAndRead(url, upload);
-    case Way::kUploadWithDelegate:
-      return AskInBackground(url, &upload);
+    case Way::kUploadFrom:
+      return AskByUploadFrom(url, upload);
+    default:
+      return AskInBackground(way, url, upload);
   }
-  return {};
 }
 
 Answer AskForReason(Way way, const std::string& url, const std::string& upload) {
   const ReasonListener listener;
   Answer answer = Ask(way, url, upload);
   answer.error = listener.reason();
-  const bool is_blocking = way == Way::kDownload || way == Way::kSendAndRead;
-  EXPECT_TRUE(!is_blocking || InternetData::LastError() == answer.error);
+  EXPECT_TRUE(!IsBlocking(way) || InternetData::LastError() == answer.error);
   return answer;
 }
 

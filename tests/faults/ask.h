@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One transfer by any of the four calls, and its outcome.
+// One transfer by any of the calls, and its outcome.
 
 #ifndef TESTS_FAULTS_ASK_H_
 #define TESTS_FAULTS_ASK_H_
@@ -12,7 +12,18 @@
 
 namespace stowra_test {
 
-enum class Way { kDownload, kDownloadWithDelegate, kSendAndRead, kUploadWithDelegate };
+enum class Way {
+  kDownload,
+  kDownloadWithDelegate,
+  kDownloadTo,
+  kDownloadToWithDelegate,
+  kSendAndRead,
+  kUploadWithDelegate,
+  kUploadFrom,
+  kUploadFromWithDelegate,
+};
+
+bool IsBlocking(Way way);
 
 const char* NameOf(Way way);
 
@@ -38,8 +49,8 @@ inline Answer Failed(int status, ovrant::internet::TransferError error) {
 std::string TextOf(const Answer& answer);
 void PrintTo(const Answer& answer, std::ostream* out);
 
-// Makes one transfer of `url`. Uploads send `upload`. Expects that a failure leaves neither body
-// nor headers, and that a background transfer posts once.
+// Makes one transfer of `url`. Uploads send `upload`. A sink takes the body of any reply. Expects
+// that a failure leaves neither body nor headers, and that a background transfer posts once.
 Answer Ask(Way way, const std::string& url, const std::string& upload);
 
 // The same, with the reason of a failure. Takes the place of the transfer listener.

@@ -26,10 +26,13 @@ Fault::Fault(const char* its_name, std::function<void(Stage& stage)> its_set, An
     : name(its_name), set(std::move(its_set)), answer(std::move(its_answer)) {}
 
 std::vector<Way> EveryWay() {
-  return {Way::kDownload, Way::kDownloadWithDelegate, Way::kSendAndRead, Way::kUploadWithDelegate};
+  return {Way::kDownload,    Way::kDownloadWithDelegate, Way::kDownloadTo,
+          Way::kSendAndRead, Way::kUploadWithDelegate,   Way::kUploadFromWithDelegate};
 }
 
-std::vector<Way> Uploads() { return {Way::kSendAndRead, Way::kUploadWithDelegate}; }
+std::vector<Way> Uploads() {
+  return {Way::kSendAndRead, Way::kUploadWithDelegate, Way::kUploadFrom};
+}
 
 RawServer::Handler GoodOr(RawServer::Handler handler) {
   return [handler = std::move(handler)](const RawRequest& request, RawConnection& connection) {

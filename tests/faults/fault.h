@@ -79,7 +79,7 @@ struct Fault {
   Answer answer;
 
   End end = End::kBefore;
-  std::vector<Way> ways = {Way::kDownload, Way::kDownloadWithDelegate};
+  std::vector<Way> ways = {Way::kDownload, Way::kDownloadWithDelegate, Way::kDownloadTo};
 
   // A transfer of kGoodTarget goes first, by the same call, and leaves its connection open.
   bool on_used_connection = false;

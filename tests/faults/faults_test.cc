@@ -81,10 +81,7 @@ void ExpectTimely(End end, Seconds took) {
 }
 
 // The download that shares its connections with `way`.
-Way DownloadLike(Way way) {
-  const bool is_background = way == Way::kDownloadWithDelegate || way == Way::kUploadWithDelegate;
-  return is_background ? Way::kDownloadWithDelegate : Way::kDownload;
-}
+Way DownloadLike(Way way) { return IsBlocking(way) ? Way::kDownload : Way::kDownloadWithDelegate; }
 
 class FaultTest : public TransportTest, public ::testing::WithParamInterface<Case> {};
 

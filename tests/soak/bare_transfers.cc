@@ -3,12 +3,14 @@
 
 #include <utility>
 
+#include "common_stowraapi/platform/memory_source.h"
 #include "common_stowraapi/platform/notification_center.h"
 
 namespace stowra_test {
 
 using ovrant::internet::InternetData;
 using ovrant::internet::InternetDataDelegate;
+using ovrant::internet::MemorySource;
 
 namespace {
 
@@ -125,12 +127,29 @@ void BareTransfers::Start(Place& place, bool again) {
   const bool delegate_goes_first =
       place.fate == Fate::kDeletedInsideItsNotification || random_.OneIn(2);
   if (delegate_goes_first) place.delegate = std::move(delegate);
-  const bool began = random_.OneIn(3) ? place.transport->UploadWithDelegate(started, nullptr)
-                                      : place.transport->DownloadWithDelegate(started, nullptr);
-  Check(began, "a transfer did not start");
+  Check(StartTransfer(place, started), "a transfer did not start");
   if (again) NoteDropped(place, before);
   if (!delegate_goes_first) place.delegate = std::move(delegate);
   (again ? tally.bare_restarted : tally.bare_started).Add();
+}
+
+bool BareTransfers::StartTransfer(Place& place, InternetDataDelegate* delegate) {
+  Standing& standing = place.StandingOf(place.context.start);
+  standing.sink.reset();
+  switch (random_.Draw(4)) {
+    case 0:
+      return place.transport->UploadWithDelegate(delegate, nullptr);
+    case 1: {
+      const Target target = {Document::kNumber, place.context.manner, place.context.number};
+      auto source = std::make_shared<MemorySource>(BodyOf(target));
+      return place.transport->UploadFromWithDelegate(std::move(source), delegate, nullptr);
+    }
+    case 2:
+      standing.sink = std::make_shared<SoakSink>();
+      return place.transport->DownloadToWithDelegate(standing.sink, delegate, nullptr);
+    default:
+      return place.transport->DownloadWithDelegate(delegate, nullptr);
+  }
 }
 
 void BareTransfers::Delete(Place& place) {
@@ -162,6 +181,7 @@ bool BareTransfers::Finish(Place& place) {
 }
 
 void BareTransfers::NoteDropped(Place& place, std::uint64_t start) {
+  if (const auto& sink = place.StandingOf(start).sink) sink->Forbid();
   const std::uint64_t was = place.StandingOf(start).start_and_phase.exchange(
       Standing::Join(start, Phase::kDropped), std::memory_order_relaxed);
   if (was == Standing::Join(start, Phase::kLive)) tally.dropped_in_flight.Add();
@@ -193,9 +213,11 @@ void BareTransfers::OnNotification(const char* name, void* payload) {
 void BareTransfers::CheckPost(Place& place, const Context& context, bool returned) {
   const InternetData& transport = *place.seen_transport.load(std::memory_order_relaxed);
   const unsigned long length = transport.received_data_length();
-  const std::string body =
+  std::string body =
       length == 0 ? ""
                   : std::string(reinterpret_cast<const char*>(transport.received_data()), length);
+  const auto& sink = place.StandingOf(context.start).sink;
+  if (returned && sink && sink->has_taken()) body = sink->bytes();
   CheckReply({Document::kNumber, context.manner, context.number}, returned, transport.status_code(),
              body);
   if (place.fate != Fate::kDeletedInsideItsNotification) return;

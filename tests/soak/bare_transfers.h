@@ -18,6 +18,7 @@
 #include "tests/soak/answers.h"
 #include "tests/soak/main_loop.h"
 #include "tests/soak/report.h"
+#include "tests/soak/soak_sink.h"
 #include "tests/support/raw_server.h"
 
 namespace stowra_test {
@@ -61,6 +62,7 @@ class BareTransfers final : public ovrant::IObserver {
   // The state of one start.
   struct Standing {
     std::atomic<std::uint64_t> start_and_phase{0};
+    std::shared_ptr<SoakSink> sink;  // null without one
 
     static std::uint64_t Join(std::uint64_t start, Phase phase) {
       return start * 4 + static_cast<std::uint64_t>(phase);
@@ -92,6 +94,7 @@ class BareTransfers final : public ovrant::IObserver {
   void Act(std::uint32_t index);
   void Create(std::uint32_t index);
   void Start(Place& place, bool again);
+  bool StartTransfer(Place& place, ovrant::internet::InternetDataDelegate* delegate);
   void Delete(Place& place);
   bool Finish(Place& place);
   void NoteDropped(Place& place, std::uint64_t start);

@@ -7,11 +7,23 @@
 
 namespace ovrant::internet {
 
+namespace {
+
+// Neither source nor sink is called once a gate is closed.
+HttpRequest&& Guard(HttpRequest&& request, const BodyGates& gates) {
+  if (request.source) request.source->set_gates(gates);
+  if (request.sink) request.sink->set_gates(gates);
+  return std::move(request);
+}
+
+}  // namespace
+
 BackgroundTransfer::BackgroundTransfer(HttpRequest&& request,
                                        std::shared_ptr<TransferListener> listener,
                                        Announcement announcement,
                                        std::function<void(HttpReply)> publish)
-    : exchange_(std::move(request), std::move(listener)),
+    : exchange_(Guard(std::move(request), {announcement.gate.get(), &transport_gate_}),
+                std::move(listener)),
       announcement_(std::move(announcement)),
       publish_(std::move(publish)) {}
 

@@ -29,6 +29,9 @@ class BodyBuffer {
 
   void Clear();
 
+  // Drops the bytes and keeps the memory.
+  void Empty() { size_ = 0; }
+
   // Hands the bytes to the caller, who frees them with std::free. Null when the buffer is empty.
   unsigned char* Release();
 

@@ -61,18 +61,25 @@ bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
   silence_ = Clock::duration::zero();
   perform_time_ = Clock::duration::zero();
   try {
-    if (!next_) next_ = FirstHop();
-    if (trace_) trace_->Begin(*next_);
-    hop_.emplace(
-        request_, std::move(*next_), sockets, [this] { Tell(TransferEvent::Kind::kProgress); },
-        trace_ ? &*trace_ : nullptr);
-    failure = hop_->Prepare(this);
+    failure = MakeHop(sockets);
   } catch (const std::bad_alloc&) {
     failure = kOutOfMemory;
   }
   if (!failure) return true;
   Conclude(failure);
   return false;
+}
+
+Failure HttpExchange::MakeHop(ConnectionSockets& sockets) {
+  if (!next_) next_ = FirstHop();
+  if (request_.sink) {
+    if (const Failure failure = request_.sink->BeginRequest(next_->headers)) return failure;
+  }
+  if (trace_) trace_->Begin(*next_);
+  hop_.emplace(
+      request_, std::move(*next_), sockets, [this] { Tell(TransferEvent::Kind::kProgress); },
+      trace_ ? &*trace_ : nullptr);
+  return hop_->Prepare(this);
 }
 
 bool HttpExchange::EndHop(int curl_code) noexcept {
@@ -85,10 +92,16 @@ bool HttpExchange::EndHop(int curl_code) noexcept {
       hop_.reset();
       return true;
     }
+    if (request_.sink && request_.sink->wants_another()) {
+      AskAgain();
+      return true;
+    }
     failure = hop_->WhyFailed(curl_code);
     if (!failure && hop_->decoder().IsFollowed()) {
       failure = FollowRedirect();
       if (!failure) return true;
+    } else if (!failure && request_.sink && request_.sink->takes()) {
+      failure = request_.sink->End();
     }
   } catch (const std::bad_alloc&) {
     failure = kOutOfMemory;
@@ -117,6 +130,7 @@ HopRequest HttpExchange::FirstHop() const {
   hop.url = request_.url.utf8();
   hop.is_post = request_.is_upload;
   hop.body = request_.body;
+  hop.source = request_.source;
   hop.headers = HeadersFor(hop.url, true);
   return hop;
 }
@@ -134,6 +148,13 @@ StringMap HttpExchange::HeadersFor(const std::string& url, bool is_first_origin)
   return headers;
 }
 
+// Makes the same request once more, from the first URL on.
+void HttpExchange::AskAgain() {
+  redirects_ = 0;
+  next_ = FirstHop();
+  hop_.reset();
+}
+
 // Makes the next hop. A failure says why that is not possible.
 Failure HttpExchange::FollowRedirect() {
   if (++redirects_ > request_.redirect_limit) {
@@ -146,7 +167,10 @@ Failure HttpExchange::FollowRedirect() {
   }
   const bool is_first_origin = OriginOf(next.url) == OriginOf(request_.url.utf8());
   next.is_post = hop_->request().is_post && !BecomesGet(head.status());
-  if (next.is_post && is_first_origin) next.body = request_.body;
+  if (next.is_post && is_first_origin) {
+    next.body = request_.body;
+    next.source = request_.source;
+  }
   next.headers = HeadersFor(next.url, is_first_origin);
   status_ = head.status();
   if (trace_) trace_->OnRedirect(next.url);
@@ -171,6 +195,9 @@ void HttpExchange::Conclude(const Failure& failure) noexcept {
     reply_.body = std::move(hop_->decoder().body());
   }
   hop_.reset();
+  next_.reset();
+  request_.source.reset();
+  request_.sink.reset();
 }
 
 void HttpExchange::Tell(TransferEvent::Kind kind, const Failure& failure) noexcept {
@@ -211,7 +238,7 @@ void HttpExchange::FillCounts(TransferEvent& event) const {
   event.wire_bytes_received = decoder.wire_bytes();
   event.bytes_expected = decoder.head().content_length().value_or(0);
   event.bytes_sent = hop_->sent_bytes();
-  event.bytes_to_send = hop_->request().body ? hop_->request().body->size() : 0;
+  event.bytes_to_send = hop_->bytes_to_send();
 }
 
 }  // namespace ovrant::internet

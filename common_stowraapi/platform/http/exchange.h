@@ -81,6 +81,8 @@ class HttpExchange {
 
  private:
   HopRequest FirstHop() const;
+  Failure MakeHop(ConnectionSockets& sockets);
+  void AskAgain();
   ovrant::utils::StringMap HeadersFor(const std::string& url, bool is_first_origin) const;
   Failure FollowRedirect();
   void Conclude(const Failure& failure) noexcept;
@@ -88,7 +90,7 @@ class HttpExchange {
   void FillCounts(TransferEvent& event) const;
   void FillSteps(TransferEvent& event) const;
 
-  const HttpRequest request_;
+  HttpRequest request_;  // without its source and sink once it has ended
   const std::shared_ptr<TransferListener> listener_;
   const unsigned long number_;
   const std::string silence_text_;  // made early, so that the end needs no memory

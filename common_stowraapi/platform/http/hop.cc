@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <new>
 #include <utility>
 
@@ -49,6 +50,17 @@ std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* hop) {
   return HopAt(hop).OnBody(std::string_view(data, size * count)) ? size * count : 0;
 }
 
+std::size_t OnRead(char* data, std::size_t size, std::size_t count, void* hop) {
+  std::size_t read = 0;
+  return HopAt(hop).OnRead(data, size * count, read) ? read : CURL_READFUNC_ABORT;
+}
+
+// libcurl goes back only to the beginning.
+int OnSeek(void* hop, curl_off_t offset, int origin) {
+  return offset == 0 && origin == SEEK_SET && HopAt(hop).OnRewind() ? CURL_SEEKFUNC_OK
+                                                                    : CURL_SEEKFUNC_FAIL;
+}
+
 int OnProgress(void* hop, curl_off_t /*to_receive*/, curl_off_t /*received*/,
                curl_off_t /*to_send*/, curl_off_t sent) {
   return HopAt(hop).OnProgress(static_cast<std::size_t>(sent)) ? 0 : 1;
@@ -82,12 +94,15 @@ Hop::Hop(const HttpRequest& settings, HopRequest&& request, ConnectionSockets& s
       sockets_(sockets),
       on_moved_(std::move(on_moved)),
       trace_(trace),
-      decoder_(settings.body_cap, settings.redirect_limit > 0),
+      decoder_(settings.body_cap, settings.redirect_limit > 0, settings.sink.get()),
       easy_(MakeEasyHandle()) {}
 
 Hop::~Hop() { sockets_.Settle(this, ConnectionSockets::kNone); }
 
 Failure Hop::Prepare(void* owner) {
+  if (request_.source) {
+    if (const Failure failure = request_.source->Rewind()) return failure;
+  }
   const Failure failure =
       SetHopOptions(settings_, request_, error_buffer_, easy_.get(), header_list_);
   SetCallbacks();
@@ -110,6 +125,10 @@ void Hop::SetCallbacks() {
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, internet::OnBody);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(easy, CURLOPT_READFUNCTION, internet::OnRead);
+  curl_easy_setopt(easy, CURLOPT_READDATA, this);
+  curl_easy_setopt(easy, CURLOPT_SEEKFUNCTION, OnSeek);
+  curl_easy_setopt(easy, CURLOPT_SEEKDATA, this);
   curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, internet::OnProgress);
   curl_easy_setopt(easy, CURLOPT_XFERINFODATA, this);
   curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
@@ -157,8 +176,19 @@ void Hop::SampleUpload() {
   unsent_bytes_ = unsent;
 }
 
+std::size_t Hop::bytes_to_send() const {
+  if (request_.source) return request_.source->length().value_or(0);
+  return request_.body ? request_.body->size() : 0;
+}
+
+// Of a body without a length, libcurl sends more than the body. It counts as sent once it is read.
+bool Hop::IsSent() const {
+  if (request_.source && !request_.source->length()) return request_.source->at_end();
+  return sent_bytes_ >= bytes_to_send();
+}
+
 bool Hop::IsAnsweredEarly() const {
-  if (!is_upload() || sent_bytes_ >= request_.body->size() || !decoder_.MayEnd()) return false;
+  if (!is_upload() || IsSent() || !decoder_.MayEnd()) return false;
   if (!decoder_.EndsByClose()) return true;
   return IsHttps() ? tls_ended_ : socket_ != ConnectionSockets::kNone && IsAtEnd(socket_);
 }
@@ -251,6 +281,16 @@ bool Hop::OnBody(std::string_view bytes) noexcept {
     decoder_.Refuse(kOutOfMemory);
   }
   if (!decoder_.IsFollowed()) on_moved_();
+  return !decoder_.failure();
+}
+
+bool Hop::OnRead(char* data, std::size_t size, std::size_t& count) noexcept {
+  if (request_.source) decoder_.Refuse(request_.source->Read(data, size, count));
+  return !decoder_.failure();
+}
+
+bool Hop::OnRewind() noexcept {
+  if (request_.source) decoder_.Refuse(request_.source->Rewind());
   return !decoder_.failure();
 }
 

@@ -46,8 +46,11 @@ class Hop {
 
   // True until the request is about to go out.
   bool is_connecting() const { return is_connecting_; }
-  bool is_upload() const { return request_.body != nullptr; }
+  bool is_upload() const { return request_.body != nullptr || request_.source != nullptr; }
   std::size_t sent_bytes() const { return sent_bytes_; }
+
+  // Bytes of the request's body, 0 when that is not known.
+  std::size_t bytes_to_send() const;
 
   // Call it before each perform. Lets libcurl connect for `time_left` more.
   void BeforePerform(std::chrono::milliseconds time_left);
@@ -76,6 +79,8 @@ class Hop {
   bool OnRequest(const char* remote_ip, int local_port, int remote_port) noexcept;
   bool OnHeaderLine(std::string_view line) noexcept;
   bool OnBody(std::string_view bytes) noexcept;
+  bool OnRead(char* data, std::size_t size, std::size_t& count) noexcept;
+  bool OnRewind() noexcept;
   bool OnProgress(std::size_t sent_bytes_in_all) noexcept;
   void OnTlsMessage(std::string_view message) noexcept;
   void OnText(std::string_view text) noexcept;
@@ -84,6 +89,7 @@ class Hop {
  private:
   bool IsHttps() const;
   void SetCallbacks();
+  bool IsSent() const;
   int StepsOfConnecting() const;
   bool IsCutOff() const;
   TransferPhase Phase() const;

@@ -19,6 +19,7 @@ constexpr char kSchemes[] = "http,https";
 constexpr char kOfferedEncoding[] = "Accept-Encoding: gzip";
 
 constexpr long kReceiveBufferSize = 64L << 10;
+constexpr long kSendBufferSize = 256L << 10;
 
 // Sets options in turn and remembers the first failure.
 class EasyOptions {
@@ -114,9 +115,16 @@ void SetReply(EasyOptions& options) {
   options.Set(CURLOPT_HTTP_TRANSFER_DECODING, 0L);
 }
 
+// The body of a source comes from the callbacks, unless it is empty.
 void SetBody(const HopRequest& hop, EasyOptions& options) {
   if (!hop.is_post) return;
   options.Set(CURLOPT_POST, 1L);
+  if (hop.source && hop.source->length() != 0U) {
+    const auto length = hop.source->length();
+    options.Set(CURLOPT_POSTFIELDSIZE_LARGE, length ? static_cast<curl_off_t>(*length) : -1);
+    options.Set(CURLOPT_UPLOAD_BUFFERSIZE, kSendBufferSize);
+    return;
+  }
   options.Set(CURLOPT_POSTFIELDS, hop.body ? hop.body->data() : "");
   options.Set(CURLOPT_POSTFIELDSIZE_LARGE,
               static_cast<curl_off_t>(hop.body ? hop.body->size() : 0));

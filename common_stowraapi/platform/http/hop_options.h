@@ -23,6 +23,7 @@ struct HopRequest {
   std::string url;
   bool is_post = false;
   std::shared_ptr<const RequestBody> body;  // null when empty
+  std::shared_ptr<SourceReader> source;     // takes the place of body if not null
   ovrant::utils::StringMap headers;
   bool needs_fresh_connection = false;
 };

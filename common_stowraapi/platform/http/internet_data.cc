@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
@@ -20,6 +21,12 @@
 #include "common_stowraapi/platform/notification_center.h"
 
 namespace ovrant::internet {
+
+// What the host reads or writes itself. Both null: the bodies stay in memory.
+struct HostBody {
+  std::shared_ptr<BodySource> source;
+  std::shared_ptr<BodySink> sink;
+};
 
 using ovrant::utils::ovrant_ustring;
 using ovrant::utils::StringMap;
@@ -44,6 +51,23 @@ void PostFailure(const InternetDataDelegate& delegate) {
 // A null name is nobody's.
 std::string NameOf(const char* notification) { return notification != nullptr ? notification : ""; }
 
+// For a blocking transfer, which the host's object outlives.
+template <typename T>
+std::shared_ptr<T> Borrow(T& object) {
+  return std::shared_ptr<T>(std::shared_ptr<void>(), &object);
+}
+
+void AddHostBody(const HostBody& host_body, HttpRequest& request) {
+  if (host_body.source) {
+    request.body = nullptr;
+    request.source = std::make_shared<SourceReader>(host_body.source);
+  }
+  if (host_body.sink) {
+    const auto set_cap = TransferSettings::Instance().defaults()->body_cap;
+    request.sink = std::make_shared<SinkWriter>(host_body.sink, set_cap > 0 ? set_cap : SIZE_MAX);
+  }
+}
+
 std::chrono::milliseconds ToTimeout(float wanted, float otherwise) {
   const float seconds = wanted > 0 && std::isfinite(wanted) ? wanted : otherwise;
   return std::chrono::milliseconds(
@@ -65,6 +89,24 @@ bool InternetData::DownloadWithDelegate(InternetDataDelegate* delegate, void* /*
 
 bool InternetData::UploadWithDelegate(InternetDataDelegate* delegate, void* /*user_data*/) {
   return StartInBackground(delegate, true);
+}
+
+bool InternetData::UploadFrom(BodySource& source) {
+  return Perform(url_, true, nullptr, {Borrow(source), nullptr});
+}
+
+bool InternetData::DownloadTo(BodySink& sink) {
+  return Perform(url_, false, nullptr, {nullptr, Borrow(sink)});
+}
+
+bool InternetData::UploadFromWithDelegate(std::shared_ptr<BodySource> source,
+                                          InternetDataDelegate* delegate, void* /*user_data*/) {
+  return source && StartInBackground(delegate, true, {std::move(source), nullptr});
+}
+
+bool InternetData::DownloadToWithDelegate(std::shared_ptr<BodySink> sink,
+                                          InternetDataDelegate* delegate, void* /*user_data*/) {
+  return sink && StartInBackground(delegate, false, {nullptr, std::move(sink)});
 }
 
 void InternetData::set_send_data(const unsigned char* data, unsigned long length) {
@@ -144,8 +186,14 @@ HttpRequest InternetData::MakeRequest(const ovrant_ustring& url, bool is_upload,
 
 bool InternetData::Perform(const ovrant_ustring& url, bool is_upload,
                            const StringMap* send_headers) {
+  return Perform(url, is_upload, send_headers, HostBody());
+}
+
+bool InternetData::Perform(const ovrant_ustring& url, bool is_upload, const StringMap* send_headers,
+                           const HostBody& host_body) {
   try {
     HttpRequest request = MakeRequest(url, is_upload, send_headers);
+    AddHostBody(host_body, request);
     Reset();
     transfer_ = std::make_shared<TransferRecord>();
     HttpReply reply = PerformSynchronously(std::move(request));
@@ -159,9 +207,15 @@ bool InternetData::Perform(const ovrant_ustring& url, bool is_upload,
 }
 
 bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upload) {
+  return StartInBackground(delegate, is_upload, HostBody());
+}
+
+bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upload,
+                                     const HostBody& host_body) {
   if (delegate == nullptr) return false;
   try {
     HttpRequest request = MakeRequest(url_, is_upload, nullptr);
+    AddHostBody(host_body, request);
     request.context = delegate->context();
     auto transfer = std::make_shared<BackgroundTransfer>(
         std::move(request), TransferSettings::Instance().listener().Current(),

@@ -13,6 +13,8 @@
 #include "common_stowraapi/platform/http/body_buffer.h"
 #include "common_stowraapi/platform/http/failure.h"
 #include "common_stowraapi/platform/http/header_fields.h"
+#include "common_stowraapi/platform/http/sink_writer.h"
+#include "common_stowraapi/platform/http/source_reader.h"
 #include "common_stowraapi/platform/ustring.h"
 
 namespace ovrant::internet {
@@ -37,6 +39,8 @@ struct HttpRequest {
   ovrant::utils::ovrant_ustring url;
   bool is_upload = false;
   std::shared_ptr<const RequestBody> body;  // null when empty
+  std::shared_ptr<SourceReader> source;     // takes the place of body if not null
+  std::shared_ptr<SinkWriter> sink;         // null: the reply's body stays in memory
   void* context = nullptr;                  // of the delegate, for the listener
 
   // Headers of the request itself win over those for its origin, and these over the common ones.

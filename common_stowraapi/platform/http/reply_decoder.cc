@@ -18,6 +18,9 @@ constexpr std::size_t kMaxReserve = std::size_t{256} << 20;
 constexpr std::size_t kGzipOverhead = 1024;
 constexpr std::size_t kGzipSlack = std::size_t{1} << 20;
 
+// A sink gets what this many bytes of gzip hold, at most about a mebibyte, at a time.
+constexpr std::size_t kGzipPiece = 1024;
+
 constexpr Failure kBrokenChunks{TransferError::kMalformed,
                                 "the response's chunked body is malformed"};
 constexpr Failure kCorruptGzip{TransferError::kMalformed, "the response's gzip stream is corrupt"};
@@ -30,10 +33,13 @@ bool ReplyDecoder::AddHeaderLine(std::string_view line) {
   ++lines_;
   const bool is_trailer = head_.complete();
   Refuse(is_trailer ? head_.AddTrailer(line) : head_.AddLine(line));
-  if (!is_trailer && head_.complete() && head_.is_chunked() && !head_.HasNoBody()) {
-    chunks_.emplace();
-  }
+  if (!is_trailer && head_.complete() && !failure_) EndHead();
   return !failure_;
+}
+
+void ReplyDecoder::EndHead() {
+  if (head_.is_chunked() && !head_.HasNoBody()) chunks_.emplace();
+  if (sink_ != nullptr && !IsFollowed()) Refuse(sink_->Offer(head_.status(), head_.fields()));
 }
 
 bool ReplyDecoder::AddBody(std::string_view bytes) {
@@ -75,7 +81,7 @@ std::size_t ReplyDecoder::progress() const {
 
 void ReplyDecoder::TakePayload(std::string_view payload) {
   const auto length = head_.content_length();
-  if (wire_bytes_ == 0 && length && !head_.is_gzip() && !IsFollowed()) {
+  if (wire_bytes_ == 0 && length && !head_.is_gzip() && !IsFollowed() && !IsTakenBySink()) {
     body_.Reserve(std::min({*length, body_cap_, kMaxReserve}));
   }
   const std::size_t before = wire_bytes_;
@@ -91,11 +97,36 @@ void ReplyDecoder::TakePayload(std::string_view payload) {
 
 void ReplyDecoder::Decode(std::string_view payload) {
   if (!head_.is_gzip()) {
-    body_.Append(payload.data(), payload.size());
-    return;
+    TakeDecoded(payload);
+  } else if (!IsTakenBySink()) {
+    DecodeGzip(payload);
+  } else {
+    while (!failure_ && !payload.empty()) {
+      DecodeGzip(payload.substr(0, kGzipPiece));
+      payload.remove_prefix(std::min(payload.size(), kGzipPiece));
+      if (failure_) return;
+      WriteToSink({reinterpret_cast<const char*>(body_.data()), body_.size()});
+      body_.Empty();
+    }
   }
+}
+
+void ReplyDecoder::TakeDecoded(std::string_view bytes) {
+  if (IsTakenBySink()) {
+    WriteToSink(bytes);
+  } else {
+    body_.Append(bytes.data(), bytes.size());
+  }
+}
+
+void ReplyDecoder::WriteToSink(std::string_view bytes) {
+  written_bytes_ += bytes.size();
+  Refuse(sink_->Write(bytes));
+}
+
+void ReplyDecoder::DecodeGzip(std::string_view payload) {
   if (!gzip_) gzip_.emplace();
-  switch (gzip_->Decode(payload.data(), payload.size(), body_cap_, body_)) {
+  switch (gzip_->Decode(payload.data(), payload.size(), Cap() - written_bytes_, body_)) {
     case GzipDecoder::Result::kOk:
       break;
     case GzipDecoder::Result::kCorrupt:
@@ -109,9 +140,10 @@ void ReplyDecoder::Decode(std::string_view payload) {
 
 // The header of a gzip stream may hold a name of any length, so the wire needs a cap of its own.
 std::size_t ReplyDecoder::WireCap() const {
-  if (!head_.is_gzip() || IsFollowed()) return body_cap_;
-  const std::size_t slack = body_cap_ / kGzipOverhead + kGzipSlack;
-  return body_cap_ > SIZE_MAX - slack ? SIZE_MAX : body_cap_ + slack;
+  const std::size_t cap = Cap();
+  if (!head_.is_gzip() || IsFollowed()) return cap;
+  const std::size_t slack = cap / kGzipOverhead + kGzipSlack;
+  return cap > SIZE_MAX - slack ? SIZE_MAX : cap + slack;
 }
 
 }  // namespace ovrant::internet

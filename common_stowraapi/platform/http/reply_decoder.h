@@ -13,6 +13,7 @@
 #include "common_stowraapi/platform/http/failure.h"
 #include "common_stowraapi/platform/http/gzip_decoder.h"
 #include "common_stowraapi/platform/http/response_head.h"
+#include "common_stowraapi/platform/http/sink_writer.h"
 
 namespace ovrant::internet {
 
@@ -20,8 +21,8 @@ namespace ovrant::internet {
 // body. Downloads and uploads have the same limits:
 //
 //   - header lines and trailing section: ResponseHead::kMaxBytes
-//   - decoded body: the cap
-//   - compressed body: a little more than the cap
+//   - decoded body: the cap, or that of the sink if it takes the body
+//   - compressed body: a little more than that cap
 //   - line with a chunk's size: ChunkDecoder::kMaxSizeLine
 //
 // The body of a redirect that will be followed counts against the cap and is thrown away undecoded.
@@ -29,9 +30,10 @@ namespace ovrant::internet {
 // For one thread at a time. Calls that throw std::bad_alloc leave a decoder that must not be used.
 class ReplyDecoder {
  public:
-  // With `follows_redirects` a redirect is not the reply.
-  ReplyDecoder(std::size_t body_cap, bool follows_redirects)
-      : body_cap_(body_cap), follows_redirects_(follows_redirects) {}
+  // With `follows_redirects` a redirect is not the reply. Any other reply is offered to `sink` when
+  // its headers have come. `sink` may be null.
+  ReplyDecoder(std::size_t body_cap, bool follows_redirects, SinkWriter* sink = nullptr)
+      : body_cap_(body_cap), follows_redirects_(follows_redirects), sink_(sink) {}
 
   // Adds a status line, a header line, the empty line after them, or a line of the trailing section
   // that did not come inside the body. Adds the next bytes of the body. Both return false when the
@@ -58,28 +60,38 @@ class ReplyDecoder {
 
   const ResponseHead& head() const { return head_; }
   ResponseHead& head() { return head_; }
+
+  // Empty if a sink takes the body.
   BodyBuffer& body() { return body_; }
 
   // Bytes of body without chunk framing, before and after decompression. Refused bytes count.
   std::size_t wire_bytes() const { return wire_bytes_; }
-  std::size_t body_bytes() const { return body_.size(); }
+  std::size_t body_bytes() const { return written_bytes_ + body_.size(); }
 
   // Grows with each complete line and each byte of body. A part of a line is no progress.
   std::size_t progress() const;
 
  private:
+  void EndHead();
+  bool IsTakenBySink() const { return sink_ != nullptr && sink_->takes(); }
   void TakePayload(std::string_view payload);
   void Decode(std::string_view payload);
+  void DecodeGzip(std::string_view payload);
+  void TakeDecoded(std::string_view bytes);
+  void WriteToSink(std::string_view bytes);
+  std::size_t Cap() const { return IsTakenBySink() ? sink_->cap() : body_cap_; }
   std::size_t WireCap() const;
 
   const std::size_t body_cap_;
   const bool follows_redirects_;
+  SinkWriter* const sink_;
   ResponseHead head_;
   std::optional<ChunkDecoder> chunks_;
   std::optional<GzipDecoder> gzip_;
   BodyBuffer body_;
   std::size_t lines_ = 0;
   std::size_t wire_bytes_ = 0;
+  std::size_t written_bytes_ = 0;  // to the sink
   Failure failure_;
 };
 

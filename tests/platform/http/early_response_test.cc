@@ -96,7 +96,7 @@ TEST_F(EarlyEndTest, FollowsARedirectBeforeTheEndOfTheUpload) {
           connection.StallWithoutReading();
         },
         {nullptr, false, 4096});
-    for (const Way way : {Way::kSendAndRead, Way::kUploadWithDelegate}) {
+    for (const Way way : {Way::kSendAndRead, Way::kUploadWithDelegate, Way::kUploadFrom}) {
       const auto begin = std::chrono::steady_clock::now();
       EXPECT_EQ(Ask(way, server.Url(), std::string(kLargeBody, 'x')), (Answer{true, 200, "hello"}));
       EXPECT_LT(std::chrono::steady_clock::now() - begin, kSoon);

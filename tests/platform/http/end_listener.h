@@ -31,10 +31,9 @@ class EndListener {
   ovrant::internet::TransferEvent last_;
 };
 
-constexpr Way kAllWays[] = {Way::kDownload, Way::kDownloadWithDelegate, Way::kSendAndRead,
-                            Way::kUploadWithDelegate};
-
-inline bool IsBlocking(Way way) { return way == Way::kDownload || way == Way::kSendAndRead; }
+constexpr Way kAllWays[] = {
+    Way::kDownload,    Way::kDownloadWithDelegate, Way::kDownloadTo, Way::kDownloadToWithDelegate,
+    Way::kSendAndRead, Way::kUploadWithDelegate,   Way::kUploadFrom, Way::kUploadFromWithDelegate};
 
 // Makes one transfer and returns why it failed. Expects that the event, LastError and the result
 // agree.

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// Deletion of transport or delegate while the host's source or sink is called.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "tests/platform/http/body_fixture.h"
+#include "tests/platform/http/deletion_fixture.h"
+
+namespace stowra_test {
+namespace {
+
+class BodyDeletionTest : public DeletionFixture {
+ protected:
+  static bool Start(Background& background, const std::shared_ptr<BodySink>& sink) {
+    return background.transport->DownloadToWithDelegate(sink, background.delegate.get(), nullptr);
+  }
+  static bool Start(Background& background, const std::shared_ptr<BodySource>& source) {
+    return background.transport->UploadFromWithDelegate(source, background.delegate.get(), nullptr);
+  }
+
+  // The transport's thread lets go of it soon.
+  template <typename T>
+  static void ExpectLetGo(const std::shared_ptr<T>& object) {
+    LetWorkerCatchUp();
+    EXPECT_EQ(object.use_count(), 1);
+  }
+
+  const RawServer endless_{[](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
+    const std::string piece(1 << 16, 'x');
+    while (connection.Write(piece)) {
+    }
+  }};
+};
+
+INSTANTIATE_TEST_SUITE_P(, BodyDeletionTest,
+                         ::testing::Values(Order::kDelegateFirst, Order::kTransportFirst),
+                         NameOfOrder);
+
+TEST_P(BodyDeletionTest, InsideWriteEndsTheDownload) {
+  Background background(endless_.Url());
+  const auto sink = std::make_shared<TestSink>();
+  Event deleted;
+  std::atomic<int> writes{0};
+  sink->on_write = [&] {
+    if (++writes == 1) DeleteBoth(background);
+    deleted.Set();
+  };
+  ASSERT_TRUE(Start(background, sink));
+  ASSERT_TRUE(deleted.Wait());
+  EXPECT_TRUE(endless_.WaitUntilUnused());
+  ExpectLetGo(sink);
+  EXPECT_EQ(writes, 1);
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+TEST_P(BodyDeletionTest, InsideReadEndsTheUpload) {
+  Background background(hello_.Url());
+  const auto source = std::make_shared<TestSource>(std::string(1000000, 'x'));
+  source->piece = 1000;
+  Event deleted;
+  std::atomic<int> reads{0};
+  source->on_read = [&] {
+    if (++reads == 1) DeleteBoth(background);
+    deleted.Set();
+  };
+  ASSERT_TRUE(Start(background, source));
+  ASSERT_TRUE(deleted.Wait());
+  EXPECT_TRUE(hello_.WaitUntilUnused());
+  ExpectLetGo(source);
+  EXPECT_EQ(reads, 1);
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+// The destructor waits for the call, and no other call follows.
+TEST_P(BodyDeletionTest, WaitsForAWriteOnTheOtherThread) {
+  Background background(endless_.Url());
+  const auto sink = std::make_shared<TestSink>();
+  Event entered;
+  std::atomic<bool> is_writing{false};
+  std::atomic<int> writes{0};
+  sink->on_write = [&] {
+    ++writes;
+    is_writing = true;
+    entered.Set();
+    Event().Wait(std::chrono::milliseconds(200));
+    is_writing = false;
+  };
+  ASSERT_TRUE(Start(background, sink));
+  ASSERT_TRUE(entered.Wait());
+  DeleteFirst(background);
+  EXPECT_FALSE(is_writing);
+  const int writes_before = writes;
+  EXPECT_TRUE(endless_.WaitUntilUnused());
+  ExpectLetGo(sink);
+  EXPECT_EQ(writes, writes_before);
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+TEST_P(BodyDeletionTest, InsideEndPostsNothing) {
+  Background background(hello_.Url());
+  const auto sink = std::make_shared<TestSink>();
+  Event deleted;
+  sink->on_end = [&] {
+    DeleteBoth(background);
+    deleted.Set();
+  };
+  ASSERT_TRUE(Start(background, sink));
+  ASSERT_TRUE(deleted.Wait());
+  ExpectLetGo(sink);
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+TEST_P(BodyDeletionTest, BeforeTheReplyCallsNothing) {
+  const RawServer server(Silence());
+  Background background(server.Url());
+  const auto sink = std::make_shared<TestSink>();
+  ASSERT_TRUE(Start(background, sink));
+  ASSERT_TRUE(server.WaitForRequests(1));
+  DeleteBoth(background);
+  ExpectLetGo(sink);
+  EXPECT_EQ(sink->begins, 0);
+}
+
+// The last owner may be the library.
+TEST_P(BodyDeletionTest, LeavesTheSinkToTheLibrary) {
+  Background background(endless_.Url());
+  auto sink = std::make_shared<TestSink>();
+  const std::weak_ptr<TestSink> watch = sink;
+  Event written;
+  sink->on_write = [&written] { written.Set(); };
+  ASSERT_TRUE(Start(background, sink));
+  sink.reset();
+  ASSERT_TRUE(written.Wait());
+  EXPECT_FALSE(watch.expired());
+  DeleteBoth(background);
+  LetWorkerCatchUp();
+  EXPECT_TRUE(watch.expired());
+}
+
+TEST(BodyStartTest, NullIsRefused) {
+  Background background("http://127.0.0.1:1/");
+  InternetData& transport = *background.transport;
+  InternetDataDelegate* const delegate = background.delegate.get();
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_FALSE(transport.DownloadToWithDelegate(nullptr, delegate, nullptr));
+  EXPECT_FALSE(transport.UploadFromWithDelegate(nullptr, delegate, nullptr));
+  EXPECT_FALSE(transport.DownloadToWithDelegate(sink, nullptr, nullptr));
+  EXPECT_EQ(sink.use_count(), 1);
+  EXPECT_TRUE(background.recorder.entries().empty());
+}
+
+TEST(BodyStartTest, ASecondTransferDropsTheFirst) {
+  const RawServer silent(Silence());
+  Background background(silent.Url());
+  const auto first = std::make_shared<TestSink>();
+  ASSERT_TRUE(
+      background.transport->DownloadToWithDelegate(first, background.delegate.get(), nullptr));
+  ASSERT_TRUE(silent.WaitForRequests(1));
+  const auto second = std::make_shared<TestSink>();
+  ASSERT_TRUE(
+      background.transport->DownloadToWithDelegate(second, background.delegate.get(), nullptr));
+  LetWorkerCatchUp();
+  EXPECT_EQ(first.use_count(), 1);
+}
+
+}  // namespace
+}  // namespace stowra_test

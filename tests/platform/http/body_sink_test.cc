@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include "common_stowraapi/platform/body_sink.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "common_stowraapi/platform/memory_sink.h"
+#include "tests/platform/http/body_fixture.h"
+#include "tests/platform/http/gzip_text.h"
+#include "tests/support/raw_server.h"
+
+namespace stowra_test {
+namespace {
+
+using ovrant::internet::MemorySink;
+
+constexpr char kGzipHeader[] = "Content-Encoding: gzip\r\n";
+
+class BodySinkTest : public BodyFixture {};
+IN_BOTH_BODY_MODES(BodySinkTest);
+
+TEST_P(BodySinkTest, TakesTheBodyOfAReply) {
+  const std::string text(300000, 'x');
+  const RawServer server(Always(Response(200, text, "X-Name: value\r\n")));
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_TRUE(sink->bytes == text);
+  EXPECT_EQ(sink->begins, 1);
+  EXPECT_EQ(sink->begin_status, 200);
+  EXPECT_EQ(sink->begin_headers["X-Name"].utf8(), "value");
+  EXPECT_EQ(sink->ends, 1);
+  EXPECT_EQ(transport().received_headers(), sink->begin_headers);
+  EXPECT_EQ(LastRequest(server).method, "GET");
+}
+
+TEST_P(BodySinkTest, TakesChunksAndAnEmptyBody) {
+  const RawServer chunked(Always(
+      "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n"));
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(chunked.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->bytes, "abcde");
+  const RawServer empty(Always("HTTP/1.1 204 None\r\n\r\n"));
+  const auto second = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(empty.Url(), second), Received(204, ""));
+  EXPECT_EQ(second->ends, 1);
+}
+
+TEST_P(BodySinkTest, GetsDecodedBytesInSmallPieces) {
+  const std::string text(std::size_t{64} << 20, 'x');
+  const RawServer server(Always(Response(200, Gzip(text), kGzipHeader)));
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_TRUE(sink->bytes == text);
+  EXPECT_LE(sink->largest, std::size_t{2} << 20);
+}
+
+TEST_P(BodySinkTest, LeavesOtherRepliesInMemory) {
+  for (const int status : {206, 300, 404, 500}) {
+    const RawServer server(Always(Response(status, "message")));
+    const auto sink = std::make_shared<TestSink>();
+    EXPECT_EQ(Download(server.Url(), sink), Received(status, "message"));
+    EXPECT_EQ(sink->bytes, "");
+    EXPECT_EQ(sink->begins, 1);
+    EXPECT_EQ(sink->ends, 0);
+  }
+}
+
+TEST_P(BodySinkTest, MayRefuseAnyReply) {
+  const RawServer server(Always(Response(200, "abc")));
+  const auto sink = std::make_shared<TestSink>();
+  sink->choice = BodySink::Choice::kLeave;
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, "abc"));
+  EXPECT_EQ(sink->bytes, "");
+  sink->choice = BodySink::Choice::kFail;
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+}
+
+TEST_P(BodySinkTest, IsNotOfferedAFollowedRedirect) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/from" ? Response(302, "moved", "Location: /to\r\n")
+                                               : Response(200, "there"));
+  });
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(server.Url("/from"), sink), Received(200, ""));
+  EXPECT_EQ(sink->bytes, "there");
+  EXPECT_EQ(sink->begins, 1);
+}
+
+// The host's own headers do not leave the origin.
+TEST_P(BodySinkTest, AddsHeadersToEveryRequest) {
+  const RawServer other(Always(Response(200, "there")));
+  const RawServer server(Always(Response(302, "", "Location: " + other.Url("/to") + "\r\n")));
+  prepare = [](InternetData& transport) {
+    transport.SetValueForHTTPSendHeaders("range", "bytes=0-");
+    transport.SetValueForHTTPSendHeaders("X-Own", "1");
+  };
+  const auto sink = std::make_shared<TestSink>();
+  sink->request_headers["Range"] = "bytes=5-";
+  EXPECT_EQ(Download(server.Url("/from"), sink), Received(200, ""));
+  EXPECT_EQ(LastRequest(server).Header("Range"), "bytes=5-");
+  EXPECT_EQ(LastRequest(server).Header("X-Own"), "1");
+  EXPECT_EQ(LastRequest(other).Header("Range"), "bytes=5-");
+  EXPECT_FALSE(LastRequest(other).HasHeader("X-Own"));
+}
+
+TEST_P(BodySinkTest, MayAskOnceMore) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.HasHeader("Range") ? Response(416, std::string(1000000, 'x'))
+                                                : Response(200, "whole"));
+  });
+  const auto sink = std::make_shared<TestSink>();
+  sink->request_headers["Range"] = "bytes=5-";
+  sink->choice = BodySink::Choice::kAskAgain;
+  sink->on_begin = [sink = sink.get()] {
+    if (sink->begins == 2) sink->choice = BodySink::Choice::kTake;
+    sink->request_headers.clear();
+  };
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->bytes, "whole");
+  EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST_P(BodySinkTest, FailsWhenItAsksOnAndOn) {
+  const RawServer server(Always(Response(200, "abc")));
+  const auto sink = std::make_shared<TestSink>();
+  sink->choice = BodySink::Choice::kAskAgain;
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST_P(BodySinkTest, MayBeSlowerThanTheTimeout) {
+  SetInactivityTimeout(0.4F);
+  const RawServer server(Always(Response(200, "abc")));
+  const auto sink = std::make_shared<TestSink>();
+  const auto be_slow = [] { Event().Wait(std::chrono::milliseconds(600)); };
+  sink->on_begin = be_slow;
+  sink->on_write = be_slow;
+  sink->on_end = be_slow;
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->bytes, "abc");
+}
+
+TEST_P(BodySinkTest, FailsTheDownloadWhenItFails) {
+  const RawServer server(Always(Response(200, "abc")));
+  const auto sink = std::make_shared<TestSink>();
+  sink->end_fails = true;
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink->ends, 1);
+  sink->write_fails = true;
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink->ends, 1);
+}
+
+TEST_P(BodySinkTest, MayThrow) {
+  const RawServer server(Always(Response(200, "abc")));
+  const auto throw_error = [] { throw std::runtime_error("test"); };
+  const auto throw_bad_alloc = [] { throw std::bad_alloc(); };
+  for (const auto place : {&TestSink::on_begin, &TestSink::on_write, &TestSink::on_end}) {
+    const auto sink = std::make_shared<TestSink>();
+    sink.get()->*place = throw_error;
+    EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+    sink.get()->*place = throw_bad_alloc;
+    EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kOutOfMemory));
+  }
+}
+
+TEST_P(BodySinkTest, HearsNoEndOfABrokenReply) {
+  for (const char* reply : {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc",
+                            "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc"}) {
+    const RawServer server(AlwaysThenClose(reply));
+    const auto sink = std::make_shared<TestSink>();
+    EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
+    EXPECT_EQ(sink->bytes, "abc");
+    EXPECT_EQ(sink->ends, 0);
+  }
+  const std::string gzip = Gzip(std::string(1000, 'x'));
+  const RawServer server(Always(Response(200, gzip.substr(0, gzip.size() - 4), kGzipHeader)));
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_FALSE(Download(server.Url(), sink).received);
+  EXPECT_EQ(sink->ends, 0);
+}
+
+TEST_P(BodySinkTest, HasTheCapThatTheHostSets) {
+  SetBodyCap(1000);
+  for (const bool is_gzip : {false, true}) {
+    const auto reply = [is_gzip](std::size_t size) {
+      const std::string text(size, 'x');
+      return is_gzip ? Response(200, Gzip(text), kGzipHeader) : Response(200, text);
+    };
+    const RawServer good(Always(reply(1000)));
+    const auto sink = std::make_shared<TestSink>();
+    EXPECT_EQ(Download(good.Url(), sink), Received(200, ""));
+    EXPECT_EQ(sink->bytes.size(), 1000U);
+    const RawServer bad(Always(reply(1001)));
+    EXPECT_EQ(Download(bad.Url(), sink), Failed(200, TransferError::kTooLarge));
+  }
+}
+
+// Counts and forgets.
+class CountingSink final : public BodySink {
+ public:
+  bool Write(const unsigned char*, std::size_t size) override {
+    count += size;
+    return true;
+  }
+  std::size_t count = 0;
+};
+
+TEST_P(BodySinkTest, HasNoCapByDefault) {
+  constexpr int kMebibytes = 257;
+  const auto handler = [](int status) {
+    return [status](const RawRequest&, RawConnection& connection) {
+      connection.Write("HTTP/1.1 " + std::to_string(status) + " Text\r\n\r\n");
+      const std::string mebibyte(1U << 20U, 'x');
+      for (int i = 0; i < kMebibytes && connection.Write(mebibyte); ++i) {
+      }
+      connection.Close();
+    };
+  };
+  const RawServer server(handler(200));
+  const auto sink = std::make_shared<CountingSink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->count, std::size_t{kMebibytes} << 20U);
+  // What the sink leaves is held in memory.
+  const RawServer error(handler(500));
+  EXPECT_EQ(Download(error.Url(), sink), Failed(500, TransferError::kTooLarge));
+}
+
+TEST_P(BodySinkTest, CountsInTheEvents) {
+  const RawServer server(Always(Response(200, Gzip(std::string(100000, 'x')), kGzipHeader)));
+  EndListener listener;
+  Background background(server.Url());
+  TestSink sink;
+  EXPECT_TRUE(background.transport->DownloadTo(sink));
+  EXPECT_EQ(listener.last().bytes_received, 100000U);
+  EXPECT_LT(listener.last().wire_bytes_received, 1000U);
+}
+
+TEST_P(BodySinkTest, IsLetGoBeforeThePost) {
+  const RawServer server(Always(Response(200, "abc")));
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink.use_count(), 1);
+}
+
+TEST_P(BodySinkTest, MemorySinkHoldsTheLastBody) {
+  const RawServer server([count = 0](const RawRequest&, RawConnection& connection) mutable {
+    connection.Write(Response(200, "body " + std::to_string(++count)));
+  });
+  const auto sink = std::make_shared<MemorySink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->bytes(), "body 1");
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->bytes(), "body 2");
+}
+
+TEST_P(BodySinkTest, ADownloadAfterItStaysInMemory) {
+  const RawServer server(Always(Response(200, "abc")));
+  const auto sink = std::make_shared<TestSink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_TRUE(transport().Download());
+  EXPECT_EQ(BodyOf(transport()), "abc");
+  EXPECT_EQ(sink->begins, 1);
+}
+
+}  // namespace
+}  // namespace stowra_test
