@@ -10,6 +10,7 @@
 #include "common_stowraapi/content/content_schema.h"
 #include "common_stowraapi/content/item_values.h"
 #include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/payload_source.h"
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/export.h"
 #include "common_stowraapi/json/document.h"

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common_stowraapi/content/payload_frame.h"
 #include "common_stowraapi/content/text_search.h"
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/random.h"
@@ -114,36 +115,40 @@ std::string GetBoundaryString() {
   return boundary;
 }
 
-void SetupPayload(const ovrant_ustring& subject_id, const UploadFile* file,
-                  const unsigned char* data, unsigned long length, const std::string& boundary,
-                  std::stringstream* out) {
-  const ovrant_ustring& path = file->zipped_ ? file->zipped_file_path_ : file->file_path_;
+PayloadFrame MakePayloadFrame(const ovrant_ustring& subject_id, const UploadFile& file,
+                              const std::string& boundary) {
+  const ovrant_ustring& path = file.zipped_ ? file.zipped_file_path_ : file.file_path_;
   const std::string file_name = GetFileName(path, true).utf8();
-  const std::string name = ParseFieldFromUploadUrl(file, "name=");
-  const std::string type = ParseFieldFromUploadUrl(file, "type=");
+  const std::string name = ParseFieldFromUploadUrl(&file, "name=");
+  const std::string type = ParseFieldFromUploadUrl(&file, "type=");
   const std::string subject = subject_id.utf8();
-  const std::string task = ParseFieldFromUploadUrl(file, "task=");
-  const std::string priority = ParseFieldFromUploadUrl(file, "priority=");
+  const std::string task = ParseFieldFromUploadUrl(&file, "task=");
+  const std::string priority = ParseFieldFromUploadUrl(&file, "priority=");
 
-  std::string before;
-  PartWriter first(boundary, before);
+  PayloadFrame frame;
+  PartWriter first(boundary, frame.before);
   first.AddField("name", name);
   first.AddField("subjectId", subject.c_str());
   first.AddField("subjectClass", "entity");
   first.BeginFile("binary", file_name, type);
 
-  std::string after;
-  PartWriter last(boundary, after);
+  PartWriter last(boundary, frame.after);
   last.EndFile();
   if (!task.empty()) last.AddField("task", task);
   if (!priority.empty()) last.AddField("priority", priority);
-  if (file->zipped_) last.AddField("isZipped", "true");
+  if (file.zipped_) last.AddField("isZipped", "true");
   last.AddEnd();
+  return frame;
+}
 
-  PrepareToWrite(before.size() + length + after.size(), *out);
-  Write(before, *out);
+void SetupPayload(const ovrant_ustring& subject_id, const UploadFile* file,
+                  const unsigned char* data, unsigned long length, const std::string& boundary,
+                  std::stringstream* out) {
+  const PayloadFrame frame = MakePayloadFrame(subject_id, *file, boundary);
+  PrepareToWrite(frame.before.size() + length + frame.after.size(), *out);
+  Write(frame.before, *out);
   Write({reinterpret_cast<const char*>(data), length}, *out);
-  Write(after, *out);
+  Write(frame.after, *out);
 }
 
 std::map<ovrant_ustring, ovrant_ustring> CreateHeaderDictionary(const std::string& boundary,

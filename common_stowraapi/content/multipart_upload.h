@@ -46,7 +46,8 @@ STOWRA_EXPORT void SetupPayload(const ovrant::utils::ovrant_ustring& subject_id,
 
 // The request headers Content-Length, Content-Type and Proxy-Connection for a body of
 // `content_length` bytes. The boundary stands unquoted and whole in Content-Type. The length is
-// written as a signed 32-bit number, which is wrong from 2 GiB on.
+// written as a signed 32-bit number, which is wrong from 2 GiB on. InternetData replaces it by the
+// right one.
 STOWRA_EXPORT std::map<ovrant::utils::ovrant_ustring, ovrant::utils::ovrant_ustring>
 CreateHeaderDictionary(const std::string& boundary, unsigned long content_length);
 
