@@ -4,27 +4,31 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
+#include <system_error>
 
 #include "common_stowraapi/platform/internet_data.h"
+#include "common_stowraapi/platform/internet_data_delegate.h"
 #include "host/commands.h"
-#include "host/download_name.h"
+#include "host/download_sink.h"
+#include "host/error_message.h"
 #include "host/file_access.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
-#include "host/response_headers.h"
 #include "host/session.h"
+#include "host/signal_watcher.h"
 #include "host/table.h"
 #include "host/terminal.h"
 
 namespace stowra {
 
 using ovrant::internet::InternetData;
+using ovrant::internet::InternetDataDelegate;
 using ovrant::json::Document;
 using ovrant::utils::ovrant_ustring;
 
@@ -33,20 +37,30 @@ namespace {
 constexpr char kExamples[] =
     "Examples:\n"
     "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=k2'\n"
-    "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=s7' -o chair.qmf\n";
+    "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=s7' -o chair.qmf\n"
+    "\n"
+    "The file is called FILE.part until it is whole. A download that breaks off keeps it, if the\n"
+    "server says how to recognise the file. FILE.part.validator tells that.\n";
 
 constexpr int kHttpOk = 200;
+constexpr int kHttpPartialContent = 206;
 
-// A download is held in memory. The default is 4 GiB, or less where unsigned long is smaller.
-constexpr std::uint64_t kFourGibibytes = std::uint64_t{1} << 32;
 constexpr unsigned long kMostBytes = std::numeric_limits<unsigned long>::max();
-constexpr auto kDefaultMaxBytes =
-    static_cast<unsigned long>(std::min<std::uint64_t>(kFourGibibytes, kMostBytes));
+
+// Posted by the transfer of this command alone.
+constexpr char kReceived[] = "StowraDownloadReceived";
+constexpr char kFailed[] = "StowraDownloadFailed";
 
 struct DownloadOptions : RequestOptions {
-  DownloadOptions() { max_bytes = kDefaultMaxBytes; }
-
   std::string file;  // empty: the server names the file
+  bool continues = false;
+};
+
+// What the user sees of a file that has arrived.
+struct DownloadedFile {
+  std::string name;
+  std::uint64_t size = 0;
+  std::uint64_t continued_size = 0;
 };
 
 std::string CheckOutput(const std::string& file) {
@@ -72,44 +86,106 @@ bool HasDestination(const DownloadOptions& options) {
   return false;
 }
 
-std::string ToTable(const std::string& file, std::size_t bytes) {
+std::string ToTable(const DownloadedFile& file) {
   Table table(Table::Labels::kFirstColumn);
-  table.AddRow({"file", file});
-  table.AddRow({"bytes", fmt::format("{}", bytes)});
+  table.AddRow({"file", file.name});
+  table.AddRow({"bytes", fmt::format("{}", file.size)});
+  if (file.continued_size > 0) {
+    table.AddRow({"continued at", fmt::format("{}", file.continued_size)});
+  }
   return table.ToText(MayColour(stdout));
 }
 
-std::string ToJson(const std::string& file, std::size_t bytes) {
+std::string ToJson(const DownloadedFile& file) {
   Document document;
-  document.AddMember("file", MakeText(document, ovrant_ustring(file.data(), file.size())));
-  document.AddMember("bytes", MakeSize(document, bytes));
+  document.AddMember("file",
+                     MakeText(document, ovrant_ustring(file.name.data(), file.name.size())));
+  document.AddMember("bytes", MakeSize(document, file.size));
+  if (file.continued_size > 0) {
+    document.AddMember("continued_at", MakeSize(document, file.continued_size));
+  }
   return ToLine(document);
 }
 
-ExitStatus Keep(const InternetData& transport, const DownloadOptions& options) {
-  const bool is_named = !options.file.empty();
-  const std::string file =
-      is_named ? options.file
-               : ChooseFileName(FindHeader(transport.received_headers(), "Content-Disposition"),
-                                options.url);
-  const std::string_view content(reinterpret_cast<const char*>(transport.received_data()),
-                                 transport.received_data_length());
-  std::string why;
-  if (!WriteFile(file, content, is_named ? Existing::kReplace : Existing::kKeep, why)) {
-    const char* const advice = is_named ? "" : " (name another file with --output)";
-    Complain(fmt::format("{}: {}{}", file, why, advice));
+// Says how to go on with what has arrived, if that is possible.
+void AdviseToContinue(const DownloadSink& sink) {
+  if (!sink.CanContinue()) return;
+  Note(fmt::format("{} bytes have arrived; --continue --output {} goes on from there", sink.size(),
+                   sink.file()));
+}
+
+// Runs one download until it has ended or a signal arrives.
+class Downloader {
+ public:
+  explicit Downloader(const DownloadOptions& options)
+      : options_(options),
+        session_(options, {kReceived, kFailed}),
+        sink_(std::make_shared<DownloadSink>(options.file, options.url, options.continues)),
+        transport_(std::in_place, ovrant_ustring(options.url.data(), options.url.size())) {
+    signals_.Start([this](int signal) {
+      signal_ = signal;
+      session_.Interrupt();
+    });
+  }
+
+  // A signal may not reach a session that is gone.
+  ~Downloader() { signals_.Stop(); }
+
+  Downloader(const Downloader&) = delete;
+  Downloader& operator=(const Downloader&) = delete;
+
+  ExitStatus Run() {
+    session_.ShowProgress();
+    const bool received = session_.RunInBackground(
+        [this] { transport_->DownloadToWithDelegate(sink_, &delegate_, nullptr); }, kReceived);
+    if (signal_ != 0 && !received) return EndBySignal();
+    if (!received) return Fail();
+    if (!IsWhole()) return session_.Fail("", ErrorMessage(*transport_));
+    const DownloadedFile file = {sink_->file(), sink_->size(), sink_->continued_size()};
+    return WriteResult(options_.json ? ToJson(file) : ToTable(file));
+  }
+
+ private:
+  bool IsWhole() const {
+    const int status = transport_->status_code();
+    return status == kHttpOk || (status == kHttpPartialContent && sink_->continued_size() > 0);
+  }
+
+  ExitStatus Fail() {
+    if (sink_->error() == 0) {
+      const ExitStatus status = session_.Fail("");
+      AdviseToContinue(*sink_);
+      return status;
+    }
+    const char* const advice = options_.file.empty() ? " (name another file with --output)" : "";
+    Complain(fmt::format("{}: {}{}", sink_->file(), std::generic_category().message(sink_->error()),
+                         advice));
     return ExitStatus::kCannotRun;
   }
-  return WriteResult(options.json ? ToJson(file, content.size()) : ToTable(file, content.size()));
-}
+
+  // The transport calls the sink no more once it is gone.
+  ExitStatus EndBySignal() {
+    transport_.reset();
+    session_.HideProgress();
+    Complain("interrupted");
+    AdviseToContinue(*sink_);
+    sink_->Close();
+    SignalWatcher::DieOf(signal_);
+    return ExitStatus::kCannotRun;
+  }
+
+  SignalWatcher signals_;  // blocks the signals before there is another thread
+  std::atomic<int> signal_{0};
+  const DownloadOptions& options_;
+  Session session_;
+  std::shared_ptr<DownloadSink> sink_;
+  InternetDataDelegate delegate_{nullptr, 0, kReceived, 0, kFailed};
+  std::optional<InternetData> transport_;
+};
 
 ExitStatus Run(const DownloadOptions& options) {
   if (!HasDestination(options)) return ExitStatus::kCannotRun;
-  Session session(options);
-  session.ShowProgress();
-  InternetData transport(ovrant_ustring(options.url.data(), options.url.size()));
-  if (!transport.Download() || transport.status_code() != kHttpOk) return session.Fail("");
-  return Keep(transport, options);
+  return Downloader(options).Run();
 }
 
 }  // namespace
@@ -119,15 +195,22 @@ void AddDownloadCommand(CLI::App& app, Task& chosen) {
   CLI::App& command = *app.add_subcommand("download", "Download a model's file");
   command.footer(kExamples);
   AddWaitingOptions(command, *options);
+  CLI::Option* const output =
+      command
+          .add_option(
+              "-o,--output", options->file,
+              "Write to FILE, or to the target if FILE is a link, and replace an existing file "
+              "(default: a new file in the current folder, named by the server)")
+          ->type_name("FILE")
+          ->check(CLI::Validator(CheckOutput, ""));
   command
-      .add_option("-o,--output", options->file,
-                  "Write to FILE, or to the target if FILE is a link, and replace an existing file "
-                  "(default: a new file in the current folder, named by the server)")
-      ->type_name("FILE")
-      ->check(CLI::Validator(CheckOutput, ""));
+      .add_flag("--continue", options->continues,
+                "Go on with the download of FILE that has broken off before, if the server still "
+                "has the same file")
+      ->needs(output);
   command
       .add_option("--max-bytes", options->max_bytes,
-                  fmt::format("Fail if the file is larger (default: {})", kDefaultMaxBytes))
+                  "Fail if the file is larger (default: any size)")
       ->type_name("N")
       ->check(CLI::Validator(CheckMaxBytes, ""));
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });

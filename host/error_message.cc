@@ -4,9 +4,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/response_headers.h"
 #include "host/terminal.h"
 
 namespace stowra {
+
+using ovrant::internet::InternetData;
 
 namespace {
 
@@ -49,6 +52,12 @@ std::string ErrorMessage(std::string_view content_type, std::string_view body) {
     line += c;
   }
   return Printable(line);
+}
+
+std::string ErrorMessage(const InternetData& transport) {
+  return ErrorMessage(
+      FindHeader(transport.received_headers(), "Content-Type").utf8(),
+      {reinterpret_cast<const char*>(transport.received_data()), transport.received_data_length()});
 }
 
 }  // namespace stowra

@@ -27,6 +27,14 @@ class Session {
   // If stderr is a terminal, shows the progress of later transfers there.
   void ShowProgress() { transfers_.ShowProgress(); }
 
+  // Erases the progress and shows no more.
+  void HideProgress() { transfers_.HideProgress(); }
+
+  // Lets RunInBackground return before its transfer has ended. Any thread.
+  void Interrupt() {
+    loop_.Post([] {});
+  }
+
   // Calls `start`, which starts one background transfer, and runs its completion on this thread.
   // Returns whether the observed notification `success` has arrived. Not every service posts a
   // notification when it fails.

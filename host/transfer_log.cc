@@ -35,6 +35,11 @@ void TransferLog::ShowProgress() {
   if (MayRedraw(stderr)) progress_.emplace(stderr);
 }
 
+void TransferLog::HideProgress() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  progress_.reset();
+}
+
 std::optional<TransferEvent> TransferLog::last_end() const {
   const std::lock_guard<std::mutex> lock(mutex_);
   return last_end_;

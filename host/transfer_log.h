@@ -26,6 +26,7 @@ class TransferLog {
 
   // If stderr is a terminal, shows the progress of each transfer there.
   void ShowProgress();
+  void HideProgress();
 
   // Empty until a transfer has ended.
   std::optional<ovrant::internet::TransferEvent> last_end() const;

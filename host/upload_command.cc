@@ -4,29 +4,32 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstddef>
+#include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/content/payload_source.h"
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "host/commands.h"
 #include "host/error_message.h"
-#include "host/file_access.h"
+#include "host/file_scan.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
 #include "host/response_headers.h"
 #include "host/session.h"
 #include "host/table.h"
 #include "host/terminal.h"
-#include "host/upload_body.h"
 #include "host/upload_configuration.h"
 #include "host/upload_problems.h"
 
 namespace stowra {
 
+using ovrant::internet::BodySource;
 using ovrant::internet::InternetData;
 using ovrant::json::Document;
 using ovrant::json::Value;
@@ -34,7 +37,6 @@ using ovrant::stowraapiclient::UploadConfig;
 using ovrant::stowraapiclient::UploadFile;
 using ovrant::utils::GetFileName;
 using ovrant::utils::ovrant_ustring;
-using ovrant::utils::StringMap;
 namespace multipartupload = ovrant::stowraapiclient::multipartupload;
 
 namespace {
@@ -59,7 +61,7 @@ struct UploadOptions : RequestOptions {
 // The outcome for one file.
 struct SentFile {
   std::string file;
-  std::size_t bytes = 0;
+  std::uint64_t bytes = 0;
   int status = 0;           // HTTP; 0 without a response
   ovrant_ustring location;  // from the response's header; may be empty
 };
@@ -73,12 +75,6 @@ ovrant_ustring ToText(const std::string& utf8) { return ovrant_ustring(utf8.data
 
 bool IsHttpSuccess(int status) { return status >= 200 && status < 300; }
 
-std::string MessageOf(const InternetData& transport) {
-  return ErrorMessage(
-      FindHeader(transport.received_headers(), "Content-Type").utf8(),
-      {reinterpret_cast<const char*>(transport.received_data()), transport.received_data_length()});
-}
-
 // Sends files one after the other, each to its URL in the configuration.
 class Uploader {
  public:
@@ -91,37 +87,42 @@ class Uploader {
     (file.zipped_ ? file.zipped_file_path_ : file.file_path_) = ToText(path);
     sent.file = path;
     InternetData transport(file.upload_url_);
-    StringMap headers;
-    if (!Load(path, file, transport, headers, sent.bytes)) return ExitStatus::kCannotRun;
-    const bool received =
-        transport.SendAndRead(file.upload_url_, nullptr, nullptr, &sent.status, &headers, false,
-                              false, true, ovrant_ustring(), ovrant_ustring(), nullptr);
+    const auto body = Prepare(path, file, transport, sent.bytes);
+    if (!body) return ExitStatus::kCannotRun;
+    const bool received = transport.UploadFrom(*body);
+    sent.status = transport.status_code();
     if (!received) return session_.Fail("");
-    if (!IsHttpSuccess(sent.status)) return session_.Fail("", MessageOf(transport));
+    if (!IsHttpSuccess(sent.status)) return session_.Fail("", ErrorMessage(transport));
     sent.location = FindHeader(transport.received_headers(), "Location");
     return ExitStatus::kDone;
   }
 
  private:
-  // Makes the request from the file. Holds the content in memory at most twice at a time.
-  bool Load(const std::string& path, const UploadFile& file, InternetData& transport,
-            StringMap& headers, std::size_t& bytes) {
-    std::string content;
-    std::string why;
-    if (!ReadFile(path, content, why)) {
-      Complain(fmt::format("{}: {}", path, why));
-      return false;
-    }
-    bytes = content.size();
+  // Makes the request's body and headers. Null after it has printed why that fails.
+  std::unique_ptr<BodySource> Prepare(const std::string& path, const UploadFile& file,
+                                      InternetData& transport, std::uint64_t& bytes) {
     const std::string boundary = multipartupload::GetBoundaryString();
-    const std::string body = MakeUploadBody(ToText(options_.subject_id), file, content, boundary);
+    FileScan scan;
+    std::string why;
+    std::unique_ptr<BodySource> body;
+    if (ScanFile(path, boundary, scan, why)) {
+      body = multipartupload::MakePayloadSource(ToText(options_.subject_id), &file, path, boundary);
+      if (!body) why = std::generic_category().message(errno);
+    }
+    if (!body) {
+      Complain(fmt::format("{}: {}", path, why));
+      return nullptr;
+    }
+    bytes = scan.size;
     const std::string name = GetFileName(ToText(path), true).utf8();
-    WarnOfProblems({path, name, content, file.zipped_, body.size(), boundary, previous_boundary_});
+    WarnOfProblems({path, name, scan.beginning == "PK", file.zipped_, scan.holds_text, boundary,
+                    previous_boundary_});
     previous_boundary_ = boundary;
-    std::string().swap(content);
-    headers = multipartupload::CreateHeaderDictionary(boundary, body.size());
-    transport.set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
-    return true;
+    // The transport knows the length itself.
+    for (const auto& [header, value] : multipartupload::CreateHeaderDictionary(boundary, 0)) {
+      transport.SetValueForHTTPSendHeaders(header, value);
+    }
+    return body;
   }
 
   static void WarnOfProblems(const UploadForm& form) {

@@ -4,7 +4,6 @@
 #ifndef HOST_UPLOAD_PROBLEMS_H_
 #define HOST_UPLOAD_PROBLEMS_H_
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,17 +12,17 @@ namespace stowra {
 
 // A file and the form in which it is sent.
 struct UploadForm {
-  std::string_view path;       // as the user gave it
-  std::string_view file_name;  // as it stands in the form
-  std::string_view content;
-  bool zipped = false;   // the configuration asks for a zip file
-  std::size_t size = 0;  // bytes of the whole form
+  std::string_view path;        // as the user gave it
+  std::string_view file_name;   // as it stands in the form
+  bool is_zip = false;          // the file begins as a zip file
+  bool zipped = false;          // the configuration asks for one
+  bool holds_boundary = false;  // the file, somewhere
   std::string_view boundary;
   std::string_view previous_boundary;  // of the file before; empty for the first
 };
 
-// The reasons why a server may misread the form, one text each. The form escapes nothing, its
-// header map holds a 32-bit length, and its boundary changes only once a second.
+// The reasons why a server may misread the form, one text each. The form escapes nothing, and its
+// boundary changes only once a second.
 std::vector<std::string> FindUploadProblems(const UploadForm& form);
 
 }  // namespace stowra

@@ -185,7 +185,7 @@ TEST_F(DownloadTest, AcceptsFileBeyondTheLibrarysDefaultLimit) {
   const Outcome outcome = Run({server.Url(), "-o", "x"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(outcome.out, "file   x\nbytes  269484032\n");
-  EXPECT_THAT(Run({"--help"}).out, HasSubstr("(default: 4294967296)"));
+  EXPECT_THAT(Run({"--help"}).out, HasSubstr("(default: any size)"));
 }
 
 TEST_F(DownloadTest, WritesNoFileForOtherStatus) {
@@ -258,8 +258,22 @@ TEST_F(DownloadTest, WritesNoFileAfterFault) {
         {emulator.url() + "/download?mid=m-1001&rtyp=k2&fault=" + fault, "--max-bytes", "1000000"});
     EXPECT_EQ(outcome.status, status) << fault;
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(Names(), NameList{}) << fault;
+    for (const std::string& name : Names()) EXPECT_THAT(name, HasSubstr(".part")) << fault;
   }
+}
+
+TEST_F(DownloadTest, ContinuesFromTheEmulator) {
+  const EmulatorProcess emulator;
+  const std::string url = emulator.url() + "/download?mid=m-1001&rtyp=k2";
+  EXPECT_EQ(Run({url, "-o", "whole"}).status, 0);
+  const Outcome broken = Run({url + "&fault=truncate", "-o", "x"});
+  EXPECT_EQ(broken.status, 3);
+  EXPECT_THAT(broken.err, HasSubstr("--continue --output x goes on from there"));
+  const Outcome outcome = Run({url, "-o", "x", "--continue"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(outcome.out, HasSubstr("continued at  "));
+  EXPECT_TRUE(ReadFile(Path("x")) == ReadFile(Path("whole")));
+  EXPECT_EQ(Names().size(), 2U);
 }
 
 }  // namespace

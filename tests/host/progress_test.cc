@@ -51,9 +51,20 @@ TEST(ProgressTextTest, ShowsAtMostHundredPercent) {
   EXPECT_THAT(ProgressText(Received(7, 5)), HasSubstr("[####################] 100%"));
 }
 
-TEST(ProgressTextTest, FitsSixtyCharacters) {
-  const unsigned long most = static_cast<unsigned long>(-1);
-  EXPECT_LE(ProgressText(Received(most, most)).size(), 60U);
+TEST(ProgressTextTest, ShowsRateAndTimeLeft) {
+  EXPECT_EQ(ProgressText(Received(1000000, 2000000), 250000),
+            "[##########          ]  50%  1.0 MB of 2.0 MB  250.0 KB/s  0:04 left");
+  EXPECT_THAT(ProgressText(Received(0, 3600000), 1000), HasSubstr("  1.0 KB/s  1:00:00 left"));
+  EXPECT_THAT(ProgressText(Received(0, 754), 1), HasSubstr("  1 bytes/s  12:34 left"));
+  EXPECT_THAT(ProgressText(Received(0, 100), 0.0001), HasSubstr("  99:00:00 left"));
+  EXPECT_THAT(ProgressText(Received(5, 5), 2), testing::EndsWith("  2 bytes/s"));
+  EXPECT_EQ(ProgressText(Received(31415, 0), 1500), "31.4 KB  1.5 KB/s");
+}
+
+TEST(ProgressTextTest, FitsSeventyNineCharacters) {
+  const unsigned long most = 999'900'000'000'000;
+  EXPECT_LE(ProgressText(Received(most - 1, most), 0.0001).size(), 79U);
+  EXPECT_LE(ProgressText(Received(1, most), 999.9e9).size(), 79U);
 }
 
 class ProgressBarTest : public testing::Test {
@@ -95,6 +106,37 @@ TEST_F(ProgressBarTest, OverwritesLongerTextAndErasesTheLast) {
   end.kind = TransferEvent::Kind::kEnded;
   bar_->Show(end);
   EXPECT_EQ(Written(), "\r12.3 KB\r7 bytes\r       \r");
+}
+
+// 1 KB a second, then 9 KB a second. The rate follows within ten seconds.
+TEST_F(ProgressBarTest, ShowsRateOfTheLastSeconds) {
+  unsigned long bytes = 0;
+  const auto show_seconds = [&](int seconds, unsigned long rate) {
+    for (int i = 0; i < seconds; ++i) {
+      bar_->Show(Received(bytes, 1'000'000));
+      Pass(1000);
+      bytes += rate;
+    }
+  };
+  show_seconds(1, 1000);
+  EXPECT_THAT(Written(), Not(HasSubstr("/s")));
+  show_seconds(20, 1000);
+  EXPECT_THAT(Written(), HasSubstr("1.0 KB/s"));
+  show_seconds(12, 9000);
+  EXPECT_THAT(Written(), HasSubstr("9.0 KB/s"));
+}
+
+TEST_F(ProgressBarTest, MeasuresEachTransferAlone) {
+  bar_->Show(Received(5000, 0));
+  Pass(5000);
+  TransferEvent end;
+  end.kind = TransferEvent::Kind::kEnded;
+  bar_->Show(end);
+  bar_->Show(Received(1, 0));
+  EXPECT_THAT(Written(), testing::EndsWith("\r1 bytes"));
+  Pass(1000);
+  bar_->Show(Received(3001, 0));
+  EXPECT_THAT(Written(), testing::EndsWith("\r3.0 KB  3.0 KB/s"));
 }
 
 TEST_F(ProgressBarTest, ErasesItselfWhenDestroyed) {

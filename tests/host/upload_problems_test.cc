@@ -14,7 +14,7 @@ using testing::IsEmpty;
 constexpr char kBoundary[] = "BrevixClient0123456789012345";
 
 UploadForm GoodForm() {
-  return {"a/chair.qmf", "chair.qmf", "content", false, 500, kBoundary, "BrevixClient9"};
+  return {"a/chair.qmf", "chair.qmf", false, false, false, kBoundary, "BrevixClient9"};
 }
 
 TEST(UploadProblemsTest, FindsNoneInOrdinaryForm) {
@@ -40,26 +40,8 @@ TEST(UploadProblemsTest, FindsLineBreakInFileName) {
 
 TEST(UploadProblemsTest, FindsBoundaryInContent) {
   UploadForm form = GoodForm();
-  for (const std::string& content : {std::string(kBoundary), std::string(1000, 'B') + kBoundary,
-                                     std::string("\0--", 3) + kBoundary + "--"}) {
-    form.content = content;
-    EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr(kBoundary)));
-  }
-  const std::string part = std::string(kBoundary).substr(0, 27);
-  form.content = part;
-  EXPECT_THAT(FindUploadProblems(form), IsEmpty());
-}
-
-TEST(UploadProblemsTest, FindsUploadOfTwoGibibytes) {
-  UploadForm form = GoodForm();
-  form.size = 2147483647;
-  EXPECT_THAT(FindUploadProblems(form), IsEmpty());
-  form.size = 2147483648;
-  EXPECT_THAT(FindUploadProblems(form),
-              ElementsAre("the upload is 2 GiB or more, so its headers give a wrong length; the "
-                          "library's own transport corrects it"));
-  form.size = 3000000000;
-  EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("2 GiB")));
+  form.holds_boundary = true;
+  EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr(kBoundary)));
 }
 
 TEST(UploadProblemsTest, FindsFileNameThatIsNotUtf8) {
@@ -77,13 +59,9 @@ TEST(UploadProblemsTest, FindsFileNameThatIsNotUtf8) {
 TEST(UploadProblemsTest, FindsFileThatIsNotZipped) {
   UploadForm form = GoodForm();
   form.zipped = true;
-  for (const char* content : {"", "P", "pk", "xPK"}) {
-    form.content = content;
-    EXPECT_THAT(FindUploadProblems(form),
-                ElementsAre("the configuration asks for a zip file, but this is not one"))
-        << content;
-  }
-  form.content = "PK\3\4";
+  EXPECT_THAT(FindUploadProblems(form),
+              ElementsAre("the configuration asks for a zip file, but this is not one"));
+  form.is_zip = true;
   EXPECT_THAT(FindUploadProblems(form), IsEmpty());
 }
 
@@ -94,10 +72,8 @@ TEST(UploadProblemsTest, FindsBoundaryOfPreviousFile) {
 }
 
 TEST(UploadProblemsTest, FindsAllAtOnce) {
-  const std::string content = std::string("x") + kBoundary;
-  EXPECT_EQ(
-      FindUploadProblems({"\xFF", "\"\n", content, true, 4000000000, kBoundary, kBoundary}).size(),
-      7U);
+  EXPECT_EQ(FindUploadProblems({"\xFF", "\"\n", false, true, true, kBoundary, kBoundary}).size(),
+            6U);
 }
 
 }  // namespace
