@@ -115,9 +115,16 @@ void HttpExchange::EndSilent() noexcept {
 }
 
 void HttpExchange::BeforePerform() {
-  host_time_ = Clock::duration::zero();
+  TakeHostTime();
   hop_->BeforePerform(std::max(std::chrono::ceil<std::chrono::milliseconds>(silence_left()),
                                std::chrono::milliseconds(1)));
+}
+
+HttpExchange::Clock::duration HttpExchange::TakeHostTime() {
+  Clock::duration time = std::exchange(host_time_, Clock::duration::zero());
+  if (request_.source) time += request_.source->TakeHostTime();
+  if (request_.sink) time += request_.sink->TakeHostTime();
+  return time;
 }
 
 void HttpExchange::AfterPerform(bool sample) {

@@ -76,8 +76,8 @@ class HttpExchange {
   void BeforePerform();
   void AfterPerform(bool sample);
 
-  // What the listener took since BeforePerform.
-  Clock::duration host_time() const { return host_time_; }
+  // What the host's code, listener, source and sink, took since the last call.
+  Clock::duration TakeHostTime();
 
  private:
   HopRequest FirstHop() const;
@@ -102,8 +102,8 @@ class HttpExchange {
   int redirects_ = 0;
   Clock::duration silence_{0};
   Clock::duration perform_time_{0};  // of the last perform
-  Clock::duration host_time_{0};
-  int status_ = 0;  // of the last response that began
+  Clock::duration host_time_{0};     // of the listener
+  int status_ = 0;                   // of the last response that began
   TransferTimes times_;
   bool began_ = false;
   bool ended_ = false;

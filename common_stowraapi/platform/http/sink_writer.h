@@ -27,6 +27,9 @@ class SinkWriter {
   // Set before the first call of the sink.
   void set_gates(const BodyGates& gates) { gates_ = gates; }
 
+  // What the host's code took since the last call.
+  BodyGates::Clock::duration TakeHostTime() { return gates_.TakeTime(); }
+
   std::size_t cap() const { return cap_; }
 
   // Adds the sink's headers and makes ready for another reply. Call it before each request.

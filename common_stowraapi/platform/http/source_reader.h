@@ -25,6 +25,9 @@ class SourceReader {
   // Set before the first call of the source.
   void set_gates(const BodyGates& gates) { gates_ = gates; }
 
+  // What the host's code took since the last call.
+  BodyGates::Clock::duration TakeHostTime() { return gates_.TakeTime(); }
+
   // Goes to the beginning and asks for the length. Call it before each request.
   Failure Rewind() noexcept;
 

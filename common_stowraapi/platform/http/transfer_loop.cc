@@ -152,7 +152,7 @@ void TransferLoop::Perform() {
   const Clock::time_point begin = Clock::now();
   if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) has_failed_ = true;
   Clock::duration time = Clock::now() - begin;
-  for (const HttpExchange* exchange : running_) time -= exchange->host_time();
+  for (HttpExchange* exchange : running_) time -= exchange->TakeHostTime();
   for (HttpExchange* exchange : running_) exchange->AddPerform(time);
   TakeResults();
   if (has_failed_) EndAll();
