@@ -41,6 +41,7 @@ void SetUp(CLI::App& app, Task& chosen) {
   AddDownloadCommand(app, chosen);
   AddUploadConfigCommand(app, chosen);
   AddUploadCommand(app, chosen);
+  AddTraceCommand(app, chosen);
   AddDemoCommand(app, chosen);
 }
 

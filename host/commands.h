@@ -25,6 +25,7 @@ void AddSearchCommand(CLI::App& app, Task& chosen);
 void AddDownloadCommand(CLI::App& app, Task& chosen);
 void AddUploadConfigCommand(CLI::App& app, Task& chosen);
 void AddUploadCommand(CLI::App& app, Task& chosen);
+void AddTraceCommand(CLI::App& app, Task& chosen);
 void AddDemoCommand(CLI::App& app, Task& chosen);
 
 }  // namespace stowra

@@ -18,7 +18,7 @@ exec 2>&1
 show() {
   echo
   echo "\$ stowra $*"
-  "$stowra" "$@" --verbose
+  "$stowra" "$@" --notifications
 }
 
 body='{"extensions":[{"id":"roof-tools","version":"1.0"},{"id":"stair-maker","version":"9.0"}]}'

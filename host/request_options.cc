@@ -79,6 +79,7 @@ void AddJson(CLI::App& command, RequestOptions& options) {
 }
 
 void AddTransferOptions(CLI::App& command, RequestOptions& options) {
+  AddTraceOptions(command, options.trace);
   command
       .add_option("--timeout", options.timeout,
                   "Fail after so many seconds without progress (default: 30)")
@@ -112,7 +113,8 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options) {
   AddUrl(command, options, "URL", "URL of the service");
   command.add_flag("--async", options.async, "Run in the background and complete on the main loop");
   AddJson(command, options);
-  command.add_flag("-v,--verbose", options.verbose, "Print notifications to stderr as they arrive");
+  command.add_flag("--notifications", options.notifications,
+                   "Print notifications to stderr as they arrive");
   AddTransferOptions(command, options);
 }
 
@@ -120,8 +122,6 @@ void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* u
                        const char* url_description) {
   AddUrl(command, options, url_name, url_description);
   AddJson(command, options);
-  command.add_flag("-v,--verbose", options.shows_transfers,
-                   "Print each transfer to stderr as it ends");
   AddTransferOptions(command, options);
 }
 

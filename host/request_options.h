@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common_stowraapi/platform/transfer_types.h"
+#include "host/trace_options.h"
 
 namespace CLI {
 class App;
@@ -20,8 +21,8 @@ struct RequestOptions {
   std::string url;
   bool async = false;
   bool json = false;
-  bool verbose = false;              // print notifications
-  bool shows_transfers = false;      // print each transfer when it ends
+  bool notifications = false;  // print them
+  TraceOptions trace;
   float timeout = 0;                 // seconds; 0: the library's default
   unsigned long max_bytes = 0;       // of a response body; 0: the library's default
   std::vector<std::string> headers;  // "Name: value", for the origin of `url`
@@ -32,8 +33,8 @@ struct RequestOptions {
 // Adds these options to `command`. Parsing fills `options`, which must outlive `command`.
 void AddRequestOptions(CLI::App& command, RequestOptions& options);
 
-// The same for a command that always waits and has no notifications. It gets no --async, and its
-// --verbose prints the transfers. The help shows `url_name` and `url_description`.
+// The same for a command that always waits and has no notifications. It gets no --async. The help
+// shows `url_name` and `url_description`.
 void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name = "URL",
                        const char* url_description = "URL of the service");
 

@@ -30,8 +30,8 @@ std::string ReasonOf(const TransferEvent& end, unsigned long max_bytes) {
 
 Session::Session(const RequestOptions& options, const std::vector<const char*>& notifications)
     : options_(options),
-      transfers_(options.shows_transfers),
-      notifications_(notifications, options.verbose) {
+      transfers_(options.trace),
+      notifications_(notifications, options.notifications || options.trace.verbosity > 0) {
   InternetData::SetDefaults(MakeTransferDefaults(options));
 }
 

@@ -64,9 +64,9 @@ TEST_P(ExtensionsTest, SendsFileUnchanged) {
 
 TEST_P(ExtensionsTest, ReadsStatusFromTheEmulator) {
   const EmulatorProcess emulator;
-  const Outcome outcome =
-      RunInMode({"extensions", emulator.url() + "/extensions", "--body", "-", "-v", "--json"},
-                R"({"extensions":[{"id":"roof-tools","version":"1.0"}]})");
+  const Outcome outcome = RunInMode(
+      {"extensions", emulator.url() + "/extensions", "--body", "-", "--notifications", "--json"},
+      R"({"extensions":[{"id":"roof-tools","version":"1.0"}]})");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out, testing::StartsWith(R"({"extensions":[{"id":"roof-tools",)"));
   EXPECT_THAT(outcome.out, testing::HasSubstr(R"("update":true)"));
@@ -77,7 +77,7 @@ TEST_P(ExtensionsTest, ReadsStatusFromTheEmulator) {
 TEST_P(ExtensionsTest, ReportsFailure) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/extensions?fault=status:500";
-  const Outcome outcome = RunInMode({"extensions", url, "--body", "-", "-v"}, "{}");
+  const Outcome outcome = RunInMode({"extensions", url, "--body", "-", "--notifications"}, "{}");
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.out, "");
   const bool async = *GetParam() != '\0';

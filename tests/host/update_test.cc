@@ -56,7 +56,7 @@ TEST_P(UpdateTest, PrintsOnlyVersionsWithoutOtherOffers) {
 
 TEST_P(UpdateTest, ReadsOfferFromTheEmulator) {
   const EmulatorProcess emulator;
-  const Outcome outcome = RunInMode({"update", emulator.url() + "/update", "-v"});
+  const Outcome outcome = RunInMode({"update", emulator.url() + "/update", "--notifications"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out, testing::StartsWith("current version  "));
   EXPECT_THAT(outcome.out, testing::HasSubstr("\ndata file"));
@@ -66,7 +66,7 @@ TEST_P(UpdateTest, ReadsOfferFromTheEmulator) {
 TEST_P(UpdateTest, PostsAndReportsFailure) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/update?fault=status:404";
-  const Outcome outcome = RunInMode({"update", url, "-v"});
+  const Outcome outcome = RunInMode({"update", url, "--notifications"});
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err,

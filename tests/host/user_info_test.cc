@@ -38,9 +38,10 @@ TEST_P(UserInfoTest, AcceptsMissingDisplayName) {
   EXPECT_EQ(outcome.out, "{\"uid\":\"u\",\"displayname\":\"\",\"email\":\"e\",\"vkr_id\":\"\"}\n");
 }
 
-TEST_P(UserInfoTest, PrintsNotificationWhenVerbose) {
+TEST_P(UserInfoTest, PrintsNotificationOnRequest) {
   const EmulatorProcess emulator;
-  const Outcome outcome = RunInMode({"user-info", emulator.url() + "/user-info", "--verbose"});
+  const Outcome outcome =
+      RunInMode({"user-info", emulator.url() + "/user-info", "--notifications"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "notification UserInfoUpdated\n");
 }
@@ -48,7 +49,7 @@ TEST_P(UserInfoTest, PrintsNotificationWhenVerbose) {
 TEST_P(UserInfoTest, ReportsFailureThatIsNotPosted) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/user-info?fault=status:503";
-  const Outcome outcome = RunInMode({"user-info", url, "-v"});
+  const Outcome outcome = RunInMode({"user-info", url, "--notifications"});
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err, "stowra: " + url + ": HTTP status 503\n");
@@ -67,7 +68,7 @@ TEST_P(UserInfoTest, ReportsWhatIsWrongWithTheResponse) {
   };
   for (const auto& [body, fault] : cases) {
     const RawServer server(Replies(body));
-    const Outcome outcome = RunInMode({"user-info", server.Url(), "-v"});
+    const Outcome outcome = RunInMode({"user-info", server.Url(), "--notifications"});
     EXPECT_EQ(outcome.status, 5) << body;
     EXPECT_EQ(outcome.out, "") << body;
     EXPECT_EQ(outcome.err,
