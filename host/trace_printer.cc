@@ -52,7 +52,7 @@ std::string StepText(const TransferEvent& event) {
       return fmt::format("HTTP status {}, redirected to {}", event.status,
                          event.redirect_url.utf8());
     case Kind::kPosted:
-      return "posted " + event.notification.utf8();
+      return fmt::format("posted {} on thread {}", event.notification.utf8(), event.thread);
     default:
       return "";
   }

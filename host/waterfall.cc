@@ -64,6 +64,8 @@ void Waterfall::Add(const TraceRecord& record) {
     transfer.phase = Phase::kConnect;
     transfer.phase_begin = record.time;
   } else if (kind == Kind::kConnected) {
+    // The transport may ask again after a response.
+    if (transfer.phase != Phase::kConnect) EndRequest(record, transfer);
     rows_[transfer.row].is_reused = record.event.is_reused;
     if (!record.event.is_reused) EndConnecting(record, transfer, true);
     transfer.phase = Phase::kWait;
@@ -72,6 +74,8 @@ void Waterfall::Add(const TraceRecord& record) {
     EndPhase(record.time, transfer);
     transfer.phase = Phase::kReceive;
     transfer.phase_begin = record.time;
+  } else if (kind == Kind::kResponse) {
+    transfer.status = record.event.status;
   } else if (kind == Kind::kRedirected || kind == Kind::kEnded) {
     EndRequest(record, transfer);
     if (kind == Kind::kEnded) running_.erase(found);
@@ -94,7 +98,7 @@ void Waterfall::Begin(const TraceRecord& record, Phase phase) {
   row.method = record.event.request_method;
   row.url = ToAscii(record.event.request_url.utf8());
   row.begin = record.time;
-  running_[record.event.number] = {rows_.size(), phase, record.time, {}};
+  running_[record.event.number] = {rows_.size(), phase, record.time, {}, 0};
   rows_.push_back(std::move(row));
 }
 
@@ -133,11 +137,12 @@ void Waterfall::EndRequest(const TraceRecord& record, Transfer& transfer) {
   RequestRow& row = rows_[transfer.row];
   row.method = event.request_method;
   row.has_failed = event.reason != TransferError::kNone;
-  row.result = row.has_failed ? WordOf(event.reason) : fmt::format("{}", event.status);
+  const int status = event.kind == Kind::kConnected ? transfer.status : event.status;
+  row.result = row.has_failed ? WordOf(event.reason) : fmt::format("{}", status);
   row.end = record.time;
   if (event.kind == Kind::kEnded) return;
   TraceRecord next = record;
-  next.event.request_url = event.redirect_url;
+  if (event.kind == Kind::kRedirected) next.event.request_url = event.redirect_url;
   Begin(next, Phase::kConnect);
   running_[event.number].before = event.times;
 }

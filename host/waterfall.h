@@ -54,6 +54,7 @@ class Waterfall {
     Phase phase;
     double phase_begin;
     ovrant::internet::TransferTimes before;  // of the earlier requests
+    int status;                              // of the last response
   };
 
   void Begin(const TraceRecord& record, Phase phase);

@@ -75,10 +75,10 @@ TEST_F(TraceTest, VerbosePrintsHeadsAndEnd) {
 TEST_F(TraceTest, VeryVerbosePrintsStepsToo) {
   const Outcome outcome = RunStowra({"user-info", server_.Url("/from"), "-vv", "--async"});
   EXPECT_EQ(outcome.status, 0);
-  for (const char* step :
-       {"queued", "started, GET http", "connected to 127.0.0.1 port [0-9]+", "the response begins",
-        "HTTP status 302, redirected to http://[^\n]*/to", "still connected to 127.0.0.1",
-        "GET http[^\n]*: HTTP status 200, bytes", "posted UserInfoQueryRequestReturned"}) {
+  for (const char* step : {"queued", "started, GET http", "connected to 127.0.0.1 port [0-9]+",
+                           "the response begins", "HTTP status 302, redirected to http://[^\n]*/to",
+                           "still connected to 127.0.0.1", "GET http[^\n]*: HTTP status 200, bytes",
+                           "posted UserInfoQueryRequestReturned on thread [1-9]"}) {
     EXPECT_THAT(outcome.err, ContainsRegex(std::string("\\* transfer 1, [0-9.]+ ms: ") + step))
         << outcome.err;
   }

@@ -87,6 +87,22 @@ TEST(WaterfallTest, RedirectIsAnotherRequest) {
   EXPECT_TRUE(rows[1].is_reused);
 }
 
+TEST(WaterfallTest, AskingAgainIsAnotherRequest) {
+  Waterfall waterfall;
+  waterfall.Add(Record(0, Kind::kStarted));
+  waterfall.Add(Record(1, Kind::kConnected));
+  waterfall.Add(Record(2, Kind::kFirstByte));
+  TraceRecord response = Record(2, Kind::kResponse);
+  response.event.status = 416;
+  waterfall.Add(response);
+  waterfall.Add(Record(3, Kind::kConnected));
+  waterfall.Add(Record(4, Kind::kEnded));
+  const auto rows = waterfall.Rows();
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(TextOf(rows[0]), "GET http://a/b 416 waiting 1.00-2.00 receiving 2.00-3.00");
+  EXPECT_EQ(TextOf(rows[1]), "GET http://a/b 200 waiting 3.00-4.00");
+}
+
 TEST(WaterfallTest, FailureEndsThePhaseThatRuns) {
   Waterfall waterfall;
   waterfall.Add(Record(0, Kind::kStarted));
