@@ -18,6 +18,7 @@
 #include "host/command_line.h"
 #include "host/commands.h"
 #include "host/file_access.h"
+#include "host/printable.h"
 #include "host/request_options.h"
 #include "host/session.h"
 #include "host/stored_zip.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "common_stowraapi/content/content_helpers.h"
-#include "host/terminal.h"
+#include "host/printable.h"
 
 namespace stowra {
 

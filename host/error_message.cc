@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/printable.h"
 #include "host/response_headers.h"
-#include "host/terminal.h"
 
 namespace stowra {
 

@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "host/printable.h"
+
 namespace stowra {
 
 using ovrant::json::Document;
@@ -56,7 +58,7 @@ Value MakeFloat(Document& document, float number) {
 std::string ToLine(Document& document) {
   ovrant_ustring text;
   document.ToString(text);
-  return text.utf8() + "\n";
+  return Printable(text.utf8()) + "\n";
 }
 
 }  // namespace stowra

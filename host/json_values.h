@@ -26,7 +26,7 @@ ovrant::json::Value MakeBool(ovrant::json::Document& document, bool value);
 // REQUIRES: `number` is finite.
 ovrant::json::Value MakeFloat(ovrant::json::Document& document, float number);
 
-// The document as one line of text, with its line break.
+// The document as one line of printable text (Printable), with its line break.
 std::string ToLine(ovrant::json::Document& document);
 
 }  // namespace stowra

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "host/terminal.h"
+#include "host/printable.h"
 
 namespace stowra {
 

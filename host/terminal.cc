@@ -10,20 +10,11 @@
 #include <cstring>
 #include <string_view>
 
-#include "common_stowraapi/platform/ustring.h"
+#include "host/printable.h"
 
 namespace stowra {
 
-using ovrant::utils::ovrant_ustring;
-
 namespace {
-
-constexpr char16_t kReplacement = u'\uFFFD';
-
-// C0, DEL and C1 controls, and the line and paragraph separators.
-bool IsControl(char16_t unit) {
-  return unit < u' ' || (unit >= 0x7F && unit <= 0x9F) || unit == 0x2028 || unit == 0x2029;
-}
 
 std::string_view Environment(const char* name) {
   const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): never set here
@@ -31,14 +22,6 @@ std::string_view Environment(const char* name) {
 }
 
 }  // namespace
-
-std::string Printable(const std::string& text) {
-  ovrant_ustring units(text.data(), text.size());
-  for (unsigned long i = 0; i < units.length(); ++i) {
-    if (IsControl(units.at(i))) units[i] = kReplacement;
-  }
-  return units.utf8();
-}
 
 bool MayRedraw(std::FILE* stream) {
   return isatty(fileno(stream)) == 1 && Environment("TERM") != "dumb";

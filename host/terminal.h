@@ -11,10 +11,6 @@
 
 namespace stowra {
 
-// `text` as well-formed UTF-8 on one line. Replaces control characters, which a terminal would
-// obey. Texts from a server or the command line go through here before they are shown.
-std::string Printable(const std::string& text);
-
 // Whether a line on `stream` may be redrawn: it is a terminal, and not a dumb one.
 bool MayRedraw(std::FILE* stream);
 

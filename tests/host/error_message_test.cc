@@ -9,7 +9,7 @@ namespace {
 TEST(ErrorMessageTest, PutsTextOnOneLine) {
   EXPECT_EQ(ErrorMessage("text/plain", "no such model"), "no such model");
   EXPECT_EQ(ErrorMessage("text/plain", " \r\n no\tsuch\r\n\r\n model \n"), "no such model");
-  EXPECT_EQ(ErrorMessage("text/plain", "a\x1B[31mb"), "a\uFFFD[31mb");
+  EXPECT_EQ(ErrorMessage("text/plain", "a\x1B[31mb"), "a\\u001B[31mb");
   EXPECT_EQ(ErrorMessage("text/plain", ""), "");
   EXPECT_EQ(ErrorMessage("text/plain", "\n"), "");
 }

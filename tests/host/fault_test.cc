@@ -116,7 +116,7 @@ TEST_P(NoServerTest, ReportsUnsupportedUrlInOneLine) {
 TEST_P(NoServerTest, ReplacesControlCharactersInUrl) {
   const Outcome outcome = RunInMode({"user-info", "x\ny\x1B[31m"});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.err, "stowra: x\uFFFDy\uFFFD[31m: not an http or https URL\n");
+  EXPECT_EQ(outcome.err, "stowra: x\\u000Ay\\u001B[31m: not an http or https URL\n");
 }
 
 }  // namespace

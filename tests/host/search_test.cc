@@ -152,7 +152,7 @@ TEST(SearchTest, ShowsRepeatedEntryOfOnePage) {
   EXPECT_EQ(CountOf("http://f/m1.kmz", RunStowra({"search", server.Url()}).out), 2);
 }
 
-TEST(SearchTest, ReplacesControlCharactersInTitle) {
+TEST(SearchTest, EscapesControlCharactersInTitle) {
   FeedText feed;
   feed.entries = {ModelEntry("m1", "A&#x9B;31mB&#x85;C\nD")};
   std::string text = Feed(feed);

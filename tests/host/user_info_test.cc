@@ -77,16 +77,16 @@ TEST_P(UserInfoTest, ReportsWhatIsWrongWithTheResponse) {
 }
 
 // A terminal would obey them.
-TEST_P(UserInfoTest, ReplacesControlCharactersFromTheServer) {
+TEST_P(UserInfoTest, EscapesControlCharactersFromTheServer) {
   const RawServer server(
       Replies(R"({"uid":"\u001b[2J","displayname":"a\nb","email":"\u009bx","vkr_id":"\u2028"})"));
   const Outcome outcome = RunInMode({"user-info", server.Url()});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out,
-            "user id  \uFFFD[2J\n"
-            "name     a\uFFFDb\n"
-            "email    \uFFFDx\n"
-            "vkr id   \uFFFD\n");
+            "user id  \\u001B[2J\n"
+            "name     a\\u000Ab\n"
+            "email    \\u009Bx\n"
+            "vkr id   \\u2028\n");
 }
 
 }  // namespace
