@@ -144,6 +144,12 @@ struct TransferEvent {
   // Complete at kEnded.
   TransferTimes times;
 
+  // At kEnded, of a response with status 400 or more: two of its header fields, and the first 16
+  // KiB of its decoded body as text. Otherwise empty.
+  ovrant::utils::ovrant_ustring content_type;
+  ovrant::utils::ovrant_ustring retry_after;
+  ovrant::utils::ovrant_ustring error_body;
+
   // The members below are for listeners of steps. `times` is then what has passed so far, in every
   // kind. `total` tells when the step was taken.
 

@@ -10,9 +10,13 @@
 
 namespace ovrant::internet {
 
+using ovrant::utils::ovrant_ustring;
 using ovrant::utils::StringMap;
 
 namespace {
+
+constexpr int kFirstErrorStatus = 400;
+constexpr std::size_t kLongestErrorBody = 16 << 10;
 
 unsigned long NextNumber() {
   static std::atomic<unsigned long> last{0};
@@ -222,6 +226,9 @@ void HttpExchange::Tell(TransferEvent::Kind kind, const Failure& failure) noexce
     event.reason = failure.error;
     event.error = failure.text;
     event.times = times_;
+    if (kind == TransferEvent::Kind::kEnded && status_ >= kFirstErrorStatus && reply_.received) {
+      FillErrorReply(event);
+    }
     if (trace_) FillSteps(event);
     const Clock::time_point begin = Clock::now();
     listener_->Call(event);
@@ -246,6 +253,17 @@ void HttpExchange::FillCounts(TransferEvent& event) const {
   event.bytes_expected = decoder.head().content_length().value_or(0);
   event.bytes_sent = hop_->sent_bytes();
   event.bytes_to_send = hop_->bytes_to_send();
+}
+
+void HttpExchange::FillErrorReply(TransferEvent& event) const {
+  const ReplyDecoder& decoder = hop_->decoder();
+  for (const auto& [name, value] : decoder.head().fields().ToMap()) {
+    if (name.compare_nocase("Content-Type") == 0) event.content_type = value;
+    if (name.compare_nocase("Retry-After") == 0) event.retry_after = value;
+  }
+  const BodyBuffer& body = decoder.body();
+  event.error_body = ovrant_ustring(reinterpret_cast<const char*>(body.data()),
+                                    std::min(body.size(), kLongestErrorBody));
 }
 
 }  // namespace ovrant::internet

@@ -89,6 +89,7 @@ class HttpExchange {
   void Tell(TransferEvent::Kind kind, const Failure& failure = kNoFailure) noexcept;
   void FillCounts(TransferEvent& event) const;
   void FillSteps(TransferEvent& event) const;
+  void FillErrorReply(TransferEvent& event) const;
 
   HttpRequest request_;  // without its source and sink once it has ended
   const std::shared_ptr<TransferListener> listener_;

@@ -62,6 +62,7 @@ class ReplyDecoder {
   ResponseHead& head() { return head_; }
 
   // Empty if a sink takes the body.
+  const BodyBuffer& body() const { return body_; }
   BodyBuffer& body() { return body_; }
 
   // Bytes of body without chunk framing, before and after decompression. Refused bytes count.

@@ -55,6 +55,7 @@ class ResponseHead {
   // Bytes of all lines so far.
   std::size_t bytes() const { return bytes_; }
 
+  const HeaderFields& fields() const { return fields_; }
   HeaderFields& fields() { return fields_; }
 
  private:
