@@ -4,11 +4,15 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/commands.h"
+#include "host/failure_report.h"
 #include "host/help_formatter.h"
+#include "host/suggestion.h"
 #include "host/terminal.h"
 #include "host/version_text.h"
 
@@ -42,6 +46,7 @@ void SetUp(CLI::App& app, Task& chosen) {
   AddUploadConfigCommand(app, chosen);
   AddUploadCommand(app, chosen);
   AddTraceCommand(app, chosen);
+  AddCheckCommand(app, chosen);
   AddDemoCommand(app, chosen);
 }
 
@@ -51,14 +56,40 @@ std::string NameOf(const CLI::App& app) {
   return chosen.empty() ? app.get_name() : app.get_name() + " " + chosen.back()->get_name();
 }
 
-ExitStatus ComplainOfUsage(const CLI::App& app, const std::string& what) {
-  Complain(fmt::format("{} (see {} --help)", what, NameOf(app)));
-  return ExitStatus::kUsage;
+// What the first argument that nobody takes may stand for.
+std::string SuggestionFor(const CLI::App& app) {
+  const std::vector<std::string> unknown = app.remaining(true);
+  if (unknown.empty()) return {};
+  const auto chosen = app.get_subcommands();
+  const CLI::App& command = chosen.empty() ? app : *chosen.back();
+  std::vector<std::string> candidates;
+  if (unknown[0].rfind("--", 0) == 0) {
+    for (const CLI::Option* option : command.get_options()) {
+      for (const std::string& name : option->get_lnames()) candidates.push_back("--" + name);
+    }
+  } else if (chosen.empty()) {
+    for (const CLI::App* each : app.get_subcommands(nullptr)) {
+      candidates.push_back(each->get_name());
+    }
+  }
+  const std::string name = unknown[0].substr(0, unknown[0].find('='));
+  const std::string closest = ClosestTo(name, candidates);
+  return closest.empty() ? "" : fmt::format("; did you mean {}?", closest);
+}
+
+ExitStatus ReportUsage(const CLI::App& app, const std::string& what, bool json) {
+  FailureReport failure;
+  failure.exit_status = ExitStatus::kUsage;
+  failure.reason = "usage";
+  failure.message = fmt::format("{} (see {} --help)", what, NameOf(app));
+  return Report(failure, json);
 }
 
 }  // namespace
 
 ExitStatus RunCommandLine(int argc, const char* const* argv) {
+  const std::vector<std::string> arguments(argv + 1, argv + std::max(argc, 1));
+  const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
   CLI::App app(kDescription, "stowra");
   Task chosen;
   SetUp(app, chosen);
@@ -69,9 +100,9 @@ ExitStatus RunCommandLine(int argc, const char* const* argv) {
   } catch (const CLI::CallForVersion& version) {
     return WriteResult(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {
-    return ComplainOfUsage(app, error.what());
+    return ReportUsage(app, error.what() + SuggestionFor(app), json);
   }
-  return chosen ? chosen() : ComplainOfUsage(app, "a command is needed");
+  return chosen ? chosen() : ReportUsage(app, "a command is needed", json);
 }
 
 void DescribeCommandLine(const std::function<void(const CLI::App&)>& visit) {

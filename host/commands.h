@@ -26,6 +26,7 @@ void AddDownloadCommand(CLI::App& app, Task& chosen);
 void AddUploadConfigCommand(CLI::App& app, Task& chosen);
 void AddUploadCommand(CLI::App& app, Task& chosen);
 void AddTraceCommand(CLI::App& app, Task& chosen);
+void AddCheckCommand(CLI::App& app, Task& chosen);
 void AddDemoCommand(CLI::App& app, Task& chosen);
 
 }  // namespace stowra

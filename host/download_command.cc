@@ -14,6 +14,7 @@
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
+#include "host/byte_size.h"
 #include "host/commands.h"
 #include "host/download_sink.h"
 #include "host/error_message.h"
@@ -22,6 +23,7 @@
 #include "host/request_options.h"
 #include "host/session.h"
 #include "host/signal_watcher.h"
+#include "host/stdout_sink.h"
 #include "host/table.h"
 #include "host/terminal.h"
 
@@ -44,6 +46,7 @@ constexpr char kExamples[] =
 
 constexpr int kHttpOk = 200;
 constexpr int kHttpPartialContent = 206;
+constexpr char kStandardOutput[] = "-";
 
 constexpr unsigned long kMostBytes = std::numeric_limits<unsigned long>::max();
 
@@ -63,19 +66,12 @@ struct DownloadedFile {
   std::uint64_t continued_size = 0;
 };
 
-std::string CheckOutput(const std::string& file) {
-  if (file.empty()) return "must not be empty";
-  return file == "-" ? "'-' does not mean standard output here; use ./- for a file of that name"
-                     : "";
-}
-
-std::string CheckMaxBytes(const std::string& text) {
-  return CheckWholeNumber(text, 1, kMostBytes, "a number of bytes above 0");
-}
+std::string CheckOutput(const std::string& file) { return file.empty() ? "must not be empty" : ""; }
 
 // Checked before the transfer, which would otherwise be in vain.
 bool HasDestination(const DownloadOptions& options) {
   std::string why;
+  if (options.file == kStandardOutput) return true;
   if (options.file.empty()) {
     if (CanMakeFileIn(".", why)) return true;
     Complain(fmt::format("the current folder: {}", why));
@@ -120,7 +116,6 @@ class Downloader {
   explicit Downloader(const DownloadOptions& options)
       : options_(options),
         session_(options, {kReceived, kFailed}),
-        sink_(std::make_shared<DownloadSink>(options.file, options.url, options.continues)),
         transport_(std::in_place, ovrant_ustring(options.url.data(), options.url.size())) {
     signals_.Start([this](int signal) {
       signal_ = signal;
@@ -136,16 +131,26 @@ class Downloader {
 
   ExitStatus Run() {
     session_.ShowProgress();
-    const bool received = session_.RunInBackground(
-        [this] { transport_->DownloadToWithDelegate(sink_, &delegate_, nullptr); }, kReceived);
-    if (signal_ != 0 && !received) return EndBySignal();
-    if (!received) return Fail();
+    session_.Repeat([this] { return Attempt(); });
+    if (signal_ != 0 && !received_) return EndBySignal();
+    if (!received_) return Fail();
     if (!IsWhole()) return session_.Fail("", ErrorMessage(*transport_));
     const DownloadedFile file = {sink_->file(), sink_->size(), sink_->continued_size()};
     return WriteResult(options_.json ? ToJson(file) : ToTable(file));
   }
 
  private:
+  // True unless another attempt may do better. That one goes on with what has arrived.
+  bool Attempt() {
+    const bool continues = sink_ ? sink_->CanContinue() : options_.continues;
+    const std::string file = continues && sink_ ? sink_->file() : options_.file;
+    if (sink_) sink_->Close();
+    sink_ = std::make_shared<DownloadSink>(file, options_.url, continues);
+    received_ = session_.RunInBackground(
+        [this] { transport_->DownloadToWithDelegate(sink_, &delegate_, nullptr); }, kReceived);
+    return signal_ != 0 || sink_->error() != 0 || (received_ && IsWhole());
+  }
+
   bool IsWhole() const {
     const int status = transport_->status_code();
     return status == kHttpOk || (status == kHttpPartialContent && sink_->continued_size() > 0);
@@ -179,12 +184,30 @@ class Downloader {
   const DownloadOptions& options_;
   Session session_;
   std::shared_ptr<DownloadSink> sink_;
+  bool received_ = false;  // a response, in the last attempt
   InternetDataDelegate delegate_{nullptr, 0, kReceived, 0, kFailed};
   std::optional<InternetData> transport_;
 };
 
+// What has been written cannot be repeated.
+ExitStatus RunToStdout(const DownloadOptions& options) {
+  Session session(options);
+  StdoutSink sink;
+  InternetData transport(ovrant_ustring(options.url.data(), options.url.size()));
+  bool received = false;
+  session.Repeat([&] {
+    received = transport.DownloadTo(sink) && transport.status_code() == kHttpOk;
+    return received || sink.has_written();
+  });
+  if (received) return ExitStatus::kDone;
+  if (sink.error() == 0) return session.Fail("");
+  Complain(fmt::format("standard output: {}", std::generic_category().message(sink.error())));
+  return ExitStatus::kCannotRun;
+}
+
 ExitStatus Run(const DownloadOptions& options) {
   if (!HasDestination(options)) return ExitStatus::kCannotRun;
+  if (options.file == kStandardOutput) return RunToStdout(options);
   return Downloader(options).Run();
 }
 
@@ -199,8 +222,9 @@ void AddDownloadCommand(CLI::App& app, Task& chosen) {
       command
           .add_option(
               "-o,--output", options->file,
-              "Write to FILE, or to the target if FILE is a link, and replace an existing file "
-              "(default: a new file in the current folder, named by the server)")
+              "Write to FILE, or to the target if FILE is a link, and replace an existing file; "
+              "- means standard output (default: a new file in the current folder, named by the "
+              "server)")
           ->type_name("FILE")
           ->check(CLI::Validator(CheckOutput, ""));
   command
@@ -211,9 +235,14 @@ void AddDownloadCommand(CLI::App& app, Task& chosen) {
   command
       .add_option("--max-bytes", options->max_bytes,
                   "Fail if the file is larger (default: any size)")
-      ->type_name("N")
-      ->check(CLI::Validator(CheckMaxBytes, ""));
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+      ->type_name("SIZE")
+      ->transform(CLI::Validator(ReadByteSize, ""));
+  command.callback([options, &chosen] {
+    if (options->continues && options->file == kStandardOutput) {
+      throw CLI::ValidationError("--continue", "standard output cannot be continued");
+    }
+    chosen = [options] { return Run(*options); };
+  });
 }
 
 }  // namespace stowra

@@ -2,6 +2,7 @@
 #include "host/download_name.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "common_stowraapi/content/content_helpers.h"
@@ -16,18 +17,42 @@ namespace {
 constexpr char kFallback[] = "download";
 constexpr char kWhiteSpace[] = " \t";
 
+constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN",    "AUX",
+                                                      "NUL", "CONIN$", "CONOUT$"};
+
 // Bytes; the limit of common file systems.
 constexpr std::size_t kLongestName = 255;
 
-std::string WithoutFolders(std::string_view path) {
+char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+bool IsPortNumber(std::string_view text) {
+  const bool is_digit = text.size() == 1 && text[0] >= '0' && text[0] <= '9';
+  return is_digit || text == "\u00B9" || text == "\u00B2" || text == "\u00B3";
+}
+
+// Drops folders, hidden characters, and dots and blanks at the end, which some systems ignore.
+std::string Clean(std::string_view path) {
   const std::size_t separator = path.find_last_of("/\\");
-  return std::string(separator == std::string_view::npos ? path : path.substr(separator + 1));
+  std::string name =
+      WithoutHidden(separator == std::string_view::npos ? path : path.substr(separator + 1));
+  name.erase(name.find_last_not_of(". ") + 1);
+  return name;
+}
+
+// Whether some system takes the name, with any extension, for a device.
+bool IsDevice(std::string_view name) {
+  std::string stem(name.substr(0, name.find('.')));
+  stem.erase(stem.find_last_not_of(' ') + 1);
+  std::transform(stem.begin(), stem.end(), stem.begin(), ToUpper);
+  const std::string_view port = std::string_view(stem).substr(0, 3);
+  if (port == "COM" || port == "LPT") return IsPortNumber(std::string_view(stem).substr(3));
+  return std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end();
 }
 
 // The library looks for an extension even behind the closing quotation mark.
 bool IsFit(const std::string& name) {
   return !name.empty() && name.size() <= kLongestName && name[0] != '.' && name[0] != '-' &&
-         name.find('"') == std::string::npos && Printable(name) == name;
+         name.find('"') == std::string::npos && !IsDevice(name);
 }
 
 // The library cuts a name before .qmf or .kmz. Returns what it cuts off, such as ".qmf.zip".
@@ -43,7 +68,7 @@ std::string ModelNameIn(const ovrant_ustring& header) {
   const std::string base =
       ovrant::stowraapiclient::GetFilenameFromContentDisposition(header).utf8();
   if (base.empty()) return {};
-  const std::string name = WithoutFolders(base + ExtensionIn(header.utf8()));
+  const std::string name = Clean(base + ExtensionIn(header.utf8()));
   return IsFit(name) ? name : std::string();
 }
 
@@ -86,7 +111,7 @@ std::string AnyNameIn(const std::string& header) {
     const std::string_view parameter = FirstParameter(rest);
     const std::size_t equals = parameter.find('=');
     if (equals != std::string_view::npos && IsFilename(Trim(parameter.substr(0, equals)))) {
-      const std::string name = WithoutFolders(ValueOf(Trim(parameter.substr(equals + 1))));
+      const std::string name = Clean(ValueOf(Trim(parameter.substr(equals + 1))));
       return IsFit(name) ? name : std::string();
     }
     rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
@@ -100,7 +125,7 @@ std::string NameInUrl(const std::string& url) {
   if (host == std::string_view::npos) return {};
   const std::size_t begin = path.find('/', host + 3);
   if (begin == std::string_view::npos) return {};
-  const std::string name = WithoutFolders(path.substr(begin));
+  const std::string name = Clean(path.substr(begin));
   return IsFit(name) ? name : std::string();
 }
 

@@ -12,8 +12,11 @@ namespace stowra {
 
 // The name in a Content-Disposition header (RFC 6266) with its extension, such as "chair.qmf" or
 // "chair.qmf.zip". Without a safe name there, the last part of the path in `url`. Without a safe
-// name there either, "download". A safe name holds no folder, is printable, is at most 255 bytes
-// long, and begins with neither '.' nor '-'.
+// name there either, "download".
+//
+// Names lose their folders, hidden characters (WithoutHidden), and dots and spaces at the end. A
+// safe name then has 1 to 255 bytes and no quotation mark. It begins with neither '.' nor '-'. It
+// names no device of any system, such as "CON" or "nul.txt".
 std::string ChooseFileName(const ovrant::utils::ovrant_ustring& content_disposition,
                            const std::string& url);
 

@@ -11,8 +11,12 @@
 
 namespace stowra {
 
-// The body's first 200 characters on one line, with "..." for the rest. Empty unless `content_type`
-// is a text, JSON or XML type.
+// The first line of the server's own error text, at most 200 characters of it and "..." for the
+// rest. It is not yet printable (Printable). Empty without one, and for other types.
+//   - JSON: the member "message", "error", "detail" or "title" of the object, or of an object
+//     "error" in it.
+//   - HTML and XML: see HtmlMessage.
+//   - text: its first line.
 std::string ErrorMessage(std::string_view content_type, std::string_view body);
 
 // The same of the response that `transport` holds.

@@ -11,6 +11,7 @@
 #include "common_stowraapi/services/extension_store_status.h"
 #include "host/body_file.h"
 #include "host/commands.h"
+#include "host/failure_report.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
 #include "host/session.h"
@@ -91,8 +92,11 @@ ExitStatus Run(const ExtensionsOptions& options) {
   std::string body;
   std::string why;
   if (!ReadBodyFile(options.body_file, body, why)) {
-    Complain(fmt::format("--body {}: {}", options.body_file, why));
-    return ExitStatus::kUsage;
+    FailureReport failure;
+    failure.exit_status = ExitStatus::kUsage;
+    failure.reason = "usage";
+    failure.message = fmt::format("--body {}: {}", options.body_file, why);
+    return Report(failure, options.json);
   }
   return Ask(options, body);
 }

@@ -146,9 +146,26 @@ struct Destination {
   std::optional<mode_t> mode;
 };
 
+// Whether `file` names an open descriptor, such as /dev/stdout does. It may lead to a regular file,
+// but a rename would not write to that descriptor.
+bool LeadsToDescriptor(std::filesystem::path file) {
+  constexpr int kMostLinks = 40;
+  for (int i = 0; i < kMostLinks; ++i) {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::canonical(FolderOf(file), error);
+    const std::string name = folder.string() + "/";
+    if (name.rfind("/proc/", 0) == 0 || name == "/dev/fd/") return true;
+    const std::filesystem::path target = std::filesystem::read_symlink(file, error);
+    if (error) return false;
+    file = folder / target;
+  }
+  return true;
+}
+
 // Resolves symbolic links. Calls stat() first, since realpath() fails for a link to an unnamed
 // pipe.
 int FollowLinks(const std::string& file, Destination& destination) {
+  if (LeadsToDescriptor(file)) return kNotRegular;
   struct stat status = {};
   if (stat(file.c_str(), &status) != 0) return errno;
   if (!S_ISREG(status.st_mode)) return kNotRegular;
@@ -166,6 +183,7 @@ int FindDestination(const std::string& file, Destination& destination) {
     return error == ENOENT ? 0 : error;
   }
   if (S_ISLNK(status.st_mode)) return FollowLinks(file, destination);
+  if (LeadsToDescriptor(file)) return kNotRegular;
   destination = {file, status.st_mode & kPermissions};
   return S_ISREG(status.st_mode) ? 0 : kNotRegular;
 }
@@ -213,6 +231,11 @@ bool ReadInput(std::string& content, std::string& why) {
 bool WriteFile(const std::string& file, std::string_view content, Existing existing,
                std::string& why) {
   return Succeeds(Write(file, content, existing), why);
+}
+
+bool WriteToStdout(std::string_view content, std::string& why) {
+  const bool written = std::fwrite(content.data(), 1, content.size(), stdout) == content.size();
+  return Succeeds(written && std::fflush(stdout) == 0 ? 0 : errno, why);
 }
 
 bool CanReplaceFile(const std::string& file, std::string& why) {

@@ -20,10 +20,14 @@ enum class Existing { kKeep, kReplace };
 // Writes a temporary file in the same folder and then gives it the name `file`, so that `file` is
 // never incomplete. kReplace follows symbolic links and keeps the mode of the file it replaces.
 // Returns false with the reason in `why` if writing fails. kKeep also fails if `file` exists, even
-// as a dangling link. kReplace also fails if `file` is not a regular file. After a failure the
+// as a dangling link. kReplace also fails if `file` is not a regular file, such as a folder, a
+// device or a pipe, and if it names an open descriptor, such as /dev/stdout. After a failure the
 // existing file is unchanged and the temporary file is gone.
 bool WriteFile(const std::string& file, std::string_view content, Existing existing,
                std::string& why);
+
+// Writes all of `content` to standard output. Returns false with the reason in `why` if it fails.
+bool WriteToStdout(std::string_view content, std::string& why);
 
 // Checks that need no content yet. CanReplaceFile: WriteFile could replace or create `file`.
 // CanMakeFileIn: a file can be created in `folder`. If not, `why` says why.

@@ -46,22 +46,33 @@ bool IsEscaped(char16_t unit) {
   });
 }
 
-}  // namespace
-
-std::string Printable(std::string_view utf8) {
+// Replaces each code unit that is escaped by what `replace` gives.
+template <typename Replace>
+std::string ReplaceEscaped(std::string_view utf8, const Replace& replace) {
   const ovrant_ustring text(utf8.data(), utf8.size());
   ovrant_ustring shown;
   bool in_tag = false;
   for (const char16_t unit : text.units()) {
     const bool begins_tag = unit == kTagSurrogate;
     if (in_tag || begins_tag || IsEscaped(unit)) {
-      shown += fmt::format("\\u{:04X}", static_cast<unsigned>(unit));
+      shown += replace(unit);
     } else {
       shown += std::u16string_view(&unit, 1);
     }
     in_tag = begins_tag;
   }
   return shown.utf8();
+}
+
+}  // namespace
+
+std::string Printable(std::string_view utf8) {
+  return ReplaceEscaped(
+      utf8, [](char16_t unit) { return fmt::format("\\u{:04X}", static_cast<unsigned>(unit)); });
+}
+
+std::string WithoutHidden(std::string_view utf8) {
+  return ReplaceEscaped(utf8, [](char16_t /*unit*/) { return std::string(); });
 }
 
 }  // namespace stowra

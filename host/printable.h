@@ -18,6 +18,9 @@ namespace stowra {
 //   - Characters without width. Variation selectors stay, since emoji need them.
 std::string Printable(std::string_view utf8);
 
+// The same without those characters.
+std::string WithoutHidden(std::string_view utf8);
+
 }  // namespace stowra
 
 #endif  // HOST_PRINTABLE_H_

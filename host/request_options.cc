@@ -5,10 +5,13 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 
 #include "common_stowraapi/version.h"
+#include "host/header_lines.h"
+#include "host/service_url.h"
 
 namespace stowra {
 
@@ -36,15 +39,9 @@ std::string CheckNotEmpty(const std::string& text) {
   return text.empty() ? "must not be empty" : "";
 }
 
-std::string CheckHeader(const std::string& header) {
-  const std::size_t colon = header.find(':');
-  const bool good = colon != std::string::npos && !Trim(header.substr(0, colon)).empty();
-  return good ? "" : fmt::format("'{}' is not of the form \"Name: value\"", header);
-}
-
-std::string CheckOrigin(const std::string& text) {
-  const bool good = text.rfind("http://", 0) == 0 || text.rfind("https://", 0) == 0;
-  return good ? "" : fmt::format("'{}' does not begin with http:// or https://", text);
+std::string CheckRetries(const std::string& text) {
+  constexpr unsigned long kMostRetries = 100;
+  return CheckWholeNumber(text, 0, kMostRetries, "a number from 0 to 100");
 }
 
 std::string CheckSeconds(const std::string& text) {
@@ -67,11 +64,74 @@ void AddHeader(std::string_view line, StringMap& headers) {
   headers[name] = ToText(Trim(line.substr(colon + 1)));
 }
 
+// Replaces "@FILE" by the headers in the file.
+void ReadHeaderFiles(RequestOptions& options) {
+  std::string why;
+  std::vector<std::string> headers;
+  for (const std::string& text : options.headers) {
+    if (!ReadHeaderLines(text, headers, why)) throw CLI::ValidationError("--header", why);
+  }
+  options.headers = std::move(headers);
+
+  std::vector<std::pair<std::string, std::string>> headers_to;
+  for (const auto& [origin, text] : options.headers_to) {
+    std::vector<std::string> lines;
+    if (!ReadHeaderLines(text, lines, why)) throw CLI::ValidationError("--header-to", why);
+    for (const std::string& line : lines) headers_to.emplace_back(origin, line);
+  }
+  options.headers_to = std::move(headers_to);
+}
+
+// The address that a command has without one on the command line, relative to --url-base. Empty if
+// it needs one.
+std::string DefaultAddress(const std::string& command) {
+  const bool needs_one = command == "download" || command == "upload" || command == "check";
+  return needs_one ? std::string() : command;
+}
+
+bool IsAddress(const std::string& text) {
+  return IsWebUrl(text) || (!text.empty() && (text[0] == '/' || text[0] == '?'));
+}
+
+// The address of a search may be words, which go on in options.words.
+void TakeSearchWords(RequestOptions& options) {
+  if (options.url.empty() || IsAddress(options.url)) return;
+  if (options.url_base.empty()) {
+    throw CLI::ValidationError("URL", CheckWebUrl(options.url) + "; words need --url-base");
+  }
+  options.words.insert(options.words.begin(), options.url);
+  options.url = SearchAddress(std::exchange(options.words, {}));
+}
+
+void CompleteUrl(const std::string& command, const std::string& url_name, RequestOptions& options) {
+  if (command == "search") TakeSearchWords(options);
+  if (!options.words.empty()) {
+    throw CLI::ValidationError("WORDS", "they do not go with a URL");
+  }
+  if (options.url.empty() && !options.url_base.empty()) options.url = DefaultAddress(command);
+  if (options.url.empty()) throw CLI::RequiredError(url_name);
+  if (command == "check") return;  // may be a file
+  options.url = ResolveUrl(options.url_base, options.url);
+  const std::string why = CheckWebUrl(options.url);
+  if (!why.empty()) throw CLI::ValidationError(url_name, why);
+}
+
 void AddUrl(CLI::App& command, RequestOptions& options, const char* name, const char* description) {
   command.add_option(name, options.url, description)
-      ->required()
+      ->required(DefaultAddress(command.get_name()).empty())
       ->option_text(" ")
       ->check(CLI::Validator(CheckNotEmpty, ""));
+  command
+      .add_option("--url-base", options.url_base,
+                  "URL of the services. Addresses may then be relative to it, or be left out where "
+                  "the service has its usual name")
+      ->type_name("URL")
+      ->envname("STOWRA_URL_BASE")
+      ->check(CLI::Validator(CheckWebUrl, ""));
+  command.parse_complete_callback([&command, &options, url_name = std::string(name)] {
+    ReadHeaderFiles(options);
+    CompleteUrl(command.get_name(), url_name, options);
+  });
 }
 
 void AddJson(CLI::App& command, RequestOptions& options) {
@@ -84,26 +144,34 @@ void AddTransferOptions(CLI::App& command, RequestOptions& options) {
       .add_option("--timeout", options.timeout,
                   "Fail after so many seconds without progress (default: 30)")
       ->type_name("SECONDS")
+      ->envname("STOWRA_TIMEOUT")
+      ->check(CLI::Validator(CheckSeconds, ""));
+  command
+      .add_option("--max-time", options.max_time,
+                  "Fail if the whole command takes longer (default: no limit)")
+      ->type_name("SECONDS")
+      ->envname("STOWRA_MAX_TIME")
       ->check(CLI::Validator(CheckSeconds, ""));
   command
       .add_option("--header", options.headers,
                   "Also send this header, written \"Name: value\", to the server of URL and to no "
-                  "other; may be repeated")
-      ->option_text("HEADER")
-      ->allow_extra_args(false)
-      ->check(CLI::Validator(CheckHeader, ""));
+                  "other. @FILE stands for the headers in a file, one a line, and keeps them out "
+                  "of the list of processes. May be repeated")
+      ->option_text("HEADER (Env:STOWRA_HEADER)")
+      ->envname("STOWRA_HEADER")
+      ->allow_extra_args(false);
   command
       .add_option("--header-to", options.headers_to,
-                  "Also send this header to the server of ORIGIN, such as https://host:8443; may "
+                  "Also send this header to the server of ORIGIN, such as https://host:8443. May "
                   "be repeated")
       ->option_text("ORIGIN HEADER")
       ->allow_extra_args(false)
-      ->check(CLI::Validator(CheckOrigin, "").application_index(0))
-      ->check(CLI::Validator(CheckHeader, "").application_index(1));
+      ->check(CLI::Validator(CheckWebUrl, "").application_index(0));
   command
       .add_option("--cacert", options.ca_file,
                   "Trust the certificate authorities in this PEM file instead of the system's")
       ->type_name("FILE")
+      ->envname("STOWRA_CACERT")
       ->check(CLI::Validator(CLI::ExistingFile).description(""));
 }
 
@@ -123,6 +191,18 @@ void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* u
   AddUrl(command, options, url_name, url_description);
   AddJson(command, options);
   AddTransferOptions(command, options);
+  AddRetryOption(command, options);
+}
+
+void AddRetryOption(CLI::App& command, RequestOptions& options) {
+  command
+      .add_option("--retry", options.retries,
+                  "Ask again up to N times, after longer and longer pauses or when Retry-After "
+                  "says, if the connection fails or the status is 429, 502, 503 or 504. Only for "
+                  "requests that send nothing (default: 0)")
+      ->type_name("N")
+      ->envname("STOWRA_RETRY")
+      ->check(CLI::Validator(CheckRetries, ""));
 }
 
 std::string CheckWholeNumber(const std::string& text, unsigned long least, unsigned long most,

@@ -19,24 +19,32 @@ namespace stowra {
 
 struct RequestOptions {
   std::string url;
+  std::string url_base;            // relative addresses are resolved against it
+  std::vector<std::string> words;  // to search for, after the first
   bool async = false;
   bool json = false;
   bool notifications = false;  // print them
   TraceOptions trace;
-  float timeout = 0;                 // seconds; 0: the library's default
+  float timeout = 0;   // seconds; 0: the library's default
+  float max_time = 0;  // seconds for the whole command; 0: no limit
+  int retries = 0;
   unsigned long max_bytes = 0;       // of a response body; 0: the library's default
   std::vector<std::string> headers;  // "Name: value", for the origin of `url`
   std::vector<std::pair<std::string, std::string>> headers_to;  // an origin, and "Name: value"
   std::string ca_file;
 };
 
-// Adds these options to `command`. Parsing fills `options`, which must outlive `command`.
+// Adds these options to `command`. Parsing fills `options`, which must outlive `command`. `url` is
+// then a whole URL, and a header file stands as its headers.
 void AddRequestOptions(CLI::App& command, RequestOptions& options);
 
 // The same for a command that always waits and has no notifications. It gets no --async. The help
 // shows `url_name` and `url_description`.
 void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* url_name = "URL",
                        const char* url_description = "URL of the service");
+
+// Adds --retry, which Session::Repeat obeys. AddWaitingOptions adds it, too.
+void AddRetryOption(CLI::App& command, RequestOptions& options);
 
 // An empty string if `text` is a decimal number from `least` to `most`. Otherwise an error text
 // that says it is not `what`.

@@ -32,7 +32,8 @@ constexpr char kExamples[] =
     "Examples:\n"
     "  stowra search 'http://127.0.0.1:8080/search?q=chair'\n"
     "  stowra search 'http://127.0.0.1:8080/search?q=chair' --all --max-qmf-version 8\n"
-    "  stowra search 'http://127.0.0.1:8080/search?q=chair' --json\n";
+    "  stowra search 'http://127.0.0.1:8080/search?q=chair' --json\n"
+    "  stowra search oak chair --url-base http://127.0.0.1:8080\n";
 
 struct SearchOptions : RequestOptions {
   bool all = false;
@@ -131,7 +132,8 @@ void AddSearchCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<SearchOptions>();
   CLI::App& command = *app.add_subcommand("search", "Find models and collections");
   command.footer(kExamples);
-  AddWaitingOptions(command, *options);
+  AddWaitingOptions(command, *options, "URL", "URL of a search, or with --url-base words to find");
+  command.add_option("WORDS", options->words, "More words to find")->option_text(" ");
   command.add_flag(
       "--all", options->all,
       "Fetch the following pages, too; if one fails, print those before it and exit with "

@@ -24,7 +24,7 @@ bool SearchPages::Add(const ovrant_ustring& url) {
   urls_.insert(url);
   auto page = std::make_unique<ContentQuery>();
   page->max_qmf_version_ = max_qmf_version_;
-  if (!page->QueryFeed(url)) return false;
+  if (!session_.Repeat([&] { return page->QueryFeed(url); })) return false;
   TakeItems(*page);
   pages_.push_back(std::move(page));
   return true;

@@ -4,11 +4,16 @@
 #ifndef HOST_SESSION_H_
 #define HOST_SESSION_H_
 
+#include <atomic>
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/deadline.h"
 #include "host/exit_status.h"
+#include "host/failure_report.h"
 #include "host/main_loop.h"
 #include "host/notification_log.h"
 #include "host/request_options.h"
@@ -30,8 +35,9 @@ class Session {
   // Erases the progress and shows no more.
   void HideProgress() { transfers_.HideProgress(); }
 
-  // Lets RunInBackground return before its transfer has ended. Any thread.
+  // Lets RunInBackground return before its transfer has ended, and ends Repeat. Any thread.
   void Interrupt() {
+    is_interrupted_ = true;
     loop_.Post([] {});
   }
 
@@ -40,16 +46,28 @@ class Session {
   // notification when it fails.
   bool RunInBackground(const std::function<void()>& start, const char* success);
 
-  // Prints to stderr why the last request failed: the transfer's error, or an HTTP status other
-  // than 200 with the server's `message`, if any. If both were good, prints `unusable`, which says
-  // what is wrong with the response.
+  // Calls `attempt`, which makes one request and returns whether it succeeded. Calls it again after
+  // a pause while it fails in a way that may pass, as often as --retry allows. For requests that
+  // may be made twice.
+  bool Repeat(const std::function<bool()>& attempt) const;
+
+  // Reports why the last request failed: the transfer's error, or an HTTP status other than 200
+  // with the server's `message`. Without one, looks for it in the response. If error and status
+  // were good, prints `unusable`, which says what is wrong with the response.
   ExitStatus Fail(const std::string& unusable, const std::string& message = {}) const;
 
  private:
+  void Describe(const ovrant::internet::TransferEvent& end, const std::string& unusable,
+                const std::string& message, FailureReport& failure) const;
+  void Pause(std::chrono::seconds length) const;
+  [[noreturn]] void EndAtDeadline() const;
+
   const RequestOptions& options_;
+  std::atomic<bool> is_interrupted_{false};
   MainLoop loop_;
   TransferLog transfers_;
   NotificationLog notifications_;
+  std::optional<Deadline> deadline_;  // of --max-time
 };
 
 }  // namespace stowra

@@ -123,9 +123,11 @@ ExitStatus Run(const RequestOptions& options) {
   Session session(options, {success, UpdateQuery::kUpdateQueryFailedNotification});
   Query query;
   query.Init(options.url.c_str(), nullptr);
-  const bool succeeded =
-      options.async ? session.RunInBackground([&query] { query.AsynchronousRequest(); }, success)
-                    : query.SynchronousRequest();
+  const bool succeeded = session.Repeat([&] {
+    return options.async
+               ? session.RunInBackground([&query] { query.AsynchronousRequest(); }, success)
+               : query.SynchronousRequest();
+  });
   if (!succeeded) return session.Fail(query.fault());
   return WriteResult(options.json ? ToJson(query) : ToTable(query));
 }
@@ -138,6 +140,7 @@ void AddUpdateCommand(CLI::App& app, Task& chosen) {
       *app.add_subcommand("update", "Show the offered version, message and data files");
   command.footer(kExamples);
   AddRequestOptions(command, *options);
+  AddRetryOption(command, *options);
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
 }
 

@@ -8,8 +8,11 @@ using ovrant::utils::ovrant_ustring;
 
 ExitStatus AskForUploadConfig(const Session& session, const std::string& url,
                               UploadConfig& config) {
-  config.Init(ovrant_ustring(url.data(), url.size()));
-  if (config.SynchronousQuery()) return ExitStatus::kDone;
+  const bool received = session.Repeat([&] {
+    config.Init(ovrant_ustring(url.data(), url.size()));
+    return config.SynchronousQuery();
+  });
+  if (received) return ExitStatus::kDone;
   return session.Fail("it is not a complete upload configuration");
 }
 

@@ -80,9 +80,11 @@ ExitStatus Run(const RequestOptions& options) {
   Session session(options, {updated});
   Query query;
   query.Init(options.url.c_str(), nullptr);
-  const bool succeeded =
-      options.async ? session.RunInBackground([&query] { query.AsynchronousRequest(); }, updated)
-                    : query.SynchronousRequest();
+  const bool succeeded = session.Repeat([&] {
+    return options.async
+               ? session.RunInBackground([&query] { query.AsynchronousRequest(); }, updated)
+               : query.SynchronousRequest();
+  });
   if (!succeeded) return session.Fail(query.fault());
   return WriteResult(options.json ? ToJson(query) : ToTable(query));
 }
@@ -94,6 +96,7 @@ void AddUserInfoCommand(CLI::App& app, Task& chosen) {
   CLI::App& command = *app.add_subcommand("user-info", "Show who is signed in");
   command.footer(kExamples);
   AddRequestOptions(command, *options);
+  AddRetryOption(command, *options);
   command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
 }
 

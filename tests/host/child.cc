@@ -34,8 +34,10 @@ ChildProcess::Start WithDescriptors(const std::string& program, const Start& sta
   full.program = program;
   full.arguments = start.arguments;
   full.environment = start.environment;
-  full.withheld = {"NO_COLOR",    "TERM",      "http_proxy", "https_proxy", "all_proxy",
-                   "HTTPS_PROXY", "ALL_PROXY", "no_proxy",   "NO_PROXY"};
+  full.withheld = {"NO_COLOR",        "TERM",           "COLUMNS",         "http_proxy",
+                   "https_proxy",     "all_proxy",      "HTTPS_PROXY",     "ALL_PROXY",
+                   "no_proxy",        "NO_PROXY",       "STOWRA_URL_BASE", "STOWRA_HEADER",
+                   "STOWRA_MAX_TIME", "STOWRA_TIMEOUT", "STOWRA_CACERT",   "STOWRA_RETRY"};
   full.descriptors = {{in.number(), STDIN_FILENO}, {out, STDOUT_FILENO}, {err, STDERR_FILENO}};
   return full;
 }

@@ -24,8 +24,8 @@ TEST(ColourTest, ColoursOutputOnTerminal) {
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.out, HasSubstr("\x1B[1muser id\x1B[0m  u\r\n"));
   const Outcome message = ShowOnTerminal({"user-info", "x"}, {"TERM=xterm"});
-  EXPECT_EQ(message.status, 3);
-  EXPECT_THAT(message.out, HasSubstr("\x1B[31mstowra:\x1B[0m x: not an http"));
+  EXPECT_EQ(message.status, 2);
+  EXPECT_THAT(message.out, HasSubstr("\x1B[31mstowra:\x1B[0m URL: 'x' is not an http"));
 }
 
 TEST(ColourTest, WritesJsonWithoutColour) {
@@ -43,7 +43,7 @@ TEST(ColourTest, ObeysNoColorAndDumbTerminal) {
     EXPECT_THAT(result.out, HasSubstr("user id  u\r\n"));
     EXPECT_THAT(result.out, Not(HasSubstr(kEscape)));
     const Outcome message = ShowOnTerminal({"user-info", "x"}, environment);
-    EXPECT_THAT(message.out, HasSubstr("stowra: x: not an http"));
+    EXPECT_THAT(message.out, HasSubstr("stowra: URL: 'x' is not an http"));
     EXPECT_THAT(message.out, Not(HasSubstr(kEscape)));
   }
 }
@@ -60,7 +60,8 @@ TEST(ColourTest, WritesFilesWithoutColour) {
   start.environment = {"TERM=xterm"};
   EXPECT_THAT(RunProgram(kStowra, start).out, Not(HasSubstr(kEscape)));
   start.arguments = {"user-info", "x"};
-  EXPECT_EQ(RunProgram(kStowra, start).err, "stowra: x: not an http or https URL\n");
+  EXPECT_EQ(RunProgram(kStowra, start).err,
+            "stowra: URL: 'x' is not an http or https URL (see stowra user-info --help)\n");
 }
 
 }  // namespace

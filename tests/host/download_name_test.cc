@@ -76,6 +76,32 @@ TEST(DownloadNameTest, DropsFoldersFromHeaderName) {
   for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
 }
 
+TEST(DownloadNameTest, DropsHiddenCharactersDotsAndBlanks) {
+  const NameCase cases[] = {
+      {"filename=\"a\x07.qmf\"", "a.qmf"},
+      {"filename=\"a\x07\"", "a"},
+      {"filename=\"a\u009B31m.qmf\"", "a31m.qmf"},
+      {"filename=\"a\u2028.qmf\"", "a.qmf"},
+      {"filename=\"chair\u202Efmq.exe\"", "chairfmq.exe"},
+      {"filename=\"a\u200B\uFEFF.zip\"", "a.zip"},
+      {"filename=\"chair.qmf. . .\"", "chair.qmf"},
+      {"filename=\"chair.zip \"", "chair.zip"},
+  };
+  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+}
+
+TEST(DownloadNameTest, RefusesNamesOfDevices) {
+  for (const char* name : {"CON", "con.qmf", "Nul.txt", "AUX .zip", "prn", "COM1", "lpt9.kmz",
+                           "COM\u00B2.zip", "CONIN$"}) {
+    const std::string header = "filename=\"" + std::string(name) + "\"";
+    EXPECT_EQ(ChooseFileName(header.c_str(), kUrl), "model") << name;
+  }
+  for (const char* name : {"CONE.qmf", "COM.zip", "COM10.zip", "icon.qmf"}) {
+    const std::string header = "filename=\"" + std::string(name) + "\"";
+    EXPECT_EQ(ChooseFileName(header.c_str(), kUrl), name);
+  }
+}
+
 TEST(DownloadNameTest, IgnoresHeaderWithoutSafeName) {
   const char* const headers[] = {
       "",
@@ -86,7 +112,6 @@ TEST(DownloadNameTest, IgnoresHeaderWithoutSafeName) {
       "attachment; filename=\".profile\"",
       "attachment; filename=\"chair/\"",
       "attachment; filename=\"a\\\"b\"",
-      "attachment; filename=\"a\x07\"",
       "attachment; filename=\"-rf\"",
       "attachment; filename=-rf.zip",
       "attachment; filename=\"-rf.qmf\"",
@@ -102,9 +127,6 @@ TEST(DownloadNameTest, IgnoresHeaderWithoutSafeName) {
       "attachment; filename=\"chair.qmf/\"",
       "attachment; filename=\"chair.qmf/..\"",
       "attachment; filename=\"chair.qmf\\.\"",
-      "attachment; filename=\"a\x07.qmf\"",
-      "attachment; filename=\"a\u009B31m.qmf\"",
-      "attachment; filename=\"a\u2028.qmf\"",
       "attachment; filename=\"a\\\"b.qmf\"",
   };
   for (const char* header : headers) EXPECT_EQ(ChooseFileName(header, kUrl), "model") << header;
@@ -122,7 +144,7 @@ TEST(DownloadNameTest, FallsBackToUrlThenToDefault) {
       {"http://h/..", "download"},
       {"http://h/.profile", "download"},
       {"http://h/-rf", "download"},
-      {"http://h/a\nb", "download"},
+      {"http://h/nul", "download"},
       {"http://h?/x", "download"},
       {"nonsense/name", "download"},
       {"", "download"},

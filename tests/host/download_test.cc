@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <sys/stat.h>
 
+#include <atomic>
 #include <fstream>
 
 #include "tests/host/host_test.h"
@@ -226,13 +227,40 @@ TEST_F(DownloadTest, RefusesEmptyOutputName) {
   EXPECT_THAT(outcome.err, HasSubstr("must not be empty (see stowra download --help)"));
 }
 
-TEST_F(DownloadTest, RefusesDashAsOutput) {
+// A rename would replace the file behind standard output.
+TEST_F(DownloadTest, RefusesNamesOfOpenDescriptors) {
   const RawServer server(Always(Response(200, "new")));
-  const Outcome outcome = Run({server.Url(), "-o", "-"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err, HasSubstr("'-' does not mean standard output here"));
+  Make("log", "old\n");
+  std::filesystem::create_symlink("/dev/stdout", Path("link"));
+  for (const char* name : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1", "link"}) {
+    const Outcome outcome = Run({server.Url(), "-o", name}, "exec >>" + Path("log"));
+    EXPECT_EQ(outcome.status, 1) << name;
+    EXPECT_EQ(outcome.err, "stowra: " + std::string(name) + ": not a regular file\n");
+  }
   EXPECT_TRUE(server.requests().empty());
+  EXPECT_EQ(ReadFile(Path("log")), "old\n");
+}
+
+TEST_F(DownloadTest, RepeatsFailedDownload) {
+  std::atomic<int> count = 0;
+  const RawServer server([&count](const RawRequest&, RawConnection& connection) {
+    connection.Write(count++ == 0 ? Response(503, "", "Retry-After: 0\r\n")
+                                  : Response(200, "abc", kNamed));
+  });
+  EXPECT_EQ(Run({server.Url(), "--retry", "1", "--max-bytes", "1K"}).status, 0);
+  EXPECT_EQ(ReadFile(Path("Blue chair.qmf")), "abc");
+}
+
+TEST_F(DownloadTest, WritesToStandardOutput) {
+  const RawServer server(Always(Response(200, Content())));
+  const Outcome outcome = Run({server.Url(), "-o", "-"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.out == Content());
+  EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(Names(), NameList{});
+  const Outcome closed = Run({server.Url(), "-o", "-"}, "exec >&-");
+  EXPECT_EQ(closed.status, 1);
+  EXPECT_EQ(closed.err, "stowra: standard output: Bad file descriptor\n");
   EXPECT_EQ(Run({server.Url(), "-o", "./-"}).status, 0);
   EXPECT_EQ(Names(), NameList{"-"});
 }

@@ -6,12 +6,36 @@
 namespace stowra {
 namespace {
 
-TEST(ErrorMessageTest, PutsTextOnOneLine) {
+TEST(ErrorMessageTest, TakesTheFirstLineOfText) {
   EXPECT_EQ(ErrorMessage("text/plain", "no such model"), "no such model");
-  EXPECT_EQ(ErrorMessage("text/plain", " \r\n no\tsuch\r\n\r\n model \n"), "no such model");
-  EXPECT_EQ(ErrorMessage("text/plain", "a\x1B[31mb"), "a\\u001B[31mb");
+  EXPECT_EQ(ErrorMessage("text/plain", " \r\n no\tsuch  model \r\nat all\n"), "no such model");
+  EXPECT_EQ(ErrorMessage("text/plain", "a\x1B[31mb"), "a\x1B[31mb");
   EXPECT_EQ(ErrorMessage("text/plain", ""), "");
   EXPECT_EQ(ErrorMessage("text/plain", "\n"), "");
+}
+
+TEST(ErrorMessageTest, TakesTheMessageOfJson) {
+  const struct {
+    const char* body;
+    const char* message;
+  } cases[] = {
+      {R"({"error":"no such user"})", "no such user"},
+      {R"({"code":7,"message":"no such\nuser"})", "no such"},
+      {R"({"error":{"code":404,"message":"gone"}})", "gone"},
+      {R"({"title":"Gone","detail":"It is gone."})", "It is gone."},
+      {R"({"error":7})", ""},
+      {R"([1])", ""},
+      {"{\"broken\"\nmore", "{\"broken\""},
+  };
+  for (const auto& [body, message] : cases) {
+    EXPECT_EQ(ErrorMessage("application/json", body), message) << body;
+  }
+}
+
+TEST(ErrorMessageTest, TakesTheTitleOfHtml) {
+  EXPECT_EQ(ErrorMessage("text/html; charset=utf-8",
+                         "<html><title>\n  404\n  Not Found </title><h1>x</h1></html>"),
+            "404 Not Found");
 }
 
 TEST(ErrorMessageTest, ShowsOnlyTextTypes) {

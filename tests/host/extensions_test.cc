@@ -83,7 +83,7 @@ TEST_P(ExtensionsTest, ReportsFailure) {
   const bool async = *GetParam() != '\0';
   EXPECT_EQ(outcome.err,
             std::string(async ? "notification ExtensionStoreAsyncStatusFailed\n" : "") +
-                "stowra: " + url + ": HTTP status 500\n");
+                "stowra: " + url + ": HTTP status 500: this status is a fault on purpose\n");
 }
 
 TEST_P(ExtensionsTest, RefusesResponseWithoutStatus) {

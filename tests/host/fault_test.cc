@@ -15,7 +15,7 @@ struct FaultCase {
 };
 
 constexpr FaultCase kFaults[] = {
-    {"status:503", 4, "HTTP status 503"},
+    {"status:503", 4, "HTTP status 503: this status is a fault on purpose"},
     {"status:204", 4, "HTTP status 204"},
     {"stall:60", 3, "no data for 0\\.3 seconds"},
     {"truncate", 3, "[^\n]*closed[^\n]*"},
@@ -104,19 +104,29 @@ TEST_P(NoServerTest, ReportsRefusedConnectionInOneLine) {
   EXPECT_THAT(outcome.err, testing::MatchesRegex("stowra: " + url + ": [^\n]*connect[^\n]*\n"));
 }
 
-TEST_P(NoServerTest, ReportsUnsupportedUrlInOneLine) {
-  for (const std::string url : {"ftp://127.0.0.1/x", "file:///etc/passwd", "x", "http://", "-"}) {
+TEST_P(NoServerTest, ReportsUnsupportedUrlAsWrongUsage) {
+  for (const std::string url :
+       {"ftp://127.0.0.1/x", "file:///etc/passwd", "x", "http://", "-", "http://h/a b"}) {
     const Outcome outcome = RunInMode({"user-info", url});
-    EXPECT_EQ(outcome.status, 3) << url;
-    EXPECT_THAT(outcome.err, testing::StartsWith("stowra: " + url + ": "));
-    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+    EXPECT_EQ(outcome.status, 2) << url;
+    EXPECT_EQ(outcome.err, "stowra: URL: '" + url +
+                               "' is not an http or https URL (see stowra user-info --help)\n");
   }
 }
 
-TEST_P(NoServerTest, ReplacesControlCharactersInUrl) {
+// The library refuses what the program lets pass.
+TEST_P(NoServerTest, ReportsUrlThatCannotBeReadAsWrongUsage) {
+  const Outcome outcome = RunInMode({"user-info", "http://h:99999999/"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, testing::StartsWith("stowra: http://h:99999999/: "));
+}
+
+TEST_P(NoServerTest, EscapesControlCharactersInUrl) {
   const Outcome outcome = RunInMode({"user-info", "x\ny\x1B[31m"});
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.err, "stowra: x\\u000Ay\\u001B[31m: not an http or https URL\n");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err,
+            "stowra: URL: 'x\\u000Ay\\u001B[31m' is not an http or https URL (see stowra user-info "
+            "--help)\n");
 }
 
 }  // namespace

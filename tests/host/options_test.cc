@@ -3,8 +3,10 @@
 
 #include <signal.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 
 #include "tests/host/host_test.h"
 #include "tests/support/certificates.h"
@@ -55,10 +57,94 @@ TEST_P(OptionsTest, SendsEachHeaderToItsServerOnly) {
   EXPECT_FALSE(last.requests()[0].HasHeader("X-Nobody"));
 }
 
-TEST_P(OptionsTest, ReportsHeaderThatCannotBeSent) {
-  const Outcome outcome = RunInMode({"user-info", "http://127.0.0.1:1/", "--header", "a b: c"});
+TEST_P(OptionsTest, ReadsHeadersFromFiles) {
+  const RawServer server(Replies(kUser));
+  const TemporaryFolder folder;
+  const std::string file = (folder.path() / "headers").string();
+  std::ofstream(file) << "Authorization: Bearer s3cret\r\n\nX-Two: 2\n";
+  const Outcome outcome = RunInMode({"user-info", server.Url(), "--header", "@" + file});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  const Outcome to = RunInMode({"user-info", server.Url(), "--header-to", server.Url(), "@-"},
+                               "Authorization: Bearer s3cret\nX-Two: 2");
+  EXPECT_EQ(to.status, 0) << to.err;
+  ASSERT_EQ(server.requests().size(), 2U);
+  for (const RawRequest& request : server.requests()) {
+    EXPECT_EQ(request.Header("Authorization"), "Bearer s3cret");
+    EXPECT_EQ(request.Header("X-Two"), "2");
+  }
+}
+
+TEST_P(OptionsTest, ReportsHeaderFileWithoutItsSecrets) {
+  const TemporaryFolder folder;
+  const std::string file = (folder.path() / "headers").string();
+  std::ofstream(file) << "X-Good: 1\ns3cret\n";
+  const Outcome outcome = RunInMode({"user-info", "http://127.0.0.1:1/", "--header", "@" + file});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err,
+            "stowra: --header: " + file +
+                ", line 2: a header has the form \"Name: value\" (see stowra user-info "
+                "--help)\n");
+}
+
+TEST_P(OptionsTest, TakesOptionsFromEnvironment) {
+  const RawServer server(Replies(kUser));
+  Start start;
+  start.arguments = {"user-info"};
+  if (*GetParam() != '\0') start.arguments.emplace_back(GetParam());
+  start.environment = {"STOWRA_URL_BASE=" + server.Url("/api/"), "STOWRA_HEADER=X-Key: s3cret"};
+  EXPECT_EQ(RunProgram(kStowra, start).status, 0);
+  ASSERT_EQ(server.requests().size(), 1U);
+  EXPECT_EQ(server.requests()[0].target, "/api/user-info");
+  EXPECT_EQ(server.requests()[0].Header("X-Key"), "s3cret");
+  start.environment = {"STOWRA_URL_BASE=nonsense"};
+  const Outcome bad = RunProgram(kStowra, start);
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_THAT(bad.err, HasSubstr("'nonsense' is not an http or https URL"));
+}
+
+TEST_P(OptionsTest, EndsCommandAfterMaxTime) {
+  const RawServer server(Silence());
+  const Outcome outcome =
+      RunInMode({"user-info", server.Url(), "--max-time", "0.4", "--retry", "9"});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.err, "stowra: http://127.0.0.1:1/: a request header cannot be sent\n");
+  EXPECT_EQ(outcome.err,
+            "stowra: " + server.Url() + ": not done after 0.4 seconds (see --max-time)\n");
+}
+
+TEST_P(OptionsTest, RepeatsRequestUntilItSucceeds) {
+  std::atomic<int> count = 0;
+  const RawServer server([&count](const RawRequest&, RawConnection& connection) {
+    const bool fails = count++ < 2;
+    connection.Write(fails
+                         ? Response(503, "later", "Retry-After: 0\r\nContent-Type: text/plain\r\n")
+                         : Response(200, kUser));
+  });
+  const Outcome outcome = RunInMode({"user-info", server.Url(), "--retry", "2"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "stowra: warning: " + server.Url() +
+                             ": HTTP status 503; attempt 2 of 3 in 0 s\n"
+                             "stowra: warning: " +
+                             server.Url() + ": HTTP status 503; attempt 3 of 3 in 0 s\n");
+  EXPECT_EQ(server.requests().size(), 3U);
+}
+
+TEST_P(OptionsTest, GivesUpAfterTheLastRepetition) {
+  const RawServer server(
+      Always(Response(429, "too fast", "Retry-After: 0\r\nContent-Type: text/plain\r\n")));
+  const Outcome outcome = RunInMode({"user-info", server.Url(), "--retry", "1"});
+  EXPECT_EQ(outcome.status, 4);
+  EXPECT_THAT(outcome.err,
+              testing::EndsWith("stowra: " + server.Url() + ": HTTP status 429: too fast\n"));
+  EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST_P(OptionsTest, DoesNotRepeatOtherFailures) {
+  for (const std::string& response :
+       {Response(404, ""), Response(200, "{}"), Response(503, "", "Retry-After: 7200\r\n")}) {
+    const RawServer server(Always(response));
+    EXPECT_NE(RunInMode({"user-info", server.Url(), "--retry", "5"}).status, 0);
+    EXPECT_EQ(server.requests().size(), 1U);
+  }
 }
 
 TEST_P(OptionsTest, EndsStalledTransferAtTimeout) {

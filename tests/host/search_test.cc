@@ -274,10 +274,10 @@ TEST(SearchTest, PrintsTransfersWhenVerbose) {
   const Outcome outcome = RunStowra({"search", server.Url(), "--verbose"});
   EXPECT_THAT(outcome.err, EndsWith(": HTTP status 200, bytes sent 0, received " +
                                     std::to_string(body.size()) + "\n"));
-  const Outcome failed = RunStowra({"search", "ftp://x", "-v"});
+  const Outcome failed = RunStowra({"search", "http://h:99999999", "-v"});
   EXPECT_THAT(failed.err,
-              testing::MatchesRegex("\\* transfer 1, [0-9.]+ ms: GET ftp://x: not an http or "
-                                    "https URL\nstowra: [^\n]*\n"));
+              testing::MatchesRegex("\\* transfer 1, [0-9.]+ ms: GET http://h:99999999: [^\n]*\n"
+                                    "stowra: [^\n]*\n"));
 }
 
 TEST(SearchTest, FindsModelsOfTheEmulator) {
@@ -291,7 +291,22 @@ TEST(SearchTest, FindsModelsOfTheEmulator) {
   EXPECT_THAT(outcome.out, HasSubstr("  collection  "));
   const Outcome refused = RunStowra({"search", emulator.url() + "/search?count=0"});
   EXPECT_EQ(refused.status, 4);
-  EXPECT_EQ(refused.err, "stowra: " + emulator.url() + "/search?count=0: HTTP status 400\n");
+  EXPECT_THAT(refused.err, testing::MatchesRegex("stowra: " + emulator.url() +
+                                                 "/search\\?count=0: HTTP status 400: [^\n]+\n"));
+}
+
+TEST(SearchTest, FindsWordsWithUrlBase) {
+  const RawServer server(Always(Response(200, Feed({}))));
+  EXPECT_EQ(RunStowra({"search", "oak", "chair", "--url-base", server.Url("/api")}).status, 0);
+  EXPECT_EQ(RunStowra({"search", "--url-base", server.Url("/api")}).status, 0);
+  EXPECT_EQ(RunStowra({"search", "/find?q=x", "--url-base", server.Url("/api")}).status, 0);
+  EXPECT_EQ(RunStowra({"search", server.Url("/there"), "--url-base", "http://h"}).status, 0);
+  const auto requests = server.requests();
+  ASSERT_EQ(requests.size(), 4U);
+  EXPECT_EQ(requests[0].target, "/api/search?q=oak%20chair");
+  EXPECT_EQ(requests[1].target, "/api/search");
+  EXPECT_EQ(requests[2].target, "/find?q=x");
+  EXPECT_EQ(requests[3].target, "/there");
 }
 
 }  // namespace

@@ -69,8 +69,8 @@ TEST_P(UpdateTest, PostsAndReportsFailure) {
   const Outcome outcome = RunInMode({"update", url, "--notifications"});
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err,
-            "notification UpdateQueryAsyncFailed\nstowra: " + url + ": HTTP status 404\n");
+  EXPECT_EQ(outcome.err, "notification UpdateQueryAsyncFailed\nstowra: " + url +
+                             ": HTTP status 404: this status is a fault on purpose\n");
 }
 
 TEST_P(UpdateTest, ReportsWhatIsWrongWithTheResponse) {

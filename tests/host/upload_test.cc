@@ -147,8 +147,8 @@ TEST_F(UploadTest, StopsAtRefusedFile) {
 }
 
 TEST_F(UploadTest, PrintsTheServersMessage) {
-  const RawServer server(
-      Service(1, Response(400, "the\nmodel\x1B[31m is broken", "Content-Type: text/plain\r\n")));
+  const RawServer server(Service(
+      1, Response(400, "the model\x1B[31m is broken\nor not", "Content-Type: text/plain\r\n")));
   const Outcome outcome = RunStowra(Command(server, {MakeFile("a.qmf", "1")}));
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.err, "stowra: " + server.Url("/0") + kQuery +

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <sstream>
+
 #include "common_stowraapi/version.h"
 #include "tests/host/host_test.h"
 
@@ -18,7 +20,19 @@ struct UsageCase {
 const UsageCase kWrongUsages[] = {
     {{}, "a command is needed (see stowra --help)"},
     {{"nonsense"}, "nonsense"},
-    {{"--json"}, "--json"},
+    {{"-j"}, "-j"},
+    {{"serach", kUrl}, "did you mean search? (see stowra --help)"},
+    {{"upload-confg", kUrl}, "did you mean upload-config?"},
+    {{"search", kUrl, "--jsno"}, "--jsno; did you mean --json? (see stowra search --help)"},
+    {{"search", kUrl, "--time-out=5"}, "did you mean --timeout?"},
+    {{"user-info", "ftp://h/x"}, "URL: 'ftp://h/x' is not an http or https URL"},
+    {{"user-info", "--url-base", "h"}, "--url-base: 'h' is not an http or https URL"},
+    {{"search", "chair"}, "'chair' is not an http or https URL; words need --url-base"},
+    {{"search", kUrl, "chair"}, "WORDS: they do not go with a URL"},
+    {{"download", "--url-base", kUrl}, "URL is required"},
+    {{"update", kUrl, "--retry", "-1"}, "'-1' is not a number from 0 to 100"},
+    {{"update", kUrl, "--max-time", "0"}, "'0' is not a number of seconds"},
+    {{"extensions", kUrl, "--body", "x", "--retry", "1"}, "--retry"},
     {{"user-info"}, "URL is required (see stowra user-info --help)"},
     {{"user-info", ""}, "must not be empty (see stowra user-info --help)"},
     {{"user-info", kUrl, "more"}, "more"},
@@ -33,12 +47,14 @@ const UsageCase kWrongUsages[] = {
     {{"update", kUrl, "--timeout", "1000001"},
      "'1000001' is not a number of seconds above 0 and up to 1000000"},
     {{"update", kUrl, "--header"}, "--header"},
-    {{"update", kUrl, "--header", "no colon"}, "'no colon' is not of the form"},
-    {{"update", kUrl, "--header", " : no name"}, "is not of the form"},
-    {{"update", kUrl, "--header", "two\nlines"}, "is not of the form"},
+    {{"update", kUrl, "--header", "no colon"}, "a header has the form \"Name: value\""},
+    {{"update", kUrl, "--header", " : no name"}, "'' cannot be the name of a header"},
+    {{"update", kUrl, "--header", "a b: c"}, "'a b' cannot be the name of a header"},
+    {{"update", kUrl, "--header", "A: two\nB: lines"}, "must not contain a line break"},
+    {{"update", kUrl, "--header", "@/nowhere/h"}, "/nowhere/h: No such file"},
     {{"update", kUrl, "--header-to", kUrl}, "--header-to"},
-    {{"update", kUrl, "--header-to", kUrl, "no colon"}, "'no colon' is not of the form"},
-    {{"update", kUrl, "--header-to", "Name: value", kUrl}, "does not begin with http://"},
+    {{"update", kUrl, "--header-to", kUrl, "no colon"}, "a header has the form"},
+    {{"update", kUrl, "--header-to", "Name: value", kUrl}, "is not an http or https URL"},
     {{"update", kUrl, "--cacert", "/nowhere/ca.pem"}, "/nowhere/ca.pem"},
     {{"extensions", kUrl}, "--body is required (see stowra extensions --help)"},
     {{"search"}, "URL is required (see stowra search --help)"},
@@ -51,7 +67,7 @@ const UsageCase kWrongUsages[] = {
     {{"search", kUrl, "--max-qmf-version", "2147483648"}, "'2147483648' is not a version number"},
     {{"download", kUrl, "--max-bytes", "0"}, "'0' is not a number of bytes above 0"},
     {{"download", kUrl, "--max-bytes", "-1"}, "'-1' is not a number of bytes above 0"},
-    {{"download", kUrl, "--max-bytes", "4G"}, "'4G' is not a number of bytes above 0"},
+    {{"download", kUrl, "--max-bytes", "4X"}, "'4X' is not a number of bytes above 0"},
     {{"download", kUrl, "--max-bytes", "18446744073709551616"}, "is not a number of bytes above 0"},
     {{"upload-config", kUrl, "--async"}, "--async"},
     {{"download", kUrl, "--async"}, "--async"},
@@ -72,6 +88,33 @@ TEST(UsageTest, ReportsWrongUsageInOneLine) {
     EXPECT_THAT(outcome.err, StartsWith("stowra: ")) << testing::PrintToString(arguments);
     EXPECT_THAT(outcome.err, HasSubstr(message));
     EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+  }
+}
+
+TEST(UsageTest, ReportsWrongUsageAsJson) {
+  const Outcome outcome = RunStowra({"search", "chair", "--json"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.out,
+            R"({"error":{"reason":"usage","message":"URL: 'chair' is not an http or https URL; )"
+            R"(words need --url-base (see stowra search --help)","url":"","status":0,)"
+            R"("server_message":""}})"
+            "\n");
+  EXPECT_THAT(outcome.err, StartsWith("stowra: URL: 'chair' is not"));
+}
+
+TEST(UsageTest, HelpFitsTheTerminal) {
+  for (const char* command : {"search", "upload", "extensions"}) {
+    Start start;
+    start.arguments = {command, "--help"};
+    for (const std::size_t width : {std::size_t{60}, std::size_t{80}}) {
+      if (width != 80) start.environment = {"COLUMNS=" + std::to_string(width)};
+      if (width == 80) start.environment.clear();
+      std::istringstream lines(RunProgram(kStowra, start).out);
+      for (std::string line; std::getline(lines, line);) {
+        const bool is_one_word = line.find_first_of(' ', line.find_first_not_of(' ')) >= width;
+        EXPECT_TRUE(line.size() <= width || is_one_word) << line;
+      }
+    }
   }
 }
 

@@ -52,7 +52,8 @@ TEST_P(UserInfoTest, ReportsFailureThatIsNotPosted) {
   const Outcome outcome = RunInMode({"user-info", url, "--notifications"});
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "stowra: " + url + ": HTTP status 503\n");
+  EXPECT_EQ(outcome.err,
+            "stowra: " + url + ": HTTP status 503: this status is a fault on purpose\n");
 }
 
 TEST_P(UserInfoTest, ReportsWhatIsWrongWithTheResponse) {
