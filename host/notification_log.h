@@ -21,7 +21,9 @@ class NotificationLog : public ovrant::IObserver {
   NotificationLog(const NotificationLog&) = delete;
   NotificationLog& operator=(const NotificationLog&) = delete;
 
+  // Since the last Forget.
   bool HasArrived(const char* name) const;
+  void Forget() { arrived_.clear(); }
 
   void OnNotification(const char* name, void* payload) override;
   using IObserver::OnNotification;

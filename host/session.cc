@@ -46,6 +46,7 @@ Session::Session(const RequestOptions& options, const std::vector<const char*>& 
 }
 
 bool Session::RunInBackground(const std::function<void()>& start, const char* success) {
+  notifications_.Forget();
   start();
   loop_.RunNext();
   return notifications_.HasArrived(success);
