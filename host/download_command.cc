@@ -175,6 +175,7 @@ class Downloader {
     Complain("interrupted");
     AdviseToContinue(*sink_);
     sink_->Close();
+    signals_.Stop();
     SignalWatcher::DieOf(signal_);
     return ExitStatus::kCannotRun;
   }

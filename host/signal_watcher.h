@@ -32,7 +32,7 @@ class SignalWatcher {
   // Ends the calls. Signals wait again, and are delivered after the destructor.
   void Stop();
 
-  // Ends the program by `signal`. May run inside the action or after the watcher.
+  // Ends the program by `signal`. Only inside the action, or after Stop.
   static void DieOf(int signal);
 
  private:

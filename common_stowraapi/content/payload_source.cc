@@ -4,39 +4,40 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <optional>
 #include <utility>
 
 #include "common_stowraapi/content/payload_frame.h"
-#include "common_stowraapi/platform/file_source.h"
 
 namespace ovrant::stowraapiclient::multipartupload {
 
 using ovrant::internet::BodySource;
-using ovrant::internet::FileSource;
 using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-// Gives the text before the file, the file, and the text after it.
+// Gives the text before the file, the file, and the text after it. Reads the file by itself: a host
+// may bring a platform that has no FileSource.
 class PayloadSource final : public BodySource {
  public:
-  PayloadSource(PayloadFrame frame, const std::string& path)
-      : frame_(std::move(frame)), content_(path) {}
+  PayloadSource(PayloadFrame frame, const std::string& path) : frame_(std::move(frame)) {
+    content_.open(path, std::ios::in | std::ios::binary);
+  }
 
-  // 0, or an errno.
-  int error() const { return content_.error(); }
+  bool is_open() const { return content_.is_open(); }
 
+  // A pipe cannot go back, and need not before its first byte is read.
   bool Rewind() override {
     place_ = Place::kBefore;
     read_ = 0;
-    return content_.Rewind();
+    return !std::exchange(has_read_, false) || content_.pubseekpos(0) == std::streampos(0);
   }
 
   std::optional<std::uint64_t> Length() override {
-    const auto length = content_.Length();
-    if (!length) return std::nullopt;
-    return frame_.before.size() + *length + frame_.after.size();
+    const std::streamoff length = content_.pubseekoff(0, std::ios::end);
+    if (length < 0 || content_.pubseekpos(0) != std::streampos(0)) return std::nullopt;
+    return frame_.before.size() + static_cast<std::uint64_t>(length) + frame_.after.size();
   }
 
   bool Read(unsigned char* data, std::size_t size, std::size_t& count) override {
@@ -46,7 +47,9 @@ class PayloadSource final : public BodySource {
       place_ = Place::kContent;
     }
     if (place_ == Place::kContent) {
-      if (!content_.Read(data, size, count)) return false;
+      has_read_ = true;
+      count = static_cast<std::size_t>(
+          content_.sgetn(reinterpret_cast<char*>(data), static_cast<std::streamsize>(size)));
       if (count > 0) return true;
       place_ = Place::kAfter;
       read_ = 0;
@@ -65,7 +68,8 @@ class PayloadSource final : public BodySource {
   }
 
   const PayloadFrame frame_;
-  FileSource content_;
+  std::filebuf content_;
+  bool has_read_ = false;
   Place place_ = Place::kBefore;
   std::size_t read_ = 0;  // of the text at this place
 };
@@ -77,9 +81,8 @@ std::unique_ptr<BodySource> MakePayloadSource(const ovrant_ustring& subject_id,
                                               const std::string& boundary) {
   auto source =
       std::make_unique<PayloadSource>(MakePayloadFrame(subject_id, *file, boundary), path);
-  if (source->error() == 0) return source;
-  errno = source->error();
-  return nullptr;
+  if (!source->is_open()) return nullptr;
+  return source;
 }
 
 }  // namespace ovrant::stowraapiclient::multipartupload

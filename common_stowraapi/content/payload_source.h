@@ -23,7 +23,7 @@ namespace ovrant::stowraapiclient::multipartupload {
 // Content-Length of CreateHeaderDictionary it is right for a body of any size.
 //
 // Null, with the reason in errno, when the file cannot be opened. Throws std::bad_alloc when memory
-// runs out. The file may not change until it is sent (FileSource).
+// runs out. A file that grows or shrinks while it is sent makes the upload fail.
 STOWRA_EXPORT std::unique_ptr<internet::BodySource> MakePayloadSource(
     const utils::ovrant_ustring& subject_id, const UploadFile* file, const std::string& path,
     const std::string& boundary);

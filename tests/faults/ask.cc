@@ -173,6 +173,11 @@ bool IsBlocking(Way way) {
          way == Way::kUploadFrom;
 }
 
+bool IsUpload(Way way) {
+  return way == Way::kSendAndRead || way == Way::kUploadWithDelegate || way == Way::kUploadFrom ||
+         way == Way::kUploadFromWithDelegate;
+}
+
 std::string TextOf(const Answer& answer) {
   if (!answer.received) {
     return std::string(NameOf(answer.error)) + ", status " + std::to_string(answer.status);

@@ -24,6 +24,7 @@ enum class Way {
 };
 
 bool IsBlocking(Way way);
+bool IsUpload(Way way);
 
 const char* NameOf(Way way);
 

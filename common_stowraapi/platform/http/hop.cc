@@ -228,8 +228,9 @@ void Hop::AddTimes(TransferTimes& times) const {
   AddSpan(0, name, times.name);
   AddSpan(name, connect, times.connect);
   AddSpan(connect, Moment(easy, CURLINFO_APPCONNECT_TIME_T), times.tls);
-  AddSpan(Moment(easy, CURLINFO_PRETRANSFER_TIME_T), Moment(easy, CURLINFO_STARTTRANSFER_TIME_T),
-          times.first_byte);
+  // For libcurl a reply has begun when the first byte of an upload has gone out.
+  if (!requested_at_ || !replied_at_) return;
+  times.first_byte += std::chrono::duration<double>(*replied_at_ - *requested_at_).count();
 }
 
 // Programs that the host starts must not inherit the connection.
@@ -248,6 +249,7 @@ int Hop::OnOpenSocket(int family, int type, int protocol) noexcept {
 
 bool Hop::OnRequest(const char* remote_ip, int local_port, int remote_port) noexcept {
   is_connecting_ = false;
+  requested_at_ = std::chrono::steady_clock::now();
   ++progress_;
   socket_ = sockets_.Find(local_port, remote_port);
   sockets_.Settle(this, socket_);
@@ -263,6 +265,7 @@ bool Hop::OnRequest(const char* remote_ip, int local_port, int remote_port) noex
 }
 
 bool Hop::OnHeaderLine(std::string_view line) noexcept {
+  if (!replied_at_) replied_at_ = std::chrono::steady_clock::now();
   if (StartsWithIgnoringCase(line, "HTTP/2")) sockets_.SetFramed(socket_);
   const bool is_trailer = decoder_.head().complete();
   try {

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 #include "common_stowraapi/platform/http/connection_sockets.h"
@@ -114,6 +115,8 @@ class Hop {
   bool found_unfit_connection_ = false;
   bool watches_tls_ = false;
   bool tls_ended_ = false;  // the server has sent close_notify
+  std::optional<std::chrono::steady_clock::time_point> requested_at_;
+  std::optional<std::chrono::steady_clock::time_point> replied_at_;
   std::size_t sent_bytes_ = 0;
   std::size_t unsent_bytes_ = 0;
   std::size_t progress_ = 0;

@@ -18,8 +18,11 @@ class ErrorReplyTest : public TransportTest {
   static TransferEvent EndAfter(const std::string& response) {
     TransferEvent end;
     InternetData::SetTransferListener([&end](const TransferEvent& event) {
-      if (event.kind == TransferEvent::Kind::kEnded) end = event;
-      if (event.kind != TransferEvent::Kind::kEnded) EXPECT_EQ(event.error_body, "");
+      if (event.kind == TransferEvent::Kind::kEnded) {
+        end = event;
+      } else {
+        EXPECT_EQ(event.error_body, "");
+      }
     });
     const RawServer server(Always(response));
     InternetData transport(Text(server.Url()));

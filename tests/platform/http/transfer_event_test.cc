@@ -71,10 +71,9 @@ TEST_F(TransferEventTest, NumbersAreDistinctAndGrow) {
 TEST_F(TransferEventTest, MethodIsTheOneOfTheStart) {
   const RawServer server(Always(Response(303, "", "Location: " + hello_.Url() + "\r\n")));
   for (const Way way : kAllWays) {
-    const bool is_upload = way == Way::kSendAndRead || way == Way::kUploadWithDelegate;
     Ask(way, server.Url(), "data");
     for (const TransferEvent& event : TakeEvents()) {
-      EXPECT_STREQ(event.method, is_upload ? "POST" : "GET");
+      EXPECT_STREQ(event.method, IsUpload(way) ? "POST" : "GET");
     }
   }
 }
