@@ -6,7 +6,8 @@
 # GoogleTest are built with libstdc++: with it the programs are linked and some tests run, with libc++ a small program
 # that uses the library runs. Run it in the project's folder.
 set -uo pipefail
-build=$1
+mkdir -p "$1"
+build=$(cd "$1" && pwd)
 shift
 if [ $# -eq 0 ]; then
   for type in Release Debug; do
@@ -14,7 +15,6 @@ if [ $# -eq 0 ]; then
       "clang++-19:libstdc++:$type"
   done
 fi
-mkdir -p "$build"
 failed=0
 
 # try ROW TREE: builds one row. Prints what ran.
@@ -34,7 +34,7 @@ try() {
     grep '\[  PASSED  \]' "$2.log" | sed 's/.*\] //; s/\.$//' | paste -sd ' '
   else
     "$compiler" -std=c++17 -stdlib=libc++ -I. tests/install/consumer/consumer.cc -o "$2/consumer" \
-      -L"$2/common_stowraapi" -Wl,-rpath,"$PWD/$2/common_stowraapi" -lCommonStowraapi -lCommonStowraapiPlatform \
+      -L"$2/common_stowraapi" -Wl,-rpath,"$2/common_stowraapi" -lCommonStowraapi -lCommonStowraapiPlatform \
       >>"$2.log" 2>&1 && "$2/consumer" >>"$2.log" 2>&1 || return 1
     echo "a program that uses it ran"
   fi
