@@ -9,7 +9,7 @@ set -euo pipefail
 build=$1
 records=$(cd "$(dirname "$0")" && pwd)
 
-cmake --preset release -B "$build" -DCMAKE_CXX_COMPILER=g++ -DCMAKE_BUILD_TYPE= -DCMAKE_CXX_FLAGS=-g \
+cmake --preset release -B "$build" -DCMAKE_CXX_COMPILER=g++ -DCMAKE_BUILD_TYPE= -DCMAKE_CXX_FLAGS=-g -DCMAKE_UNITY_BUILD=ON \
   -DSTOWRA_BUILD_TESTS=OFF -DSTOWRA_BUILD_PROGRAMS=OFF >"$build.log" || { cat "$build.log" >&2; exit 1; }
 rm "$build.log"
 cmake --build "$build" >&2
