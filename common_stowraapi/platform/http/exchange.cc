@@ -163,6 +163,7 @@ StringMap HttpExchange::HeadersFor(const std::string& url, bool is_first_origin)
 void HttpExchange::AskAgain() {
   redirects_ = 0;
   next_ = FirstHop();
+  hop_->AddTimes(times_);
   hop_.reset();
 }
 
