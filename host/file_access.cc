@@ -159,7 +159,7 @@ bool LeadsToDescriptor(std::filesystem::path file) {
     if (error) return false;
     file = folder / target;
   }
-  return true;
+  return false;
 }
 
 // Resolves symbolic links. Calls stat() first, since realpath() fails for a link to an unnamed

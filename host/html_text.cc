@@ -66,6 +66,7 @@ class Scanner {
       line += rest_.substr(0, begin);
       rest_.remove_prefix(begin);
       is_title = in_title_;
+      if (rest_.empty()) break;
       if (!SkipTag() && !IsBlank(line)) return true;
       if (IsBlank(line)) line.clear();
     }

@@ -129,6 +129,7 @@ void AddUrl(CLI::App& command, RequestOptions& options, const char* name, const 
       ->envname("STOWRA_URL_BASE")
       ->check(CLI::Validator(CheckWebUrl, ""));
   command.parse_complete_callback([&command, &options, url_name = std::string(name)] {
+    if (command.remaining_size() > 0) return;  // CLI11 refuses these arguments later
     ReadHeaderFiles(options);
     CompleteUrl(command.get_name(), url_name, options);
   });

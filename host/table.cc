@@ -64,7 +64,8 @@ void Table::AddRow(const std::vector<std::string>& cells) {
 std::string Table::ToText(bool coloured, std::size_t limit) const {
   if (rows_.empty()) return {};
   const bool is_limited = limit != kNoWidthLimit;
-  std::vector<std::size_t> widths = WidthsOf(rows_, is_limited ? limit : kWidestColumn);
+  std::vector<std::size_t> widths =
+      WidthsOf(rows_, is_limited ? std::max(limit, kNarrowestColumn) : kWidestColumn);
   if (is_limited) Fit(limit, widths);
   std::string text;
   for (std::size_t row = 0; row < rows_.size(); ++row) {

@@ -258,9 +258,9 @@ TEST_F(DownloadTest, WritesToStandardOutput) {
   EXPECT_TRUE(outcome.out == Content());
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(Names(), NameList{});
-  const Outcome closed = Run({server.Url(), "-o", "-"}, "exec >&-");
-  EXPECT_EQ(closed.status, 1);
-  EXPECT_EQ(closed.err, "stowra: standard output: Bad file descriptor\n");
+  const Outcome full = Run({server.Url(), "-o", "-"}, "exec >/dev/full");
+  EXPECT_EQ(full.status, 1);
+  EXPECT_EQ(full.err, "stowra: standard output: No space left on device\n");
   EXPECT_EQ(Run({server.Url(), "-o", "./-"}).status, 0);
   EXPECT_EQ(Names(), NameList{"-"});
 }

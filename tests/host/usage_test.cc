@@ -96,7 +96,7 @@ TEST(UsageTest, ReportsWrongUsageAsJson) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.out,
             R"({"error":{"reason":"usage","message":"URL: 'chair' is not an http or https URL; )"
-            R"(words need --url-base (see stowra search --help)","url":"","status":0,)"
+            R"_(words need --url-base (see stowra search --help)","url":"","status":0,)_"
             R"("server_message":""}})"
             "\n");
   EXPECT_THAT(outcome.err, StartsWith("stowra: URL: 'chair' is not"));
