@@ -3,37 +3,16 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <cstddef>
-
 #include "host/json_values.h"
 #include "host/terminal.h"
 
 namespace stowra {
 
-using ovrant::internet::TransferError;
 using ovrant::json::Document;
 using ovrant::json::Value;
 using ovrant::utils::ovrant_ustring;
 
 namespace {
-
-// In the order of the enumerators.
-constexpr std::array<const char*, 15> kErrors = {"none",
-                                                 "bad-url",
-                                                 "name-not-found",
-                                                 "not-connected",
-                                                 "tls",
-                                                 "silent",
-                                                 "cut-off",
-                                                 "malformed",
-                                                 "too-large",
-                                                 "encoding",
-                                                 "too-many-redirects",
-                                                 "forbidden-redirect",
-                                                 "dropped",
-                                                 "out-of-memory",
-                                                 "body"};
 
 std::string ToJson(const FailureReport& failure) {
   Document document;
@@ -48,11 +27,6 @@ std::string ToJson(const FailureReport& failure) {
 }
 
 }  // namespace
-
-const char* NameOf(TransferError error) {
-  const auto index = static_cast<std::size_t>(error);
-  return index < kErrors.size() ? kErrors[index] : "unknown";
-}
 
 ExitStatus Report(const FailureReport& failure, bool json) {
   const std::string place = failure.url.empty() ? "" : failure.url + ": ";

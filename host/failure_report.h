@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "common_stowraapi/platform/transfer_types.h"
 #include "host/exit_status.h"
 
 namespace stowra {
@@ -19,9 +18,6 @@ struct FailureReport {
   int status = 0;              // HTTP; 0 without a response
   std::string server_message;  // may be empty
 };
-
-// Such as "not-connected".
-const char* NameOf(ovrant::internet::TransferError error);
 
 // Prints a line to stderr, and with `json` the object {"error": {...}} to stdout. Returns the exit
 // status.

@@ -14,6 +14,7 @@
 #include "host/failure_report.h"
 #include "host/retry.h"
 #include "host/terminal.h"
+#include "host/trace_record.h"
 
 namespace stowra {
 
@@ -94,7 +95,7 @@ void Session::Describe(const TransferEvent& end, const std::string& unusable,
   if (!end.error.empty()) {
     const bool is_usage = end.reason == TransferError::kBadUrl && failure.url == options_.url;
     if (is_usage) failure.exit_status = ExitStatus::kUsage;
-    failure.reason = NameOf(end.reason);
+    failure.reason = WordOf(end.reason);
     failure.message = ReasonOf(end, options_.max_bytes);
   } else if (end.status != kHttpOk) {
     failure.exit_status = ExitStatus::kHttpStatus;
