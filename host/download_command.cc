@@ -6,7 +6,6 @@
 #include <CLI/CLI.hpp>
 #include <atomic>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,8 +46,6 @@ constexpr char kExamples[] =
 constexpr int kHttpOk = 200;
 constexpr int kHttpPartialContent = 206;
 constexpr char kStandardOutput[] = "-";
-
-constexpr unsigned long kMostBytes = std::numeric_limits<unsigned long>::max();
 
 // Posted by the transfer of this command alone.
 constexpr char kReceived[] = "StowraDownloadReceived";

@@ -38,7 +38,7 @@ void ExpectRow(const std::string& what, const std::string& limit) {
 }
 
 TEST(SecurityPageTest, StatesTheLimitsOfReplies) {
-  ExpectRow("body of a reply, decoded",
+  ExpectRow("body of a reply, decoded, in memory",
             std::to_string(HttpRequest::kDefaultBodyCap / kMib) + " MiB,");
   ExpectRow("header lines of a reply",
             std::to_string(ResponseHead::kMaxBytes / kKib) + " KiB with");
