@@ -18,6 +18,7 @@
 #include "host/download_sink.h"
 #include "host/error_message.h"
 #include "host/file_access.h"
+#include "host/http_status.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
 #include "host/session.h"
@@ -43,7 +44,6 @@ constexpr char kExamples[] =
     "The file is called FILE.part until it is whole. A download that breaks off keeps it, if the\n"
     "server says how to recognise the file. FILE.part.validator tells that.\n";
 
-constexpr int kHttpOk = 200;
 constexpr int kHttpPartialContent = 206;
 constexpr char kStandardOutput[] = "-";
 

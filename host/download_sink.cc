@@ -4,18 +4,13 @@
 #include <utility>
 
 #include "host/download_name.h"
+#include "host/http_status.h"
 #include "host/response_headers.h"
 
 namespace stowra {
 
 using ovrant::internet::FileSink;
 using ovrant::utils::StringMap;
-
-namespace {
-
-constexpr int kHttpOk = 200;
-
-}  // namespace
 
 DownloadSink::DownloadSink(const std::string& file, std::string url, bool continues)
     : url_(std::move(url)), file_(file) {

@@ -12,6 +12,7 @@
 #include "common_stowraapi/platform/internet_data.h"
 #include "host/error_message.h"
 #include "host/failure_report.h"
+#include "host/http_status.h"
 #include "host/retry.h"
 #include "host/terminal.h"
 #include "host/trace_record.h"
@@ -23,8 +24,6 @@ using ovrant::internet::TransferError;
 using ovrant::internet::TransferEvent;
 
 namespace {
-
-constexpr int kHttpOk = 200;
 
 std::string ReasonOf(const TransferEvent& end, unsigned long max_bytes) {
   const bool is_limit = max_bytes > 0 && end.reason == TransferError::kTooLarge &&

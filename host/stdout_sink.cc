@@ -4,13 +4,9 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "host/http_status.h"
+
 namespace stowra {
-
-namespace {
-
-constexpr int kHttpOk = 200;
-
-}  // namespace
 
 StdoutSink::Choice StdoutSink::Begin(int status, const ovrant::utils::StringMap& /*headers*/) {
   return status == kHttpOk ? Choice::kTake : Choice::kLeave;

@@ -16,6 +16,7 @@
 #include "host/commands.h"
 #include "host/failure_report.h"
 #include "host/file_access.h"
+#include "host/http_status.h"
 #include "host/request_options.h"
 #include "host/service_url.h"
 #include "host/session.h"
@@ -37,8 +38,6 @@ constexpr char kExamples[] =
     "Exits with status 0 if everything was kept, and 1 if something was dropped or missing. Lines "
     "with ! tell of a loss, lines with - of what may be missing. An asterisk marks the file that "
     "is offered for download.\n";
-
-constexpr int kHttpOk = 200;
 
 struct CheckOptions : RequestOptions {
   std::string kind;
