@@ -191,7 +191,13 @@ TEST_F(ConsoleTest, EventsLeaveOutTheConsoleAndBoundWhatTheyShow) {
 }
 
 TEST_F(ConsoleTest, EventsGoOnAfterTheLastOneSeen) {
-  for (const char* target : {"/update", "/user-info", "/search"}) Get(target);
+  RawClient first(emulator_.port());
+  first.Send(GetRequest("/-/events"));
+  for (const char* target : {"/update", "/user-info", "/search"}) {
+    Get(target);
+    EXPECT_EQ(NextEvent(first).at("target"),
+              target);  // they are noted when they have been answered
+  }
   RawClient events(emulator_.port());
   events.Send("GET /-/events HTTP/1.1\r\nHost: h\r\nLast-Event-ID: 2\r\n\r\n");
   EXPECT_EQ(NextEvent(events).at("target"), "/search");

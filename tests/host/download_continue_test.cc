@@ -143,7 +143,8 @@ TEST_F(DownloadContinueTest, InterruptLeavesNothingUseless) {
 }
 
 TEST_F(DownloadContinueTest, PrintsTheServersMessage) {
-  const RawServer server(Always(Response(403, "not\nyours", "Content-Type: text/plain\r\n")));
+  const RawServer server(
+      Always(Response(403, "not yours\nask again", "Content-Type: text/plain\r\n")));
   const Outcome outcome = Run({server.Url(), "-o", "x"});
   EXPECT_EQ(outcome.status, 4);
   EXPECT_EQ(outcome.err, "stowra: " + server.Url() + ": HTTP status 403: not yours\n");
