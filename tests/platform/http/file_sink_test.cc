@@ -103,7 +103,9 @@ class FileSinkTest : public BodyFixture {
   // Downloads `thing` to "x" with a new sink.
   Answer Fetch(const Thing& thing, FileSink::Start start = FileSink::Start::kContinue,
                FileSink::Existing existing = FileSink::Existing::kReplace) {
-    server_ = std::make_unique<RawServer>(Serve(thing));
+    server_.reset();
+    served_ = thing;
+    server_ = std::make_unique<RawServer>(Serve(served_));
     auto sink = std::make_shared<FileSink>(Path(), start, existing);
     const Answer answer = Download(server_->Url(), sink);
     error = sink->error();
@@ -132,6 +134,7 @@ class FileSinkTest : public BodyFixture {
   RawRequest First() const { return server_->requests().at(0); }
 
   const TemporaryFolder folder_;
+  Thing served_;  // outlives the server
   std::unique_ptr<RawServer> server_;
 
   // Of the last Fetch.
