@@ -49,7 +49,7 @@ bool IsCoded(const StringMap& headers) {
 // The strong validator of a reply. Empty without one.
 std::string FindValidator(const StringMap& headers) {
   if (IsCoded(headers)) return {};
-  const std::string etag = Find(headers, "ETag");
+  std::string etag = Find(headers, "ETag");
   if (!etag.empty() && IsEtag(etag)) return etag;
   const std::string modified = Find(headers, "Last-Modified");
   const std::time_t then = curl_getdate(modified.c_str(), nullptr);
