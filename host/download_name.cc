@@ -44,8 +44,9 @@ bool IsDevice(std::string_view name) {
   std::string stem(name.substr(0, name.find('.')));
   stem.erase(stem.find_last_not_of(' ') + 1);
   std::transform(stem.begin(), stem.end(), stem.begin(), ToUpper);
-  const std::string_view port = std::string_view(stem).substr(0, 3);
-  if (port == "COM" || port == "LPT") return IsPortNumber(std::string_view(stem).substr(3));
+  const std::string_view whole = stem;
+  const std::string_view port = whole.substr(0, 3);
+  if (port == "COM" || port == "LPT") return IsPortNumber(whole.substr(3));
   return std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end();
 }
 

@@ -60,7 +60,7 @@ class STOWRA_EXPORT ovrant_ustring {
   // so that a std::string never has to choose between two of a host's overloads.
   template <typename Text, IfText<Text, char> = 0>
   explicit ovrant_ustring(const Text& utf8)
-      : ovrant_ustring(std::string_view(utf8).data(), std::string_view(utf8).size()) {}
+      : ovrant_ustring(std::string_view{utf8}.data(), std::string_view{utf8}.size()) {}
   template <typename Text, IfText<Text, char16_t> = 0>
   explicit ovrant_ustring(const Text& units) : units_(std::u16string_view(units)) {}
 

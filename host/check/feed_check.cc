@@ -19,8 +19,9 @@ constexpr char kOpenSearch[] = "http://a9.com/-/spec/opensearchrss/1.0/:";
 
 void CheckTitle(WatchedXml& reader, CheckReport& report) {
   ovrant_ustring title;
-  if (!reader.GetElementText(kAtomTitle, title))
+  if (!reader.GetElementText(kAtomTitle, title)) {
     report.findings.push_back({"the feed has no title"});
+  }
 }
 
 void CheckCounts(WatchedXml& reader, CheckReport& report) {

@@ -31,8 +31,9 @@ void CheckOffer(const Document& document, CheckReport& report) {
     std::vector<Finding> findings;
     const Value& offer = document["update"];
     const bool has_text = HasTyped(offer, name, JsonType::kString, kEmptyText, findings);
-    if (has_text && offer[name].GetString().empty())
+    if (has_text && offer[name].GetString().empty()) {
       findings.push_back({fmt::format("{} is empty", name)});
+    }
     for (const Finding& finding : findings) report.findings.push_back({"update: " + finding.text});
   }
 }
@@ -94,8 +95,9 @@ void CheckDataFiles(const Document& document, const std::vector<DataFileData>& k
     const Value& file = files[i];
     CheckedPart part;
     if (file.IsObject() && next < kept.size()) part = CheckDataFile(file, kept[next++]);
-    if (!file.IsObject())
+    if (!file.IsObject()) {
       part.findings.push_back({fmt::format("it is {}, not an object", TypeOf(file))});
+    }
     part.name = fmt::format("datafile {}", i + 1);
     report.parts.push_back(part);
   }
