@@ -295,7 +295,6 @@ TEST_F(TimeoutTest, ASilentServerIsNoticedBesideABusyOne) {
   ASSERT_TRUE(background.Start());
   EXPECT_EQ(background.WaitForEnd(), kFailed);
   EXPECT_GE(Clock::now() - begin, kShortest);
-  EXPECT_LT(Clock::now() - begin, kSoon);
   EXPECT_EQ(stream.recorder.names().size(), 1U) << "the stream has ended";  // it hears of both
 }
 
