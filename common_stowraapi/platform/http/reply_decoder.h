@@ -18,12 +18,9 @@
 namespace ovrant::internet {
 
 // Takes the header lines and the body as they came, chunked and compressed, and makes the decoded
-// body. Downloads and uploads have the same limits:
-//
-//   - header lines and trailing section: ResponseHead::kMaxBytes
-//   - decoded body: the cap, or that of the sink if it takes the body
-//   - compressed body: a little more than that cap
-//   - line with a chunk's size: ChunkDecoder::kMaxSizeLine
+// body. Downloads and uploads have the same limits. Header lines and trailing section share
+// ResponseHead::kMaxBytes. The decoded body has the cap, or the sink's cap if it takes the body. The
+// compressed body may have a little more. ChunkDecoder::kMaxSizeLine limits a line with a size.
 //
 // The body of a redirect that will be followed counts against the cap and is thrown away undecoded.
 //
