@@ -19,8 +19,8 @@ namespace ovrant::internet {
 
 // Takes the header lines and the body as they came, chunked and compressed, and makes the decoded
 // body. Downloads and uploads have the same limits. Header lines and trailing section share
-// ResponseHead::kMaxBytes. The decoded body has the cap, or the sink's cap if it takes the body. The
-// compressed body may have a little more. ChunkDecoder::kMaxSizeLine limits a line with a size.
+// ResponseHead::kMaxBytes. The decoded body has the cap, or the sink's cap if it takes the body.
+// The compressed body may have a little more. ChunkDecoder::kMaxSizeLine limits a line with a size.
 //
 // The body of a redirect that will be followed counts against the cap and is thrown away undecoded.
 //
