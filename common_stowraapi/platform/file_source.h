@@ -18,7 +18,8 @@ namespace ovrant::internet {
 // fail. One that is not regular, such as a pipe, has no length and can be read once.
 class STOWRA_EXPORT FileSource final : public BodySource {
  public:
-  // Opens the file. On failure error() says why, and each upload of this source fails.
+  // Opens the file. On failure, also for a folder, error() says why, and each upload of this source
+  // fails.
   explicit FileSource(const std::string& path);
   ~FileSource() override;
 

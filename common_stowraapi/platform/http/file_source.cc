@@ -11,7 +11,12 @@ namespace ovrant::internet {
 
 FileSource::FileSource(const std::string& path)
     : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-  if (descriptor_ < 0) error_ = errno;
+  struct stat status = {};
+  if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) {
+    error_ = errno;
+  } else if (S_ISDIR(status.st_mode)) {
+    error_ = EISDIR;
+  }
 }
 
 FileSource::~FileSource() {

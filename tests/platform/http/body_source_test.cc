@@ -270,8 +270,9 @@ TEST_P(FileSourceTest, SaysWhyItFails) {
   EXPECT_EQ(missing->error(), ENOENT);
   EXPECT_EQ(Upload(server.Url(), missing), Failed(0, TransferError::kBody));
   const auto folder = std::make_shared<FileSource>(Path("."));
-  EXPECT_EQ(Upload(server.Url(), folder), Failed(0, TransferError::kBody));
   EXPECT_EQ(folder->error(), EISDIR);
+  EXPECT_EQ(Upload(server.Url(), folder), Failed(0, TransferError::kBody));
+  EXPECT_TRUE(server.requests().empty());
 }
 
 // Truncates the file when its first piece is on the way.
