@@ -68,6 +68,7 @@ foreach(test IN LISTS @name@_TESTS)
   set(labels "@TEST_LABELS@")
   if(test MATCHES "^(@slow@)$")
     list(APPEND labels slow)
+    set_tests_properties("${test}" PROPERTIES COST 10)  # begins before the others
   endif()
   set_tests_properties("${test}" PROPERTIES LABELS "${labels}")
 endforeach()

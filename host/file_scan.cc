@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
 #include <system_error>
 #include <vector>
 
@@ -15,13 +14,12 @@ using ovrant::internet::FileSource;
 
 namespace {
 
-constexpr std::size_t kPiece = std::size_t{256} << 10;
+constexpr std::size_t kPiece = std::size_t{64} << 10;
 constexpr std::size_t kBeginning = 2;
 
 }  // namespace
 
 bool ScanFile(const std::string& file, std::string_view text, FileScan& scan, std::string& why) {
-  const std::boyer_moore_horspool_searcher search(text.begin(), text.end());
   FileSource source(file);
   scan = FileScan();
   // The piece before leaves its end here, since the text may begin there.
@@ -36,7 +34,8 @@ bool ScanFile(const std::string& file, std::string_view text, FileScan& scan, st
     if (scan.beginning.size() < kBeginning) {
       scan.beginning.assign(bytes.begin(), std::min(end, bytes.begin() + kBeginning));
     }
-    scan.holds_text = scan.holds_text || std::search(bytes.begin(), end, search) != end;
+    const std::string_view piece(bytes.data(), kept + count);
+    scan.holds_text = scan.holds_text || piece.find(text) != std::string_view::npos;
     kept = std::min(kept + count, text.size() - 1);
     std::copy(end - static_cast<std::ptrdiff_t>(kept), end, bytes.begin());
   }

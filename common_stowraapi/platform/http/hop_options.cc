@@ -19,7 +19,6 @@ constexpr char kSchemes[] = "http,https";
 constexpr char kOfferedEncoding[] = "Accept-Encoding: gzip";
 
 constexpr long kReceiveBufferSize = 64L << 10;
-constexpr long kSendBufferSize = 256L << 10;
 
 // Sets options in turn and remembers the first failure.
 class EasyOptions {
@@ -122,7 +121,6 @@ void SetBody(const HopRequest& hop, EasyOptions& options) {
   if (hop.source && hop.source->length() != 0U) {
     const auto length = hop.source->length();
     options.Set(CURLOPT_POSTFIELDSIZE_LARGE, length ? static_cast<curl_off_t>(*length) : -1);
-    options.Set(CURLOPT_UPLOAD_BUFFERSIZE, kSendBufferSize);
     return;
   }
   options.Set(CURLOPT_POSTFIELDS, hop.body ? hop.body->data() : "");

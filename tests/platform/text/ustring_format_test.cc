@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "common_stowraapi/platform/ustring.h"
-#include "tests/platform/text/comma_locale.h"
+#include "tests/support/comma_locale.h"
 #include "tests/support/text.h"
 
 namespace stowra_test {

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "common_stowraapi/platform/ustring.h"
-#include "tests/platform/text/comma_locale.h"
+#include "tests/support/comma_locale.h"
 #include "tests/support/text.h"
 
 namespace stowra_test {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A locale whose decimal point is a comma.
 
-#ifndef TESTS_PLATFORM_TEXT_COMMA_LOCALE_H_
-#define TESTS_PLATFORM_TEXT_COMMA_LOCALE_H_
+#ifndef TESTS_SUPPORT_COMMA_LOCALE_H_
+#define TESTS_SUPPORT_COMMA_LOCALE_H_
 
 #include <gtest/gtest.h>
 
@@ -69,4 +69,4 @@ class CommaLocale {
 
 }  // namespace stowra_test
 
-#endif  // TESTS_PLATFORM_TEXT_COMMA_LOCALE_H_
+#endif  // TESTS_SUPPORT_COMMA_LOCALE_H_
