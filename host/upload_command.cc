@@ -5,9 +5,14 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -16,8 +21,8 @@
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "host/commands.h"
+#include "host/counting_source.h"
 #include "host/error_message.h"
-#include "host/file_scan.h"
 #include "host/json_values.h"
 #include "host/request_options.h"
 #include "host/response_headers.h"
@@ -29,7 +34,6 @@
 
 namespace stowra {
 
-using ovrant::internet::BodySource;
 using ovrant::internet::InternetData;
 using ovrant::json::Document;
 using ovrant::json::Value;
@@ -87,10 +91,28 @@ class Uploader {
     (file.zipped_ ? file.zipped_file_path_ : file.file_path_) = ToText(path);
     sent.file = path;
     InternetData transport(file.upload_url_);
-    const auto body = Prepare(path, file, transport, sent.bytes);
-    if (!body) return ExitStatus::kCannotRun;
-    const bool received = transport.UploadFrom(*body);
+    const std::string boundary = multipartupload::GetBoundaryString();
+    const auto body =
+        multipartupload::MakePayloadSource(ToText(options_.subject_id), &file, path, boundary);
+    if (!body) {
+      Complain(fmt::format("{}: {}", path, std::generic_category().message(errno)));
+      return ExitStatus::kCannotRun;
+    }
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    sent.bytes = error ? 0 : size;
+    WarnOfForm(path, file, boundary);
+    // The transport knows the length itself.
+    for (const auto& [header, value] : multipartupload::CreateHeaderDictionary(boundary, 0)) {
+      transport.SetValueForHTTPSendHeaders(header, value);
+    }
+    CountingSource counting(*body, boundary);
+    const bool received = transport.UploadFrom(counting);
     sent.status = transport.status_code();
+    if (counting.count() > CountInForm(file, boundary)) {
+      Warn(fmt::format("{}: the file contains the boundary {}, and a server may cut it there", path,
+                       boundary));
+    }
     if (!received) return session_.Fail("");
     if (!IsHttpSuccess(sent.status)) return session_.Fail("", ErrorMessage(transport));
     sent.location = FindHeader(transport.received_headers(), "Location");
@@ -98,37 +120,26 @@ class Uploader {
   }
 
  private:
-  // Makes the request's body and headers. Null after it has printed why that fails.
-  std::unique_ptr<BodySource> Prepare(const std::string& path, const UploadFile& file,
-                                      InternetData& transport, std::uint64_t& bytes) {
-    const std::string boundary = multipartupload::GetBoundaryString();
-    FileScan scan;
-    std::string why;
-    std::unique_ptr<BodySource> body;
-    if (ScanFile(path, boundary, scan, why)) {
-      body = multipartupload::MakePayloadSource(ToText(options_.subject_id), &file, path, boundary);
-      if (!body) why = std::generic_category().message(errno);
-    }
-    if (!body) {
-      Complain(fmt::format("{}: {}", path, why));
-      return nullptr;
-    }
-    bytes = scan.size;
+  void WarnOfForm(const std::string& path, const UploadFile& file, const std::string& boundary) {
     const std::string name = GetFileName(ToText(path), true).utf8();
-    WarnOfProblems({path, name, scan.beginning == "PK", file.zipped_, scan.holds_text, boundary,
-                    previous_boundary_});
-    previous_boundary_ = boundary;
-    // The transport knows the length itself.
-    for (const auto& [header, value] : multipartupload::CreateHeaderDictionary(boundary, 0)) {
-      transport.SetValueForHTTPSendHeaders(header, value);
+    for (const std::string& problem : FindUploadProblems(
+             {path, name, IsZip(path), file.zipped_, boundary, previous_boundary_})) {
+      Warn(fmt::format("{}: {}", path, problem));
     }
-    return body;
+    previous_boundary_ = boundary;
   }
 
-  static void WarnOfProblems(const UploadForm& form) {
-    for (const std::string& problem : FindUploadProblems(form)) {
-      Warn(fmt::format("{}: {}", form.path, problem));
-    }
+  static bool IsZip(const std::string& path) {
+    char beginning[2] = {};
+    std::ifstream(path, std::ios::binary).read(beginning, sizeof(beginning));
+    return std::string_view(beginning, sizeof(beginning)) == "PK";
+  }
+
+  // How often the boundary stands in the form itself.
+  std::size_t CountInForm(const UploadFile& file, const std::string& boundary) const {
+    std::stringstream form;
+    multipartupload::SetupPayload(ToText(options_.subject_id), &file, nullptr, 0, boundary, &form);
+    return CountText(form.str(), boundary);
   }
 
   const Session& session_;

@@ -26,10 +26,6 @@ std::vector<std::string> FindUploadProblems(const UploadForm& form) {
   if (form.zipped && !form.is_zip) {
     problems.emplace_back("the configuration asks for a zip file, but this is not one");
   }
-  if (form.holds_boundary) {
-    problems.emplace_back("the file contains the boundary " + std::string(form.boundary) +
-                          ", and a server may cut it there");
-  }
   if (form.boundary == form.previous_boundary) {
     problems.emplace_back(
         "the boundary is the same as for the previous file, because both were made within one "

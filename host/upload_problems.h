@@ -12,11 +12,10 @@ namespace stowra {
 
 // A file and the form in which it is sent.
 struct UploadForm {
-  std::string_view path;        // as the user gave it
-  std::string_view file_name;   // as it stands in the form
-  bool is_zip = false;          // the file begins as a zip file
-  bool zipped = false;          // the configuration asks for one
-  bool holds_boundary = false;  // the file, somewhere
+  std::string_view path;       // as the user gave it
+  std::string_view file_name;  // as it stands in the form
+  bool is_zip = false;         // the file begins as a zip file
+  bool zipped = false;         // the configuration asks for one
   std::string_view boundary;
   std::string_view previous_boundary;  // of the file before; empty for the first
 };

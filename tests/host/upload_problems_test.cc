@@ -14,7 +14,7 @@ using testing::IsEmpty;
 constexpr char kBoundary[] = "BrevixClient0123456789012345";
 
 UploadForm GoodForm() {
-  return {"a/chair.qmf", "chair.qmf", false, false, false, kBoundary, "BrevixClient9"};
+  return {"a/chair.qmf", "chair.qmf", false, false, kBoundary, "BrevixClient9"};
 }
 
 TEST(UploadProblemsTest, FindsNoneInOrdinaryForm) {
@@ -36,12 +36,6 @@ TEST(UploadProblemsTest, FindsLineBreakInFileName) {
     form.file_name = name;
     EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr("line break"))) << name;
   }
-}
-
-TEST(UploadProblemsTest, FindsBoundaryInContent) {
-  UploadForm form = GoodForm();
-  form.holds_boundary = true;
-  EXPECT_THAT(FindUploadProblems(form), ElementsAre(HasSubstr(kBoundary)));
 }
 
 TEST(UploadProblemsTest, FindsFileNameThatIsNotUtf8) {
@@ -72,8 +66,7 @@ TEST(UploadProblemsTest, FindsBoundaryOfPreviousFile) {
 }
 
 TEST(UploadProblemsTest, FindsAllAtOnce) {
-  EXPECT_EQ(FindUploadProblems({"\xFF", "\"\n", false, true, true, kBoundary, kBoundary}).size(),
-            6U);
+  EXPECT_EQ(FindUploadProblems({"\xFF", "\"\n", false, true, kBoundary, kBoundary}).size(), 5U);
 }
 
 }  // namespace
