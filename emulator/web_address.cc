@@ -29,7 +29,8 @@ int HexDigit(char c) {
 
 std::string SiteAddress(const httplib::Request& request) {
   const bool is_secure = request.get_header_value("X-Forwarded-Proto") == "https";
-  std::string host = request.get_header_value("Host");
+  std::string host = request.get_header_value("X-Forwarded-Host");
+  if (!IsUsableHost(host)) host = request.get_header_value("Host");
   if (!IsUsableHost(host)) host = "127.0.0.1:" + std::to_string(request.local_port);
   return (is_secure ? "https://" : "http://") + host;
 }

@@ -11,9 +11,10 @@
 
 namespace stowra_emulator {
 
-// The address that the client used for this server, without a final slash. It comes from the Host
-// header. It has https if X-Forwarded-Proto says so, which a proxy adds or, with TLS, the
-// connection. Without a usable Host it has 127.0.0.1 and the server's port.
+// The address that the client used for this server, without a final slash. It comes from
+// X-Forwarded-Host, which a proxy adds, or from Host. It has https if X-Forwarded-Proto says so,
+// which a proxy adds or, with TLS, the connection. Without a usable host it has 127.0.0.1 and the
+// server's port.
 std::string SiteAddress(const httplib::Request& request);
 
 // Escapes every byte except ASCII letters and digits, "-._~", and those in `also_kept`.

@@ -44,6 +44,11 @@ httplib::Request MakeRequest(const HttpRequest& raw) {
   for (const auto& [name, value] : raw.fields) {
     if (!IsWrittenByClient(name)) request.headers.emplace(name, value);
   }
+  // So that a service can link to the recorder, and not past it.
+  const std::string host = FieldValue(raw.fields, "Host");
+  if (!host.empty() && !request.has_header("X-Forwarded-Host")) {
+    request.headers.emplace("X-Forwarded-Host", host);
+  }
   request.body = raw.body;
   return request;
 }

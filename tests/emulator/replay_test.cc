@@ -149,6 +149,16 @@ TEST_F(ReplayTest, MatchedOrderGoesByMethodAndTarget) {
   EXPECT_EQ(AnswersTo(replay.port(), requests), answers);
 }
 
+TEST_F(ReplayTest, ServiceLinksToTheRecorder) {
+  const Emulator service;
+  EmulatorOptions options;
+  options.source = std::make_shared<Recorder>(file_, service.url(), kMaxBody);
+  const Emulator recording(options);
+  const std::string body = BodyAt(recording, "/search?q=chair&count=3");
+  EXPECT_THAT(body, HasSubstr(recording.url() + "/search?q=chair&amp;start=4&amp;count=3"));
+  EXPECT_THAT(body, Not(HasSubstr(service.url())));
+}
+
 TEST_F(ReplayTest, RecordedTlsServiceComesBack) {
   EmulatorOptions options;
   options.use_tls = true;

@@ -233,6 +233,10 @@ TEST_F(SearchFeedTest, AddressesBeginWithTheHostOfTheRequest) {
             "https://a.example" + rest);
   EXPECT_EQ(SelfLink(emulator_, "Host: a.example\r\nX-Forwarded-Proto: ftp\r\n"),
             "http://a.example" + rest);
+  EXPECT_EQ(SelfLink(emulator_, "Host: a.example\r\nX-Forwarded-Host: b.example:81\r\n"),
+            "http://b.example:81" + rest);
+  EXPECT_EQ(SelfLink(emulator_, "Host: a.example\r\nX-Forwarded-Host: b c\r\n"),
+            "http://a.example" + rest);
   for (const char* unusable :
        {"", "Host:\r\n", "Host: a b\r\n", "Host: a/b?c\r\n", "Host: \"<&\r\n"}) {
     EXPECT_EQ(SelfLink(emulator_, unusable), emulator_.url() + rest) << unusable;
