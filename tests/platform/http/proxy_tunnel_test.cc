@@ -63,6 +63,23 @@ TEST_P(EndlessProxyTest, FailsSoonInEveryWay) {
   }
 }
 
+// Refuses each CONNECT, with a body of so many bytes.
+TransferError ReasonOfRefusal(Way way, std::size_t size) {
+  const RawServer proxy(
+      AlwaysThenClose("HTTP/1.1 403 No\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" +
+                      std::string(size, 'x')));
+  TransferDefaults defaults;
+  defaults.proxy = Text(proxy.Url(""));
+  InternetData::SetDefaults(defaults);
+  return ReasonOf(way, kTarget);
+}
+
+TEST_F(TransportTest, AProxyMayRefuseIn60Kibibytes) {
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(ReasonOfRefusal(way, 60 << 10), TransferError::kNotConnected) << NameOf(way);
+  }
+}
+
 TEST_P(EndlessProxyTest, DoesNotStallOtherTransfers) {
   constexpr std::size_t kEach = 10;
   const RawServer server(Always(Response(200, "hello")));

@@ -41,6 +41,12 @@ std::string WithTrailers(std::size_t size) {
          "\r\n";
 }
 
+// A reply with one header line of `size` bytes.
+std::string WithHeaderLine(std::size_t size) {
+  return "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nX: " + std::string(size - 5, 'x') +
+         "\r\n\r\nhello";
+}
+
 // A chunked reply whose first line has `size` bytes.
 std::string WithSizeLine(std::size_t size) {
   const std::string line = "5;" + std::string(size - 4, 'x') + "\r\n";
@@ -74,6 +80,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"MostTrailers", WithTrailers(ResponseHead::kMaxBytes), TransferError::kNone},
         Case{"TooManyTrailers", WithTrailers(ResponseHead::kMaxBytes + 1),
              TransferError::kTooLarge},
+        // The limit of a line is libcurl's, about 100 KiB.
+        Case{"LongHeaderLine", WithHeaderLine(102'000), TransferError::kNone},
+        Case{"TooLongHeaderLine", WithHeaderLine(103'000), TransferError::kTooLarge},
         Case{"LongestSizeLine", WithSizeLine(ChunkDecoder::kMaxSizeLine), TransferError::kNone},
         Case{"TooLongSizeLine", WithSizeLine(ChunkDecoder::kMaxSizeLine + 1),
              TransferError::kMalformed},
