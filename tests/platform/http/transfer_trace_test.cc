@@ -192,6 +192,18 @@ TEST_F(TransferTraceTest, ConnectionNamesItsAddressAndPort) {
   EXPECT_EQ(EventOf(Kind::kEnded).port, hello_.port());
 }
 
+TEST_F(TransferTraceTest, ThroughAProxyTheConnectionIsTheProxys) {
+  TransferDefaults defaults;
+  defaults.proxy = Text(hello_.Url(""));
+  InternetData::SetDefaults(defaults);
+  Listen(TransferDetail::kHeads);
+  Ask(Way::kDownload, "http://nobody.invalid/a", "");
+  EXPECT_EQ(EventOf(Kind::kConnected).port, hello_.port());
+  EXPECT_THAT(HeadOf(Kind::kRequest), StartsWith("GET http://nobody.invalid/a HTTP/1.1\n"));
+  EXPECT_EQ(EventOf(Kind::kEnded).url, Text("http://nobody.invalid/a"));
+  EXPECT_EQ(TakeSteps(), kOneRequest);
+}
+
 TEST_F(TransferTraceTest, TellsOfAKeptConnection) {
   Listen(TransferDetail::kSteps);
   for (int i = 0; i < 2; ++i) Ask(Way::kDownload, hello_.Url(), "");
