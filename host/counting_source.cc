@@ -19,6 +19,7 @@ CountingSource::CountingSource(BodySource& body, const std::string& text)
 
 bool CountingSource::Rewind() {
   count_ = 0;
+  size_ = 0;
   tail_.clear();
   return body_.Rewind();
 }
@@ -27,6 +28,7 @@ std::optional<std::uint64_t> CountingSource::Length() { return body_.Length(); }
 
 bool CountingSource::Read(unsigned char* data, std::size_t size, std::size_t& count) {
   if (!body_.Read(data, size, count)) return false;
+  size_ += count;
   const std::string_view piece(reinterpret_cast<const char*>(data), count);
   const std::size_t most = text_.size() - 1;
   const std::string seam = tail_ + std::string(piece.substr(0, most));

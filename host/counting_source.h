@@ -23,8 +23,9 @@ class CountingSource : public ovrant::internet::BodySource {
   // `text` must not be empty.
   CountingSource(BodySource& body, const std::string& text);
 
-  // In the bytes since the last Rewind.
+  // In the bytes since the last Rewind, and the number of these bytes.
   std::size_t count() const { return count_; }
+  std::uint64_t size() const { return size_; }
 
   bool Rewind() override;
   std::optional<std::uint64_t> Length() override;
@@ -34,6 +35,7 @@ class CountingSource : public ovrant::internet::BodySource {
   BodySource& body_;
   const std::string text_;
   std::size_t count_ = 0;
+  std::uint64_t size_ = 0;
   std::string tail_;  // the last bytes so far, too few to hold the text
 };
 

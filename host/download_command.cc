@@ -29,6 +29,7 @@
 
 namespace stowra {
 
+using ovrant::internet::FileSink;
 using ovrant::internet::InternetData;
 using ovrant::internet::InternetDataDelegate;
 using ovrant::json::Document;
@@ -142,7 +143,9 @@ class Downloader {
     const bool continues = sink_ ? sink_->CanContinue() : options_.continues;
     const std::string file = continues && sink_ ? sink_->file() : options_.file;
     if (sink_) sink_->Close();
-    sink_ = std::make_shared<DownloadSink>(file, options_.url, continues);
+    const auto existing =
+        options_.file.empty() ? FileSink::Existing::kKeep : FileSink::Existing::kReplace;
+    sink_ = std::make_shared<DownloadSink>(file, options_.url, continues, existing);
     received_ = session_.RunInBackground(
         [this] { transport_->DownloadToWithDelegate(sink_, &delegate_, nullptr); }, kReceived);
     return signal_ != 0 || sink_->error() != 0 || (received_ && IsWhole());

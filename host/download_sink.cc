@@ -12,10 +12,11 @@ namespace stowra {
 using ovrant::internet::FileSink;
 using ovrant::utils::StringMap;
 
-DownloadSink::DownloadSink(const std::string& file, std::string url, bool continues)
+DownloadSink::DownloadSink(const std::string& file, std::string url, bool continues,
+                           FileSink::Existing existing)
     : url_(std::move(url)), file_(file) {
   if (file.empty()) return;
-  sink_.emplace(file, continues ? FileSink::Start::kContinue : FileSink::Start::kAnew);
+  sink_.emplace(file, continues ? FileSink::Start::kContinue : FileSink::Start::kAnew, existing);
 }
 
 // Without a name yet, the headers are those of any FileSink that begins anew.

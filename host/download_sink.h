@@ -20,7 +20,8 @@ class DownloadSink final : public ovrant::internet::BodySink {
  public:
   // Without `file` the server's headers and then `url` name the file, which may not exist yet. With
   // `continues` an earlier download of `file` goes on.
-  DownloadSink(const std::string& file, std::string url, bool continues);
+  DownloadSink(const std::string& file, std::string url, bool continues,
+               ovrant::internet::FileSink::Existing existing);
 
   // Closes the file and removes what cannot be continued. No function may follow. Only when the
   // transport calls this object no more.

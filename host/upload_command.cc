@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -98,9 +99,6 @@ class Uploader {
       Complain(fmt::format("{}: {}", path, std::generic_category().message(errno)));
       return ExitStatus::kCannotRun;
     }
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
-    sent.bytes = error ? 0 : size;
     WarnOfForm(path, file, boundary);
     // The transport knows the length itself.
     for (const auto& [header, value] : multipartupload::CreateHeaderDictionary(boundary, 0)) {
@@ -109,7 +107,12 @@ class Uploader {
     CountingSource counting(*body, boundary);
     const bool received = transport.UploadFrom(counting);
     sent.status = transport.status_code();
-    if (counting.count() > CountInForm(file, boundary)) {
+    const std::string form = FormWithoutFile(file, boundary);
+    std::error_code error;
+    sent.bytes = std::filesystem::is_regular_file(path, error)
+                     ? std::filesystem::file_size(path, error)
+                     : counting.size() - std::min<std::uint64_t>(counting.size(), form.size());
+    if (counting.count() > CountText(form, boundary)) {
       Warn(fmt::format("{}: the file contains the boundary {}, and a server may cut it there", path,
                        boundary));
     }
@@ -129,17 +132,19 @@ class Uploader {
     previous_boundary_ = boundary;
   }
 
+  // What a pipe holds can be read only once, so it counts as one.
   static bool IsZip(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return true;
     char beginning[2] = {};
     std::ifstream(path, std::ios::binary).read(beginning, sizeof(beginning));
     return std::string_view(beginning, sizeof(beginning)) == "PK";
   }
 
-  // How often the boundary stands in the form itself.
-  std::size_t CountInForm(const UploadFile& file, const std::string& boundary) const {
+  std::string FormWithoutFile(const UploadFile& file, const std::string& boundary) const {
     std::stringstream form;
     multipartupload::SetupPayload(ToText(options_.subject_id), &file, nullptr, 0, boundary, &form);
-    return CountText(form.str(), boundary);
+    return form.str();
   }
 
   const Session& session_;

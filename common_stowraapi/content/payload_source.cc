@@ -31,7 +31,9 @@ class PayloadSource final : public BodySource {
   bool Rewind() override {
     place_ = Place::kBefore;
     read_ = 0;
-    return !std::exchange(has_read_, false) || content_.pubseekpos(0) == std::streampos(0);
+    if (has_read_ && content_.pubseekpos(0) != std::streampos(0)) return false;
+    has_read_ = false;
+    return true;
   }
 
   std::optional<std::uint64_t> Length() override {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "common_stowraapi/export.h"
@@ -18,7 +19,8 @@ class PartFile;
 
 // Takes a body with status 200, and 206 when it continues a part. The file gets its name only when
 // it is whole and on the disk. Until then it is called `path` with ".part" at its end. A part that
-// exists there is replaced, unless another FileSink is writing it.
+// exists there is replaced, unless another FileSink has it: a FileSink keeps its part until the
+// file has its name or the FileSink is destroyed.
 //
 // After a failure the part stays if a later download can continue it: the server has sent a strong
 // validator (RFC 9110, 8.8), and writing did not fail. A file with ".part.validator" at its end
@@ -41,8 +43,9 @@ class STOWRA_EXPORT FileSink final : public BodySink {
   ~FileSink() override;
 
   // The errno of the last download's failure, 0 without one. EEXIST when something else than a file
-  // has the name, EWOULDBLOCK when the part is being written, EBADMSG when the server's range was
-  // wrong.
+  // has the name, EWOULDBLOCK when another FileSink has the part, EBADMSG when the server sent
+  // another number of bytes than it said, ENOENT when the folder or the part has been removed
+  // meanwhile.
   int error() const { return error_; }
 
   // The bytes of the file so far, and how many of them an earlier download has written.
@@ -60,7 +63,7 @@ class STOWRA_EXPORT FileSink final : public BodySink {
 
  private:
   Choice BeginAnew(const ovrant::utils::StringMap& headers);
-  bool IsTheRest(const ovrant::utils::StringMap& headers) const;
+  bool IsTheRest(const ovrant::utils::StringMap& headers);
   bool Succeeds(int error);
 
   const std::unique_ptr<PartFile> part_;
@@ -68,6 +71,8 @@ class STOWRA_EXPORT FileSink final : public BodySink {
   const Existing existing_;
   int error_ = 0;
   bool asked_for_rest_ = false;
+  bool part_is_busy_ = false;
+  std::optional<std::uint64_t> total_;  // bytes of the whole, if the server tells
   std::uint64_t size_ = 0;
   std::uint64_t continued_size_ = 0;
 };

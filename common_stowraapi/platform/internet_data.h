@@ -187,7 +187,7 @@ class STOWRA_EXPORT InternetData {
   bool Perform(const ovrant::utils::ovrant_ustring& url, bool is_upload,
                const ovrant::utils::StringMap* send_headers, const HostBody& host_body);
   bool StartInBackground(InternetDataDelegate* delegate, bool is_upload);
-  bool StartInBackground(InternetDataDelegate* delegate, bool is_upload, const HostBody& host_body);
+  bool StartInBackground(InternetDataDelegate* delegate, bool is_upload, HostBody host_body);
   void CopyReceivedHeaders(ovrant::utils::StringMap& copy);
   void Reset();
   void DropTransfer();

@@ -15,10 +15,10 @@ namespace ovrant::internet {
 // Has no limit of its own. A body larger than memory makes the download fail with kOutOfMemory.
 class STOWRA_EXPORT MemorySink final : public BodySink {
  public:
-  // Drops what an earlier transfer has written.
-  Choice Begin(int status, const ovrant::utils::StringMap& headers) override {
+  // Drops what an earlier request has written.
+  ovrant::utils::StringMap RequestHeaders() override {
     bytes_.clear();
-    return BodySink::Begin(status, headers);
+    return {};
   }
   bool Write(const unsigned char* data, std::size_t size) override {
     bytes_.append(reinterpret_cast<const char*>(data), size);

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include <sys/stat.h>
+
 #include <ctime>
 #include <fstream>
+#include <iterator>
+#include <thread>
 
 #include "common_stowraapi/platform/random.h"
 #include "tests/host/content_replies.h"
@@ -290,6 +294,25 @@ TEST_F(UploadTest, UploadsToTheEmulator) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out, HasSubstr(emulator.url() + "/model?mid=m-1101\n"));
   EXPECT_THAT(outcome.out, HasSubstr("result url  " + emulator.url() + "/upload-succeeded\n"));
+}
+
+TEST_F(UploadTest, SendsAllOfAPipe) {
+  const EmulatorProcess emulator;
+  const std::string content(100'000, 'p');
+  const std::string pipe = MakeFile("pipe.qmf", "") + ".fifo";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << content; });
+  const Outcome sent = RunStowra(
+      {"upload", "--json", emulator.url() + "/upload-config", pipe, "--subject-id", "m42"});
+  writer.join();
+  EXPECT_EQ(sent.status, 0);
+  EXPECT_THAT(sent.out, HasSubstr("\"bytes\":100000,"));
+  const std::string received = pipe + ".received";
+  EXPECT_EQ(RunStowra({"download", emulator.url() + "/download?mid=m-1101&rtyp=s", "-o", received})
+                .status,
+            0);
+  std::ifstream file(received, std::ios::binary);
+  EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(file), {}) == content);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "common_stowraapi/content/payload_source.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,6 +14,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
@@ -114,6 +116,20 @@ TEST_F(PayloadSourceTest, KnowsLengthBeyondThirtyTwoBits) {
 TEST_F(PayloadSourceTest, IsNullWithoutTheFile) {
   EXPECT_EQ(Make(MakeRandomUpload(7)), nullptr);
   EXPECT_EQ(errno, ENOENT);
+}
+
+// Not even when it is asked again.
+TEST_F(PayloadSourceTest, CannotGoBackInAPipe) {
+  ASSERT_EQ(mkfifo(Path().c_str(), 0600), 0);
+  std::thread writer([this] { WriteContent("from a pipe"); });
+  const RandomUpload upload = MakeRandomUpload(1);
+  const std::unique_ptr<BodySource> source = Make(upload);
+  ASSERT_TRUE(source);
+  std::mt19937 random(5);
+  EXPECT_NE(ReadAll(*source, 100, random).find("from a pipe"), std::string::npos);
+  writer.join();
+  EXPECT_FALSE(source->Rewind());
+  EXPECT_FALSE(source->Rewind());
 }
 
 }  // namespace

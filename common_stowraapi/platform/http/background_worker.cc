@@ -192,7 +192,10 @@ std::optional<BackgroundWorker::Job> BackgroundWorker::NextWaiting() {
 
 void BackgroundWorker::StartWaiting() {
   while (std::optional<Job> job = NextWaiting()) {
-    if (job->transfer->IsAbandoned()) continue;
+    if (job->transfer->IsAbandoned()) {
+      job->transfer->exchange().EndDropped();
+      continue;
+    }
     try {
       loop_->Start(job->transfer->exchange());
       active_.push_back(std::move(*job));

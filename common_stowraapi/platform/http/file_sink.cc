@@ -100,7 +100,10 @@ StringMap FileSink::RequestHeaders() {
   StringMap headers;
   headers["Accept-Encoding"] = "identity";
   error_ = 0;
-  asked_for_rest_ = start_ == Start::kContinue && part_->Open();
+  const int opened = start_ == Start::kContinue ? part_->Open() : ENOENT;
+  asked_for_rest_ = opened == 0;
+  part_is_busy_ = opened == EWOULDBLOCK;
+  size_ = continued_size_ = asked_for_rest_ ? part_->size() : 0;
   if (asked_for_rest_) {
     headers["Range"] = ToText("bytes=" + std::to_string(part_->size()) + "-");
     headers["If-Range"] = ToText(part_->note().validator);
@@ -112,7 +115,6 @@ BodySink::Choice FileSink::Begin(int status, const StringMap& headers) {
   if (status == kOk) return BeginAnew(headers);
   if (!asked_for_rest_) return Choice::kLeave;
   if (status == kPartialContent && IsTheRest(headers)) {
-    size_ = continued_size_ = part_->size();
     return Choice::kTake;
   }
   if (status != kPartialContent && status != kRangeNotSatisfiable) return Choice::kLeave;
@@ -122,17 +124,22 @@ BodySink::Choice FileSink::Begin(int status, const StringMap& headers) {
 
 BodySink::Choice FileSink::BeginAnew(const StringMap& headers) {
   size_ = continued_size_ = 0;
-  const PartNote note{FindValidator(headers), LengthOf(headers)};
-  return Succeeds(part_->Create(note, existing_ == Existing::kReplace)) ? Choice::kTake
-                                                                        : Choice::kFail;
+  total_ = LengthOf(headers);
+  // What may be continued later is not replaced.
+  const int error = part_is_busy_ ? EWOULDBLOCK
+                                  : part_->Create({FindValidator(headers), total_},
+                                                  existing_ == Existing::kReplace);
+  return Succeeds(error) ? Choice::kTake : Choice::kFail;
 }
 
-bool FileSink::IsTheRest(const StringMap& headers) const {
+// Of the validators only an ETag must be repeated (RFC 9110, 15.3.7).
+bool FileSink::IsTheRest(const StringMap& headers) {
   const PartNote& note = part_->note();
-  const auto total = TotalOfRest(Find(headers, "Content-Range"), part_->size());
-  if (!total || IsCoded(headers) || (note.total && *note.total != *total)) return false;
-  const std::string validator = Find(headers, IsEtag(note.validator) ? "ETag" : "Last-Modified");
-  return validator.empty() || validator == note.validator;
+  total_ = TotalOfRest(Find(headers, "Content-Range"), part_->size());
+  if (!total_ || IsCoded(headers) || (note.total && note.total != total_)) return false;
+  if (IsEtag(note.validator)) return Find(headers, "ETag") == note.validator;
+  const std::string modified = Find(headers, "Last-Modified");
+  return modified.empty() || modified == note.validator;
 }
 
 bool FileSink::Write(const unsigned char* data, std::size_t size) {
@@ -142,8 +149,7 @@ bool FileSink::Write(const unsigned char* data, std::size_t size) {
 }
 
 bool FileSink::End() {
-  const auto total = part_->note().total;
-  if (total && *total != size_) return Succeeds(EBADMSG);
+  if (total_ && *total_ != size_) return Succeeds(EBADMSG);
   return Succeeds(part_->Finish(existing_ == Existing::kReplace));
 }
 

@@ -21,6 +21,7 @@ namespace {
 // does not stop while bytes come, so a proxy could keep all transfers waiting.
 constexpr int kMaxProxyBytes = 64 << 10;
 
+constexpr Failure kLengthHasChanged{TransferError::kBody, "the host's source has another length"};
 constexpr Failure kProxyTalksTooMuch{TransferError::kTooLarge, "the proxy's answer is too long"};
 
 // libcurl's callbacks. The pointer is the hop, or the sockets of all connections.
@@ -293,7 +294,11 @@ bool Hop::OnRead(char* data, std::size_t size, std::size_t& count) noexcept {
 }
 
 bool Hop::OnRewind() noexcept {
-  if (request_.source) decoder_.Refuse(request_.source->Rewind());
+  if (!request_.source) return true;
+  // The length has gone out.
+  const auto length = request_.source->length();
+  decoder_.Refuse(request_.source->Rewind());
+  if (request_.source->length() != length) decoder_.Refuse(kLengthHasChanged);
   return !decoder_.failure();
 }
 

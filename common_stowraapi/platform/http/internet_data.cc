@@ -57,14 +57,15 @@ std::shared_ptr<T> Borrow(T& object) {
   return std::shared_ptr<T>(std::shared_ptr<void>(), &object);
 }
 
-void AddHostBody(const HostBody& host_body, HttpRequest& request) {
+void AddHostBody(HostBody host_body, HttpRequest& request) {
   if (host_body.source) {
     request.body = nullptr;
-    request.source = std::make_shared<SourceReader>(host_body.source);
+    request.source = std::make_shared<SourceReader>(std::move(host_body.source));
   }
   if (host_body.sink) {
     const auto set_cap = TransferSettings::Instance().defaults()->body_cap;
-    request.sink = std::make_shared<SinkWriter>(host_body.sink, set_cap > 0 ? set_cap : SIZE_MAX);
+    request.sink =
+        std::make_shared<SinkWriter>(std::move(host_body.sink), set_cap > 0 ? set_cap : SIZE_MAX);
   }
 }
 
@@ -211,11 +212,11 @@ bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upl
 }
 
 bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upload,
-                                     const HostBody& host_body) {
+                                     HostBody host_body) {
   if (delegate == nullptr) return false;
   try {
     HttpRequest request = MakeRequest(url_, is_upload, nullptr);
-    AddHostBody(host_body, request);
+    AddHostBody(std::move(host_body), request);
     request.context = delegate->context();
     auto transfer = std::make_shared<BackgroundTransfer>(
         std::move(request), TransferSettings::Instance().listener().Current(),
@@ -226,6 +227,7 @@ bool InternetData::StartInBackground(InternetDataDelegate* delegate, bool is_upl
     transfer_ = transfer;
     return BackgroundWorker::Submit(std::move(transfer));
   } catch (const std::bad_alloc&) {
+    host_body = HostBody();
     Reset();
     PostFailure(*delegate);
     return true;

@@ -55,29 +55,33 @@ PartFile::~PartFile() {
   Close();
 }
 
-bool PartFile::Open() {
-  if (is_open()) return CanContinue();
-  if (OpenAndLock(O_RDWR, 0) != 0) return false;
+int PartFile::Open() {
+  if (is_open()) {
+    is_new_ = is_new_ && !CanContinue();
+    return CanContinue() ? 0 : ENOENT;
+  }
+  if (const int error = OpenAndLock(O_RDWR, 0)) return error;
   struct stat status = {};
   if (fstat(descriptor_, &status) == 0 && status.st_size > 0 && ReadNote()) {
     size_ = static_cast<std::uint64_t>(status.st_size);
-    if (lseek(descriptor_, 0, SEEK_END) == status.st_size) return true;
+    if (lseek(descriptor_, 0, SEEK_END) == status.st_size) return 0;
   }
   Close();
-  return false;
+  return ENOENT;
 }
 
 int PartFile::Create(const PartNote& note, bool may_replace) {
   if (const int error = CheckTarget(may_replace)) return error;
+  // An old part may have another name, too, or another mode.
   if (!is_open()) {
-    const int error = OpenAndLock(O_RDWR | O_CREAT, mode_ ? kReadableByOwner : kReadableByAll);
-    if (error != 0) return error;
+    const int error = OpenAndLock(O_RDWR, 0);
+    if (error != 0 && error != ENOENT) return error;
   }
+  Discard();
+  const mode_t mode = mode_ ? kReadableByOwner : kReadableByAll;
+  if (const int error = OpenAndLock(O_RDWR | O_CREAT | O_EXCL, mode)) return error;
   is_new_ = true;
-  unlink(note_path_.c_str());
   note_ = note;
-  size_ = 0;
-  if (ftruncate(descriptor_, 0) != 0 || lseek(descriptor_, 0, SEEK_SET) != 0) return errno;
   WriteNote();
   return 0;
 }
@@ -98,6 +102,7 @@ int PartFile::Finish(bool may_replace) {
   if (const int error = CheckTarget(may_replace)) return error;
   if (mode_ && fchmod(descriptor_, *mode_) != 0) return errno;
   if (fsync(descriptor_) != 0) return errno;
+  if (!HasItsName()) return ENOENT;
   if (const int error = GiveName(may_replace)) return error;
   unlink(note_path_.c_str());
   Close();
@@ -105,29 +110,33 @@ int PartFile::Finish(bool may_replace) {
 }
 
 void PartFile::Discard() {
-  if (!is_open()) return;
-  unlink(part_path_.c_str());
-  unlink(note_path_.c_str());
+  if (is_open() && HasItsName()) {
+    unlink(note_path_.c_str());
+    unlink(part_path_.c_str());
+  }
   Close();
 }
 
-// The lock ends when the part is closed. Another process may have removed the part meanwhile.
+// The lock ends when the part is closed.
 int PartFile::OpenAndLock(int flags, mode_t mode) {
   const int opened = open(part_path_.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, mode);
   if (opened < 0) return errno;
-  struct stat here = {};
-  struct stat named = {};
+  struct stat status = {};
   // Some file systems have no locks.
   const bool is_locked = flock(opened, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-  int error =
-      ErrorUnless(is_locked && fstat(opened, &here) == 0 && stat(part_path_.c_str(), &named) == 0);
-  if (error == 0 && (!S_ISREG(here.st_mode) || here.st_ino != named.st_ino)) error = EEXIST;
-  if (error != 0) {
-    close(opened);
-    return error;
-  }
+  int error = ErrorUnless(is_locked && fstat(opened, &status) == 0);
   descriptor_ = opened;
-  return 0;
+  if (error == 0 && (!S_ISREG(status.st_mode) || !HasItsName())) error = EEXIST;
+  if (error != 0) Close();
+  return error;
+}
+
+// Another process may have removed the open part, and made a part of its own.
+bool PartFile::HasItsName() const {
+  struct stat here = {};
+  struct stat named = {};
+  return fstat(descriptor_, &here) == 0 && lstat(part_path_.c_str(), &named) == 0 &&
+         here.st_ino == named.st_ino && here.st_dev == named.st_dev;
 }
 
 int PartFile::CheckTarget(bool may_replace) {

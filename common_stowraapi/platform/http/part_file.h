@@ -31,17 +31,18 @@ class PartFile {
   PartFile(const PartFile&) = delete;
   PartFile& operator=(const PartFile&) = delete;
 
-  // Opens a part that an earlier object has left with its note, unless it is open. True if it can
-  // be continued.
-  bool Open();
+  // Opens a part that an earlier object has left with its note, unless it is open. Fails with
+  // EWOULDBLOCK while another object has the part, and if it cannot be continued.
+  int Open();
 
-  // Makes the part empty, creates it if need be, and keeps `note`. Fails with EEXIST if a file of
-  // the final name may not be replaced.
+  // Makes a new part and keeps `note`. An old part is removed. Fails with EEXIST if a file of the
+  // final name may not be replaced, and with EWOULDBLOCK as above.
   int Create(const PartNote& note, bool may_replace);
 
   int Append(const unsigned char* data, std::size_t size);
 
-  // Brings the part to the disk and gives it the final name. Fails as Create.
+  // Brings the part to the disk and gives it the final name. Fails as Create, and with ENOENT if
+  // the part's name is no longer that of this part.
   int Finish(bool may_replace);
 
   // Removes the part and its note, if it is open.
@@ -49,7 +50,7 @@ class PartFile {
 
   bool CanContinue() const { return is_open() && size_ > 0 && !note_.validator.empty(); }
 
-  // True if the open part has been created here.
+  // True if the open part has been created here and never continued.
   bool is_new() const { return is_open() && is_new_; }
 
   // Of the open part.
@@ -59,6 +60,7 @@ class PartFile {
  private:
   bool is_open() const { return descriptor_ >= 0; }
   int OpenAndLock(int flags, mode_t mode);
+  bool HasItsName() const;
   int CheckTarget(bool may_replace);
   int GiveName(bool may_replace);
   bool ReadNote();

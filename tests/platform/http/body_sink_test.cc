@@ -257,6 +257,8 @@ TEST_P(BodySinkTest, MemorySinkHoldsTheLastBody) {
   EXPECT_EQ(sink->bytes(), "body 1");
   EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
   EXPECT_EQ(sink->bytes(), "body 2");
+  EXPECT_FALSE(Download("http://127.0.0.1:1/", sink).received);
+  EXPECT_EQ(sink->bytes(), "");
 }
 
 TEST_P(BodySinkTest, ADownloadAfterItStaysInMemory) {

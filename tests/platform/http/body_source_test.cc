@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -196,6 +197,42 @@ TEST_P(BodySourceTest, GoesBackWhenTheKeptConnectionDies) {
   const auto source = std::make_shared<TestSource>("xyz");
   EXPECT_EQ(Upload(server.Url("/second"), source), Received(200, "xyz"));
   EXPECT_EQ(source->rewinds, 2);
+}
+
+// A byte longer after each Rewind.
+class GrowingSource final : public BodySource {
+ public:
+  bool Rewind() override {
+    left_ = ++length_;
+    return true;
+  }
+  std::optional<std::uint64_t> Length() override { return length_; }
+  bool Read(unsigned char* data, std::size_t size, std::size_t& count) override {
+    count = std::min(size, left_);
+    left_ -= count;
+    std::fill_n(data, count, static_cast<unsigned char>('x'));
+    return true;
+  }
+
+ private:
+  std::size_t length_ = 2;
+  std::size_t left_ = 0;
+};
+
+TEST_P(BodySourceTest, FailsWhenItsLengthChangesForAFreshConnection) {
+  const RawServer server(
+      [](const RawRequest& request, RawConnection& connection) {
+        std::string body;
+        while (body.size() < 3 && connection.Read(body)) {
+        }
+        if (request.target == "/second" && request.connection == 0) return connection.Reset();
+        connection.Write(Response(200, body));
+      },
+      {nullptr, false});
+  EXPECT_EQ(Upload(server.Url("/first"), std::make_shared<TestSource>("abc")),
+            Received(200, "abc"));
+  EXPECT_EQ(Upload(server.Url("/second"), std::make_shared<GrowingSource>()),
+            Failed(0, TransferError::kBody));
 }
 
 TEST_P(BodySourceTest, MayBeAnsweredEarly) {

@@ -492,5 +492,82 @@ TEST_P(FileSinkTest, TakesTheLongestName) {
   }
 }
 
+TEST_P(FileSinkTest, FailsWhenTheRestIsShorterThanItsRange) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.HasHeader("Range")
+                         ? "HTTP/1.1 206 Part\r\nETag: \"v1\"\r\nContent-Range: bytes 5-99/100\r\n"
+                           "Connection: close\r\n\r\nabc"
+                         : "HTTP/1.1 200 OK\r\nETag: \"v1\"\r\nTransfer-Encoding: chunked\r\n\r\n"
+                           "5\r\nhello\r\n");
+    connection.Close();
+  });
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
+  EXPECT_EQ(Download(server.Url(), sink), Failed(206, TransferError::kBody));
+  EXPECT_EQ(sink->error(), EBADMSG);
+  EXPECT_TRUE(sink->CanContinue());
+  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+}
+
+TEST_P(FileSinkTest, BeginsAnewWhenTheRestHasNoEtag) {
+  LeavePart({"0123456789"}, 5);
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.HasHeader("Range")
+                         ? "HTTP/1.1 206 Part\r\nContent-Range: bytes 5-9/10\r\n"
+                           "Content-Length: 5\r\n\r\nother"
+                         : Response(200, "0123456789"));
+  });
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(Content(), "0123456789");
+}
+
+// Another sink lets go of the part before the answer comes.
+TEST_P(FileSinkTest, KeepsAPartThatWasBusy) {
+  LeavePart({"0123456789"}, 5);
+  const int other = open(Path("x.part").c_str(), O_RDWR);
+  ASSERT_EQ(flock(other, LOCK_EX), 0);
+  const RawServer server([other](const RawRequest&, RawConnection& connection) {
+    close(other);
+    connection.Write(Response(200, "0123456789"));
+  });
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink->error(), EWOULDBLOCK);
+  EXPECT_EQ(Content("x.part"), "01234");
+  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+}
+
+TEST_P(FileSinkTest, GivesNoNameToAPartOfSomebodyElse) {
+  const RawServer server([this](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
+    EXPECT_TRUE(WaitForContent("x.part", "abc"));
+    std::filesystem::remove(Path("x.part"));
+    Make("x.part", "half");
+    connection.Write("def");
+  });
+  const auto sink = std::make_shared<FileSink>(Path());
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink->error(), ENOENT);
+  EXPECT_EQ(All(), Names{"x.part"});
+  EXPECT_EQ(Content("x.part"), "half");
+}
+
+TEST_P(FileSinkTest, LeavesTheOtherNameOfAnOldPart) {
+  Make("precious", "p");
+  std::filesystem::create_hard_link(Path("precious"), Path("x.part"));
+  EXPECT_EQ(Fetch({"abc"}, FileSink::Start::kAnew), Received(200, ""));
+  EXPECT_EQ(Content(), "abc");
+  EXPECT_EQ(Content("precious"), "p");
+}
+
+TEST_P(FileSinkTest, KnowsThePartsSizeWithoutAReply) {
+  LeavePart({"0123456789"}, 5);
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_FALSE(Download("http://127.0.0.1:1/", sink).received);
+  EXPECT_EQ(sink->size(), 5U);
+  EXPECT_TRUE(sink->CanContinue());
+}
+
 }  // namespace
 }  // namespace stowra_test
