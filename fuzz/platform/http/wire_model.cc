@@ -47,6 +47,8 @@ bool IsPlainHead(std::string_view text) {
   while (!text.empty() && is_plain) {
     const std::string_view line = TakePlainLine(text, is_plain);
     if (is_status_next && !IsPlainStatusLine(line)) return false;
+    // Without a blank line before it, it is a field without a colon.
+    if (!is_status_next && Lower(line.substr(0, 5)) == "http/") return false;
     is_status_next = line.empty();
   }
   return is_plain;
