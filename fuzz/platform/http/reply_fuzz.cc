@@ -74,10 +74,16 @@ bool MentionsTls(std::string_view text) {
   return lower.find("https") != std::string::npos;
 }
 
+// libcurl repeats a request on a used connection also if it closes inside the first line.
+bool MayBeRepeated(const std::vector<ServerReply>& replies, std::size_t index) {
+  return index > 0 && replies[index].bytes.find('\n') == std::string::npos;
+}
+
 // The expected outcome of a request, by the server's replies from `first` on.
 HttpOutcome Expect(const std::vector<ServerReply>& replies, std::size_t first,
                    bool follows_redirects) {
   for (std::size_t i = first; i < replies.size() && i <= first + kRedirectLimit; ++i) {
+    if (MayBeRepeated(replies, i)) return {};
     HttpOutcome outcome = stowra_fuzz::ReadReply(replies[i].bytes, follows_redirects, kCap);
     if (outcome.kind != HttpOutcome::Kind::kRedirect) return outcome;
   }
