@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/counting_source.h"
 
-namespace stowra {
+#include <utility>
 
-using ovrant::internet::BodySource;
+namespace stowra {
 
 std::size_t CountText(std::string_view bytes, std::string_view text) {
   std::size_t count = 0;
@@ -14,8 +14,8 @@ std::size_t CountText(std::string_view bytes, std::string_view text) {
   return count;
 }
 
-CountingSource::CountingSource(BodySource& body, const std::string& text)
-    : body_(body), text_(text) {}
+CountingSource::CountingSource(BodySource& body, std::string text)
+    : body_(body), text_(std::move(text)) {}
 
 bool CountingSource::Rewind() {
   count_ = 0;
@@ -33,7 +33,7 @@ bool CountingSource::Read(unsigned char* data, std::size_t size, std::size_t& co
   const std::size_t most = text_.size() - 1;
   const std::string seam = tail_ + std::string(piece.substr(0, most));
   count_ += CountText(seam, text_) + CountText(piece, text_);
-  const std::string_view end = piece.size() < most ? std::string_view(seam) : piece;
+  const std::string_view end = piece.size() < most ? seam : piece;
   tail_ = end.substr(end.size() < most ? 0 : end.size() - most);
   return true;
 }

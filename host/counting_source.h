@@ -21,7 +21,7 @@ std::size_t CountText(std::string_view bytes, std::string_view text);
 class CountingSource : public ovrant::internet::BodySource {
  public:
   // `text` must not be empty.
-  CountingSource(BodySource& body, const std::string& text);
+  CountingSource(BodySource& body, std::string text);
 
   // In the bytes since the last Rewind, and the number of these bytes.
   std::size_t count() const { return count_; }
