@@ -42,10 +42,11 @@ class STOWRA_EXPORT FileSink final : public BodySink {
                     Existing existing = Existing::kReplace);
   ~FileSink() override;
 
-  // The errno of the last download's failure, 0 without one. EEXIST when something else than a file
-  // has the name, EWOULDBLOCK when another FileSink has the part, EBADMSG when the server sent
-  // another number of bytes than it said, ENOENT when the folder or the part has been removed
-  // meanwhile.
+  // The errno of the last download's failure, 0 without one. Among others:
+  //   EEXIST       something else than a file has the name, or kKeep found a file
+  //   EWOULDBLOCK  another FileSink has the part
+  //   EBADMSG      the server sent another number of bytes than it said
+  //   ENOENT       somebody has removed the folder or the part meanwhile
   int error() const { return error_; }
 
   // The bytes of the file so far, and how many of them an earlier download has written.

@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: MIT
+// A download that goes on with what an earlier one has left.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "tests/platform/http/file_sink_fixture.h"
+#include "tests/platform/http/gzip_text.h"
+
+namespace stowra_test {
+namespace {
+
+class FileSinkPartTest : public FileSinkFixture {};
+IN_BOTH_BODY_MODES(FileSinkPartTest);
+
+TEST_P(FileSinkPartTest, ContinuesWhatABrokenDownloadLeft) {
+  const Thing thing{Letters(200000)};
+  LeavePart(thing, 70000);
+  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+  EXPECT_EQ(Fetch(thing), Received(206, ""));
+  EXPECT_EQ(First().Header("Range"), "bytes=70000-");
+  EXPECT_EQ(First().Header("If-Range"), "\"v1\"");
+  EXPECT_EQ(continued, 70000U);
+  ExpectWhole(thing);
+}
+
+TEST_P(FileSinkPartTest, ContinuesTwice) {
+  Thing thing{Letters(200000)};
+  LeavePart(thing, 70000);
+  thing.cut = 50000;
+  EXPECT_EQ(Fetch(thing), Failed(206, TransferError::kCutOff));
+  EXPECT_EQ(size, 120000U);
+  EXPECT_TRUE(can_continue);
+  thing.cut = SIZE_MAX;
+  EXPECT_EQ(Fetch(thing), Received(206, ""));
+  EXPECT_EQ(continued, 120000U);
+  ExpectWhole(thing);
+}
+
+TEST_P(FileSinkPartTest, OneSinkMayContinueItself) {
+  Thing thing{Letters(100)};
+  thing.cut = 30;
+  const RawServer server(Serve(thing));
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
+  thing.cut = SIZE_MAX;
+  EXPECT_EQ(Download(server.Url(), sink), Received(206, ""));
+  EXPECT_EQ(sink->continued_size(), 30U);
+  EXPECT_EQ(Content(), thing.content);
+  EXPECT_EQ(All(), Names{"x"});
+}
+
+TEST_P(FileSinkPartTest, ContinuesByDateWithoutAnEtag) {
+  Thing thing{Letters(100)};
+  thing.headers =
+      "ETag: W/\"weak\"\r\nLast-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n"
+      "Date: Sun, 22 Nov 2026 08:01:00 GMT\r\n";
+  LeavePart(thing, 30);
+  EXPECT_EQ(Fetch(thing), Received(206, ""));
+  EXPECT_EQ(First().Header("If-Range"), "Sun, 22 Nov 2026 08:00:00 GMT");
+  ExpectWhole(thing);
+}
+
+TEST_P(FileSinkPartTest, LeavesNoPartWithoutAStrongValidator) {
+  for (const char* headers :
+       {"", "ETag: W/\"v1\"\r\n", "Last-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n",
+        "Last-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\nDate: Sun, 22 Nov 2026 08:00:59 GMT\r\n",
+        "ETag: \"v1\"\r\nContent-Encoding: gzip\r\n"}) {
+    Thing thing{Gzip(Letters(1000))};
+    thing.headers = headers;
+    thing.cut = 30;
+    EXPECT_FALSE(Fetch(thing).received) << headers;
+    EXPECT_FALSE(can_continue);
+    EXPECT_EQ(All(), Names{}) << headers;
+  }
+}
+
+TEST_P(FileSinkPartTest, BeginsAnewUnlessToldToContinue) {
+  const Thing thing{Letters(100)};
+  LeavePart(thing, 30);
+  EXPECT_EQ(Fetch(thing, FileSink::Start::kAnew), Received(200, ""));
+  EXPECT_FALSE(First().HasHeader("Range"));
+  ExpectWhole(thing);
+}
+
+TEST_P(FileSinkPartTest, BeginsAnewWhenTheThingHasChanged) {
+  LeavePart({Letters(100)}, 30);
+  Thing changed{"something else"};
+  changed.headers = "ETag: \"v2\"\r\n";
+  EXPECT_EQ(Fetch(changed), Received(200, ""));
+  EXPECT_EQ(First().Header("Range"), "bytes=30-");
+  EXPECT_EQ(continued, 0U);
+  ExpectWhole(changed);
+}
+
+TEST_P(FileSinkPartTest, BeginsAnewWithoutRangesOnTheServer) {
+  Thing thing{Letters(100)};
+  LeavePart(thing, 30);
+  thing.has_ranges = false;
+  EXPECT_EQ(Fetch(thing), Received(200, ""));
+  EXPECT_EQ(CountRequests(), 1U);
+  ExpectWhole(thing);
+}
+
+TEST_P(FileSinkPartTest, AsksAgainAfterARangeThatDoesNotFit) {
+  for (const char* range :
+       {"bytes 31-99/100", "bytes 30-98/100", "bytes 30-99/101", "bytes 0-99/100", "bytes */100",
+        "bytes 30-99/*", "lines 30-99/100", "30-99/100", "bytes 30-99", "bytes 30-99/100x",
+        "bytes 99-30/100", "bytes 30-18446744073709551615/0", "bytes -1-99/100"}) {
+    Thing thing{Letters(100)};
+    LeavePart(thing, 30);
+    thing.range = range;
+    EXPECT_EQ(Fetch(thing), Received(200, "")) << range;
+    EXPECT_EQ(CountRequests(), 2U);
+    EXPECT_FALSE(LastRequest(*server_).HasHeader("Range"));
+    ExpectWhole(thing);
+  }
+}
+
+TEST_P(FileSinkPartTest, AsksAgainWhenTheRestHasAnotherValidator) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    const std::string new_etag = "ETag: \"v2\"\r\n";
+    connection.Write(
+        request.HasHeader("Range")
+            ? Response(206, std::string(70, 'x'), new_etag + "Content-Range: bytes 30-99/100\r\n")
+            : Response(200, "new", new_etag));
+  });
+  LeavePart({Letters(100)}, 30);
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(Content(), "new");
+}
+
+TEST_P(FileSinkPartTest, AsksAgainWhenTheServerHasNoRest) {
+  Thing thing{Letters(100)};
+  LeavePart(thing, 30);
+  thing.content = Letters(20);
+  EXPECT_EQ(Fetch(thing), Received(200, ""));
+  EXPECT_EQ(CountRequests(), 2U);
+  ExpectWhole(thing);
+}
+
+TEST_P(FileSinkPartTest, KeepsThePartWhenTheServerIsBusy) {
+  const Thing thing{Letters(100)};
+  LeavePart(thing, 30);
+  const RawServer busy(Always(Response(503, "later")));
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(busy.Url(), sink), Received(503, "later"));
+  EXPECT_TRUE(sink->CanContinue());
+  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+}
+
+TEST_P(FileSinkPartTest, IgnoresAPartWithoutAUsableNote) {
+  for (const char* note : {"", "\n", "\n100\n", "\x01\n"}) {
+    const Thing thing{Letters(100)};
+    Make("x.part", "abc");
+    Make("x.part.validator", note);
+    EXPECT_EQ(Fetch(thing), Received(200, ""));
+    EXPECT_FALSE(First().HasHeader("Range"));
+    ExpectWhole(thing);
+  }
+  Make("x.part", "");
+  Make("x.part.validator", "\"v1\"\n100\n");
+  EXPECT_EQ(Fetch({Letters(100)}), Received(200, ""));
+  EXPECT_FALSE(First().HasHeader("Range"));
+}
+
+TEST_P(FileSinkPartTest, ContinuesAfterARedirect) {
+  const Thing thing{Letters(100)};
+  LeavePart(thing, 30);
+  const RawServer other(Serve(thing));
+  const RawServer server(Always(Response(302, "", "Location: " + other.Url("/to") + "\r\n")));
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Received(206, ""));
+  EXPECT_EQ(LastRequest(other).Header("Range"), "bytes=30-");
+  EXPECT_EQ(Content(), thing.content);
+  EXPECT_EQ(All(), Names{"x"});
+}
+
+TEST_P(FileSinkPartTest, FailsWhenTheRestIsShorterThanItsRange) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.HasHeader("Range")
+                         ? "HTTP/1.1 206 Part\r\nETag: \"v1\"\r\nContent-Range: bytes 5-99/100\r\n"
+                           "Connection: close\r\n\r\nabc"
+                         : "HTTP/1.1 200 OK\r\nETag: \"v1\"\r\nTransfer-Encoding: chunked\r\n\r\n"
+                           "5\r\nhello\r\n");
+    connection.Close();
+  });
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
+  EXPECT_EQ(Download(server.Url(), sink), Failed(206, TransferError::kBody));
+  EXPECT_EQ(sink->error(), EBADMSG);
+  EXPECT_TRUE(sink->CanContinue());
+  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+}
+
+TEST_P(FileSinkPartTest, BeginsAnewWhenTheRestHasNoEtag) {
+  LeavePart({"0123456789"}, 5);
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.HasHeader("Range")
+                         ? "HTTP/1.1 206 Part\r\nContent-Range: bytes 5-9/10\r\n"
+                           "Content-Length: 5\r\n\r\nother"
+                         : Response(200, "0123456789"));
+  });
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(Content(), "0123456789");
+}
+
+// Another sink lets go of the part before the answer comes.
+TEST_P(FileSinkPartTest, KeepsAPartThatWasBusy) {
+  LeavePart({"0123456789"}, 5);
+  const int other = open(Path("x.part").c_str(), O_RDWR);
+  ASSERT_EQ(flock(other, LOCK_EX), 0);
+  const RawServer server([other](const RawRequest&, RawConnection& connection) {
+    close(other);
+    connection.Write(Response(200, "0123456789"));
+  });
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink->error(), EWOULDBLOCK);
+  EXPECT_EQ(Content("x.part"), "01234");
+  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+}
+
+TEST_P(FileSinkPartTest, GivesNoNameToAPartOfSomebodyElse) {
+  const RawServer server([this](const RawRequest&, RawConnection& connection) {
+    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
+    EXPECT_TRUE(WaitForContent("x.part", "abc"));
+    std::filesystem::remove(Path("x.part"));
+    Make("x.part", "half");
+    connection.Write("def");
+  });
+  const auto sink = std::make_shared<FileSink>(Path());
+  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink->error(), ENOENT);
+  EXPECT_EQ(All(), Names{"x.part"});
+  EXPECT_EQ(Content("x.part"), "half");
+}
+
+TEST_P(FileSinkPartTest, KnowsThePartsSizeWithoutAReply) {
+  LeavePart({"0123456789"}, 5);
+  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  EXPECT_FALSE(Download("http://127.0.0.1:1/", sink).received);
+  EXPECT_EQ(sink->size(), 5U);
+  EXPECT_TRUE(sink->CanContinue());
+}
+
+}  // namespace
+}  // namespace stowra_test
