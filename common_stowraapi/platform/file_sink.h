@@ -43,10 +43,10 @@ class STOWRA_EXPORT FileSink final : public BodySink {
   ~FileSink() override;
 
   // The errno of the last download's failure, 0 without one. Among others:
-  //   EEXIST       something else than a file has the name, or kKeep found a file
-  //   EWOULDBLOCK  another FileSink has the part
-  //   EBADMSG      the server sent another number of bytes than it said
-  //   ENOENT       somebody has removed the folder or the part meanwhile
+  //   - EEXIST: something else than a file has the name, or kKeep found a file.
+  //   - EWOULDBLOCK: another FileSink has the part.
+  //   - EBADMSG: the server sent another number of bytes than it said.
+  //   - ENOENT: the folder or the part has been removed meanwhile.
   int error() const { return error_; }
 
   // The bytes of the file so far, and how many of them an earlier download has written.
