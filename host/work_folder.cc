@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/work_folder.h"
 
+#include <unistd.h>  // mkdtemp on macOS
+
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>

@@ -1,24 +1,16 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# What arm64.sh runs inside the bare system.
+# in_arm64_root.sh ROOT CORPORA [CTEST_OPTION...]
+#
+# What arm64.sh runs in a user and mount namespace of its own. There the kernel starts programs for arm64 with the qemu of
+# ROOT, and so do the build and the tests, which start many.
 set -euo pipefail
-export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
-quiet() { "$@" >/tmp/log 2>&1 || { cat /tmp/log >&2; exit 1; }; }
+root=$1 corpora=$2
+mount -t binfmt_misc binfmt_misc /proc/sys/fs/binfmt_misc
+sed "s|:[^:]*:[^:]*\$|:$root/usr/bin/qemu-aarch64-static:F|" "$root/usr/lib/binfmt.d/qemu-aarch64.conf" \
+  >/proc/sys/fs/binfmt_misc/register
+for folder in dev proc; do mount --rbind "/$folder" "$root/$folder"; done
+if [ -d "$corpora" ]; then mount --bind "$corpora" "$root/corpora"; fi
 
-dpkg --add-architecture arm64
-quiet apt-get update
-quiet apt-get install -y --no-install-recommends g++-aarch64-linux-gnu cmake ninja-build pkg-config qemu-user-static \
-  libcli11-dev nlohmann-json3-dev rapidjson-dev googletest \
-  lib{curl4-openssl,expat1,icu,sqlite3,ssl,fmt,cpp-httplib,gtest,gmock}-dev:arm64 zlib1g-dev:arm64
-
-export PKG_CONFIG_LIBDIR=/usr/lib/aarch64-linux-gnu/pkgconfig:/usr/share/pkgconfig
-quiet cmake -G Ninja -S /project -B /build -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=aarch64 \
-  -DCMAKE_CXX_COMPILER=aarch64-linux-gnu-g++ -DCMAKE_LIBRARY_ARCHITECTURE=aarch64-linux-gnu \
-  -DCMAKE_CROSSCOMPILING_EMULATOR=qemu-aarch64-static -DCMAKE_BUILD_TYPE=Release
-tests=(json/json_test platform/text/text_test platform/xml/xml_test platform/notify/notify_test content/content_test)
-quiet cmake --build /build --target CommonStowraapi "${tests[@]##*/}"
-for test in "${tests[@]}"; do
-  quiet qemu-aarch64-static "/build/tests/$test"
-  echo "== $test: $(grep -F '[  PASSED  ]' /tmp/log)"
-done
-echo "arm64: all of them pass"
+chroot "$root" /bin/bash /project/packaging/debian/build_for_arm64.sh build
+chroot "$root" ctest --test-dir /build --output-on-failure -j "$(nproc)" "${@:3}"

@@ -14,7 +14,7 @@ mkdir -p "$root"/usr/{include/openssl,lib/cmake,lib/pkgconfig} "$root/System/Lib
 
 header() { ln -s "$1" "$root/usr/include/$(basename "$1")"; }
 header "$arch_include/curl"
-for name in expat.h expat_external.h zlib.h zconf.h sqlite3.h sqlite3ext.h unicode rapidjson CLI fmt nlohmann httplib.h; do
+for name in expat.h expat_external.h zlib.h zconf.h sqlite3.h sqlite3ext.h unicode rapidjson CLI fmt nlohmann httplib.h brotli; do
   header "/usr/include/$name"
 done
 [ ! -e "$arch_include/expat_config.h" ] || header "$arch_include/expat_config.h"
