@@ -80,7 +80,7 @@ class STOWRA_EXPORT UpdateQuery : public WebServiceRequestBase {
   // read.
   bool ParseResponse(const ovrant::utils::ovrant_ustring& body) override;
 
-  // Post "UpdateQueryAsyncSucceeded" and "UpdateQueryAsyncFailed".
+  // Post "UpdateQueryAsyncSucceeded" after a success, "UpdateQueryAsyncFailed" after a failure.
   void OnSyncResponseSuccess() override;
   void OnSyncResponseFail() override;
   void OnAsyncResponseSuccess() override;

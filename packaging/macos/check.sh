@@ -42,6 +42,17 @@ plain() {
 }
 exported() { "$nm" --defined-only --extern-only --demangle "$1" | sed -E 's/^[0-9a-f]* +[A-Za-z] //; s/^_([Ck])/\1/' | plain; }
 
+# wanted NAME: what lib<NAME> exports. Apple's ABI for arm64 hides the type information of a class that has no library to
+# hold its virtual table. Such types are compared by name there.
+wanted() {
+  local names=tests/architecture/$1.exports
+  if "$objdump" --macho --private-header "$library" | grep -q ARM64; then
+    awk -F ' for ' 'NR == FNR { tables[$2] += /^vtable for /; next } !/^typeinfo / || tables[$2]' "$names" "$names"
+  else
+    cat "$names"
+  fi | plain
+}
+
 system=/usr/lib/libSystem.B.dylib
 own=("@rpath/libCommonStowraapi.$major.dylib" "@rpath/libCommonStowraapiPlatform.$major.dylib")
 platform=$build/common_stowraapi/libCommonStowraapiPlatform.$version.dylib
@@ -56,7 +67,7 @@ expect "loaded by libCommonStowraapiPlatform" \
   "$(loaded "$platform")"
 expect "loaded by stowra" "$(printf '%s\n' "$system" "${own[@]}")" "$(loaded "$build/host/stowra")"
 for name in CommonStowraapi CommonStowraapiPlatform; do
-  expect "exports of lib$name" "$(plain <"tests/architecture/$name.exports")" \
+  expect "exports of lib$name" "$(wanted "$name")" \
     "$(exported "$build/common_stowraapi/lib$name.$version.dylib")"
 done
 exit "$failed"
