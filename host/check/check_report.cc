@@ -107,10 +107,11 @@ bool IsWhole(const CheckReport& report) {
 std::string ToText(const CheckReport& report) {
   const auto kept = std::count_if(report.parts.begin(), report.parts.end(),
                                   [](const CheckedPart& part) { return part.is_kept; });
-  std::string text =
-      fmt::format("{}: {}, {} of {} parts kept\n", report.kind,
-                  report.is_usable ? "usable" : "not usable", kept, report.parts.size());
-  text += ToText(report.findings, report.values);
+  std::string text = report.kind + (report.is_usable ? ": usable" : ": not usable");
+  if (!report.parts.empty()) {
+    text += fmt::format(", {} of {} parts kept", kept, report.parts.size());
+  }
+  text += "\n" + ToText(report.findings, report.values);
   for (const CheckedPart& part : report.parts) text += ToText(part);
   return text;
 }

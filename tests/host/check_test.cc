@@ -168,7 +168,7 @@ TEST(CheckUserInfoTest, NamesWhatIsMissingOrOfAnotherType) {
   EXPECT_EQ(whole.status, 0);
   EXPECT_THAT(whole.out, HasSubstr("  - it has no displayname; the empty text kept\n"));
   ExpectFindings("user-info",
-                 {{"", "not usable, 0 of 0 parts kept\n  ! it is empty\n"},
+                 {{"", ": not usable\n  ! it is empty\n"},
                   {"{", "it cannot be read as JSON"},
                   {R"({"uid":"u","email":"e"})", "it has no vkr_id; the old user is kept"},
                   {R"({"uid":7,"email":"e","vkr_id":"v"})",
