@@ -10,10 +10,15 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
+#include "common_stowraapi/platform/memory_sink.h"
+#include "common_stowraapi/platform/memory_source.h"
+#include "common_stowraapi/platform/notification_center.h"
+#include "common_stowraapi/platform/observer.h"
 #include "tests/allocation/each_failure.h"
 #include "tests/allocation/end_counter.h"
 #include "tests/platform/http/gzip_text.h"
@@ -24,6 +29,9 @@
 
 namespace stowra_test {
 namespace {
+
+using ovrant::internet::MemorySink;
+using ovrant::internet::MemorySource;
 
 const std::string kBody(5000, 'b');
 const std::string kSent(3000, 's');
@@ -212,6 +220,65 @@ long FailInBackground(const std::string& url, bool is_upload, Threads threads) {
 TEST_F(TransportAllocationTest, BackgroundStartFailsOrEndsOnce) {
   EXPECT_GT(FailInBackground(server_.Url(), false, Threads::kThis), 5);
   EXPECT_GT(FailInBackground(server_.Url(), true, Threads::kThis), 5);
+}
+
+// A background transfer that `start` starts with one of its own `Body`. Notes how many hold that
+// body when the failure is posted inside the start.
+template <typename Body>
+struct WithHostBody final : ovrant::IObserver {
+  WithHostBody(const std::string& url, std::shared_ptr<Body> host_body)
+      : transfer(url), body(std::move(host_body)) {
+    CNotificationCenter::Default()->AddObserver(kFailed, this);
+  }
+  ~WithHostBody() override { CNotificationCenter::Default()->RemoveObserver(this); }
+
+  using ovrant::IObserver::OnNotification;
+  void OnNotification(const char* /*name*/, void* /*payload*/) override {
+    if (std::this_thread::get_id() == starter) holders = body.use_count();
+  }
+
+  InBackground transfer;
+  const std::shared_ptr<Body> body;
+  const std::thread::id starter = std::this_thread::get_id();
+  long holders = 0;
+};
+
+// Expects that a start that fails has let go of the body before it posts.
+template <typename Body, typename Start>
+void FailStartWithHostBody(const std::string& url, const Start& start,
+                           const std::function<std::shared_ptr<Body>()>& make_body) {
+  using State = WithHostBody<Body>;
+  long failed_starts = 0;
+  FailEachAllocationOf([&] { return std::make_unique<State>(url, make_body()); },
+                       [&](const std::unique_ptr<State>& state) {
+                         EXPECT_TRUE(start(state->transfer, state->body));
+                         state->transfer.ends.WaitFor(1);
+                       },
+                       [&](const std::unique_ptr<State>& state, Outcome) {
+                         EXPECT_EQ(state->transfer.ends.count(), 1);
+                         EXPECT_LE(state->holders, 1);
+                         failed_starts += state->holders;
+                         LetWorkerCatchUp();
+                       });
+  EXPECT_GT(failed_starts, 5);
+}
+
+TEST_F(TransportAllocationTest, FailedStartLetsGoOfTheSinkBeforeThePost) {
+  FailStartWithHostBody<MemorySink>(
+      server_.Url(),
+      [](InBackground& transfer, const std::shared_ptr<MemorySink>& sink) {
+        return transfer.transport.DownloadToWithDelegate(sink, transfer.delegate.get(), nullptr);
+      },
+      [] { return std::make_shared<MemorySink>(); });
+}
+
+TEST_F(TransportAllocationTest, FailedStartLetsGoOfTheSourceBeforeThePost) {
+  FailStartWithHostBody<MemorySource>(
+      server_.Url(),
+      [](InBackground& transfer, const std::shared_ptr<MemorySource>& source) {
+        return transfer.transport.UploadFromWithDelegate(source, transfer.delegate.get(), nullptr);
+      },
+      [] { return std::make_shared<MemorySource>(kSent); });
 }
 
 TEST_F(TransportAllocationTest, FailureOnTheWorkerEndsTheTransferOnce) {

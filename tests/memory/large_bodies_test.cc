@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bodies that a source gives or a sink takes need no memory of their own.
+// Bodies that a source gives, a sink takes or a server only announces need no memory of their own.
 
 #include <gtest/gtest.h>
 
@@ -23,6 +23,7 @@ namespace {
 using ovrant::internet::BodySink;
 using ovrant::internet::BodySource;
 using ovrant::internet::InternetData;
+using ovrant::internet::TransferDefaults;
 
 constexpr std::size_t kMebibyte = std::size_t{1} << 20;
 constexpr std::size_t kMebibytes = 256;
@@ -88,6 +89,20 @@ TEST(LargeBodiesTest, AnUploadFromASourceTakesLittleMemory) {
   EXPECT_TRUE(transport.UploadFrom(source));
   EXPECT_EQ(transport.status_code(), 200);
   EXPECT_LT(watch.peak(), kMostMemory);
+}
+
+TEST(LargeBodiesTest, ALengthBeyondTheCapReservesNoMemory) {
+  TransferDefaults defaults;
+  defaults.body_cap = 10'000;
+  InternetData::SetDefaults(defaults);
+  const RawServer server(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: " +
+                                         std::to_string(kMebibytes * kMebibyte) + "\r\n\r\nhello"));
+  InternetData transport(server.Url().c_str());
+  const MemoryWatch watch;
+  EXPECT_FALSE(transport.Download());
+  EXPECT_EQ(transport.status_code(), 200);
+  EXPECT_LT(watch.peak(), kMostMemory);
+  InternetData::SetDefaults(TransferDefaults());
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "common_stowraapi/platform/http/chunk_decoder.h"
 #include "common_stowraapi/platform/http/message.h"
 #include "common_stowraapi/platform/http/response_head.h"
+#include "common_stowraapi/platform/text/number_format.h"
 #include "common_stowraapi/platform/xml/limits.h"
 
 namespace stowra_test {
@@ -44,6 +45,8 @@ TEST(SecurityPageTest, StatesTheLimitsOfReplies) {
             std::to_string(ResponseHead::kMaxBytes / kKib) + " KiB with");
   ExpectRow("line with the size of a chunk",
             std::to_string(ChunkDecoder::kMaxSizeLine / kKib) + " KiB |");
+  ExpectRow("one line of the trailing section of chunks",
+            std::to_string(ChunkDecoder::kMaxTrailerLine) + " bytes |");
   ExpectRow("redirects", std::to_string(HttpRequest::kDefaultRedirectLimit) + " |");
   ExpectRow("background transfers at a time", std::to_string(BackgroundWorker::kMaxActive) + " |");
 }
@@ -62,6 +65,11 @@ TEST(SecurityPageTest, StatesTheLimitsOfXml) {
             "each " + std::to_string(per_byte) + " times the document and " +
                 std::to_string(added / kMib) + " MiB |");
   ExpectRow("XML: document", std::to_string(xml::kMaxDocument / kGib) + " GiB |");
+}
+
+TEST(SecurityPageTest, StatesTheLimitOfFormat) {
+  ExpectRow("`Format`: width, and precision of a number",
+            std::to_string(ovrant::utils::kMaxFormatCount) + " |");
 }
 
 }  // namespace

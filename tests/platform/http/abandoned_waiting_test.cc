@@ -9,6 +9,7 @@
 
 #include "common_stowraapi/platform/http/background_transfer.h"
 #include "common_stowraapi/platform/http/background_worker.h"
+#include "common_stowraapi/platform/memory_sink.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/event.h"
 #include "tests/support/raw_server.h"
@@ -22,6 +23,7 @@ using ovrant::internet::BackgroundTransfer;
 using ovrant::internet::BackgroundWorker;
 using ovrant::internet::HttpReply;
 using ovrant::internet::HttpRequest;
+using ovrant::internet::MemorySink;
 
 // Sets the event when it is destroyed.
 struct Farewell {
@@ -34,17 +36,23 @@ struct Farewell {
   Event& event;
 };
 
-class AbandonedWaitingTest : public TransportTest {};
+class AbandonedWaitingTest : public TransportTest {
+ protected:
+  // All later transfers wait.
+  void SetUp() override {
+    for (std::size_t i = 0; i < BackgroundWorker::kMaxActive; ++i) {
+      stalled_.push_back(std::make_unique<Background>(server_.Url()));
+      ASSERT_TRUE(stalled_.back()->Start());
+    }
+    ASSERT_TRUE(server_.WaitForRequests(BackgroundWorker::kMaxActive));
+  }
+
+ private:
+  const RawServer server_{Silence()};
+  std::vector<std::unique_ptr<Background>> stalled_;
+};
 
 TEST_F(AbandonedWaitingTest, FreesTransfersThatNeverGetTheirTurn) {
-  const RawServer server(Silence());
-  std::vector<std::unique_ptr<Background>> stalled;
-  for (std::size_t i = 0; i < BackgroundWorker::kMaxActive; ++i) {
-    stalled.push_back(std::make_unique<Background>(server.Url()));
-    ASSERT_TRUE(stalled.back()->Start());
-  }
-  ASSERT_TRUE(server.WaitForRequests(BackgroundWorker::kMaxActive));
-
   Event freed;
   auto transfer = std::make_shared<BackgroundTransfer>(
       HttpRequest(), nullptr,
@@ -55,6 +63,15 @@ TEST_F(AbandonedWaitingTest, FreesTransfersThatNeverGetTheirTurn) {
   EXPECT_FALSE(freed.Wait(std::chrono::milliseconds(0)));
   BackgroundWorker::Withdraw(waiting.Abandon());
   EXPECT_TRUE(freed.Wait(std::chrono::milliseconds(0)));
+}
+
+TEST_F(AbandonedWaitingTest, DeletedTransportFreesItsTransferAtOnce) {
+  const auto sink = std::make_shared<MemorySink>();
+  Background waiting("none:");
+  ASSERT_TRUE(waiting.transport->DownloadToWithDelegate(sink, waiting.delegate.get(), nullptr));
+  EXPECT_GT(sink.use_count(), 1);
+  waiting.transport.reset();
+  EXPECT_EQ(sink.use_count(), 1);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -83,7 +84,9 @@ TEST_F(BodyCapTest, AllowsIncompressibleGzipAtTheCap) {
       EXPECT_EQ(Ask(way, server.Url(), "data"), (Answer{true, 200, body})) << NameOf(way);
     }
     SetBodyCap(cap - 1);
-    EXPECT_EQ(ReasonOf(Way::kDownload, server.Url()), TransferError::kTooLarge);
+    for (const Way way : kAllWays) {
+      EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kTooLarge) << NameOf(way);
+    }
   }
 }
 
@@ -101,13 +104,27 @@ TEST_F(BodyCapTest, StopsAnEndlessNameInAGzipHeader) {
   }
 }
 
+// No machine has as much memory.
+constexpr char kCutOffHugeBody[] =
+    "HTTP/1.1 200 OK\r\nContent-Length: 9000000000000000000\r\n\r\nhello";
+
 TEST_F(BodyCapTest, DoesNotReserveALengthBeyondTheCap) {
   SetBodyCap(kCap);
-  const RawServer server(AlwaysThenClose(
-      "HTTP/1.1 200 OK\r\nContent-Length: 9000000000000000000\r\n\r\n" + std::string(100, 'x')));
+  const RawServer server(AlwaysThenClose(kCutOffHugeBody));
   InternetData transport(Text(server.Url()));
   EXPECT_FALSE(transport.Download());
   ExpectFailureState(transport, 200);
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kCutOff) << NameOf(way);
+  }
+}
+
+TEST_F(BodyCapTest, ReservesLittleForAHugeLengthWithoutACap) {
+  SetBodyCap(std::numeric_limits<unsigned long>::max());
+  const RawServer server(AlwaysThenClose(kCutOffHugeBody));
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kCutOff) << NameOf(way);
+  }
 }
 
 TEST_F(BodyCapTest, StopsAnEndlessBody) {

@@ -61,6 +61,12 @@ TEST(ChunkDecoder, SeesThatABodyIsBroken) {
   }
 }
 
+TEST(ChunkDecoder, TakesTheLargestSize) {
+  ChunkDecoder decoder;
+  EXPECT_EQ(Decoded("ffffffffffffffff\r\nhello", 100, decoder), "hello");
+  EXPECT_FALSE(decoder.IsBroken());
+}
+
 TEST(ChunkDecoder, RefusesNulInTheTrailingSection) {
   ChunkDecoder decoder;
   Decoded(std::string_view("0\r\nA: \0\r\n\r\n", 11), 100, decoder);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
+#include <cstddef>
 #include <string>
 #include <thread>
 #include <vector>
@@ -71,6 +73,27 @@ TEST_F(ConnectionReuseTest, ConcurrentThreadsUseSeparateConnections) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(server.requests().size(), 10U);
   EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(ConnectionReuseTest, KeepsTheConnectionsOfEightThreads) {
+  constexpr int kKept = 8;
+  constexpr int kThreads = 10;
+  std::atomic<int> inside{0};
+  std::array<Event, 2> all_inside;
+  const RawServer server([&](const RawRequest&, RawConnection& connection) {
+    const int number = inside++;
+    Event& all = all_inside.at(static_cast<std::size_t>(number / kThreads));
+    if (number % kThreads == kThreads - 1) all.Set();
+    EXPECT_TRUE(all.Wait());
+    connection.Write(Response(200, "hello"));
+  });
+  for (const int connections : {kThreads, kThreads + kThreads - kKept}) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) threads.emplace_back([&server] { Download(server); });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(server.connections(), connections);
+    EXPECT_TRUE(server.WaitUntilOpen(kKept));
+  }
 }
 
 TEST_F(ConnectionReuseTest, BackgroundTransfersShareAConnection) {

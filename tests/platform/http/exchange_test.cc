@@ -5,8 +5,10 @@
 #include <thread>
 #include <vector>
 
+#include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/raw_server.h"
+#include "tests/support/small_stack.h"
 
 namespace stowra_test {
 namespace {
@@ -159,6 +161,20 @@ TEST_F(ExchangeTest, SkipsInterimResponses) {
   EXPECT_EQ(transport.status_code(), 200);
   EXPECT_EQ(BodyOf(transport), "final");
   EXPECT_EQ(HeaderOf(transport, "Link"), "(none)");
+}
+
+TEST_F(ExchangeTest, FitsASmallStack) {
+  const std::string body(100'000, 'x');
+  const RawServer server([&body](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/"
+                         ? Response(302, "", "Location: /next\r\n")
+                         : Response(200, Gzip(body), "Content-Encoding: gzip\r\n"));
+  });
+  RunOnSmallStack([&] {
+    InternetData transport(Text(server.Url()));
+    EXPECT_TRUE(transport.Download());
+    EXPECT_TRUE(BodyOf(transport) == body);
+  });
 }
 
 TEST_F(ExchangeTest, ReturnsTheResponseHeaders) {

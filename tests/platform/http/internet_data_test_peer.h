@@ -16,6 +16,10 @@ class InternetDataTestPeer {
   // Makes a redirect a response like any other.
   static void StopFollowingRedirects(InternetData& transport) { transport.redirect_limit_ = 0; }
 
+  static void SetInactivityTimeout(InternetData& transport, float seconds) {
+    transport.inactivity_timeout_ = seconds;
+  }
+
   static const ovrant::utils::ovrant_ustring& Url(const InternetData& t) { return t.url_; }
   static bool FirstFlag(const InternetData& t) { return t.started_; }
   static float FloatSetting(const InternetData& t) { return t.inactivity_timeout_; }

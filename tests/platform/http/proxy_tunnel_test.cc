@@ -63,10 +63,10 @@ TEST_P(EndlessProxyTest, FailsSoonInEveryWay) {
   }
 }
 
-// Refuses each CONNECT, with a body of so many bytes.
+// Refuses each CONNECT, with a body of so many bytes. With 407 libcurl reads it.
 TransferError ReasonOfRefusal(Way way, std::size_t size) {
   const RawServer proxy(
-      AlwaysThenClose("HTTP/1.1 403 No\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" +
+      AlwaysThenClose("HTTP/1.1 407 No\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" +
                       std::string(size, 'x')));
   TransferDefaults defaults;
   defaults.proxy = Text(proxy.Url(""));
@@ -77,6 +77,12 @@ TransferError ReasonOfRefusal(Way way, std::size_t size) {
 TEST_F(TransportTest, AProxyMayRefuseIn60Kibibytes) {
   for (const Way way : kAllWays) {
     EXPECT_EQ(ReasonOfRefusal(way, 60 << 10), TransferError::kNotConnected) << NameOf(way);
+  }
+}
+
+TEST_F(TransportTest, AProxyMayNotRefuseInAMebibyte) {
+  for (const Way way : kAllWays) {
+    EXPECT_EQ(ReasonOfRefusal(way, 1 << 20), TransferError::kTooLarge) << NameOf(way);
   }
 }
 

@@ -118,6 +118,10 @@ INSTANTIATE_TEST_SUITE_P(
               TransferError::kTooLarge, ""},
         Reply{"RedirectIsNotDecoded", REDIRECT "Content-Encoding: gzip\r\n\r\n", "no gzip",
               TransferError::kNone, ""},
+        Reply{"EncodedRedirectAtTheCap", REDIRECT "Content-Encoding: gzip\r\n\r\n",
+              std::string(kCap, 'x'), TransferError::kNone, ""},
+        Reply{"EncodedRedirectAboveTheCap", REDIRECT "Content-Encoding: gzip\r\n\r\n",
+              std::string(kCap + 1, 'x'), TransferError::kTooLarge, ""},
         Reply{"UnknownEncoding", HEAD "Content-Encoding: br\r\n", "", TransferError::kEncoding, ""},
         Reply{"NoStatusLine", "hello\r\n", "", TransferError::kMalformed, ""}),
     [](const auto& test) { return test.param.name; });

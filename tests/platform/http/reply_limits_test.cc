@@ -47,6 +47,11 @@ std::string WithHeaderLine(std::size_t size) {
          "\r\n\r\nhello";
 }
 
+// A chunked reply with one trailer line of `size` bytes without its end.
+std::string WithTrailerLine(std::size_t size) {
+  return std::string(kChunkedHead) + kChunks + "X: " + std::string(size - 3, 'x') + "\r\n\r\n";
+}
+
 // A chunked reply whose first line has `size` bytes.
 std::string WithSizeLine(std::size_t size) {
   const std::string line = "5;" + std::string(size - 4, 'x') + "\r\n";
@@ -86,6 +91,10 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"LongestSizeLine", WithSizeLine(ChunkDecoder::kMaxSizeLine), TransferError::kNone},
         Case{"TooLongSizeLine", WithSizeLine(ChunkDecoder::kMaxSizeLine + 1),
              TransferError::kMalformed},
+        Case{"LongestTrailerLine", WithTrailerLine(ChunkDecoder::kMaxTrailerLine),
+             TransferError::kNone},
+        Case{"TooLongTrailerLine", WithTrailerLine(ChunkDecoder::kMaxTrailerLine + 1),
+             TransferError::kTooLarge},
         Case{"TrailerOfSeveralLines", Chunked("0\r\nX: 1\r\n continued\r\n\r\n"),
              TransferError::kNone},
         Case{"SizeLikeALiteral", Chunked("0x5\r\nhello\r\n0\r\n\r\n"), TransferError::kMalformed},

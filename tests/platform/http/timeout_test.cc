@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/platform/http/internet_data_test_peer.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/full_listener.h"
 #include "tests/support/raw_server.h"
@@ -16,6 +17,8 @@
 namespace stowra_test {
 namespace {
 
+using ovrant::internet::InternetDataTestPeer;
+using ovrant::internet::TransferError;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
@@ -277,6 +280,21 @@ TEST_F(TimeoutTest, InvalidSettingMeansTheDefault) {
   const RawServer server(Always(Response(200, "hello")));
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
+}
+
+TEST_F(TimeoutTest, InvalidSettingMeansTheTransportsOwn) {
+  const RawServer server(Silence());
+  for (const float seconds : {-1.0F, 0.0F, std::numeric_limits<float>::quiet_NaN(),
+                              std::numeric_limits<float>::infinity()}) {
+    SetInactivityTimeout(seconds);
+    InternetData transport(Text(server.Url()));
+    InternetDataTestPeer::SetInactivityTimeout(transport, kShort);
+    const auto begin = Clock::now();
+    EXPECT_FALSE(transport.Download()) << seconds;
+    EXPECT_EQ(InternetData::LastError(), TransferError::kSilent) << seconds;
+    EXPECT_GE(Clock::now() - begin, kShortest) << seconds;
+    EXPECT_LT(Clock::now() - begin, kSoon) << seconds;
+  }
 }
 
 // The worker has no time to wait beside a reply that comes as fast as it can be read.
