@@ -9,6 +9,7 @@
 #include "emulator/emulator.h"
 #include "emulator/gzip_bomb.h"
 #include "tests/emulator/raw_client.h"
+#include "tests/platform/http/gzip_text.h"
 
 namespace stowra_emulator {
 namespace {
@@ -73,6 +74,32 @@ TEST(BodySizeTest, RefusesBodyThatInflatesTooLarge) {
   EXPECT_THAT(SplitResponse(client.ReadToEnd()).head, StartsWith("HTTP/1.1 413 "));
 }
 
+TEST(BodySizeTest, InflatedBodyMayHaveTheMaximumSize) {
+  const std::string longest = kBody + std::string(10000, ' ');
+  EmulatorOptions options;
+  options.limits.body = longest.size();
+  const Emulator emulator(options);
+  RawClient client(emulator.port());
+  const auto answer_to = [&client](const std::string& body) {
+    const std::string gzip = stowra_test::Gzip(body);
+    client.Send(PostHead(LengthHeader(std::to_string(gzip.size())) + "Content-Encoding: gzip\r\n") +
+                gzip);
+    return ReadResponse(client).head;
+  };
+  EXPECT_THAT(answer_to(longest), StartsWith("HTTP/1.1 200 "));
+  EXPECT_THAT(answer_to(longest + " "), StartsWith("HTTP/1.1 413 "));
+}
+
+TEST(BodySizeTest, FormsMayHaveTheMaximumOfText) {
+  const Emulator emulator;
+  httplib::Client client(emulator.url());
+  const httplib::MultipartFormData longest = {"subjectId", std::string(Limits().form_texts, 'x'),
+                                              "", ""};
+  const httplib::MultipartFormData one_byte = {"subjectClass", "x", "", ""};
+  EXPECT_EQ(client.Post("/upload", Form{longest})->status, 400) << "parts are missing";
+  EXPECT_EQ(client.Post("/upload", Form{longest, one_byte})->status, 413);
+}
+
 TEST(BodySizeTest, RefusesFormsWithTooMuchTextOrTooManyParts) {
   EmulatorOptions options;
   options.limits.form_texts = 1000;
@@ -82,6 +109,7 @@ TEST(BodySizeTest, RefusesFormsWithTooMuchTextOrTooManyParts) {
   EXPECT_EQ(client.Post("/upload", Form{text})->status, 400) << "parts are missing";
   EXPECT_EQ(client.Post("/upload", Form{text, text})->status, 413);
   const httplib::MultipartFormData small = {"subjectId", "x", "", ""};
+  EXPECT_EQ(client.Post("/upload", Form(100, small))->status, 400);
   EXPECT_EQ(client.Post("/upload", Form(101, small))->status, 413);
 }
 

@@ -44,6 +44,7 @@ TEST(FaultRuleTest, ReadsRouteFaultAndPercentage) {
   EXPECT_EQ(rule.percent, 25);
   EXPECT_EQ(rule.ToString(), "/update=status:503@25");
   EXPECT_EQ(ParseFaultRule("*=drip", kRoutes).ToString(), "*=drip");
+  EXPECT_EQ(ParseFaultRule("/search=reset@1", kRoutes).percent, 1);
   EXPECT_EQ(ParseFaultRule("/search=reset@100", kRoutes).percent, 100);
 }
 

@@ -34,6 +34,7 @@ TEST(ParseFaultTest, ReadsArguments) {
   EXPECT_EQ(ParseFault("stall:0.05")->pause, milliseconds(50));
   EXPECT_EQ(ParseFault("drip")->pause, milliseconds(20));
   EXPECT_EQ(ParseFault("drip:7")->pause, milliseconds(7));
+  EXPECT_EQ(ParseFault("drip:60000")->pause, milliseconds(60000));
   EXPECT_EQ(ParseFault("redirect-loop")->kind, Fault::Kind::kRedirectLoop);
 }
 

@@ -225,6 +225,21 @@ TEST_F(ReplayTest, UnreachableServiceIsBadGatewayAndNotKept) {
   EXPECT_THROW(ReadRecording(file_), std::runtime_error) << "it is empty";
 }
 
+TEST_F(ReplayTest, RefusesAnswersBeyondTheLimit) {
+  const Emulator service;
+  const std::size_t size = BodyAt(service, "/user-info").size();
+  const auto answer = [&](std::uint64_t max_body) {
+    EmulatorOptions options;
+    options.source = std::make_shared<Recorder>(file_, service.url(), max_body);
+    const Emulator recording(options);
+    return AnswersTo(recording.port(), {GetRequest("/user-info")})[0];
+  };
+  EXPECT_THAT(answer(size), StartsWith("HTTP/1.1 200 "));
+  EXPECT_EQ(ReadRecording(file_).size(), 1u);
+  EXPECT_THAT(answer(size - 1), StartsWith("HTTP/1.1 502 "));
+  EXPECT_THROW(ReadRecording(file_), std::runtime_error) << "it is empty";
+}
+
 TEST_F(ReplayTest, MatchedResponsesComeInTurnAndTheLastRepeats) {
   Write({{"https://h/a?x=1", "one"},
          {"https://h/b", "b"},

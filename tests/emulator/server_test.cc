@@ -70,6 +70,19 @@ TEST(ServerTest, ServesManyRequestsOnOneConnection) {
   }
 }
 
+TEST(ServerTest, ClosesAfterAThousandRequests) {
+  const Emulator emulator;
+  RawClient client(emulator.port());
+  for (int request = 1; request <= 1000; ++request) {
+    client.Send(GetRequest("/user-info"));
+    const RawResponse response = ReadResponse(client);
+    ASSERT_THAT(response.head, StartsWith("HTTP/1.1 200 ")) << request;
+    ASSERT_EQ(response.Header("Connection") == "close", request == 1000) << request;
+  }
+  EXPECT_EQ(client.ReadToEnd(), "");
+  EXPECT_FALSE(client.was_reset());
+}
+
 TEST(ServerTest, AnswersPipelinedRequestsInOrder) {
   const Emulator emulator;
   RawClient client(emulator.port());

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/platform/xml/document.h"
+#include "tests/support/failing_malloc.h"
 #include "tests/support/small_stack.h"
 
 namespace stowra_test {
@@ -152,6 +153,14 @@ TEST(XmlOpeningTest, ADocumentMayHaveOneGibibyte) {
   EXPECT_NE(reader, nullptr);
   End_IXMLInput(&reader);
   EXPECT_EQ(Get_IXMLInput(data, kGibibyte + 1), nullptr);
+#ifdef STOWRA_COUNTS_MEMORY
+  // Without the limit the parser's buffer would fail, but only after the tree has been made.
+  const MemoryWatch watch;
+  IXMLInput* const refused = Get_IXMLInput(data, kGibibyte + 1);
+  const std::size_t peak = watch.peak();
+  EXPECT_EQ(refused, nullptr);
+  EXPECT_EQ(peak, 0U);
+#endif
 }
 
 TEST(XmlOpeningTest, FitsASmallStack) {
