@@ -17,5 +17,7 @@ if [ ! -e "$root/etc/debian_version" ]; then
 fi
 mkdir -p "$root/project" "$root/corpora"
 git ls-files -z | tar --null -T - -c | tar -x -C "$root/project"
-chroot "$root" /bin/bash /project/packaging/debian/build_for_arm64.sh packages
-unshare --user --map-root-user --mount "$here/in_arm64_root.sh" "$root" "${STOWRA_CORPORA_DIR-../shared/corpora}" "${@:2}"
+# Nothing of this environment goes in.
+bare() { env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin "$@"; }
+bare chroot "$root" /bin/bash /project/packaging/debian/build_for_arm64.sh packages
+bare unshare --user --map-root-user --mount "$here/in_arm64_root.sh" "$root" "${STOWRA_CORPORA_DIR-../shared/corpora}" "${@:2}"

@@ -20,4 +20,5 @@ mkdir "$root/packages"
 cp "$build"/*.deb "$root/packages"
 cp -r "$here/../../tests/install/consumer" "$root/consumer"
 cp "$here/in_bare_root.sh" "$root/packages"
-chroot "$root" /bin/bash /packages/in_bare_root.sh
+# Nothing of this environment goes in.
+env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin chroot "$root" /bin/bash /packages/in_bare_root.sh
