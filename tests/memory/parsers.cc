@@ -33,6 +33,13 @@ using ovrant::webservices::UserInfoQuery;
 
 constexpr std::size_t kSize = 400'000;
 
+// RapidJSON packs a value into 16 bytes on x86-64. Elsewhere it has 24.
+#if defined(__x86_64__)
+constexpr double kJson = 1;
+#else
+constexpr double kJson = 1.5;
+#endif
+
 std::string Repeated(const std::string& text) {
   std::string result;
   while (result.size() < kSize) result += text;
@@ -152,17 +159,19 @@ std::vector<MeasuredInput> MeasuredInputs() {
       {"TextAscii", stowra_bench::MakeAsciiText(kSize), ReadText, true, 2.5, 2.5},
       {"TextMixed", stowra_bench::MakeMixedText(kSize), ReadText, true, 2.5, 2.5},
       {"TextOfNoUtf8", std::string(kSize, '\xff'), ReadText, true, 2.5, 2.5},
-      {"JsonExtensions", stowra_bench::MakeExtensionStatus(1300), ReadDocument, true, 5, 2},
-      {"JsonEmptyArrays", List("[", "[]", "]"), ReadDocument, true, 15.5, 6},
-      {"JsonZeros", List("[", "0", "]"), ReadDocument, true, 21.5, 9},
-      {"JsonEmptyNames", List("{", R"("":0)", "}"), ReadDocument, true, 20, 7.5},
+      {"JsonExtensions", stowra_bench::MakeExtensionStatus(1300), ReadDocument, true, 5 * kJson,
+       2 * kJson},
+      {"JsonEmptyArrays", List("[", "[]", "]"), ReadDocument, true, 15.5 * kJson, 6 * kJson},
+      {"JsonZeros", List("[", "0", "]"), ReadDocument, true, 21.5 * kJson, 9 * kJson},
+      {"JsonEmptyNames", List("{", R"("":0)", "}"), ReadDocument, true, 20 * kJson, 7.5 * kJson},
       {"JsonOneText", "[\"" + std::string(kSize, 'x') + "\"]", ReadDocument, true, 5, 1.5},
-      {"JsonCutOff", List("[", "0", ""), ReadDocument, false, 19, 0.01},
+      {"JsonCutOff", List("[", "0", ""), ReadDocument, false, 19 * kJson, 0.01},
       {"UserInfo", UserInfo(), ReadWith<UserInfoQuery>, true, 8, 4},
       {"UpdateDataFiles", DataFiles(), ReadWith<UpdateQuery>, true, 7.5, 3},
       {"UpdateEmptyDataFiles", EmptyDataFiles(), ReadWith<UpdateQuery>, true, 35, 26.5},
       {"Extensions", stowra_bench::MakeExtensionStatus(1300), ReadItemMap, true, 6, 2.5},
-      {"ExtensionsEmpty", R"({"extensions":)" + List("[", "{}", "]}"), ReadItemMap, true, 16, 0.01},
+      {"ExtensionsEmpty", R"({"extensions":)" + List("[", "{}", "]}"), ReadItemMap, true,
+       16 * kJson, 0.01},
       {"XmlFeed", stowra_bench::MakeFeed(150), ReadXml, true, 3, 1.7},
       {"XmlEmptyElements", "<a>" + Repeated("<a/>") + "</a>", ReadXml, true, 9, 9},
       {"XmlAttributes", "<a>" + Repeated("<a a=''/>") + "</a>", ReadXml, true, 5.6, 5.6},
