@@ -18,6 +18,12 @@ if(NOT TARGET stowra_test_headers)
   target_precompile_headers(stowra_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 endif()
 
+# Seconds. An emulated processor is slow.
+set(STOWRA_TEST_TIMEOUT 300)
+if(CMAKE_CROSSCOMPILING)
+  set(STOWRA_TEST_TIMEOUT 1500)
+endif()
+
 # stowra_build_for_labels(<target> <label>...)
 #
 # Makes the target tests_<label>, which builds what the tests of a label run, build <target>.
@@ -59,7 +65,7 @@ function(stowra_add_test_program name)
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} stowra_test_support GTest::gmock
                                         GTest::gtest_main)
   stowra_build_for_labels(${name} ${TEST_LABELS})
-  gtest_discover_tests(${name} PROPERTIES TIMEOUT 300 DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${name} PROPERTIES TIMEOUT ${STOWRA_TEST_TIMEOUT} DISCOVERY_TIMEOUT 60)
 
   # gtest_discover_tests cannot pass on a list of labels. CTest reads this file after the tests.
   list(JOIN STOWRA_SLOW_TESTS "|" slow)
