@@ -31,38 +31,53 @@ std::string Fields(std::size_t size) {
   return fields + "X: " + std::string(size - fields.size() - 5, 'x') + "\r\n";
 }
 
+using Maker = std::function<std::string()>;
+
 // A reply whose header lines, or header and trailer lines, have `size` bytes in all.
-std::string WithHeaders(std::size_t size) {
-  const std::string first = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n";
-  return first + Fields(size - first.size() - 2) + "\r\nhello";
+Maker WithHeaders(std::size_t size) {
+  return [size] {
+    const std::string first = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n";
+    return first + Fields(size - first.size() - 2) + "\r\nhello";
+  };
 }
-std::string WithTrailers(std::size_t size) {
-  return std::string(kChunkedHead) + kChunks + Fields(size - std::string(kChunkedHead).size() - 2) +
-         "\r\n";
+Maker WithTrailers(std::size_t size) {
+  return [size] {
+    const std::string head = kChunkedHead;
+    return head + kChunks + Fields(size - head.size() - 2) + "\r\n";
+  };
 }
 
 // A reply with one header line of `size` bytes.
-std::string WithHeaderLine(std::size_t size) {
-  return "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nX: " + std::string(size - 5, 'x') +
-         "\r\n\r\nhello";
+Maker WithHeaderLine(std::size_t size) {
+  return [size] {
+    return "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nX: " + std::string(size - 5, 'x') +
+           "\r\n\r\nhello";
+  };
 }
 
 // A chunked reply with one trailer line of `size` bytes without its end.
-std::string WithTrailerLine(std::size_t size) {
-  return std::string(kChunkedHead) + kChunks + "X: " + std::string(size - 3, 'x') + "\r\n\r\n";
+Maker WithTrailerLine(std::size_t size) {
+  return [size] {
+    return std::string(kChunkedHead) + kChunks + "X: " + std::string(size - 3, 'x') + "\r\n\r\n";
+  };
 }
 
 // A chunked reply whose first line has `size` bytes.
-std::string WithSizeLine(std::size_t size) {
-  const std::string line = "5;" + std::string(size - 4, 'x') + "\r\n";
-  return kChunkedHead + line + "hello\r\n0\r\n\r\n";
+Maker WithSizeLine(std::size_t size) {
+  return [size] {
+    return std::string(kChunkedHead) + "5;" + std::string(size - 4, 'x') + "\r\nhello\r\n0\r\n\r\n";
+  };
 }
 
-std::string Chunked(const std::string& body) { return kChunkedHead + body; }
+Maker Reply(const std::string& bytes) {
+  return [bytes] { return bytes; };
+}
+Maker Chunked(const std::string& body) { return Reply(kChunkedHead + body); }
 
+// Every test of the program has these rows, so a row makes its bytes only when it runs.
 struct Case {
   const char* name;
-  std::string bytes;
+  Maker bytes;
   TransferError reason;
 };
 
@@ -71,7 +86,7 @@ void PrintTo(const Case& item, std::ostream* out) { *out << item.name; }
 class ReplyLimitTest : public TransportTest, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(ReplyLimitTest, IsTheSameInEveryWay) {
-  const RawServer server(AlwaysThenClose(GetParam().bytes));
+  const RawServer server(AlwaysThenClose(GetParam().bytes()));
   for (const Way way : kAllWays) {
     EXPECT_EQ(ReasonOf(way, server.Url()), GetParam().reason) << NameOf(way);
   }
@@ -103,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"TrailerWithoutName", Chunked("0\r\n: 1\r\n\r\n"), TransferError::kMalformed},
         Case{"NulInATrailer", Chunked(std::string("0\r\nX: a\0b\r\n\r\n", 13)),
              TransferError::kMalformed},
-        Case{"NulInAHeader", std::string("HTTP/1.1 200 OK\r\nX: a\0b\r\n\r\n", 27),
+        Case{"NulInAHeader", Reply(std::string("HTTP/1.1 200 OK\r\nX: a\0b\r\n\r\n", 27)),
              TransferError::kMalformed}),
     [](const auto& test) { return test.param.name; });
 

@@ -72,6 +72,20 @@ std::string Full(Scene& scene) {
   return listener->Url();
 }
 
+std::string CutOffGzip(Scene& scene) {
+  return scene.Serve(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" +
+                                     Gzip("hello").substr(0, 15)));
+}
+
+std::string LargeBody(Scene& scene) {
+  return scene.Serve(AlwaysThenClose(Response(200, std::string(1'000'001, 'x'))));
+}
+
+std::string LargeHeaders(Scene& scene) {
+  const std::string field = "X: " + std::string(90'000, 'x') + "\r\n";
+  return scene.Serve(AlwaysThenClose(Response(200, "", field + field + field)));
+}
+
 std::string Redirect(const std::string& location) {
   return Response(302, "moved", "Location: " + location + "\r\n");
 }
@@ -113,9 +127,7 @@ INSTANTIATE_TEST_SUITE_P(
             Reply("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhe")},
         Row{"CutOffInAChunk", TransferError::kCutOff,
             Reply("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhe")},
-        Row{"CutOffInGzip", TransferError::kCutOff,
-            Reply("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" +
-                  Gzip("hello").substr(0, 15))},
+        Row{"CutOffInGzip", TransferError::kCutOff, CutOffGzip},
         Row{"NoHttp", TransferError::kMalformed, Reply("220 smtp.example ESMTP\r\n\r\n")},
         Row{"BadStatusLine", TransferError::kMalformed, Reply("HTTP/1.1 2000 OK\r\n\r\n")},
         Row{"SwitchedProtocol", TransferError::kMalformed,
@@ -128,12 +140,8 @@ INSTANTIATE_TEST_SUITE_P(
             Reply("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nxyz\r\n")},
         Row{"CorruptGzip", TransferError::kMalformed,
             Reply(Response(200, "hello", "Content-Encoding: gzip\r\n"))},
-        Row{"TooLargeBody", TransferError::kTooLarge,
-            Reply(Response(200, std::string(1'000'001, 'x')))},
-        Row{"TooLargeHeaders", TransferError::kTooLarge,
-            Reply(Response(200, "",
-                           "X: " + std::string(90'000, 'x') + "\r\nX: " + std::string(90'000, 'x') +
-                               "\r\nX: " + std::string(90'000, 'x') + "\r\n"))},
+        Row{"TooLargeBody", TransferError::kTooLarge, LargeBody},
+        Row{"TooLargeHeaders", TransferError::kTooLarge, LargeHeaders},
         Row{"ContentEncoding", TransferError::kEncoding,
             Reply(Response(200, "hello", "Content-Encoding: br\r\n"))},
         Row{"TransferEncoding", TransferError::kEncoding,
