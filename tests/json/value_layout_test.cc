@@ -6,7 +6,7 @@
 
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
-#include "tests/json/value_fields.h"
+#include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -92,8 +93,9 @@ TEST(HostFunction, FunctionCanReplaceItself) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST(HostFunction, ReplaceWaitsForACallOnAnotherThread) {
-  HostFunction<> place;
+// Whether `replace`, which replaces the function in `place`, waits for a call
+// on another thread.
+bool Waits(HostFunction<>& place, const std::function<void()>& replace) {
   Event entered;
   Event replaced;
   std::atomic<bool> returned_too_early{false};
@@ -103,31 +105,22 @@ TEST(HostFunction, ReplaceWaitsForACallOnAnotherThread) {
   });
   std::thread caller([&place] { place.Current()->Call(); });
   EXPECT_TRUE(entered.Wait());
-  place.Replace(nullptr);
+  replace();
   replaced.Set();
   caller.join();
-  EXPECT_FALSE(returned_too_early);
+  return !returned_too_early;
+}
+
+TEST(HostFunction, ReplaceWaitsForACallOnAnotherThread) {
+  HostFunction<> place;
+  EXPECT_TRUE(Waits(place, [&] { place.Replace(nullptr); }));
 }
 
 TEST(HostFunction, ReplaceInsideAnotherFunctionWaits) {
   HostFunction<> place;
-  Event entered;
-  Event replaced;
-  std::atomic<bool> returned_too_early{false};
-  place.Replace([&] {
-    entered.Set();
-    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
-  });
-  std::thread caller([&place] { place.Current()->Call(); });
-  EXPECT_TRUE(entered.Wait());
   HostFunction<> other;
-  other.Replace([&] {
-    place.Replace(nullptr);
-    replaced.Set();
-  });
-  EXPECT_TRUE(other.Current()->Call());
-  caller.join();
-  EXPECT_FALSE(returned_too_early);
+  other.Replace([&] { place.Replace(nullptr); });
+  EXPECT_TRUE(Waits(place, [&] { EXPECT_TRUE(other.Current()->Call()); }));
 }
 
 TEST(HostFunction, FunctionLivesThroughACallThatReplaceDoesNotAwait) {
