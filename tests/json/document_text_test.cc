@@ -2,15 +2,20 @@
 // Load and ToString.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/tree_reader.h"
 #include "tests/json/text.h"
 
 namespace stowra_test {
@@ -18,7 +23,6 @@ namespace {
 
 using ovrant::json::Document;
 using ovrant::json::Value;
-using ovrant::utils::ovrant_ustring;
 
 TEST(Load, NeedsAnObjectOrArrayAsRoot) {
   EXPECT_TRUE(Loads("{}"));
@@ -66,10 +70,12 @@ TEST(Load, ReplacesTheRoot) {
 }
 
 TEST(Load, LeavesTheRootNullWhenItFails) {
-  for (const char* text : {"", "7", "{\"a\":1", "[1,]", "{\"a\":\"\x1f\"}"}) {
+  constexpr std::size_t kTooDeep = Document::kMaxDepth + 1;
+  const std::string too_deep = Repeated("[", kTooDeep) + Repeated("]", kTooDeep);
+  for (const std::string& text : Split("|7|{\"a\":1|[1,]|{\"a\":\"\x1f\"}|" + too_deep)) {
     SCOPED_TRACE(text);
     LoadedDocument document("{\"a\":1}");
-    EXPECT_FALSE(document.Load(text));
+    EXPECT_FALSE(document.Load(Text(text)));
     EXPECT_EQ(Written(document), "null");
     EXPECT_EQ(document.MemberCount(), 0U);
     EXPECT_FALSE(document.HasMember("a"));
@@ -169,9 +175,34 @@ TEST(Load, RefusesAHundredMillionZerosBehindADecimalPoint) {
   EXPECT_FALSE(Loads(text + "0]"));
 }
 
+constexpr std::size_t k4Gibibytes = std::size_t{1} << 32;
+
+bool HasMemory(std::size_t bytes) {
+  return static_cast<std::size_t>(sysconf(_SC_AVPHYS_PAGES)) *
+             static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) >
+         bytes;
+}
+
+// Reads "[]" behind so much white space that the text has `size` bytes.
+bool ReadsTextOf(std::size_t size) {
+  std::string text;
+  text.reserve(size + 64);  // the reader appends a few bytes
+  text.assign(size - 2, ' ');
+  text += "[]";
+  ovrant::json::ParsedText tree;
+  return ovrant::json::ReadTree(std::move(text), 1, tree);
+}
+
+TEST(LargeTextTest, MayHaveOneByteLessThan4Gibibytes) {
+  if (!HasMemory(k4Gibibytes + k4Gibibytes / 4)) GTEST_SKIP() << "not enough memory";
+  EXPECT_TRUE(ReadsTextOf(k4Gibibytes - 1));
+  EXPECT_FALSE(ReadsTextOf(k4Gibibytes));
+}
+
 TEST(ToString, ReplacesWhatWasInTheText) {
   LoadedDocument document(" { \"a\" : [ 1 , { } , \"b\" , null ] , \"c\" : true } ");
-  ovrant_ustring text("something that was here before, and longer than what comes now, by far");
+  ovrant::utils::ovrant_ustring text(
+      "something that was here before, and longer than what comes now, by far");
   document.ToString(text);
   EXPECT_EQ(text.utf8(), "{\"a\":[1,{},\"b\",null],\"c\":true}");
 }

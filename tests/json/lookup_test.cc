@@ -4,6 +4,10 @@
 #include "common_stowraapi/json/lookup.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <cstddef>
+#include <string_view>
 
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
@@ -64,6 +68,18 @@ TEST_F(LookupTest, LeavesNoHandleBehind) {
   EXPECT_EQ(CountHandles(list), 0U);
   static_cast<void>(root["a"]);
   EXPECT_EQ(CountHandles(root), 1U);
+}
+
+// Cut to 32 bits, its length is that of the empty name. Its pages are not read.
+TEST_F(LookupTest, NoMemberHasANameOf4Gibibytes) {
+  constexpr std::size_t k4Gibibytes = std::size_t{1} << 32;
+  void* const zeros =
+      mmap(nullptr, k4Gibibytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(zeros, MAP_FAILED);
+  const std::string_view name(static_cast<const char*>(zeros), k4Gibibytes);
+  EXPECT_TRUE(Lookup::Member(root, name).IsNull());
+  EXPECT_EQ(Lookup::Member(root, "").GetInt(), 6);
+  munmap(zeros, k4Gibibytes);
 }
 
 }  // namespace

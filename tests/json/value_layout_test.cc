@@ -11,7 +11,6 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::json::Document;
 using ovrant::json::Value;
 
 struct Owned {
@@ -57,7 +56,7 @@ TEST(ValueLayout, HoldsOwnedNodeAllocatorAndHandlesInThisOrder) {
   EXPECT_EQ(sizeof(Value), 3 * kPointer + sizeof(std::list<Value>));
 }
 
-TEST(DocumentLayout, HoldsOnePointer) { EXPECT_EQ(sizeof(Document), sizeof(void*)); }
+TEST(DocumentLayout, HoldsOnePointer) { EXPECT_EQ(sizeof(ovrant::json::Document), sizeof(void*)); }
 
 }  // namespace
 

@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "common_stowraapi/json/document.h"
 #include "tests/json/text.h"
@@ -43,8 +43,6 @@ std::string Types(const Value& value) {
   return types;
 }
 
-std::string TypesOf(const std::string& json) { return Types(ValueDocument(json).value()); }
-
 // Applies each setter to a node with other content.
 template <typename Setter, typename Content>
 std::string TypesAfter(Setter setter, Content content) {
@@ -56,33 +54,26 @@ std::string TypesAfter(Setter setter, Content content) {
 }
 
 TEST(ValueType, IsThatOfTheText) {
-  EXPECT_EQ(TypesOf("null"), "Null");
-  EXPECT_EQ(TypesOf("false"), "False Bool");
-  EXPECT_EQ(TypesOf("true"), "True Bool");
-  EXPECT_EQ(TypesOf("{}"), "Object");
-  EXPECT_EQ(TypesOf("[]"), "Array");
-  EXPECT_EQ(TypesOf("\"\""), "String");
-  EXPECT_EQ(TypesOf("\"a string that does not fit into the node\""), "String");
-}
-
-TEST(ValueType, OfAParsedNumberTellsWhatCanHoldIt) {
-  EXPECT_EQ(TypesOf("0"), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("-0"), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("-1"), "Number Int Int64");
-  EXPECT_EQ(TypesOf("2147483647"), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("2147483648"), "Number Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("-2147483648"), "Number Int Int64");
-  EXPECT_EQ(TypesOf("-2147483649"), "Number Int64");
-  EXPECT_EQ(TypesOf("4294967295"), "Number Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("4294967296"), "Number Int64 Uint64");
-  EXPECT_EQ(TypesOf("9223372036854775807"), "Number Int64 Uint64");
-  EXPECT_EQ(TypesOf("9223372036854775808"), "Number Uint64");
-  EXPECT_EQ(TypesOf("18446744073709551615"), "Number Uint64");
-  EXPECT_EQ(TypesOf("18446744073709551616"), "Number Double");
-  EXPECT_EQ(TypesOf("-9223372036854775808"), "Number Int64");
-  EXPECT_EQ(TypesOf("-9223372036854775809"), "Number Double");
-  EXPECT_EQ(TypesOf("1.0"), "Number Double");
-  EXPECT_EQ(TypesOf("1e0"), "Number Double");
+  const std::pair<const char*, const char*> rows[] = {
+      {"Null", "null"},
+      {"False Bool", "false"},
+      {"True Bool", "true"},
+      {"Object", "{}"},
+      {"Array", "[]"},
+      {"String", "\"\"|\"a string that does not fit into the node\""},
+      // A number's type tells what can hold it.
+      {"Number Int Uint Int64 Uint64", "0|-0|2147483647"},
+      {"Number Int Int64", "-1|-2147483648"},
+      {"Number Uint Int64 Uint64", "2147483648|4294967295"},
+      {"Number Int64", "-2147483649|-9223372036854775808"},
+      {"Number Int64 Uint64", "4294967296|9223372036854775807"},
+      {"Number Uint64", "9223372036854775808|18446744073709551615"},
+      {"Number Double", "18446744073709551616|-9223372036854775809|1.0|1e0"}};
+  for (const auto& [types, texts] : rows) {
+    for (const std::string& json : Split(texts)) {
+      EXPECT_EQ(Types(ValueDocument(json).value()), types) << json;
+    }
+  }
 }
 
 TEST(ValueType, OfASetNumberTellsWhatCanHoldIt) {
@@ -106,7 +97,6 @@ TEST(ValueType, OfASetNumberTellsWhatCanHoldIt) {
 TEST(ValueSetter, ReplacesWhateverTheNodeHeld) {
   EXPECT_EQ(TypesAfter(&Value::SetBool, true), "True Bool");
   EXPECT_EQ(TypesAfter(&Value::SetBool, false), "False Bool");
-
   ValueDocument document("[1,{\"a\":2}]");
   Value& value = document.value();
   value[1].SetNull();

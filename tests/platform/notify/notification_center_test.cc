@@ -131,10 +131,7 @@ TEST_F(NotificationCenterTest, PassesADictionaryAsThePayload) {
 }
 
 TEST_F(NotificationCenterTest, ObserverCanRemoveItself) {
-  Observer once([&] {
-    log_ += 'o';
-    Center().RemoveObserver(&once);
-  });
+  Observer once(Logs('o', [&] { Center().RemoveObserver(&once); }));
   Register({&once, &b_});
   EXPECT_EQ(LogAfterSend(), "ob");
   EXPECT_EQ(LogAfterSend(), "obb");
@@ -163,29 +160,20 @@ TEST_F(NotificationCenterTest, ObserverCanDeleteItself) {
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverRemovedDuringTheDelivery) {
-  Observer first([&] {
-    log_ += 'f';
-    victim_.reset();
-  });
+  Observer first(Logs('f', [&] { victim_.reset(); }));
   Register({&first, victim_.get(), &last_});
   EXPECT_EQ(LogAfterSend(), "fl");
 }
 
 TEST_F(NotificationCenterTest, RemovingAnEarlierObserverSkipsNone) {
-  Observer middle([&] {
-    log_ += 'm';
-    victim_.reset();
-  });
+  Observer middle(Logs('m', [&] { victim_.reset(); }));
   Register({victim_.get(), &middle, &last_});
   EXPECT_EQ(LogAfterSend(), "vml");
   EXPECT_EQ(LogAfterSend(), "vmlml");
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverAddedDuringTheDelivery) {
-  Observer adder([&] {
-    log_ += 's';
-    Register({&a_});
-  });
+  Observer adder(Logs('s', [&] { Register({&a_}); }));
   Register({&adder});
   EXPECT_EQ(LogAfterSend(), "s");
   EXPECT_EQ(LogAfterSend(), "ssa");
@@ -193,33 +181,28 @@ TEST_F(NotificationCenterTest, DoesNotCallAnObserverAddedDuringTheDelivery) {
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverReaddedDuringTheDelivery) {
   bool first_time = true;
-  Observer mover([&] {
-    log_ += 'm';
+  Observer mover(Logs('m', [&] {
     if (!std::exchange(first_time, false)) return;
     Center().RemoveObserver(&a_);
     Register({&a_});
-  });
+  }));
   Register({&mover, &a_});
   EXPECT_EQ(LogAfterSend(), "m");
   EXPECT_EQ(LogAfterSend(), "mma");
 }
 
 TEST_F(NotificationCenterTest, CallsAnObserverThatReaddsItselfOnce) {
-  Observer self([&] {
-    log_ += 's';
+  Observer self(Logs('s', [&] {
     Center().RemoveObserver(&self);
     Register({&self});
-  });
+  }));
   Register({&self, &b_});
   EXPECT_EQ(LogAfterSend(), "sb");
   EXPECT_EQ(LogAfterSend(), "sbbs");
 }
 
 TEST_F(NotificationCenterTest, ObserverCanSendAnotherName) {
-  Observer sender([&] {
-    log_ += 's';
-    Send(kOtherName);
-  });
+  Observer sender(Logs('s', [&] { Send(kOtherName); }));
   Register({&sender, &last_});
   Register({&a_}, kOtherName);
   EXPECT_EQ(LogAfterSend(), "sal");
@@ -227,37 +210,34 @@ TEST_F(NotificationCenterTest, ObserverCanSendAnotherName) {
 
 TEST_F(NotificationCenterTest, NestedDeliveryCallsAnObserverAddedBeforeIt) {
   int depth = 0;
-  Observer sender([&] {
-    log_ += 's';
+  Observer sender(Logs('s', [&] {
     if (++depth > 1) return;
     Register({&a_});
     Send();
-  });
+  }));
   Register({&sender});
   EXPECT_EQ(LogAfterSend(), "ssa");
 }
 
 TEST_F(NotificationCenterTest, RemovalInANestedDeliveryHoldsInTheOuterOne) {
   int depth = 0;
-  Observer sender([&] {
-    log_ += 's';
+  Observer sender(Logs('s', [&] {
     if (++depth > 1) {
       victim_.reset();
     } else {
       Send();
     }
-  });
+  }));
   Register({&sender, victim_.get(), &last_});
   EXPECT_EQ(LogAfterSend(), "ssll");
 }
 
 TEST_F(NotificationCenterTest, DeliveryEndsWhenAllObserversWereReplaced) {
-  Observer replacer([&] {
-    log_ += 'r';
+  Observer replacer(Logs('r', [&] {
     Center().RemoveObserver(&a_);
     Center().RemoveObserver(&replacer);
     Register({&a_});
-  });
+  }));
   Register({&a_, &replacer});
   EXPECT_EQ(LogAfterSend(), "ar");
   EXPECT_EQ(LogAfterSend(), "ara");
@@ -293,10 +273,9 @@ TEST_F(NotificationCenterTest, PassingObserversDoNotSlowLaterSends) {
 
 TEST_F(NotificationCenterTest, PassesOnAnObserversException) {
   bool throws = true;
-  Observer thrower([&] {
-    log_ += 't';
+  Observer thrower(Logs('t', [&] {
     if (throws) throw std::runtime_error("from an observer");
-  });
+  }));
   Register({&thrower, &last_});
   EXPECT_THROW(Send(), std::runtime_error);
   EXPECT_EQ(log_, "t");

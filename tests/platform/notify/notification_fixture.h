@@ -57,9 +57,13 @@ inline void Register(std::initializer_list<Observer*> observers, const char* nam
 
 class NotificationCenterTest : public ::testing::Test {
  protected:
-  // Appends `letter` to the log.
-  std::function<void()> Logs(char letter) {
-    return [this, letter] { log_ += letter; };
+  // Appends `letter` to the log and calls `then`.
+  std::function<void()> Logs(
+      char letter, std::function<void()> then = [] {}) {
+    return [this, letter, then = std::move(then)] {
+      log_ += letter;
+      then();
+    };
   }
 
   std::string LogAfterSend(const char* name = kName) {

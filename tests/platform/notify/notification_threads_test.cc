@@ -8,7 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "common_stowraapi/platform/notification_center.h"
 #include "tests/platform/notify/notification_fixture.h"
 #include "tests/support/event.h"
 

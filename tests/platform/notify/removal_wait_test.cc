@@ -9,7 +9,6 @@
 #include <thread>
 #include <utility>
 
-#include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/platform/notify/delivery.h"
 #include "tests/platform/notify/notification_fixture.h"
 #include "tests/support/event.h"

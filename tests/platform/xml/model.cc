@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/platform/xml/model.h"
 
-#include <iterator>
 #include <regex>
 #include <utility>
 
@@ -62,11 +61,11 @@ std::string AllText(const ModelElement& element) {
 // Writes a random tree while it makes it.
 class Writer {
  public:
-  // The namespaces that hold at some place. Null: the prefix has none.
+  // The namespaces that hold at some place.
   struct Scope {
     std::string default_uri;
-    const char* p = nullptr;
-    const char* q = nullptr;
+    std::optional<std::string> p;
+    std::optional<std::string> q;
   };
 
   Writer(std::mt19937* random, std::string* bytes) : random_(random), bytes_(bytes) {}
@@ -98,12 +97,10 @@ class Writer {
       return "";
     }
     const bool use_p = Pick(random_, 2) == 0;
-    const char*& bound = use_p ? scope->p : scope->q;
+    std::optional<std::string>& bound = use_p ? scope->p : scope->q;
     const std::string prefix = use_p ? "p" : "q";
-    if (bound == nullptr || bound != uri) {
-      for (const char* const known : kUris) {
-        if (known == uri) bound = known;
-      }
+    if (bound != uri) {
+      bound = uri;
       *declarations += " xmlns:" + prefix + "=\"" + uri + "\"";
     }
     return prefix + ":";
@@ -116,7 +113,7 @@ class Writer {
         element->attributes[name] = value.meant;
         *bytes_ += std::string(" ") + name + "='" + value.written + "'";
       }
-      if (scope.p != nullptr && Pick(random_, 6) == 0) {
+      if (scope.p && Pick(random_, 6) == 0) {
         *bytes_ += std::string(" p:") + name + " = 'prefixed'";
       }
     }
