@@ -117,12 +117,9 @@ TEST(DocumentHandle, StaysValid) {
   const Document& as_const = document;
   std::vector<Value*> handles;
   for (int i = 0; i < 1000; ++i) {
-    handles.push_back(&document["a"]);
-    handles.push_back(&as_const["a"]);
-    handles.push_back(&document.MemberAt(0));
-    handles.push_back(&as_const.MemberAt(0));
-    handles.push_back(&document["missing"]);
-    handles.push_back(&document.MemberAt(1));
+    handles.insert(handles.end(),
+                   {&document["a"], &as_const["a"], &document.MemberAt(0), &as_const.MemberAt(0),
+                    &document["missing"], &document.MemberAt(1)});
   }
   for (std::size_t i = 0; i < handles.size(); ++i) {
     EXPECT_EQ(handles[i]->GetInt(), i % 6 < 4 ? 1 : 0) << i;

@@ -80,19 +80,8 @@ TEST_F(RemovalWaitTest, ModalLoopInsideADeliveryWaits) {
   int removed_in_call = 0;
   Observer dialog([&] {
     for (int round = 0; round < kRounds; ++round) {
-      Event entered;
-      std::atomic<bool> left{false};
-      Observer observer([&] {
-        entered.Set();
-        std::this_thread::yield();
-        left = true;
-      });
-      Register({&observer});
-      std::thread sender([] { Send(); });
-      EXPECT_TRUE(entered.Wait());
-      Center().RemoveObserver(&observer);
-      if (!left) ++removed_in_call;
-      sender.join();
+      BusyObserver busy;
+      if (!busy.RemovalWaits()) ++removed_in_call;
     }
   });
   Register({&dialog}, kOtherName);

@@ -127,9 +127,7 @@ TEST(XmlHostileHashTest, ElementNames) {
   EXPECT_TRUE(OpenHostile(bytes, [&names](ovrant::IXMLInput& reader) {
     ASSERT_TRUE(reader.FindElement("a"));
     ovrant::utils::ovrant_ustring text;
-    for (const std::string& name : names) {
-      ASSERT_TRUE(reader.GetElementText(Text(name), text));
-    }
+    for (const std::string& name : names) ASSERT_TRUE(reader.GetElementText(Text(name), text));
   }));
 }
 

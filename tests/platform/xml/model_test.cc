@@ -90,9 +90,7 @@ void VisitChildren(const ModelElement& element, XmlDocument* document, int* visi
       ASSERT_TRUE(document->Next(child->Name()));
     }
     ++*visited;
-    for (const auto& [name, value] : child->attributes) {
-      EXPECT_EQ(document->Attribute(name), value);
-    }
+    for (const auto& [name, value] : child->attributes) EXPECT_EQ(document->Attribute(name), value);
     VisitChildren(*child, document, visited);
     ASSERT_TRUE(document->Leave(child->Name()));
   }
