@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
@@ -36,20 +37,15 @@ bool HasScalarRoot(const std::string& text) {
 }
 
 // Calls `check` with the text of each file in `folder` whose name begins with `prefix`, on a small
-// stack. Returns how often that was true.
-struct Counts {
-  int passed = 0;
-  int failed = 0;
-};
-
-Counts CheckFiles(const std::filesystem::path& folder, const std::string& prefix,
-                  bool (*check)(const std::string& text)) {
-  Counts counts;
+// stack. Returns how often that was true, and how often not.
+std::pair<int, int> CheckFiles(const std::filesystem::path& folder, const std::string& prefix,
+                               bool (*check)(const std::string& text)) {
+  std::pair<int, int> counts;
   RunOnSmallStack([&] {
     for (const auto& file : FilesIn(folder)) {
       if (file.filename().string().compare(0, prefix.size(), prefix) != 0) continue;
       SCOPED_TRACE(file.filename().string());
-      ++(check(ReadFile(file)) ? counts.passed : counts.failed);
+      ++(check(ReadFile(file)) ? counts.first : counts.second);
     }
   });
   return counts;
@@ -62,9 +58,7 @@ TEST(JsonTestSuite, ValidTextsLoadUnlessTheirRootIsAScalar) {
     EXPECT_EQ(LoadsAndRoundTrips(text), !scalar);
     return !scalar;
   };
-  const Counts counts = CheckFiles(folder / "test_parsing", "y_", loads_as_expected);
-  EXPECT_EQ(counts.passed, 87);
-  EXPECT_EQ(counts.failed, 8);
+  EXPECT_EQ(CheckFiles(folder / "test_parsing", "y_", loads_as_expected), std::pair(87, 8));
 }
 
 TEST(JsonTestSuite, NoInvalidTextLoads) {
@@ -74,9 +68,7 @@ TEST(JsonTestSuite, NoInvalidTextLoads) {
     EXPECT_FALSE(loads);
     return !loads;
   };
-  const Counts counts = CheckFiles(folder / "test_parsing", "n_", is_refused);
-  EXPECT_EQ(counts.passed, 188);
-  EXPECT_EQ(counts.failed, 0);
+  EXPECT_EQ(CheckFiles(folder / "test_parsing", "n_", is_refused), std::pair(188, 0));
 }
 
 // Some hold numbers that do not read back exactly.
@@ -88,16 +80,14 @@ TEST(JsonTestSuite, DoubtfulTextsDoNoHarm) {
     EXPECT_EQ(Written(document) == "null", !loads);
     return loads;
   };
-  const Counts counts = CheckFiles(folder / "test_parsing", "i_", loads_and_writes);
-  EXPECT_EQ(counts.passed + counts.failed, 35);
+  const auto [loaded, refused] = CheckFiles(folder / "test_parsing", "i_", loads_and_writes);
+  EXPECT_EQ(loaded + refused, 35);
 }
 
 // The three that do not load hold a lone high surrogate.
 TEST(JsonTestSuite, OddTextsThatLoadAreWrittenTheSameEachTime) {
   SKIP_WITHOUT_CORPUS(folder, "json-test-suite");
-  const Counts counts = CheckFiles(folder / "test_transform", "", LoadsAndRoundTrips);
-  EXPECT_EQ(counts.passed, 19);
-  EXPECT_EQ(counts.failed, 3);
+  EXPECT_EQ(CheckFiles(folder / "test_transform", "", LoadsAndRoundTrips), std::pair(19, 3));
 }
 
 TEST(NaughtyStrings, AreWrittenAndLoadedUnchanged) {

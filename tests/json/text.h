@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Helpers to load and write documents.
+// Helpers to load and write documents, and to look into handles.
 
 #ifndef TESTS_JSON_TEXT_H_
 #define TESTS_JSON_TEXT_H_
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 #include "common_stowraapi/json/document.h"
+#include "common_stowraapi/json/value.h"
 #include "tests/support/text.h"
 
 namespace stowra_test {
@@ -25,14 +27,19 @@ inline bool Loads(const std::string& text) {
   return document.Load(Text(text));
 }
 
+// A document that has `json` as its text.
+class LoadedDocument : public ovrant::json::Document {
+ public:
+  explicit LoadedDocument(const std::string& json) { EXPECT_TRUE(Load(Text(json))) << json; }
+};
+
 // A document with one member "v", whose value is `json`.
 class ValueDocument {
  public:
-  explicit ValueDocument(const std::string& json) {
-    EXPECT_TRUE(document_.Load(Text("{\"v\":" + json + "}"))) << json;
-  }
+  explicit ValueDocument(const std::string& json) : document_("{\"v\":" + json + "}") {}
 
   ovrant::json::Value& value() { return document_["v"]; }
+  ovrant::json::Value& operator[](int index) { return value()[static_cast<unsigned int>(index)]; }
 
   // The value as it is now.
   std::string written() {
@@ -41,8 +48,16 @@ class ValueDocument {
   }
 
  private:
-  ovrant::json::Document document_;
+  LoadedDocument document_;
 };
+
+// The private members of a handle.
+bool IsOwned(const ovrant::json::Value& handle);
+void* NodeOf(const ovrant::json::Value& handle);
+void* AllocatorOf(const ovrant::json::Value& handle);
+
+// The number of handles that `handle` returned and keeps.
+std::size_t CountHandles(const ovrant::json::Value& handle);
 
 }  // namespace stowra_test
 

@@ -8,7 +8,6 @@
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
-#include "tests/json/value_fields.h"
 
 namespace stowra_test {
 namespace {
@@ -16,42 +15,34 @@ namespace {
 using ovrant::json::Document;
 using ovrant::json::Value;
 
+// A value made by a document of its own, which holds a number.
+struct Made {
+  explicit Made(int number) { value.SetInt(number); }
+
+  Document document;
+  Value value = document.MakeValue();
+};
+
 TEST(PushBack, MovesTheContentToTheEnd) {
   ValueDocument document("[1]");
-  Document other;
-  Value item = other.MakeValue();
-  item.SetInt(2);
-  void* const node = NodeOf(item);
-  document.value().PushBack(item);
+  Made item(2);
+  void* const node = NodeOf(item.value);
+  document.value().PushBack(item.value);
   EXPECT_EQ(document.written(), "[1,2]");
-  EXPECT_TRUE(item.IsNull());
-  EXPECT_TRUE(IsOwned(item));
-  EXPECT_EQ(NodeOf(item), node);
+  EXPECT_TRUE(item.value.IsNull());
+  EXPECT_TRUE(IsOwned(item.value));
+  EXPECT_EQ(NodeOf(item.value), node);
 }
 
 TEST(PushBack, TakesTheSameHolderAgain) {
-  ValueDocument document("[]");
-  Document other;
-  Value item = other.MakeValue();
+  ValueDocument array("[]");
+  Made item(0);
   for (int i = 0; i < 100; ++i) {
-    item.SetInt(i);
-    document.value().PushBack(item);
+    item.value.SetInt(i);
+    array.value().PushBack(item.value);
   }
-  Value& array = document.value();
-  ASSERT_EQ(array.Size(), 100U);
-  for (unsigned int i = 0; i < 100; ++i) EXPECT_EQ(array[i].GetUint(), i);
-}
-
-TEST(PushBack, DoesNothingOnAnythingButAnArray) {
-  for (const char* json : {"null", "true", "{\"a\":1}", "\"text\"", "7"}) {
-    ValueDocument document(json);
-    Document other;
-    Value item = other.MakeValue();
-    item.SetInt(2);
-    document.value().PushBack(item);
-    EXPECT_EQ(document.written(), json);
-    EXPECT_EQ(item.GetInt(), 2);
-  }
+  ASSERT_EQ(array.value().Size(), 100U);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(array[i].GetInt(), i);
 }
 
 TEST(PushBack, OfTheArrayItselfDoesNothing) {
@@ -93,33 +84,31 @@ TEST(Clear, LeavesTheElementsInThePool) {
   EXPECT_EQ(first.Size(), 2U);
 }
 
-TEST(Clear, DoesNothingOnAnythingButAnArray) {
-  for (const char* json : {"null", "{\"a\":1}", "\"text\"", "7"}) {
+// An array takes PushBack and Clear, an object AddMember.
+TEST(Building, DoesNothingOnAnotherType) {
+  for (const std::string json : {"null", "true", "\"text\"", "7", "[1]", "{\"a\":1}"}) {
     ValueDocument document(json);
-    document.value().Clear();
+    Made item(2);
+    if (json[0] != '{') document.value().AddMember("a", item.value);
+    if (json[0] != '[') document.value().PushBack(item.value);
+    if (json[0] != '[') document.value().Clear();
     EXPECT_EQ(document.written(), json);
+    EXPECT_EQ(item.value.GetInt(), 2) << json;
   }
 }
 
 TEST(AddMember, MovesTheContentIntoANewLastMember) {
   ValueDocument document("{\"b\":1}");
-  Document other;
-  Value item = other.MakeValue();
-  item.SetInt(2);
-  document.value().AddMember("a", item);
+  Made item(2);
+  document.value().AddMember("a", item.value);
   EXPECT_EQ(document.written(), "{\"b\":1,\"a\":2}");
-  EXPECT_TRUE(item.IsNull());
-  EXPECT_TRUE(IsOwned(item));
+  EXPECT_TRUE(item.value.IsNull());
+  EXPECT_TRUE(IsOwned(item.value));
 }
 
 TEST(AddMember, AddsASecondMemberOfTheSameName) {
   ValueDocument document("{}");
-  Document other;
-  for (int i = 1; i <= 2; ++i) {
-    Value item = other.MakeValue();
-    item.SetInt(i);
-    document.value().AddMember("a", item);
-  }
+  for (int i = 1; i <= 2; ++i) document.value().AddMember("a", Made(i).value);
   EXPECT_EQ(document.written(), "{\"a\":1,\"a\":2}");
   EXPECT_EQ(document.value().Size(), 2U);
   EXPECT_EQ(document.value()["a"].GetInt(), 1);
@@ -134,18 +123,6 @@ TEST(AddMember, CopiesTheNameUpToItsFirstNul) {
   document.value().AddMember("", Value());
   EXPECT_EQ(document.written(),
             "{\"a name that is too long to be kept inside a node\":null,\"b\":null,\"\":null}");
-}
-
-TEST(AddMember, DoesNothingOnAnythingButAnObject) {
-  for (const char* json : {"null", "true", "[1]", "\"text\"", "7"}) {
-    ValueDocument document(json);
-    Document other;
-    Value item = other.MakeValue();
-    item.SetInt(2);
-    document.value().AddMember("a", item);
-    EXPECT_EQ(document.written(), json);
-    EXPECT_EQ(item.GetInt(), 2);
-  }
 }
 
 TEST(AddMember, OfTheObjectItselfDoesNothing) {
@@ -169,16 +146,14 @@ TEST(AddMember, OfAMissingMemberAddsNull) {
 
 TEST(AddMember, GrowsFarBeyondTheFirstCapacity) {
   ValueDocument document("{}");
-  Document other;
-  Value item = other.MakeValue();
+  const auto name = [](int i) { return Text("member " + std::to_string(i)); };
+  Made item(0);
   for (int i = 0; i < 1000; ++i) {
-    item.SetInt(i);
-    document.value().AddMember(Text("member " + std::to_string(i)), item);
+    item.value.SetInt(i);
+    document.value().AddMember(name(i), item.value);
   }
   EXPECT_EQ(document.value().Size(), 1000U);
-  for (int i = 0; i < 1000; ++i) {
-    EXPECT_EQ(document.value()[Text("member " + std::to_string(i))].GetInt(), i);
-  }
+  for (int i = 0; i < 1000; ++i) EXPECT_EQ(document.value()[name(i)].GetInt(), i);
 }
 
 TEST(Building, MovesWholeTreesBetweenHolders) {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Handles: navigation, copies and assignments.
+// Handles: navigation, copies, assignments, and nodes that a caller makes with RapidJSON itself.
 
 #include <gtest/gtest.h>
+#include <rapidjson/document.h>
 
 #include <string>
 #include <vector>
@@ -9,14 +10,15 @@
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
-#include "tests/json/value_fields.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::json::Document;
 using ovrant::json::Value;
-using ovrant::utils::ovrant_ustring;
+
+using Pool = rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>;
+using Node = rapidjson::GenericValue<rapidjson::UTF8<char>, Pool>;
 
 TEST(ValueConstructor, MakesAnEmptyHandle) {
   const Value value;
@@ -52,12 +54,11 @@ TEST(ValueConstructor, IgnoresWritesThatNeedAnAllocatorWithoutOne) {
 }
 
 TEST(ValueIndex, GivesTheElement) {
-  ValueDocument document("[10,11,12]");
-  Value& array = document.value();
+  ValueDocument array("[10,11,12]");
   EXPECT_EQ(array[0].GetInt(), 10);
   EXPECT_EQ(array[2].GetInt(), 12);
   array[1].SetString("new");
-  EXPECT_EQ(document.written(), "[10,\"new\",12]");
+  EXPECT_EQ(array.written(), "[10,\"new\",12]");
 }
 
 TEST(ValueIndex, GivesANullHandleWhereThereIsNoElement) {
@@ -81,31 +82,20 @@ TEST(ValueName, FindsTheFirstMemberOfThatName) {
 TEST(ValueName, MustHaveTheSameBytesAndLength) {
   ValueDocument document("{\"name\":1,\"\\u00e9\":2,\"a\\u0000b\":3,\"\":4}");
   const Value& object = document.value();
-  EXPECT_FALSE(object.HasMember("nam"));
-  EXPECT_FALSE(object.HasMember("names"));
-  EXPECT_FALSE(object.HasMember("Name"));
-  EXPECT_FALSE(object.HasMember("e\u0301"));
-  EXPECT_FALSE(object.HasMember("a"));
+  for (const char* name : {"nam", "names", "Name", "e\u0301", "a"}) {
+    EXPECT_FALSE(object.HasMember(name)) << name;
+  }
   EXPECT_FALSE(object.HasMember(Text(std::string("a\0c", 3))));
-  EXPECT_TRUE(object.HasMember("name"));
-  EXPECT_TRUE(object.HasMember("\u00e9"));
+  for (const char* name : {"name", "\u00e9", ""}) EXPECT_TRUE(object.HasMember(name)) << name;
   EXPECT_TRUE(object.HasMember(Text(std::string("a\0b", 3))));
-  EXPECT_TRUE(object.HasMember(""));
   EXPECT_EQ(object[Text(std::string("a\0b", 3))].GetInt(), 3);
   EXPECT_EQ(object[""].GetInt(), 4);
 }
 
-TEST(ValueName, GivesANullHandleWhereThereIsNoMember) {
-  ValueDocument document("{\"a\":1}");
-  Value& object = document.value();
-  EXPECT_TRUE(object["b"].IsNull());
-  EXPECT_TRUE(object["b"]["c"][0].IsNull());
-  EXPECT_EQ(object.Size(), 1U);
-}
-
-TEST(ValueName, LetsNothingBeWrittenWhereThereIsNoMember) {
+TEST(ValueName, GivesAnInertNullHandleWhereThereIsNoMember) {
   ValueDocument document("{\"a\":1}");
   Value& missing = document.value()["b"];
+  EXPECT_TRUE(missing["c"][0].IsNull());
   missing.SetObject();
   missing.SetInt(5);
   missing.SetString("text");
@@ -118,12 +108,10 @@ TEST(ValueName, LetsNothingBeWrittenWhereThereIsNoMember) {
 TEST(ValueNavigation, GivesHandlesThatDoNotOwnAndShareTheAllocator) {
   ValueDocument document("{\"a\":[1]}");
   Value& object = document.value();
-  EXPECT_FALSE(IsOwned(object["a"]));
-  EXPECT_FALSE(IsOwned(object["a"][0]));
-  EXPECT_FALSE(IsOwned(object["b"]));
-  EXPECT_EQ(AllocatorOf(object["a"]), AllocatorOf(object));
-  EXPECT_EQ(AllocatorOf(object["a"][0]), AllocatorOf(object));
-  EXPECT_EQ(AllocatorOf(object["b"]), AllocatorOf(object));
+  for (const Value* handle : {&object["a"], &object["a"][0], &object["b"]}) {
+    EXPECT_FALSE(IsOwned(*handle));
+    EXPECT_EQ(AllocatorOf(*handle), AllocatorOf(object));
+  }
 }
 
 TEST(ValueNavigation, KeepsOneHandleMoreForEachCall) {
@@ -226,6 +214,31 @@ TEST(ValueAssignment, OfAHandleThatItGaveOut) {
   value = value["b"];
   EXPECT_EQ(value.GetInt(), 7);
   EXPECT_EQ(CountHandles(value), 0U);
+}
+
+TEST(ForeignNode, BelongsToTheCopyOfItsHandle) {
+  Pool pool;
+  auto* const node = new Node(5);
+  const Value value(true, node, &pool);
+  const Value owner(value);
+  EXPECT_FALSE(IsOwned(value));
+  EXPECT_TRUE(IsOwned(owner));
+  EXPECT_EQ(NodeOf(owner), node);
+  EXPECT_EQ(owner.GetInt(), 5);
+}
+
+// The long text needs a chunk of the pool, which the library allocates and the pool frees.
+TEST(ForeignNode, GrowsThePoolOfTheCaller) {
+  const std::string text(100'000, 'x');
+  Pool pool;
+  Node node(rapidjson::kArrayType);
+  Value array(false, &node, &pool);
+  Value item(true, new Node, &pool);
+  item.SetString(Text(text));
+  array.PushBack(item);
+  ASSERT_EQ(node.Size(), 1U);
+  EXPECT_EQ(node[0].GetString(), text);
+  EXPECT_GT(pool.Capacity(), text.size());
 }
 
 }  // namespace

@@ -6,12 +6,11 @@
 
 #include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/value.h"
-#include "tests/json/value_fields.h"
+#include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {
 
-using ovrant::json::Document;
 using ovrant::json::Value;
 
 struct Owned {
@@ -57,7 +56,7 @@ TEST(ValueLayout, HoldsOwnedNodeAllocatorAndHandlesInThisOrder) {
   EXPECT_EQ(sizeof(Value), 3 * kPointer + sizeof(std::list<Value>));
 }
 
-TEST(DocumentLayout, HoldsOnePointer) { EXPECT_EQ(sizeof(Document), sizeof(void*)); }
+TEST(DocumentLayout, HoldsOnePointer) { EXPECT_EQ(sizeof(ovrant::json::Document), sizeof(void*)); }
 
 }  // namespace
 

@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "common_stowraapi/json/document.h"
 #include "tests/json/text.h"
@@ -43,8 +43,6 @@ std::string Types(const Value& value) {
   return types;
 }
 
-std::string TypesOf(const std::string& json) { return Types(ValueDocument(json).value()); }
-
 // Applies each setter to a node with other content.
 template <typename Setter, typename Content>
 std::string TypesAfter(Setter setter, Content content) {
@@ -56,43 +54,26 @@ std::string TypesAfter(Setter setter, Content content) {
 }
 
 TEST(ValueType, IsThatOfTheText) {
-  EXPECT_EQ(TypesOf("null"), "Null");
-  EXPECT_EQ(TypesOf("false"), "False Bool");
-  EXPECT_EQ(TypesOf("true"), "True Bool");
-  EXPECT_EQ(TypesOf("{}"), "Object");
-  EXPECT_EQ(TypesOf("[]"), "Array");
-  EXPECT_EQ(TypesOf("\"\""), "String");
-  EXPECT_EQ(TypesOf("\"a string that does not fit into the node\""), "String");
-}
-
-TEST(ValueType, OfAParsedNumberTellsWhatCanHoldIt) {
-  EXPECT_EQ(TypesOf("0"), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("-0"), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("-1"), "Number Int Int64");
-  EXPECT_EQ(TypesOf("2147483647"), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("2147483648"), "Number Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("-2147483648"), "Number Int Int64");
-  EXPECT_EQ(TypesOf("-2147483649"), "Number Int64");
-  EXPECT_EQ(TypesOf("4294967295"), "Number Uint Int64 Uint64");
-  EXPECT_EQ(TypesOf("4294967296"), "Number Int64 Uint64");
-  EXPECT_EQ(TypesOf("9223372036854775807"), "Number Int64 Uint64");
-  EXPECT_EQ(TypesOf("9223372036854775808"), "Number Uint64");
-  EXPECT_EQ(TypesOf("18446744073709551615"), "Number Uint64");
-  EXPECT_EQ(TypesOf("18446744073709551616"), "Number Double");
-  EXPECT_EQ(TypesOf("-9223372036854775808"), "Number Int64");
-  EXPECT_EQ(TypesOf("-9223372036854775809"), "Number Double");
-  EXPECT_EQ(TypesOf("1.0"), "Number Double");
-  EXPECT_EQ(TypesOf("1e0"), "Number Double");
-}
-
-TEST(ValueType, OfTheFourNumbersOfAnArray) {
-  ValueDocument document("[5,-1,4294967295,1.0]");
-  Value& numbers = document.value();
-  EXPECT_EQ(Types(numbers[0]), "Number Int Uint Int64 Uint64");
-  EXPECT_EQ(Types(numbers[1]), "Number Int Int64");
-  EXPECT_EQ(Types(numbers[2]), "Number Uint Int64 Uint64");
-  EXPECT_EQ(Types(numbers[3]), "Number Double");
-  EXPECT_EQ(numbers[0].GetDouble(), 5.0);
+  const std::pair<const char*, const char*> rows[] = {
+      {"Null", "null"},
+      {"False Bool", "false"},
+      {"True Bool", "true"},
+      {"Object", "{}"},
+      {"Array", "[]"},
+      {"String", "\"\"|\"a string that does not fit into the node\""},
+      // A number's type tells what can hold it.
+      {"Number Int Uint Int64 Uint64", "0|-0|2147483647"},
+      {"Number Int Int64", "-1|-2147483648"},
+      {"Number Uint Int64 Uint64", "2147483648|4294967295"},
+      {"Number Int64", "-2147483649|-9223372036854775808"},
+      {"Number Int64 Uint64", "4294967296|9223372036854775807"},
+      {"Number Uint64", "9223372036854775808|18446744073709551615"},
+      {"Number Double", "18446744073709551616|-9223372036854775809|1.0|1e0"}};
+  for (const auto& [types, texts] : rows) {
+    for (const std::string& json : Split(texts)) {
+      EXPECT_EQ(Types(ValueDocument(json).value()), types) << json;
+    }
+  }
 }
 
 TEST(ValueType, OfASetNumberTellsWhatCanHoldIt) {
@@ -116,7 +97,6 @@ TEST(ValueType, OfASetNumberTellsWhatCanHoldIt) {
 TEST(ValueSetter, ReplacesWhateverTheNodeHeld) {
   EXPECT_EQ(TypesAfter(&Value::SetBool, true), "True Bool");
   EXPECT_EQ(TypesAfter(&Value::SetBool, false), "False Bool");
-
   ValueDocument document("[1,{\"a\":2}]");
   Value& value = document.value();
   value[1].SetNull();
@@ -167,8 +147,7 @@ TEST(ValueSetter, DoesNothingWithoutANode) {
 }
 
 TEST(ValueGetter, ReadsIntegersAsStored) {
-  ValueDocument document("[-7,4294967295,-9223372036854775808,18446744073709551615]");
-  Value& numbers = document.value();
+  ValueDocument numbers("[-7,4294967295,-9223372036854775808,18446744073709551615]");
   EXPECT_EQ(numbers[0].GetInt(), -7);
   EXPECT_EQ(numbers[0].GetInt64(), -7);
   EXPECT_EQ(numbers[1].GetUint(), 4294967295U);
@@ -178,8 +157,7 @@ TEST(ValueGetter, ReadsIntegersAsStored) {
 }
 
 TEST(ValueGetter, ReadsTheLowestBitsOfAnIntegerThatDoesNotFit) {
-  ValueDocument document("[4294967295,4294967303,-1,-4294967289,18446744073709551615]");
-  Value& numbers = document.value();
+  ValueDocument numbers("[4294967295,4294967303,-1,-4294967289,18446744073709551615]");
   EXPECT_EQ(numbers[0].GetInt(), -1);
   EXPECT_EQ(numbers[1].GetInt(), 7);
   EXPECT_EQ(numbers[1].GetUint(), 7U);
@@ -232,8 +210,7 @@ TEST(ValueGetter, CutsADoubleTowardZeroAndGivesZeroWhereThatDoesNotFit) {
 }
 
 TEST(ValueGetter, ReadsAnyNumberAsDouble) {
-  ValueDocument document("[-3,4294967295,-9223372036854775808,18446744073709551615,0.1]");
-  Value& numbers = document.value();
+  ValueDocument numbers("[-3,4294967295,-9223372036854775808,18446744073709551615,0.1]");
   EXPECT_EQ(numbers[0].GetDouble(), -3.0);
   EXPECT_EQ(numbers[1].GetDouble(), 4294967295.0);
   EXPECT_EQ(numbers[2].GetDouble(), -9223372036854775808.0);
@@ -242,15 +219,13 @@ TEST(ValueGetter, ReadsAnyNumberAsDouble) {
 }
 
 TEST(ValueGetter, GivesTrueForTheLiteralTrueAlone) {
-  ValueDocument document("[true,false,1,\"true\",null,[true],{\"true\":true}]");
-  Value& values = document.value();
+  ValueDocument values("[true,false,1,\"true\",null,[true],{\"true\":true}]");
   EXPECT_TRUE(values[0].GetBool());
-  for (unsigned int i = 1; i < values.Size(); ++i) EXPECT_FALSE(values[i].GetBool()) << i;
+  for (int i = 1; i < 7; ++i) EXPECT_FALSE(values[i].GetBool()) << i;
 }
 
 TEST(ValueGetter, ReadsTextUpToItsFirstNul) {
-  ValueDocument document("[\"\",\"ab\\u0000cd\",\"\\u00e9\\ud83d\\ude00\",\"\\u0000\"]");
-  Value& texts = document.value();
+  ValueDocument texts("[\"\",\"ab\\u0000cd\",\"\\u00e9\\ud83d\\ude00\",\"\\u0000\"]");
   EXPECT_EQ(texts[0].GetString().utf8(), "");
   EXPECT_EQ(texts[1].GetString().utf8(), "ab");
   EXPECT_EQ(texts[2].GetString().utf8(), "\u00e9\U0001F600");
@@ -259,24 +234,23 @@ TEST(ValueGetter, ReadsTextUpToItsFirstNul) {
 }
 
 TEST(ValueGetter, CountsElementsAndMembers) {
-  ValueDocument document("[[],[1,2,3],{},{\"a\":1,\"a\":2},\"four\",5]");
-  Value& values = document.value();
-  EXPECT_EQ(values.Size(), 6U);
-  EXPECT_EQ(values[0].Size(), 0U);
-  EXPECT_EQ(values[1].Size(), 3U);
-  EXPECT_EQ(values[2].Size(), 0U);
-  EXPECT_EQ(values[3].Size(), 2U);
-  EXPECT_EQ(values[4].Size(), 0U);
-  EXPECT_EQ(values[5].Size(), 0U);
+  ValueDocument values("[[],[1,2,3],{},{\"a\":1,\"a\":2},\"four\",5]");
+  EXPECT_EQ(values.value().Size(), 6U);
+  const unsigned int sizes[] = {0, 3, 0, 2, 0, 0};
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(values[i].Size(), sizes[i]) << i;
 }
 
-// Expects zero, false, the empty text or a null handle from every operation.
-void ExpectNothingIn(const Value& value) {
+void ExpectNoNumberIn(const Value& value) {
   EXPECT_EQ(value.GetInt(), 0);
   EXPECT_EQ(value.GetUint(), 0U);
   EXPECT_EQ(value.GetInt64(), 0);
   EXPECT_EQ(value.GetUint64(), 0U);
   EXPECT_EQ(value.GetDouble(), 0.0);
+}
+
+// Expects zero, false, the empty text or a null handle from every operation.
+void ExpectNothingIn(const Value& value) {
+  ExpectNoNumberIn(value);
   EXPECT_FALSE(value.GetBool());
   EXPECT_TRUE(value.GetString().empty());
   EXPECT_EQ(value.Size(), 0U);
@@ -287,25 +261,20 @@ void ExpectNothingIn(const Value& value) {
 
 TEST(ValueGetter, FindsNothingInANullOrEmptyHandle) {
   ExpectNothingIn(Value());
-  ExpectNothingIn(ValueDocument("null").value());
-  ExpectNothingIn(ValueDocument("false").value());
-  ExpectNothingIn(ValueDocument("[]").value());
-  ExpectNothingIn(ValueDocument("{}").value());
+  for (const char* json : {"null", "false", "[]", "{}"}) {
+    SCOPED_TRACE(json);
+    ExpectNothingIn(ValueDocument(json).value());
+  }
 }
 
 TEST(ValueGetter, FindsNothingOfAnotherType) {
-  ValueDocument document("[\"12\",[1],{\"a\":1},7,true]");
-  Value& values = document.value();
-  for (const unsigned int i : {0U, 1U, 2U, 4U}) {
+  ValueDocument values("[\"12\",[1],{\"a\":1},7,true]");
+  for (const int i : {0, 1, 2, 4}) {
     SCOPED_TRACE(i);
-    EXPECT_EQ(values[i].GetInt(), 0);
-    EXPECT_EQ(values[i].GetUint(), 0U);
-    EXPECT_EQ(values[i].GetInt64(), 0);
-    EXPECT_EQ(values[i].GetUint64(), 0U);
-    EXPECT_EQ(values[i].GetDouble(), 0.0);
+    ExpectNoNumberIn(values[i]);
   }
-  for (const unsigned int i : {1U, 2U, 3U, 4U}) EXPECT_TRUE(values[i].GetString().empty()) << i;
-  for (const unsigned int i : {0U, 1U, 3U, 4U}) EXPECT_FALSE(values[i].HasMember("a")) << i;
+  for (const int i : {1, 2, 3, 4}) EXPECT_TRUE(values[i].GetString().empty()) << i;
+  for (const int i : {0, 1, 3, 4}) EXPECT_FALSE(values[i].HasMember("a")) << i;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <new>
 #include <thread>
 #include <vector>
@@ -21,6 +22,10 @@ using ovrant::NoWaitScope;
 constexpr std::chrono::milliseconds kTooEarly(100);
 
 bool CanEnter(DeliveryGate& gate) { return DeliveryGate::Call(gate).has_entered(); }
+
+bool HasEnded(const std::future<void>& call, std::chrono::milliseconds limit) {
+  return call.wait_for(limit) == std::future_status::ready;
+}
 
 // Stays inside a gate, on a second thread, until LetGo.
 class Visitor {
@@ -82,35 +87,27 @@ TEST(DeliveryGate, CloseWaitsForAllCalls) {
   DeliveryGate gate;
   Visitor first(gate);
   Visitor second(gate);
-  Event closed;
-  std::thread closer([&] {
-    EXPECT_TRUE(gate.Close());
-    closed.Set();
-  });
-  EXPECT_FALSE(closed.Wait(kTooEarly));
+  const auto closer = std::async(std::launch::async, [&] { EXPECT_TRUE(gate.Close()); });
+  EXPECT_FALSE(HasEnded(closer, kTooEarly));
   first.LetGo();
-  EXPECT_FALSE(closed.Wait(kTooEarly));
+  EXPECT_FALSE(HasEnded(closer, kTooEarly));
   EXPECT_TRUE(gate.IsClosed());
   EXPECT_FALSE(CanEnter(gate));
   second.LetGo();
-  EXPECT_TRUE(closed.Wait());
-  closer.join();
+  EXPECT_TRUE(HasEnded(closer, kPatience));
 }
 
 TEST(DeliveryGate, CloseInsideAnotherGateWaits) {
   DeliveryGate outer;
   DeliveryGate gate;
   Visitor visitor(gate);
-  Event closed;
-  std::thread closer([&] {
+  const auto closer = std::async(std::launch::async, [&] {
     const DeliveryGate::Call call(outer);
     EXPECT_TRUE(gate.Close());
-    closed.Set();
   });
-  EXPECT_FALSE(closed.Wait(kTooEarly));
+  EXPECT_FALSE(HasEnded(closer, kTooEarly));
   visitor.LetGo();
-  EXPECT_TRUE(closed.Wait());
-  closer.join();
+  EXPECT_TRUE(HasEnded(closer, kPatience));
 }
 
 TEST(DeliveryGate, CloseDoesNotWaitForItsOwnCall) {
@@ -154,22 +151,17 @@ TEST(DeliveryGate, CloseInANoWaitScopeWaitsForTheFunction) {
 TEST(NoWaitScope, NestsAndCoversOnlyItsThread) {
   DeliveryGate gate;
   Visitor visitor(gate);
-  Event closed;
-  std::thread closer;
+  std::future<void> closer;
   {
     const NoWaitScope outer;
     { const NoWaitScope inner; }
     EXPECT_FALSE(gate.Close());
-    closer = std::thread([&] {
-      gate.Close();
-      closed.Set();
-    });
-    EXPECT_FALSE(closed.Wait(kTooEarly));
+    closer = std::async(std::launch::async, [&] { gate.Close(); });
+    EXPECT_FALSE(HasEnded(closer, kTooEarly));
   }
   visitor.LetGo();
   EXPECT_TRUE(gate.Close());
-  EXPECT_TRUE(closed.Wait());
-  closer.join();
+  EXPECT_TRUE(HasEnded(closer, kPatience));
 }
 
 TEST(DeliveryGate, NoCallIsRunningAfterClose) {

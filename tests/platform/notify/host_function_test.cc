@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -55,6 +56,7 @@ TEST(HostFunction, FunctionReplacedInItsOwnCallLivesUntilItsEnd) {
     ++*held;
   });
   EXPECT_TRUE(place.Current()->Call());
+  EXPECT_EQ(place.Current(), nullptr);
   EXPECT_EQ(*held, 1);
   EXPECT_EQ(held.use_count(), 1);
 }
@@ -80,54 +82,34 @@ TEST(HostFunction, SwallowsExceptionsOfTheFunction) {
   place.Replace(nullptr);
 }
 
-TEST(HostFunction, FunctionCanReplaceItself) {
-  HostFunction<> place;
-  int calls = 0;
+// Whether `replace`, which replaces the function in `place`, waits for a call
+// on another thread.
+bool Waits(HostFunction<>& place, const std::function<void()>& replace) {
+  Event entered;
+  Event replaced;
+  std::atomic<bool> returned_too_early{false};
   place.Replace([&] {
-    ++calls;
-    place.Replace(nullptr);
+    entered.Set();
+    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
   });
-  EXPECT_TRUE(place.Current()->Call());
-  EXPECT_EQ(place.Current(), nullptr);
-  EXPECT_EQ(calls, 1);
+  std::thread caller([&place] { place.Current()->Call(); });
+  EXPECT_TRUE(entered.Wait());
+  replace();
+  replaced.Set();
+  caller.join();
+  return !returned_too_early;
 }
 
 TEST(HostFunction, ReplaceWaitsForACallOnAnotherThread) {
   HostFunction<> place;
-  Event entered;
-  Event replaced;
-  std::atomic<bool> returned_too_early{false};
-  place.Replace([&] {
-    entered.Set();
-    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
-  });
-  std::thread caller([&place] { place.Current()->Call(); });
-  EXPECT_TRUE(entered.Wait());
-  place.Replace(nullptr);
-  replaced.Set();
-  caller.join();
-  EXPECT_FALSE(returned_too_early);
+  EXPECT_TRUE(Waits(place, [&] { place.Replace(nullptr); }));
 }
 
 TEST(HostFunction, ReplaceInsideAnotherFunctionWaits) {
   HostFunction<> place;
-  Event entered;
-  Event replaced;
-  std::atomic<bool> returned_too_early{false};
-  place.Replace([&] {
-    entered.Set();
-    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
-  });
-  std::thread caller([&place] { place.Current()->Call(); });
-  EXPECT_TRUE(entered.Wait());
   HostFunction<> other;
-  other.Replace([&] {
-    place.Replace(nullptr);
-    replaced.Set();
-  });
-  EXPECT_TRUE(other.Current()->Call());
-  caller.join();
-  EXPECT_FALSE(returned_too_early);
+  other.Replace([&] { place.Replace(nullptr); });
+  EXPECT_TRUE(Waits(place, [&] { EXPECT_TRUE(other.Current()->Call()); }));
 }
 
 TEST(HostFunction, FunctionLivesThroughACallThatReplaceDoesNotAwait) {

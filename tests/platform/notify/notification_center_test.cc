@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <cstring>
 #include <ctime>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -20,6 +20,7 @@ namespace stowra_test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::FieldsAre;
 
 TEST_F(NotificationCenterTest, DefaultIsAlwaysTheSameCenter) {
   ASSERT_NE(CNotificationCenter::Default(), nullptr);
@@ -28,39 +29,28 @@ TEST_F(NotificationCenterTest, DefaultIsAlwaysTheSameCenter) {
 
 TEST_F(NotificationCenterTest, DeliversNameAndPayloadOnTheSendingThread) {
   int value = 0;
-  std::vector<std::pair<std::string, void*>> received;
-  std::thread::id thread;
+  std::vector<std::tuple<std::string, void*, std::thread::id>> received;
   Observer observer([&](const char* name, void* payload) {
-    received.emplace_back(name, payload);
-    thread = std::this_thread::get_id();
+    received.emplace_back(name, payload, std::this_thread::get_id());
   });
-  Center().AddObserver(kName, &observer);
-
+  Register({&observer});
   Center().SendNotification(kName, &value);
-
-  EXPECT_THAT(received, ElementsAre(std::pair(std::string(kName), static_cast<void*>(&value))));
-  EXPECT_EQ(thread, std::this_thread::get_id());
+  EXPECT_THAT(received, ElementsAre(FieldsAre(kName, &value, std::this_thread::get_id())));
 }
 
 TEST_F(NotificationCenterTest, MatchesNamesByContent) {
-  const auto observer = Logger('a');
   std::string registered = kName;
-  Center().AddObserver(registered.c_str(), observer.get());
+  Register({&a_}, registered.c_str());
   registered[0] = 'x';
-
-  Send(std::string(kName).c_str());
-  EXPECT_EQ(log_, "a");
-  Send((std::string(kName) + "2").c_str());
-  Send(registered.c_str());
-  Send("");
-  EXPECT_EQ(log_, "a");
+  EXPECT_EQ(LogAfterSend(std::string(kName).c_str()), "a");
+  EXPECT_EQ(LogAfterSend((std::string(kName) + "2").c_str()), "a");
+  EXPECT_EQ(LogAfterSend(registered.c_str()), "a");
+  EXPECT_EQ(LogAfterSend(""), "a");
 }
 
 TEST_F(NotificationCenterTest, ReadsTheNameAnewAtEachSend) {
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  Center().AddObserver(kName, a.get());
-  Center().AddObserver(kOtherName, b.get());
+  Register({&a_});
+  Register({&b_}, kOtherName);
   char name[sizeof(kOtherName)];
   for (const char* content : {kName, kOtherName, kName, "", kOtherName}) {
     std::strcpy(name, content);
@@ -70,10 +60,8 @@ TEST_F(NotificationCenterTest, ReadsTheNameAnewAtEachSend) {
 }
 
 TEST_F(NotificationCenterTest, NameWorksAgainAfterItsLastObserverLeft) {
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  for (Observer* observer : {a.get(), b.get(), a.get()}) {
-    Center().AddObserver(kName, observer);
+  for (Observer* observer : {&a_, &b_, &a_}) {
+    Register({observer});
     Send();
     Send();
     Center().RemoveObserver(observer);
@@ -83,103 +71,65 @@ TEST_F(NotificationCenterTest, NameWorksAgainAfterItsLastObserverLeft) {
 }
 
 TEST_F(NotificationCenterTest, CallsObserversInOrderOfRegistration) {
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  const auto c = Logger('c');
-  for (Observer* observer : {b.get(), c.get(), a.get()}) Center().AddObserver(kName, observer);
-  Send();
-  EXPECT_EQ(log_, "bca");
+  Register({&b_, &last_, &a_});
+  EXPECT_EQ(LogAfterSend(), "bla");
 }
 
 TEST_F(NotificationCenterTest, RegistersTheSamePairOnce) {
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  for (Observer* observer : {a.get(), b.get(), a.get()}) Center().AddObserver(kName, observer);
-  Send();
-  EXPECT_EQ(log_, "ab");
-  Center().RemoveObserver(a.get());
-  Send();
-  EXPECT_EQ(log_, "abb");
+  Register({&a_, &b_, &a_});
+  EXPECT_EQ(LogAfterSend(), "ab");
+  Center().RemoveObserver(&a_);
+  EXPECT_EQ(LogAfterSend(), "abb");
 }
 
-TEST_F(NotificationCenterTest, RegistersOneObserverForSeveralNames) {
-  const auto a = Logger('a');
-  Center().AddObserver(kName, a.get());
-  Center().AddObserver(kOtherName, a.get());
-  Send(kName);
-  Send(kOtherName);
-  EXPECT_EQ(log_, "aa");
-}
-
-TEST_F(NotificationCenterTest, RemovesAnObserverFromEveryName) {
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  for (const char* name : {kName, kOtherName}) {
-    Center().AddObserver(name, a.get());
-    Center().AddObserver(name, b.get());
-  }
-  Center().RemoveObserver(a.get());
-  Send(kName);
-  Send(kOtherName);
-  EXPECT_EQ(log_, "bb");
+TEST_F(NotificationCenterTest, RegistersForSeveralNamesAndRemovesFromAll) {
+  for (const char* name : {kName, kOtherName}) Register({&a_, &b_}, name);
+  EXPECT_EQ(LogAfterSend(kName), "ab");
+  EXPECT_EQ(LogAfterSend(kOtherName), "abab");
+  Center().RemoveObserver(&a_);
+  EXPECT_EQ(LogAfterSend(kName), "ababb");
+  EXPECT_EQ(LogAfterSend(kOtherName), "ababbb");
 }
 
 TEST_F(NotificationCenterTest, RemovingAnUnknownObserverDoesNothing) {
-  const auto a = Logger('a');
-  const auto stranger = Logger('s');
-  Center().AddObserver(kName, a.get());
-  Center().RemoveObserver(stranger.get());
+  Register({&a_});
+  Center().RemoveObserver(&b_);
   Center().RemoveObserver(nullptr);
-  Send();
-  EXPECT_EQ(log_, "a");
+  EXPECT_EQ(LogAfterSend(), "a");
 }
 
 TEST_F(NotificationCenterTest, NullArgumentsDoNothing) {
-  const auto a = Logger('a');
-  Center().AddObserver(nullptr, a.get());
-  Center().AddObserver(kName, nullptr);
+  Register({&a_}, nullptr);
+  Register({nullptr});
   Center().SendNotification(nullptr, nullptr);
-  Send();
-  EXPECT_EQ(log_, "");
+  EXPECT_EQ(LogAfterSend(), "");
 }
 
 TEST_F(NotificationCenterTest, CallsAReaddedObserverLast) {
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  Center().AddObserver(kName, a.get());
-  Center().AddObserver(kName, b.get());
-  Center().RemoveObserver(a.get());
-  Center().AddObserver(kName, a.get());
-  Send();
-  EXPECT_EQ(log_, "ba");
+  Register({&a_, &b_});
+  Center().RemoveObserver(&a_);
+  Register({&a_});
+  EXPECT_EQ(LogAfterSend(), "ba");
 }
 
 TEST_F(NotificationCenterTest, PassesADictionaryAsThePayload) {
   const char place = 0;
-  const auto& dictionary = reinterpret_cast<const ovrant::Dictionary&>(place);
   const void* received = nullptr;
   std::string received_name;
   Observer observer([&](const char* name, void* payload) {
     received_name = name;
     received = payload;
   });
-  observer.OnNotification(kName, dictionary);
+  observer.OnNotification(kName, reinterpret_cast<const ovrant::Dictionary&>(place));
   EXPECT_EQ(received, &place);
   EXPECT_EQ(received_name, kName);
 }
 
 TEST_F(NotificationCenterTest, ObserverCanRemoveItself) {
-  std::unique_ptr<Observer> once;
-  once = std::make_unique<Observer>([&] {
-    log_ += 'o';
-    Center().RemoveObserver(once.get());
-  });
-  const auto b = Logger('b');
-  Center().AddObserver(kName, once.get());
-  Center().AddObserver(kName, b.get());
-  Send();
-  Send();
-  EXPECT_EQ(log_, "obb");
+  Observer once(Logs('o', [&] { Center().RemoveObserver(&once); }));
+  Register({&once, &b_});
+  EXPECT_EQ(LogAfterSend(), "ob");
+  EXPECT_EQ(LogAfterSend(), "obb");
 }
 
 class SelfDeletingObserver final : public ovrant::IObserver {
@@ -199,151 +149,93 @@ class SelfDeletingObserver final : public ovrant::IObserver {
 
 TEST_F(NotificationCenterTest, ObserverCanDeleteItself) {
   Center().AddObserver(kName, new SelfDeletingObserver(log_));
-  const auto last = Logger('l');
-  Center().AddObserver(kName, last.get());
-  Send();
-  EXPECT_EQ(log_, "sl");
-  Send();
-  EXPECT_EQ(log_, "sll");
+  Register({&last_});
+  EXPECT_EQ(LogAfterSend(), "sl");
+  EXPECT_EQ(LogAfterSend(), "sll");
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverRemovedDuringTheDelivery) {
-  auto victim = Logger('v');
-  Observer first([&] {
-    log_ += 'f';
-    victim.reset();
-  });
-  const auto last = Logger('l');
-  for (Observer* observer : {&first, victim.get(), last.get()}) {
-    Center().AddObserver(kName, observer);
-  }
-  Send();
-  EXPECT_EQ(log_, "fl");
+  Observer first(Logs('f', [&] { victim_.reset(); }));
+  Register({&first, victim_.get(), &last_});
+  EXPECT_EQ(LogAfterSend(), "fl");
 }
 
 TEST_F(NotificationCenterTest, RemovingAnEarlierObserverSkipsNone) {
-  auto victim = Logger('v');
-  Observer middle([&] {
-    log_ += 'm';
-    victim.reset();
-  });
-  const auto last = Logger('l');
-  for (Observer* observer : {victim.get(), &middle, last.get()}) {
-    Center().AddObserver(kName, observer);
-  }
-  Send();
-  EXPECT_EQ(log_, "vml");
-  Send();
-  EXPECT_EQ(log_, "vmlml");
+  Observer middle(Logs('m', [&] { victim_.reset(); }));
+  Register({victim_.get(), &middle, &last_});
+  EXPECT_EQ(LogAfterSend(), "vml");
+  EXPECT_EQ(LogAfterSend(), "vmlml");
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverAddedDuringTheDelivery) {
-  const auto late = Logger('l');
-  Observer adder([&] {
-    log_ += 'a';
-    Center().AddObserver(kName, late.get());
-  });
-  Center().AddObserver(kName, &adder);
-  Send();
-  EXPECT_EQ(log_, "a");
-  Send();
-  EXPECT_EQ(log_, "aal");
+  Observer adder(Logs('s', [&] { Register({&a_}); }));
+  Register({&adder});
+  EXPECT_EQ(LogAfterSend(), "s");
+  EXPECT_EQ(LogAfterSend(), "ssa");
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverReaddedDuringTheDelivery) {
-  const auto moved = Logger('m');
   bool first_time = true;
-  Observer mover([&] {
-    log_ += 'a';
+  Observer mover(Logs('m', [&] {
     if (!std::exchange(first_time, false)) return;
-    Center().RemoveObserver(moved.get());
-    Center().AddObserver(kName, moved.get());
-  });
-  Center().AddObserver(kName, &mover);
-  Center().AddObserver(kName, moved.get());
-  Send();
-  EXPECT_EQ(log_, "a");
-  Send();
-  EXPECT_EQ(log_, "aam");
+    Center().RemoveObserver(&a_);
+    Register({&a_});
+  }));
+  Register({&mover, &a_});
+  EXPECT_EQ(LogAfterSend(), "m");
+  EXPECT_EQ(LogAfterSend(), "mma");
 }
 
 TEST_F(NotificationCenterTest, CallsAnObserverThatReaddsItselfOnce) {
-  std::unique_ptr<Observer> self;
-  self = std::make_unique<Observer>([&] {
-    log_ += 's';
-    Center().RemoveObserver(self.get());
-    Center().AddObserver(kName, self.get());
-  });
-  const auto b = Logger('b');
-  Center().AddObserver(kName, self.get());
-  Center().AddObserver(kName, b.get());
-  Send();
-  EXPECT_EQ(log_, "sb");
-  Send();
-  EXPECT_EQ(log_, "sbbs");
+  Observer self(Logs('s', [&] {
+    Center().RemoveObserver(&self);
+    Register({&self});
+  }));
+  Register({&self, &b_});
+  EXPECT_EQ(LogAfterSend(), "sb");
+  EXPECT_EQ(LogAfterSend(), "sbbs");
 }
 
 TEST_F(NotificationCenterTest, ObserverCanSendAnotherName) {
-  Observer sender([&] {
-    log_ += 's';
-    Send(kOtherName);
-  });
-  const auto other = Logger('o');
-  const auto last = Logger('l');
-  Center().AddObserver(kName, &sender);
-  Center().AddObserver(kName, last.get());
-  Center().AddObserver(kOtherName, other.get());
-  Send();
-  EXPECT_EQ(log_, "sol");
+  Observer sender(Logs('s', [&] { Send(kOtherName); }));
+  Register({&sender, &last_});
+  Register({&a_}, kOtherName);
+  EXPECT_EQ(LogAfterSend(), "sal");
 }
 
 TEST_F(NotificationCenterTest, NestedDeliveryCallsAnObserverAddedBeforeIt) {
-  const auto late = Logger('l');
   int depth = 0;
-  Observer sender([&] {
-    log_ += 's';
+  Observer sender(Logs('s', [&] {
     if (++depth > 1) return;
-    Center().AddObserver(kName, late.get());
+    Register({&a_});
     Send();
-  });
-  Center().AddObserver(kName, &sender);
-  Send();
-  EXPECT_EQ(log_, "ssl");
+  }));
+  Register({&sender});
+  EXPECT_EQ(LogAfterSend(), "ssa");
 }
 
 TEST_F(NotificationCenterTest, RemovalInANestedDeliveryHoldsInTheOuterOne) {
-  auto victim = Logger('v');
   int depth = 0;
-  Observer sender([&] {
-    log_ += 's';
+  Observer sender(Logs('s', [&] {
     if (++depth > 1) {
-      victim.reset();
+      victim_.reset();
     } else {
       Send();
     }
-  });
-  const auto last = Logger('l');
-  for (Observer* observer : {&sender, victim.get(), last.get()}) {
-    Center().AddObserver(kName, observer);
-  }
-  Send();
-  EXPECT_EQ(log_, "ssll");
+  }));
+  Register({&sender, victim_.get(), &last_});
+  EXPECT_EQ(LogAfterSend(), "ssll");
 }
 
 TEST_F(NotificationCenterTest, DeliveryEndsWhenAllObserversWereReplaced) {
-  const auto a = Logger('a');
-  Observer b([&] {
-    log_ += 'b';
-    Center().RemoveObserver(a.get());
-    Center().RemoveObserver(&b);
-    Center().AddObserver(kName, a.get());
-  });
-  Center().AddObserver(kName, a.get());
-  Center().AddObserver(kName, &b);
-  Send();
-  EXPECT_EQ(log_, "ab");
-  Send();
-  EXPECT_EQ(log_, "aba");
+  Observer replacer(Logs('r', [&] {
+    Center().RemoveObserver(&a_);
+    Center().RemoveObserver(&replacer);
+    Register({&a_});
+  }));
+  Register({&a_, &replacer});
+  EXPECT_EQ(LogAfterSend(), "ar");
+  EXPECT_EQ(LogAfterSend(), "ara");
 }
 
 // The CPU time that this thread takes for 100 deliveries.
@@ -359,39 +251,31 @@ std::int64_t NanosecondsOfSends() {
 }
 
 TEST_F(NotificationCenterTest, PassingObserversDoNotSlowLaterSends) {
-  const auto passing = Logger('p');
   bool is_nested = false;
   Observer outer([&] {
     if (std::exchange(is_nested, true)) return;
     const std::int64_t before = NanosecondsOfSends();
     for (int i = 0; i < 200'000; ++i) {
-      Center().AddObserver(kName, passing.get());
-      Center().RemoveObserver(passing.get());
+      Register({&a_});
+      Center().RemoveObserver(&a_);
     }
     EXPECT_LT(NanosecondsOfSends(), 10 * before + 10'000'000);
   });
   Observer neighbour([] {});
-  Center().AddObserver(kName, &outer);
-  Center().AddObserver(kName, &neighbour);
-  Send();
-  EXPECT_EQ(log_, "");
+  Register({&outer, &neighbour});
+  EXPECT_EQ(LogAfterSend(), "");
 }
 
 TEST_F(NotificationCenterTest, PassesOnAnObserversException) {
   bool throws = true;
-  Observer thrower([&] {
-    log_ += 't';
+  Observer thrower(Logs('t', [&] {
     if (throws) throw std::runtime_error("from an observer");
-  });
-  const auto last = Logger('l');
-  Center().AddObserver(kName, &thrower);
-  Center().AddObserver(kName, last.get());
+  }));
+  Register({&thrower, &last_});
   EXPECT_THROW(Send(), std::runtime_error);
   EXPECT_EQ(log_, "t");
-
   throws = false;
-  Send();
-  EXPECT_EQ(log_, "ttl");
+  EXPECT_EQ(LogAfterSend(), "ttl");
   // The call has ended, so a removal on another thread does not wait.
   Event removed;
   std::thread remover([&] {

@@ -8,8 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "common_stowraapi/platform/notification_center.h"
-#include "tests/platform/notify/busy_observer.h"
 #include "tests/platform/notify/notification_fixture.h"
 #include "tests/support/event.h"
 
@@ -37,7 +35,7 @@ TEST_F(NotificationCenterTest, RemovalWaitsForACallAmongNestedOnes) {
         }
         if (depth == removed) left = true;
       }));
-      Center().AddObserver(name(depth).c_str(), observers.back().get());
+      Register({observers.back().get()}, name(depth).c_str());
     }
     std::thread sender([&] { Send(name(0).c_str()); });
     EXPECT_TRUE(all_inside.Wait());
@@ -51,43 +49,33 @@ TEST_F(NotificationCenterTest, RemovalWaitsForACallAmongNestedOnes) {
 
 TEST_F(NotificationCenterTest, CenterWorksDuringACallOnAnotherThread) {
   BusyObserver busy;
-  const auto a = Logger('a');
-  const auto b = Logger('b');
-  Center().AddObserver(kOtherName, a.get());
-  Center().AddObserver(kOtherName, b.get());
-  Send(kOtherName);
-  Center().RemoveObserver(a.get());
-  Send(kOtherName);
-  EXPECT_EQ(log_, "abb");
+  Register({&a_, &b_}, kOtherName);
+  EXPECT_EQ(LogAfterSend(kOtherName), "ab");
+  Center().RemoveObserver(&a_);
+  EXPECT_EQ(LogAfterSend(kOtherName), "abb");
   EXPECT_FALSE(busy.has_left());
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverThatAnotherThreadAdded) {
-  const auto late = Logger('l');
   {
     BusyObserver busy;
-    Center().AddObserver(kName, late.get());
+    Register({&a_});
   }
   EXPECT_EQ(log_, "");
-  Send();
-  EXPECT_EQ(log_, "l");
+  EXPECT_EQ(LogAfterSend(), "a");
 }
 
 TEST_F(NotificationCenterTest, DoesNotCallAnObserverThatAnotherThreadRemoved) {
-  const auto victim = Logger('v');
-  const auto last = Logger('l');
   Event added;
   Event removed;
   Observer first([&] {
     added.Set();
     EXPECT_TRUE(removed.Wait());
   });
-  for (Observer* observer : {&first, victim.get(), last.get()}) {
-    Center().AddObserver(kName, observer);
-  }
+  Register({&first, victim_.get(), &last_});
   std::thread sender([] { Send(); });
   EXPECT_TRUE(added.Wait());
-  Center().RemoveObserver(victim.get());
+  Center().RemoveObserver(victim_.get());
   removed.Set();
   sender.join();
   EXPECT_EQ(log_, "l");
@@ -112,8 +100,7 @@ TEST_F(NotificationCenterTest, NeverCallsARemovedObserver) {
         Observer observer([&] {
           if (removed) ++calls_after_removal;
         });
-        Center().AddObserver(kName, &observer);
-        Center().AddObserver(kOtherName, &observer);
+        for (const char* name : {kName, kOtherName}) Register({&observer}, name);
         Send();
         Center().RemoveObserver(&observer);
         removed = true;
@@ -131,7 +118,7 @@ TEST_F(NotificationCenterTest, DeliversAllNotificationsOfAllThreads) {
   constexpr int kThreads = 4;
   std::atomic<int> calls{0};
   Observer observer([&] { ++calls; });
-  Center().AddObserver(kName, &observer);
+  Register({&observer});
   std::vector<std::thread> senders;
   for (int i = 0; i < kThreads; ++i) {
     senders.emplace_back([] {

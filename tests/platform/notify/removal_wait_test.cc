@@ -9,9 +9,7 @@
 #include <thread>
 #include <utility>
 
-#include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/platform/notify/delivery.h"
-#include "tests/platform/notify/busy_observer.h"
 #include "tests/platform/notify/notification_fixture.h"
 #include "tests/support/event.h"
 
@@ -29,7 +27,7 @@ class Removable {
       : name_(name), observer_([this, function = std::move(function)] {
           if (calls_++ == 0) function();
         }) {
-    Center().AddObserver(name_, &observer_);
+    Register({&observer_}, name_);
   }
 
   Observer& observer() { return observer_; }
@@ -52,28 +50,25 @@ class Removable {
 };
 
 TEST_F(RemovalWaitTest, RemovalWaitsForACallOnAnotherThread) {
-  Event removed;
-  BusyObserver busy([&] { removed.Wait(kTooEarly); });
-  EXPECT_TRUE(RemovalWaits(busy, removed));
+  BusyObserver busy(kTooEarly);
+  EXPECT_TRUE(busy.RemovalWaits());
 }
 
 TEST_F(RemovalWaitTest, SecondRemovalWaitsForACallOnAnotherThread) {
-  Event removed;
-  BusyObserver busy([&] { removed.Wait(kTooEarly); });
+  BusyObserver busy(kTooEarly);
   {
     const NoWaitScope scope;
-    Center().RemoveObserver(&busy.observer());
+    busy.Remove();
     EXPECT_FALSE(busy.has_left());
   }
-  EXPECT_TRUE(RemovalWaits(busy, removed));
+  EXPECT_TRUE(busy.RemovalWaits());
 }
 
 TEST_F(RemovalWaitTest, RemovalInsideADeliveryWaits) {
-  Event removed;
-  BusyObserver busy([&] { removed.Wait(kTooEarly); });
+  BusyObserver busy(kTooEarly);
   bool waited = false;
-  Observer remover([&] { waited = RemovalWaits(busy, removed); });
-  Center().AddObserver(kOtherName, &remover);
+  Observer remover([&] { waited = busy.RemovalWaits(); });
+  Register({&remover}, kOtherName);
   Send(kOtherName);
   EXPECT_TRUE(waited);
 }
@@ -85,37 +80,25 @@ TEST_F(RemovalWaitTest, ModalLoopInsideADeliveryWaits) {
   int removed_in_call = 0;
   Observer dialog([&] {
     for (int round = 0; round < kRounds; ++round) {
-      Event entered;
-      std::atomic<bool> left{false};
-      Observer observer([&] {
-        entered.Set();
-        std::this_thread::yield();
-        left = true;
-      });
-      Center().AddObserver(kName, &observer);
-      std::thread sender([] { Send(); });
-      EXPECT_TRUE(entered.Wait());
-      Center().RemoveObserver(&observer);
-      if (!left) ++removed_in_call;
-      sender.join();
+      BusyObserver busy;
+      if (!busy.RemovalWaits()) ++removed_in_call;
     }
   });
-  Center().AddObserver(kOtherName, &dialog);
+  Register({&dialog}, kOtherName);
   Send(kOtherName);
   EXPECT_EQ(removed_in_call, 0);
 }
 
 TEST_F(RemovalWaitTest, DialogCanRemoveTheObserverThatOpenedIt) {
   bool removed = false;
-  std::unique_ptr<Observer> opener;
+  Observer opener([] { Send(kOtherName); });
   Observer dialog([&] {
-    Center().RemoveObserver(opener.get());
+    Center().RemoveObserver(&opener);
     Center().RemoveObserver(&dialog);
     removed = true;
   });
-  opener = std::make_unique<Observer>([] { Send(kOtherName); });
-  Center().AddObserver(kName, opener.get());
-  Center().AddObserver(kOtherName, &dialog);
+  Register({&opener});
+  Register({&dialog}, kOtherName);
   Send();
   EXPECT_TRUE(removed);
 }
@@ -130,7 +113,7 @@ TEST_F(RemovalWaitTest, NoWaitScopeKeepsOthersWaiting) {
     removed.Wait(kTooEarly);
     left = true;
   });
-  Center().AddObserver(kName, &observer);
+  Register({&observer});
   std::thread sender([] { Send(); });
   EXPECT_TRUE(entered.Wait());
   Center().RemoveObserver(&observer);
@@ -193,8 +176,8 @@ TEST_F(RemovalWaitTest, OneOfTwoThreadsThatRemoveEachOtherWaits) {
     std::unique_ptr<Observer> of_b;
     of_a = std::make_unique<Observer>([&] { a.Run(b, *of_b); });
     of_b = std::make_unique<Observer>([&] { b.Run(a, *of_a); });
-    Center().AddObserver(kName, of_a.get());
-    Center().AddObserver(kOtherName, of_b.get());
+    Register({of_a.get()});
+    Register({of_b.get()}, kOtherName);
     std::thread sender([] { Send(kName); });
     Send(kOtherName);
     sender.join();
@@ -207,12 +190,11 @@ TEST_F(RemovalWaitTest, OneOfTwoCallsThatRemoveTheirObserverWaits) {
     Remover a;
     Remover b;
     const auto first_thread = std::this_thread::get_id();
-    std::unique_ptr<Observer> both;
-    both = std::make_unique<Observer>([&] {
+    Observer both([&] {
       const bool first = std::this_thread::get_id() == first_thread;
-      first ? a.Run(b, *both) : b.Run(a, *both);
+      first ? a.Run(b, both) : b.Run(a, both);
     });
-    Center().AddObserver(kName, both.get());
+    Register({&both});
     std::thread sender([] { Send(); });
     Send();
     sender.join();

@@ -34,9 +34,7 @@ TEST(UStringCaseTest, IgnoresTheCaseOfAllOfUnicode) {
       {"\xF0\x90\x90\x80", "\xF0\x90\x90\xA8"},                  // Deseret, pairs
       {"\xE1\x8E\xA0", "\xEA\xAD\xB0"},                          // Cherokee
       // More than one unit.
-      {"Stra\xC3\x9F"
-       "e",
-       "STRASSE"},
+      {"Stra\u00DFe", "STRASSE"},
       {"\xE1\xBA\x9E", "ss"},                    // capital sharp s
       {"\xCE\x90", "\xCE\xB9\xCC\x88\xCC\x81"},  // iota with two marks
       {"\xEF\xAC\x83", "FFI"},                   // ligature
@@ -71,11 +69,7 @@ TEST(UStringCaseTest, OrdersByTheFoldedUnits) {
 }
 
 TEST(UStringCaseTest, KeepsLoneSurrogates) {
-  ExpectOrder(TextOf(u"a\xD801"
-                     u"b"),
-              TextOf(u"A\xD801"
-                     u"B"),
-              0);
+  ExpectOrder(TextOf(u"x\xD801y"), TextOf(u"X\xD801Y"), 0);
   ExpectOrder(TextOf(u"\xDC00"), TextOf(u"\xDC01"), -1);
   // Apart, they are not the letter that they form together.
   ExpectOrder(TextOf(u"\xD801-\xDC00"), TextOf(u"\xD801-\xDC28"), -1);

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <random>
 #include <string>
@@ -31,18 +30,9 @@ constexpr char32_t kReplacement = 0xFFFD;
 // The range that the byte `index` of a sequence may have after the lead byte `lead`.
 bool IsAllowed(unsigned lead, std::size_t index, unsigned byte) {
   if (index > 1) return byte >= 0x80 && byte <= 0xBF;
-  switch (lead) {
-    case 0xE0:
-      return byte >= 0xA0 && byte <= 0xBF;
-    case 0xED:
-      return byte >= 0x80 && byte <= 0x9F;
-    case 0xF0:
-      return byte >= 0x90 && byte <= 0xBF;
-    case 0xF4:
-      return byte >= 0x80 && byte <= 0x8F;
-    default:
-      return byte >= 0x80 && byte <= 0xBF;
-  }
+  const unsigned lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  const unsigned highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  return byte >= lowest && byte <= highest;
 }
 
 std::u32string PlainDecode(std::string_view bytes) {
@@ -73,10 +63,9 @@ std::u32string PlainDecode(std::string_view bytes) {
 std::u16string PlainUtf16(std::u32string_view characters) {
   std::u16string units;
   for (const char32_t character : characters) {
-    if (character >= 0x10000)
-      units += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
-    units += static_cast<char16_t>(character >= 0x10000 ? 0xDC00 + ((character - 0x10000) & 0x3FF)
-                                                        : character);
+    const bool is_pair = character >= 0x10000;
+    if (is_pair) units += static_cast<char16_t>(0xD7C0 + (character >> 10));
+    units += static_cast<char16_t>(is_pair ? 0xDC00 + (character & 0x3FF) : character);
   }
   return units;
 }

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,16 @@ class XmlDocument {
   std::unique_ptr<ovrant::IXMLInput> reader_;
 };
 
+// One that must open. It stands at its root element if that is named.
+class OpenDocument : public XmlDocument {
+ public:
+  explicit OpenDocument(std::string_view bytes, std::string_view root = "") : XmlDocument(bytes) {
+    const std::string start(bytes.substr(0, 1000));
+    if (!is_open()) throw std::runtime_error("does not open: " + start);
+    if (!root.empty() && !Find(root)) throw std::runtime_error("has another root: " + start);
+  }
+};
+
 inline bool Opens(std::string_view bytes) { return XmlDocument(bytes).is_open(); }
 
 // The text of the root element `a` of a document that must open.
@@ -78,6 +89,20 @@ inline std::optional<std::string> RootText(std::string_view bytes) {
   XmlDocument document(bytes);
   EXPECT_TRUE(document.is_open()) << bytes.substr(0, 1000);
   return document.is_open() ? document.Text("a") : std::nullopt;
+}
+
+enum class ByteOrder { kLittle, kBig };
+
+// UTF-16 with a byte order mark. Lone surrogates stay.
+inline std::string Utf16(std::u16string_view text, ByteOrder order = ByteOrder::kLittle) {
+  std::string bytes;
+  for (const char16_t unit : u'\uFEFF' + std::u16string(text)) {
+    const char high = static_cast<char>(unit >> 8);
+    const char low = static_cast<char>(unit & 0xFF);
+    bytes += order == ByteOrder::kBig ? high : low;
+    bytes += order == ByteOrder::kBig ? low : high;
+  }
+  return bytes;
 }
 
 }  // namespace stowra_test

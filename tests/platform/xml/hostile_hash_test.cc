@@ -58,11 +58,8 @@ std::uint64_t BlockOf(const std::string& letters) {
 
 // Whether these may stand inside a name.
 bool IsName(const std::string& letters) {
-  for (const char c : letters) {
-    const bool is_letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    if (!is_letter && !(c >= '0' && c <= '9') && c != '-' && c != '.') return false;
-  }
-  return true;
+  constexpr char kAllowed[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
+  return letters.find_first_not_of(kAllowed) == std::string::npos;
 }
 
 std::string RandomLetters(std::mt19937* random) {
@@ -130,9 +127,7 @@ TEST(XmlHostileHashTest, ElementNames) {
   EXPECT_TRUE(OpenHostile(bytes, [&names](ovrant::IXMLInput& reader) {
     ASSERT_TRUE(reader.FindElement("a"));
     ovrant::utils::ovrant_ustring text;
-    for (const std::string& name : names) {
-      ASSERT_TRUE(reader.GetElementText(Text(name), text));
-    }
+    for (const std::string& name : names) ASSERT_TRUE(reader.GetElementText(Text(name), text));
   }));
 }
 

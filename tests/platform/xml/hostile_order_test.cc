@@ -3,11 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "tests/platform/xml/document.h"
 #include "tests/platform/xml/hostile_document.h"
@@ -39,16 +36,22 @@ int CountNext(IXMLInput& reader, const ovrant_ustring& name) {
   return count;
 }
 
-TEST(XmlHostileOrderTest, ADifferentNameEachInReverse) {
-  EXPECT_TRUE(OpenHostile(ListOf(NameOf, kMany), [](IXMLInput& reader) {
-    ASSERT_TRUE(reader.FindElement("a"));
-    for (int i = kMany - 1; i >= 0; --i) {
-      int value = -1;
-      ASSERT_TRUE(reader.GetElementInt(Text(NameOf(i)), value));
-      ASSERT_EQ(value, i);
-    }
-  }));
+// Each child by its name, from the last to the first.
+void AskInReverse(int count, std::string (*name)(int number), IXMLInput& reader) {
+  ASSERT_TRUE(reader.FindElement("a"));
+  for (int i = count - 1; i >= 0; --i) {
+    int value = -1;
+    ASSERT_TRUE(reader.GetElementInt(Text(name(i)), value));
+    ASSERT_EQ(value, i);
+  }
 }
+
+void ExpectNamesAreCheap(int count, std::string (*name)(int number)) {
+  EXPECT_TRUE(OpenHostile(ListOf(name, count),
+                          [&](IXMLInput& reader) { AskInReverse(count, name, reader); }));
+}
+
+TEST(XmlHostileOrderTest, ADifferentNameEachInReverse) { ExpectNamesAreCheap(kMany, NameOf); }
 
 TEST(XmlHostileOrderTest, ADifferentNameEachVisitedInReverse) {
   EXPECT_TRUE(OpenHostile(ListOf(NameOf, kMany), [](IXMLInput& reader) {
@@ -146,65 +149,37 @@ TEST(XmlHostileOrderTest, EachOfManyListsOnceAndThenTheOther) {
   }));
 }
 
-void AskForEach(const std::vector<std::string>& names, IXMLInput& reader) {
-  ASSERT_TRUE(reader.FindElement("a"));
-  for (std::size_t i = names.size(); i > 0; --i) {
-    int value = -1;
-    ASSERT_TRUE(reader.GetElementInt(Text(names[i - 1]), value));
-    ASSERT_EQ(value, static_cast<int>(i - 1));
-  }
-}
+const std::string k100(100, 'x');
 
-void ExpectNamesAreCheap(const std::vector<std::string>& names) {
-  const auto name = [&names](int i) { return names[static_cast<std::size_t>(i)]; };
-  EXPECT_TRUE(OpenHostile(ListOf(name, static_cast<int>(names.size())),
-                          [&names](IXMLInput& reader) { AskForEach(names, reader); }));
-}
+std::string NumberOf(int i) { return std::to_string(100'000 + i); }
 
 TEST(XmlHostileOrderTest, NamesWithTheSameHead) {
-  std::vector<std::string> names;
-  for (int i = 0; i < 100'000; ++i) {
-    names.push_back(std::string(200, 'x') + std::to_string(100'000 + i));
-  }
-  ExpectNamesAreCheap(names);
+  ExpectNamesAreCheap(100'000, [](int i) { return k100 + k100 + NumberOf(i); });
 }
 
 TEST(XmlHostileOrderTest, NamesWithTheSameTail) {
-  std::vector<std::string> names;
-  for (int i = 0; i < 100'000; ++i) {
-    names.push_back("n" + std::to_string(100'000 + i) + std::string(200, 'x'));
-  }
-  ExpectNamesAreCheap(names);
+  ExpectNamesAreCheap(100'000, [](int i) { return "n" + NumberOf(i) + k100 + k100; });
 }
 
 TEST(XmlHostileOrderTest, NamesWithTheSameHeadAndTail) {
-  std::vector<std::string> names;
-  for (int i = 0; i < 100'000; ++i) {
-    names.push_back(std::string(100, 'x') + std::to_string(100'000 + i) + std::string(100, 'x'));
-  }
-  ExpectNamesAreCheap(names);
+  ExpectNamesAreCheap(100'000, [](int i) { return k100 + NumberOf(i) + k100; });
+}
+
+// One of the two parts for each of 16 bits.
+std::string OfBits(int number, const char* if_set, const char* if_not) {
+  std::string name;
+  for (int bit = 0; bit < 16; ++bit) name += (number >> bit & 1) != 0 ? if_set : if_not;
+  return name;
 }
 
 // "Aa" and "BB" are the same to every hash that multiplies by 31.
 TEST(XmlHostileOrderTest, NamesThatAreOneToAHashBy31) {
-  std::vector<std::string> names;
-  for (unsigned int i = 0; i < 1U << 16; ++i) {
-    std::string name;
-    for (unsigned int bit = 0; bit < 16; ++bit) name += (i >> bit & 1U) != 0 ? "Aa" : "BB";
-    names.push_back(name);
-  }
-  ExpectNamesAreCheap(names);
+  ExpectNamesAreCheap(1 << 16, [](int i) { return OfBits(i, "Aa", "BB"); });
 }
 
 // Anagrams are the same to every sum, and to every "exclusive or", of characters.
 TEST(XmlHostileOrderTest, NamesThatAreAnagrams) {
-  std::vector<std::string> names;
-  for (unsigned int i = 0; i < 1U << 16; ++i) {
-    std::string name;
-    for (unsigned int bit = 0; bit < 16; ++bit) name += (i >> bit & 1U) != 0 ? "ab" : "ba";
-    names.push_back(name);
-  }
-  ExpectNamesAreCheap(names);
+  ExpectNamesAreCheap(1 << 16, [](int i) { return OfBits(i, "ab", "ba"); });
 }
 
 }  // namespace

@@ -31,9 +31,7 @@ std::string List() {
 }
 
 TEST(XmlListOrderTest, EachNameIsFoundInReverse) {
-  XmlDocument document(List());
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("a"));
+  OpenDocument document(List(), "a");
   for (int i = kCount - 1; i >= 0; --i) {
     const std::optional<int> expected = IsSame(i) ? std::nullopt : std::optional<int>(i);
     ASSERT_EQ(document.Int(NameOf(i)), expected);
@@ -43,9 +41,7 @@ TEST(XmlListOrderTest, EachNameIsFoundInReverse) {
 }
 
 TEST(XmlListOrderTest, TheNextOfAnyNameIsFoundFromAnywhere) {
-  XmlDocument document(List());
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("a"));
+  OpenDocument document(List(), "a");
   for (int i = 0; i < kCount / 2; ++i) ASSERT_EQ(document.Text("zzz"), std::nullopt);
   ASSERT_TRUE(document.Find("same"));
   for (int i = 7; i < kMixed; i += 4) {

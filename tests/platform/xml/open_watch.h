@@ -5,7 +5,6 @@
 #define TESTS_PLATFORM_XML_OPEN_WATCH_H_
 
 #include <filesystem>
-#include <string>
 
 namespace stowra_test {
 

@@ -34,9 +34,7 @@ const char kSample[] =
     "<b><![CDATA[<]] >]]></b><c/><!-- five --><?pi six?>\xF0\x9F\x98\x80</f:feed >";
 
 TEST(XmlOpeningTest, TheSampleOpens) {
-  XmlDocument document(kSample);
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("urn:f:feed"));
+  OpenDocument document(kSample, "urn:f:feed");
   EXPECT_EQ(document.Text("urn:d:a"), "x\xC3\xA9& more");
   EXPECT_EQ(document.Text("urn:d:b"), "<]] >");
   ASSERT_TRUE(document.Find("urn:d:a"));
@@ -96,13 +94,9 @@ TEST(XmlOpeningTest, IllFormedMarkupIsRefused) {
 }
 
 TEST(XmlOpeningTest, NullAndNoBytesAreRefused) {
-  EXPECT_EQ(Get_IXMLInput(nullptr, 0), nullptr);
-  EXPECT_EQ(Get_IXMLInput(nullptr, 4), nullptr);
-  EXPECT_EQ(Get_IXMLInput(nullptr, -1), nullptr);
-  EXPECT_EQ(Get_IXMLInput(kSmall, 0), nullptr);
-  EXPECT_EQ(Get_IXMLInput(kSmall, -1), nullptr);
-  EXPECT_EQ(Get_IXMLInput(kSmall, -4), nullptr);
-  EXPECT_EQ(Get_IXMLInput(kSmall, INT_MIN), nullptr);
+  for (const int size : {0, 4, -1}) EXPECT_EQ(Get_IXMLInput(nullptr, size), nullptr) << size;
+  for (const int size : {0, -1, -4, INT_MIN})
+    EXPECT_EQ(Get_IXMLInput(kSmall, size), nullptr) << size;
 }
 
 TEST(XmlOpeningTest, ReadsNoFurtherThanTheLength) {
@@ -124,9 +118,7 @@ TEST(XmlOpeningTest, EndSetsTheReaderToNull) {
 }
 
 TEST(XmlOpeningTest, TheReaderMayBeDeletedAnywhereInTheDocument) {
-  XmlDocument document("<a><b n='1'>text</b></a>");
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("a"));
+  OpenDocument document("<a><b n='1'>text</b></a>", "a");
   ASSERT_TRUE(document.Find("b"));
 }
 
@@ -136,8 +128,7 @@ TEST(XmlOpeningTest, ElementsMayHave256Levels) {
   };
   EXPECT_FALSE(Opens(nested(257)));
   EXPECT_FALSE(Opens(Repeated("<a>", 256) + "<b/>" + Repeated("</a>", 256)));
-  XmlDocument document(nested(256));
-  ASSERT_TRUE(document.is_open());
+  OpenDocument document(nested(256));
   for (int level = 0; level < 256; ++level) ASSERT_TRUE(document.Find("a")) << level;
   EXPECT_FALSE(document.Find("a"));
   for (int level = 0; level < 256; ++level) ASSERT_TRUE(document.Leave("a")) << level;

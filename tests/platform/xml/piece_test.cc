@@ -12,15 +12,7 @@ namespace {
 
 constexpr std::size_t kBoundaries[] = {1024, 4096, 8192, 16'384, 32'768, 65'536, 131'072};
 
-std::string Utf16Of(const std::string& utf8) {
-  const ovrant::utils::ovrant_ustring text = Text(utf8);
-  std::string bytes = "\xFF\xFE";
-  for (unsigned long i = 0; i < text.length(); ++i) {
-    const char16_t unit = text.at(i);
-    bytes += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
-  }
-  return bytes;
-}
+std::string Utf16Of(const std::string& utf8) { return Utf16(UnitsOf(Text(utf8))); }
 
 // A document in which `part` follows so much text that it begins about `before` bytes before the
 // boundary.
@@ -29,9 +21,7 @@ std::string WithPartAt(std::size_t boundary, std::size_t before, const std::stri
 }
 
 void ExpectPart(const std::string& bytes) {
-  XmlDocument document(bytes);
-  ASSERT_TRUE(document.is_open());
-  ASSERT_TRUE(document.Find("a"));
+  OpenDocument document(bytes, "a");
   EXPECT_EQ(document.Text("b"), "x\xC3\xA9\xF0\x9F\x98\x80\n<[&]>A");
   ASSERT_TRUE(document.Find("b"));
   EXPECT_EQ(document.Attribute("n\xC3\xA9"), "\xF0\x9F\x98\x80&");
