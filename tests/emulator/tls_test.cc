@@ -94,7 +94,7 @@ TEST(ListenTest, ServesOnAnotherAddress) {
   options.address = "127.0.0.2";
   const Emulator second(options);
   EXPECT_THAT(second.url(), StartsWith("http://127.0.0.2:"));
-  ResponseOf(httplib::Client(second.url()).Get("/user-info"));
+  EXPECT_EQ(httplib::Client(second.url()).Get("/user-info")->status, 200);
 }
 
 TEST(ListenTest, RefusesAddressThatIsNoIpAddress) {
