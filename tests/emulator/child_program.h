@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
-// A program that runs in a process of its own.
+// The emulator's program in a process of its own.
 
 #ifndef TESTS_EMULATOR_CHILD_PROGRAM_H_
 #define TESTS_EMULATOR_CHILD_PROGRAM_H_
 
-#include <sys/types.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-#include "emulator/file_descriptor.h"
+#include "tests/support/child_process.h"
 
 namespace stowra_emulator {
 
@@ -18,31 +19,44 @@ namespace stowra_emulator {
 // still runs.
 class ChildProgram {
  public:
-  ChildProgram(const std::string& program, const std::vector<std::string>& arguments);
-  ~ChildProgram();
-  ChildProgram(const ChildProgram&) = delete;
-  ChildProgram& operator=(const ChildProgram&) = delete;
+  explicit ChildProgram(const std::vector<std::string>& arguments)
+      : process_({STOWRA_EMULATOR_PROGRAM,
+                  arguments,
+                  {},
+                  {},
+                  {{output_.write_end.number(), STDOUT_FILENO},
+                   {errors_.write_end.number(), STDERR_FILENO}}}) {
+    output_.write_end.Close();
+    errors_.write_end.Close();
+  }
 
   // Waits for a line of its standard output. Returns it without the line end.
-  std::string ReadLine();
-
-  void Signal(int number);
+  std::string ReadLine() {
+    std::string line;
+    for (std::string c; output_.read_end.ReadExactly(1, c) && c != "\n";) line += c;
+    return line;
+  }
 
   // Waits for its end. Returns its exit status, or minus the signal that ended it.
-  int Wait();
+  int Wait() { return process_.Wait(); }
+
+  // Sends it a signal first.
+  int EndBy(int signal) {
+    process_.Signal(signal);
+    return Wait();
+  }
 
   // After Wait: the most memory that it has used (bytes).
-  std::size_t peak_memory() const { return peak_memory_; }
+  std::size_t peak_memory() const { return process_.peak_memory(); }
 
   // The rest of its standard output or standard error.
-  std::string ReadOutput();
-  std::string ReadErrors();
+  std::string ReadOutput() const { return output_.read_end.ReadAll(); }
+  std::string ReadErrors() const { return errors_.read_end.ReadAll(); }
 
  private:
-  pid_t pid_ = -1;
-  FileDescriptor output_;
-  FileDescriptor errors_;
-  std::size_t peak_memory_ = 0;
+  stowra_test::OwnedPipe output_;
+  stowra_test::OwnedPipe errors_;
+  stowra_test::ChildProcess process_;
 };
 
 }  // namespace stowra_emulator

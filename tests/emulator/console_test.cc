@@ -7,7 +7,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
 
+#include "emulator/console/journal.h"
 #include "emulator/form_fields.h"
 #include "emulator/route.h"
 #include "tests/emulator/content_fixture.h"
@@ -18,13 +20,12 @@ namespace {
 
 using nlohmann::json;
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
+using std::chrono::minutes;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::Pair;
-using testing::SizeIs;
 using testing::StartsWith;
 
 const httplib::Headers kBrowser = {{"Accept", "text/html,application/xhtml+xml,*/*;q=0.8"}};
@@ -37,31 +38,35 @@ TEST(FormFieldsTest, DecodesFields) {
 
 class ConsoleTest : public ContentTest {
  protected:
-  XmlElement FrontPage(const std::string& path = "/") {
-    const httplib::Result result = client_.Get(path, kBrowser);
-    EXPECT_EQ(result->get_header_value("Content-Type"), "text/html; charset=utf-8");
-    return ParseXml(result->body);
+  // A page as a browser gets it.
+  httplib::Response Browse(const std::string& path, int status = 200) {
+    SCOPED_TRACE(path);
+    const httplib::Response page = ResponseOf(client_.Get(path, kBrowser), status);
+    EXPECT_EQ(page.get_header_value("Content-Type"), "text/html; charset=utf-8");
+    return page;
+  }
+
+  httplib::Result PostForm(const std::string& form, const httplib::Headers& headers = {}) {
+    return client_.Post("/-/faults", headers, form, "application/x-www-form-urlencoded");
   }
 
   json PostFaults(const std::string& form, int status = 200) {
-    const httplib::Result result =
-        client_.Post("/-/faults", form, "application/x-www-form-urlencoded");
-    EXPECT_EQ(result->status, status) << form << '\n' << result->body;
-    return json::parse(result->body);
+    SCOPED_TRACE(form);
+    return json::parse(ResponseOf(PostForm(form), status).body);
+  }
+
+  RawClient Events(const std::string& fields = "") {
+    RawClient events(emulator_.port());
+    events.Send("GET /-/events HTTP/1.1\r\nHost: h\r\n" + fields + "\r\n");
+    return events;
   }
 };
 
 TEST_F(ConsoleTest, FrontPageShowsRoutesFaultsAndUploads) {
-  ASSERT_EQ(client_
-                .Post("/upload", {{"name", "Blue <Stool>", "", ""},
-                                  {"subjectId", "m42", "", ""},
-                                  {"subjectClass", "entity", "", ""},
-                                  {"binary", "x", "stool.bin", "text/plain"}})
-                ->status,
-            201);
+  ResponseOf(client_.Post("/upload", FormOf("Blue <Stool>", "x")), 201);
   PostFaults("rule=/update=status:503@25");
   for (const char* path : {"/", "/-/"}) {
-    const XmlElement page = FrontPage(path);
+    const XmlElement page = ParseXml(Browse(path).body);
     std::vector<std::string> codes;
     for (const XmlElement* code : page.Descendants("code")) codes.push_back(code->text);
     for (const Route& route : Routes()) {
@@ -71,8 +76,7 @@ TEST_F(ConsoleTest, FrontPageShowsRoutesFaultsAndUploads) {
       EXPECT_THAT(codes, testing::Contains(fault.usage));
     }
     EXPECT_THAT(codes, testing::Contains("/update=status:503@25"));
-    ASSERT_THAT(page.Descendants("img"), SizeIs(1));
-    EXPECT_EQ(page.Descendants("img")[0]->Attribute("alt"), "Picture of Blue <Stool>");
+    EXPECT_EQ(page.Descendant("img").Attribute("alt"), "Picture of Blue <Stool>");
   }
 }
 
@@ -83,11 +87,10 @@ TEST_F(ConsoleTest, EveryExampleOfARouteWorks) {
 }
 
 TEST_F(ConsoleTest, PagesLoadNothingFromElsewhere) {
-  const httplib::Result page = client_.Get("/", kBrowser);
-  EXPECT_THAT(page->get_header_value("Content-Security-Policy"),
+  const httplib::Response page = Browse("/");
+  EXPECT_THAT(page.get_header_value("Content-Security-Policy"),
               AllOf(HasSubstr("default-src 'none'"), HasSubstr("script-src 'self'")));
-  EXPECT_THAT(page->body, Not(HasSubstr("http://")));
-  EXPECT_THAT(page->body, Not(HasSubstr("https://")));
+  EXPECT_THAT(page.body, AllOf(Not(HasSubstr("http://")), Not(HasSubstr("https://"))));
   for (const char* target : {"/", "/user-info", "/thumbnail?mid=m-1001", "/nope"}) {
     EXPECT_EQ(client_.Get(target)->get_header_value("X-Content-Type-Options"), "nosniff");
   }
@@ -97,10 +100,8 @@ TEST_F(ConsoleTest, ErrorsArePagesForBrowsersOnly) {
   for (const auto& [target, status] :
        {std::pair("/nope", 404), std::pair("/model?mid=m-9999", 404), std::pair("/model", 400),
         std::pair("/update?fault=status:503", 503), std::pair("/extensions", 405)}) {
-    const httplib::Result page = client_.Get(target, kBrowser);
-    EXPECT_EQ(page->status, status) << target;
-    EXPECT_EQ(page->get_header_value("Content-Type"), "text/html; charset=utf-8");
-    EXPECT_THAT(ParseXml(page->body).Descendants("h1")[0]->text, HasSubstr(std::to_string(status)));
+    const XmlElement page = ParseXml(Browse(target, status).body);
+    EXPECT_THAT(page.Descendant("h1").text, HasSubstr(std::to_string(status)));
     GetError(target, status);
   }
 }
@@ -119,11 +120,9 @@ TEST_F(ConsoleTest, FaultsAreAddedSwitchedAndRemoved) {
 }
 
 TEST_F(ConsoleTest, BrowserReturnsToTheFrontPage) {
-  const httplib::Result result =
-      client_.Post("/-/faults", kBrowser, "rule=*=drip:0", "application/x-www-form-urlencoded");
-  EXPECT_EQ(result->status, 303);
-  EXPECT_EQ(result->get_header_value("Location"), "/-/");
-  const XmlElement page = FrontPage();
+  const httplib::Response response = ResponseOf(PostForm("rule=*=drip:0", kBrowser), 303);
+  EXPECT_EQ(response.get_header_value("Location"), "/-/");
+  const XmlElement page = ParseXml(Browse("/").body);
   const auto switches = page.Descendants("button");
   ASSERT_GE(switches.size(), 2u);
   EXPECT_EQ(switches[1]->Attribute("role"), "switch");
@@ -138,19 +137,15 @@ TEST_F(ConsoleTest, RefusesBadFaultsAndOtherSites) {
   for (const char* form : {"", "id=x&action=on", "action=off", "id=1&action=explode"}) {
     PostFaults(form, 400);
   }
-  const httplib::Result other = client_.Post("/-/faults", {{"Origin", "http://elsewhere.example"}},
-                                             "rule=*=reset", "application/x-www-form-urlencoded");
-  EXPECT_EQ(other->status, 403);
-  const httplib::Result own = client_.Post("/-/faults", {{"Origin", emulator_.url()}},
-                                           "rule=*=drip:0", "application/x-www-form-urlencoded");
-  EXPECT_EQ(own->status, 200);
+  ResponseOf(PostForm("rule=*=reset", {{"Origin", "http://elsewhere.example"}}), 403);
+  ResponseOf(PostForm("rule=*=drip:0", {{"Origin", emulator_.url()}}), 200);
 }
 
 TEST_F(ConsoleTest, FaultsSpareTheConsole) {
   PostFaults("rule=*=status:503");
   Get("/update", 503);
   Get("/-/faults", 200);
-  for (const char* path : {"/", "/-/"}) EXPECT_EQ(client_.Get(path, kBrowser)->status, 200);
+  for (const char* path : {"/", "/-/"}) Browse(path);
 }
 
 // The next event, without the blank line.
@@ -161,8 +156,7 @@ json NextEvent(RawClient& events) {
 
 TEST_F(ConsoleTest, EventsShowBothSidesOfEachRequest) {
   Get("/update");
-  RawClient events(emulator_.port());
-  events.Send(GetRequest("/-/events"));
+  RawClient events = Events();
   EXPECT_THAT(events.ReadUntil("\r\n\r\n"), HasSubstr("Content-Type: text/event-stream\r\n"));
   EXPECT_EQ(NextEvent(events).at("target"), "/update");
 
@@ -183,26 +177,21 @@ TEST_F(ConsoleTest, EventsLeaveOutTheConsoleAndBoundWhatTheyShow) {
   Get("/");
   Get("/-/faults");
   client_.Post("/extensions", std::string(100000, ' '), "application/json");
-  RawClient events(emulator_.port());
-  events.Send(GetRequest("/-/events"));
+  RawClient events = Events();
   const json event = NextEvent(events);
   EXPECT_EQ(event.at("target"), "/extensions");
   EXPECT_EQ(event.at("requestBody").get<std::string>().size(), 8192u);
 }
 
 TEST_F(ConsoleTest, EventsGoOnAfterTheLastOneSeen) {
-  RawClient first(emulator_.port());
-  first.Send(GetRequest("/-/events"));
+  RawClient first = Events();
   for (const char* target : {"/update", "/user-info", "/search"}) {
     Get(target);
-    EXPECT_EQ(NextEvent(first).at("target"),
-              target);  // they are noted when they have been answered
+    EXPECT_EQ(NextEvent(first).at("target"), target);  // noted when it has been answered
   }
-  RawClient events(emulator_.port());
-  events.Send("GET /-/events HTTP/1.1\r\nHost: h\r\nLast-Event-ID: 2\r\n\r\n");
+  RawClient events = Events("Last-Event-ID: 2\r\n");
   EXPECT_EQ(NextEvent(events).at("target"), "/search");
-  RawClient later(emulator_.port());
-  later.Send("GET /-/events HTTP/1.1\r\nHost: h\r\nLast-Event-ID: 99\r\n\r\n");
+  RawClient later = Events("Last-Event-ID: 99\r\n");
   EXPECT_EQ(NextEvent(later).at("target"), "/update") << "the id is of another run";
 }
 
@@ -211,9 +200,44 @@ TEST(ConsoleStopTest, StopsSoonWhileEventsAreRead) {
   RawClient events(emulator->port());
   events.Send(GetRequest("/-/events"));
   events.ReadUntil(":\n\n");
-  const auto start = steady_clock::now();
-  emulator.reset();
-  EXPECT_LT(steady_clock::now() - start, milliseconds(1500));
+  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), milliseconds(1500));
+}
+
+JournalEntry EntryFor(const std::string& target) {
+  JournalEntry entry;
+  entry.target = target;
+  return entry;
+}
+
+TEST(JournalTest, HandsOutEntriesAfterAnId) {
+  Journal journal;
+  for (const char* target : {"/a", "/b", "/c"}) journal.Add(EntryFor(target));
+  const Journal::Entries all = journal.WaitForEntries(0, minutes(1));
+  ASSERT_EQ(all.size(), 3u);
+  EXPECT_EQ(all[0]->target, "/a");
+  EXPECT_EQ(all[2]->id, journal.last_id());
+  EXPECT_EQ(journal.WaitForEntries(all[1]->id, minutes(1)).size(), 1u);
+  EXPECT_EQ(journal.WaitForEntries(all[2]->id, milliseconds(1)).size(), 0u);
+}
+
+TEST(JournalTest, KeepsTheLastTwoHundred) {
+  Journal journal;
+  for (int i = 0; i < 250; ++i) journal.Add(EntryFor(std::to_string(i)));
+  const Journal::Entries all = journal.WaitForEntries(0, minutes(1));
+  ASSERT_EQ(all.size(), 200u);
+  EXPECT_EQ(all.front()->target, "50");
+  EXPECT_EQ(all.back()->target, "249");
+}
+
+TEST(JournalTest, WaitEndsWithTheNextEntryOrTheClose) {
+  Journal journal;
+  std::thread adder([&journal] { journal.Add(EntryFor("/a")); });
+  EXPECT_EQ(journal.WaitForEntries(0, minutes(1)).size(), 1u);
+  adder.join();
+  std::thread closer([&journal] { journal.Close(); });
+  EXPECT_EQ(journal.WaitForEntries(1, minutes(1)).size(), 0u);
+  closer.join();
+  EXPECT_TRUE(journal.is_closed());
 }
 
 }  // namespace

@@ -1,27 +1,42 @@
 // SPDX-License-Identifier: MIT
 #include "tests/emulator/content_fixture.h"
 
-#include <nlohmann/json.hpp>
-
 namespace stowra_emulator {
 
-httplib::Response ContentTest::Get(const std::string& target, int status) {
-  const bool is_whole = target.rfind(emulator_.url(), 0) == 0;
-  const httplib::Result result =
-      client_.Get(is_whole ? target.substr(emulator_.url().size()) : target);
-  EXPECT_TRUE(result) << target << ": " << httplib::to_string(result.error());
+httplib::Response ResponseOf(const httplib::Result& result, int status) {
+  EXPECT_TRUE(result) << httplib::to_string(result.error());
   if (!result) return httplib::Response();
-  EXPECT_EQ(result->status, status) << target << '\n' << result->body.substr(0, 500);
+  EXPECT_EQ(result->status, status) << result->body.substr(0, 500);
   return *result;
+}
+
+httplib::MultipartFormDataItems FormOf(const std::string& name, const std::string& bytes,
+                                       const std::string& type) {
+  return {{"name", name, "", ""},
+          {"subjectId", "m42", "", ""},
+          {"subjectClass", "entity", "", ""},
+          {"binary", bytes, "chair.qmf", type}};
+}
+
+httplib::Response ContentTest::Get(const std::string& target, int status) {
+  SCOPED_TRACE(target);
+  const bool is_whole = target.rfind(emulator_.url(), 0) == 0;
+  return ResponseOf(client_.Get(is_whole ? target.substr(emulator_.url().size()) : target), status);
 }
 
 XmlElement ContentTest::GetFeed(const std::string& target) {
   const httplib::Response response = Get(target);
   EXPECT_EQ(response.get_header_value("Content-Type"), "application/atom+xml");
   XmlElement feed = ParseXml(response.body);
-  EXPECT_EQ(feed.name, std::string(kAtom) + "feed");
+  EXPECT_EQ(feed.name, Atom("feed"));
   return feed;
 }
+
+std::vector<std::string> ContentTest::TitlesFor(const std::string& query) {
+  return Titles(GetFeed("/search?q=" + query));
+}
+
+int ContentTest::CountOf(const std::string& query) { return Total(GetFeed("/search?q=" + query)); }
 
 XmlElement ContentTest::GetPage(const std::string& target) {
   const httplib::Response response = Get(target);
@@ -30,39 +45,39 @@ XmlElement ContentTest::GetPage(const std::string& target) {
   return ParseXml(response.body);
 }
 
-std::string ContentTest::GetError(const std::string& target, int status) {
+nlohmann::json ContentTest::GetJson(const std::string& target, int status) {
   const httplib::Response response = Get(target, status);
   EXPECT_EQ(response.get_header_value("Content-Type"), "application/json") << target;
-  return nlohmann::json::parse(response.body).value("error", "");
+  return nlohmann::json::parse(response.body);
 }
 
 std::vector<const XmlElement*> Entries(const XmlElement& feed) {
-  return feed.Children(std::string(kAtom) + "entry");
+  return feed.Children(Atom("entry"));
 }
 
 std::vector<std::string> Titles(const XmlElement& feed) {
   std::vector<std::string> titles;
-  for (const XmlElement* entry : Entries(feed)) {
-    titles.push_back(entry->Child(std::string(kAtom) + "title").text);
-  }
+  for (const XmlElement* entry : Entries(feed)) titles.push_back(TitleOf(*entry));
   return titles;
 }
 
 int Total(const XmlElement& feed) {
-  return std::stoi("0" + feed.Child(std::string(kOpenSearch) + "totalResults").text);
+  return std::stoi("0" + feed.Child(OpenSearch("totalResults")).text);
 }
 
-std::string MidOf(const std::string& address) {
-  const std::size_t start = address.find("mid=");
-  if (start == std::string::npos) return std::string();
-  return address.substr(start + 4, address.find('&', start) - start - 4);
+std::string TitleOf(const XmlElement& element) { return element.Child(Atom("title")).text; }
+
+std::vector<const XmlElement*> Contents(const XmlElement& entry) {
+  return entry.Child(Media("group")).Children(Media("content"));
 }
 
 std::vector<std::string> Models(const XmlElement& feed) {
   std::vector<std::string> mids;
   for (const XmlElement* entry : Entries(feed)) {
-    const std::string mid = MidOf(entry->Link("alternate"));
-    if (!mid.empty()) mids.push_back(mid);
+    const std::string address = entry->Link("alternate");
+    const std::size_t start = address.find("mid=");
+    if (start == std::string::npos) continue;
+    mids.push_back(address.substr(start + 4, address.find('&', start) - start - 4));
   }
   return mids;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The fixture for tests of the content service.
+// The fixture for tests of the services.
 
 #ifndef TESTS_EMULATOR_CONTENT_FIXTURE_H_
 #define TESTS_EMULATOR_CONTENT_FIXTURE_H_
@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,15 @@
 #include "tests/emulator/xml_tree.h"
 
 namespace stowra_emulator {
+
+constexpr const char* kQmf = "application/vnd.brevix.qmf";
+
+// The response. Fails the current test if there is none or its status is another.
+httplib::Response ResponseOf(const httplib::Result& result, int status = 200);
+
+// The form that uploads a file.
+httplib::MultipartFormDataItems FormOf(const std::string& name, const std::string& bytes,
+                                       const std::string& type = kQmf);
 
 class ContentTest : public testing::Test {
  protected:
@@ -25,11 +35,19 @@ class ContentTest : public testing::Test {
 
   XmlElement GetFeed(const std::string& target);
 
+  // The titles in a feed, and the number of all results.
+  std::vector<std::string> TitlesFor(const std::string& query);
+  int CountOf(const std::string& query);
+
   // The root element of a web page.
   XmlElement GetPage(const std::string& target);
 
+  nlohmann::json GetJson(const std::string& target, int status = 200);
+
   // The text "error" of the answer, which must have this status.
-  std::string GetError(const std::string& target, int status);
+  std::string GetError(const std::string& target, int status) {
+    return GetJson(target, status).value("error", "");
+  }
 
   Emulator emulator_;
   httplib::Client client_{emulator_.url()};
@@ -39,8 +57,11 @@ std::vector<const XmlElement*> Entries(const XmlElement& feed);
 std::vector<std::string> Titles(const XmlElement& feed);
 int Total(const XmlElement& feed);
 
-// The value of `mid=` in an address.
-std::string MidOf(const std::string& address);
+// The title of a feed or an entry.
+std::string TitleOf(const XmlElement& element);
+
+// The files of an entry.
+std::vector<const XmlElement*> Contents(const XmlElement& entry);
 
 // The mids of the feed's models.
 std::vector<std::string> Models(const XmlElement& feed);

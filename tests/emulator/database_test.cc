@@ -7,53 +7,43 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "emulator/emulator.h"
+#include "tests/emulator/content_fixture.h"
+#include "tests/support/corpora.h"
+#include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
 namespace {
 
+using nlohmann::json;
 using testing::HasSubstr;
 
 class DatabaseTest : public testing::Test {
  protected:
-  DatabaseTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "emulator-XXXXXX").string();
-    EXPECT_NE(::mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    file_ = folder_ / "services.db";
-  }
-  ~DatabaseTest() override { std::filesystem::remove_all(folder_); }
-
   // Changes the file while no service uses it.
-  void Change(const std::string& sql) { Database(file_.string()).Prepare(sql).Step(); }
+  void Change(const std::string& sql) { Database(file_).Prepare(sql).Step(); }
 
-  std::string Contents() {
-    std::ifstream file(file_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  void ExpectRefusal(const std::string& reason) {
+    EXPECT_THAT([this] { Database database(file_); },
+                testing::ThrowsMessage<DatabaseError>(HasSubstr(reason)));
   }
 
-  std::string ErrorOfOpening() {
-    try {
-      Database database(file_.string());
-      return "no error";
-    } catch (const DatabaseError& error) {
-      return error.what();
-    }
-  }
-
-  httplib::Result Get(const std::string& target) {
+  // What the services answer from the file.
+  std::string Get(const std::string& target, int status = 200) {
     EmulatorOptions options;
-    options.database_file = file_.string();
+    options.database_file = file_;
     const Emulator emulator(options);
-    return httplib::Client(emulator.url()).Get(target);
+    return ResponseOf(httplib::Client(emulator.url()).Get(target), status).body;
+  }
+  json GetJson(const std::string& target, int status = 200) {
+    return json::parse(Get(target, status));
   }
 
-  std::filesystem::path folder_;
-  std::filesystem::path file_;
+  const stowra_test::TemporaryFolder folder_;
+  std::string file_ = (folder_.path() / "services.db").string();
 };
 
 int CountUsers(Database& database) {
@@ -64,44 +54,44 @@ int CountUsers(Database& database) {
 
 TEST_F(DatabaseTest, SeedsNewFile) {
   ASSERT_FALSE(std::filesystem::exists(file_));
-  Database database(file_.string());
+  Database database(file_);
   EXPECT_TRUE(std::filesystem::exists(file_));
   EXPECT_EQ(CountUsers(database), 5);
 }
 
 TEST_F(DatabaseTest, SeedsEmptyFile) {
   std::ofstream(file_).close();
-  Database database(file_.string());
+  Database database(file_);
   EXPECT_EQ(CountUsers(database), 5);
 }
 
 TEST_F(DatabaseTest, KeepsContentsOfExistingFile) {
   Change("DELETE FROM users WHERE uid = 'u-1002'");
-  Database database(file_.string());
+  Database database(file_);
   EXPECT_EQ(CountUsers(database), 4);
 }
 
 TEST_F(DatabaseTest, RefusesFileThatIsNoDatabase) {
   std::ofstream(file_) << std::string(4096, 'x');
-  EXPECT_THAT(ErrorOfOpening(), HasSubstr(file_.string()));
-  EXPECT_THAT(ErrorOfOpening(), HasSubstr("not a database"));
+  ExpectRefusal(file_);
+  ExpectRefusal("not a database");
 }
 
 TEST_F(DatabaseTest, RefusesAndKeepsDatabaseOfAnotherProgram) {
   Change("PRAGMA application_id = 1");
-  const std::string before = Contents();
-  EXPECT_THAT(ErrorOfOpening(), HasSubstr("another program"));
-  EXPECT_TRUE(Contents() == before);
+  const std::string before = stowra_test::ReadFile(file_);
+  ExpectRefusal("another program");
+  EXPECT_TRUE(stowra_test::ReadFile(file_) == before);
 }
 
 TEST_F(DatabaseTest, RefusesDatabaseOfAnotherVersion) {
   Change("PRAGMA user_version = 99");
-  EXPECT_THAT(ErrorOfOpening(), HasSubstr("another version"));
+  ExpectRefusal("another version");
 }
 
 TEST_F(DatabaseTest, RefusesFileInMissingFolder) {
-  file_ = folder_ / "absent" / "services.db";
-  EXPECT_THAT(ErrorOfOpening(), HasSubstr("unable to open"));
+  file_ = (folder_.path() / "absent" / "services.db").string();
+  ExpectRefusal("unable to open");
 }
 
 TEST_F(DatabaseTest, KeepsDatabasesInMemorySeparate) {
@@ -147,9 +137,9 @@ TEST_F(DatabaseTest, ReturnsBoundNumbers) {
 TEST_F(DatabaseTest, SearchFindsChangesInTheFile) {
   Change("UPDATE items SET title = 'Wheelbarrow', summary = '' WHERE mid = 'm-1001'");
   Change("DELETE FROM items WHERE mid = 'm-1011'");
-  EXPECT_THAT(Get("/search?q=wheelbarrow")->body, HasSubstr("<title>Wheelbarrow</title>"));
+  EXPECT_THAT(Get("/search?q=wheelbarrow"), HasSubstr("<title>Wheelbarrow</title>"));
   for (const char* gone : {"/search?q=oak", "/search?q=gem%C3%BCtlicher"}) {
-    EXPECT_THAT(Get(gone)->body, HasSubstr("totalResults>0<")) << gone;
+    EXPECT_THAT(Get(gone), HasSubstr("totalResults>0<")) << gone;
   }
 }
 
@@ -168,34 +158,24 @@ TEST_F(DatabaseTest, TextKeepsEveryByte) {
 
 TEST_F(DatabaseTest, ServicesAnswerFromTheFile) {
   Change("UPDATE users SET displayname = 'Çelik' WHERE uid = 'u-1001'");
-  const httplib::Result result = Get("/user-info");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(nlohmann::json::parse(result->body).at("displayname"), "Çelik");
+  EXPECT_EQ(GetJson("/user-info").at("displayname"), "Çelik");
 }
 
 TEST_F(DatabaseTest, AnswersNotFoundIfNobodyIsSignedIn) {
   Change("UPDATE users SET signed_in = 0");
-  const httplib::Result result = Get("/user-info");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(result->status, 404);
+  Get("/user-info", 404);
 }
 
 TEST_F(DatabaseTest, UpdateOmitsAbsentMembers) {
-  Change("DELETE FROM messages");
-  Change("DELETE FROM application_versions");
-  Change("DELETE FROM data_files");
-  const httplib::Result result = Get("/update");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(nlohmann::json::parse(result->body),
-            nlohmann::json({{"datafiles", nlohmann::json::array()}}));
+  for (const char* table : {"messages", "application_versions", "data_files"}) {
+    Change(std::string("DELETE FROM ") + table);
+  }
+  EXPECT_EQ(GetJson("/update"), json({{"datafiles", json::array()}}));
 }
 
 TEST_F(DatabaseTest, AnswersInternalErrorIfHandlerThrows) {
   Change("DROP TABLE users");
-  const httplib::Result result = Get("/user-info");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(result->status, 500);
-  EXPECT_EQ(nlohmann::json::parse(result->body).at("error"), "no such table: users");
+  EXPECT_EQ(GetJson("/user-info", 500).at("error"), "no such table: users");
 }
 
 }  // namespace

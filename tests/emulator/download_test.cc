@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <httplib.h>
 
 #include <set>
 #include <string>
+#include <vector>
 
+#include "emulator/http_date.h"
+#include "emulator/range.h"
 #include "tests/emulator/content_fixture.h"
 
 namespace stowra_emulator {
 namespace {
 
 using testing::HasSubstr;
+using testing::MatchesRegex;
 
 class DownloadTest : public ContentTest {
  protected:
@@ -24,8 +29,7 @@ TEST_F(DownloadTest, DownloadsEveryRenditionInTheFeed) {
   std::set<std::string> files;
   std::size_t downloads = 0;
   for (const XmlElement* entry : Entries(feed)) {
-    for (const XmlElement* content :
-         entry->Child(kMedia + std::string("group")).Children(kMedia + std::string("content"))) {
+    for (const XmlElement* content : Contents(*entry)) {
       const httplib::Response response = Get(content->Attribute("url"));
       EXPECT_EQ(response.get_header_value("Content-Type"), content->Attribute("type"));
       EXPECT_GE(response.body.size(), 2048u);
@@ -42,10 +46,7 @@ TEST_F(DownloadTest, DownloadsEveryRenditionInTheFeed) {
 TEST_F(DownloadTest, GivesTheSameFileEveryTime) {
   const std::string file = Get("/download?mid=m-1001&rtyp=k2").body;
   const Emulator other;
-  const httplib::Result again = httplib::Client(other.url()).Get("/download?mid=m-1001&rtyp=k2");
-  ASSERT_TRUE(again);
-  EXPECT_EQ(file.size(), again->body.size());
-  EXPECT_TRUE(file == again->body);
+  EXPECT_TRUE(httplib::Client(other.url()).Get("/download?mid=m-1001&rtyp=k2")->body == file);
 }
 
 TEST_F(DownloadTest, NamesFileAfterTheModel) {
@@ -77,6 +78,116 @@ TEST_F(DownloadTest, ContentRoutesTakeFaults) {
   Get("/search?q=chair&fault=status:500", 500);
   Get("/search.html?fault=drip:0");
   EXPECT_THAT(GetFeed("/search?fault=drip:0").Link("next"), testing::Not(HasSubstr("fault")));
+}
+
+constexpr const char* kFile = "/download?mid=m-1001&rtyp=k2";
+
+TEST(HttpDateTest, NamesTheDay) {
+  EXPECT_EQ(HttpDate("2024-01-31T09:00:00Z"), "Wed, 31 Jan 2024 09:00:00 GMT");
+  EXPECT_EQ(HttpDate("2024-02-29T23:59:59Z"), "Thu, 29 Feb 2024 23:59:59 GMT");
+  EXPECT_EQ(HttpDate("yesterday"), "");
+  EXPECT_EQ(HttpDate(""), "");
+}
+
+class RangeTest : public ContentTest {
+ protected:
+  httplib::Response GetRange(const std::string& range, int status, const std::string& if_range = "",
+                             const std::string& target = kFile) {
+    SCOPED_TRACE(range);
+    httplib::Headers headers = {{"Range", range}};
+    if (!if_range.empty()) headers.emplace("If-Range", if_range);
+    return ResponseOf(client_.Get(target, headers), status);
+  }
+};
+
+TEST_F(RangeTest, AnswersPartOfAFile) {
+  struct Row {
+    std::string range;
+    std::size_t first;
+    std::size_t last;
+  };
+  const std::string whole = Get(kFile).body;
+  const std::size_t end = whole.size() - 1;
+  for (const Row& row : {Row{"bytes=0-0", 0, 0},
+                         {"bytes=10-19", 10, 19},
+                         {"bytes=100-", 100, end},
+                         {"bytes=-7", end - 6, end},
+                         {"bytes=5-99999999", 5, end},
+                         {"bytes=-99999999999999999999", 0, end},
+                         {"BYTES=1-2", 1, 2}}) {
+    const httplib::Response part = GetRange(row.range, 206);
+    const std::size_t size = row.last - row.first + 1;
+    EXPECT_EQ(part.get_header_value("Content-Range"), "bytes " + std::to_string(row.first) + "-" +
+                                                          std::to_string(row.last) + "/" +
+                                                          std::to_string(whole.size()))
+        << row.range;
+    EXPECT_EQ(part.get_header_value("Content-Length"), std::to_string(size)) << row.range;
+    EXPECT_TRUE(part.body == whole.substr(row.first, size)) << row.range;
+  }
+}
+
+TEST_F(RangeTest, RefusesRangeBeyondTheEnd) {
+  const std::string size = std::to_string(Get(kFile).body.size());
+  const std::vector<std::string> ranges = {"bytes=" + size + "-", "bytes=" + size + "-" + size,
+                                           "bytes=99999999-999999999", "bytes=-0",
+                                           "bytes=99999999999999999999-"};
+  for (const std::string& range : ranges) {
+    const httplib::Response refusal = GetRange(range, 416);
+    EXPECT_EQ(refusal.get_header_value("Content-Range"), "bytes */" + size) << range;
+    EXPECT_THAT(refusal.body, HasSubstr("has only " + size + " bytes"));
+  }
+}
+
+TEST_F(RangeTest, AnswersWholeFileToWhatItCannotRead) {
+  const std::string whole = Get(kFile).body;
+  for (const char* range : {"bytes=0-1,5-6", "lines=1-2", "bytes=5-1", "bytes=x-1", "bytes=1-x",
+                            "bytes=", "bytes=-", "bytes", "bytes=--1", "bytes=1"}) {
+    const httplib::Response response = GetRange(range, 200);
+    EXPECT_EQ(response.get_header_value("Content-Range"), "") << range;
+    EXPECT_TRUE(response.body == whole) << range;
+  }
+}
+
+TEST_F(RangeTest, IfRangeDecidesBetweenPartAndWhole) {
+  const httplib::Response whole = Get(kFile);
+  const std::string etag = whole.get_header_value("ETag");
+  EXPECT_THAT(etag, MatchesRegex("\"[^\"]+\""));
+  const std::string date = whole.get_header_value("Last-Modified");
+  EXPECT_EQ(date, "Mon, 01 Jan 2024 09:00:00 GMT");
+  EXPECT_EQ(whole.get_header_value("Accept-Ranges"), "bytes");
+  GetRange("bytes=0-3", 206, etag);
+  GetRange("bytes=0-3", 206, date);
+  GetRange("bytes=0-3", 200, "\"other\"");
+  GetRange("bytes=0-3", 200, "W/" + etag);
+  GetRange("bytes=0-3", 200, "Tue, 02 Jan 2024 09:00:00 GMT");
+}
+
+TEST_F(RangeTest, EveryFileHasItsOwnEtag) {
+  const std::string first = Get(kFile).get_header_value("ETag");
+  EXPECT_EQ(Get(kFile).get_header_value("ETag"), first);
+  EXPECT_NE(Get("/download?mid=m-1001&rtyp=z").get_header_value("ETag"), first);
+  EXPECT_NE(Get("/thumbnail?mid=m-1001&rtyp=st").get_header_value("ETag"),
+            Get("/thumbnail?mid=m-1001&rtyp=lt").get_header_value("ETag"));
+}
+
+TEST_F(RangeTest, PicturesAndUploadsHaveRanges) {
+  EXPECT_EQ(GetRange("bytes=1-3", 206, "", "/thumbnail?mid=c-1").body, "PNG");
+  ResponseOf(client_.Post("/upload", FormOf("Ten", "0123456789", "text/plain")), 201);
+  const char* file = "/download?mid=m-1101&rtyp=o";
+  EXPECT_EQ(GetRange("bytes=3-5", 206, "", file).body, "345");
+  EXPECT_EQ(GetRange("bytes=-4", 206, "", file).body, "6789");
+  EXPECT_EQ(GetRange("bytes=3-5", 206, Get(file).get_header_value("ETag"), file).body, "345");
+}
+
+TEST_F(RangeTest, OtherRoutesIgnoreRanges) {
+  EXPECT_EQ(GetRange("bytes=0-3", 200, "", "/user-info").get_header_value("Accept-Ranges"), "none");
+  const auto head = ResponseOf(client_.Head(kFile, {{"Range", "bytes=0-3"}}));
+  EXPECT_EQ(head.get_header_value("Content-Length"), std::to_string(Get(kFile).body.size()));
+}
+
+TEST_F(RangeTest, PartsTakeFaults) {
+  EXPECT_FALSE(client_.Get(std::string(kFile) + "&fault=truncate", {{"Range", "bytes=0-99"}}));
+  GetRange("bytes=0-99", 206, "", std::string(kFile) + "&fault=drip:0");
 }
 
 }  // namespace

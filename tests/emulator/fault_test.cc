@@ -13,15 +13,14 @@
 #include <string>
 #include <vector>
 
-#include "emulator/emulator.h"
 #include "emulator/gzip_bomb.h"
+#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
 
 namespace stowra_emulator {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -49,32 +48,20 @@ TEST(ParseFaultTest, RefusesUnknownNamesAndBadArguments) {
   }
 }
 
-class FaultTest : public testing::Test {
+class FaultTest : public ContentTest {
  protected:
-  httplib::Result Get(const std::string& target) {
-    return httplib::Client(emulator_.url()).Get(target);
-  }
-
   RawResponse Raw(const std::string& target) { return RawGet(emulator_.port(), target); }
-
-  Emulator emulator_;
 };
 
 TEST_F(FaultTest, RefusesUnknownFaultAndListsTheKnownOnes) {
-  const httplib::Result result = Get("/user-info?fault=bogus");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(result->status, 400);
-  const std::string error = nlohmann::json::parse(result->body).at("error");
+  const std::string error = GetError("/user-info?fault=bogus", 400);
   for (const FaultDescription& fault : Faults()) EXPECT_THAT(error, HasSubstr(fault.usage));
-  EXPECT_EQ(Get("/user-info?fault=")->status, 400);
+  Get("/user-info?fault=", 400);
 }
 
 TEST_F(FaultTest, StatusAnswersWithAnyStatus) {
   for (const int status : {200, 201, 299, 302, 400, 404, 418, 500, 503, 599}) {
-    const httplib::Result result = Get("/user-info?fault=status:" + std::to_string(status));
-    ASSERT_TRUE(result) << status;
-    EXPECT_EQ(result->status, status);
-    EXPECT_TRUE(nlohmann::json::parse(result->body).contains("error")) << status;
+    EXPECT_NE(GetError("/user-info?fault=status:" + std::to_string(status), status), "");
   }
 }
 
@@ -96,11 +83,13 @@ TEST_F(FaultTest, InterimStatusEndsTheConnection) {
 
 TEST_F(FaultTest, StallWaitsBeforeTheFirstByte) {
   const RawResponse ordinary = Raw("/user-info");
-  const auto start = steady_clock::now();
   RawClient client(emulator_.port());
-  client.Send(GetRequest("/user-info?fault=stall:0.3"));
-  const std::string first = client.Read(1);
-  EXPECT_GE(steady_clock::now() - start, milliseconds(300));
+  std::string first;
+  const auto time = TimeOf([&] {
+    client.Send(GetRequest("/user-info?fault=stall:0.3"));
+    first = client.Read(1);
+  });
+  EXPECT_GE(time, milliseconds(300));
   const RawResponse response = ReadResponse(client);
   EXPECT_EQ(first + response.head.substr(0, 14), "HTTP/1.1 200 OK");
   EXPECT_EQ(response.body, ordinary.body);
@@ -111,58 +100,46 @@ TEST_F(FaultTest, StallBlocksNoOtherRequest) {
   for (int i = 0; i < 40; ++i) {
     stalled.emplace_back(emulator_.port()).Send(GetRequest("/user-info?fault=stall:600"));
   }
-  const httplib::Result result = Get("/user-info");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(result->status, 200);
+  Get("/user-info");
 }
 
-TEST_F(FaultTest, TruncateSendsHalfOfTheBodyAndCloses) {
+TEST_F(FaultTest, TruncateAndResetSendHalfOfTheBody) {
   const RawResponse ordinary = Raw("/user-info");
-  RawClient client(emulator_.port());
-  client.Send(GetRequest("/user-info?fault=truncate"));
-  const RawResponse response = SplitResponse(client.ReadToEnd());
-  EXPECT_FALSE(client.was_reset());
-  EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
-  EXPECT_EQ(response.body, ordinary.body.substr(0, ordinary.body.size() / 2));
-  EXPECT_GT(response.body.size(), 0u);
-}
-
-TEST_F(FaultTest, ResetComesAfterHalfOfTheBody) {
-  const RawResponse ordinary = Raw("/user-info");
-  RawClient client(emulator_.port());
-  client.Send(GetRequest("/user-info?fault=reset"));
-  const RawResponse response = SplitResponse(client.ReadToEnd());
-  EXPECT_TRUE(client.was_reset());
-  EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
-  EXPECT_EQ(response.body, ordinary.body.substr(0, ordinary.body.size() / 2));
+  for (const char* fault : {"truncate", "reset"}) {
+    SCOPED_TRACE(fault);
+    RawClient client(emulator_.port());
+    client.Send(GetRequest(std::string("/user-info?fault=") + fault));
+    const RawResponse response = SplitResponse(client.ReadToEnd());
+    EXPECT_EQ(client.was_reset(), fault == std::string("reset"));
+    EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
+    EXPECT_EQ(response.body, ordinary.body.substr(0, ordinary.body.size() / 2));
+    EXPECT_NE(response.body, "");
+  }
 }
 
 TEST_F(FaultTest, DripSendsTheBodyByteByByte) {
   const RawResponse ordinary = Raw("/user-info");
-  const milliseconds interval(4);
-  const auto start = steady_clock::now();
   RawClient client(emulator_.port());
-  client.Send(GetRequest("/user-info?fault=drip:4"));
-  const std::string head = client.ReadUntil("\r\n\r\n");
-  const std::string body = client.Read(ordinary.body.size());
-  EXPECT_GE(steady_clock::now() - start, interval * (ordinary.body.size() - 1));
-  EXPECT_THAT(head, StartsWith("HTTP/1.1 200 "));
-  EXPECT_THAT(head, HasSubstr("Content-Length: " + std::to_string(ordinary.body.size())));
-  EXPECT_EQ(body, ordinary.body);
+  RawResponse response;
+  const auto time = TimeOf([&] { response = client.Get("/user-info?fault=drip:4"); });
+  EXPECT_GE(time, milliseconds(4) * (ordinary.body.size() - 1));
+  EXPECT_THAT(response.head, StartsWith("HTTP/1.1 200 "));
+  EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
+  EXPECT_EQ(response.body, ordinary.body);
 }
 
 TEST_F(FaultTest, FaultsWithWholeResponseKeepTheConnection) {
   RawClient client(emulator_.port());
   for (const char* fault : {"drip:0", "stall:0", "status:503", "garbage"}) {
-    client.Send(GetRequest(std::string("/user-info?fault=") + fault));
-    EXPECT_THAT(ReadResponse(client).head, StartsWith("HTTP/1.1 ")) << fault;
+    const RawResponse response = client.Get(std::string("/user-info?fault=") + fault);
+    EXPECT_THAT(response.head, StartsWith("HTTP/1.1 ")) << fault;
   }
 }
 
 TEST_F(FaultTest, BombIsSmallBeforeItInflates) {
   RawClient client(emulator_.port());
-  client.Send("GET /user-info?fault=bomb HTTP/1.1\r\nAccept-Encoding: gzip\r\n\r\n");
-  const RawResponse response = ReadResponse(client);
+  const RawResponse response =
+      client.Ask("GET /user-info?fault=bomb HTTP/1.1\r\nAccept-Encoding: gzip\r\n\r\n");
   EXPECT_THAT(response.head, StartsWith("HTTP/1.1 200 "));
   EXPECT_EQ(response.Header("Content-Encoding"), "gzip");
   EXPECT_EQ(response.Header("Content-Length"), std::to_string(response.body.size()));
@@ -196,35 +173,28 @@ TEST(GzipBombTest, InflatesToOneGibibyteOfSpaces) {
 }
 
 TEST_F(FaultTest, GarbageHasStatus200AndIsNotJson) {
-  const httplib::Result result = Get("/user-info?fault=garbage");
-  ASSERT_TRUE(result);
-  EXPECT_EQ(result->status, 200);
-  EXPECT_FALSE(result->body.empty());
-  EXPECT_FALSE(nlohmann::json::accept(result->body));
+  const std::string body = Get("/user-info?fault=garbage").body;
+  EXPECT_NE(body, "");
+  EXPECT_FALSE(nlohmann::json::accept(body));
 }
 
 TEST_F(FaultTest, RedirectLoopLeadsBackToTheSameAddress) {
   const std::string target = "/user-info?user=u-1002&fault=redirect-loop";
-  const httplib::Result once = Get(target);
-  ASSERT_TRUE(once);
-  EXPECT_EQ(once->status, 302);
-  EXPECT_EQ(once->get_header_value("Location"), target);
-  httplib::Client client(emulator_.url());
-  client.set_follow_location(true);
-  const httplib::Result followed = client.Get(target);
+  EXPECT_EQ(Get(target, 302).get_header_value("Location"), target);
+  client_.set_follow_location(true);
+  const httplib::Result followed = client_.Get(target);
   ASSERT_FALSE(followed);
   EXPECT_EQ(followed.error(), httplib::Error::ExceedRedirectCount);
 }
 
 TEST_F(FaultTest, OtherRoutesTakeFaults) {
   const std::string body = R"({"extensions":[{"id":"roof-tools"}]})";
-  httplib::Client client(emulator_.url());
-  EXPECT_EQ(client.Get("/?fault=status:501")->status, 501);
-  EXPECT_EQ(client.Get("/update?fault=status:502")->status, 502);
-  EXPECT_EQ(client.Post("/extensions?fault=status:503", body, "application/json")->status, 503);
-  EXPECT_FALSE(client.Get("/?fault=truncate"));
-  EXPECT_FALSE(client.Get("/update?fault=reset"));
-  EXPECT_FALSE(client.Post("/extensions?fault=truncate", body, "application/json"));
+  Get("/?fault=status:501", 501);
+  Get("/update?fault=status:502", 502);
+  EXPECT_EQ(client_.Post("/extensions?fault=status:503", body, "application/json")->status, 503);
+  EXPECT_FALSE(client_.Get("/?fault=truncate"));
+  EXPECT_FALSE(client_.Get("/update?fault=reset"));
+  EXPECT_FALSE(client_.Post("/extensions?fault=truncate", body, "application/json"));
 }
 
 }  // namespace

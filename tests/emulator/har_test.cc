@@ -6,7 +6,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "emulator/replay/base64.h"
 
@@ -45,11 +44,8 @@ TEST(Base64Test, RefusesOtherText) {
 }
 
 TEST(HarTest, ExchangeComesBackAsItWas) {
-  const std::string every_byte = [] {
-    std::string bytes;
-    for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
-    return bytes;
-  }();
+  std::string every_byte;
+  for (int i = 0; i < 256; ++i) every_byte += static_cast<char>(i);
   for (const std::string& body : {std::string(), std::string("{\"ö\": 1}\r\n"), every_byte}) {
     Exchange exchange;
     exchange.site = "http://h.example";

@@ -12,6 +12,7 @@
 #include "emulator/emulator.h"
 #include "tests/emulator/child_program.h"
 #include "tests/emulator/raw_client.h"
+#include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
 namespace {
@@ -20,8 +21,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-constexpr const char* kProgram = STOWRA_EMULATOR_PROGRAM;
-
 int GetStatus(const std::string& url, const std::string& target) {
   const httplib::Result result = httplib::Client(url).Get(target);
   return result ? result->status : -1;
@@ -29,104 +28,92 @@ int GetStatus(const std::string& url, const std::string& target) {
 
 TEST(ProgramTest, PrintsAddressAndServesUntilInterrupted) {
   for (const int signal : {SIGINT, SIGTERM}) {
-    ChildProgram program(kProgram, {});
+    ChildProgram program({});
     const std::string url = program.ReadLine();
     EXPECT_THAT(url, MatchesRegex("http://127\\.0\\.0\\.1:[0-9]+"));
     EXPECT_EQ(GetStatus(url, "/user-info"), 200);
-    program.Signal(signal);
-    EXPECT_EQ(program.Wait(), 0);
+    EXPECT_EQ(program.EndBy(signal), 0);
     EXPECT_EQ(program.ReadOutput(), "") << "more than one line";
     EXPECT_THAT(program.ReadErrors(), MatchesRegex("GET /user-info 200 [0-9]+\n"));
   }
 }
 
 TEST(ProgramTest, EndsSoonDuringASlowResponse) {
-  ChildProgram program(kProgram, {"--quiet"});
-  const std::string url = program.ReadLine();
-  RawClient client(static_cast<std::uint16_t>(std::stoi(url.substr(url.rfind(':') + 1))));
+  ChildProgram program({"--quiet"});
+  RawClient client(PortOf(program.ReadLine()));
   client.Send(GetRequest("/user-info?fault=drip:60000"));
   client.ReadUntil("\r\n\r\n");
-  const auto start = std::chrono::steady_clock::now();
-  program.Signal(SIGTERM);
-  EXPECT_EQ(program.Wait(), 0);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_LT(TimeOf([&program] { EXPECT_EQ(program.EndBy(SIGTERM), 0); }), std::chrono::seconds(1));
 }
 
 TEST(ProgramTest, QuietLogsNothing) {
-  ChildProgram program(kProgram, {"--quiet"});
+  ChildProgram program({"--quiet"});
   EXPECT_EQ(GetStatus(program.ReadLine(), "/user-info"), 200);
-  program.Signal(SIGTERM);
-  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_EQ(program.EndBy(SIGTERM), 0);
   EXPECT_EQ(program.ReadErrors(), "");
 }
 
 TEST(ProgramTest, ListensOnTheGivenPort) {
-  std::string port;
-  {
-    const Emulator free_port;
-    port = std::to_string(free_port.port());
-  }
-  ChildProgram program(kProgram, {"--port", port});
+  const std::string port = std::to_string(Emulator().port());
+  ChildProgram program({"--port", port});
   EXPECT_EQ(program.ReadLine(), "http://127.0.0.1:" + port);
 }
 
-TEST(ProgramTest, ReportsTakenPortInOneLine) {
-  const Emulator other;
-  ChildProgram program(kProgram, {"--port", std::to_string(other.port())});
-  EXPECT_EQ(program.Wait(), 1);
-  EXPECT_EQ(program.ReadOutput(), "");
-  EXPECT_THAT(program.ReadErrors(),
-              MatchesRegex("stowra-emulator: cannot listen on 127\\.0\\.0\\.1:[0-9]+: [^\n]+\n"));
-}
-
-TEST(ProgramTest, ReportsUnreadableDatabaseInOneLine) {
-  ChildProgram program(kProgram, {"--database", kProgram});
-  EXPECT_EQ(program.Wait(), 1);
-  EXPECT_EQ(program.ReadOutput(), "");
-  EXPECT_THAT(program.ReadErrors(),
-              MatchesRegex("stowra-emulator: cannot open the database [^\n]+\n"));
-}
-
 TEST(ProgramTest, CreatesAndReusesDatabaseFile) {
-  std::string folder = (std::filesystem::temp_directory_path() / "emulator-XXXXXX").string();
-  ASSERT_NE(::mkdtemp(folder.data()), nullptr);
-  const std::string file = folder + "/services.db";
+  const stowra_test::TemporaryFolder folder;
+  const std::string file = (folder.path() / "services.db").string();
   for (int run = 0; run < 2; ++run) {
-    ChildProgram program(kProgram, {"--database", file});
+    ChildProgram program({"--database", file});
     EXPECT_EQ(GetStatus(program.ReadLine(), "/user-info"), 200);
     EXPECT_TRUE(std::filesystem::exists(file));
   }
-  std::filesystem::remove_all(folder);
 }
 
-TEST(ProgramTest, WrongUsageEndsWithStatusTwo) {
-  const std::vector<std::vector<std::string>> usages = {
-      {"--nope"},       {"extra"},      {"--port"},  {"--port", "x"},        {"--port", "65536"},
-      {"--port", "-1"}, {"--database"}, {"--fault"}, {"--fault", "/update"}, {"--seed", "x"}};
-  for (const std::vector<std::string>& usage : usages) {
-    ChildProgram program(kProgram, usage);
-    EXPECT_EQ(program.Wait(), 2) << usage[0];
-    EXPECT_EQ(program.ReadOutput(), "") << usage[0];
-    EXPECT_NE(program.ReadErrors(), "") << usage[0];
+TEST(ProgramTest, ReportsWrongUsageAndOtherFailures) {
+  struct Row {
+    std::vector<std::string> arguments;
+    int status;
+    const char* errors;
+  };
+  const Emulator other;
+  const std::string taken = std::to_string(other.port());
+  const char* const any = "(.|\n)+";
+  const Row rows[] = {
+      {{"--nope"}, 2, any},
+      {{"extra"}, 2, any},
+      {{"--port"}, 2, any},
+      {{"--port", "x"}, 2, any},
+      {{"--port", "65536"}, 2, any},
+      {{"--port", "-1"}, 2, any},
+      {{"--database"}, 2, any},
+      {{"--fault"}, 2, any},
+      {{"--fault", "/update"}, 2, any},
+      {{"--seed", "x"}, 2, any},
+      {{"--fault", "/nope=reset"},
+       2,
+       "stowra-emulator: --fault: no route '/nope'; [^\n]*/update[^\n]*\n"},
+      {{"--fault", "/update=nope"},
+       2,
+       "stowra-emulator: --fault: no fault 'nope'; [^\n]*status:CODE[^\n]*\n"},
+      {{"--port", taken}, 1, "stowra-emulator: cannot listen on 127\\.0\\.0\\.1:[0-9]+: [^\n]+\n"},
+      {{"--database", STOWRA_EMULATOR_PROGRAM},
+       1,
+       "stowra-emulator: cannot open the database [^\n]+\n"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(testing::PrintToString(row.arguments));
+    ChildProgram program(row.arguments);
+    EXPECT_EQ(program.Wait(), row.status);
+    EXPECT_EQ(program.ReadOutput(), "");
+    EXPECT_THAT(program.ReadErrors(), MatchesRegex(row.errors));
   }
-}
-
-TEST(ProgramTest, WrongFaultIsUsageErrorThatListsWhatExists) {
-  ChildProgram route(kProgram, {"--fault", "/nope=reset"});
-  EXPECT_EQ(route.Wait(), 2);
-  EXPECT_THAT(route.ReadErrors(),
-              MatchesRegex("stowra-emulator: --fault: no route '/nope'; [^\n]*/update[^\n]*\n"));
-  ChildProgram kind(kProgram, {"--fault", "/update=nope"});
-  EXPECT_EQ(kind.Wait(), 2);
-  EXPECT_THAT(kind.ReadErrors(),
-              MatchesRegex("stowra-emulator: --fault: no fault 'nope'; [^\n]*status:CODE[^\n]*\n"));
 }
 
 TEST(ProgramTest, PlaysFaultsThatTheSeedRepeats) {
   std::vector<std::vector<int>> runs;
   for (const char* seed : {"5", "5", "6"}) {
-    ChildProgram program(kProgram, {"--fault", "/update=status:503@50", "--fault",
-                                    "/search=status:404", "--seed", seed, "--quiet"});
+    ChildProgram program({"--fault", "/update=status:503@50", "--fault", "/search=status:404",
+                          "--seed", seed, "--quiet"});
     const std::string url = program.ReadLine();
     EXPECT_EQ(GetStatus(url, "/search"), 404);
     std::vector<int>& statuses = runs.emplace_back();
@@ -138,26 +125,25 @@ TEST(ProgramTest, PlaysFaultsThatTheSeedRepeats) {
 }
 
 TEST(ProgramTest, TlsPrintsAddressThenCaFile) {
-  ChildProgram program(kProgram, {"--tls", "--quiet"});
+  ChildProgram program({"--tls", "--quiet"});
   const std::string url = program.ReadLine();
   EXPECT_THAT(url, StartsWith("https://127.0.0.1:"));
   const std::string ca_file = program.ReadLine();
   httplib::Client client(url);
   client.set_ca_cert_path(ca_file);
   EXPECT_EQ(client.Get("/user-info")->status, 200);
-  program.Signal(SIGTERM);
-  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_EQ(program.EndBy(SIGTERM), 0);
   EXPECT_FALSE(std::filesystem::exists(ca_file));
 }
 
 TEST(ProgramTest, PrintsVersion) {
-  ChildProgram program(kProgram, {"--version"});
+  ChildProgram program({"--version"});
   EXPECT_EQ(program.Wait(), 0);
   EXPECT_EQ(program.ReadOutput(), "stowra-emulator " STOWRA_VERSION "\n");
 }
 
 TEST(ProgramTest, HelpBeginsWithExamples) {
-  ChildProgram program(kProgram, {"--help"});
+  ChildProgram program({"--help"});
   EXPECT_EQ(program.Wait(), 0);
   const std::string help = program.ReadOutput();
   EXPECT_THAT(help, StartsWith("Examples:\n"));

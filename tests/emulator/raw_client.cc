@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/emulator/raw_client.h"
 
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <utility>
 
 namespace stowra_emulator {
 
@@ -50,6 +47,13 @@ std::string RawClient::ReadToEnd() {
   }
   return Take(received_.size());
 }
+
+RawResponse RawClient::Ask(std::string_view request) {
+  Send(request);
+  return ReadResponse(*this);
+}
+
+RawResponse RawClient::Get(const std::string& target) { return Ask(GetRequest(target)); }
 
 bool RawClient::Receive() {
   char bytes[4096];
@@ -102,6 +106,31 @@ RawResponse ReadResponse(RawClient& client) {
   EXPECT_NE(length, "") << response.head;
   if (!length.empty()) response.body = client.Read(std::stoul(length));
   return response;
+}
+
+std::uint16_t PortOf(const std::string& url) {
+  return static_cast<std::uint16_t>(std::stoi(url.substr(url.rfind(':') + 1)));
+}
+
+std::uint16_t RawTest::port() {
+  if (emulator_ == nullptr) {
+    if (options_.log == nullptr) options_.log = &log_;
+    emulator_ = std::make_unique<Emulator>(options_);
+  }
+  return emulator_->port();
+}
+
+RawResponse RawTest::AnswerTo(std::string_view bytes) {
+  RawClient client(port());
+  client.Send(bytes);
+  const std::string answer = client.ReadToEnd();
+  EXPECT_FALSE(client.was_reset());
+  return SplitResponse(answer);
+}
+
+std::string RawTest::EndAndReadLog() {
+  emulator_.reset();
+  return log_.str();
 }
 
 }  // namespace stowra_emulator

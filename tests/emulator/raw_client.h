@@ -1,16 +1,29 @@
 // SPDX-License-Identifier: MIT
-// A client that sees the raw bytes and how the connection ends.
+// A client that sees the raw bytes and how the connection ends, and a fixture for it.
 
 #ifndef TESTS_EMULATOR_RAW_CLIENT_H_
 #define TESTS_EMULATOR_RAW_CLIENT_H_
 
+#include <gtest/gtest.h>
+
+#include <chrono>
 #include <cstdint>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 
+#include "emulator/emulator.h"
 #include "emulator/file_descriptor.h"
 
 namespace stowra_emulator {
+
+struct RawResponse {
+  std::string head;
+  std::string body;
+
+  std::string Header(const std::string& name) const;  // Empty if it is absent.
+};
 
 // Fails the current test if it cannot connect or waits 30 seconds for a byte.
 class RawClient {
@@ -31,6 +44,10 @@ class RawClient {
   // Reads all bytes up to the end of the connection.
   std::string ReadToEnd();
 
+  // Sends a request. Reads its response, which must declare its length.
+  RawResponse Ask(std::string_view request);
+  RawResponse Get(const std::string& target);
+
   // True if the connection was reset, not closed.
   bool was_reset() const { return was_reset_; }
 
@@ -44,13 +61,6 @@ class RawClient {
   bool was_reset_ = false;
 };
 
-struct RawResponse {
-  std::string head;
-  std::string body;
-
-  std::string Header(const std::string& name) const;  // Empty if it is absent.
-};
-
 RawResponse SplitResponse(const std::string& bytes);
 
 // Sends one request without a body on a new connection and reads to its end.
@@ -61,6 +71,32 @@ std::string GetRequest(const std::string& target);
 
 // Reads the next response, which must declare its length. The connection stays open.
 RawResponse ReadResponse(RawClient& client);
+
+// The port in the address of an emulator.
+std::uint16_t PortOf(const std::string& url);
+
+template <typename Work>
+std::chrono::steady_clock::duration TimeOf(const Work& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::steady_clock::now() - start;
+}
+
+class RawTest : public testing::Test {
+ protected:
+  // The first call starts the emulator with options_.
+  std::uint16_t port();
+
+  // The response on a new connection, which the emulator must then close without a reset.
+  RawResponse AnswerTo(std::string_view bytes);
+
+  // Ends the emulator and returns its log.
+  std::string EndAndReadLog();
+
+  std::ostringstream log_;
+  EmulatorOptions options_;
+  std::unique_ptr<Emulator> emulator_;
+};
 
 }  // namespace stowra_emulator
 

@@ -6,12 +6,10 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "emulator/emulator.h"
 #include "emulator/fault.h"
 #include "emulator/route.h"
+#include "tests/emulator/content_fixture.h"
 
 namespace stowra_emulator {
 namespace {
@@ -19,26 +17,15 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 
-class ServicesTest : public testing::Test {
+class ServicesTest : public ContentTest {
  protected:
   // A sanitizer makes the emulator slow.
   ServicesTest() { client_.set_read_timeout(std::chrono::minutes(1)); }
 
-  json GetJson(const std::string& target, int status = 200) {
-    const httplib::Result result = client_.Get(target);
-    EXPECT_TRUE(result) << target << ": " << httplib::to_string(result.error());
-    if (!result) return json();
-    EXPECT_EQ(result->status, status) << target;
-    EXPECT_EQ(result->get_header_value("Content-Type"), "application/json");
-    return json::parse(result->body);
-  }
-
   json PostExtensions(const std::string& body, int status = 200) {
-    const httplib::Result result = client_.Post("/extensions", body, "application/json");
-    EXPECT_TRUE(result) << body.substr(0, 100) << ": " << httplib::to_string(result.error());
-    if (!result) return json();
-    EXPECT_EQ(result->status, status) << body.substr(0, 100);
-    return json::parse(result->body);
+    SCOPED_TRACE(body.substr(0, 100));
+    return json::parse(
+        ResponseOf(client_.Post("/extensions", body, "application/json"), status).body);
   }
 
   // Whether an update is due for version `version` of `id`. The version is JSON text.
@@ -47,26 +34,21 @@ class ServicesTest : public testing::Test {
         PostExtensions(R"({"extensions":[{"id":")" + id + R"(","version":)" + version + "}]}");
     return answer.at("extensions").at(0).at("update").get<bool>();
   }
-
-  Emulator emulator_;
-  httplib::Client client_{emulator_.url()};
 };
 
 TEST_F(ServicesTest, IndexListsEveryRouteAndFault) {
-  const httplib::Result index = client_.Get("/");
-  ASSERT_TRUE(index);
-  EXPECT_EQ(index->status, 200);
-  EXPECT_EQ(index->get_header_value("Content-Type"), "text/plain; charset=utf-8");
+  const httplib::Response index = Get("/");
+  EXPECT_EQ(index.get_header_value("Content-Type"), "text/plain; charset=utf-8");
   ASSERT_GE(Routes().size(), 4u);
   for (const Route& route : Routes()) {
-    EXPECT_THAT(index->body, HasSubstr(std::string("  ") + route.method));
-    EXPECT_THAT(index->body, HasSubstr(std::string(" ") + route.path + " "));
-    EXPECT_THAT(index->body, HasSubstr(route.description));
+    EXPECT_THAT(index.body, HasSubstr(std::string("  ") + route.method));
+    EXPECT_THAT(index.body, HasSubstr(std::string(" ") + route.path + " "));
+    EXPECT_THAT(index.body, HasSubstr(route.description));
   }
   ASSERT_EQ(Faults().size(), 8u);
   for (const FaultDescription& fault : Faults()) {
-    EXPECT_THAT(index->body, HasSubstr(std::string("  ") + fault.usage + " "));
-    EXPECT_THAT(index->body, HasSubstr(fault.description));
+    EXPECT_THAT(index.body, HasSubstr(std::string("  ") + fault.usage + " "));
+    EXPECT_THAT(index.body, HasSubstr(fault.description));
   }
 }
 
@@ -91,8 +73,8 @@ TEST_F(ServicesTest, UserInfoOmitsAbsentMembers) {
 
 TEST_F(ServicesTest, UnknownUserIsNotFound) {
   EXPECT_EQ(GetJson("/user-info?user=u-9999", 404), json({{"error", "no user 'u-9999'"}}));
-  EXPECT_TRUE(GetJson("/user-info?user=%FF%00'", 404).contains("error"));
-  EXPECT_TRUE(GetJson("/user-info?user=", 404).contains("error"));
+  EXPECT_NE(GetError("/user-info?user=%FF%00%27", 404), "");
+  EXPECT_NE(GetError("/user-info?user=", 404), "");
 }
 
 TEST_F(ServicesTest, UpdateHoldsVersionsMessageAndDataFiles) {
@@ -150,13 +132,12 @@ TEST_F(ServicesTest, NoKnownIdGivesAnEmptyArray) {
 }
 
 TEST_F(ServicesTest, UpdateIsDueOnlyForALowerVersion) {
-  EXPECT_TRUE(UpdateIsDue("roof-tools", R"("2.4")"));
-  EXPECT_TRUE(UpdateIsDue("roof-tools", R"("1")"));
-  EXPECT_TRUE(UpdateIsDue("roof-tools", "2.4"));
-  EXPECT_FALSE(UpdateIsDue("roof-tools", R"("2.5")"));
-  EXPECT_FALSE(UpdateIsDue("roof-tools", R"("2.50")"));
-  EXPECT_FALSE(UpdateIsDue("roof-tools", R"("10.0")"));
-  EXPECT_FALSE(UpdateIsDue("roof-tools", "3"));
+  for (const char* lower : {R"("2.4")", R"("1")", "2.4"}) {
+    EXPECT_TRUE(UpdateIsDue("roof-tools", lower)) << lower;
+  }
+  for (const char* other : {R"("2.5")", R"("2.50")", R"("10.0")", "3"}) {
+    EXPECT_FALSE(UpdateIsDue("roof-tools", other)) << other;
+  }
   EXPECT_TRUE(UpdateIsDue("sun-study", R"("9.5")")) << "10.25 is more than 9.5";
 }
 
@@ -169,19 +150,11 @@ TEST_F(ServicesTest, NoUpdateIsDueForAnUnreadableVersion) {
 }
 
 TEST_F(ServicesTest, AnyOtherBodyIsABadRequest) {
-  const std::vector<std::string> bodies = {"",
-                                           "not JSON",
-                                           R"({"extensions":[)",
-                                           "[]",
-                                           "{}",
-                                           R"("extensions")",
-                                           R"({"extensions":{}})",
-                                           R"({"extensions":[1]})",
-                                           R"({"extensions":[{"version":"1.0"}]})",
-                                           R"({"extensions":[{"id":7}]})",
-                                           R"({"extensions":[{"id":"roof-tools"},{}]})",
-                                           "{\"extensions\":[{\"id\":\"\xFF\"}]}"};
-  for (const std::string& body : bodies) {
+  for (const char* body :
+       {"", "not JSON", R"({"extensions":[)", "[]", "{}", R"("extensions")", R"({"extensions":{}})",
+        R"({"extensions":[1]})", R"({"extensions":[{"version":"1.0"}]})",
+        R"({"extensions":[{"id":7}]})", R"({"extensions":[{"id":"roof-tools"},{}]})",
+        "{\"extensions\":[{\"id\":\"\xFF\"}]}"}) {
     EXPECT_TRUE(PostExtensions(body, 400).at("error").is_string()) << body;
   }
 }
@@ -197,62 +170,47 @@ TEST_F(ServicesTest, SurvivesDeepNestingInARequest) {
 
 TEST_F(ServicesTest, RefusesWrongMethodAndNamesTheRightOnes) {
   for (const char* path : {"/", "/user-info", "/update"}) {
-    const httplib::Result result = client_.Post(path, "{}", "application/json");
-    ASSERT_TRUE(result) << path;
-    EXPECT_EQ(result->status, 405) << path;
-    EXPECT_EQ(result->get_header_value("Allow"), "GET, HEAD") << path;
-    EXPECT_TRUE(json::parse(result->body).contains("error"));
+    SCOPED_TRACE(path);
+    const auto response = ResponseOf(client_.Post(path, "{}", "application/json"), 405);
+    EXPECT_EQ(response.get_header_value("Allow"), "GET, HEAD");
+    EXPECT_TRUE(json::parse(response.body).contains("error"));
   }
-  const std::vector<httplib::Result> results = [this] {
-    std::vector<httplib::Result> all;
-    all.push_back(client_.Get("/extensions"));
-    all.push_back(client_.Put("/extensions", "{}", "application/json"));
-    all.push_back(client_.Patch("/extensions", "{}", "application/json"));
-    all.push_back(client_.Delete("/extensions"));
-    all.push_back(client_.Options("/extensions"));
-    return all;
-  }();
-  for (const httplib::Result& result : results) {
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->status, 405);
-    EXPECT_EQ(result->get_header_value("Allow"), "POST");
+  for (const char* method : {"GET", "PUT", "PATCH", "DELETE", "OPTIONS"}) {
+    SCOPED_TRACE(method);
+    httplib::Request request;
+    request.method = method;
+    request.path = "/extensions";
+    request.body = "{}";
+    EXPECT_EQ(ResponseOf(client_.send(request), 405).get_header_value("Allow"), "POST");
   }
 }
 
 TEST_F(ServicesTest, UnknownRouteIsNotFound) {
-  for (const char* target : {"/nope", "/user-info/", "/USER-INFO", "/user-info%0A", "//", "/é"}) {
-    const httplib::Result result = client_.Get(target);
-    ASSERT_TRUE(result) << target;
-    EXPECT_EQ(result->status, 404) << target;
-    EXPECT_TRUE(json::parse(result->body).contains("error")) << target;
+  for (const char* target :
+       {"/nope", "/user-info/", "/USER-INFO", "/user-info%0A", "//", "/%C3%A9"}) {
+    EXPECT_NE(GetError(target, 404), "") << target;
   }
 }
 
 TEST_F(ServicesTest, HeadGivesOnlyTheLengthOfTheBody) {
-  const httplib::Result got = client_.Get("/user-info");
-  const httplib::Result head = client_.Head("/user-info");
-  ASSERT_TRUE(got && head);
-  EXPECT_EQ(head->status, 200);
-  EXPECT_EQ(head->body, "");
-  EXPECT_EQ(head->get_header_value("Content-Length"), std::to_string(got->body.size()));
+  const httplib::Response head = ResponseOf(client_.Head("/user-info"));
+  EXPECT_EQ(head.body, "");
+  EXPECT_EQ(head.get_header_value("Content-Length"), std::to_string(Get("/user-info").body.size()));
 }
 
 TEST_F(ServicesTest, CompressesForClientThatAcceptsGzip) {
-  const httplib::Result plain = client_.Get("/update");
-  const httplib::Result packed = client_.Get("/update", {{"Accept-Encoding", "gzip"}});
-  ASSERT_TRUE(plain && packed);
-  EXPECT_FALSE(plain->has_header("Content-Encoding"));
-  EXPECT_EQ(packed->get_header_value("Content-Encoding"), "gzip");
-  EXPECT_EQ(packed->body, plain->body);
+  const httplib::Response plain = Get("/update");
+  const httplib::Response packed =
+      ResponseOf(client_.Get("/update", {{"Accept-Encoding", "gzip"}}));
+  EXPECT_FALSE(plain.has_header("Content-Encoding"));
+  EXPECT_EQ(packed.get_header_value("Content-Encoding"), "gzip");
+  EXPECT_EQ(packed.body, plain.body);
 }
 
 TEST_F(ServicesTest, IgnoresRange) {
-  const httplib::Result whole = client_.Get("/update");
-  const httplib::Result result = client_.Get("/update", {{"Range", "bytes=0-9"}});
-  ASSERT_TRUE(whole && result);
-  EXPECT_EQ(result->status, 200);
-  EXPECT_EQ(result->body, whole->body);
-  EXPECT_EQ(result->get_header_value("Accept-Ranges"), "none");
+  const httplib::Response response = ResponseOf(client_.Get("/update", {{"Range", "bytes=0-9"}}));
+  EXPECT_EQ(response.body, Get("/update").body);
+  EXPECT_EQ(response.get_header_value("Accept-Ranges"), "none");
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -10,13 +9,13 @@
 #include <string>
 
 #include "emulator/emulator.h"
+#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
 
 namespace stowra_emulator {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -36,17 +35,14 @@ class TlsTest : public testing::Test {
 
 TEST_F(TlsTest, ClientThatTrustsTheCaFileIsServed) {
   EXPECT_THAT(emulator_.url(), StartsWith("https://127.0.0.1:"));
-  const httplib::Result result = client_.Get("/user-info");
-  ASSERT_TRUE(result) << httplib::to_string(result.error());
-  EXPECT_THAT(result->body, HasSubstr("u-1001"));
+  EXPECT_THAT(ResponseOf(client_.Get("/user-info")).body, HasSubstr("u-1001"));
   httplib::Client by_name("https://localhost:" + std::to_string(emulator_.port()));
   by_name.set_ca_cert_path(emulator_.ca_file());
   EXPECT_TRUE(by_name.Get("/user-info"));
 }
 
 TEST_F(TlsTest, OtherClientsRefuseTheCertificate) {
-  httplib::Client other(emulator_.url());
-  const httplib::Result result = other.Get("/user-info");
+  const httplib::Result result = httplib::Client(emulator_.url()).Get("/user-info");
   ASSERT_FALSE(result);
   EXPECT_EQ(result.error(), httplib::Error::SSLServerVerification);
 }
@@ -59,13 +55,8 @@ TEST_F(TlsTest, AddressesInAnswersAreSecure) {
 TEST_F(TlsTest, LargeBodiesPassBothWays) {
   std::string bytes(3 << 20, '\0');
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * i >> 8);
-  const httplib::Result posted =
-      client_.Post("/upload", {{"name", "Large", "", ""},
-                               {"subjectId", "m42", "", ""},
-                               {"subjectClass", "entity", "", ""},
-                               {"binary", bytes, "large.bin", "application/octet-stream"}});
-  ASSERT_TRUE(posted);
-  ASSERT_EQ(posted->status, 201);
+  const auto form = FormOf("Large", bytes, "application/octet-stream");
+  ResponseOf(client_.Post("/upload", form), 201);
   EXPECT_TRUE(client_.Get("/download?mid=m-1101&rtyp=o")->body == bytes);
 }
 
@@ -90,9 +81,7 @@ TEST(TlsStopTest, StopsDuringHandshakeAndStall) {
   RawClient silent(emulator->port());
   RawClient half(emulator->port());
   half.Send("\x16\x03\x01");
-  const auto start = steady_clock::now();
-  emulator.reset();
-  EXPECT_LT(steady_clock::now() - start, milliseconds(1000));
+  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), milliseconds(1000));
   EXPECT_FALSE(std::filesystem::exists(ca_file));
 }
 
@@ -101,8 +90,7 @@ TEST(ListenTest, ServesOnAnotherAddress) {
   options.address = "::1";
   const Emulator emulator(options);
   EXPECT_THAT(emulator.url(), StartsWith("http://[::1]:"));
-  httplib::Client client("::1", emulator.port());
-  ASSERT_TRUE(client.Get("/user-info"));
+  ResponseOf(httplib::Client("::1", emulator.port()).Get("/user-info"));
   options.address = "127.0.0.2";
   const Emulator second(options);
   EXPECT_THAT(second.url(), StartsWith("http://127.0.0.2:"));

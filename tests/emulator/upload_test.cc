@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "emulator/database.h"
 #include "emulator/random_stream.h"
 #include "tests/emulator/content_fixture.h"
+#include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
 namespace {
@@ -18,8 +20,6 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr const char* kQmf = "application/vnd.brevix.qmf";
-
 std::string RandomBytes(std::size_t size) {
   RandomStream random("upload");
   std::string bytes;
@@ -28,20 +28,10 @@ std::string RandomBytes(std::size_t size) {
   return bytes;
 }
 
-MultipartFormDataItems FormOf(const std::string& name, const std::string& bytes,
-                              const std::string& type = kQmf) {
-  return {{"name", name, "", ""},
-          {"subjectId", "m42", "", ""},
-          {"subjectClass", "entity", "", ""},
-          {"binary", bytes, "chair.qmf", type}};
-}
-
 MultipartFormDataItems Without(MultipartFormDataItems form, const std::string& part) {
-  MultipartFormDataItems rest;
-  for (httplib::MultipartFormData& item : form) {
-    if (item.name != part) rest.push_back(item);
-  }
-  return rest;
+  const auto is_part = [&part](const auto& item) { return item.name == part; };
+  form.erase(std::find_if(form.begin(), form.end(), is_part));
+  return form;
 }
 
 MultipartFormDataItems With(MultipartFormDataItems form, const std::string& part,
@@ -53,12 +43,9 @@ MultipartFormDataItems With(MultipartFormDataItems form, const std::string& part
 class UploadTest : public ContentTest {
  protected:
   httplib::Response PostForm(const MultipartFormDataItems& form, int status) {
-    const httplib::Result result = client_.Post("/upload?name=ignored", form);
-    EXPECT_TRUE(result) << httplib::to_string(result.error());
-    if (!result) return httplib::Response();
-    EXPECT_EQ(result->status, status) << result->body;
-    EXPECT_EQ(result->get_header_value("Content-Type"), "application/json");
-    return *result;
+    httplib::Response response = ResponseOf(client_.Post("/upload?name=ignored", form), status);
+    EXPECT_EQ(response.get_header_value("Content-Type"), "application/json");
+    return response;
   }
 
   // The answer to a successful upload.
@@ -70,10 +57,6 @@ class UploadTest : public ContentTest {
 
   httplib::Response DownloadOf(const json& answer) {
     return Get(answer.at("download_url").get<std::string>());
-  }
-
-  std::vector<std::string> TitlesFor(const std::string& query) {
-    return Titles(GetFeed("/search?q=" + query));
   }
 };
 
@@ -89,12 +72,10 @@ TEST_F(UploadTest, FindsAndDownloadsTheUploadedModel) {
   ASSERT_THAT(Titles(feed), ElementsAre("Gläserner Pavillon"));
   const XmlElement& entry = *Entries(feed)[0];
   EXPECT_EQ(entry.Link("alternate"), answer.at("url"));
-  EXPECT_EQ(entry.Child(kAtom + std::string("author")).Child(kAtom + std::string("name")).text,
-            "Zoë Ångström");
-  const XmlElement& content =
-      entry.Child(kMedia + std::string("group")).Child(kMedia + std::string("content"));
-  EXPECT_EQ(content.Attribute("type"), kQmf);
-  EXPECT_EQ(content.Attribute("url"), answer.at("download_url"));
+  EXPECT_EQ(entry.Child(Atom("author")).Child(Atom("name")).text, "Zoë Ångström");
+  ASSERT_EQ(Contents(entry).size(), 1u);
+  EXPECT_EQ(Contents(entry)[0]->Attribute("type"), kQmf);
+  EXPECT_EQ(Contents(entry)[0]->Attribute("url"), answer.at("download_url"));
 
   const httplib::Response file = DownloadOf(answer);
   EXPECT_TRUE(file.body == bytes);
@@ -133,17 +114,17 @@ TEST_F(UploadTest, ReturnsAnyBytesUnchanged) {
 }
 
 TEST_F(UploadTest, TypeDecidesTheRendition) {
-  const auto address = [this](const char* type) {
-    return Upload(FormOf("Typed", "x", type)).at("download_url").get<std::string>();
-  };
-  EXPECT_THAT(address(kQmf), testing::EndsWith("&rtyp=s"));
-  EXPECT_THAT(address("application/vnd.pellamy.kmz"), testing::EndsWith("&rtyp=k2"));
-  EXPECT_THAT(address("application/zip"), testing::EndsWith("&rtyp=z"));
-  EXPECT_THAT(address("model/other"), testing::EndsWith("&rtyp=o"));
-  EXPECT_THAT(address("application%2Fzip"), testing::EndsWith("&rtyp=z"));
-  const std::string other = Get(address("model/other")).get_header_value("Content-Type");
-  EXPECT_EQ(other, "model/other");
-  EXPECT_EQ(Get(address("")).get_header_value("Content-Type"), "application/octet-stream");
+  for (const auto& [type, rtyp, served] :
+       {std::tuple(kQmf, "s", kQmf),
+        {"application/vnd.pellamy.kmz", "k2", "application/vnd.pellamy.kmz"},
+        {"application/zip", "z", "application/zip"},
+        {"application%2Fzip", "z", "application/zip"},
+        {"model/other", "o", "model/other"},
+        {"", "o", "application/octet-stream"}}) {
+    const std::string url = Upload(FormOf("Typed", "x", type)).at("download_url");
+    EXPECT_THAT(url, testing::EndsWith(std::string("&rtyp=") + rtyp)) << type;
+    EXPECT_EQ(Get(url).get_header_value("Content-Type"), served) << type;
+  }
 }
 
 TEST_F(UploadTest, DecodesEscapesFromTheAddress) {
@@ -195,10 +176,9 @@ TEST_F(UploadTest, RefusesBodyThatIsNoForm) {
        "multipart/form-data; boundary=b"},
       {"--b--\r\n", "multipart/form-data"}};
   for (const auto& [body, type] : bodies) {
-    const httplib::Result result = client_.Post("/upload", body, type);
-    ASSERT_TRUE(result) << type;
-    EXPECT_EQ(result->status, 400) << type << '\n' << body;
-    EXPECT_TRUE(json::parse(result->body).contains("error"));
+    SCOPED_TRACE(type + '\n' + body);
+    const httplib::Response response = ResponseOf(client_.Post("/upload", body, type), 400);
+    EXPECT_TRUE(json::parse(response.body).contains("error"));
   }
 }
 
@@ -212,24 +192,20 @@ TEST_F(UploadTest, ReadsFormAsClientsWriteIt) {
       "Content-Type: application/vnd.brevix.qmf\r\n\r\n" + bytes + "\r\n" + line +
       "\"task\"\r\n\r\ncreate\r\n" + line + "\"priority\"\r\n\r\n1\r\n" + "--" + boundary +
       "--\r\n";
-  const httplib::Result result =
-      client_.Post("/upload", body, "multipart/form-data; boundary=" + boundary);
-  ASSERT_TRUE(result);
-  ASSERT_EQ(result->status, 201) << result->body;
-  EXPECT_EQ(DownloadOf(json::parse(result->body)).body, bytes);
+  const httplib::Response response =
+      ResponseOf(client_.Post("/upload", body, "multipart/form-data; boundary=" + boundary), 201);
+  EXPECT_EQ(DownloadOf(json::parse(response.body)).body, bytes);
   const XmlElement feed = GetFeed("/search?q=stool");
   ASSERT_THAT(Titles(feed), ElementsAre("High Stool"));
-  EXPECT_EQ(Entries(feed)[0]->Child(kAtom + std::string("summary")).text,
-            "Uploaded as 木の椅子.qmf.");
+  EXPECT_EQ(Entries(feed)[0]->Child(Atom("summary")).text, "Uploaded as 木の椅子.qmf.");
 }
 
 TEST_F(UploadTest, ResultPagesSayWhatHappened) {
   Upload(FormOf("New <Chair>", "x"));
   const XmlElement succeeded = GetPage("/upload-succeeded?mid=m-1101");
-  const auto links = succeeded.Child("body").Child("main").Descendants("a");
-  ASSERT_EQ(links.size(), 1u);
-  EXPECT_EQ(links[0]->text, "New <Chair>");
-  GetPage(links[0]->Attribute("href"));
+  const XmlElement& link = succeeded.Child("body").Child("main").Descendant("a");
+  EXPECT_EQ(link.text, "New <Chair>");
+  GetPage(link.Attribute("href"));
   GetPage("/upload-succeeded");
   GetError("/upload-succeeded?mid=m-9999", 404);
   EXPECT_THAT(Get("/upload-failed?reason=no+%3Croom%3E").body, HasSubstr("no &lt;room&gt;"));
@@ -237,10 +213,9 @@ TEST_F(UploadTest, ResultPagesSayWhatHappened) {
 }
 
 TEST(UploadDatabaseTest, KeepsEveryPart) {
-  std::string folder = testing::TempDir() + "emulator-XXXXXX";
-  ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+  const stowra_test::TemporaryFolder folder;
   EmulatorOptions options;
-  options.database_file = folder + "/services.db";
+  options.database_file = (folder.path() / "services.db").string();
   {
     const Emulator emulator(options);
     MultipartFormDataItems form = With(FormOf("Kept", std::string("a\0b", 3)), "task", "up%20date");
@@ -261,10 +236,8 @@ TEST(UploadDatabaseTest, KeepsEveryPart) {
     EXPECT_FALSE(row.Step());
   }
   const Emulator again(options);
-  const httplib::Result file = httplib::Client(again.url()).Get("/download?mid=m-1101&rtyp=s");
-  ASSERT_TRUE(file);
-  EXPECT_EQ(file->body, std::string("a\0b", 3));
-  std::filesystem::remove_all(folder);
+  const auto file = ResponseOf(httplib::Client(again.url()).Get("/download?mid=m-1101&rtyp=s"));
+  EXPECT_EQ(file.body, std::string("a\0b", 3));
 }
 
 }  // namespace

@@ -30,6 +30,12 @@ void XMLCALL Characters(void* data, const char* text, int length) {
   static_cast<Builder*>(data)->open.back()->text.append(text, static_cast<std::size_t>(length));
 }
 
+const XmlElement& Only(const std::vector<const XmlElement*>& found) {
+  static const XmlElement none;
+  EXPECT_EQ(found.size(), 1u);
+  return found.size() == 1 ? *found[0] : none;
+}
+
 }  // namespace
 
 std::vector<const XmlElement*> XmlElement::Children(const std::string& child) const {
@@ -55,10 +61,13 @@ std::vector<const XmlElement*> XmlElement::Descendants(const std::string& descen
 }
 
 const XmlElement& XmlElement::Child(const std::string& child) const {
-  static const XmlElement none;
-  const std::vector<const XmlElement*> found = Children(child);
-  EXPECT_EQ(found.size(), 1u) << child << " in " << name;
-  return found.size() == 1 ? *found[0] : none;
+  SCOPED_TRACE(child + " in " + name);
+  return Only(Children(child));
+}
+
+const XmlElement& XmlElement::Descendant(const std::string& descendant) const {
+  SCOPED_TRACE(descendant + " in " + name);
+  return Only(Descendants(descendant));
 }
 
 std::string XmlElement::Attribute(const std::string& attribute) const {
@@ -70,7 +79,7 @@ std::string XmlElement::Attribute(const std::string& attribute) const {
 
 std::string XmlElement::Link(const std::string& rel) const {
   std::string href;
-  for (const XmlElement* link : Children(std::string(kAtom) + "link")) {
+  for (const XmlElement* link : Children(Atom("link"))) {
     if (link->Attribute("rel") != rel) continue;
     EXPECT_EQ(href, "") << "several links " << rel;
     href = link->Attribute("href");

@@ -11,10 +11,17 @@
 
 namespace stowra_emulator {
 
-constexpr const char* kAtom = "http://www.w3.org/2005/Atom:";
-constexpr const char* kOpenSearch = "http://a9.com/-/spec/opensearchrss/1.0/:";
-constexpr const char* kMedia = "http://search.yahoo.com/mrss/:";
-constexpr const char* kSchema = "http://schemas.stowra.example/stowra/2008:";
+// Names in the namespaces of a feed.
+inline std::string Atom(const std::string& name) { return "http://www.w3.org/2005/Atom:" + name; }
+inline std::string Media(const std::string& name) {
+  return "http://search.yahoo.com/mrss/:" + name;
+}
+inline std::string OpenSearch(const std::string& name) {
+  return "http://a9.com/-/spec/opensearchrss/1.0/:" + name;
+}
+inline std::string Schema(const std::string& name) {
+  return "http://schemas.stowra.example/stowra/2008:" + name;
+}
 
 struct XmlElement {
   std::string name;  // "namespace:local", or the local name alone.
@@ -29,6 +36,9 @@ struct XmlElement {
 
   // The only child of that name. Fails the current test if there is not exactly one.
   const XmlElement& Child(const std::string& child) const;
+
+  // The only descendant, likewise.
+  const XmlElement& Descendant(const std::string& descendant) const;
 
   // The attribute's value. Fails the current test if it is absent.
   std::string Attribute(const std::string& attribute) const;

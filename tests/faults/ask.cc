@@ -37,6 +37,24 @@ const char* NameOf(TransferError error) {
   return kNames.at(static_cast<std::size_t>(error));
 }
 
+struct Traits {
+  const char* name;
+  bool is_blocking;
+  bool is_upload;
+};
+
+const Traits& TraitsOf(Way way) {
+  static constexpr std::array<Traits, 8> kTraits = {{{"Download", true, false},
+                                                     {"DownloadWithDelegate", false, false},
+                                                     {"DownloadTo", true, false},
+                                                     {"DownloadToWithDelegate", false, false},
+                                                     {"SendAndRead", true, true},
+                                                     {"UploadWithDelegate", false, true},
+                                                     {"UploadFrom", true, true},
+                                                     {"UploadFromWithDelegate", false, true}}};
+  return kTraits.at(static_cast<std::size_t>(way));
+}
+
 // Holds the reason with which the last transfer ended.
 class ReasonListener {
  public:
@@ -60,12 +78,6 @@ class ReasonListener {
 Answer AnswerIn(const InternetData& transport, bool received) {
   if (!received) ExpectFailureState(transport, transport.status_code());
   return {received, transport.status_code(), BodyOf(transport)};
-}
-
-Answer AskByDownload(const std::string& url) {
-  InternetData transport((Text(url)));
-  const bool received = transport.Download();
-  return AnswerIn(transport, received);
 }
 
 Answer AskBySendAndRead(const std::string& url, const std::string& upload) {
@@ -104,79 +116,39 @@ Answer AnswerOf(const TakingSink& sink, Answer answer) {
 Answer AskByDownloadTo(const std::string& url) {
   InternetData transport((Text(url)));
   TakingSink sink;
-  const bool received = transport.DownloadTo(sink);
-  return AnswerOf(sink, AnswerIn(transport, received));
-}
-
-Answer AskByUploadFrom(const std::string& url, const std::string& upload) {
-  InternetData transport((Text(url)));
-  MemorySource source(upload);
-  const bool received = transport.UploadFrom(source);
-  return AnswerIn(transport, received);
+  return AnswerOf(sink, AnswerIn(transport, transport.DownloadTo(sink)));
 }
 
 bool Start(Way way, const std::string& upload, const std::shared_ptr<TakingSink>& sink,
            Background& background) {
   InternetData& transport = *background.transport;
   InternetDataDelegate* const delegate = background.delegate.get();
-  switch (way) {
-    case Way::kDownloadToWithDelegate:
-      return transport.DownloadToWithDelegate(sink, delegate, nullptr);
-    case Way::kUploadWithDelegate:
-      return background.StartUpload(upload);
-    case Way::kUploadFromWithDelegate:
-      return transport.UploadFromWithDelegate(std::make_shared<MemorySource>(upload), delegate,
-                                              nullptr);
-    default:
-      return background.Start();
+  if (way == Way::kDownloadToWithDelegate) {
+    return transport.DownloadToWithDelegate(sink, delegate, nullptr);
   }
+  if (way == Way::kUploadFromWithDelegate) {
+    const auto source = std::make_shared<MemorySource>(upload);
+    return transport.UploadFromWithDelegate(source, delegate, nullptr);
+  }
+  return IsUpload(way) ? background.StartUpload(upload) : background.Start();
 }
 
 Answer AskInBackground(Way way, const std::string& url, const std::string& upload) {
   Background background(url);
-  InternetData& transport = *background.transport;
   const auto sink = std::make_shared<TakingSink>();
   EXPECT_TRUE(Start(way, upload, sink, background));
   const std::string posted = background.WaitForEnd();
   EXPECT_TRUE(posted == kReturned || posted == kFailed) << posted;
   EXPECT_EQ(background.recorder.entries().size(), 1U);
-  const Answer answer = AnswerIn(transport, posted == kReturned);
+  const Answer answer = AnswerIn(*background.transport, posted == kReturned);
   return way == Way::kDownloadToWithDelegate ? AnswerOf(*sink, answer) : answer;
 }
 
 }  // namespace
 
-const char* NameOf(Way way) {
-  switch (way) {
-    case Way::kDownload:
-      return "Download";
-    case Way::kDownloadWithDelegate:
-      return "DownloadWithDelegate";
-    case Way::kDownloadTo:
-      return "DownloadTo";
-    case Way::kDownloadToWithDelegate:
-      return "DownloadToWithDelegate";
-    case Way::kSendAndRead:
-      return "SendAndRead";
-    case Way::kUploadWithDelegate:
-      return "UploadWithDelegate";
-    case Way::kUploadFrom:
-      return "UploadFrom";
-    case Way::kUploadFromWithDelegate:
-      return "UploadFromWithDelegate";
-  }
-  return "";
-}
-
-bool IsBlocking(Way way) {
-  return way == Way::kDownload || way == Way::kDownloadTo || way == Way::kSendAndRead ||
-         way == Way::kUploadFrom;
-}
-
-bool IsUpload(Way way) {
-  return way == Way::kSendAndRead || way == Way::kUploadWithDelegate || way == Way::kUploadFrom ||
-         way == Way::kUploadFromWithDelegate;
-}
+const char* NameOf(Way way) { return TraitsOf(way).name; }
+bool IsBlocking(Way way) { return TraitsOf(way).is_blocking; }
+bool IsUpload(Way way) { return TraitsOf(way).is_upload; }
 
 std::string TextOf(const Answer& answer) {
   if (!answer.received) {
@@ -189,18 +161,13 @@ std::string TextOf(const Answer& answer) {
 void PrintTo(const Answer& answer, std::ostream* out) { *out << TextOf(answer); }
 
 Answer Ask(Way way, const std::string& url, const std::string& upload) {
-  switch (way) {
-    case Way::kDownload:
-      return AskByDownload(url);
-    case Way::kDownloadTo:
-      return AskByDownloadTo(url);
-    case Way::kSendAndRead:
-      return AskBySendAndRead(url, upload);
-    case Way::kUploadFrom:
-      return AskByUploadFrom(url, upload);
-    default:
-      return AskInBackground(way, url, upload);
-  }
+  if (!IsBlocking(way)) return AskInBackground(way, url, upload);
+  if (way == Way::kDownloadTo) return AskByDownloadTo(url);
+  if (way == Way::kSendAndRead) return AskBySendAndRead(url, upload);
+  InternetData transport((Text(url)));
+  if (way == Way::kDownload) return AnswerIn(transport, transport.Download());
+  MemorySource source(upload);
+  return AnswerIn(transport, transport.UploadFrom(source));
 }
 
 Answer AskForReason(Way way, const std::string& url, const std::string& upload) {

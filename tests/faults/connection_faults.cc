@@ -2,15 +2,15 @@
 // Connections that fail, break or fall silent.
 
 #include <arpa/inet.h>
+#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <condition_variable>
 #include <mutex>
-#include <stdexcept>
 
 #include "tests/faults/fault.h"
+#include "tests/support/child_process.h"
 #include "tests/support/full_listener.h"
 
 namespace stowra_test {
@@ -25,27 +25,21 @@ constexpr std::chrono::milliseconds kPause(50);  // before each byte of a drip
 // A bound port without a listener.
 class ClosedPort {
  public:
-  ClosedPort() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+  ClosedPort() {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof(address);
     auto* const any_address = reinterpret_cast<sockaddr*>(&address);
-    if (bind(socket_, any_address, length) != 0 ||
-        getsockname(socket_, any_address, &length) != 0) {
-      throw std::runtime_error("cannot take a port");
-    }
+    EXPECT_EQ(bind(socket_.number(), any_address, length), 0);
+    EXPECT_EQ(getsockname(socket_.number(), any_address, &length), 0);
     port_ = ntohs(address.sin_port);
   }
-  ~ClosedPort() { close(socket_); }
-
-  ClosedPort(const ClosedPort&) = delete;
-  ClosedPort& operator=(const ClosedPort&) = delete;
 
   std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
 
  private:
-  const int socket_;
+  const OwnedDescriptor socket_{socket(AF_INET, SOCK_STREAM, 0)};
   int port_ = 0;
 };
 
@@ -53,39 +47,34 @@ std::function<void(Stage&)> Serve(RawServer::Handler handler) {
   return [handler](Stage& stage) { stage.AddServer(GoodOr(handler)); };
 }
 
-RawServer::Handler SayThenReset(std::string bytes) {
-  return [bytes](const RawRequest&, RawConnection& connection) {
+// Says `bytes`, then does what `ends` says.
+RawServer::Handler SayThen(void (RawConnection::*ends)(), std::string bytes) {
+  return [ends, bytes](const RawRequest&, RawConnection& connection) {
     connection.Write(bytes);
-    connection.Reset();
-  };
-}
-
-RawServer::Handler SayThenStall(std::string bytes) {
-  return [bytes](const RawRequest&, RawConnection& connection) {
-    connection.Write(bytes);
-    connection.Stall();
+    (connection.*ends)();
   };
 }
 
 Fault Reset(const char* name, const char* bytes, int status) {
-  Fault fault = {name, Serve(SayThenReset(bytes)), Failed(status, TransferError::kCutOff)};
-  fault.ways = EveryWay();
+  Fault fault = {name, Serve(SayThen(&RawConnection::Reset, bytes)),
+                 Failed(status, TransferError::kCutOff), EveryWay()};
   fault.may_lose_status = true;
   return fault;
 }
 
 Fault NotLetIn(const char* name, std::function<void(Stage&)> set) {
-  Fault fault = {name, std::move(set), Failed(0, TransferError::kNotConnected)};
-  fault.ways = EveryWay();
-  return fault;
+  return {name, std::move(set), Failed(0, TransferError::kNotConnected), EveryWay()};
 }
 
 Fault Silent(const char* name, std::function<void(Stage&)> set, int status) {
-  Fault fault = {name, std::move(set), Failed(status, TransferError::kSilent)};
+  Fault fault = {name, std::move(set), Failed(status, TransferError::kSilent), EveryWay()};
   fault.end = End::kAt;
-  fault.ways = EveryWay();
   fault.runs = 1;
   return fault;
+}
+
+Fault Stalls(const char* name, const char* bytes) {
+  return Silent(name, Serve(SayThen(&RawConnection::Stall, bytes)), 200);
 }
 
 Fault OnUsedConnection(Fault fault) {
@@ -95,17 +84,13 @@ Fault OnUsedConnection(Fault fault) {
 
 // The server has closed only its own direction before the next request.
 Fault HalfClosedBetween() {
-  Fault fault = {"HalfClosedBetweenTwo",
-                 [](Stage& stage) {
-                   stage.AddServer([](const RawRequest& request, RawConnection& connection) {
-                     connection.Write(Response(200, kGoodBody));
-                     if (request.target == kGoodTarget) connection.Close();
-                   });
-                 },
-                 Received(200, kGoodBody)};
-  fault.ways = EveryWay();
-  fault.kept_connections = 1;
-  return OnUsedConnection(fault);
+  const auto set = [](Stage& stage) {
+    stage.AddServer([](const RawRequest& request, RawConnection& connection) {
+      connection.Write(Response(200, kGoodBody));
+      if (request.target == kGoodTarget) connection.Close();
+    });
+  };
+  return OnUsedConnection({"HalfClosedBetweenTwo", set, Received(200, kGoodBody), EveryWay(), 1});
 }
 
 Fault Drip() {
@@ -113,9 +98,8 @@ Fault Drip() {
                    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n");
                    connection.Drip(std::string(20, 'x'), kPause);
                  }),
-                 Received(200, std::string(20, 'x'))};
+                 Received(200, std::string(20, 'x')), Downloads(), 1};
   fault.end = End::kAfter;
-  fault.kept_connections = 1;
   fault.runs = 1;
   return fault;
 }
@@ -169,10 +153,7 @@ Fault UnaskedBytes() {
       has_written->Open();
     });
   };
-  Fault fault = {"UnaskedBytes", set, Received(200, kGoodBody)};
-  fault.ways = EveryWay();
-  fault.kept_connections = 1;
-  return OnUsedConnection(fault);
+  return OnUsedConnection({"UnaskedBytes", set, Received(200, kGoodBody), EveryWay(), 1});
 }
 
 // Answers after the headers of an upload. The upload is larger than all buffers on the way, and its
@@ -194,8 +175,7 @@ void AnswerEarly(int status, const std::string& body, Stage& stage) {
 
 Fault AnsweredEarly(const char* name, int status, const char* body) {
   Fault fault = {name, [status, body](Stage& stage) { AnswerEarly(status, body, stage); },
-                 Received(status, body)};
-  fault.ways = Uploads();
+                 Received(status, body), Uploads()};
   fault.upload_size = kLargeBody;
   fault.runs = 5;
   return fault;
@@ -213,8 +193,8 @@ std::vector<Fault> ConnectionFaults() {
   return {NotLetIn("Refused", set_closed),
           Silent("NotAccepted", set_full, 0),
           Silent("NoAnswer", Serve(Silence()), 0),
-          Silent("StallInsideHeaders", Serve(SayThenStall(kPartOfHead)), 200),
-          Silent("StallInsideBody", Serve(SayThenStall(kPartOfBody)), 200),
+          Stalls("StallInsideHeaders", kPartOfHead),
+          Stalls("StallInsideBody", kPartOfBody),
           Reset("ResetBeforeHeaders", "", 0),
           Reset("ResetInsideHeaders", kPartOfHead, 200),
           Reset("ResetAfterHeaders", kHead, 200),

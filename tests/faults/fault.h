@@ -71,21 +71,27 @@ enum class End {
   kAfter,   // long after the timeout, because there is progress
 };
 
+// The blocking and background downloads, all calls, and those that send a body.
+std::vector<Way> Downloads();
+std::vector<Way> EveryWay();
+std::vector<Way> Uploads();
+
 struct Fault {
-  Fault(const char* its_name, std::function<void(Stage& stage)> its_set, Answer its_answer);
+  Fault(const char* its_name, std::function<void(Stage& stage)> its_set, Answer its_answer,
+        std::vector<Way> its_ways = Downloads(), int its_kept_connections = 0);
 
   const char* name;
   std::function<void(Stage& stage)> set;
   Answer answer;
+  std::vector<Way> ways;
+
+  // The number of connections that the transfer leaves open.
+  int kept_connections;
 
   End end = End::kBefore;
-  std::vector<Way> ways = {Way::kDownload, Way::kDownloadWithDelegate, Way::kDownloadTo};
 
   // A transfer of kGoodTarget goes first, by the same call, and leaves its connection open.
   bool on_used_connection = false;
-
-  // The number of connections that the transfer leaves open.
-  int kept_connections = 0;
 
   // A reset may overtake the bytes before it. The status is 0 then.
   bool may_lose_status = false;
@@ -94,10 +100,6 @@ struct Fault {
 
   int runs = kRuns;
 };
-
-// All calls, and those that send a body.
-std::vector<Way> EveryWay();
-std::vector<Way> Uploads();
 
 // A handler that answers kGoodTarget as usual and anything else with `bytes`. It closes after
 // `bytes`.

@@ -60,8 +60,8 @@ class Program final : public ::testing::Environment {
 
 ::testing::Environment* const program = ::testing::AddGlobalTestEnvironment(new Program);
 
-}  // namespace
-
+// What the process holds now. Memory of the servers' threads is left out, but not their
+// descriptors.
 Holdings CurrentHoldings() {
   Holdings holdings;
 #ifdef STOWRA_COUNTS_MEMORY
@@ -73,7 +73,7 @@ Holdings CurrentHoldings() {
   return holdings;
 }
 
-void Record(FaultRow row) { Rows().push_back(std::move(row)); }
+}  // namespace
 
 void ExpectNothingIsLeft(FaultRow row, int warm_up_runs, const std::function<void(FaultRow&)>& run,
                          const std::function<void()>& settle) {
@@ -90,7 +90,7 @@ void ExpectNothingIsLeft(FaultRow row, int warm_up_runs, const std::function<voi
   EXPECT_LE(row.after.blocks, row.before.blocks + kKeptBlocks);
   EXPECT_LE(row.after.bytes, row.before.bytes + kKeptBytes);
   EXPECT_LE(row.after.descriptors, row.before.descriptors);
-  Record(std::move(row));
+  Rows().push_back(std::move(row));
 }
 
 }  // namespace stowra_test

@@ -17,10 +17,6 @@ struct Holdings {
   int descriptors = 0;
 };
 
-// What the process holds now. Memory of the servers' threads is left out, but not their
-// descriptors.
-Holdings CurrentHoldings();
-
 // Many more than the blocks that the pool of connections may keep, so that a leak shows.
 inline constexpr int kRuns = 100;
 
@@ -34,11 +30,8 @@ struct FaultRow {
   Holdings after;
 };
 
-// Adds a row to the table.
-void Record(FaultRow row);
-
 // Runs `run` to warm up, then row.runs times. Fills in the row's holdings, expects that they have
-// not grown, and records the row.
+// not grown, and adds the row to the table.
 //
 // `run` returns after everything that it started has ended. `settle` makes a transfer that
 // succeeds. libcurl then closes the connections that ended.

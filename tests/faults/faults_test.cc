@@ -11,7 +11,6 @@
 #include <chrono>
 #include <ostream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/faults/ask.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Replies that break the rules of HTTP or of their encoding, and many that do not.
+// Replies that break the rules of HTTP or of their encoding, and many that do not. Redirects in a
+// circle, to schemes that are not allowed and to a long URL.
 
 #include <utility>
 
@@ -45,13 +46,9 @@ Fault RefusedGzip(const char* name, const std::string& gzip) {
 
 // The HTTP framing is intact, so the connection stays open.
 Fault CutGzip(const char* name, const std::string& gzip, std::size_t length) {
-  Fault fault = {name,
-                 [response = Response(200, gzip.substr(0, length), kGzipHeader)](Stage& stage) {
-                   stage.AddServer(Always(response));
-                 },
-                 Failed(200, TransferError::kCutOff)};
-  fault.kept_connections = 1;
-  return fault;
+  const std::string response = Response(200, gzip.substr(0, length), kGzipHeader);
+  return {name, [response](Stage& stage) { stage.AddServer(Always(response)); },
+          Failed(200, TransferError::kCutOff), Downloads(), 1};
 }
 
 Fault LargeHead(const char* name, std::size_t line_length, std::size_t lines) {
@@ -86,26 +83,46 @@ std::string Corrupt(std::string gzip) {
 
 // Small on the wire, and 64 times the cap when decoded.
 Fault GzipBomb() {
-  Fault fault = {"GzipBomb",
-                 [](Stage& stage) {
-                   stage.defaults().body_cap = kMegabyte;
-                   static const std::string bomb = Gzip(std::string(64 * kMegabyte, '\0'));
-                   stage.AddServer(SayThenClose(Response(200, bomb, kGzipHeader)));
-                 },
-                 Failed(200, TransferError::kTooLarge)};
-  return fault;
+  const auto set = [](Stage& stage) {
+    stage.defaults().body_cap = kMegabyte;
+    static const std::string bomb = Gzip(std::string(64 * kMegabyte, '\0'));
+    stage.AddServer(SayThenClose(Response(200, bomb, kGzipHeader)));
+  };
+  return {"GzipBomb", set, Failed(200, TransferError::kTooLarge)};
 }
 
 Fault EmptyBodies(const char* name, std::vector<Way> ways, int runs) {
   Fault fault = {name, [](Stage& stage) { stage.AddServer(Always(Response(200, ""))); },
-                 Received(200, "")};
-  fault.ways = std::move(ways);
-  fault.kept_connections = 1;
+                 Received(200, ""), std::move(ways), 1};
   fault.runs = runs;
   return fault;
 }
 
+std::string Redirect(const std::string& location) {
+  return Response(302, "moved", "Location: " + location + "\r\n");
+}
+
+Fault RedirectedTo(const char* name, const char* location, TransferError error) {
+  return {name, [location](Stage& stage) { stage.AddServer(Always(Redirect(location))); },
+          Failed(302, error), Downloads(), 1};
+}
+
+// libcurl takes no header line as long as this.
+Fault LongLocation() {
+  const std::string location = '/' + std::string(250'000, 'x');
+  return {"LongLocation",
+          [location](Stage& stage) { stage.AddServer(SayThenClose(Redirect(location))); },
+          Failed(302, TransferError::kTooLarge)};
+}
+
 }  // namespace
+
+std::vector<Fault> RedirectFaults() {
+  return {RedirectedTo("RedirectLoop", "/", TransferError::kTooManyRedirects),
+          RedirectedTo("RedirectToFile", "file:///etc/passwd", TransferError::kForbiddenRedirect),
+          RedirectedTo("RedirectToFtp", "ftp://127.0.0.1/", TransferError::kForbiddenRedirect),
+          LongLocation()};
+}
 
 std::vector<Fault> ReplyFaults() {
   const std::string gzip = Gzip("hello world, hello world");

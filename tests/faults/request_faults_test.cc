@@ -26,7 +26,7 @@ using ovrant::webservices::UpdateQuery;
 constexpr int kWarmUpRuns = 10;
 
 void ExpectNothingIsLeftBy(const char* fault, const char* way, const char* answer,
-                           const std::function<void()>& run, const std::function<void()>& settle) {
+                           const std::function<void()>& run) {
   FaultRow row;
   row.fault = fault;
   row.way = way;
@@ -38,7 +38,7 @@ void ExpectNothingIsLeftBy(const char* fault, const char* way, const char* answe
     current.longest = std::max<decltype(current.longest)>(current.longest,
                                                           std::chrono::steady_clock::now() - begin);
   };
-  ExpectNothingIsLeft(row, kWarmUpRuns, timed_run, settle);
+  ExpectNothingIsLeft(row, kWarmUpRuns, timed_run, [] {});
 }
 
 RawServer::Options WithoutRecords() {
@@ -69,11 +69,9 @@ class RequestFaultTest : public TransportTest {
       EXPECT_EQ(recorder.names(),
                 std::vector<std::string>{UpdateQuery::kUpdateQueryFailedNotification});
     };
-    const auto settle = [] {};
-    ExpectNothingIsLeftBy(
-        fault, "SynchronousRequest", "failed, 1 notification", [&ask] { ask(false); }, settle);
-    ExpectNothingIsLeftBy(
-        fault, "AsynchronousRequest", "failed, 1 notification", [&ask] { ask(true); }, settle);
+    constexpr char kAnswer[] = "failed, 1 notification";
+    ExpectNothingIsLeftBy(fault, "SynchronousRequest", kAnswer, [&ask] { ask(false); });
+    ExpectNothingIsLeftBy(fault, "AsynchronousRequest", kAnswer, [&ask] { ask(true); });
   }
 };
 
@@ -109,7 +107,7 @@ class DeletedTransferTest : public TransportTest {
       EXPECT_TRUE(background.recorder.entries().empty());
       ASSERT_TRUE(server.WaitUntilUnused());
     };
-    ExpectNothingIsLeftBy(fault, "DownloadWithDelegate", "deleted, nothing posted", run, [] {});
+    ExpectNothingIsLeftBy(fault, "DownloadWithDelegate", "deleted, nothing posted", run);
   }
 };
 

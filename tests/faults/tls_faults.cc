@@ -33,61 +33,49 @@ void AddServer(const Issue& issue, RawServer::Handler handler, Stage& stage) {
 }
 
 Fault Untrusted(const char* name, const Issue& issue) {
-  Fault fault = {name,
-                 [issue](Stage& stage) { AddServer(issue, Always(Response(200, "")), stage); },
-                 Failed(0, TransferError::kTls)};
-  fault.ways = EveryWay();
-  return fault;
+  return {name, [issue](Stage& stage) { AddServer(issue, Always(Response(200, "")), stage); },
+          Failed(0, TransferError::kTls), EveryWay()};
 }
 
 // The connection closes in order, but without close_notify. Anyone on the path may have cut it.
 Fault Cut(const char* name, const char* bytes) {
-  Fault fault = {name,
-                 [bytes](Stage& stage) {
-                   const auto say = [bytes](const RawRequest&, RawConnection& connection) {
-                     connection.Write(bytes);
-                     connection.Cut();
-                   };
-                   AddServer(IssueGood, say, stage);
-                 },
-                 Failed(200, TransferError::kCutOff)};
-  return fault;
+  const auto say = [bytes](const RawRequest&, RawConnection& connection) {
+    connection.Write(bytes);
+    connection.Cut();
+  };
+  return {name, [say](Stage& stage) { AddServer(IssueGood, say, stage); },
+          Failed(200, TransferError::kCutOff)};
 }
 
 Fault Downgrade() {
-  Fault fault = {"RedirectFromHttpsToHttp",
-                 [](Stage& stage) {
-                   const RawServer& plain = stage.AddServer(Always(Response(200, "plain")));
-                   const std::string location = "Location: " + plain.Url() + "\r\n";
-                   stage.set_after([&plain] { EXPECT_EQ(plain.connections(), 0); });
-                   AddServer(IssueGood, Always(Response(302, "moved", location)), stage);
-                 },
-                 Failed(302, TransferError::kForbiddenRedirect)};
-  fault.ways = EveryWay();
-  fault.kept_connections = 1;
-  return fault;
+  const auto set = [](Stage& stage) {
+    const RawServer& plain = stage.AddServer(Always(Response(200, "plain")));
+    const std::string location = "Location: " + plain.Url() + "\r\n";
+    stage.set_after([&plain] { EXPECT_EQ(plain.connections(), 0); });
+    AddServer(IssueGood, Always(Response(302, "moved", location)), stage);
+  };
+  return {"RedirectFromHttpsToHttp", set, Failed(302, TransferError::kForbiddenRedirect),
+          EveryWay(), 1};
 }
 
 }  // namespace
 
 std::vector<Fault> TlsFaults() {
-  return {
-      Untrusted("CertificateExpired",
-                [](const CertificateAuthority& authority) {
-                  return authority.IssueExpired(kLocalNames);
-                }),
-      Untrusted("CertificateOfUnknownAuthority",
-                [](const CertificateAuthority&) {
-                  return CertificateAuthority("stranger").Issue(kLocalNames);
-                }),
-      Untrusted("CertificateOfAnotherHost",
-                [](const CertificateAuthority& authority) {
-                  return authority.Issue("DNS:other.example,IP:127.0.0.2");
-                }),
-      Cut("TlsCutInsideBodyWithLength", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"),
-      Cut("TlsCutInsideBody", "HTTP/1.1 200 OK\r\n\r\nhalf of it"),
-      Downgrade(),
+  const auto expired = [](const CertificateAuthority& authority) {
+    return authority.IssueExpired(kLocalNames);
   };
+  const auto unknown = [](const CertificateAuthority&) {
+    return CertificateAuthority("stranger").Issue(kLocalNames);
+  };
+  const auto other = [](const CertificateAuthority& authority) {
+    return authority.Issue("DNS:other.example,IP:127.0.0.2");
+  };
+  return {Untrusted("CertificateExpired", expired),
+          Untrusted("CertificateOfUnknownAuthority", unknown),
+          Untrusted("CertificateOfAnotherHost", other),
+          Cut("TlsCutInsideBodyWithLength", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"),
+          Cut("TlsCutInsideBody", "HTTP/1.1 200 OK\r\n\r\nhalf of it"),
+          Downgrade()};
 }
 
 }  // namespace stowra_test

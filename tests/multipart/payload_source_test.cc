@@ -9,7 +9,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <random>
@@ -28,12 +27,6 @@ namespace {
 using ovrant::internet::BodySource;
 using ovrant::internet::InternetData;
 using ovrant::stowraapiclient::multipartupload::MakePayloadSource;
-
-// The environment variable STOWRA_MULTIPART_BODIES asks for more.
-std::uint32_t CountBodies() {
-  const char* const count = std::getenv("STOWRA_MULTIPART_BODIES");
-  return count == nullptr ? 2000 : static_cast<std::uint32_t>(std::stoul(count));
-}
 
 class PayloadSourceTest : public testing::Test {
  protected:
@@ -67,7 +60,7 @@ std::string ReadAll(BodySource& source, std::size_t most, std::mt19937& random) 
 
 TEST_F(PayloadSourceTest, EqualsTheBodyOfSetupPayload) {
   std::mt19937 random(5);
-  const std::uint32_t bodies = CountBodies();
+  const std::uint32_t bodies = CountBodies(2000);
   for (std::uint32_t number = 0; number < bodies && !HasFailure(); ++number) {
     SCOPED_TRACE("upload " + std::to_string(number));
     const RandomUpload upload = MakeRandomUpload(number);

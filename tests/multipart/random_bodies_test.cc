@@ -3,17 +3,18 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <httplib.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
-#include "tests/multipart/http_reader.h"
 #include "tests/multipart/node_reader.h"
 #include "tests/multipart/part.h"
 #include "tests/multipart/random_upload.h"
@@ -25,13 +26,62 @@ using ovrant::internet::InternetData;
 using ovrant::utils::ovrant_ustring;
 using testing::ElementsAreArray;
 
-// The environment variable STOWRA_MULTIPART_BODIES asks for more.
-std::uint32_t CountBodies() {
-  const char* const count = std::getenv("STOWRA_MULTIPART_BODIES");
-  return count == nullptr ? 5000 : static_cast<std::uint32_t>(std::stoul(count));
+constexpr std::uint32_t kThreads = 2;
+
+void AnswerWithParts(const httplib::Request& request, httplib::Response& response,
+                     const httplib::ContentReader& read_content) {
+  if (!request.is_multipart_form_data()) {
+    response.status = 400;
+    return;
+  }
+  Reading reading;
+  const bool is_read = read_content(
+      [&reading](const httplib::MultipartFormData& header) {
+        Part part;
+        part.name = header.name;
+        part.file_name = header.filename;
+        part.type = header.content_type;
+        reading.parts.push_back(part);
+        return true;
+      },
+      [&reading](const char* data, std::size_t length) {
+        reading.parts.back().content.append(data, length);
+        return true;
+      });
+  if (!is_read) return;  // the server has set the status
+  response.set_content(Encode(reading), "application/octet-stream");
 }
 
-constexpr std::uint32_t kThreads = 2;
+// A server that parses multipart bodies with cpp-httplib. Listens on 127.0.0.1. Answers a POST with
+// the parts of its body in order, encoded as in part.h. A status other than 200 means that it could
+// not read the body.
+class HttpReader {
+ public:
+  HttpReader() {
+    server_.set_keep_alive_max_count(std::numeric_limits<std::size_t>::max());
+    server_.set_tcp_nodelay(true);
+    server_.Post("/upload", AnswerWithParts);
+    server_.Get("/ready", [](const httplib::Request&, httplib::Response&) {});
+    port_ = server_.bind_to_any_port("127.0.0.1");
+    EXPECT_GT(port_, 0);
+    thread_ = std::thread([this] { server_.listen_after_bind(); });
+    // The server must be running before stop() works.
+    EXPECT_TRUE(httplib::Client("127.0.0.1", port_).Get("/ready"));
+  }
+  ~HttpReader() {
+    server_.stop();
+    thread_.join();
+  }
+  HttpReader(const HttpReader&) = delete;
+  HttpReader& operator=(const HttpReader&) = delete;
+
+  std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/upload"; }
+
+ private:
+  httplib::Server server_;
+  int port_;
+  std::thread thread_;
+};
 
 // The parts as cpp-httplib reports them. It leaves out the whole Content-Disposition. It reports an
 // absent file name or type as empty.
@@ -60,7 +110,7 @@ std::vector<Part> PostTo(const std::string& url, BuiltUpload upload) {
 }
 
 TEST(RandomBodiesTest, HttplibReadsBackUploadedParts) {
-  const std::uint32_t bodies = CountBodies();
+  const std::uint32_t bodies = CountBodies(5000);
   HttpReader reader;
   std::atomic<std::uint32_t> next{0};
   std::vector<std::thread> threads;
@@ -80,7 +130,7 @@ TEST(RandomBodiesTest, HttplibReadsBackUploadedParts) {
 
 TEST(RandomBodiesTest, MultipartyReadsBackBuiltParts) {
   SKIP_WITHOUT_NODE();
-  const std::uint32_t bodies = CountBodies();
+  const std::uint32_t bodies = CountBodies(5000);
   NodeReader reader;
   std::uint32_t rewritten = 0;
   for (std::uint32_t number = 0; number < bodies && !HasFailure(); ++number) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <optional>
 #include <random>
 #include <sstream>
@@ -11,6 +12,7 @@
 #include <utility>
 
 #include "common_stowraapi/content/multipart_upload.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -22,10 +24,6 @@ constexpr std::string_view kSyntax = ";=%&#\\:-'()<>@,/[]?{}*+~ \t.";
 constexpr std::array<std::string_view, 10> kTellingTexts = {
     "%22",   "%0D%0A",       "&#8364;", "; filename=x", "filename*=UTF-8''x",
     "name=", "C:\\models\\", "\\",      "--",           "=?UTF-8?B?eA==?="};
-
-ovrant_ustring FromUtf8(const std::string& text) {
-  return ovrant_ustring(text.data(), static_cast<unsigned long>(text.size()));
-}
 
 void AppendUtf8(std::uint32_t code, std::string& text) {
   const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
@@ -52,8 +50,8 @@ class UploadMaker {
 
   RandomUpload Make() {
     MakeBoundary();
-    const std::string subject = Text("");
-    upload_.subject_id = FromUtf8(subject);
+    const std::string subject = RandomText("");
+    upload_.subject_id = Text(subject);
     upload_.file.zipped_ = OneIn(2);
     const std::string file_name = FillPaths();
     const Query query = FillUrl();
@@ -130,7 +128,7 @@ class UploadMaker {
   }
 
   // A text for a name or a value, without the characters in `excluded`.
-  std::string Text(std::string_view excluded) {
+  std::string RandomText(std::string_view excluded) {
     std::string text;
     for (std::size_t left = TextLength(); left > 0; --left) {
       if (OneIn(40)) {
@@ -151,25 +149,22 @@ class UploadMaker {
 
   // Sets both paths. Returns the file name that the body must contain.
   std::string FillPaths() {
-    const std::string name = Text("/");
+    const std::string name = RandomText("/");
     std::string folder;
     if (OneIn(2)) folder = "/";
-    if (OneIn(2)) folder += Text("") + "/";
+    if (OneIn(2)) folder += RandomText("") + "/";
     ovrant_ustring& used =
         upload_.file.zipped_ ? upload_.file.zipped_file_path_ : upload_.file.file_path_;
     ovrant_ustring& unused =
         upload_.file.zipped_ ? upload_.file.file_path_ : upload_.file.zipped_file_path_;
-    used = FromUtf8(folder + name);
-    if (OneIn(2)) unused = FromUtf8(Text(""));
+    used = Text(folder + name);
+    if (OneIn(2)) unused = Text(RandomText(""));
     return name;
   }
 
   std::string Type() {
     if (OneIn(2)) return "application/vnd.brevix.qmf";
-    std::string type = Text("&?");
-    const std::size_t first = type.find_first_not_of(" \t");
-    if (first == std::string::npos) return {};
-    return type.substr(first, type.find_last_not_of(" \t") + 1 - first);
+    return Trimmed(RandomText("&?"));
   }
 
   Query FillUrl() {
@@ -180,10 +175,10 @@ class UploadMaker {
       parameters.push_back(key + value);
       into = std::move(value);
     };
-    add("name=", Text("&?"), query.name);
+    add("name=", RandomText("&?"), query.name);
     add("type=", Type(), query.type);
-    add("task=", Text("&?"), query.task);
-    add("priority=", Text("&?"), query.priority);
+    add("task=", RandomText("&?"), query.task);
+    add("priority=", RandomText("&?"), query.priority);
     AddOtherParameters(parameters);
     std::shuffle(parameters.begin(), parameters.end(), random_);
     // The library uses the first of several parameters with one name.
@@ -194,7 +189,7 @@ class UploadMaker {
 
     std::string url = OneIn(16) ? "" : "http://127.0.0.1/upload?";
     for (std::size_t i = 0; i < parameters.size(); ++i) url += (i == 0 ? "" : "&") + parameters[i];
-    upload_.file.upload_url_ = FromUtf8(url);
+    upload_.file.upload_url_ = Text(url);
     return query;
   }
 
@@ -208,9 +203,9 @@ class UploadMaker {
 
   // Sets members that do not appear in the body.
   void FillUnused() {
-    upload_.file.type_ = FromUtf8(Text(""));
-    upload_.file.name_ = FromUtf8(Text(""));
-    upload_.file.format_ = FromUtf8(Text(""));
+    upload_.file.type_ = Text(RandomText(""));
+    upload_.file.name_ = Text(RandomText(""));
+    upload_.file.format_ = Text(RandomText(""));
     upload_.file.width_ = static_cast<int>(Below(5000));
     upload_.file.height_ = static_cast<int>(Below(5000));
   }
@@ -259,6 +254,11 @@ class UploadMaker {
 };
 
 }  // namespace
+
+std::uint32_t CountBodies(std::uint32_t usual) {
+  const char* const count = std::getenv("STOWRA_MULTIPART_BODIES");
+  return count == nullptr ? usual : static_cast<std::uint32_t>(std::stoul(count));
+}
 
 RandomUpload MakeRandomUpload(std::uint32_t number) { return UploadMaker(number).Make(); }
 

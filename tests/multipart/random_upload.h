@@ -23,6 +23,9 @@ struct RandomUpload {
   std::vector<Part> parts;
 };
 
+// How many uploads a test makes. The environment variable STOWRA_MULTIPART_BODIES asks for more.
+std::uint32_t CountBodies(std::uint32_t usual);
+
 // One number always gives the same upload, except for boundaries that come from the clock. The
 // upload has no text that a body cannot carry. Names and values have no quotation marks and no line
 // ends. The boundary occurs nowhere. A content type has no white space at its ends, because parsers

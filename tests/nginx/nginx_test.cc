@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <map>
-#include <mutex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -16,11 +14,12 @@
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
-#include "tests/nginx/feed_text.h"
+#include "tests/content/feed_text.h"
 #include "tests/nginx/nginx_server.h"
 #include "tests/support/certificates.h"
 #include "tests/support/notification_recorder.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -32,7 +31,6 @@ using ovrant::internet::TransferEvent;
 using ovrant::stowraapiclient::ContentQuery;
 using ovrant::stowraapiclient::UploadConfig;
 using ovrant::stowraapiclient::UploadFile;
-using ovrant::utils::ovrant_ustring;
 using ovrant::utils::StringMap;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -41,7 +39,35 @@ using testing::SizeIs;
 constexpr int kModels = 300;
 constexpr char kEnded[] = "NginxTestEnded";
 
-ovrant_ustring Text(const std::string& utf8) { return utf8.c_str(); }
+std::string ModelTitle(int index) { return "Käse-Stuhl № " + std::to_string(index) + " 🪑"; }
+
+std::string ModelDownload(int index) {
+  return "http://files.example/" + std::to_string(index) + "?rtyp=s8";
+}
+
+// A page of search results.
+std::string FeedText(const std::string& title, int models) {
+  std::string entries;
+  for (int i = 0; i < models; ++i) {
+    entries += Model()
+                   .With("title", "<title>" + ModelTitle(i) + "</title>")
+                   .With("group", Group(Rendition(ModelDownload(i))))
+                   .text();
+  }
+  return Feed()
+      .With("title", "<title>" + title + "</title>")
+      .With("links", Link("next", "http://next.example/", "application/atom+xml"))
+      .With("total", "<o:totalResults>" + std::to_string(models) + "</o:totalResults>")
+      .With("entries", entries)
+      .text();
+}
+
+std::string UploadConfigText(const std::string& upload_url) {
+  return "<?xml version=\"1.0\"?>\n<upload><successUrl>http://pages.example/done</successUrl>"
+         "<failureUrl>http://pages.example/failed</failureUrl><files><file><uploadUrl>" +
+         upload_url +
+         "</uploadUrl><type>model</type><zipped>true</zipped></file></files></upload>\n";
+}
 
 class NginxTest : public testing::Test {
  protected:
@@ -52,9 +78,10 @@ class NginxTest : public testing::Test {
     InternetData::SetDefaults(TransferDefaults());
   }
 
-  void Trust(const CertificateAuthority& authority) const {
+  // Trusts the test's authority.
+  void Trust() const {
     const std::filesystem::path file = folder_.path() / "authority.pem";
-    authority.WriteTo(file);
+    authority_.WriteTo(file);
     TransferDefaults defaults;
     defaults.ca_file = Text(file.string());
     InternetData::SetDefaults(defaults);
@@ -65,9 +92,10 @@ class NginxTest : public testing::Test {
     EXPECT_EQ(query_.total_results_, models);
     EXPECT_EQ(query_.next_url_.utf8(), "http://next.example/");
     ASSERT_THAT(query_.items_, SizeIs(static_cast<std::size_t>(models)));
-    for (int i = 0; i < models; ++i) {
-      EXPECT_EQ(query_.items_[static_cast<std::size_t>(i)]->title_.utf8(), ModelTitle(i));
-      EXPECT_EQ(query_.items_[static_cast<std::size_t>(i)]->download_url_.utf8(), ModelDownload(i));
+    int i = 0;
+    for (const auto& item : query_.items_) {
+      EXPECT_EQ(item->title_.utf8(), ModelTitle(i));
+      EXPECT_EQ(item->download_url_.utf8(), ModelDownload(i++));
     }
   }
 
@@ -84,7 +112,8 @@ class NginxTest : public testing::Test {
 
   // Expects the query to fail because of the certificate, before any request, and to stay
   // unchanged.
-  void ExpectRefused(const Certificate& certificate) {
+  void ExpectRefused(const Certificate& certificate, const char* kind = "of the test") {
+    SCOPED_TRACE(kind);
     query_.title_ = "before";
     std::string error;
     InternetData::SetTransferListener([&error](const TransferEvent& event) {
@@ -98,26 +127,30 @@ class NginxTest : public testing::Test {
     EXPECT_THAT(server.Stop(), IsEmpty());
   }
 
+  Certificate Issue() const { return authority_.Issue("IP:127.0.0.1"); }
+
   ContentQuery query_;
   const TemporaryFolder folder_;
+  const CertificateAuthority authority_{"Ours"};
 };
 
-TEST_F(NginxTest, ReadsPageWithContentLength) {
-  const LoggedRequest request = QueryPage("/plain/feed");
-  EXPECT_EQ(request.content_length, std::to_string(FeedText("chairs", kModels).size()));
-  EXPECT_EQ(request.content_encoding, "-");
-}
-
-TEST_F(NginxTest, ReadsGzippedPage) {
-  const LoggedRequest request = QueryPage("/gzip/feed");
-  EXPECT_EQ(request.content_encoding, "gzip");
-  EXPECT_EQ(request.transfer_encoding, "chunked");
-}
-
-TEST_F(NginxTest, ReadsChunkedPage) {
-  const LoggedRequest request = QueryPage("/chunked/feed");
-  EXPECT_EQ(request.content_encoding, "-");
-  EXPECT_EQ(request.transfer_encoding, "chunked");
+TEST_F(NginxTest, ReadsPageInEveryEncoding) {
+  struct Row {
+    const char* path;
+    std::string length;
+    const char* content;
+    const char* transfer;
+  };
+  const std::string length = std::to_string(FeedText("chairs", kModels).size());
+  for (const Row& row : {Row{"/plain/feed", length, "-", "-"},
+                         {"/gzip/feed", "-", "gzip", "chunked"},
+                         {"/chunked/feed", "-", "-", "chunked"}}) {
+    SCOPED_TRACE(row.path);
+    const LoggedRequest request = QueryPage(row.path);
+    EXPECT_EQ(request.content_length, row.length);
+    EXPECT_EQ(request.content_encoding, row.content);
+    EXPECT_EQ(request.transfer_encoding, row.transfer);
+  }
 }
 
 TEST_F(NginxTest, FollowsRedirect) {
@@ -145,9 +178,8 @@ TEST_F(NginxTest, ReusesOneConnectionForAllPages) {
 }
 
 TEST_F(NginxTest, ReadsPagesOverTls) {
-  const CertificateAuthority authority("Ours");
-  Trust(authority);
-  const Certificate certificate = authority.Issue("IP:127.0.0.1");
+  Trust();
+  const Certificate certificate = Issue();
   NginxServer server(&certificate);
   server.AddFile("feed", FeedText("chairs", kModels));
   for (const char* path : {"/plain/feed", "/gzip/feed", "/chunked/feed", "/moved/feed"}) {
@@ -159,9 +191,8 @@ TEST_F(NginxTest, ReadsPagesOverTls) {
 
 // On a shared connection, one transfer's progress would hide another one's inactivity.
 TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
-  const CertificateAuthority authority("Ours");
-  Trust(authority);
-  const Certificate certificate = authority.Issue("IP:127.0.0.1");
+  Trust();
+  const Certificate certificate = Issue();
   NginxServer server(&certificate);
   server.AddFile("page", std::string(60'000, 'x'));
   InternetData plain(Text(server.Url("/plain/page")));
@@ -183,25 +214,13 @@ TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
   for (const LoggedRequest& request : log) EXPECT_EQ(request.protocol, "HTTP/2.0");
 }
 
-TEST_F(NginxTest, RefusesCertificateForAnotherName) {
-  const CertificateAuthority authority("Ours");
-  Trust(authority);
-  ExpectRefused(authority.Issue("DNS:other.example,IP:127.0.0.2"));
-}
+TEST_F(NginxTest, RefusesTestAuthorityUnlessItIsSet) { ExpectRefused(Issue()); }
 
-TEST_F(NginxTest, RefusesExpiredCertificate) {
-  const CertificateAuthority authority("Ours");
-  Trust(authority);
-  ExpectRefused(authority.IssueExpired("IP:127.0.0.1"));
-}
-
-TEST_F(NginxTest, RefusesCertificateOfUnknownAuthority) {
-  Trust(CertificateAuthority("Ours"));
-  ExpectRefused(CertificateAuthority("Theirs").Issue("IP:127.0.0.1"));
-}
-
-TEST_F(NginxTest, RefusesTestAuthorityUnlessItIsSet) {
-  ExpectRefused(CertificateAuthority("Ours").Issue("IP:127.0.0.1"));
+TEST_F(NginxTest, RefusesOtherCertificates) {
+  Trust();
+  ExpectRefused(authority_.Issue("DNS:other.example,IP:127.0.0.2"), "of another name");
+  ExpectRefused(authority_.IssueExpired("IP:127.0.0.1"), "expired");
+  ExpectRefused(CertificateAuthority("Theirs").Issue("IP:127.0.0.1"), "of an unknown authority");
 }
 
 // Builds a body as a host does, posts it and returns the status.

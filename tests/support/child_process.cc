@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,9 +108,16 @@ void ChildProcess::Signal(int number) const {
 
 int ChildProcess::Wait() {
   int status = 0;
-  while (::waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+  rusage usage = {};
+  while (::wait4(pid_, &status, 0, &usage) < 0 && errno == EINTR) {
   }
   pid_ = -1;
+#ifdef __APPLE__
+  constexpr std::size_t kUnit = 1;
+#else
+  constexpr std::size_t kUnit = 1024;
+#endif
+  peak_memory_ = static_cast<std::size_t>(usage.ru_maxrss) * kUnit;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 

@@ -68,8 +68,12 @@ class ChildProcess {
   // Waits for the end. Returns the exit status, or minus the signal that ended the child.
   int Wait();
 
+  // After Wait: the most memory that the child has used (bytes).
+  std::size_t peak_memory() const { return peak_memory_; }
+
  private:
   pid_t pid_ = -1;
+  std::size_t peak_memory_ = 0;
 };
 
 }  // namespace stowra_test
