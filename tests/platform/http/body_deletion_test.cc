@@ -10,6 +10,7 @@
 
 #include "tests/platform/http/body_fixture.h"
 #include "tests/platform/http/deletion_fixture.h"
+#include "tests/platform/http/handlers.h"
 
 namespace stowra_test {
 namespace {
@@ -30,17 +31,10 @@ class BodyDeletionTest : public DeletionFixture {
     EXPECT_EQ(object.use_count(), 1);
   }
 
-  const RawServer endless_{[](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
-    const std::string piece(1 << 16, 'x');
-    while (connection.Write(piece)) {
-    }
-  }};
+  const RawServer endless_{Endless("HTTP/1.1 200 OK\r\n\r\n")};
 };
 
-INSTANTIATE_TEST_SUITE_P(, BodyDeletionTest,
-                         ::testing::Values(Order::kDelegateFirst, Order::kTransportFirst),
-                         NameOfOrder);
+IN_BOTH_ORDERS(BodyDeletionTest);
 
 TEST_P(BodyDeletionTest, InsideWriteEndsTheDownload) {
   Background background(endless_.Url());

@@ -41,9 +41,7 @@ class DeletionInDeliveryTest : public DeletionFixture {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Orders, DeletionInDeliveryTest,
-                         ::testing::Values(Order::kDelegateFirst, Order::kTransportFirst),
-                         NameOfOrder);
+IN_BOTH_ORDERS(DeletionInDeliveryTest);
 
 TEST_P(DeletionInDeliveryTest, InsideTheNotification) {
   ExpectDeletionInside(hello_.Url(), kReturned);
@@ -130,8 +128,7 @@ TEST_P(DeletionInDeliveryTest, FromTwoThreadsAtTheSameTime) {
     background.transport.reset();
     other.join();
     const std::size_t posted = background.recorder.entries().size();
-    LetWorkerCatchUp();
-    EXPECT_EQ(background.recorder.entries().size(), posted);
+    EXPECT_EQ(background.CountPosts(), posted);
   }
 }
 

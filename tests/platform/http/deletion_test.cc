@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <memory>
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "tests/platform/http/deletion_fixture.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/support/full_listener.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -25,8 +24,7 @@ class DeletionTest : public DeletionFixture {
     const auto begin = Clock::now();
     DeleteBoth(background);
     EXPECT_LT(Clock::now() - begin, kSoon);
-    LetWorkerCatchUp();
-    EXPECT_TRUE(background.recorder.entries().empty());
+    EXPECT_EQ(background.CountPosts(), 0U);
   }
 
   // Deletes one object and then the other right after the start. Expects no post after the first.
@@ -37,15 +35,12 @@ class DeletionTest : public DeletionFixture {
       DeleteFirst(background);
       const std::size_t posted = background.recorder.entries().size();
       DeleteBoth(background);
-      LetWorkerCatchUp();
-      EXPECT_EQ(background.recorder.entries().size(), posted);
+      EXPECT_EQ(background.CountPosts(), posted);
     }
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Orders, DeletionTest,
-                         ::testing::Values(Order::kDelegateFirst, Order::kTransportFirst),
-                         NameOfOrder);
+IN_BOTH_ORDERS(DeletionTest);
 
 TEST_P(DeletionTest, BeforeAnyTransfer) {
   Background background(hello_.Url());
@@ -71,12 +66,10 @@ TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
   ASSERT_TRUE(entered.Wait());
   const RawServer server(Always(Response(200, "hello")));
   NotificationRecorder recorder({kWaiting});
-  auto delegate = MakeDelegate(nullptr, kWaiting, kWaiting);
-  auto transport = std::make_unique<InternetData>(Text(server.Url()));
-  ASSERT_TRUE(transport->DownloadWithDelegate(delegate.get(), nullptr));
-  if (GetParam() == Order::kDelegateFirst) delegate.reset();
-  transport.reset();
-  delegate.reset();
+  Background waiting(server.Url());
+  waiting.delegate = MakeDelegate(nullptr, kWaiting, kWaiting);
+  ASSERT_TRUE(waiting.Start());
+  DeleteBoth(waiting);
   go_on.Set();
   LetWorkerCatchUp();
   EXPECT_TRUE(recorder.entries().empty());
@@ -86,16 +79,13 @@ TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
 TEST_P(DeletionTest, WhileTheServerIsSilent) {
   const RawServer server(Silence());
   Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(server.WaitForRequests(1));
+  StartAt(server, background);
   ExpectQuickDeletion(background);
   EXPECT_TRUE(server.WaitUntilUnused());
 }
 
 TEST_P(DeletionTest, WhileAnUploadIsSent) {
-  const RawServer server(
-      [](const RawRequest&, RawConnection& connection) { connection.StallWithoutReading(); },
-      {nullptr, false, 4096});
+  const RawServer server(AnswerUnread(""), kUnread);
   Background background(server.Url());
   ASSERT_TRUE(background.StartUpload(std::string(kLargeBody, 'x')));
   ASSERT_TRUE(server.WaitForRequests(1));
@@ -123,21 +113,14 @@ TEST_P(DeletionTest, WhileTlsIsNegotiated) {
 TEST_P(DeletionTest, OfOneObjectEndsTheTransfer) {
   const RawServer server(Silence());
   Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(server.WaitForRequests(1));
+  StartAt(server, background);
   DeleteFirst(background);
   EXPECT_TRUE(server.WaitUntilUnused());
-  LetWorkerCatchUp();
-  EXPECT_TRUE(background.recorder.entries().empty());
+  EXPECT_EQ(background.CountPosts(), 0U);
 }
 
 TEST_P(DeletionTest, WhileTheBodyArrives) {
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
-    const std::string piece(1 << 16, 'x');
-    while (connection.Write(piece)) {
-    }
-  });
+  const RawServer server(Endless("HTTP/1.1 200 OK\r\n\r\n"));
   Event progress;
   InternetData::SetTransferListener([&progress](const TransferEvent& event) {
     if (event.kind == TransferEvent::Kind::kProgress) progress.Set();
@@ -147,9 +130,7 @@ TEST_P(DeletionTest, WhileTheBodyArrives) {
   ASSERT_TRUE(progress.Wait());
   DeleteBoth(background);
   EXPECT_TRUE(server.WaitUntilUnused());
-  LetWorkerCatchUp();
-  EXPECT_TRUE(background.recorder.entries().empty());
-  InternetData::SetTransferListener(nullptr);
+  EXPECT_EQ(background.CountPosts(), 0U);
 }
 
 TEST_P(DeletionTest, AfterTheEnd) {
@@ -157,25 +138,20 @@ TEST_P(DeletionTest, AfterTheEnd) {
   ASSERT_TRUE(background.Start());
   EXPECT_EQ(background.WaitForEnd(), kReturned);
   DeleteBoth(background);
-  LetWorkerCatchUp();
-  EXPECT_EQ(background.recorder.entries().size(), 1U);
+  EXPECT_EQ(background.CountPosts(), 1U);
 }
 
 TEST_P(DeletionTest, OfManyStalledTransfersIsQuick) {
-  constexpr std::size_t kCount = 300;
   const RawServer server(Silence());
-  std::vector<std::unique_ptr<Background>> all;
-  for (std::size_t i = 0; i < kCount; ++i) {
-    all.push_back(std::make_unique<Background>(server.Url()));
-    ASSERT_TRUE(all.back()->Start());
-  }
+  std::deque<Background> all;
+  for (int i = 0; i < 300; ++i) ASSERT_TRUE(all.emplace_back(server.Url()).Start());
   ASSERT_TRUE(server.WaitForRequests(1));
   const auto begin = Clock::now();
-  for (const auto& each : all) DeleteBoth(*each);
+  for (Background& each : all) DeleteBoth(each);
   EXPECT_LT(Clock::now() - begin, kSoon);
   EXPECT_TRUE(server.WaitUntilUnused());
   LetWorkerCatchUp();
-  for (const auto& each : all) EXPECT_TRUE(each->recorder.entries().empty());
+  for (Background& each : all) EXPECT_TRUE(each.recorder.entries().empty());
 }
 
 }  // namespace

@@ -39,6 +39,12 @@ constexpr Way kAllWays[] = {
 // agree.
 TransferError ReasonOf(Way way, const std::string& url, const std::string& upload = "data");
 
+// Make a blocking GET, or a POST of `data`, and return the answer with the reason of a failure.
+inline Answer Get(const std::string& url) { return AskForReason(Way::kDownload, url, ""); }
+inline Answer PostTo(const std::string& url, const std::string& data) {
+  return AskForReason(Way::kSendAndRead, url, data);
+}
+
 }  // namespace stowra_test
 
 #endif  // TESTS_PLATFORM_HTTP_END_LISTENER_H_

@@ -36,19 +36,9 @@ Requests old_requests;
 // Never deleted, but still reachable.
 Requests* held_requests = nullptr;
 
-void StartHeldRequests(const std::string& url) {
+int Return(const std::string& url) {
   held_requests = new Requests;
   held_requests->Start(url);
-}
-
-int WaitAndLeave() {
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
-}
-
-int Return(const std::string& url) {
-  StartHeldRequests(url);
   return WaitAndLeave();
 }
 
