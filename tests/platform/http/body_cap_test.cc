@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
 
+#include "common_stowraapi/platform/http/reply_decoder.h"
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/handlers.h"
@@ -15,9 +17,18 @@
 namespace stowra_test {
 namespace {
 
+using ovrant::internet::ReplyDecoder;
+
 constexpr unsigned long kCap = 10'000;
 constexpr unsigned long kMebibyte = 1UL << 20;
 constexpr unsigned long kDefaultCap = 256 * kMebibyte;
+
+std::string Incompressible(std::size_t size) {
+  std::mt19937 random;
+  std::string text(size, '\0');
+  for (char& byte : text) byte = static_cast<char>(random());
+  return text;
+}
 
 // A response whose body is encoded or framed so.
 std::string Plain(const std::string& body) { return Response(200, body); }
@@ -65,9 +76,7 @@ TEST_F(BodyCapTest, AllowsGzipLongerThanItsContent) {
 // gzip stores such a body with a few bytes more.
 TEST_F(BodyCapTest, AllowsIncompressibleGzipAtTheCap) {
   for (const unsigned long cap : {kCap, 4 * kMebibyte}) {
-    std::mt19937 random;
-    std::string body(cap, '\0');
-    for (char& byte : body) byte = static_cast<char>(random());
+    const std::string body = Incompressible(cap);
     const std::string gzip = Gzip(body);
     ASSERT_GT(gzip.size(), cap);
     SetBodyCap(cap);
@@ -167,6 +176,51 @@ TEST_F(BodyCapTest, DefaultsTo256Mebibytes) {
   EXPECT_EQ(transport.received_data_length(), kDefaultCap);
   InternetData beyond(Text(server.Url("/beyond")));
   EXPECT_FALSE(beyond.Download());
+}
+
+// A compressed body may be a little longer than the cap of the body. This is a decoder that has the head of a gzip reply.
+struct GzipReply {
+  explicit GzipReply(std::size_t cap) : decoder(cap, true) {
+    for (const char* line : {"HTTP/1.1 200 OK\r\n", "Content-Encoding: gzip\r\n", "\r\n"}) {
+      EXPECT_TRUE(decoder.AddHeaderLine(line));
+    }
+  }
+
+  std::string Body() {
+    return std::string(reinterpret_cast<const char*>(decoder.body().data()), decoder.body().size());
+  }
+
+  ReplyDecoder decoder;
+};
+
+// A gzip stream of `size` bytes that holds `text`. Most of it is a file name (RFC 1952, 2.3.1).
+std::string GzipWithName(const std::string& text, std::size_t size) {
+  std::string gzip = Gzip(text);
+  gzip[3] = 8;
+  gzip.insert(10, std::string(size - gzip.size() - 1, 'n') + '\0');
+  return gzip;
+}
+
+TEST(GzipAllowance, IsOneIn1024AndAMebibyte) {
+  for (const std::size_t cap : {std::size_t{4096}, std::size_t{16 * kMebibyte}}) {
+    const std::size_t most = cap + cap / 1024 + kMebibyte;
+    GzipReply longest(cap);
+    EXPECT_TRUE(longest.decoder.AddBody(GzipWithName("hello", most))) << cap;
+    EXPECT_EQ(longest.Body(), "hello");
+    GzipReply too_long(cap);
+    EXPECT_FALSE(too_long.decoder.AddBody(GzipWithName("hello", most + 1))) << cap;
+    EXPECT_EQ(too_long.decoder.failure().error, TransferError::kTooLarge);
+  }
+}
+
+// With the allowance, such a cap is larger than any number.
+TEST(GzipAllowance, DoesNotOverflow) {
+  const std::string body = Incompressible(kMebibyte + kMebibyte / 8);
+  for (const std::size_t cap : {SIZE_MAX / 1025 * 1024, SIZE_MAX}) {
+    GzipReply reply(cap);
+    EXPECT_TRUE(reply.decoder.AddBody(Gzip(body))) << cap;
+    EXPECT_TRUE(reply.Body() == body) << cap;
+  }
 }
 
 }  // namespace

@@ -4,12 +4,10 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
-#include <string>
 #include <thread>
 #include <vector>
 
 #include "tests/platform/http/end_listener.h"
-#include "tests/platform/http/handlers.h"
 #include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {

@@ -162,16 +162,12 @@ TEST_F(ExchangeTest, FailureClearsThePreviousResponse) {
 
 TEST_F(ExchangeTest, StartOfABackgroundTransferResetsTheResponse) {
   Event answer;
-  int count = 0;
-  const RawServer server([&](const RawRequest&, RawConnection& connection) {
-    const bool is_first = ++count == 1;
-    EXPECT_TRUE(is_first || answer.Wait());
-    connection.Write(Response(is_first ? 200 : 404, is_first ? "first" : "second"));
-  });
+  const RawServer first(Always(Response(200, "first")));
+  const RawServer server(AnswerAfter(answer, Response(404, "second")));
   Background background(server.Url());
-  ASSERT_TRUE(background.transport->Download());
+  ASSERT_TRUE(Post(first.Url(), *background.transport));
   ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(server.WaitForRequests(2));
+  ASSERT_TRUE(server.WaitForRequests(1));
   ExpectFailureState(*background.transport);
   answer.Set();
   EXPECT_EQ(background.WaitForEnd(), kReturned);
@@ -186,10 +182,8 @@ TEST_F(ExchangeTest, SendAndReadFillsEveryOutput) {
   unsigned char* data = nullptr;
   unsigned long length = 0;
   int status = 0;
-  StringMap sent;
-  sent["Content-Type"] = "application/json";
-  StringMap received;
-  received["stale"] = "1";
+  StringMap sent = {{"Content-Type", "application/json"}};
+  StringMap received = {{"stale", "1"}};
   EXPECT_TRUE(transport.SendAndRead(Text(server.Url("/post")), &data, &length, &status, &sent,
                                     false, false, true, "", "", &received));
   EXPECT_EQ(data, transport.received_data());
@@ -199,7 +193,6 @@ TEST_F(ExchangeTest, SendAndReadFillsEveryOutput) {
   EXPECT_EQ(transport.status_code(), 201);
   EXPECT_EQ(received.at("X-Reply"), Text("yes"));
   EXPECT_EQ(received.count("stale"), 0U);
-
   const auto requests = server.requests();
   ASSERT_EQ(requests.size(), 1U);
   EXPECT_EQ(requests[0].method, "POST");
@@ -215,8 +208,7 @@ TEST_F(ExchangeTest, SendAndReadSetsEveryOutputOnFailure) {
   unsigned char* data = &stale;
   unsigned long length = 1;
   int status = -1;
-  StringMap received;
-  received["stale"] = "1";
+  StringMap received = {{"stale", "1"}};
   EXPECT_FALSE(transport.SendAndRead(Text(server.Url()), &data, &length, &status, nullptr, false,
                                      false, true, "", "", &received));
   EXPECT_EQ(data, nullptr);
@@ -224,13 +216,6 @@ TEST_F(ExchangeTest, SendAndReadSetsEveryOutputOnFailure) {
   EXPECT_EQ(status, 203);
   EXPECT_TRUE(received.empty());
   ExpectFailureState(transport, 203);
-}
-
-TEST_F(ExchangeTest, SendAndReadAcceptsNullOutputs) {
-  const RawServer server(Always(Response(200, "hello")));
-  InternetData transport(Text("none:"));
-  EXPECT_TRUE(Post(server.Url(), transport));
-  EXPECT_EQ(BodyOf(transport), "hello");
 }
 
 TEST_F(ExchangeTest, UploadWithoutDataSendsAnEmptyBody) {
@@ -331,9 +316,7 @@ TEST_F(ExchangeTest, RefusesAUrlWithANul) {
 TEST_F(ExchangeTest, LineEndsInAUrlAddNoRequestLines) {
   const RawServer server(Always(Response(200, "")));
   Get(server.Url("/a HTTP/1.1\r\nX-Injected: 1\r\n\r\n"));
-  for (const RawRequest& request : server.requests()) {
-    EXPECT_FALSE(request.HasHeader("X-Injected"));
-  }
+  for (const RawRequest& each : server.requests()) EXPECT_FALSE(each.HasHeader("X-Injected"));
 }
 
 TEST_F(ExchangeTest, ImpossibleTransferDoesNotHarmTheNext) {
