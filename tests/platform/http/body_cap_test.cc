@@ -178,7 +178,7 @@ TEST_F(BodyCapTest, DefaultsTo256Mebibytes) {
   EXPECT_FALSE(beyond.Download());
 }
 
-// A compressed body may be a little longer than the cap of the body. This is a decoder that has the head of a gzip reply.
+// A decoder that has the head of a gzip reply, whose body may be a little longer than the cap.
 struct GzipReply {
   explicit GzipReply(std::size_t cap) : decoder(cap, true) {
     for (const char* line : {"HTTP/1.1 200 OK\r\n", "Content-Encoding: gzip\r\n", "\r\n"}) {

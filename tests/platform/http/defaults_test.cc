@@ -48,7 +48,7 @@ TEST_F(DefaultsTest, AreEmptyAtFirst) {
   EXPECT_TRUE(defaults.extra_request_headers.empty());
 }
 
-TEST_F(DefaultsTest, RequestUserAgentWins) {
+TEST_F(DefaultsTest, UserAgentIsSentUnlessTheRequestHasItsOwn) {
   InternetData::SetDefaults(WithUserAgent("Modeller/1.0"));
   EXPECT_EQ(Get(transport_).Header("User-Agent"), "Modeller/1.0");
   transport_.SetValueForHTTPSendHeaders("user-agent", "Own/2.0");
