@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {

@@ -16,7 +16,6 @@
 
 #include "common_stowraapi/platform/notification_center.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -80,13 +79,9 @@ class Watched final : public ovrant::IObserver {
 
   // Deletes both and records how long each took.
   void Delete(bool delegate_first, std::vector<Microseconds>& durations) {
-    if (delegate_first) {
-      DeleteTimed(delegate_, durations);
-      DeleteTimed(transport_, durations);
-    } else {
-      DeleteTimed(transport_, durations);
-      DeleteTimed(delegate_, durations);
-    }
+    if (delegate_first) DeleteTimed(delegate_, durations);
+    DeleteTimed(transport_, durations);
+    if (!delegate_first) DeleteTimed(delegate_, durations);
   }
 
   bool WaitForPost() {
@@ -194,13 +189,12 @@ void Serve(const RawRequest& request, RawConnection& connection) {
   }
 }
 
-class BackgroundSoakTest : public TransportTest {
- protected:
-  void Report(const char* name, Microseconds value) {
-    RecordProperty(name, static_cast<int>(value.count()));
-    std::printf("%s: %lld us\n", name, static_cast<long long>(value.count()));
-  }
-};
+void Report(const char* name, Microseconds value) {
+  testing::Test::RecordProperty(name, static_cast<int>(value.count()));
+  std::printf("%s: %lld us\n", name, static_cast<long long>(value.count()));
+}
+
+class BackgroundSoakTest : public TransportTest {};
 
 TEST_F(BackgroundSoakTest, KeptTransfersPostOnceDeletedOnesPostNothingMore) {
   SetInactivityTimeout(0.5F);

@@ -2,91 +2,90 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
 
+#include "common_stowraapi/platform/http/reply_decoder.h"
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
+
+using ovrant::internet::ReplyDecoder;
 
 constexpr unsigned long kCap = 10'000;
 constexpr unsigned long kMebibyte = 1UL << 20;
 constexpr unsigned long kDefaultCap = 256 * kMebibyte;
 
-constexpr char kGzipHeader[] = "Content-Encoding: gzip\r\n";
+std::string Incompressible(std::size_t size) {
+  std::mt19937 random;
+  std::string text(size, '\0');
+  for (char& byte : text) byte = static_cast<char>(random());
+  return text;
+}
 
+// A response whose body is encoded or framed so.
+std::string Plain(const std::string& body) { return Response(200, body); }
+std::string EndedByClose(const std::string& body) { return "HTTP/1.1 200 OK\r\n\r\n" + body; }
 std::string Chunked(const std::string& body) {
   char size[20];
   std::snprintf(size, sizeof(size), "%zx\r\n", body.size());
   return "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + (size + body) + "\r\n0\r\n\r\n";
 }
+std::string Gzipped(const std::string& body) { return Response(200, Gzip(body), kGzipHeader); }
 
 class BodyCapTest : public TransportTest {
  protected:
-  // Whether a download of `response` succeeds with a cap of kCap bytes. Expects a body of `length`
-  // then.
-  static bool Passes(const std::string& response, unsigned long length) {
-    SetBodyCap(kCap);
-    const RawServer server(AlwaysThenClose(response));
-    InternetData transport(Text(server.Url()));
-    const bool received = transport.Download();
-    EXPECT_EQ(transport.status_code(), 200);
-    EXPECT_EQ(transport.received_data_length(), received ? length : 0);
-    return received;
+  static void ExpectInAllWays(TransferError reason, const RawServer& server) {
+    for (const Way way : kAllWays) EXPECT_EQ(ReasonOf(way, server.Url()), reason) << NameOf(way);
   }
 };
 
-TEST_F(BodyCapTest, HoldsForABodyOfKnownLength) {
-  EXPECT_TRUE(Passes(Response(200, std::string(kCap, 'x')), kCap));
-  EXPECT_FALSE(Passes(Response(200, std::string(kCap + 1, 'x')), 0));
-}
+struct Framing {
+  const char* name;
+  std::string (*respond)(const std::string& body);
+};
 
-TEST_F(BodyCapTest, HoldsForABodyEndedByClose) {
-  const std::string head = "HTTP/1.1 200 OK\r\n\r\n";
-  EXPECT_TRUE(Passes(head + std::string(kCap, 'x'), kCap));
-  EXPECT_FALSE(Passes(head + std::string(kCap + 1, 'x'), 0));
-}
+class BodyCapFramingTest : public BodyCapTest, public testing::WithParamInterface<Framing> {};
+INSTANTIATE_TEST_SUITE_P(, BodyCapFramingTest,
+                         testing::Values(Framing{"Length", Plain}, Framing{"Close", EndedByClose},
+                                         Framing{"Chunks", Chunked}, Framing{"Gzip", Gzipped}),
+                         RowName());
 
-TEST_F(BodyCapTest, HoldsForAChunkedBody) {
-  EXPECT_TRUE(Passes(Chunked(std::string(kCap, 'x')), kCap));
-  EXPECT_FALSE(Passes(Chunked(std::string(kCap + 1, 'x')), 0));
-}
-
-TEST_F(BodyCapTest, CountsDecodedBytes) {
-  EXPECT_TRUE(Passes(Response(200, Gzip(std::string(kCap, 'x')), kGzipHeader), kCap));
-  EXPECT_FALSE(Passes(Response(200, Gzip(std::string(kCap + 1, 'x')), kGzipHeader), 0));
+TEST_P(BodyCapFramingTest, CountsDecodedBytesExactly) {
+  SetBodyCap(kCap);
+  const std::string body(kCap, 'x');
+  const RawServer fits(AlwaysThenClose(GetParam().respond(body)));
+  EXPECT_EQ(Get(fits.Url()), Received(200, body));
+  const RawServer too_large(AlwaysThenClose(GetParam().respond(body + "x")));
+  EXPECT_EQ(Get(too_large.Url()), Failed(200, TransferError::kTooLarge));
 }
 
 TEST_F(BodyCapTest, AllowsGzipLongerThanItsContent) {
-  const std::string member = Gzip("x");
-  std::string members;
-  for (unsigned long i = 0; i < kCap; ++i) members += member;
-  EXPECT_TRUE(Passes(Response(200, members, kGzipHeader), kCap));
+  SetBodyCap(kCap);
+  const RawServer server(Always(Response(200, Repeated(Gzip("x"), kCap), kGzipHeader)));
+  EXPECT_EQ(Get(server.Url()), Received(200, std::string(kCap, 'x')));
 }
 
 // gzip stores such a body with a few bytes more.
 TEST_F(BodyCapTest, AllowsIncompressibleGzipAtTheCap) {
   for (const unsigned long cap : {kCap, 4 * kMebibyte}) {
-    std::mt19937 random;
-    std::string body(cap, '\0');
-    for (char& byte : body) byte = static_cast<char>(random());
+    const std::string body = Incompressible(cap);
     const std::string gzip = Gzip(body);
     ASSERT_GT(gzip.size(), cap);
     SetBodyCap(cap);
     const RawServer server(Always(Response(200, gzip, kGzipHeader)));
     for (const Way way : kAllWays) {
-      EXPECT_EQ(Ask(way, server.Url(), "data"), (Answer{true, 200, body})) << NameOf(way);
+      EXPECT_EQ(Ask(way, server.Url(), "data"), Received(200, body)) << NameOf(way);
     }
     SetBodyCap(cap - 1);
-    for (const Way way : kAllWays) {
-      EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kTooLarge) << NameOf(way);
-    }
+    ExpectInAllWays(TransferError::kTooLarge, server);
   }
 }
 
@@ -94,14 +93,9 @@ TEST_F(BodyCapTest, StopsAnEndlessNameInAGzipHeader) {
   SetBodyCap(kCap);
   // The flag 8 says that a file name follows (RFC 1952, 2.3.1).
   const std::string start("\x1F\x8B\x08\x08\0\0\0\0\0\xFF", 10);
-  const RawServer server([&start](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n" + std::string(kGzipHeader) + "\r\n" + start);
-    while (connection.Write(std::string(kMebibyte, 'x'))) {
-    }
-  });
-  for (const Way way : kAllWays) {
-    EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kTooLarge) << NameOf(way);
-  }
+  const RawServer server(Endless(std::string("HTTP/1.1 200 OK\r\n") + kGzipHeader + "\r\n" + start,
+                                 std::string(kMebibyte, 'x')));
+  ExpectInAllWays(TransferError::kTooLarge, server);
 }
 
 // No machine has as much memory.
@@ -111,33 +105,20 @@ constexpr char kCutOffHugeBody[] =
 TEST_F(BodyCapTest, DoesNotReserveALengthBeyondTheCap) {
   SetBodyCap(kCap);
   const RawServer server(AlwaysThenClose(kCutOffHugeBody));
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
-  for (const Way way : kAllWays) {
-    EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kCutOff) << NameOf(way);
-  }
+  EXPECT_EQ(Get(server.Url()), Failed(200, TransferError::kCutOff));
+  ExpectInAllWays(TransferError::kCutOff, server);
 }
 
 TEST_F(BodyCapTest, ReservesLittleForAHugeLengthWithoutACap) {
   SetBodyCap(std::numeric_limits<unsigned long>::max());
   const RawServer server(AlwaysThenClose(kCutOffHugeBody));
-  for (const Way way : kAllWays) {
-    EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kCutOff) << NameOf(way);
-  }
+  ExpectInAllWays(TransferError::kCutOff, server);
 }
 
 TEST_F(BodyCapTest, StopsAnEndlessBody) {
   SetBodyCap(kMebibyte);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    const std::string piece(kMebibyte, 'x');
-    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
-    while (connection.Write(piece)) {
-    }
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
+  const RawServer server(Endless("HTTP/1.1 200 OK\r\n\r\n"));
+  EXPECT_EQ(Get(server.Url()), Failed(200, TransferError::kTooLarge));
 }
 
 TEST_F(BodyCapTest, StopsAGzipBombAtTheCap) {
@@ -146,54 +127,39 @@ TEST_F(BodyCapTest, StopsAGzipBombAtTheCap) {
   InternetData::SetTransferListener([&most](const TransferEvent& event) {
     if (event.bytes_received > most) most = event.bytes_received;
   });
-  const RawServer server(
-      Always(Response(200, Gzip(std::string(64 * kMebibyte, '\0')), kGzipHeader)));
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
+  const RawServer server(Always(Gzipped(std::string(64 * kMebibyte, '\0'))));
+  EXPECT_EQ(Ask(Way::kDownload, server.Url(), ""), (Answer{false, 200, ""}));
   EXPECT_LE(most, kMebibyte + 1);
 }
 
 TEST_F(BodyCapTest, DoesNotAddTheBodyOfARedirect) {
   SetBodyCap(kCap);
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/"
-                         ? Response(302, std::string(kCap, 'r'), "Location: /next\r\n")
-                         : Response(200, std::string(kCap, 'x')));
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_TRUE(BodyOf(transport) == std::string(kCap, 'x'));
+  const std::string body(kCap, 'x');
+  const RawServer server(
+      FirstThen(Response(302, body, "Location: /next\r\n"), Response(200, body)));
+  EXPECT_EQ(Get(server.Url()), Received(200, body));
 }
 
 TEST_F(BodyCapTest, HoldsForTheBodyOfARedirect) {
   SetBodyCap(kCap);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    const std::string piece = "100000\r\n" + std::string(kMebibyte, 'x') + "\r\n";
-    connection.Write("HTTP/1.1 302 Found\r\nLocation: /next\r\nTransfer-Encoding: chunked\r\n\r\n");
-    while (connection.Write(piece)) {
-    }
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 302);
+  const RawServer server(
+      Endless("HTTP/1.1 302 Found\r\nLocation: /next\r\nTransfer-Encoding: chunked\r\n\r\n",
+              "100000\r\n" + std::string(kMebibyte, 'x') + "\r\n"));
+  EXPECT_EQ(Get(server.Url()), Failed(302, TransferError::kTooLarge));
   EXPECT_EQ(LastRequest(server).target, "/");
 }
 
 TEST_F(BodyCapTest, ResettingTheCapRestoresTheDefault) {
   SetBodyCap(kCap);
   InternetData::SetDefaults(TransferDefaults());
-  const RawServer server(Always(Response(200, std::string(kCap + 1, 'x'))));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
+  const std::string body(kCap + 1, 'x');
+  const RawServer server(Always(Response(200, body)));
+  EXPECT_EQ(Get(server.Url()), Received(200, body));
 }
 
 TEST_F(BodyCapTest, IsReadWhenTheTransferStarts) {
   Event answer;
-  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
-    EXPECT_TRUE(answer.Wait());
-    connection.Write(Response(200, std::string(kCap + 1, 'x')));
-  });
+  const RawServer server(AnswerAfter(answer, Response(200, std::string(kCap + 1, 'x'))));
   Background background(server.Url());
   ASSERT_TRUE(background.Start());
   SetBodyCap(kCap);
@@ -202,17 +168,59 @@ TEST_F(BodyCapTest, IsReadWhenTheTransferStarts) {
 }
 
 TEST_F(BodyCapTest, DefaultsTo256Mebibytes) {
-  const std::string member = Gzip(std::string(kMebibyte, '\0'));
-  std::string body;
-  for (unsigned long i = 0; i < kDefaultCap / kMebibyte; ++i) body += member;
-  const RawServer server([&body](const RawRequest& request, RawConnection& connection) {
-    connection.Write(Response(200, request.target == "/" ? body : body + Gzip("x"), kGzipHeader));
-  });
+  const std::string body = Repeated(Gzip(std::string(kMebibyte, '\0')), kDefaultCap / kMebibyte);
+  const RawServer server(
+      FirstThen(Response(200, body, kGzipHeader), Response(200, body + Gzip("x"), kGzipHeader)));
   InternetData transport(Text(server.Url()));
   EXPECT_TRUE(transport.Download());
   EXPECT_EQ(transport.received_data_length(), kDefaultCap);
   InternetData beyond(Text(server.Url("/beyond")));
   EXPECT_FALSE(beyond.Download());
+}
+
+// A decoder that has the head of a gzip reply, whose body may be a little longer than the cap.
+struct GzipReply {
+  explicit GzipReply(std::size_t cap) : decoder(cap, true) {
+    for (const char* line : {"HTTP/1.1 200 OK\r\n", "Content-Encoding: gzip\r\n", "\r\n"}) {
+      EXPECT_TRUE(decoder.AddHeaderLine(line));
+    }
+  }
+
+  std::string Body() {
+    return std::string(reinterpret_cast<const char*>(decoder.body().data()), decoder.body().size());
+  }
+
+  ReplyDecoder decoder;
+};
+
+// A gzip stream of `size` bytes that holds `text`. Most of it is a file name (RFC 1952, 2.3.1).
+std::string GzipWithName(const std::string& text, std::size_t size) {
+  std::string gzip = Gzip(text);
+  gzip[3] = 8;
+  gzip.insert(10, std::string(size - gzip.size() - 1, 'n') + '\0');
+  return gzip;
+}
+
+TEST(GzipAllowance, IsOneIn1024AndAMebibyte) {
+  for (const std::size_t cap : {std::size_t{4096}, std::size_t{16 * kMebibyte}}) {
+    const std::size_t most = cap + cap / 1024 + kMebibyte;
+    GzipReply longest(cap);
+    EXPECT_TRUE(longest.decoder.AddBody(GzipWithName("hello", most))) << cap;
+    EXPECT_EQ(longest.Body(), "hello");
+    GzipReply too_long(cap);
+    EXPECT_FALSE(too_long.decoder.AddBody(GzipWithName("hello", most + 1))) << cap;
+    EXPECT_EQ(too_long.decoder.failure().error, TransferError::kTooLarge);
+  }
+}
+
+// With the allowance, such a cap is larger than any number.
+TEST(GzipAllowance, DoesNotOverflow) {
+  const std::string body = Incompressible(kMebibyte + kMebibyte / 8);
+  for (const std::size_t cap : {SIZE_MAX / 1025 * 1024, SIZE_MAX}) {
+    GzipReply reply(cap);
+    EXPECT_TRUE(reply.decoder.AddBody(Gzip(body))) << cap;
+    EXPECT_TRUE(reply.Body() == body) << cap;
+  }
 }
 
 }  // namespace

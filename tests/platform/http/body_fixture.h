@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -33,6 +32,7 @@ class TestSource final : public BodySource {
 
   bool Rewind() override {
     ++rewinds;
+    if (on_rewind) on_rewind();
     read_ = 0;
     return rewinds <= most_rewinds;
   }
@@ -48,6 +48,7 @@ class TestSource final : public BodySource {
   std::string bytes;
   std::optional<std::uint64_t> length;
   std::size_t piece = SIZE_MAX;
+  std::function<void()> on_rewind;
   std::function<void()> on_read;
   bool fails = false;
   int rewinds = 0;
@@ -128,6 +129,8 @@ class BodyFixture : public TransportTest, public ::testing::WithParamInterface<M
   // Is called before the transfer starts.
   std::function<void(InternetData&)> prepare;
 
+  TransferEvent last_end;  // of the last transfer
+
  private:
   Answer Run(const std::string& url, const std::function<bool(InternetData&)>& block,
              const std::function<bool(Background&)>& start) {
@@ -143,9 +146,10 @@ class BodyFixture : public TransportTest, public ::testing::WithParamInterface<M
       received = background_->WaitForEnd() == kReturned;
       EXPECT_EQ(background_->recorder.entries().size(), 1U);
     }
-    EXPECT_EQ(listener.last().kind, TransferEvent::Kind::kEnded);
+    last_end = listener.last();
+    EXPECT_EQ(last_end.kind, TransferEvent::Kind::kEnded);
     if (!received) ExpectFailureState(transport(), transport().status_code());
-    return {received, transport().status_code(), BodyOf(transport()), listener.last().reason};
+    return {received, transport().status_code(), BodyOf(transport()), last_end.reason};
   }
 
   std::unique_ptr<Background> background_;

@@ -12,38 +12,38 @@
 #include "common_stowraapi/platform/memory_sink.h"
 #include "tests/platform/http/body_fixture.h"
 #include "tests/platform/http/gzip_text.h"
-#include "tests/support/raw_server.h"
+#include "tests/platform/http/handlers.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::internet::MemorySink;
 
-constexpr char kGzipHeader[] = "Content-Encoding: gzip\r\n";
-
-class BodySinkTest : public BodyFixture {};
+class BodySinkTest : public BodyFixture {
+ protected:
+  const RawServer abc_{Always(Response(200, "abc"))};
+  const std::shared_ptr<TestSink> sink_ = std::make_shared<TestSink>();
+};
 IN_BOTH_BODY_MODES(BodySinkTest);
 
 TEST_P(BodySinkTest, TakesTheBodyOfAReply) {
   const std::string text(300000, 'x');
   const RawServer server(Always(Response(200, text, "X-Name: value\r\n")));
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
-  EXPECT_TRUE(sink->bytes == text);
-  EXPECT_EQ(sink->begins, 1);
-  EXPECT_EQ(sink->begin_status, 200);
-  EXPECT_EQ(sink->begin_headers["X-Name"].utf8(), "value");
-  EXPECT_EQ(sink->ends, 1);
-  EXPECT_EQ(transport().received_headers(), sink->begin_headers);
+  EXPECT_EQ(Download(server.Url(), sink_), Received(200, ""));
+  EXPECT_TRUE(sink_->bytes == text);
+  EXPECT_EQ(sink_->begins, 1);
+  EXPECT_EQ(sink_->begin_status, 200);
+  EXPECT_EQ(sink_->begin_headers["X-Name"].utf8(), "value");
+  EXPECT_EQ(sink_->ends, 1);
+  EXPECT_EQ(transport().received_headers(), sink_->begin_headers);
   EXPECT_EQ(LastRequest(server).method, "GET");
 }
 
 TEST_P(BodySinkTest, TakesChunksAndAnEmptyBody) {
   const RawServer chunked(Always(
       "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n"));
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_EQ(Download(chunked.Url(), sink), Received(200, ""));
-  EXPECT_EQ(sink->bytes, "abcde");
+  EXPECT_EQ(Download(chunked.Url(), sink_), Received(200, ""));
+  EXPECT_EQ(sink_->bytes, "abcde");
   const RawServer empty(Always("HTTP/1.1 204 None\r\n\r\n"));
   const auto second = std::make_shared<TestSink>();
   EXPECT_EQ(Download(empty.Url(), second), Received(204, ""));
@@ -53,10 +53,9 @@ TEST_P(BodySinkTest, TakesChunksAndAnEmptyBody) {
 TEST_P(BodySinkTest, GetsDecodedBytesInSmallPieces) {
   const std::string text(std::size_t{64} << 20, 'x');
   const RawServer server(Always(Response(200, Gzip(text), kGzipHeader)));
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
-  EXPECT_TRUE(sink->bytes == text);
-  EXPECT_LE(sink->largest, std::size_t{2} << 20);
+  EXPECT_EQ(Download(server.Url(), sink_), Received(200, ""));
+  EXPECT_TRUE(sink_->bytes == text);
+  EXPECT_LE(sink_->largest, std::size_t{2} << 20);
 }
 
 TEST_P(BodySinkTest, LeavesOtherRepliesInMemory) {
@@ -71,24 +70,19 @@ TEST_P(BodySinkTest, LeavesOtherRepliesInMemory) {
 }
 
 TEST_P(BodySinkTest, MayRefuseAnyReply) {
-  const RawServer server(Always(Response(200, "abc")));
-  const auto sink = std::make_shared<TestSink>();
-  sink->choice = BodySink::Choice::kLeave;
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, "abc"));
-  EXPECT_EQ(sink->bytes, "");
-  sink->choice = BodySink::Choice::kFail;
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+  sink_->choice = BodySink::Choice::kLeave;
+  EXPECT_EQ(Download(abc_.Url(), sink_), Received(200, "abc"));
+  EXPECT_EQ(sink_->bytes, "");
+  sink_->choice = BodySink::Choice::kFail;
+  EXPECT_EQ(Download(abc_.Url(), sink_), Failed(200, TransferError::kBody));
 }
 
 TEST_P(BodySinkTest, IsNotOfferedAFollowedRedirect) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/from" ? Response(302, "moved", "Location: /to\r\n")
-                                               : Response(200, "there"));
-  });
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_EQ(Download(server.Url("/from"), sink), Received(200, ""));
-  EXPECT_EQ(sink->bytes, "there");
-  EXPECT_EQ(sink->begins, 1);
+  const RawServer server(
+      FirstThen(Response(302, "moved", "Location: /to\r\n"), Response(200, "there")));
+  EXPECT_EQ(Download(server.Url(), sink_), Received(200, ""));
+  EXPECT_EQ(sink_->bytes, "there");
+  EXPECT_EQ(sink_->begins, 1);
 }
 
 // The host's own headers do not leave the origin.
@@ -99,9 +93,8 @@ TEST_P(BodySinkTest, AddsHeadersToEveryRequest) {
     transport.SetValueForHTTPSendHeaders("range", "bytes=0-");
     transport.SetValueForHTTPSendHeaders("X-Own", "1");
   };
-  const auto sink = std::make_shared<TestSink>();
-  sink->request_headers["Range"] = "bytes=5-";
-  EXPECT_EQ(Download(server.Url("/from"), sink), Received(200, ""));
+  sink_->request_headers["Range"] = "bytes=5-";
+  EXPECT_EQ(Download(server.Url("/from"), sink_), Received(200, ""));
   EXPECT_EQ(LastRequest(server).Header("Range"), "bytes=5-");
   EXPECT_EQ(LastRequest(server).Header("X-Own"), "1");
   EXPECT_EQ(LastRequest(other).Header("Range"), "bytes=5-");
@@ -113,59 +106,51 @@ TEST_P(BodySinkTest, MayAskOnceMore) {
     connection.Write(request.HasHeader("Range") ? Response(416, std::string(1000000, 'x'))
                                                 : Response(200, "whole"));
   });
-  const auto sink = std::make_shared<TestSink>();
-  sink->request_headers["Range"] = "bytes=5-";
-  sink->choice = BodySink::Choice::kAskAgain;
-  sink->on_begin = [sink = sink.get()] {
-    if (sink->begins == 2) sink->choice = BodySink::Choice::kTake;
-    sink->request_headers.clear();
+  sink_->request_headers["Range"] = "bytes=5-";
+  sink_->choice = BodySink::Choice::kAskAgain;
+  sink_->on_begin = [this] {
+    if (sink_->begins == 2) sink_->choice = BodySink::Choice::kTake;
+    sink_->request_headers.clear();
   };
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
-  EXPECT_EQ(sink->bytes, "whole");
+  EXPECT_EQ(Download(server.Url(), sink_), Received(200, ""));
+  EXPECT_EQ(sink_->bytes, "whole");
   EXPECT_EQ(server.requests().size(), 2U);
 }
 
 TEST_P(BodySinkTest, FailsWhenItAsksOnAndOn) {
-  const RawServer server(Always(Response(200, "abc")));
-  const auto sink = std::make_shared<TestSink>();
-  sink->choice = BodySink::Choice::kAskAgain;
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(server.requests().size(), 2U);
+  sink_->choice = BodySink::Choice::kAskAgain;
+  EXPECT_EQ(Download(abc_.Url(), sink_), Failed(200, TransferError::kBody));
+  EXPECT_EQ(abc_.requests().size(), 2U);
 }
 
 TEST_P(BodySinkTest, MayBeSlowerThanTheTimeout) {
   SetInactivityTimeout(0.4F);
-  const RawServer server(Always(Response(200, "abc")));
-  const auto sink = std::make_shared<TestSink>();
   const auto be_slow = [] { Event().Wait(std::chrono::milliseconds(600)); };
-  sink->on_begin = be_slow;
-  sink->on_write = be_slow;
-  sink->on_end = be_slow;
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
-  EXPECT_EQ(sink->bytes, "abc");
+  sink_->on_begin = be_slow;
+  sink_->on_write = be_slow;
+  sink_->on_end = be_slow;
+  EXPECT_EQ(Download(abc_.Url(), sink_), Received(200, ""));
+  EXPECT_EQ(sink_->bytes, "abc");
 }
 
 TEST_P(BodySinkTest, FailsTheDownloadWhenItFails) {
-  const RawServer server(Always(Response(200, "abc")));
-  const auto sink = std::make_shared<TestSink>();
-  sink->end_fails = true;
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->ends, 1);
-  sink->write_fails = true;
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->ends, 1);
+  sink_->end_fails = true;
+  EXPECT_EQ(Download(abc_.Url(), sink_), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink_->ends, 1);
+  sink_->write_fails = true;
+  EXPECT_EQ(Download(abc_.Url(), sink_), Failed(200, TransferError::kBody));
+  EXPECT_EQ(sink_->ends, 1);
 }
 
 TEST_P(BodySinkTest, MayThrow) {
-  const RawServer server(Always(Response(200, "abc")));
   const auto throw_error = [] { throw std::runtime_error("test"); };
   const auto throw_bad_alloc = [] { throw std::bad_alloc(); };
   for (const auto place : {&TestSink::on_begin, &TestSink::on_write, &TestSink::on_end}) {
     const auto sink = std::make_shared<TestSink>();
     sink.get()->*place = throw_error;
-    EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
+    EXPECT_EQ(Download(abc_.Url(), sink), Failed(200, TransferError::kBody));
     sink.get()->*place = throw_bad_alloc;
-    EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kOutOfMemory));
+    EXPECT_EQ(Download(abc_.Url(), sink), Failed(200, TransferError::kOutOfMemory));
   }
 }
 
@@ -233,19 +218,14 @@ TEST_P(BodySinkTest, HasNoCapByDefault) {
 
 TEST_P(BodySinkTest, CountsInTheEvents) {
   const RawServer server(Always(Response(200, Gzip(std::string(100000, 'x')), kGzipHeader)));
-  EndListener listener;
-  Background background(server.Url());
-  TestSink sink;
-  EXPECT_TRUE(background.transport->DownloadTo(sink));
-  EXPECT_EQ(listener.last().bytes_received, 100000U);
-  EXPECT_LT(listener.last().wire_bytes_received, 1000U);
+  EXPECT_EQ(Download(server.Url(), sink_), Received(200, ""));
+  EXPECT_EQ(last_end.bytes_received, 100000U);
+  EXPECT_LT(last_end.wire_bytes_received, 1000U);
 }
 
 TEST_P(BodySinkTest, IsLetGoBeforeThePost) {
-  const RawServer server(Always(Response(200, "abc")));
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
-  EXPECT_EQ(sink.use_count(), 1);
+  EXPECT_EQ(Download(abc_.Url(), sink_), Received(200, ""));
+  EXPECT_EQ(sink_.use_count(), 1);
 }
 
 TEST_P(BodySinkTest, MemorySinkHoldsTheLastBody) {
@@ -262,12 +242,10 @@ TEST_P(BodySinkTest, MemorySinkHoldsTheLastBody) {
 }
 
 TEST_P(BodySinkTest, ADownloadAfterItStaysInMemory) {
-  const RawServer server(Always(Response(200, "abc")));
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(Download(abc_.Url(), sink_), Received(200, ""));
   EXPECT_TRUE(transport().Download());
   EXPECT_EQ(BodyOf(transport()), "abc");
-  EXPECT_EQ(sink->begins, 1);
+  EXPECT_EQ(sink_->begins, 1);
 }
 
 }  // namespace

@@ -4,56 +4,43 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
-#include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
 
 class ConnectionReuseTest : public TransportTest {
  protected:
-  static void Download(const RawServer& server) {
-    InternetData transport(Text(server.Url()));
-    EXPECT_TRUE(transport.Download());
-    EXPECT_EQ(BodyOf(transport), "hello");
+  static void Download(const RawServer& server, Way way = Way::kDownload) {
+    EXPECT_EQ(Ask(way, server.Url(), ""), Received(200, "hello"));
   }
 
-  static void DownloadInBackground(const RawServer& server) {
-    Background background(server.Url());
-    ASSERT_TRUE(background.Start());
-    EXPECT_EQ(background.WaitForEnd(), kReturned);
-    EXPECT_EQ(BodyOf(*background.transport), "hello");
-  }
+  const RawServer hello_{Always(Response(200, "hello"))};
 };
 
-TEST_F(ConnectionReuseTest, SynchronousTransfersShareAConnection) {
-  const RawServer server(Always(Response(200, "hello")));
-  for (int i = 0; i < 5; ++i) Download(server);
-  EXPECT_EQ(server.requests().size(), 5U);
-  EXPECT_EQ(server.connections(), 1);
+TEST_F(ConnectionReuseTest, TransfersOfOneKindShareAConnection) {
+  for (const Way way : {Way::kDownload, Way::kDownloadWithDelegate}) {
+    const RawServer server(Always(Response(200, "hello")));
+    for (int i = 0; i < 5; ++i) Download(server, way);
+    EXPECT_EQ(server.requests().size(), 5U);
+    EXPECT_EQ(server.connections(), 1) << NameOf(way);
+  }
 }
 
 TEST_F(ConnectionReuseTest, UploadsAndDownloadsShareAConnection) {
-  const RawServer server(Always(Response(200, "hello")));
-  Download(server);
-  InternetData transport(Text("none:"));
-  SetSendData("data", transport);
-  EXPECT_TRUE(Post(server.Url(), transport));
-  Download(server);
-  EXPECT_EQ(server.connections(), 1);
+  Download(hello_);
+  EXPECT_EQ(PostTo(hello_.Url(), "data"), Received(200, "hello"));
+  Download(hello_);
+  EXPECT_EQ(hello_.connections(), 1);
 }
 
 TEST_F(ConnectionReuseTest, ConsecutiveThreadsShareAConnection) {
-  const RawServer server(Always(Response(200, "hello")));
-  for (int i = 0; i < 3; ++i) {
-    std::thread thread([&server] { Download(server); });
-    thread.join();
-  }
-  EXPECT_EQ(server.connections(), 1);
+  for (int i = 0; i < 3; ++i) std::thread([this] { Download(hello_); }).join();
+  EXPECT_EQ(hello_.connections(), 1);
 }
 
 TEST_F(ConnectionReuseTest, ConcurrentThreadsUseSeparateConnections) {
@@ -96,17 +83,10 @@ TEST_F(ConnectionReuseTest, KeepsTheConnectionsOfEightThreads) {
   }
 }
 
-TEST_F(ConnectionReuseTest, BackgroundTransfersShareAConnection) {
-  const RawServer server(Always(Response(200, "hello")));
-  for (int i = 0; i < 5; ++i) DownloadInBackground(server);
-  EXPECT_EQ(server.requests().size(), 5U);
-  EXPECT_EQ(server.connections(), 1);
-}
-
 TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerClosed) {
   const RawServer server(AlwaysThenClose(Response(200, "hello")));
   for (int i = 0; i < 3; ++i) Download(server);
-  for (int i = 0; i < 3; ++i) DownloadInBackground(server);
+  for (int i = 0; i < 3; ++i) Download(server, Way::kDownloadWithDelegate);
   EXPECT_EQ(server.connections(), 6);
 }
 
@@ -117,8 +97,7 @@ TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerReset) {
   });
   // A reset may overtake the response before it, so only later requests are checked.
   for (int i = 0; i < 3; ++i) {
-    InternetData transport(Text(server.Url()));
-    transport.Download();
+    Get(server.Url());
     EXPECT_TRUE(server.WaitUntilUnused());
   }
   EXPECT_EQ(server.connections(), 3);
@@ -130,11 +109,7 @@ TEST_F(ConnectionReuseTest, UploadSucceedsOnAConnectionThatTheServerClosed) {
     if (request.body == "first") connection.Close();
   });
   for (const char* data : {"first", "second"}) {
-    Background background(server.Url());
-    SetSendData(data, *background.transport);
-    ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
-    EXPECT_EQ(background.WaitForEnd(), kReturned);
-    EXPECT_EQ(BodyOf(*background.transport), data);
+    EXPECT_EQ(Ask(Way::kUploadWithDelegate, server.Url(), data), Received(200, data));
   }
 }
 
@@ -152,8 +127,7 @@ TEST_F(ConnectionReuseTest, DoesNotReuseTheConnectionOfAFailedTransfer) {
                          ? Response(200, "hello", "Content-Encoding: unknown\r\n")
                          : Response(200, "hello"));
   });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
+  EXPECT_EQ(Get(server.Url()), Failed(200, TransferError::kEncoding));
   Download(server);
   EXPECT_EQ(server.connections(), 2);
 }
@@ -167,7 +141,7 @@ TEST_F(ConnectionReuseTest, DroppedTransferClosesItsConnection) {
     }
   });
   // On an open connection only the deletion wakes the worker.
-  DownloadInBackground(server);
+  Download(server, Way::kDownloadWithDelegate);
   {
     Background background(server.Url("/stall"));
     ASSERT_TRUE(background.Start());

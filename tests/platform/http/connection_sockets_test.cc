@@ -78,103 +78,133 @@ class Connection {
   int server_ = -1;
 };
 
-TEST(ConnectionSocketsTest, FindsASocketByItsPorts) {
-  const Connection first;
-  const Connection second;
-  ASSERT_TRUE(first.is_open() && second.is_open());
-  ConnectionSockets sockets;
-  EXPECT_EQ(sockets.Find(first.local_port(), first.remote_port()), ConnectionSockets::kNone);
-  EXPECT_TRUE(sockets.Add(first.client()));
-  EXPECT_TRUE(sockets.Add(second.client()));
-  EXPECT_EQ(sockets.Find(second.local_port(), second.remote_port()), second.client());
-  EXPECT_EQ(sockets.Find(first.local_port(), first.remote_port()), first.client());
-  EXPECT_EQ(sockets.Find(first.local_port(), second.remote_port()), ConnectionSockets::kNone);
-  sockets.Remove(first.client());
-  EXPECT_EQ(sockets.Find(first.local_port(), first.remote_port()), ConnectionSockets::kNone);
+class ConnectionSocketsTest : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(connection_.is_open() && other_.is_open()); }
+
+  int Find(const Connection& connection) {
+    return sockets_.Find(connection.local_port(), connection.remote_port());
+  }
+
+  // A byte comes to the client of connection_, which reads it.
+  void SendByte() {
+    ASSERT_EQ(send(connection_.server(), "x", 1, 0), 1);
+    ASSERT_TRUE(connection_.WaitAtClient());
+  }
+  void ReadByte() const {
+    char byte = 0;
+    ASSERT_EQ(recv(client_, &byte, 1, 0), 1);
+  }
+
+  Connection connection_;
+  const int client_ = connection_.client();
+  const Connection other_;
+  ConnectionSockets sockets_;
+};
+
+TEST_F(ConnectionSocketsTest, FindsASocketByItsPorts) {
+  EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
+  EXPECT_TRUE(sockets_.Add(client_));
+  EXPECT_TRUE(sockets_.Add(other_.client()));
+  EXPECT_EQ(Find(other_), other_.client());
+  EXPECT_EQ(Find(connection_), client_);
+  EXPECT_EQ(sockets_.Find(connection_.local_port(), other_.remote_port()),
+            ConnectionSockets::kNone);
+  sockets_.Remove(client_);
+  EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
 }
 
-TEST(ConnectionSocketsTest, FindsASocketOfTheOtherFamily) {
+TEST_F(ConnectionSocketsTest, FindsASocketOfTheOtherFamily) {
   const Connection connection(AF_INET6);
   if (!connection.is_open()) GTEST_SKIP() << "this system has no IPv6";
-  ConnectionSockets sockets;
-  EXPECT_TRUE(sockets.Add(connection.client()));
-  EXPECT_EQ(sockets.Find(connection.local_port(), connection.remote_port()), connection.client());
+  EXPECT_TRUE(sockets_.Add(connection.client()));
+  EXPECT_EQ(Find(connection), connection.client());
 }
 
-TEST(ConnectionSocketsTest, FindsASocketThatConnectsAfterItWasAdded) {
+TEST_F(ConnectionSocketsTest, FindsASocketThatConnectsAfterItWasAdded) {
   const int unconnected = socket(AF_INET, SOCK_STREAM, 0);
-  const Connection connection;
-  ASSERT_TRUE(connection.is_open());
-  ConnectionSockets sockets;
-  EXPECT_TRUE(sockets.Add(unconnected));
-  EXPECT_EQ(sockets.Find(connection.local_port(), connection.remote_port()),
-            ConnectionSockets::kNone);
-  ASSERT_EQ(dup2(connection.client(), unconnected), unconnected);
-  EXPECT_EQ(sockets.Find(connection.local_port(), connection.remote_port()), unconnected);
+  EXPECT_TRUE(sockets_.Add(unconnected));
+  EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
+  ASSERT_EQ(dup2(client_, unconnected), unconnected);
+  EXPECT_EQ(Find(connection_), unconnected);
   close(unconnected);
 }
 
-TEST(ConnectionSocketsTest, WaitingBytesMakeASocketUnfit) {
-  const Connection connection;
-  ASSERT_TRUE(connection.is_open());
-  ConnectionSockets sockets;
-  EXPECT_TRUE(sockets.Add(connection.client()));
-  EXPECT_FALSE(sockets.IsUnfit(connection.client()));
-  ASSERT_EQ(send(connection.server(), "x", 1, 0), 1);
-  ASSERT_TRUE(connection.WaitAtClient());
-  EXPECT_TRUE(sockets.IsUnfit(connection.client()));
+TEST_F(ConnectionSocketsTest, WaitingBytesMakeASocketUnfit) {
+  EXPECT_TRUE(sockets_.Add(client_));
+  EXPECT_FALSE(sockets_.IsUnfit(client_));
+  SendByte();
+  EXPECT_TRUE(sockets_.IsUnfit(client_));
   // The byte is still there.
-  char byte = 0;
-  EXPECT_EQ(recv(connection.client(), &byte, 1, 0), 1);
-  EXPECT_FALSE(sockets.IsUnfit(connection.client()));
+  ReadByte();
+  EXPECT_FALSE(sockets_.IsUnfit(client_));
 }
 
-TEST(ConnectionSocketsTest, EndOfAConnectionMakesItsSocketUnfit) {
-  Connection connection;
-  ASSERT_TRUE(connection.is_open());
-  ConnectionSockets sockets;
-  EXPECT_TRUE(sockets.Add(connection.client()));
-  connection.CloseServer();
-  ASSERT_TRUE(connection.WaitAtClient());
-  EXPECT_TRUE(sockets.IsUnfit(connection.client()));
+TEST_F(ConnectionSocketsTest, EndOfAConnectionMakesItsSocketUnfit) {
+  EXPECT_TRUE(sockets_.Add(client_));
+  connection_.CloseServer();
+  ASSERT_TRUE(connection_.WaitAtClient());
+  EXPECT_TRUE(sockets_.IsUnfit(client_));
 }
 
-TEST(ConnectionSocketsTest, FramedOrUnknownSocketIsFit) {
-  const Connection connection;
-  ASSERT_TRUE(connection.is_open());
-  ASSERT_EQ(send(connection.server(), "x", 1, 0), 1);
-  ASSERT_TRUE(connection.WaitAtClient());
-  ConnectionSockets sockets;
-  EXPECT_FALSE(sockets.IsUnfit(connection.client()));
-  EXPECT_TRUE(sockets.Add(connection.client()));
-  EXPECT_TRUE(sockets.IsUnfit(connection.client()));
-  sockets.SetFramed(connection.client());
-  EXPECT_FALSE(sockets.IsUnfit(connection.client()));
+TEST_F(ConnectionSocketsTest, FramedOrUnknownSocketIsFit) {
+  SendByte();
+  EXPECT_FALSE(sockets_.IsUnfit(client_));
+  EXPECT_TRUE(sockets_.Add(client_));
+  EXPECT_TRUE(sockets_.IsUnfit(client_));
+  sockets_.SetFramed(client_);
+  EXPECT_FALSE(sockets_.IsUnfit(client_));
 }
 
-TEST(ConnectionSocketsTest, EndComesAfterAllBytes) {
-  Connection connection;
-  ASSERT_TRUE(connection.is_open());
-  EXPECT_FALSE(IsAtEnd(connection.client()));
-  ASSERT_EQ(send(connection.server(), "x", 1, 0), 1);
-  connection.CloseServer();
-  ASSERT_TRUE(connection.WaitAtClient());
-  EXPECT_FALSE(IsAtEnd(connection.client()));
-  char byte = 0;
-  ASSERT_EQ(recv(connection.client(), &byte, 1, 0), 1);
-  ASSERT_TRUE(connection.WaitAtClient());
-  EXPECT_TRUE(IsAtEnd(connection.client()));
+TEST_F(ConnectionSocketsTest, EndComesAfterAllBytes) {
+  EXPECT_FALSE(IsAtEnd(client_));
+  SendByte();
+  connection_.CloseServer();
+  EXPECT_FALSE(IsAtEnd(client_));
+  ReadByte();
+  ASSERT_TRUE(connection_.WaitAtClient());
+  EXPECT_TRUE(IsAtEnd(client_));
 }
 
-TEST(ConnectionSocketsTest, CountsBytesThatThePeerHasNotTaken) {
-  const Connection connection;
-  ASSERT_TRUE(connection.is_open());
-  EXPECT_EQ(CountUnsentBytes(connection.client()), 0U);
+TEST_F(ConnectionSocketsTest, CountsBytesThatThePeerHasNotTaken) {
+  EXPECT_EQ(CountUnsentBytes(client_), 0U);
   EXPECT_EQ(CountUnsentBytes(-1), 0U);
   const std::string piece(1 << 16, 'x');
-  while (send(connection.client(), piece.data(), piece.size(), MSG_DONTWAIT) > 0) {
+  while (send(client_, piece.data(), piece.size(), MSG_DONTWAIT) > 0) {
   }
-  EXPECT_GT(CountUnsentBytes(connection.client()), 0U);
+  EXPECT_GT(CountUnsentBytes(client_), 0U);
+}
+
+// A socket that libcurl opened for a request and closed before it was connected. The connection
+// stands for one of another thread that got its number.
+class AbandonedSocketTest : public ConnectionSocketsTest {
+ protected:
+  const int opener_ = 0;
+};
+
+TEST_F(AbandonedSocketTest, IsForgottenWhenAnotherCarriesTheRequest) {
+  ASSERT_TRUE(sockets_.Add(client_, &opener_));
+  ASSERT_TRUE(sockets_.Add(other_.client(), &opener_));
+  sockets_.Settle(&opener_, other_.client());
+  EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
+  EXPECT_EQ(Find(other_), other_.client());
+}
+
+TEST_F(AbandonedSocketTest, IsForgottenWhenItsRequestIsDropped) {
+  const int other_opener = 0;
+  ASSERT_TRUE(sockets_.Add(client_, &opener_));
+  ASSERT_TRUE(sockets_.Add(other_.client(), &other_opener));
+  sockets_.Settle(&opener_, ConnectionSockets::kNone);
+  EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
+  EXPECT_EQ(Find(other_), other_.client());
+}
+
+// The connection stays for later requests.
+TEST_F(AbandonedSocketTest, IsNotOneWhoseRequestHasEnded) {
+  ASSERT_TRUE(sockets_.Add(client_, &opener_));
+  sockets_.Settle(&opener_, client_);
+  sockets_.Settle(&opener_, ConnectionSockets::kNone);
+  EXPECT_EQ(Find(connection_), client_);
 }
 
 }  // namespace

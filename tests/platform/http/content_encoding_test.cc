@@ -3,14 +3,13 @@
 
 #include <string>
 
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
-
-constexpr char kGzipHeader[] = "Content-Encoding: gzip\r\n";
 
 // Text that compresses a little, so that there are bytes to cut.
 std::string LongText() {
@@ -24,40 +23,37 @@ class ContentEncodingTest : public TransportTest {
   // Downloads `response`. Gives the body, after "+" when it was received.
   static std::string Download(const std::string& response) {
     const RawServer server(AlwaysThenClose(response));
-    InternetData transport(Text(server.Url()));
-    if (transport.Download()) return "+" + BodyOf(transport);
-    ExpectFailureState(transport, 200);
-    return "failed";
+    const Answer answer = Ask(Way::kDownload, server.Url(), "");
+    EXPECT_EQ(answer.status, 200);
+    return answer.received ? "+" + answer.body : "failed";
+  }
+  static std::string Encoded(const std::string& encoding, const std::string& body) {
+    return Download(Response(200, body, "Content-Encoding: " + encoding + "\r\n"));
   }
 };
 
 TEST_F(ContentEncodingTest, OffersOnlyGzip) {
   const RawServer server(Always(Response(200, "")));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(server.requests().at(0).Header("Accept-Encoding"), "gzip");
-  EXPECT_FALSE(server.requests().at(0).HasHeader("TE"));
+  EXPECT_TRUE(Get(server.Url()).received);
+  EXPECT_EQ(LastRequest(server).Header("Accept-Encoding"), "gzip");
+  EXPECT_FALSE(LastRequest(server).HasHeader("TE"));
 }
 
 TEST_F(ContentEncodingTest, DecodesGzipInAnySpelling) {
   for (const char* name : {"gzip", "GZip", "x-gzip", " gzip\t"}) {
-    EXPECT_EQ(
-        Download(Response(200, Gzip("hello"), "Content-Encoding: " + std::string(name) + "\r\n")),
-        "+hello")
-        << name;
+    EXPECT_EQ(Encoded(name, Gzip("hello")), "+hello") << name;
   }
 }
 
 TEST_F(ContentEncodingTest, DecodesGzipInEveryFraming) {
   const std::string text = LongText();
   const std::string body = Gzip(text);
-  EXPECT_TRUE(Download(Response(200, body, kGzipHeader)) == "+" + text);
+  EXPECT_TRUE(Encoded("gzip", body) == "+" + text);
   EXPECT_TRUE(Download("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + body) == "+" + text);
   std::string chunks =
       "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nTransfer-Encoding: chunked\r\n\r\n";
   for (const char byte : body) chunks += std::string("1\r\n") + byte + "\r\n";
-  chunks += "0\r\n\r\n";
-  EXPECT_TRUE(Download(chunks) == "+" + text);
+  EXPECT_TRUE(Download(chunks + "0\r\n\r\n") == "+" + text);
 }
 
 TEST_F(ContentEncodingTest, DecodesGzipThatArrivesByteByByte) {
@@ -65,35 +61,32 @@ TEST_F(ContentEncodingTest, DecodesGzipThatArrivesByteByByte) {
   const RawServer server([&response](const RawRequest&, RawConnection& connection) {
     connection.Drip(response, std::chrono::milliseconds(1));
   });
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "hello");
+  EXPECT_EQ(Get(server.Url()), Received(200, "hello"));
 }
 
 TEST_F(ContentEncodingTest, DecodesEveryMemberOfAGzipStream) {
-  EXPECT_EQ(Download(Response(200, Gzip("one ") + Gzip("") + Gzip("two"), kGzipHeader)),
-            "+one two");
+  EXPECT_EQ(Encoded("gzip", Gzip("one ") + Gzip("") + Gzip("two")), "+one two");
 }
 
 TEST_F(ContentEncodingTest, EmptyGzipIsAnEmptyBody) {
-  EXPECT_EQ(Download(Response(200, Gzip(""), kGzipHeader)), "+");
-  EXPECT_EQ(Download(Response(200, "", kGzipHeader)), "+");
+  EXPECT_EQ(Encoded("gzip", Gzip("")), "+");
+  EXPECT_EQ(Encoded("gzip", ""), "+");
 }
 
 TEST_F(ContentEncodingTest, AcceptsIdentity) {
-  EXPECT_EQ(Download(Response(200, "hello", "Content-Encoding: identity\r\n")), "+hello");
+  EXPECT_EQ(Encoded("identity", "hello"), "+hello");
   EXPECT_EQ(Download(Response(200, "hello", "Content-Encoding:\r\n")), "+hello");
 }
 
 TEST_F(ContentEncodingTest, RefusesGzipTruncatedAnywhere) {
   const std::string body = Gzip("hello world, hello world");
   for (std::size_t length = 1; length < body.size(); ++length) {
-    EXPECT_EQ(Download(Response(200, body.substr(0, length), kGzipHeader)), "failed") << length;
+    EXPECT_EQ(Encoded("gzip", body.substr(0, length)), "failed") << length;
   }
   const std::string two = body + Gzip("more");
-  EXPECT_EQ(Download(Response(200, two.substr(0, body.size() + 5), kGzipHeader)), "failed");
+  EXPECT_EQ(Encoded("gzip", two.substr(0, body.size() + 5)), "failed");
   const std::string large = Gzip(LongText());
-  EXPECT_EQ(Download(Response(200, large.substr(0, large.size() / 2), kGzipHeader)), "failed");
+  EXPECT_EQ(Encoded("gzip", large.substr(0, large.size() / 2)), "failed");
 }
 
 TEST_F(ContentEncodingTest, RefusesCorruptGzip) {
@@ -103,23 +96,20 @@ TEST_F(ContentEncodingTest, RefusesCorruptGzip) {
        {std::size_t{0}, std::size_t{2}, body.size() / 2, body.size() - 7, body.size() - 2}) {
     std::string corrupt = body;
     corrupt[place] = static_cast<char>(corrupt[place] ^ 0x55);
-    EXPECT_EQ(Download(Response(200, corrupt, kGzipHeader)), "failed") << place;
+    EXPECT_EQ(Encoded("gzip", corrupt), "failed") << place;
   }
-  EXPECT_EQ(Download(Response(200, "hello", kGzipHeader)), "failed");
-  EXPECT_EQ(Download(Response(200, Deflate("hello"), kGzipHeader)), "failed");
-  EXPECT_EQ(Download(Response(200, Gzip("hello") + "garbage", kGzipHeader)), "failed");
-  EXPECT_EQ(Download(Response(200, Gzip("hello") + std::string(10, '\0'), kGzipHeader)), "failed");
+  EXPECT_EQ(Encoded("gzip", "hello"), "failed");
+  EXPECT_EQ(Encoded("gzip", Deflate("hello")), "failed");
+  EXPECT_EQ(Encoded("gzip", Gzip("hello") + "garbage"), "failed");
+  EXPECT_EQ(Encoded("gzip", Gzip("hello") + std::string(10, '\0')), "failed");
 }
 
 TEST_F(ContentEncodingTest, RefusesOtherEncodings) {
   for (const char* name : {"br", "deflate", "zstd", "compress", "gzip, gzip", "gzip, br",
                            "br, gzip", "identity, gzip", "rot13", "gzip;q=1"}) {
-    EXPECT_EQ(
-        Download(Response(200, Gzip("hello"), "Content-Encoding: " + std::string(name) + "\r\n")),
-        "failed")
-        << name;
+    EXPECT_EQ(Encoded(name, Gzip("hello")), "failed") << name;
   }
-  EXPECT_EQ(Download(Response(200, Deflate("hello"), "Content-Encoding: deflate\r\n")), "failed");
+  EXPECT_EQ(Encoded("deflate", Deflate("hello")), "failed");
   EXPECT_EQ(Download(Response(200, Gzip(Gzip("hello")), std::string(kGzipHeader) + kGzipHeader)),
             "failed");
 }
@@ -134,17 +124,10 @@ TEST_F(ContentEncodingTest, RefusesGzipAsTransferEncoding) {
 }
 
 TEST_F(ContentEncodingTest, IgnoresTheEncodingOfARedirect) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    if (request.target == "/") {
-      connection.Write(
-          Response(302, Gzip("moved"), std::string("Location: /next\r\n") + kGzipHeader));
-    } else {
-      connection.Write(Response(200, "plain"));
-    }
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "plain");
+  const RawServer server(
+      FirstThen(Response(302, Gzip("moved"), std::string("Location: /next\r\n") + kGzipHeader),
+                Response(200, "plain")));
+  EXPECT_EQ(Get(server.Url()), Received(200, "plain"));
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include <string>
 
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 
@@ -35,8 +34,18 @@ class DeletionFixture : public TransportTest, public ::testing::WithParamInterfa
     background.transport.reset();
   }
 
+  // Starts a transfer and waits until the server has its request.
+  static void StartAt(const RawServer& server, Background& background) {
+    ASSERT_TRUE(background.Start());
+    ASSERT_TRUE(server.WaitForRequests(1));
+  }
+
   const RawServer hello_{Always(Response(200, "hello"))};
 };
+
+#define IN_BOTH_ORDERS(Suite) \
+  INSTANTIATE_TEST_SUITE_P(   \
+      , Suite, testing::Values(Order::kDelegateFirst, Order::kTransportFirst), NameOfOrder)
 
 }  // namespace stowra_test
 

@@ -3,14 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
-#include <memory>
+#include <deque>
+#include <functional>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
+#include "common_stowraapi/platform/notification_center.h"
 #include "tests/platform/http/deletion_fixture.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/support/full_listener.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -25,8 +30,7 @@ class DeletionTest : public DeletionFixture {
     const auto begin = Clock::now();
     DeleteBoth(background);
     EXPECT_LT(Clock::now() - begin, kSoon);
-    LetWorkerCatchUp();
-    EXPECT_TRUE(background.recorder.entries().empty());
+    EXPECT_EQ(background.CountPosts(), 0U);
   }
 
   // Deletes one object and then the other right after the start. Expects no post after the first.
@@ -37,15 +41,12 @@ class DeletionTest : public DeletionFixture {
       DeleteFirst(background);
       const std::size_t posted = background.recorder.entries().size();
       DeleteBoth(background);
-      LetWorkerCatchUp();
-      EXPECT_EQ(background.recorder.entries().size(), posted);
+      EXPECT_EQ(background.CountPosts(), posted);
     }
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Orders, DeletionTest,
-                         ::testing::Values(Order::kDelegateFirst, Order::kTransportFirst),
-                         NameOfOrder);
+IN_BOTH_ORDERS(DeletionTest);
 
 TEST_P(DeletionTest, BeforeAnyTransfer) {
   Background background(hello_.Url());
@@ -71,12 +72,10 @@ TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
   ASSERT_TRUE(entered.Wait());
   const RawServer server(Always(Response(200, "hello")));
   NotificationRecorder recorder({kWaiting});
-  auto delegate = MakeDelegate(nullptr, kWaiting, kWaiting);
-  auto transport = std::make_unique<InternetData>(Text(server.Url()));
-  ASSERT_TRUE(transport->DownloadWithDelegate(delegate.get(), nullptr));
-  if (GetParam() == Order::kDelegateFirst) delegate.reset();
-  transport.reset();
-  delegate.reset();
+  Background waiting(server.Url());
+  waiting.delegate = MakeDelegate(nullptr, kWaiting, kWaiting);
+  ASSERT_TRUE(waiting.Start());
+  DeleteBoth(waiting);
   go_on.Set();
   LetWorkerCatchUp();
   EXPECT_TRUE(recorder.entries().empty());
@@ -86,16 +85,13 @@ TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
 TEST_P(DeletionTest, WhileTheServerIsSilent) {
   const RawServer server(Silence());
   Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(server.WaitForRequests(1));
+  StartAt(server, background);
   ExpectQuickDeletion(background);
   EXPECT_TRUE(server.WaitUntilUnused());
 }
 
 TEST_P(DeletionTest, WhileAnUploadIsSent) {
-  const RawServer server(
-      [](const RawRequest&, RawConnection& connection) { connection.StallWithoutReading(); },
-      {nullptr, false, 4096});
+  const RawServer server(AnswerUnread(""), kUnread);
   Background background(server.Url());
   ASSERT_TRUE(background.StartUpload(std::string(kLargeBody, 'x')));
   ASSERT_TRUE(server.WaitForRequests(1));
@@ -123,21 +119,14 @@ TEST_P(DeletionTest, WhileTlsIsNegotiated) {
 TEST_P(DeletionTest, OfOneObjectEndsTheTransfer) {
   const RawServer server(Silence());
   Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(server.WaitForRequests(1));
+  StartAt(server, background);
   DeleteFirst(background);
   EXPECT_TRUE(server.WaitUntilUnused());
-  LetWorkerCatchUp();
-  EXPECT_TRUE(background.recorder.entries().empty());
+  EXPECT_EQ(background.CountPosts(), 0U);
 }
 
 TEST_P(DeletionTest, WhileTheBodyArrives) {
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
-    const std::string piece(1 << 16, 'x');
-    while (connection.Write(piece)) {
-    }
-  });
+  const RawServer server(Endless("HTTP/1.1 200 OK\r\n\r\n"));
   Event progress;
   InternetData::SetTransferListener([&progress](const TransferEvent& event) {
     if (event.kind == TransferEvent::Kind::kProgress) progress.Set();
@@ -147,9 +136,7 @@ TEST_P(DeletionTest, WhileTheBodyArrives) {
   ASSERT_TRUE(progress.Wait());
   DeleteBoth(background);
   EXPECT_TRUE(server.WaitUntilUnused());
-  LetWorkerCatchUp();
-  EXPECT_TRUE(background.recorder.entries().empty());
-  InternetData::SetTransferListener(nullptr);
+  EXPECT_EQ(background.CountPosts(), 0U);
 }
 
 TEST_P(DeletionTest, AfterTheEnd) {
@@ -157,25 +144,135 @@ TEST_P(DeletionTest, AfterTheEnd) {
   ASSERT_TRUE(background.Start());
   EXPECT_EQ(background.WaitForEnd(), kReturned);
   DeleteBoth(background);
-  LetWorkerCatchUp();
-  EXPECT_EQ(background.recorder.entries().size(), 1U);
+  EXPECT_EQ(background.CountPosts(), 1U);
 }
 
 TEST_P(DeletionTest, OfManyStalledTransfersIsQuick) {
-  constexpr std::size_t kCount = 300;
   const RawServer server(Silence());
-  std::vector<std::unique_ptr<Background>> all;
-  for (std::size_t i = 0; i < kCount; ++i) {
-    all.push_back(std::make_unique<Background>(server.Url()));
-    ASSERT_TRUE(all.back()->Start());
-  }
+  std::deque<Background> all;
+  for (int i = 0; i < 300; ++i) ASSERT_TRUE(all.emplace_back(server.Url()).Start());
   ASSERT_TRUE(server.WaitForRequests(1));
   const auto begin = Clock::now();
-  for (const auto& each : all) DeleteBoth(*each);
+  for (Background& each : all) DeleteBoth(each);
   EXPECT_LT(Clock::now() - begin, kSoon);
   EXPECT_TRUE(server.WaitUntilUnused());
   LetWorkerCatchUp();
-  for (const auto& each : all) EXPECT_TRUE(each->recorder.entries().empty());
+  for (Background& each : all) EXPECT_TRUE(each.recorder.entries().empty());
+}
+
+// Deletion while a notification is delivered.
+
+// A name that no transfer of Background posts.
+constexpr char kOther[] = "DeletionInDeliveryTestOther";
+
+// How long to wait for a destructor that returns too early.
+constexpr std::chrono::milliseconds kTooEarly(100);
+
+class DeletionInDeliveryTest : public DeletionFixture {
+ protected:
+  // Deletes both objects inside the notification, which must be `name` and the only one.
+  static void ExpectDeletionInside(const std::string& url, const char* name) {
+    Event deleted;
+    Background background(url, [&] {
+      DeleteBoth(background);
+      deleted.Set();
+    });
+    ASSERT_TRUE(background.Start());
+    EXPECT_TRUE(deleted.Wait());
+    LetWorkerCatchUp();
+    EXPECT_EQ(background.recorder.names(), std::vector<std::string>{name});
+  }
+};
+
+IN_BOTH_ORDERS(DeletionInDeliveryTest);
+
+TEST_P(DeletionInDeliveryTest, InsideTheNotification) {
+  ExpectDeletionInside(hello_.Url(), kReturned);
+}
+
+TEST_P(DeletionInDeliveryTest, InsideTheNotificationOfAFailure) {
+  ExpectDeletionInside("none:", kFailed);
+}
+
+TEST_P(DeletionInDeliveryTest, DuringThePostWaitsForItsEnd) {
+  Event entered;
+  Event deleted;
+  std::atomic<bool> returned_too_early{false};
+  std::atomic<bool> left{false};
+  Background background(hello_.Url(), [&] {
+    entered.Set();
+    returned_too_early = deleted.Wait(kTooEarly);
+    left = true;
+  });
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(entered.Wait());
+  DeleteFirst(background);
+  EXPECT_TRUE(left);
+  deleted.Set();
+  DeleteBoth(background);
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST_P(DeletionInDeliveryTest, InsideAnotherDeliveryWaitsForAPostUnderWay) {
+  Event entered;
+  Event deleted;
+  std::atomic<bool> returned_too_early{false};
+  Background background(hello_.Url(), [&] {
+    entered.Set();
+    returned_too_early = deleted.Wait(kTooEarly);
+  });
+  NotificationRecorder other({kOther}, [&] {
+    DeleteFirst(background);
+    deleted.Set();
+  });
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(entered.Wait());
+  CNotificationCenter::Default()->SendNotification(kOther, nullptr);
+  DeleteBoth(background);
+  EXPECT_TRUE(background.recorder.WaitFor(1));
+  EXPECT_FALSE(returned_too_early);
+}
+
+TEST_P(DeletionInDeliveryTest, OnTheWorkerDoesNotWaitForAPostUnderWay) {
+  Event entered;
+  Event deleted;
+  std::function<void()> completion;
+  Event queued;
+  InternetData::SetCompletionExecutor([&](std::function<void()> work) {
+    completion = std::move(work);
+    queued.Set();
+  });
+  Background background(hello_.Url(), [&] {
+    entered.Set();
+    EXPECT_TRUE(deleted.Wait());
+  });
+  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(queued.Wait());
+  InternetData::SetCompletionExecutor(nullptr);
+  std::thread runner([&completion] { completion(); });
+  ASSERT_TRUE(entered.Wait());
+
+  NotificationRecorder on_worker({kOther}, [&] {
+    DeleteFirst(background);
+    deleted.Set();
+  });
+  const auto delegate = MakeDelegate(nullptr, kOther, kOther);
+  InternetData transport(Text("none:"));
+  ASSERT_TRUE(transport.DownloadWithDelegate(delegate.get(), nullptr));
+  EXPECT_TRUE(on_worker.WaitFor(1));
+  runner.join();
+}
+
+TEST_P(DeletionInDeliveryTest, FromTwoThreadsAtTheSameTime) {
+  for (int i = 0; i < 50; ++i) {
+    Background background(hello_.Url());
+    ASSERT_TRUE(background.Start());
+    std::thread other([&background] { background.delegate.reset(); });
+    background.transport.reset();
+    other.join();
+    const std::size_t posted = background.recorder.entries().size();
+    EXPECT_EQ(background.CountPosts(), posted);
+  }
 }
 
 }  // namespace

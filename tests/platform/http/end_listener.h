@@ -4,31 +4,42 @@
 #ifndef TESTS_PLATFORM_HTTP_END_LISTENER_H_
 #define TESTS_PLATFORM_HTTP_END_LISTENER_H_
 
+#include <gtest/gtest.h>
+
 #include <mutex>
 #include <string>
 
-#include "common_stowraapi/platform/transfer_types.h"
 #include "tests/faults/ask.h"
+#include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
 
 using ovrant::internet::TransferError;
 
-// Takes the place of the transfer listener from construction to destruction.
+// Holds the last kEnded. Takes the place of the transfer listener from construction to destruction.
 class EndListener {
  public:
-  EndListener();
-  ~EndListener();
+  EndListener() {
+    InternetData::SetTransferListener([this](const TransferEvent& event) {
+      if (event.kind != TransferEvent::Kind::kEnded) return;
+      const std::lock_guard<std::mutex> lock(mutex_);
+      last_ = event;
+    });
+  }
+  ~EndListener() { InternetData::SetTransferListener(nullptr); }
 
   EndListener(const EndListener&) = delete;
   EndListener& operator=(const EndListener&) = delete;
 
-  // The last kEnded. An empty event of kind kStarted if there was none.
-  ovrant::internet::TransferEvent last() const;
+  // An empty event of kind kStarted if there was none.
+  TransferEvent last() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return last_;
+  }
 
  private:
   mutable std::mutex mutex_;
-  ovrant::internet::TransferEvent last_;
+  TransferEvent last_;
 };
 
 constexpr Way kAllWays[] = {
@@ -37,7 +48,23 @@ constexpr Way kAllWays[] = {
 
 // Makes one transfer and returns why it failed. Expects that the event, LastError and the result
 // agree.
-TransferError ReasonOf(Way way, const std::string& url, const std::string& upload = "data");
+inline TransferError ReasonOf(Way way, const std::string& url, const std::string& upload = "data") {
+  const EndListener listener;
+  const Answer answer = Ask(way, url, upload);
+  const TransferEvent end = listener.last();
+  EXPECT_EQ(end.kind, TransferEvent::Kind::kEnded);
+  EXPECT_EQ(end.reason == TransferError::kNone, answer.received);
+  EXPECT_EQ(end.error.empty(), answer.received);
+  EXPECT_EQ(end.status, answer.status);
+  EXPECT_TRUE(!IsBlocking(way) || InternetData::LastError() == end.reason);
+  return end.reason;
+}
+
+// Make a blocking GET, or a POST of `data`, and return the answer with the reason of a failure.
+inline Answer Get(const std::string& url) { return AskForReason(Way::kDownload, url, ""); }
+inline Answer PostTo(const std::string& url, const std::string& data) {
+  return AskForReason(Way::kSendAndRead, url, data);
+}
 
 }  // namespace stowra_test
 

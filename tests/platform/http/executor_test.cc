@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/platform/http/handlers.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -48,34 +48,44 @@ class Queue {
 
 class ExecutorTest : public TransportTest {
  protected:
-  ExecutorTest() {
+  ExecutorTest() { SetQueue(); }
+  ~ExecutorTest() override { InternetData::SetCompletionExecutor(nullptr); }
+
+  void SetQueue() {
     InternetData::SetCompletionExecutor(
         [this](std::function<void()> work) { queue_.Push(std::move(work)); });
   }
-  ~ExecutorTest() override { InternetData::SetCompletionExecutor(nullptr); }
 
-  // Starts `background` and takes its completion.
-  std::function<void()> StartAndTake(Background& background) {
-    EXPECT_TRUE(background.Start());
+  std::function<void()> Take() {
     auto completion = queue_.Take();
     EXPECT_TRUE(completion);
     return completion;
   }
 
+  // Starts a transfer and takes its completion.
+  std::function<void()> StartAndTake(Background& background) {
+    EXPECT_TRUE(background.Start());
+    return Take();
+  }
+  std::function<void()> StartAndTake() { return StartAndTake(background_); }
+
+  std::size_t CountPosts() { return background_.recorder.entries().size(); }
+
   const RawServer server_{Always(Response(200, "hello"))};
   Queue queue_;
+  std::function<void()> on_post_ = [] {};
+  Background background_{server_.Url(), [this] { on_post_(); }};
 };
 
 TEST_F(ExecutorTest, CompletionPostsOnTheThreadThatRunsIt) {
-  Background background(server_.Url());
-  const auto completion = StartAndTake(background);
-  EXPECT_TRUE(background.recorder.entries().empty());
+  const auto completion = StartAndTake();
+  EXPECT_EQ(CountPosts(), 0U);
   completion();
-  const auto entries = background.recorder.entries();
+  const auto entries = background_.recorder.entries();
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_EQ(entries[0].name, kReturned);
   EXPECT_EQ(entries[0].thread, std::this_thread::get_id());
-  EXPECT_EQ(BodyOf(*background.transport), "hello");
+  EXPECT_EQ(BodyOf(*background_.transport), "hello");
 }
 
 TEST_F(ExecutorTest, CompletesFailuresToo) {
@@ -85,126 +95,98 @@ TEST_F(ExecutorTest, CompletesFailuresToo) {
 }
 
 TEST_F(ExecutorTest, ResponseAppearsJustBeforeThePost) {
-  Background background(server_.Url());
-  const auto completion = StartAndTake(background);
-  ExpectFailureState(*background.transport);
-  completion();
-  EXPECT_EQ(background.transport->status_code(), 200);
-}
-
-TEST_F(ExecutorTest, ResponseIsReadableInsideTheNotification) {
   std::string body;
-  Background* current = nullptr;
-  Background background(server_.Url(), [&] { body = BodyOf(*current->transport); });
-  current = &background;
-  StartAndTake(background)();
+  on_post_ = [&] { body = BodyOf(*background_.transport); };
+  const auto completion = StartAndTake();
+  ExpectFailureState(*background_.transport);
+  completion();
+  EXPECT_EQ(background_.transport->status_code(), 200);
   EXPECT_EQ(body, "hello");
 }
 
 TEST_F(ExecutorTest, SecondRunOfACompletionDoesNothing) {
-  Background background(server_.Url());
-  const auto completion = StartAndTake(background);
+  const auto completion = StartAndTake();
   const auto copy = completion;
   completion();
   completion();
   copy();
-  EXPECT_EQ(background.recorder.entries().size(), 1U);
+  EXPECT_EQ(CountPosts(), 1U);
 }
 
-TEST_F(ExecutorTest, CompletionPostsNothingAfterBothAreDeleted) {
-  Background background(server_.Url());
-  const auto completion = StartAndTake(background);
-  background.delegate.reset();
-  background.transport.reset();
-  completion();
-  EXPECT_TRUE(background.recorder.entries().empty());
-}
-
-TEST_F(ExecutorTest, CompletionPostsNothingAfterTheDelegateIsDeleted) {
-  Background background(server_.Url());
-  const auto completion = StartAndTake(background);
-  background.delegate.reset();
-  completion();
-  EXPECT_TRUE(background.recorder.entries().empty());
-}
-
-TEST_F(ExecutorTest, CompletionPostsNothingAfterTheTransportIsDeleted) {
-  Background background(server_.Url());
-  const auto completion = StartAndTake(background);
-  background.transport.reset();
-  completion();
-  EXPECT_TRUE(background.recorder.entries().empty());
+TEST_F(ExecutorTest, CompletionPostsNothingAfterADeletion) {
+  constexpr struct {
+    bool delegate, transport;
+  } kDeleted[] = {{true, true}, {true, false}, {false, true}};
+  for (const auto& deleted : kDeleted) {
+    Background background(server_.Url());
+    const auto completion = StartAndTake(background);
+    if (deleted.delegate) background.delegate.reset();
+    if (deleted.transport) background.transport.reset();
+    completion();
+    EXPECT_TRUE(background.recorder.entries().empty())
+        << (deleted.delegate ? "delegate " : "") << (deleted.transport ? "transport" : "");
+  }
 }
 
 TEST_F(ExecutorTest, CompletionOfAReplacedTransferPostsNothing) {
-  Background background(server_.Url());
-  const auto first = StartAndTake(background);
-  const auto second = StartAndTake(background);
+  const auto first = StartAndTake();
+  const auto second = StartAndTake();
   first();
-  EXPECT_TRUE(background.recorder.entries().empty());
-  ExpectFailureState(*background.transport);
+  EXPECT_EQ(CountPosts(), 0U);
+  ExpectFailureState(*background_.transport);
   second();
-  EXPECT_EQ(background.recorder.entries().size(), 1U);
-  EXPECT_EQ(BodyOf(*background.transport), "hello");
+  EXPECT_EQ(CountPosts(), 1U);
+  EXPECT_EQ(BodyOf(*background_.transport), "hello");
 }
 
 TEST_F(ExecutorTest, CompletionMayBeDestroyedWhileItRuns) {
-  std::function<void()> completion;
-  Background* current = nullptr;
-  Background background(server_.Url(), [&] {
+  std::function<void()> completion = StartAndTake();
+  on_post_ = [&] {
     completion = nullptr;
-    EXPECT_EQ(BodyOf(*current->transport), "hello");
-  });
-  current = &background;
-  completion = StartAndTake(background);
+    EXPECT_EQ(BodyOf(*background_.transport), "hello");
+  };
   completion();
   EXPECT_FALSE(completion);
-  EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kReturned});
+  EXPECT_EQ(background_.recorder.names(), std::vector<std::string>{kReturned});
 }
 
 TEST_F(ExecutorTest, EverythingMayBeDestroyedWhileACompletionRuns) {
-  std::function<void()> completion;
-  Background* current = nullptr;
-  Background background(server_.Url(), [&] {
+  std::function<void()> completion = StartAndTake();
+  on_post_ = [&] {
     completion = nullptr;
-    current->transport.reset();
-    current->delegate.reset();
-  });
-  current = &background;
-  completion = StartAndTake(background);
+    background_.transport.reset();
+    background_.delegate.reset();
+  };
   completion();
-  EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kReturned});
+  EXPECT_EQ(background_.recorder.names(), std::vector<std::string>{kReturned});
 }
 
 TEST_F(ExecutorTest, CompletionMayRunInsideItself) {
-  std::function<void()> completion;
-  Background background(server_.Url(), [&] { completion(); });
-  completion = StartAndTake(background);
+  const auto completion = StartAndTake();
+  on_post_ = completion;
   completion();
-  EXPECT_EQ(background.recorder.entries().size(), 1U);
+  EXPECT_EQ(CountPosts(), 1U);
 }
 
 TEST_F(ExecutorTest, CompletionMayBeDestroyedUnrun) {
-  Background background(server_.Url());
-  { const auto dropped = StartAndTake(background); }
-  background.transport.reset();
-  background.delegate.reset();
-  EXPECT_TRUE(background.recorder.entries().empty());
+  StartAndTake();
+  background_.transport.reset();
+  background_.delegate.reset();
+  EXPECT_EQ(CountPosts(), 0U);
 }
 
 TEST_F(ExecutorTest, DeletionWaitsForACompletionThatRunsOnAnotherThread) {
   Event entered;
   Event deleted;
   std::atomic<bool> returned_too_early{false};
-  Background background(server_.Url(), [&] {
+  on_post_ = [&] {
     entered.Set();
     returned_too_early = deleted.Wait(std::chrono::milliseconds(100));
-  });
-  auto completion = StartAndTake(background);
-  std::thread runner([&completion] { completion(); });
+  };
+  std::thread runner(StartAndTake());
   EXPECT_TRUE(entered.Wait());
-  background.delegate.reset();
-  background.transport.reset();
+  background_.delegate.reset();
+  background_.transport.reset();
   deleted.Set();
   runner.join();
   EXPECT_FALSE(returned_too_early);
@@ -212,42 +194,33 @@ TEST_F(ExecutorTest, DeletionWaitsForACompletionThatRunsOnAnotherThread) {
 
 TEST_F(ExecutorTest, EmptyFunctionRestoresTheDefault) {
   InternetData::SetCompletionExecutor(nullptr);
-  Background background(server_.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  ASSERT_TRUE(background_.Start());
+  EXPECT_EQ(background_.WaitForEnd(), kReturned);
   EXPECT_TRUE(queue_.IsEmpty());
-  EXPECT_NE(background.recorder.entries().at(0).thread, std::this_thread::get_id());
+  EXPECT_NE(background_.recorder.entries().at(0).thread, std::this_thread::get_id());
 }
 
 TEST_F(ExecutorTest, IsReadWhenATransferEnds) {
   Event answer;
-  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
-    EXPECT_TRUE(answer.Wait());
-    connection.Write(Response(200, "hello"));
-  });
+  const RawServer server(AnswerAfter(answer, Response(200, "hello")));
   InternetData::SetCompletionExecutor(nullptr);
   Background background(server.Url());
   ASSERT_TRUE(background.Start());
   ASSERT_TRUE(server.WaitForRequests(1));
-  InternetData::SetCompletionExecutor(
-      [this](std::function<void()> work) { queue_.Push(std::move(work)); });
+  SetQueue();
   answer.Set();
-  const auto completion = queue_.Take();
-  ASSERT_TRUE(completion);
-  completion();
+  Take()();
   EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kReturned});
 }
 
 TEST_F(ExecutorTest, MayRunTheCompletionItself) {
   InternetData::SetCompletionExecutor([](std::function<void()> work) { work(); });
-  Background background(server_.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  ASSERT_TRUE(background_.Start());
+  EXPECT_EQ(background_.WaitForEnd(), kReturned);
 }
 
 TEST_F(ExecutorTest, IsNotUsedForSynchronousTransfers) {
-  InternetData transport(Text(server_.Url()));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(background_.transport->Download());
   EXPECT_TRUE(queue_.IsEmpty());
 }
 
@@ -260,27 +233,20 @@ TEST_F(ExecutorTest, ReplacementWaitsForACallOnAnotherThread) {
     returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
     work();
   });
-  Background background(server_.Url());
-  ASSERT_TRUE(background.Start());
+  ASSERT_TRUE(background_.Start());
   ASSERT_TRUE(entered.Wait());
   InternetData::SetCompletionExecutor(nullptr);
   replaced.Set();
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(background_.WaitForEnd(), kReturned);
   EXPECT_FALSE(returned_too_early);
 }
 
 TEST_F(ExecutorTest, NotificationMayStartTheNextTransfer) {
   int starts = 1;
-  Background* current = nullptr;
-  Background background(server_.Url(), [&] { EXPECT_TRUE(++starts > 3 || current->Start()); });
-  current = &background;
-  ASSERT_TRUE(background.Start());
-  for (int i = 0; i < 3; ++i) {
-    const auto completion = queue_.Take();
-    ASSERT_TRUE(completion);
-    completion();
-  }
-  EXPECT_EQ(background.recorder.entries().size(), 3U);
+  on_post_ = [&] { EXPECT_TRUE(++starts > 3 || background_.Start()); };
+  ASSERT_TRUE(background_.Start());
+  for (int i = 0; i < 3; ++i) Take()();
+  EXPECT_EQ(CountPosts(), 3U);
 }
 
 }  // namespace

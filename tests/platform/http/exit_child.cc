@@ -47,6 +47,12 @@ void Say(const char* text) {
 
 void Leave() { Say(kExitChildLeaving); }
 
+int WaitAndLeave() {
+  WaitForWord();
+  Leave();
+  return kExitChildCode;
+}
+
 namespace {
 
 using ovrant::internet::InternetData;
@@ -79,7 +85,6 @@ void StartHeld() {
   held->Start();
 }
 
-// Runs a function at the end of each transfer.
 class Observer final : public ovrant::IObserver {
  public:
   explicit Observer(std::function<void()> function) : function_(std::move(function)) {
@@ -92,6 +97,12 @@ class Observer final : public ovrant::IObserver {
   const std::function<void()> function_;
 };
 
+// Runs a function at the end of each transfer, from now on.
+void Observe(const std::function<void()>& function) {
+  static const auto* const observer = new Observer(function);
+  static_cast<void>(observer);
+}
+
 // Never returns.
 [[noreturn]] void Sleep() {
   while (true) pause();
@@ -99,26 +110,20 @@ class Observer final : public ovrant::IObserver {
 
 int Return() {
   StartHeld();
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
+  return WaitAndLeave();
 }
 
 int ReturnAndDestroy() {
   Transfers transfers;
   transfers.Start();
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
+  return WaitAndLeave();
 }
 
 // Younger than the library's static objects, so it is destroyed before them.
 int ReturnWithYoungStatic() {
   static Transfers young;
   young.Start();
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
+  return WaitAndLeave();
 }
 
 // Destroyed after the library's own objects.
@@ -141,36 +146,27 @@ int ReturnWithOldStatic() {
   old_static.transfers = std::make_unique<Transfers>();
   old_static.transfers->Start();
   old_static.is_user = true;
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
+  return WaitAndLeave();
 }
 
 int Exit() {
   Transfers transfers;
   transfers.Start();
-  WaitForWord();
-  Leave();
-  std::exit(kExitChildCode);
+  std::exit(WaitAndLeave());
 }
 
 int ExitFromAnotherThread() {
   StartHeld();
-  std::thread([] {
-    WaitForWord();
-    Leave();
-    std::exit(kExitChildCode);
-  }).detach();
+  std::thread([] { std::exit(WaitAndLeave()); }).detach();
   Sleep();
 }
 
 // The server answers after the word.
 int ExitInsideANotification() {
-  static Observer* const observer = new Observer([] {
+  Observe([] {
     Leave();
     std::exit(kExitChildCode);
   });
-  static_cast<void>(observer);
   StartHeld();
   WaitForWord();
   Sleep();
@@ -190,11 +186,10 @@ int ExitInsideTheListener() {
 
 // The server answers at once. The observer of the first transfer never returns.
 int ReturnWhileAnObserverHangs() {
-  static Observer* const observer = new Observer([] {
+  Observe([] {
     Say(kExitChildReady);
     Sleep();
   });
-  static_cast<void>(observer);
   return Return();
 }
 
@@ -232,8 +227,7 @@ struct LateEnd {
 // The server answers at once. The observer of the first transfer is the last one called.
 int ReturnWhileAnObserverIsSlow() {
   late_end.is_user = true;
-  static Observer* const observer = new Observer([] { late_end.OnCall(); });
-  static_cast<void>(observer);
+  Observe([] { late_end.OnCall(); });
   return Return();
 }
 
@@ -243,9 +237,7 @@ int ReturnDuringABlockingDownload() {
     InternetData transport(blocking.c_str());
     transport.Download();
   }).detach();
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
+  return WaitAndLeave();
 }
 
 // The server answers at once. The completions are queued and never run.
@@ -258,6 +250,22 @@ int ReturnWithQueuedCompletions() {
     if (queue.size() == kExitChildTransfers) Say(kExitChildReady);
   });
   return Return();
+}
+
+// The exit status of a child when it has ended, or -1.
+int StatusOf(pid_t child) {
+  int status = 0;
+  return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Starts this program with `mode`, and returns its exit status.
+int RunAgain(const char* self, const char* mode) {
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(self, self, mode, static_cast<char*>(nullptr));
+    _exit(1);
+  }
+  return StatusOf(child);
 }
 
 int OpenConnections() {
@@ -278,13 +286,7 @@ int ForkAndExec(const char* self) {
   StartHeld();
   WaitForWord();
   if (OpenConnections() != kExitChildTransfers) return 1;
-  const pid_t child = fork();
-  if (child == 0) {
-    execl(self, self, "count-connections", static_cast<char*>(nullptr));
-    _exit(1);
-  }
-  int status = 0;
-  if (waitpid(child, &status, 0) != child || status != 0) return 2;
+  if (RunAgain(self, "count-connections") != 0) return 2;
   Leave();
   return kExitChildCode;
 }
@@ -309,9 +311,7 @@ int ForkAndExit() {
     is_forked_child = true;
     std::exit(3);
   }
-  int status = 0;
-  if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return 1;
-  if (WEXITSTATUS(status) != 0) return 2;
+  if (StatusOf(child) != 0) return 2;
   Leave();
   return kExitChildCode;
 }
@@ -337,20 +337,12 @@ int OpenDescriptors() {
 int ForkAndExecThenEnd(const char* self, int descriptors_at_first) {
   static std::promise<void> all_ended;
   static std::atomic<int> ended{0};
-  static Observer* const observer = new Observer([] {
+  Observe([] {
     if (++ended == kExitChildTransfers) all_ended.set_value();
   });
-  static_cast<void>(observer);
   StartHeld();
   WaitForWord();
-  const pid_t child = fork();
-  if (child == 0) {
-    execl(self, self, "count-descriptors", static_cast<char*>(nullptr));
-    _exit(1);
-  }
-  int status = 0;
-  if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return 2;
-  if (WEXITSTATUS(status) != descriptors_at_first) return 3;
+  if (RunAgain(self, "count-descriptors") != descriptors_at_first) return 3;
   Say(kExitChildReady);
   all_ended.get_future().wait();
   for (const auto& transport : held->transports) {

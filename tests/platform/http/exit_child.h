@@ -24,6 +24,7 @@ inline constexpr char kUnloadChildUnloaded[] = "unloaded";
 void WaitForWord();
 void Say(const char* text);
 void Leave();
+int WaitAndLeave();  // waits for the word, says that it leaves, and returns kExitChildCode
 
 // Exits while a request of each kind runs. Returns 2 when there is no such mode.
 int RunWithRequests(const std::string& mode, const std::string& url);

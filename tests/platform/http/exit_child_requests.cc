@@ -4,9 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <functional>
 #include <map>
-#include <memory>
 
 #include "common_stowraapi/common_stowraapi.h"
 #include "tests/platform/http/exit_child.h"
@@ -16,6 +14,9 @@ namespace {
 
 // One request of each kind.
 struct Requests {
+  Requests() = default;
+  explicit Requests(const std::string& url) { Start(url); }
+
   ovrant::webservices::UserInfoQuery user_info;
   ovrant::webservices::UpdateQuery update;
   ovrant::extensionstoreapi::ExtensionStoreStatus status;
@@ -36,36 +37,20 @@ Requests old_requests;
 // Never deleted, but still reachable.
 Requests* held_requests = nullptr;
 
-void StartHeldRequests(const std::string& url) {
-  held_requests = new Requests;
-  held_requests->Start(url);
-}
-
-int WaitAndLeave() {
-  WaitForWord();
-  Leave();
-  return kExitChildCode;
-}
-
 int Return(const std::string& url) {
-  StartHeldRequests(url);
+  held_requests = new Requests(url);
   return WaitAndLeave();
 }
 
 int ReturnAndDestroy(const std::string& url) {
-  Requests requests;
-  requests.Start(url);
+  const Requests requests(url);
   return WaitAndLeave();
 }
 
 int ReturnWithYoungStatic(const std::string& url) {
-  {
-    // The library's thread exists already.
-    Requests first;
-    first.Start(url);
-  }
-  static Requests young;
-  young.Start(url);
+  // The library's thread exists already.
+  { const Requests first(url); }
+  static const Requests young(url);
   return WaitAndLeave();
 }
 
@@ -75,22 +60,19 @@ int ReturnWithOldStatic(const std::string& url) {
 }
 
 int Exit(const std::string& url) {
-  Requests requests;
-  requests.Start(url);
+  const Requests requests(url);
   std::exit(WaitAndLeave());
 }
 
 int ExitAtOnce(const std::string& url) {
-  Requests requests;
-  requests.Start(url);
+  const Requests requests(url);
   _exit(WaitAndLeave());
 }
 
 #if !defined(__APPLE__)
 
 int QuickExit(const std::string& url) {
-  Requests requests;
-  requests.Start(url);
+  const Requests requests(url);
   std::quick_exit(WaitAndLeave());
 }
 

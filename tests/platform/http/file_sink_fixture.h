@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -19,13 +20,16 @@
 
 #include "common_stowraapi/platform/file_sink.h"
 #include "tests/platform/http/body_fixture.h"
-#include "tests/support/raw_server.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 
 using ovrant::internet::FileSink;
 using Names = std::vector<std::string>;
+
+constexpr FileSink::Start kAnew = FileSink::Start::kAnew;
+constexpr FileSink::Start kContinue = FileSink::Start::kContinue;
+constexpr FileSink::Existing kKeep = FileSink::Existing::kKeep;
 
 constexpr char kEtag[] = "ETag: \"v1\"\r\n";
 
@@ -96,25 +100,40 @@ class FileSinkFixture : public BodyFixture {
     return names;
   }
 
-  // Downloads `thing` to "x" with a new sink.
-  Answer Fetch(const Thing& thing, FileSink::Start start = FileSink::Start::kContinue,
-               FileSink::Existing existing = FileSink::Existing::kReplace) {
-    server_.reset();
-    served_ = thing;
-    server_ = std::make_unique<RawServer>(Serve(served_));
-    auto sink = std::make_shared<FileSink>(Path(), start, existing);
-    const Answer answer = Download(server_->Url(), sink);
+  // Sends "abcdef", and runs `between` when `part` holds the first half.
+  RawServer::Handler InHalves(std::function<void()> between, std::string part = "x.part",
+                              std::string headers = "") const {
+    return [=](const RawRequest&, RawConnection& connection) {
+      connection.Write("HTTP/1.1 200 OK\r\n" + headers + "Content-Length: 6\r\n\r\nabc");
+      EXPECT_TRUE(WaitForContent(part, "abc"));
+      between();
+      connection.Write("def");
+    };
+  }
+
+  // Download to `target` with a new sink, from `url` or from a server that has `thing`.
+  Answer FetchFrom(const std::string& url, FileSink::Start start = kContinue,
+                   FileSink::Existing existing = FileSink::Existing::kReplace) {
+    const auto sink = std::make_shared<FileSink>(Path(target), start, existing);
+    const Answer answer = Download(url, sink);
     error = sink->error();
     size = sink->size();
     continued = sink->continued_size();
     can_continue = sink->CanContinue();
     return answer;
   }
+  Answer Fetch(const Thing& thing, FileSink::Start start = kContinue,
+               FileSink::Existing existing = FileSink::Existing::kReplace) {
+    server_.reset();
+    served_ = thing;
+    server_ = std::make_unique<RawServer>(Serve(served_));
+    return FetchFrom(server_->Url(), start, existing);
+  }
 
   // Leaves a part of `bytes` bytes.
   void LeavePart(Thing thing, std::size_t bytes) {
     thing.cut = bytes;
-    EXPECT_EQ(Fetch(thing, FileSink::Start::kAnew), Failed(200, TransferError::kCutOff));
+    EXPECT_EQ(Fetch(thing, kAnew), Failed(200, TransferError::kCutOff));
     EXPECT_TRUE(can_continue);
     EXPECT_TRUE(Content("x.part") == thing.content.substr(0, bytes));
   }
@@ -126,12 +145,16 @@ class FileSinkFixture : public BodyFixture {
     EXPECT_EQ(error, 0);
   }
 
+  void ExpectPart() const { EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"})); }
+
   std::size_t CountRequests() const { return server_->requests().size(); }
   RawRequest First() const { return server_->requests().at(0); }
 
   const TemporaryFolder folder_;
   Thing served_;  // outlives the server
   std::unique_ptr<RawServer> server_;
+
+  std::string target = "x";
 
   // Of the last Fetch.
   int error = 0;

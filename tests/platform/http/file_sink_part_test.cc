@@ -17,13 +17,16 @@
 namespace stowra_test {
 namespace {
 
-class FileSinkPartTest : public FileSinkFixture {};
+class FileSinkPartTest : public FileSinkFixture {
+ protected:
+  Thing thing_{Letters(100)};
+};
 IN_BOTH_BODY_MODES(FileSinkPartTest);
 
 TEST_P(FileSinkPartTest, ContinuesWhatABrokenDownloadLeft) {
   const Thing thing{Letters(200000)};
   LeavePart(thing, 70000);
-  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+  ExpectPart();
   EXPECT_EQ(Fetch(thing), Received(206, ""));
   EXPECT_EQ(First().Header("Range"), "bytes=70000-");
   EXPECT_EQ(First().Header("If-Range"), "\"v1\"");
@@ -45,27 +48,25 @@ TEST_P(FileSinkPartTest, ContinuesTwice) {
 }
 
 TEST_P(FileSinkPartTest, OneSinkMayContinueItself) {
-  Thing thing{Letters(100)};
-  thing.cut = 30;
-  const RawServer server(Serve(thing));
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
+  thing_.cut = 30;
+  const RawServer server(Serve(thing_));
+  const auto sink = std::make_shared<FileSink>(Path(), kContinue);
   EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
-  thing.cut = SIZE_MAX;
+  thing_.cut = SIZE_MAX;
   EXPECT_EQ(Download(server.Url(), sink), Received(206, ""));
   EXPECT_EQ(sink->continued_size(), 30U);
-  EXPECT_EQ(Content(), thing.content);
+  EXPECT_EQ(Content(), thing_.content);
   EXPECT_EQ(All(), Names{"x"});
 }
 
 TEST_P(FileSinkPartTest, ContinuesByDateWithoutAnEtag) {
-  Thing thing{Letters(100)};
-  thing.headers =
+  thing_.headers =
       "ETag: W/\"weak\"\r\nLast-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n"
       "Date: Sun, 22 Nov 2026 08:01:00 GMT\r\n";
-  LeavePart(thing, 30);
-  EXPECT_EQ(Fetch(thing), Received(206, ""));
+  LeavePart(thing_, 30);
+  EXPECT_EQ(Fetch(thing_), Received(206, ""));
   EXPECT_EQ(First().Header("If-Range"), "Sun, 22 Nov 2026 08:00:00 GMT");
-  ExpectWhole(thing);
+  ExpectWhole(thing_);
 }
 
 TEST_P(FileSinkPartTest, LeavesNoPartWithoutAStrongValidator) {
@@ -83,15 +84,14 @@ TEST_P(FileSinkPartTest, LeavesNoPartWithoutAStrongValidator) {
 }
 
 TEST_P(FileSinkPartTest, BeginsAnewUnlessToldToContinue) {
-  const Thing thing{Letters(100)};
-  LeavePart(thing, 30);
-  EXPECT_EQ(Fetch(thing, FileSink::Start::kAnew), Received(200, ""));
+  LeavePart(thing_, 30);
+  EXPECT_EQ(Fetch(thing_, kAnew), Received(200, ""));
   EXPECT_FALSE(First().HasHeader("Range"));
-  ExpectWhole(thing);
+  ExpectWhole(thing_);
 }
 
 TEST_P(FileSinkPartTest, BeginsAnewWhenTheThingHasChanged) {
-  LeavePart({Letters(100)}, 30);
+  LeavePart(thing_, 30);
   Thing changed{"something else"};
   changed.headers = "ETag: \"v2\"\r\n";
   EXPECT_EQ(Fetch(changed), Received(200, ""));
@@ -101,12 +101,11 @@ TEST_P(FileSinkPartTest, BeginsAnewWhenTheThingHasChanged) {
 }
 
 TEST_P(FileSinkPartTest, BeginsAnewWithoutRangesOnTheServer) {
-  Thing thing{Letters(100)};
-  LeavePart(thing, 30);
-  thing.has_ranges = false;
-  EXPECT_EQ(Fetch(thing), Received(200, ""));
+  LeavePart(thing_, 30);
+  thing_.has_ranges = false;
+  EXPECT_EQ(Fetch(thing_), Received(200, ""));
   EXPECT_EQ(CountRequests(), 1U);
-  ExpectWhole(thing);
+  ExpectWhole(thing_);
 }
 
 TEST_P(FileSinkPartTest, AsksAgainAfterARangeThatDoesNotFit) {
@@ -132,56 +131,50 @@ TEST_P(FileSinkPartTest, AsksAgainWhenTheRestHasAnotherValidator) {
             ? Response(206, std::string(70, 'x'), new_etag + "Content-Range: bytes 30-99/100\r\n")
             : Response(200, "new", new_etag));
   });
-  LeavePart({Letters(100)}, 30);
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  LeavePart(thing_, 30);
+  EXPECT_EQ(FetchFrom(server.Url()), Received(200, ""));
   EXPECT_EQ(Content(), "new");
 }
 
 TEST_P(FileSinkPartTest, AsksAgainWhenTheServerHasNoRest) {
-  Thing thing{Letters(100)};
-  LeavePart(thing, 30);
-  thing.content = Letters(20);
-  EXPECT_EQ(Fetch(thing), Received(200, ""));
+  LeavePart(thing_, 30);
+  thing_.content = Letters(20);
+  EXPECT_EQ(Fetch(thing_), Received(200, ""));
   EXPECT_EQ(CountRequests(), 2U);
-  ExpectWhole(thing);
+  ExpectWhole(thing_);
 }
 
 TEST_P(FileSinkPartTest, KeepsThePartWhenTheServerIsBusy) {
-  const Thing thing{Letters(100)};
-  LeavePart(thing, 30);
+  LeavePart(thing_, 30);
   const RawServer busy(Always(Response(503, "later")));
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_EQ(Download(busy.Url(), sink), Received(503, "later"));
-  EXPECT_TRUE(sink->CanContinue());
-  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+  EXPECT_EQ(FetchFrom(busy.Url()), Received(503, "later"));
+  EXPECT_TRUE(can_continue);
+  ExpectPart();
 }
 
 TEST_P(FileSinkPartTest, IgnoresAPartWithoutAUsableNote) {
-  for (const char* note : {"", "\n", "\n100\n", "\x01\n"}) {
+  const struct {
+    const char* part;
+    const char* note;
+  } kParts[] = {
+      {"abc", ""}, {"abc", "\n"}, {"abc", "\n100\n"}, {"abc", "\x01\n"}, {"", "\"v1\"\n100\n"}};
+  for (const auto& left : kParts) {
     const Thing thing{Letters(100)};
-    Make("x.part", "abc");
-    Make("x.part.validator", note);
-    EXPECT_EQ(Fetch(thing), Received(200, ""));
-    EXPECT_FALSE(First().HasHeader("Range"));
+    Make("x.part", left.part);
+    Make("x.part.validator", left.note);
+    EXPECT_EQ(Fetch(thing), Received(200, "")) << left.note;
+    EXPECT_FALSE(First().HasHeader("Range")) << left.note;
     ExpectWhole(thing);
   }
-  Make("x.part", "");
-  Make("x.part.validator", "\"v1\"\n100\n");
-  EXPECT_EQ(Fetch({Letters(100)}), Received(200, ""));
-  EXPECT_FALSE(First().HasHeader("Range"));
 }
 
 TEST_P(FileSinkPartTest, ContinuesAfterARedirect) {
-  const Thing thing{Letters(100)};
-  LeavePart(thing, 30);
-  const RawServer other(Serve(thing));
+  LeavePart(thing_, 30);
+  const RawServer other(Serve(thing_));
   const RawServer server(Always(Response(302, "", "Location: " + other.Url("/to") + "\r\n")));
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_EQ(Download(server.Url(), sink), Received(206, ""));
+  EXPECT_EQ(FetchFrom(server.Url()), Received(206, ""));
   EXPECT_EQ(LastRequest(other).Header("Range"), "bytes=30-");
-  EXPECT_EQ(Content(), thing.content);
-  EXPECT_EQ(All(), Names{"x"});
+  ExpectWhole(thing_);
 }
 
 TEST_P(FileSinkPartTest, FailsWhenTheRestIsShorterThanItsRange) {
@@ -193,12 +186,11 @@ TEST_P(FileSinkPartTest, FailsWhenTheRestIsShorterThanItsRange) {
                            "5\r\nhello\r\n");
     connection.Close();
   });
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
-  EXPECT_EQ(Download(server.Url(), sink), Failed(206, TransferError::kBody));
-  EXPECT_EQ(sink->error(), EBADMSG);
-  EXPECT_TRUE(sink->CanContinue());
-  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+  EXPECT_EQ(FetchFrom(server.Url()), Failed(200, TransferError::kCutOff));
+  EXPECT_EQ(FetchFrom(server.Url()), Failed(206, TransferError::kBody));
+  EXPECT_EQ(error, EBADMSG);
+  EXPECT_TRUE(can_continue);
+  ExpectPart();
 }
 
 TEST_P(FileSinkPartTest, BeginsAnewWhenTheRestHasNoEtag) {
@@ -209,8 +201,7 @@ TEST_P(FileSinkPartTest, BeginsAnewWhenTheRestHasNoEtag) {
                            "Content-Length: 5\r\n\r\nother"
                          : Response(200, "0123456789"));
   });
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(FetchFrom(server.Url()), Received(200, ""));
   EXPECT_EQ(Content(), "0123456789");
 }
 
@@ -223,34 +214,28 @@ TEST_P(FileSinkPartTest, KeepsAPartThatWasBusy) {
     close(other);
     connection.Write(Response(200, "0123456789"));
   });
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->error(), EWOULDBLOCK);
+  EXPECT_EQ(FetchFrom(server.Url()), Failed(200, TransferError::kBody));
+  EXPECT_EQ(error, EWOULDBLOCK);
   EXPECT_EQ(Content("x.part"), "01234");
-  EXPECT_EQ(All(), (Names{"x.part", "x.part.validator"}));
+  ExpectPart();
 }
 
 TEST_P(FileSinkPartTest, GivesNoNameToAPartOfSomebodyElse) {
-  const RawServer server([this](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
-    EXPECT_TRUE(WaitForContent("x.part", "abc"));
+  const RawServer server(InHalves([this] {
     std::filesystem::remove(Path("x.part"));
     Make("x.part", "half");
-    connection.Write("def");
-  });
-  const auto sink = std::make_shared<FileSink>(Path());
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->error(), ENOENT);
+  }));
+  EXPECT_EQ(FetchFrom(server.Url(), kAnew), Failed(200, TransferError::kBody));
+  EXPECT_EQ(error, ENOENT);
   EXPECT_EQ(All(), Names{"x.part"});
   EXPECT_EQ(Content("x.part"), "half");
 }
 
 TEST_P(FileSinkPartTest, KnowsThePartsSizeWithoutAReply) {
   LeavePart({"0123456789"}, 5);
-  const auto sink = std::make_shared<FileSink>(Path(), FileSink::Start::kContinue);
-  EXPECT_FALSE(Download("http://127.0.0.1:1/", sink).received);
-  EXPECT_EQ(sink->size(), 5U);
-  EXPECT_TRUE(sink->CanContinue());
+  EXPECT_FALSE(FetchFrom("http://127.0.0.1:1/").received);
+  EXPECT_EQ(size, 5U);
+  EXPECT_TRUE(can_continue);
 }
 
 }  // namespace

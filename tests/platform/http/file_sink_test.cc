@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "tests/platform/http/file_sink_fixture.h"
@@ -35,13 +34,8 @@ TEST_P(FileSinkTest, WritesTheFile) {
 
 TEST_P(FileSinkTest, NamesTheFileOnlyWhenItIsWhole) {
   Make("x", "old");
-  const RawServer server([this](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
-    EXPECT_TRUE(WaitForContent("x.part", "abc"));
-    EXPECT_EQ(Content(), "old");
-    connection.Write("def");
-  });
-  EXPECT_EQ(Download(server.Url(), std::make_shared<FileSink>(Path())), Received(200, ""));
+  const RawServer server(InHalves([this] { EXPECT_EQ(Content(), "old"); }));
+  EXPECT_EQ(FetchFrom(server.Url(), kAnew), Received(200, ""));
   EXPECT_EQ(Content(), "abcdef");
 }
 
@@ -49,7 +43,7 @@ TEST_P(FileSinkTest, LeavesOtherRepliesInMemory) {
   for (const int status : {201, 204, 206, 404, 416, 500}) {
     const std::string body = status == 204 ? "" : "message";
     const RawServer server(Always(Response(status, body, kEtag)));
-    EXPECT_EQ(Download(server.Url(), std::make_shared<FileSink>(Path())), Received(status, body));
+    EXPECT_EQ(FetchFrom(server.Url(), kAnew), Received(status, body));
     EXPECT_EQ(All(), Names{});
   }
 }
@@ -73,24 +67,16 @@ TEST_P(FileSinkTest, ReplacesTheTargetOfALink) {
 
 TEST_P(FileSinkTest, MayKeepAnExistingFile) {
   Make("x", "old");
-  EXPECT_EQ(Fetch({"new"}, FileSink::Start::kAnew, FileSink::Existing::kKeep),
-            Failed(200, TransferError::kBody));
+  EXPECT_EQ(Fetch({"new"}, kAnew, kKeep), Failed(200, TransferError::kBody));
   EXPECT_EQ(error, EEXIST);
   EXPECT_EQ(Content(), "old");
   EXPECT_EQ(All(), Names{"x"});
 }
 
 TEST_P(FileSinkTest, KeepsAFileThatAppearsMeanwhile) {
-  const RawServer server([this](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
-    EXPECT_TRUE(WaitForContent("x.part", "abc"));
-    Make("x", "mine");
-    connection.Write("def");
-  });
-  const auto sink =
-      std::make_shared<FileSink>(Path(), FileSink::Start::kAnew, FileSink::Existing::kKeep);
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->error(), EEXIST);
+  const RawServer server(InHalves([this] { Make("x", "mine"); }));
+  EXPECT_EQ(FetchFrom(server.Url(), kAnew, kKeep), Failed(200, TransferError::kBody));
+  EXPECT_EQ(error, EEXIST);
   EXPECT_EQ(Content(), "mine");
   EXPECT_EQ(All(), Names{"x"});
 }
@@ -125,23 +111,18 @@ TEST_P(FileSinkTest, TwoDoNotWriteOnePart) {
 }
 
 TEST_P(FileSinkTest, ReportsAMissingFolder) {
-  const RawServer server(Always(Response(200, "new", kEtag)));
-  const auto sink = std::make_shared<FileSink>(Path("none/x"));
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->error(), ENOENT);
+  target = "none/x";
+  EXPECT_EQ(Fetch({"new"}, kAnew), Failed(200, TransferError::kBody));
+  EXPECT_EQ(error, ENOENT);
 }
 
 TEST_P(FileSinkTest, ReportsAFolderThatVanishes) {
   std::filesystem::create_directory(Path("sub"));
-  const RawServer server([this](const RawRequest&, RawConnection& connection) {
-    connection.Write(std::string("HTTP/1.1 200 OK\r\n") + kEtag + "Content-Length: 6\r\n\r\nabc");
-    EXPECT_TRUE(WaitForContent("sub/x.part", "abc"));
-    std::filesystem::remove_all(Path("sub"));
-    connection.Write("def");
-  });
-  const auto sink = std::make_shared<FileSink>(Path("sub/x"));
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kBody));
-  EXPECT_EQ(sink->error(), ENOENT);
+  const RawServer server(
+      InHalves([this] { std::filesystem::remove_all(Path("sub")); }, "sub/x.part", kEtag));
+  target = "sub/x";
+  EXPECT_EQ(FetchFrom(server.Url(), kAnew), Failed(200, TransferError::kBody));
+  EXPECT_EQ(error, ENOENT);
   EXPECT_EQ(All(), Names{});
 }
 
@@ -191,16 +172,10 @@ TEST_P(FileSinkTest, KeepsAnEarlierPartWhenTheDiskIsFull) {
 TEST_P(FileSinkTest, TakesTheLongestName) {
   for (const std::string& name :
        {std::string(255, 'n'), "ab" + std::string(251, 'c') + "\xC3\xA9"}) {
-    const Thing thing{Letters(100), kEtag, 30};
-    const RawServer server(Serve(thing));
-    auto sink = std::make_shared<FileSink>(Path(name), FileSink::Start::kContinue);
-    EXPECT_FALSE(Download(server.Url(), sink).received);
-    EXPECT_TRUE(sink->CanContinue());
-    sink.reset();
-    Thing whole{Letters(100)};
-    const RawServer second(Serve(whole));
-    sink = std::make_shared<FileSink>(Path(name), FileSink::Start::kContinue);
-    EXPECT_EQ(Download(second.Url(), sink), Received(206, ""));
+    target = name;
+    EXPECT_FALSE(Fetch({Letters(100), kEtag, 30}).received);
+    EXPECT_TRUE(can_continue);
+    EXPECT_EQ(Fetch({Letters(100)}), Received(206, ""));
     EXPECT_EQ(Content(name), Letters(100));
   }
 }
@@ -208,7 +183,7 @@ TEST_P(FileSinkTest, TakesTheLongestName) {
 TEST_P(FileSinkTest, LeavesTheOtherNameOfAnOldPart) {
   Make("precious", "p");
   std::filesystem::create_hard_link(Path("precious"), Path("x.part"));
-  EXPECT_EQ(Fetch({"abc"}, FileSink::Start::kAnew), Received(200, ""));
+  EXPECT_EQ(Fetch({"abc"}, kAnew), Received(200, ""));
   EXPECT_EQ(Content(), "abc");
   EXPECT_EQ(Content("precious"), "p");
 }

@@ -5,14 +5,15 @@
 
 #include <atomic>
 #include <chrono>
+#include <deque>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -23,10 +24,7 @@ constexpr float kTimeout = 0.8F;
 constexpr milliseconds kLongerThanTheTimeout(1700);
 
 // Takes as long as a slow host function.
-void BeSlow(milliseconds time = kLongerThanTheTimeout) {
-  Event never;
-  never.Wait(time);
-}
+void BeSlow(milliseconds time = kLongerThanTheTimeout) { Event().Wait(time); }
 
 class SlowListenerTest : public TransportTest, public ::testing::WithParamInterface<Way> {
  protected:
@@ -46,21 +44,21 @@ INSTANTIATE_TEST_SUITE_P(Ways, SlowListenerTest, ::testing::ValuesIn(kAllWays),
 TEST_P(SlowListenerTest, AtTheStartIsNoSilence) {
   const RawServer server(Always(Response(200, "hello")));
   BeSlowAt(TransferEvent::Kind::kStarted);
-  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, "hello"}));
+  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), Received(200, "hello"));
 }
 
 TEST_P(SlowListenerTest, DuringTheBodyIsNoSilence) {
   const std::string body(300'000, 'x');
   const RawServer server(Always(Response(200, body)));
   BeSlowAt(TransferEvent::Kind::kProgress);
-  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, body}));
+  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), Received(200, body));
 }
 
 TEST_P(SlowListenerTest, BeforeARedirectIsNoSilence) {
   const RawServer other(Always(Response(200, "hello")));
   const RawServer server(Always(Response(302, "", "Location: " + other.Url() + "\r\n")));
   BeSlowAt(TransferEvent::Kind::kStarted);
-  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, "hello"}));
+  EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), Received(200, "hello"));
 }
 
 class BlockedWorkerTest : public TransportTest {
@@ -71,21 +69,31 @@ class BlockedWorkerTest : public TransportTest {
 
   // Starts kOthers transfers.
   void StartOthers(const std::string& url) {
-    for (std::size_t i = 0; i < kOthers; ++i) {
-      others_.push_back(std::make_unique<Background>(url));
-      ASSERT_TRUE(others_.back()->Start());
-    }
+    for (std::size_t i = 0; i < kOthers; ++i) ASSERT_TRUE(others_.emplace_back(url).Start());
   }
 
   void ExpectOthersReceived() {
-    for (const auto& each : others_) {
-      EXPECT_TRUE(each->recorder.WaitFor(kOthers));
-      EXPECT_EQ(each->transport->status_code(), 200);
-      EXPECT_EQ(BodyOf(*each->transport), "hello");
+    for (Background& each : others_) {
+      EXPECT_TRUE(each.recorder.WaitFor(kOthers));
+      EXPECT_EQ(each.transport->status_code(), 200);
+      EXPECT_EQ(BodyOf(*each.transport), "hello");
     }
   }
 
-  std::vector<std::unique_ptr<Background>> others_;
+  // Fails at once. Its post runs `work` on the worker.
+  void RunOnWorker(std::function<void()> work) {
+    static constexpr char kRun[] = "HostCodeTestRun";
+    recorder_.emplace(std::initializer_list<const char*>{kRun}, std::move(work));
+    delegate_ = MakeDelegate(nullptr, kRun, kRun);
+    ASSERT_TRUE(impossible_.DownloadWithDelegate(delegate_.get(), nullptr));
+  }
+
+  std::deque<Background> others_;
+
+ private:
+  std::optional<NotificationRecorder> recorder_;
+  std::unique_ptr<InternetDataDelegate> delegate_;
+  InternetData impossible_{Text("none:")};
 };
 
 // The replies of the others lie in their sockets while an observer blocks the worker.
@@ -100,16 +108,11 @@ TEST_F(BlockedWorkerTest, RepliesThatHaveArrivedAreReceived) {
   });
   StartOthers(server.Url());
   ASSERT_TRUE(server.WaitForRequests(kOthers));
-
-  static constexpr char kBlocking[] = "HostCodeTestBlocking";
-  NotificationRecorder blocking({kBlocking}, [&] {
+  RunOnWorker([&] {
     answer.Set();
     EXPECT_TRUE(all_answered.Wait());
     BeSlow();
   });
-  const auto delegate = MakeDelegate(nullptr, kBlocking, kBlocking);
-  InternetData impossible(Text("none:"));
-  ASSERT_TRUE(impossible.DownloadWithDelegate(delegate.get(), nullptr));
   ExpectOthersReceived();
 }
 
@@ -120,16 +123,12 @@ TEST_F(BlockedWorkerTest, ConnectionsThatAreMadeMeanwhileAreUsed) {
     if (event.kind == TransferEvent::Kind::kStarted) BeSlow(milliseconds(150));
   });
   // All starts happen in one turn, because a delivery holds the worker until then.
-  static constexpr char kHolding[] = "HostCodeTestHolding";
   Event go_on;
   Event entered;
-  NotificationRecorder holding({kHolding}, [&] {
+  RunOnWorker([&] {
     entered.Set();
     EXPECT_TRUE(go_on.Wait());
   });
-  const auto delegate = MakeDelegate(nullptr, kHolding, kHolding);
-  InternetData impossible(Text("none:"));
-  ASSERT_TRUE(impossible.DownloadWithDelegate(delegate.get(), nullptr));
   ASSERT_TRUE(entered.Wait());
   StartOthers(server.Url());
   go_on.Set();

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>

@@ -25,8 +25,6 @@ const bool kWithoutProxies = [] {
 
 }  // namespace
 
-ovrant_ustring Text(std::string_view utf8) { return ovrant_ustring(utf8.data(), utf8.size()); }
-
 std::string BodyOf(const InternetData& transport) {
   if (transport.received_data() == nullptr) {
     EXPECT_EQ(transport.received_data_length(), 0U);
@@ -84,6 +82,11 @@ bool Background::StartUpload(std::string_view data) {
 std::string Background::WaitForEnd() {
   if (!recorder.WaitFor(1)) return "(nothing)";
   return recorder.entries().back().name;
+}
+
+std::size_t Background::CountPosts() {
+  LetWorkerCatchUp();
+  return recorder.entries().size();
 }
 
 void LetWorkerCatchUp() {

@@ -18,6 +18,7 @@
 #include "tests/support/event.h"
 #include "tests/support/notification_recorder.h"
 #include "tests/support/raw_server.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 
@@ -35,8 +36,6 @@ inline constexpr unsigned int kFailedMessage = 2;
 
 // Larger than any buffer on the way, and still quick to allocate.
 inline constexpr std::size_t kLargeBody = std::size_t{32} << 20;
-
-ovrant_ustring Text(std::string_view utf8);
 
 // The response that the transport holds.
 std::string BodyOf(const InternetData& transport);
@@ -66,6 +65,9 @@ struct Background {
   bool Start();
   bool StartUpload(std::string_view data);
   std::string WaitForEnd();
+
+  // How many posts have come when the worker has caught up (LetWorkerCatchUp).
+  std::size_t CountPosts();
 
   NotificationRecorder recorder;
   std::unique_ptr<InternetDataDelegate> delegate;
