@@ -5,9 +5,9 @@
 
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "tests/content/content_item_fixture.h"
+#include "tests/content/fields.h"
 
 namespace stowra_test {
 namespace {
@@ -19,20 +19,13 @@ using ovrant::stowraapiclient::kK2Download;
 using ovrant::stowraapiclient::kModel;
 using ovrant::stowraapiclient::kNoDownload;
 using ovrant::stowraapiclient::kQmfDownload;
-using ovrant::utils::ovrant_ustring;
 
 constexpr char kAtom[] = "application/atom+xml";
+const std::string kModelTerm = std::string(kSchema) + "#model";
+const std::string kUserQuery = std::string(kSchema) + "#user.query";
 
 class ContentItemTest : public ContentItemFixture {
  protected:
-  // author_id_ for an author with that URI.
-  std::string AuthorIdOf(const std::string& uri) {
-    EXPECT_TRUE(
-        Load(Model().With("author", "<author><name>n</name><uri>" + uri + "</uri></author>")))
-        << uri;
-    return item.author_id_.utf8();
-  }
-
   // A category, or several.
   bool LoadCategory(const std::string& category) {
     return Load(Model().With("category", category));
@@ -46,29 +39,15 @@ std::string Term(const std::string& term) { return "<category term='" + term + "
 TEST_F(ContentItemTest, TheSchemaIsPublic) { EXPECT_STREQ(kContentSchemaNamespace, kSchema); }
 
 TEST_F(ContentItemTest, ReadsEveryFieldOfAModel) {
-  const std::string user_query = std::string(kSchema) + "#user.query";
   ASSERT_TRUE(Load(
       Model()
-          .With("link", Link(user_query, "http://q/", kAtom) + Link("alternate", "h", "text/html"))
+          .With("link", Link(kUserQuery, "http://q/", kAtom) + Link("alternate", "h", "text/html"))
           .With("content", "<content type='application/atom+xml' src='http://feed/'/>")
-          .With("flags",
-                "<s:dynamicComponent>true</s:dynamicComponent>"
-                "<s:classifiedComponent>1</s:classifiedComponent>")));
-  EXPECT_EQ(item.kind_, kModel);
-  EXPECT_EQ(item.id_, "urn:1");
-  EXPECT_EQ(item.title_, "Chair");
-  EXPECT_EQ(item.summary_, "A chair");
-  EXPECT_EQ(item.author_name_, "Ann");
-  EXPECT_EQ(item.author_uri_, "http://ann/?uq=7&x=y");
-  EXPECT_EQ(item.author_id_, "7");
-  EXPECT_EQ(item.user_query_url_, "http://q/");
-  EXPECT_EQ(item.html_url_, "h");
-  EXPECT_EQ(item.thumbnail_url_, "http://pictures/1?rtyp=st");
-  EXPECT_EQ(item.download_url_, "http://files/1?rtyp=k2");
-  EXPECT_EQ(item.download_format_, 1);
-  EXPECT_EQ(item.collection_feed_url_, "");
-  EXPECT_TRUE(item.dynamic_component_);
-  EXPECT_TRUE(item.classified_component_);
+          .With("flags", Tag("s:dynamicComponent", "true") + Tag("s:classifiedComponent", "1"))));
+  EXPECT_EQ(Fields(item),
+            std::make_tuple(kModel, kK2Download, "urn:1", "Chair", "A chair", "Ann",
+                            "http://ann/?uq=7&x=y", "http://q/", "7", "http://pictures/1?rtyp=st",
+                            "http://files/1?rtyp=k2", "", "h", true, true));
   EXPECT_EQ(item.thumbnail_size_, 0);
   EXPECT_EQ(item.thumbnail_buffer_, nullptr);
 }
@@ -83,11 +62,10 @@ TEST_F(ContentItemTest, NamedValuesAreTheNumbersOfTheMembers) {
 
 TEST_F(ContentItemTest, ACollectionHasAFeedAndNoDownload) {
   ASSERT_TRUE(Load(Collection().With("group", Group(Rendition("http://a/?rtyp=k2")))));
-  EXPECT_EQ(item.kind_, kCollection);
-  EXPECT_EQ(item.collection_feed_url_, "http://feed/&q=is:downloadable");
-  EXPECT_EQ(item.download_url_, "");
-  EXPECT_EQ(item.download_format_, 0);
-  EXPECT_EQ(item.thumbnail_url_, "http://pictures/1?rtyp=st");
+  EXPECT_EQ(Fields(item),
+            std::make_tuple(kCollection, kNoDownload, "urn:1", "Chair", "A chair", "Ann",
+                            "http://ann/?uq=7&x=y", "", "7", "http://pictures/1?rtyp=st", "",
+                            "http://feed/&q=is:downloadable", "http://page/", false, false));
 }
 
 TEST_F(ContentItemTest, EveryPartButSummaryAndFlagsIsRequired) {
@@ -108,8 +86,8 @@ TEST_F(ContentItemTest, ElementsOfOtherNamespacesDoNotCount) {
   EXPECT_FALSE(Load(Model().With("author", "<author><m:name/><uri/></author>")));
   EXPECT_FALSE(Load(Model().With("author", "<author><name/><m:uri/></author>")));
   EXPECT_FALSE(Load(Model().With("group", "<group><m:thumbnail url='a'/></group>")));
-  EXPECT_FALSE(Load(Model().With(
-      "group", "<m:group><thumbnail url='a'/>" + Rendition("?rtyp=k2") + "</m:group>")));
+  const std::string group = Tag("m:group", "<thumbnail url='a'/>" + Rendition("?rtyp=k2"));
+  EXPECT_FALSE(Load(Model().With("group", group)));
   EXPECT_TRUE(Load(Model().With("flags",
                                 "<dynamicComponent>true</dynamicComponent>"
                                 "<m:classifiedComponent>1</m:classifiedComponent>")));
@@ -126,7 +104,7 @@ TEST_F(ContentItemTest, EmptyTextsArePresent) {
 
 TEST_F(ContentItemTest, OnlyTheTermOfAModelMakesAModel) {
   const std::string schema = kSchema;
-  EXPECT_TRUE(LoadCategory(Term(schema + "#model")));
+  EXPECT_TRUE(LoadCategory(Term(kModelTerm)));
   EXPECT_EQ(item.kind_, kModel);
   for (const std::string& term : {schema + "#collection", schema + "#MODEL", schema + "#model ",
                                   schema + "#models", schema + "#", schema + ":#model", schema,
@@ -139,7 +117,7 @@ TEST_F(ContentItemTest, OnlyTheTermOfAModelMakesAModel) {
 }
 
 TEST_F(ContentItemTest, OnlyTheFirstCategoryCounts) {
-  const std::string model = Term(std::string(kSchema) + "#model");
+  const std::string model = Term(kModelTerm);
   EXPECT_TRUE(LoadCategory(model + Term("x")));
   EXPECT_EQ(item.kind_, kModel);
   EXPECT_TRUE(Load(Collection().With("category", Term("x") + model)));
@@ -150,8 +128,7 @@ TEST_F(ContentItemTest, OnlyTheFirstCategoryCounts) {
 }
 
 TEST_F(ContentItemTest, EachLinkGoesToItsField) {
-  const std::string user_query = std::string(kSchema) + "#user.query";
-  EXPECT_TRUE(LoadLinks(Link(user_query, "Q", kAtom)));
+  EXPECT_TRUE(LoadLinks(Link(kUserQuery, "Q", kAtom)));
   EXPECT_EQ(item.user_query_url_, "Q");
   EXPECT_EQ(item.html_url_, "");
   EXPECT_TRUE(LoadLinks(Link("alternate", "H", "text/html")));
@@ -161,9 +138,9 @@ TEST_F(ContentItemTest, EachLinkGoesToItsField) {
 
 TEST_F(ContentItemTest, OtherLinksAreIgnored) {
   const std::string schema = kSchema;
-  const std::pair<std::string, const char*> links[] = {{schema + "#user.query", "text/html"},
+  const std::pair<std::string, const char*> links[] = {{kUserQuery, "text/html"},
                                                        {schema + "#USER.QUERY", kAtom},
-                                                       {schema + "#user.query2", kAtom},
+                                                       {kUserQuery + "2", kAtom},
                                                        {schema + ":user.query", kAtom},
                                                        {"#user.query", kAtom},
                                                        {"user.query", kAtom},
@@ -180,9 +157,8 @@ TEST_F(ContentItemTest, OtherLinksAreIgnored) {
 }
 
 TEST_F(ContentItemTest, TheLastMatchingLinkWins) {
-  const std::string user_query = std::string(kSchema) + "#user.query";
-  EXPECT_TRUE(LoadLinks(Link(user_query, "Q1", kAtom) + Link("alternate", "H1", "text/html") +
-                        Link(user_query, "Q2", kAtom) + Link("alternate", "H2", "text/html") +
+  EXPECT_TRUE(LoadLinks(Link(kUserQuery, "Q1", kAtom) + Link("alternate", "H1", "text/html") +
+                        Link(kUserQuery, "Q2", kAtom) + Link("alternate", "H2", "text/html") +
                         Link("self", "X", kAtom)));
   EXPECT_EQ(item.user_query_url_, "Q2");
   EXPECT_EQ(item.html_url_, "H2");
@@ -235,17 +211,20 @@ TEST_F(ContentItemTest, AuthorIdIsTheParameterOfTheUri) {
       {"http://a/?UQ=1", ""},
       {"http://a/?uq=1%26+2#3", "1%26+2#3"},
       {"http://a/?uq=uq=2", "uq=2"}};
-  for (const auto& [uri, id] : uris) EXPECT_EQ(AuthorIdOf(uri), id) << uri;
+  for (const auto& [uri, id] : uris) {
+    EXPECT_TRUE(Load(Model().With("author", "<author><name/>" + Tag("uri", uri) + "</author>")))
+        << uri;
+    EXPECT_EQ(item.author_id_, id) << uri;
+  }
 }
 
 TEST_F(ContentItemTest, TheFirstAuthorCounts) {
-  EXPECT_TRUE(Load(Model().With("author",
-                                "<author><name>1</name><uri>u</uri></author>"
-                                "<author><name>2</name></author>")));
+  const auto load = [this](const char* first, const char* second) {
+    return Load(Model().With("author", Tag("author", first) + Tag("author", second)));
+  };
+  EXPECT_TRUE(load("<name>1</name><uri>u</uri>", "<name>2</name>"));
   EXPECT_EQ(item.author_name_, "1");
-  EXPECT_FALSE(Load(Model().With("author",
-                                 "<author><uri>u?uq=9</uri></author>"
-                                 "<author><name>2</name><uri>v</uri></author>")));
+  EXPECT_FALSE(load("<uri>u?uq=9</uri>", "<name>2</name><uri>v</uri>"));
   EXPECT_EQ(item.author_uri_, "u?uq=9");
   EXPECT_EQ(item.author_id_, "9");
   EXPECT_FALSE(Load(Model().With("author", "<author><name>3</name></author>")));
@@ -257,12 +236,10 @@ TEST_F(ContentItemTest, FlagsAreBooleansAndFalseWhenAbsent) {
                                                 {"0", false},    {"", false}, {"yes", false},
                                                 {" true ", true}};
   for (const auto& [text, expected] : texts) {
-    EXPECT_TRUE(Load(Model().With(
-        "flags", "<s:dynamicComponent>" + std::string(text) + "</s:dynamicComponent>")));
+    EXPECT_TRUE(Load(Model().With("flags", Tag("s:dynamicComponent", text))));
     EXPECT_EQ(item.dynamic_component_, expected) << text;
     EXPECT_FALSE(item.classified_component_) << text;
-    EXPECT_TRUE(Load(Model().With(
-        "flags", "<s:classifiedComponent>" + std::string(text) + "</s:classifiedComponent>")));
+    EXPECT_TRUE(Load(Model().With("flags", Tag("s:classifiedComponent", text))));
     EXPECT_EQ(item.classified_component_, expected) << text;
     EXPECT_FALSE(item.dynamic_component_) << text;
   }

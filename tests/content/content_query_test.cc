@@ -7,23 +7,12 @@
 #include <string>
 
 #include "tests/content/feed_text.h"
+#include "tests/content/fields.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::stowraapiclient::ContentQuery;
-
-void ExpectEmpty(const ContentQuery& query) {
-  EXPECT_EQ(query.total_results_, 0);
-  EXPECT_EQ(query.start_index_, 1);
-  EXPECT_EQ(query.items_per_page_, 12);
-  EXPECT_EQ(query.next_url_, "");
-  EXPECT_EQ(query.previous_url_, "");
-  EXPECT_EQ(query.self_url_, "");
-  EXPECT_EQ(query.html_url_, "");
-  EXPECT_EQ(query.title_, "");
-  EXPECT_TRUE(query.items_.empty());
-}
 
 std::string AllLinks() {
   const char* const atom = "application/atom+xml";
@@ -35,10 +24,18 @@ class ContentQueryTest : public testing::Test {
  protected:
   bool Load(const Parts& feed) { return LoadText(feed.text(), query); }
 
-  // Fills every member.
+  // A feed that fills every member.
+  static Parts Full() { return Feed().With("links", AllLinks()).With("entries", Model().text()); }
+
   void Fill() {
-    ASSERT_TRUE(Load(Feed().With("links", AllLinks()).With("entries", Model().text())));
+    ASSERT_TRUE(Load(Full()));
     ASSERT_EQ(query.items_.size(), 1U);
+  }
+
+  // Which of the three are true: "results", "next" and "back".
+  std::string Valid() {
+    return std::string(query.HasResults() ? "results " : "") + (query.NextValid() ? "next " : "") +
+           (query.BackValid() ? "back" : "");
   }
 
   ContentQuery query;
@@ -47,91 +44,64 @@ class ContentQueryTest : public testing::Test {
 TEST_F(ContentQueryTest, IsEmptyAtFirst) {
   ExpectEmpty(query);
   EXPECT_EQ(query.max_qmf_version_, 0);
-  EXPECT_FALSE(query.HasResults());
-  EXPECT_FALSE(query.NextValid());
-  EXPECT_FALSE(query.BackValid());
+  EXPECT_EQ(Valid(), "");
 }
 
 TEST_F(ContentQueryTest, ReadsTitleLinksCountsAndEntries) {
-  ASSERT_TRUE(
-      Load(Feed().With("links", AllLinks()).With("entries", Model().text() + Collection().text())));
-  EXPECT_EQ(query.title_, "chairs");
-  EXPECT_EQ(query.next_url_, "http://n/");
-  EXPECT_EQ(query.previous_url_, "http://p/");
-  EXPECT_EQ(query.self_url_, "http://s/");
-  EXPECT_EQ(query.html_url_, "http://h/");
-  EXPECT_EQ(query.total_results_, 40);
-  EXPECT_EQ(query.start_index_, 13);
-  EXPECT_EQ(query.items_per_page_, 6);
-  ASSERT_EQ(query.items_.size(), 2U);
+  ASSERT_TRUE(Load(Full().With("entries", Model().text() + Collection().text())));
+  ASSERT_EQ(Fields(query), std::make_tuple(40, 13, 6, "http://n/", "http://p/", "http://s/",
+                                           "http://h/", "chairs", 2U));
   EXPECT_EQ(query.items_[0]->kind_, 0);
   EXPECT_EQ(query.items_[1]->kind_, 1);
-  EXPECT_TRUE(query.HasResults());
-  EXPECT_TRUE(query.NextValid());
-  EXPECT_TRUE(query.BackValid());
+  EXPECT_EQ(Valid(), "results next back");
 }
 
 TEST_F(ContentQueryTest, ReadsAFeedWhateverTheOrderOfItsParts) {
   const std::string feed = Feed().text();
-  const std::string::size_type inside = feed.find('>') + 1;
-  std::string turned = feed.substr(0, inside) + Model().text() +
-                       "<o:itemsPerPage>6</o:itemsPerPage>" + AllLinks() + "<x/>" + Model().text() +
-                       "<o:startIndex>13</o:startIndex>" +
-                       "<o:totalResults>40</o:totalResults><title>chairs</title></feed>";
-  ASSERT_TRUE(LoadText(turned, query));
-  EXPECT_EQ(query.title_, "chairs");
-  EXPECT_EQ(query.self_url_, "http://s/");
-  EXPECT_EQ(query.total_results_, 40);
-  EXPECT_EQ(query.items_.size(), 2U);
+  ASSERT_TRUE(LoadText(feed.substr(0, feed.find('>') + 1) + Model().text() +
+                           "<o:itemsPerPage>6</o:itemsPerPage>" + AllLinks() + "<x/>" +
+                           Model().text() + "<o:startIndex>13</o:startIndex>" +
+                           "<o:totalResults>40</o:totalResults><title>chairs</title></feed>",
+                       query));
+  EXPECT_EQ(Fields(query), std::make_tuple(40, 13, 6, "http://n/", "http://p/", "http://s/",
+                                           "http://h/", "chairs", 2U));
 }
 
 TEST_F(ContentQueryTest, AFeedWithoutEntriesLoads) {
   EXPECT_TRUE(Load(Feed().With("links", AllLinks())));
   EXPECT_EQ(query.next_url_, "http://n/");
   EXPECT_EQ(query.previous_url_, "http://p/");
-  EXPECT_FALSE(query.HasResults());
-  EXPECT_FALSE(query.NextValid());
-  EXPECT_FALSE(query.BackValid());
+  EXPECT_EQ(Valid(), "");
 }
 
 TEST_F(ContentQueryTest, APageWithoutNeighboursHasResultsOnly) {
   EXPECT_TRUE(Load(Feed().With("entries", Model().text())));
-  EXPECT_TRUE(query.HasResults());
-  EXPECT_FALSE(query.NextValid());
-  EXPECT_FALSE(query.BackValid());
+  EXPECT_EQ(Valid(), "results ");
   query.next_url_ = "n";
-  EXPECT_TRUE(query.NextValid());
-  EXPECT_FALSE(query.BackValid());
+  EXPECT_EQ(Valid(), "results next ");
   query.next_url_ = "";
   query.previous_url_ = "p";
-  EXPECT_FALSE(query.NextValid());
-  EXPECT_TRUE(query.BackValid());
+  EXPECT_EQ(Valid(), "results back");
 }
 
 TEST_F(ContentQueryTest, WithoutTitleOrACountTheFeedFailsAndTheQueryIsEmpty) {
   for (const char* const part : {"title", "total", "start", "per_page"}) {
     Fill();
-    EXPECT_FALSE(
-        Load(Feed().With("links", AllLinks()).With("entries", Model().text()).Without(part)))
-        << part;
+    EXPECT_FALSE(Load(Full().Without(part))) << part;
     ExpectEmpty(query);
   }
 }
 
 TEST_F(ContentQueryTest, ACountThatIsNoNumberIsMissing) {
   for (const char* const text : {"", "x", "1.5", "2147483648", "0x10"}) {
-    EXPECT_FALSE(
-        Load(Feed().With("total", "<o:totalResults>" + std::string(text) + "</o:totalResults>")))
-        << text;
+    EXPECT_FALSE(Load(Feed().With("total", Tag("o:totalResults", text)))) << text;
     ExpectEmpty(query);
   }
   EXPECT_TRUE(Load(Feed()
                        .With("total", "<o:totalResults> 2147483647 </o:totalResults>")
                        .With("start", "<o:startIndex>-3</o:startIndex>")
                        .With("per_page", "<o:itemsPerPage>0</o:itemsPerPage>")));
-  EXPECT_EQ(query.total_results_, INT_MAX);
-  EXPECT_EQ(query.start_index_, -3);
-  EXPECT_EQ(query.items_per_page_, 0);
+  EXPECT_EQ(Fields(query), std::make_tuple(INT_MAX, -3, 0, "", "", "", "", "chairs", 0U));
 }
 
 TEST_F(ContentQueryTest, CountsOfAnotherNamespaceAreMissing) {
@@ -179,9 +149,7 @@ TEST_F(ContentQueryTest, AnotherRootEmptiesTheQuery) {
 }
 
 TEST_F(ContentQueryTest, ABadEntryIsLeftOutAndTheOthersKeepTheirOrder) {
-  const auto model = [](const char* id) {
-    return Model().With("id", "<id>" + std::string(id) + "</id>").text();
-  };
+  const auto model = [](const char* id) { return Model().With("id", Tag("id", id)).text(); };
   ASSERT_TRUE(Load(Feed().With("entries", Model().Without("id").text() + model("1") + "<entry/>" +
                                               model("2") + Model().Without("group").text() +
                                               model("3") + Model().Without("link").text())));
@@ -192,31 +160,25 @@ TEST_F(ContentQueryTest, ABadEntryIsLeftOutAndTheOthersKeepTheirOrder) {
 }
 
 TEST_F(ContentQueryTest, AFeedOfBadEntriesOnlyLoads) {
-  EXPECT_TRUE(Load(Feed().With("links", AllLinks()).With("entries", "<entry/><entry/>")));
-  EXPECT_FALSE(query.HasResults());
-  EXPECT_FALSE(query.NextValid());
+  EXPECT_TRUE(Load(Full().With("entries", "<entry/><entry/>")));
+  EXPECT_EQ(Valid(), "");
 }
 
 TEST_F(ContentQueryTest, NothingAccumulatesFromPageToPage) {
   Fill();
   ASSERT_TRUE(
       Load(Feed().With("title", "<title>tables</title>").With("entries", Collection().text())));
-  EXPECT_EQ(query.title_, "tables");
-  EXPECT_EQ(query.next_url_, "");
-  EXPECT_EQ(query.previous_url_, "");
-  EXPECT_EQ(query.self_url_, "");
-  EXPECT_EQ(query.html_url_, "");
-  ASSERT_EQ(query.items_.size(), 1U);
+  ASSERT_EQ(Fields(query), std::make_tuple(40, 13, 6, "", "", "", "", "tables", 1U));
   EXPECT_EQ(query.items_[0]->kind_, 1);
 }
 
 TEST_F(ContentQueryTest, ClearGivesEveryMemberItsDefault) {
   Fill();
-  query.Clear();
-  ExpectEmpty(query);
-  EXPECT_FALSE(query.HasResults());
-  query.Clear();
-  ExpectEmpty(query);
+  for (int i = 0; i < 2; ++i) {
+    query.Clear();
+    ExpectEmpty(query);
+    EXPECT_FALSE(query.HasResults());
+  }
 }
 
 TEST_F(ContentQueryTest, NullItemsAreAllowed) {

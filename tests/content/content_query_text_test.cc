@@ -13,7 +13,6 @@ namespace stowra_test {
 namespace {
 
 using ovrant::stowraapiclient::ContentQuery;
-using ovrant::utils::ovrant_ustring;
 
 constexpr char kAtom[] = "application/atom+xml";
 constexpr char kHtml[] = "text/html";
@@ -21,7 +20,7 @@ constexpr char kHtml[] = "text/html";
 class ContentQueryTextTest : public testing::Test {
  protected:
   std::string TitleOf(const std::string& title) {
-    EXPECT_TRUE(LoadText(Feed().With("title", "<title>" + title + "</title>").text(), query));
+    EXPECT_TRUE(LoadText(Feed().With("title", Tag("title", title)).text(), query));
     return query.title_.utf8();
   }
 

@@ -60,6 +60,10 @@ std::vector<std::string> Parts::names() const {
   return names;
 }
 
+std::string Tag(const std::string& name, std::string_view text) {
+  return "<" + name + ">" + std::string(text) + "</" + name + ">";
+}
+
 Parts Feed() {
   return Parts("<feed" + kNamespaces + ">",
                {{"title", "<title>chairs</title>"},

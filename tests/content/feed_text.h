@@ -43,6 +43,9 @@ class Parts {
   std::string after_;
 };
 
+// An element that only holds a text.
+std::string Tag(const std::string& name, std::string_view text);
+
 // A feed without entries. Parts: title, links, total, start, per_page, entries.
 Parts Feed();
 

@@ -10,7 +10,6 @@
 #include <sstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "common_stowraapi/content/upload_config.h"
 #include "tests/content/feed_text.h"
@@ -41,7 +40,7 @@ std::string Head(const std::string& name, const std::string& subject) {
 class MultipartUploadTest : public testing::Test {
  protected:
   void Append(const std::string& data, std::stringstream& out) const {
-    const std::vector<unsigned char> bytes(data.begin(), data.end());
+    Bytes bytes(data);
     SetupPayload(subject, &file, bytes.data(), bytes.size(), "B", &out);
   }
 
@@ -65,30 +64,20 @@ TEST_F(MultipartUploadTest, WritesAFileAndOneOptionalValue) {
   const unsigned char data[] = {0x01, 0x00, 0xFF};
   std::stringstream out;
   SetupPayload("m42", &file, data, sizeof(data), "BrevixClient0385119264730052", &out);
-  EXPECT_EQ(out.str(), std::string("--BrevixClient0385119264730052\r\n"
-                                   "Content-Disposition: form-data; name=\"name\"\r\n"
-                                   "\r\n"
-                                   "Chair\r\n"
-                                   "--BrevixClient0385119264730052\r\n"
-                                   "Content-Disposition: form-data; name=\"subjectId\"\r\n"
-                                   "\r\n"
-                                   "m42\r\n"
-                                   "--BrevixClient0385119264730052\r\n"
-                                   "Content-Disposition: form-data; name=\"subjectClass\"\r\n"
-                                   "\r\n"
-                                   "entity\r\n"
-                                   "--BrevixClient0385119264730052\r\n"
-                                   "Content-Disposition: form-data; name=\"binary\"; "
-                                   "filename=\"chair.qmf\"\r\n"
-                                   "Content-Type: application/vnd.brevix.qmf\r\n"
-                                   "\r\n") +
-                           std::string("\x01\0\xFF", 3) +
-                           "\r\n"
-                           "--BrevixClient0385119264730052\r\n"
-                           "Content-Disposition: form-data; name=\"task\"\r\n"
-                           "\r\n"
-                           "create\r\n"
-                           "--BrevixClient0385119264730052--\r\n");
+  EXPECT_EQ(out.str(),
+            "--BrevixClient0385119264730052\r\n"
+            "Content-Disposition: form-data; name=\"name\"\r\n\r\nChair\r\n"
+            "--BrevixClient0385119264730052\r\n"
+            "Content-Disposition: form-data; name=\"subjectId\"\r\n\r\nm42\r\n"
+            "--BrevixClient0385119264730052\r\n"
+            "Content-Disposition: form-data; name=\"subjectClass\"\r\n\r\nentity\r\n"
+            "--BrevixClient0385119264730052\r\n"
+            "Content-Disposition: form-data; name=\"binary\"; filename=\"chair.qmf\"\r\n"
+            "Content-Type: application/vnd.brevix.qmf\r\n\r\n" +
+                std::string("\x01\0\xFF", 3) +
+                "\r\n--BrevixClient0385119264730052\r\n"
+                "Content-Disposition: form-data; name=\"task\"\r\n\r\ncreate\r\n"
+                "--BrevixClient0385119264730052--\r\n");
 }
 
 TEST_F(MultipartUploadTest, WritesEveryPartInOrder) {
@@ -102,9 +91,8 @@ TEST_F(MultipartUploadTest, WritesEveryPartInOrder) {
 }
 
 TEST_F(MultipartUploadTest, WritesOnlyTheObligatoryPartsOfAnEmptyFile) {
-  subject = "";
   std::stringstream out;
-  SetupPayload(subject, &file, nullptr, 0, "B", &out);
+  SetupPayload("", &file, nullptr, 0, "B", &out);
   EXPECT_EQ(out.str(), Head("", "") + FilePart("", "", "") + "--B--\r\n");
 }
 
@@ -201,16 +189,13 @@ TEST_F(MultipartUploadTest, DataIsWrittenUnchanged) {
   for (const std::string& data :
        {std::string(), std::string("\0", 1), std::string("\0\0a\0", 4), std::string("\r\n\r\n"),
         std::string("\n"), all, std::string(1 << 20, '\0')}) {
-    EXPECT_EQ(Body(data) == Head("", "m42") + FilePart("", "", data) + "--B--\r\n", true)
+    EXPECT_TRUE(Body(data) == Head("", "m42") + FilePart("", "", data) + "--B--\r\n")
         << data.size() << " bytes";
   }
 }
 
 TEST_F(MultipartUploadTest, TheSubjectEndsAtItsFirstZeroByte) {
-  subject =
-      Text(std::string_view("m4\0"
-                            "2",
-                            4));
+  subject = Text(std::string_view("m4\0x", 4));
   EXPECT_THAT(Body(), HasSubstr(Part("subjectId", "m4")));
   subject = Text(std::string_view("\0m42", 4));
   EXPECT_THAT(Body(), HasSubstr(Part("subjectId", "")));
@@ -242,20 +227,16 @@ TEST_F(MultipartUploadTest, TheStreamsFormatDoesNotChangeTheBody) {
   file.zipped_ = true;
   file.upload_url_ = "?name=n&type=t&task=1&priority=2";
   const std::string body = Body();
-  for (const auto manipulate : {+[](std::ostream& out) -> std::ostream& {
-                                  return out << std::setw(200) << std::setfill('*');
-                                },
-                                +[](std::ostream& out) -> std::ostream& {
-                                  return out << std::left << std::setw(99) << std::setfill('*');
-                                },
-                                +[](std::ostream& out) -> std::ostream& {
-                                  return out << std::hex << std::showbase << std::uppercase
-                                             << std::boolalpha << std::unitbuf << std::setw(9);
-                                }}) {
-    std::stringstream out;
-    manipulate(out);
-    Append("data", out);
-    EXPECT_EQ(out.str(), body);
+  std::stringstream right;
+  right << std::setw(200) << std::setfill('*');
+  std::stringstream left;
+  left << std::left << std::setw(99) << std::setfill('*');
+  std::stringstream numbers;
+  numbers << std::hex << std::showbase << std::uppercase << std::boolalpha << std::unitbuf
+          << std::setw(9);
+  for (std::stringstream* const out : {&right, &left, &numbers}) {
+    Append("data", *out);
+    EXPECT_EQ(out->str(), body);
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include "common_stowraapi/content/content_query.h"
 #include "tests/content/feed_text.h"
+#include "tests/content/fields.h"
 #include "tests/support/raw_server.h"
 
 namespace stowra_test {
@@ -15,11 +16,8 @@ namespace {
 using ovrant::stowraapiclient::ContentQuery;
 
 std::string Page(const std::string& title, const std::string& links = "") {
-  return Feed()
-      .With("title", "<title>" + title + "</title>")
-      .With("links", links)
-      .With("entries", Model().text())
-      .text();
+  const Parts feed = Feed().With("title", Tag("title", title)).With("links", links);
+  return feed.With("entries", Model().text()).text();
 }
 
 class QueryFeedTest : public testing::Test {
@@ -32,15 +30,7 @@ class QueryFeedTest : public testing::Test {
 
   // The old results, and nothing else.
   void ExpectOld() {
-    EXPECT_EQ(query.title_, "old");
-    EXPECT_EQ(query.items_.size(), 1U);
-    EXPECT_EQ(query.total_results_, 40);
-  }
-
-  void ExpectEmpty() {
-    EXPECT_EQ(query.title_, "");
-    EXPECT_TRUE(query.items_.empty());
-    EXPECT_EQ(query.total_results_, 0);
+    EXPECT_EQ(Fields(query), std::make_tuple(40, 13, 6, "", "", "", "", "old", 1U));
   }
 
   ContentQuery query;
@@ -56,22 +46,13 @@ TEST_F(QueryFeedTest, GetsTheFeed) {
   EXPECT_EQ(server.requests()[0].target, "/search?q=chairs");
 }
 
-TEST_F(QueryFeedTest, AnyStatusWillDo) {
-  for (const int status : {200, 201, 203, 300, 400, 403, 404, 410, 500, 503}) {
-    query.Clear();
-    const RawServer server(Always(Response(status, Page("chairs"))));
-    EXPECT_TRUE(QueryFeed(server)) << status;
-    EXPECT_EQ(query.title_, "chairs") << status;
-  }
-}
-
 TEST_F(QueryFeedTest, ABodyThatIsNoFeedEmptiesTheQueryWhateverItsStatus) {
   for (const int status : {200, 404}) {
     for (const char* const body : {"", "not found", "<html/>"}) {
       ASSERT_TRUE(LoadText(Page("old"), query));
       const RawServer server(Always(Response(status, body)));
       EXPECT_FALSE(QueryFeed(server)) << status << body;
-      ExpectEmpty();
+      ExpectEmpty(query);
     }
   }
 }
@@ -85,22 +66,15 @@ TEST_F(QueryFeedTest, ARedirectIsFollowed) {
   EXPECT_EQ(query.title_, "chairs");
 }
 
-TEST_F(QueryFeedTest, AnEmptyUrlKeepsTheResults) {
-  EXPECT_FALSE(query.QueryFeed(""));
-  ExpectOld();
-}
-
 TEST_F(QueryFeedTest, ATransferThatFailsKeepsTheResults) {
-  {
-    const std::string cut = Response(200, Page("chairs"));
-    const RawServer server(AlwaysThenClose(cut.substr(0, cut.size() - 1)));
-    EXPECT_FALSE(QueryFeed(server));
+  std::string cut = Response(200, Page("chairs"));
+  cut.pop_back();
+  for (const std::string& sent : {cut, std::string()}) {
+    const RawServer server(AlwaysThenClose(sent));
+    EXPECT_FALSE(QueryFeed(server)) << sent;
     ExpectOld();
   }
-  const RawServer mute([](const RawRequest&, RawConnection& connection) { connection.Close(); });
-  EXPECT_FALSE(QueryFeed(mute));
-  ExpectOld();
-  for (const char* const url : {"no url", "ftp://127.0.0.1/", "file:///etc/passwd"}) {
+  for (const char* const url : {"", "no url", "ftp://127.0.0.1/", "file:///etc/passwd"}) {
     EXPECT_FALSE(query.QueryFeed(url)) << url;
     ExpectOld();
   }
@@ -111,11 +85,9 @@ TEST_F(QueryFeedTest, PagesAreTurnedByTheirLinks) {
   const char* const atom = "application/atom+xml";
   const RawServer server([&](const RawRequest& request, RawConnection& connection) {
     const std::string self = server.Url();
-    if (request.target == "/1") {
-      connection.Write(Response(200, Page("one", Link("next", self + "2", atom))));
-    } else {
-      connection.Write(Response(200, Page("two", Link("previous", self + "1", atom))));
-    }
+    connection.Write(Response(200, request.target == "/1"
+                                       ? Page("one", Link("next", self + "2", atom))
+                                       : Page("two", Link("previous", self + "1", atom))));
   });
   ASSERT_TRUE(QueryFeed(server, "/1"));
   EXPECT_TRUE(query.NextValid());

@@ -51,7 +51,6 @@ TEST(RtypVersionTest, OnlyAsciiDigitsAreDigits) {
   EXPECT_EQ(VersionOf(Text(std::string_view("s7\0", 3))), std::nullopt);
 }
 
-// A version beyond 32 bits.
 TEST(RtypVersionTest, BeyondThirtyTwoBitsIsZero) {
   for (const char* const value :
        {"s2147483648", "s4294967303", "s18446744073709551623", "s99999999999999999999999999"}) {

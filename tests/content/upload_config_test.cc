@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// What a configuration is read from, and copies of it and of its files.
+
 #include "common_stowraapi/content/upload_config.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +10,7 @@
 #include <vector>
 
 #include "tests/content/feed_text.h"
+#include "tests/content/fields.h"
 
 namespace stowra_test {
 namespace {
@@ -56,32 +59,18 @@ class UploadConfigTest : public testing::Test {
 
 TEST_F(UploadConfigTest, ReadsUrlsAndFiles) {
   ASSERT_TRUE(Parse(Upload(File().text()).text()));
-  EXPECT_EQ(config.success_url_, "http://s/");
-  EXPECT_EQ(config.failure_url_, "http://f/");
-  ASSERT_EQ(config.files_.size(), 1U);
-  const UploadFile& file = config.files_[0];
-  EXPECT_EQ(file.upload_url_, "http://u/");
-  EXPECT_EQ(file.type_, "model/qmf");
-  EXPECT_TRUE(file.zipped_);
-  EXPECT_EQ(file.format_, "QMF");
-  EXPECT_EQ(file.width_, 640);
-  EXPECT_EQ(file.height_, 480);
-  EXPECT_EQ(file.name_, "Chair");
-  EXPECT_EQ(file.file_path_, "");
-  EXPECT_EQ(file.zipped_file_path_, "");
-  EXPECT_EQ(file.opaque_value_, 0U);
+  ASSERT_EQ(Fields(config), std::make_tuple("", "http://s/", "http://f/", 1U));
+  EXPECT_EQ(Fields(config.files_[0]),
+            std::make_tuple("http://u/", "model/qmf", true, "Chair", "QMF", 640, 480, "", 0U, ""));
 }
 
 TEST_F(UploadConfigTest, AnEmptyListIsValid) {
   EXPECT_TRUE(Parse(Upload().text()));
-  EXPECT_TRUE(config.files_.empty());
-  EXPECT_EQ(config.success_url_, "http://s/");
+  EXPECT_EQ(Fields(config), std::make_tuple("", "http://s/", "http://f/", 0U));
 }
 
 TEST_F(UploadConfigTest, FilesKeepTheirOrderWhateverLiesBetween) {
-  const auto named = [](const char* name) {
-    return File().With("name", "<name>" + std::string(name) + "</name>").text();
-  };
+  const auto named = [](const char* name) { return File().With("name", Tag("name", name)).text(); };
   ASSERT_TRUE(Parse("<upload><files><x/>" + named("1") + "<file2/>" + named("2") + named("3") +
                     "</files><failureUrl>f</failureUrl><x/><successUrl>s</successUrl></upload>"));
   ASSERT_EQ(config.files_.size(), 3U);
@@ -112,20 +101,14 @@ TEST_F(UploadConfigTest, MissingOptionalValuesKeepTheirDefaults) {
   ASSERT_TRUE(ParseFile(
       File().Without("zipped").Without("format").Without("width").Without("height").Without(
           "name")));
-  const UploadFile& file = config.files_[0];
-  EXPECT_FALSE(file.zipped_);
-  EXPECT_EQ(file.format_, "");
-  EXPECT_EQ(file.width_, 0);
-  EXPECT_EQ(file.height_, 0);
-  EXPECT_EQ(file.name_, "");
+  EXPECT_EQ(Fields(config.files_[0]),
+            std::make_tuple("http://u/", "model/qmf", false, "", "", 0, 0, "", 0U, ""));
 }
 
 TEST_F(UploadConfigTest, ASizeThatIsNoNumberIsMissing) {
   for (const char* const text : {"", "x", "1.5", "2147483648"}) {
-    ASSERT_TRUE(ParseFile(File()
-                              .With("width", "<width>" + std::string(text) + "</width>")
-                              .With("height", "<height>" + std::string(text) + "</height>")))
-        << text;
+    const Parts file = File().With("width", Tag("width", text)).With("height", Tag("height", text));
+    ASSERT_TRUE(ParseFile(file)) << text;
     EXPECT_EQ(config.files_[0].width_, 0) << text;
     EXPECT_EQ(config.files_[0].height_, 0) << text;
   }
@@ -137,7 +120,7 @@ TEST_F(UploadConfigTest, ZippedIsTheTextTrueInAnyLetterCase) {
       {" true ", true}, {"1", false},        {"yes", false}, {"", false},
       {"false", false}, {"truetrue", false}, {"tru", false}, {"true 1", false}};
   for (const auto& [text, zipped] : texts) {
-    ASSERT_TRUE(ParseFile(File().With("zipped", "<zipped>" + std::string(text) + "</zipped>")));
+    ASSERT_TRUE(ParseFile(File().With("zipped", Tag("zipped", text))));
     EXPECT_EQ(config.files_[0].zipped_, zipped) << text;
   }
 }
@@ -147,22 +130,17 @@ TEST_F(UploadConfigTest, EveryFileStartsFromTheDefaults) {
       Parse(Upload(File().text() + "<file><uploadUrl>2</uploadUrl><type>t</type></file>").text()));
   ASSERT_EQ(config.files_.size(), 2U);
   EXPECT_TRUE(config.files_[0].zipped_);
-  EXPECT_FALSE(config.files_[1].zipped_);
-  EXPECT_EQ(config.files_[1].format_, "");
-  EXPECT_EQ(config.files_[1].width_, 0);
-  EXPECT_EQ(config.files_[1].height_, 0);
-  EXPECT_EQ(config.files_[1].name_, "");
+  EXPECT_EQ(Fields(config.files_[1]), std::make_tuple("2", "t", false, "", "", 0, 0, "", 0U, ""));
 }
 
 TEST_F(UploadConfigTest, AnIncompleteFileIsKeptAndTheResultIsFalse) {
   for (const char* const part : {"url", "type"}) {
-    config.Clear();
-    EXPECT_FALSE(Parse(Upload(File().text() + File().Without(part).text()).text()));
-    EXPECT_EQ(config.files_.size(), 2U);
-    config.Clear();
-    EXPECT_FALSE(Parse(Upload(File().Without(part).text() + File().text()).text()));
-    EXPECT_EQ(config.files_.size(), 2U);
-    EXPECT_EQ(config.success_url_, "http://s/");
+    const std::string bad = File().Without(part).text();
+    for (const std::string& files : {File().text() + bad, bad + File().text()}) {
+      config.Clear();
+      EXPECT_FALSE(Parse(Upload(files).text())) << files;
+      EXPECT_EQ(Fields(config), std::make_tuple("", "http://s/", "http://f/", 2U)) << files;
+    }
   }
 }
 
@@ -177,14 +155,6 @@ TEST_F(UploadConfigTest, NothingIsReadWithoutTheRoot) {
     EXPECT_TRUE(config.files_.empty()) << bad;
   }
   EXPECT_FALSE(config.ParseResponse(nullptr, 0));
-}
-
-// The reader takes an int. Cut to 32 bits, the first length would be the document's.
-TEST_F(UploadConfigTest, ALengthThatNoReaderTakesIsNotCutOff) {
-  Bytes bytes(Upload(File().text()).text());
-  EXPECT_FALSE(config.ParseResponse(bytes.data(), (1UL << 32) + bytes.size()));
-  EXPECT_FALSE(config.ParseResponse(bytes.data(), 1UL << 31));
-  EXPECT_TRUE(config.files_.empty());
 }
 
 TEST_F(UploadConfigTest, ValuesAreChildrenAndNotAttributes) {
@@ -213,10 +183,8 @@ TEST_F(UploadConfigTest, ParsingTwiceAppendsFilesAndReplacesUrls) {
   EXPECT_EQ(config.success_url_, "new");
 
   EXPECT_FALSE(Parse(Upload().Without("success").Without("failure").text()));
-  EXPECT_EQ(config.success_url_, "new");
-  EXPECT_EQ(config.failure_url_, "http://f/");
   EXPECT_FALSE(Parse("no XML"));
-  EXPECT_EQ(config.files_.size(), 2U);
+  EXPECT_EQ(Fields(config), std::make_tuple("", "new", "http://f/", 2U));
 }
 
 TEST_F(UploadConfigTest, ClearKeepsTheUrlAndInitSetsIt) {
@@ -225,10 +193,7 @@ TEST_F(UploadConfigTest, ClearKeepsTheUrlAndInitSetsIt) {
   for (const bool by_init : {false, true}) {
     ASSERT_TRUE(Parse(Upload(File().text() + File().text()).text()));
     by_init ? config.Init("http://b/") : config.Clear();
-    EXPECT_EQ(config.url_, by_init ? "http://b/" : "http://a/");
-    EXPECT_EQ(config.success_url_, "");
-    EXPECT_EQ(config.failure_url_, "");
-    EXPECT_TRUE(config.files_.empty());
+    EXPECT_EQ(Fields(config), std::make_tuple(by_init ? "http://b/" : "http://a/", "", "", 0U));
     EXPECT_GE(config.files_.capacity(), 2U);
   }
 }
@@ -239,6 +204,72 @@ TEST_F(UploadConfigTest, InitTakesTheObjectsOwnUrls) {
   EXPECT_EQ(config.url_, "http://s/");
   config.Init(config.url_);
   EXPECT_EQ(config.url_, "http://s/");
+}
+
+UploadFile Filled() {
+  UploadFile file;
+  file.upload_url_ = "upload url";
+  file.type_ = "type";
+  file.zipped_ = true;
+  file.name_ = "name";
+  file.format_ = "format";
+  file.width_ = 640;
+  file.height_ = -480;
+  file.file_path_ = "file path";
+  file.opaque_value_ = 0xFEDCBA9876543210U;
+  file.zipped_file_path_ = "zipped file path";
+  return file;
+}
+
+constexpr std::tuple kFilled("upload url", "type", true, "name", "format", 640, -480, "file path",
+                             0xFEDCBA9876543210U, "zipped file path");
+
+TEST(UploadFileTest, ACopyHasAllTenMembersAndIsIndependent) {
+  UploadFile original = Filled();
+  const UploadFile copy(original);
+  EXPECT_EQ(Fields(original), kFilled);
+  original.name_ = "other";
+  original.opaque_value_ = 1;
+  EXPECT_EQ(Fields(copy), kFilled);
+}
+
+TEST(UploadFileTest, AssignmentCopiesAllTenMembersAndGivesTheTarget) {
+  const UploadFile original = Filled();
+  UploadFile target;
+  EXPECT_EQ(&(target = original), &target);
+  EXPECT_EQ(Fields(target), kFilled);
+  EXPECT_EQ(Fields(original), kFilled);
+  target = UploadFile();
+  EXPECT_EQ(Fields(target), Fields(UploadFile()));
+}
+
+TEST(UploadFileTest, AssignmentToItselfChangesNothing) {
+  UploadFile file = Filled();
+  const UploadFile& same = file;
+  file = same;
+  EXPECT_EQ(Fields(file), kFilled);
+}
+
+TEST(UploadFileTest, AGrowingListKeepsItsFiles) {
+  std::vector<UploadFile> files;
+  for (int i = 0; i < 20; ++i) files.push_back(Filled());
+  for (const UploadFile& file : files) EXPECT_EQ(Fields(file), kFilled);
+}
+
+TEST(UploadFileTest, AConfigurationIsCopiedWithItsFiles) {
+  UploadConfig original;
+  original.Init("url");
+  original.success_url_ = "s";
+  original.failure_url_ = "f";
+  original.files_.push_back(Filled());
+  const UploadConfig copy(original);
+  UploadConfig target;
+  EXPECT_EQ(&(target = original), &target);
+  original.Clear();
+  for (const UploadConfig* const config : {&copy, &std::as_const(target)}) {
+    ASSERT_EQ(Fields(*config), std::make_tuple("url", "s", "f", 1U));
+    EXPECT_EQ(Fields(config->files_[0]), kFilled);
+  }
 }
 
 }  // namespace

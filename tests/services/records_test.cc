@@ -4,12 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "common_stowraapi/services/extension_store_status.h"
-#include "common_stowraapi/services/update_query.h"
+#include "tests/services/fields.h"
 
 namespace stowra_test {
 namespace {
@@ -28,18 +26,11 @@ void Fill(MessageData& record) {
   record.title = "Zoë";
   record.url = kLong;
 }
-auto Fields(const MessageData& record) {
-  return std::make_tuple(record.id, record.max_shows, record.width, record.height,
-                         record.title.utf8(), record.url.utf8());
-}
 
 void Fill(DataFileData& record) {
   record.version = 7;
   record.filename = "Zoë";
   record.url = kLong;
-}
-auto Fields(const DataFileData& record) {
-  return std::make_tuple(record.version, record.filename.utf8(), record.url.utf8());
 }
 
 void Fill(ExtensionStoreItem& record) {
@@ -50,10 +41,6 @@ void Fill(ExtensionStoreItem& record) {
   record.update = true;
   record.remote_kill = true;
   record.enabled = true;
-}
-auto Fields(const ExtensionStoreItem& record) {
-  return std::make_tuple(record.id.utf8(), record.version_uuid.utf8(), record.version,
-                         record.file_url.utf8(), record.update, record.remote_kill, record.enabled);
 }
 
 template <typename Record>

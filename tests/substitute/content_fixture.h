@@ -16,19 +16,22 @@ namespace stowra_substitute {
 
 using stowra_test::Bytes;
 
-// An element that only holds others, and one that only holds a text.
+// An element that only holds others, one that only holds a text, and one that only has attributes.
 inline XmlElement Parent(std::string name, std::vector<XmlElement> children) {
   return {std::move(name), {}, "", std::move(children)};
 }
 inline XmlElement Leaf(std::string name, std::string text) {
   return {std::move(name), {}, std::move(text), {}};
 }
+inline XmlElement With(std::string name, XmlElement::Attributes attributes) {
+  return {std::move(name), std::move(attributes), "", {}};
+}
 
-// At the end of a test no reader may be left, every scripted document must have been opened, and no
+// After a test no reader may be left, every scripted document must have been opened, and no
 // call may have broken the contract.
 class ContentTest : public SubstituteTest {
  protected:
-  void TearDown() override {
+  ~ContentTest() override {
     SetLeaveResult(true);
     SetFailingOperation("");
     SetAbsentIndex(static_cast<unsigned long>(-1));
@@ -36,7 +39,6 @@ class ContentTest : public SubstituteTest {
     EXPECT_EQ(CountScriptedDocuments(), 0);
     EXPECT_EQ(TakeReaderMisuses(), 0);
     EXPECT_EQ(TakeTextMisuses(), 0);
-    SubstituteTest::TearDown();
   }
 };
 

@@ -17,10 +17,6 @@ constexpr char kModel[] = "http://schemas.stowra.example/stowra/2008#model";
 constexpr char kQmf[] = "application/vnd.brevix.qmf";
 constexpr char kKmz[] = "application/vnd.pellamy.kmz";
 
-XmlElement With(const std::string& name, const XmlElement::Attributes& attributes) {
-  return {name, attributes, "", {}};
-}
-
 class ContentItemTest : public ContentTest {
  protected:
   // Loads an entry of these children and expects the reader to stand on it again.

@@ -13,6 +13,7 @@
 #include "common_stowraapi/content/content_item.h"
 #include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/content/upload_config.h"
+#include "tests/content/fields.h"
 #include "tests/substitute/content_fixture.h"
 #include "tests/substitute/member_access.h"
 #include "tests/support/slots.h"
@@ -24,8 +25,9 @@ using ovrant::stowraapiclient::ContentItem;
 using ovrant::stowraapiclient::ContentQuery;
 using ovrant::stowraapiclient::UploadConfig;
 using ovrant::stowraapiclient::UploadFile;
-using ovrant::utils::ovrant_ustring;
 using stowra_test::CallSlot;
+using stowra_test::ExpectEmpty;
+using stowra_test::Fields;
 
 static_assert(!std::is_polymorphic_v<ContentQuery>);
 static_assert(!std::is_polymorphic_v<ContentItem>);
@@ -40,7 +42,7 @@ static_assert(std::is_same_v<decltype(ContentQuery::items_), std::vector<Content
 static_assert(std::is_same_v<decltype(UploadConfig::files_), std::vector<UploadFile>>);
 static_assert(std::is_same_v<decltype(UploadFile::opaque_value_), std::uint64_t>);
 
-using Text = ovrant_ustring;
+using Text = ovrant::utils::ovrant_ustring;
 
 // In memory in which no byte is zero, so that a member which the constructor leaves out shows.
 template <typename Class>
@@ -56,6 +58,7 @@ class OnNoise {
   OnNoise& operator=(const OnNoise&) = delete;
 
   const Class& operator*() const { return *object_; }
+  const Class* operator->() const { return object_; }
 
  private:
   alignas(Class) unsigned char place_[sizeof(Class)];
@@ -91,56 +94,26 @@ TEST_F(ContentLayoutTest, MembersLieInTheirOrder) {
 
 TEST_F(ContentLayoutTest, AFreshContentQueryIsEmpty) {
   const OnNoise<ContentQuery> fresh;
-  const ContentQuery& query = *fresh;
-  EXPECT_EQ(query.total_results_, 0);
-  EXPECT_EQ(query.start_index_, 1);
-  EXPECT_EQ(query.items_per_page_, 12);
-  EXPECT_EQ(query.max_qmf_version_, 0);
-  for (const ovrant_ustring* text : {&query.next_url_, &query.previous_url_, &query.self_url_,
-                                     &query.html_url_, &query.title_}) {
-    EXPECT_TRUE(text->empty());
-  }
-  EXPECT_TRUE(query.items_.empty());
+  ExpectEmpty(*fresh);
+  EXPECT_EQ(fresh->max_qmf_version_, 0);
 }
-
-constexpr ovrant_ustring ContentItem::*kItemTexts[] = {
-    &ContentItem::id_,           &ContentItem::title_,
-    &ContentItem::summary_,      &ContentItem::author_name_,
-    &ContentItem::author_uri_,   &ContentItem::user_query_url_,
-    &ContentItem::author_id_,    &ContentItem::thumbnail_url_,
-    &ContentItem::download_url_, &ContentItem::collection_feed_url_,
-    &ContentItem::html_url_};
 
 TEST_F(ContentLayoutTest, AFreshContentItemHasItsDefaults) {
   const OnNoise<ContentItem> fresh;
-  const ContentItem& item = *fresh;
-  EXPECT_EQ(item.kind_, 1);
-  EXPECT_EQ(item.download_format_, 0);
-  for (const auto text : kItemTexts) EXPECT_TRUE((item.*text).empty());
-  EXPECT_FALSE(item.dynamic_component_);
-  EXPECT_FALSE(item.classified_component_);
-  EXPECT_EQ(item.thumbnail_size_, 0);
-  EXPECT_EQ(item.thumbnail_buffer_, nullptr);
-  EXPECT_EQ(item.max_qmf_version_, 0);
+  EXPECT_EQ(Fields(*fresh),
+            std::make_tuple(1, 0, "", "", "", "", "", "", "", "", "", "", "", false, false));
+  EXPECT_EQ(fresh->thumbnail_size_, 0);
+  EXPECT_EQ(fresh->thumbnail_buffer_, nullptr);
+  EXPECT_EQ(fresh->max_qmf_version_, 0);
 }
 
 TEST_F(ContentLayoutTest, AFreshUploadConfigIsEmpty) {
-  const UploadConfig config;
-  EXPECT_TRUE(config.url_.empty() && config.success_url_.empty() && config.failure_url_.empty());
-  EXPECT_TRUE(config.files_.empty());
+  EXPECT_EQ(Fields(UploadConfig()), std::make_tuple("", "", "", 0U));
 }
 
 TEST_F(ContentLayoutTest, AFreshUploadFileIsEmpty) {
   const OnNoise<UploadFile> fresh;
-  const UploadFile& file = *fresh;
-  for (const ovrant_ustring* text : {&file.upload_url_, &file.type_, &file.name_, &file.format_,
-                                     &file.file_path_, &file.zipped_file_path_}) {
-    EXPECT_TRUE(text->empty());
-  }
-  EXPECT_FALSE(file.zipped_);
-  EXPECT_EQ(file.width_, 0);
-  EXPECT_EQ(file.height_, 0);
-  EXPECT_EQ(file.opaque_value_, 0U);
+  EXPECT_EQ(Fields(*fresh), std::make_tuple("", "", false, "", "", 0, 0, "", 0U, ""));
 }
 
 // The first virtual function of a derived class stands behind those of its base.

@@ -36,14 +36,16 @@ class ExtensionStoreFixture : public SubstituteTest {
     TakeEffects();
   }
 
-  void TearDown() override {
-    status.reset();
-    SubstituteTest::TearDown();
-  }
-
   // Starts a request and drops the effects of the start.
   void Start() {
     status->AsynchronousStatus();
+    TakeEffects();
+  }
+
+  // The same with its end.
+  void StartAndEnd(const Outcome& outcome) {
+    Start();
+    EXPECT_TRUE(EndTransfer("http://a/", outcome));
     TakeEffects();
   }
 

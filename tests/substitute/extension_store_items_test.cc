@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common_stowraapi/platform/internet_data.h"
-#include "common_stowraapi/platform/internet_data_delegate.h"
-#include "common_stowraapi/services/extension_store_status.h"
+#include "tests/services/fields.h"
 #include "tests/substitute/fixture.h"
 
 namespace stowra_substitute {
@@ -16,6 +14,8 @@ namespace {
 using ovrant::extensionstoreapi::ExtensionStoreItem;
 using ovrant::extensionstoreapi::ExtensionStoreStatus;
 using ovrant::utils::ovrant_ustring;
+using stowra_test::Fields;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 using ItemMap = std::map<ovrant_ustring, ExtensionStoreItem>;
@@ -26,6 +26,15 @@ class ExtensionStoreItemsTest : public testing::Test {
     ScriptTransfer(Reply(200, response));
     EXPECT_TRUE(status.SynchronousStatus());
     return status.GetItemMapFromResponse();
+  }
+
+  // The ids of an answer with these extensions.
+  std::vector<std::string> KeysOf(const std::string& extensions) {
+    std::vector<std::string> keys;
+    for (const auto& item : ItemsOf(R"({"extensions":)" + extensions + "}")) {
+      keys.push_back(item.first.utf8());
+    }
+    return keys;
   }
 
   // The record of an answer's only extension, whose id is "x".
@@ -41,29 +50,14 @@ class ExtensionStoreItemsTest : public testing::Test {
 };
 
 TEST_F(ExtensionStoreItemsTest, ItemHasItsDefaults) {
-  const ExtensionStoreItem item;
-  EXPECT_TRUE(item.id.empty());
-  EXPECT_TRUE(item.version_uuid.empty());
-  EXPECT_EQ(item.version, 0.0F);
-  EXPECT_TRUE(item.file_url.empty());
-  EXPECT_FALSE(item.update);
-  EXPECT_FALSE(item.remote_kill);
-  EXPECT_FALSE(item.enabled);
+  EXPECT_EQ(Fields(ExtensionStoreItem()), std::make_tuple("", "", 0.0F, "", false, false, false));
 }
 
 TEST_F(ExtensionStoreItemsTest, ReadsEveryMember) {
-  const ItemMap items =
-      ItemsOf(R"({"extensions":[{"id":"x","version_uuid":"u","version":"2.5",)"
-              R"("file_url":"f","update":true,"remote_kill":true,"enabled":1}]})");
-  ASSERT_EQ(items.size(), 1U);
-  const ExtensionStoreItem& item = items.at("x");
-  EXPECT_EQ(item.id, "x");
-  EXPECT_EQ(item.version_uuid, "u");
-  EXPECT_EQ(item.version, 2.5F);
-  EXPECT_EQ(item.file_url, "f");
-  EXPECT_TRUE(item.update);
-  EXPECT_TRUE(item.remote_kill);
-  EXPECT_TRUE(item.enabled);
+  const ExtensionStoreItem item =
+      ItemWith(R"("version_uuid":"u","version":"2.5","file_url":"f","update":true,)"
+               R"("remote_kill":true,"enabled":1)");
+  EXPECT_EQ(Fields(item), std::make_tuple("x", "u", 2.5F, "f", true, true, true));
 }
 
 TEST_F(ExtensionStoreItemsTest, NoReadableResponseGivesNoItems) {
@@ -78,30 +72,20 @@ TEST_F(ExtensionStoreItemsTest, NoReadableResponseGivesNoItems) {
 }
 
 TEST_F(ExtensionStoreItemsTest, ElementsThatAreNoObjectsAreSkipped) {
-  const ItemMap items = ItemsOf(R"({"extensions":["x",{"id":"b"},null,{"id":"a"},7]})");
-  ASSERT_EQ(items.size(), 2U);
-  EXPECT_EQ(items.begin()->first, "a");
-  EXPECT_EQ(items.rbegin()->first, "b");
+  EXPECT_THAT(KeysOf(R"(["x",{"id":"b"},null,{"id":"a"},7])"), ElementsAre("a", "b"));
 }
 
 TEST_F(ExtensionStoreItemsTest, AnElementWithNothingButAnIdHasTheDefaults) {
   const ItemMap items = ItemsOf(R"({"extensions":[{"id":"x"}]})");
-  const ExtensionStoreItem& item = items.at("x");
-  EXPECT_EQ(item.id, "x");
-  EXPECT_TRUE(item.version_uuid.empty());
-  EXPECT_EQ(item.version, 0.0F);
-  EXPECT_TRUE(item.file_url.empty());
-  EXPECT_FALSE(item.update || item.remote_kill || item.enabled);
+  EXPECT_EQ(Fields(items.at("x")), std::make_tuple("x", "", 0.0F, "", false, false, false));
 }
 
 TEST_F(ExtensionStoreItemsTest, VersionIsAStringThatSpellsANumber) {
   EXPECT_EQ(ItemWith(R"("version":"2.5")").version, 2.5F);
   EXPECT_EQ(ItemWith(R"("version":"-1")").version, -1.0F);
-  EXPECT_EQ(ItemWith(R"("version":"")").version, 0.0F);
-  EXPECT_EQ(ItemWith(R"("version":"new")").version, 0.0F);
-  EXPECT_EQ(ItemWith(R"("version":2.5)").version, 0.0F);
-  EXPECT_EQ(ItemWith(R"("version":2)").version, 0.0F);
-  EXPECT_EQ(ItemWith(R"("version":null)").version, 0.0F);
+  for (const char* const value : {R"("")", R"("new")", "2.5", "2", "null"}) {
+    EXPECT_EQ(ItemWith(std::string(R"("version":)") + value).version, 0.0F) << value;
+  }
 }
 
 TEST_F(ExtensionStoreItemsTest, EnabledIsTheIntegerOneOnly) {
@@ -138,12 +122,7 @@ TEST_F(ExtensionStoreItemsTest, TheLastElementOfOneIdReplacesAllFields) {
               R"("update":true,"remote_kill":true,"enabled":1},{"id":"y"},)"
               R"({"id":"x","version":"3"}]})");
   ASSERT_EQ(items.size(), 2U);
-  const ExtensionStoreItem& item = items.at("x");
-  EXPECT_EQ(item.id, "x");
-  EXPECT_EQ(item.version, 3.0F);
-  EXPECT_TRUE(item.version_uuid.empty());
-  EXPECT_TRUE(item.file_url.empty());
-  EXPECT_FALSE(item.update || item.remote_kill || item.enabled);
+  EXPECT_EQ(Fields(items.at("x")), std::make_tuple("x", "", 3.0F, "", false, false, false));
 }
 
 TEST_F(ExtensionStoreItemsTest, OfAThousandElementsOfOneIdTheLastCounts) {
@@ -169,9 +148,7 @@ TEST_F(ExtensionStoreItemsTest, ElementsWithoutAStringIdShareTheEmptyKey) {
 }
 
 TEST_F(ExtensionStoreItemsTest, IdsEndAtAnEscapedNul) {
-  const ItemMap items = ItemsOf(R"({"extensions":[{"id":"x\u00001"},{"id":"x\u00002"}]})");
-  ASSERT_EQ(items.size(), 1U);
-  EXPECT_EQ(items.begin()->first, "x");
+  EXPECT_THAT(KeysOf(R"([{"id":"x\u00001"},{"id":"x\u00002"}])"), ElementsAre("x"));
 }
 
 TEST_F(ExtensionStoreItemsTest, FirstOfRepeatedMembersCounts) {
@@ -188,21 +165,14 @@ TEST_F(ExtensionStoreItemsTest, MayBeReadAnyNumberOfTimes) {
 }
 
 TEST_F(ExtensionStoreItemsTest, KeysAreOrderedByCodeUnits) {
-  const ItemMap items = ItemsOf(
-      R"({"extensions":[{"id":"b"},{"id":"a"},{"id":"B"},{"id":"\uffee"},{"id":"\ud83d\ude00"}]})");
-  std::vector<std::string> keys;
-  for (const auto& [key, item] : items) keys.push_back(key.utf8());
-  EXPECT_THAT(keys, testing::ElementsAre("B", "a", "b", "\xF0\x9F\x98\x80", "\xEF\xBF\xAE"));
+  EXPECT_THAT(KeysOf(R"([{"id":"b"},{"id":"a"},{"id":"B"},{"id":"\uffee"},{"id":"\ud83d\ude00"}])"),
+              ElementsAre("B", "a", "b", "\xF0\x9F\x98\x80", "\xEF\xBF\xAE"));
 }
 
 TEST_F(ExtensionStoreItemsTest, KeysThatBeginAlikeAreOrderedByTheirEnds) {
-  const ItemMap items =
-      ItemsOf(R"({"extensions":[{"id":"store.b"},{"id":"store"},{"id":"sto"},{"id":"stor"},)"
-              R"({"id":"store.a"},{"id":"store.aa"},{"id":""}]})");
-  std::vector<std::string> keys;
-  for (const auto& [key, item] : items) keys.push_back(key.utf8());
-  EXPECT_THAT(keys,
-              testing::ElementsAre("", "sto", "stor", "store", "store.a", "store.aa", "store.b"));
+  EXPECT_THAT(KeysOf(R"([{"id":"store.b"},{"id":"store"},{"id":"sto"},{"id":"stor"},)"
+                     R"({"id":"store.a"},{"id":"store.aa"},{"id":""}])"),
+              ElementsAre("", "sto", "stor", "store", "store.a", "store.aa", "store.b"));
 }
 
 }  // namespace

@@ -9,6 +9,9 @@ namespace {
 
 using testing::IsEmpty;
 
+static_assert(kExtensionStoreStatusRequestReturnedMessage == 28002U);
+static_assert(kExtensionStoreStatusRequestFailedMessage == 28003U);
+
 class ExtensionStoreStatusTest : public ExtensionStoreFixture {};
 
 // Whether any request has succeeded before main, that is, as the library has loaded it.
@@ -17,22 +20,6 @@ const bool completed_at_load =
 
 TEST_F(ExtensionStoreStatusTest, NothingHasCompletedWhenTheLibraryIsLoaded) {
   EXPECT_FALSE(completed_at_load);
-}
-
-TEST_F(ExtensionStoreStatusTest, MessageNumbersAreConstantExpressions) {
-  static_assert(kExtensionStoreStatusRequestReturnedMessage == 28002U);
-  static_assert(kExtensionStoreStatusRequestFailedMessage == 28003U);
-  const unsigned int* const returned = &kExtensionStoreStatusRequestReturnedMessage;
-  EXPECT_EQ(*returned, 28002U);
-}
-
-TEST_F(ExtensionStoreStatusTest, NotificationNames) {
-  EXPECT_STREQ(kExtensionStoreStatusRequestReturnedNotification,
-               "ExtensionStoreStatusRequestReturned");
-  EXPECT_STREQ(kExtensionStoreStatusRequestFailedNotification, "ExtensionStoreStatusRequestFailed");
-  EXPECT_STREQ(kExtensionStoreAsynchStatusSucceededNotification,
-               "ExtensionStoreAsyncStatusSucceeded");
-  EXPECT_STREQ(kExtensionStoreAsynchStatusFailedNotification, "ExtensionStoreAsyncStatusFailed");
 }
 
 TEST_F(ExtensionStoreStatusTest, ConstructorObservesBothNames) {

@@ -18,13 +18,13 @@
 
 namespace stowra_substitute {
 
-// Starts without effects. At the end of a test no object may be left, and every scripted transfer
-// must have happened.
+// Starts without effects. After a test and its fixture no object may be left, and every scripted
+// transfer must have happened.
 class SubstituteTest : public testing::Test {
  protected:
   SubstituteTest() { TakeEffects(); }
 
-  void TearDown() override {
+  ~SubstituteTest() override {
     SetStartsInBackground(true);
     SetFailsAtOnce(false);
     EXPECT_EQ(CountTransports(), 0);

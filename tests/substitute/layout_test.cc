@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <memory>
-#include <type_traits>
+#include <tuple>
 #include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
@@ -13,6 +13,7 @@
 #include "common_stowraapi/services/user_info_query.h"
 #include "tests/substitute/fixture.h"
 #include "tests/substitute/member_access.h"
+#include "tests/support/text.h"
 
 namespace stowra_substitute {
 
@@ -20,28 +21,28 @@ using ovrant::extensionstoreapi::ExtensionStoreItem;
 using ovrant::extensionstoreapi::ExtensionStoreStatus;
 using ovrant::internet::InternetData;
 using ovrant::internet::InternetDataDelegate;
-using ovrant::utils::ovrant_ustring;
 using ovrant::utils::StringMap;
 using ovrant::webservices::DataFileData;
 using ovrant::webservices::MessageData;
 using ovrant::webservices::UpdateQuery;
 using ovrant::webservices::UserInfoQuery;
 using ovrant::webservices::WebServiceRequestBase;
+using Text = ovrant::utils::ovrant_ustring;
 
 STOWRA_MEMBER(BaseContext, void*, WebServiceRequestBase, context_);
 STOWRA_MEMBER(BaseReturnedMessage, unsigned int, WebServiceRequestBase, returned_message_);
 STOWRA_MEMBER(BaseFailedMessage, unsigned int, WebServiceRequestBase, failed_message_);
-STOWRA_MEMBER(BaseUrl, ovrant_ustring, WebServiceRequestBase, url_);
+STOWRA_MEMBER(BaseUrl, Text, WebServiceRequestBase, url_);
 STOWRA_MEMBER(BaseData, std::unique_ptr<InternetData>, WebServiceRequestBase, internet_data_);
 STOWRA_MEMBER(BaseDelegate, std::unique_ptr<InternetDataDelegate>, WebServiceRequestBase,
               delegate_);
 STOWRA_MEMBER(BaseReturnedName, const char*, WebServiceRequestBase, returned_notification_);
 STOWRA_MEMBER(BaseFailedName, const char*, WebServiceRequestBase, failed_notification_);
 STOWRA_MEMBER(UserInfoCache, StringMap, UserInfoQuery, user_info_cache_);
-STOWRA_MEMBER(StatusUrl, ovrant_ustring, ExtensionStoreStatus, url_);
+STOWRA_MEMBER(StatusUrl, Text, ExtensionStoreStatus, url_);
 STOWRA_MEMBER(StatusContext, void*, ExtensionStoreStatus, context_);
-STOWRA_MEMBER(StatusRequestBody, ovrant_ustring, ExtensionStoreStatus, request_body_);
-STOWRA_MEMBER(StatusResponse, ovrant_ustring, ExtensionStoreStatus, response_);
+STOWRA_MEMBER(StatusRequestBody, Text, ExtensionStoreStatus, request_body_);
+STOWRA_MEMBER(StatusResponse, Text, ExtensionStoreStatus, response_);
 STOWRA_MEMBER(StatusData, std::unique_ptr<InternetData>, ExtensionStoreStatus, internet_data_);
 STOWRA_MEMBER(StatusDelegate, std::unique_ptr<InternetDataDelegate>, ExtensionStoreStatus,
               delegate_);
@@ -49,8 +50,6 @@ STOWRA_MEMBER(StatusDelegate, std::unique_ptr<InternetDataDelegate>, ExtensionSt
 namespace {
 
 static_assert(sizeof(std::unique_ptr<InternetData>) == sizeof(void*));
-
-using Text = ovrant_ustring;
 
 constexpr std::size_t kVtable = sizeof(void*);
 
@@ -98,26 +97,23 @@ TEST(LayoutTest, TheObserverComesFirst) {
   ExpectBaseFirst<ExtensionStoreStatus>();
 }
 
+auto Fields(const ExtensionStoreStatus& status) {
+  return std::make_tuple(
+      status.*PointerTo(StatusUrl()), status.*PointerTo(StatusContext()),
+      status.*PointerTo(StatusRequestBody()), status.*PointerTo(StatusResponse()),
+      (status.*PointerTo(StatusData())).get(), (status.*PointerTo(StatusDelegate())).get());
+}
+
 TEST(LayoutTest, AFreshExtensionStoreStatusIsEmpty) {
-  const ExtensionStoreStatus status;
-  EXPECT_TRUE((status.*PointerTo(StatusUrl())).empty());
-  EXPECT_EQ(status.*PointerTo(StatusContext()), nullptr);
-  EXPECT_TRUE((status.*PointerTo(StatusRequestBody())).empty());
-  EXPECT_TRUE((status.*PointerTo(StatusResponse())).empty());
-  EXPECT_EQ(status.*PointerTo(StatusData()), nullptr);
-  EXPECT_EQ(status.*PointerTo(StatusDelegate()), nullptr);
+  EXPECT_EQ(Fields(ExtensionStoreStatus()), std::make_tuple("", nullptr, "", "", nullptr, nullptr));
 }
 
 TEST(LayoutTest, ExtensionStoreStatusKeepsWhatInitIsGiven) {
   ExtensionStoreStatus status;
   status.*PointerTo(StatusResponse()) = "old";
   status.Init("http://a/", Address(0x2a), "{}");
-  EXPECT_EQ(status.*PointerTo(StatusUrl()), "http://a/");
-  EXPECT_EQ(status.*PointerTo(StatusContext()), Address(0x2a));
-  EXPECT_EQ(status.*PointerTo(StatusRequestBody()), "{}");
-  EXPECT_TRUE((status.*PointerTo(StatusResponse())).empty());
-  EXPECT_EQ(status.*PointerTo(StatusData()), nullptr);
-  EXPECT_EQ(status.*PointerTo(StatusDelegate()), nullptr);
+  EXPECT_EQ(Fields(status),
+            std::make_tuple("http://a/", Address(0x2a), "{}", "", nullptr, nullptr));
 }
 
 TEST(LayoutTest, UserInfoCacheIsOrderedByCompareAndEmptyAtFirst) {
@@ -137,33 +133,33 @@ const T& At(const InternetData& data, std::size_t offset) {
   return *reinterpret_cast<const T*>(reinterpret_cast<const char*>(&data) + offset);
 }
 
+struct Mirror {
+  void* vtable;
+  bool flag;
+  Room<Text> url;
+  float setting;
+  int limit;
+  Room<Text> texts[4];
+  unsigned char* body;
+  unsigned long body_length;
+  Room<StringMap> headers;
+  int status;
+  bool status_flag;
+  Room<StringMap> more_headers;
+  void* pointers[4];
+  bool before_last_flag;
+  bool last_flag;
+};
+
 TEST(LayoutTest, AFreshTransportHasItsMembersInOrderWithTheirInitialValues) {
-  struct Mirror {
-    void* vtable;
-    bool flag;
-    Room<Text> url;
-    float setting;
-    int limit;
-    Room<Text> texts[4];
-    unsigned char* body;
-    unsigned long body_length;
-    Room<StringMap> headers;
-    int status;
-    bool status_flag;
-    Room<StringMap> more_headers;
-    void* pointers[4];
-    bool before_last_flag;
-    bool last_flag;
-  };
   ASSERT_EQ(sizeof(InternetData), sizeof(Mirror));
   const InternetData data("http://a/");
   EXPECT_FALSE(At<bool>(data, offsetof(Mirror, flag)));
-  EXPECT_EQ(At<ovrant_ustring>(data, offsetof(Mirror, url)), "http://a/");
+  EXPECT_EQ(At<Text>(data, offsetof(Mirror, url)), "http://a/");
   EXPECT_EQ(At<float>(data, offsetof(Mirror, setting)), 30.0F);
   EXPECT_EQ(At<int>(data, offsetof(Mirror, limit)), -1);
   for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_TRUE(
-        At<ovrant_ustring>(data, offsetof(Mirror, texts) + i * sizeof(ovrant_ustring)).empty());
+    EXPECT_TRUE(At<Text>(data, offsetof(Mirror, texts) + i * sizeof(Text)).empty());
   }
   EXPECT_EQ(At<unsigned char*>(data, offsetof(Mirror, body)), nullptr);
   EXPECT_EQ(At<unsigned long>(data, offsetof(Mirror, body_length)), 0U);
@@ -180,18 +176,6 @@ TEST(LayoutTest, AFreshTransportHasItsMembersInOrderWithTheirInitialValues) {
 
 // A transport's response fields lie where the mirror has them.
 TEST(LayoutTest, ATransferFillsStatusAndBodyOfTheTransport) {
-  struct Mirror {
-    void* vtable;
-    bool flag;
-    Room<Text> url;
-    float setting;
-    int limit;
-    Room<Text> texts[4];
-    unsigned char* body;
-    unsigned long body_length;
-    Room<StringMap> headers;
-    int status;
-  };
   InternetData data("http://a/");
   ScriptTransfer(Reply(418, "abc"));
   EXPECT_TRUE(data.Download());

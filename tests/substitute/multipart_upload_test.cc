@@ -2,7 +2,6 @@
 // The multipart functions on the substitute platform: what they ask of clock, generator and text.
 
 #include <ctime>
-#include <map>
 #include <sstream>
 #include <string>
 
@@ -17,8 +16,6 @@ using ovrant::stowraapiclient::UploadFile;
 using ovrant::stowraapiclient::multipartupload::CreateHeaderDictionary;
 using ovrant::stowraapiclient::multipartupload::GetBoundaryString;
 using ovrant::stowraapiclient::multipartupload::SetupPayload;
-using testing::ElementsAre;
-using testing::Pair;
 
 class MultipartUploadTest : public ContentTest {
  protected:
@@ -90,10 +87,7 @@ TEST_F(MultipartUploadTest, ValuesAreWhatFollowsTheKey) {
 
 TEST_F(MultipartUploadTest, LengthIsFormattedAsAnInt) {
   const RecordingText recording;
-  EXPECT_THAT(CreateHeaderDictionary("B", 3000000000UL),
-              ElementsAre(Pair("Content-Length", "-1294967296"),
-                          Pair("Content-Type", "multipart/form-data; boundary=B"),
-                          Pair("Proxy-Connection", "keep-alive")));
+  EXPECT_EQ(CreateHeaderDictionary("B", 3000000000UL)["Content-Length"], "-1294967296");
   EXPECT_EQ(TakeText(), "Format '%i'");
 }
 

@@ -4,27 +4,20 @@
 #include <memory>
 #include <ostream>
 #include <string>
-#include <vector>
 
-#include "common_stowraapi/platform/internet_data.h"
-#include "common_stowraapi/platform/internet_data_delegate.h"
-#include "common_stowraapi/services/update_query.h"
 #include "common_stowraapi/services/user_info_query.h"
+#include "tests/services/fields.h"
 #include "tests/substitute/fixture.h"
 #include "tests/support/text.h"
 
 namespace stowra_substitute {
 namespace {
 
-using ovrant::webservices::DataFileData;
-using ovrant::webservices::MessageData;
 using ovrant::webservices::UpdateQuery;
 using ovrant::webservices::UserInfoQuery;
 using ovrant::webservices::WebServiceRequestBase;
-using testing::ElementsAre;
+using stowra_test::Fields;
 using testing::IsEmpty;
-
-using Effects = std::vector<std::string>;
 
 constexpr char kUser[] = R"({"uid":"1","email":"e","vkr_id":"v","displayname":"Ada"})";
 constexpr char kUpdate[] =
@@ -37,9 +30,14 @@ struct Kind {
   std::string failed;
   const char* numbers[2];  // of these
   const char* answer;
-  Effects on_success;
-  Effects on_failure;
+  const char* on_success;  // what is posted, with " | " before it
+  const char* on_failure;
 };
+
+template <typename Query>
+std::unique_ptr<WebServiceRequestBase> Make() {
+  return std::make_unique<Query>();
+}
 
 void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.name; }
 
@@ -49,53 +47,41 @@ class QueryTest : public SubstituteTest, public testing::WithParamInterface<Kind
     query->Init("http://a/", Address(0x2a));
     TakeEffects();
   }
-  void TearDown() override {
-    query.reset();
-    SubstituteTest::TearDown();
-  }
 
-  // The effects of a whole response or a failed transfer, and then `more`.
-  Effects Returned(const Effects& more) const { return Ended(kind.returned, more); }
-  Effects Failed(const Effects& more) const { return Ended(kind.failed, more); }
+  // The effects of the end of a background transfer.
+  std::string EffectsOf(const Outcome& outcome) {
+    query->AsynchronousRequest();
+    TakeEffects();
+    EXPECT_TRUE(EndTransfer("http://a/", outcome));
+    return TakeText();
+  }
 
   const Kind& kind;
   std::unique_ptr<WebServiceRequestBase> query;
-
- private:
-  static Effects Ended(const std::string& name, const Effects& more) {
-    Effects effects = {"post " + name + " 0x2a"};
-    effects.insert(effects.end(), more.begin(), more.end());
-    return effects;
-  }
 };
 
-INSTANTIATE_TEST_SUITE_P(Kinds, QueryTest,
-                         testing::Values(Kind{"UserInfo",
-                                              []() -> std::unique_ptr<WebServiceRequestBase> {
-                                                return std::make_unique<UserInfoQuery>();
-                                              },
-                                              "UserInfoQueryRequestReturned",
-                                              "UserInfoQueryRequestFailed",
-                                              {"28004", "28005"},
-                                              kUser,
-                                              {"post UserInfoUpdated"},
-                                              {}},
-                                         Kind{"Update",
-                                              []() -> std::unique_ptr<WebServiceRequestBase> {
-                                                return std::make_unique<UpdateQuery>();
-                                              },
-                                              "UpdateQueryReturned",
-                                              "UpdateQueryFailed",
-                                              {"28006", "28007"},
-                                              kUpdate,
-                                              {"post UpdateQueryAsyncSucceeded"},
-                                              {"post UpdateQueryAsyncFailed"}}),
-                         stowra_test::RowName());
+const Kind kKinds[] = {{"UserInfo",
+                        Make<UserInfoQuery>,
+                        "UserInfoQueryRequestReturned",
+                        "UserInfoQueryRequestFailed",
+                        {"28004", "28005"},
+                        kUser,
+                        " | post UserInfoUpdated",
+                        ""},
+                       {"Update",
+                        Make<UpdateQuery>,
+                        "UpdateQueryReturned",
+                        "UpdateQueryFailed",
+                        {"28006", "28007"},
+                        kUpdate,
+                        " | post UpdateQueryAsyncSucceeded",
+                        " | post UpdateQueryAsyncFailed"}};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, QueryTest, testing::ValuesIn(kKinds), stowra_test::RowName());
 
 TEST_P(QueryTest, ConstructorObservesBothNames) {
   const auto fresh = kind.make();
-  EXPECT_THAT(TakeEffects(),
-              ElementsAre("AddObserver " + kind.returned, "AddObserver " + kind.failed));
+  EXPECT_EQ(TakeText(), "AddObserver " + kind.returned + " | AddObserver " + kind.failed);
 }
 
 TEST_P(QueryTest, DestructorRemovesTheObserverBeforeAnythingElse) {
@@ -108,14 +94,14 @@ TEST_P(QueryTest, DestructorRemovesTheObserverBeforeAnythingElse) {
 }
 
 TEST_P(QueryTest, HooksPost) {
+  Record("success");
   query->OnSyncResponseSuccess();
-  EXPECT_EQ(TakeEffects(), kind.on_success);
   query->OnAsyncResponseSuccess();
-  EXPECT_EQ(TakeEffects(), kind.on_success);
+  Record("failure");
   query->OnSyncResponseFail();
-  EXPECT_EQ(TakeEffects(), kind.on_failure);
   query->OnAsyncResponseFail();
-  EXPECT_EQ(TakeEffects(), kind.on_failure);
+  EXPECT_EQ(TakeText(), std::string("success") + kind.on_success + kind.on_success + " | failure" +
+                            kind.on_failure + kind.on_failure);
 }
 
 TEST_P(QueryTest, ParsingPostsNothing) {
@@ -127,8 +113,8 @@ TEST_P(QueryTest, ParsingPostsNothing) {
 TEST_P(QueryTest, SynchronousSuccessPostsWhileTheTransportExists) {
   ScriptTransfer(Reply(200, kind.answer));
   EXPECT_TRUE(query->SynchronousRequest());
-  EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed", "http://a/: Download",
-                                         kind.on_success[0], "http://a/: deleted"));
+  EXPECT_EQ(TakeText(), std::string("http://a/: constructed | http://a/: Download") +
+                            kind.on_success + " | http://a/: deleted");
 }
 
 TEST_P(QueryTest, SynchronousFailurePostsWhenTheTransportIsGone) {
@@ -137,44 +123,36 @@ TEST_P(QueryTest, SynchronousFailurePostsWhenTheTransportIsGone) {
         Reply(200, ""), Reply(200, "{"), Reply(200, "{}")}) {
     ScriptTransfer(failure);
     EXPECT_FALSE(query->SynchronousRequest());
-    Effects expected = {"http://a/: constructed", "http://a/: Download", "http://a/: deleted"};
-    expected.insert(expected.end(), kind.on_failure.begin(), kind.on_failure.end());
-    EXPECT_EQ(TakeEffects(), expected);
+    EXPECT_EQ(TakeText(),
+              std::string("http://a/: constructed | http://a/: Download | http://a/: deleted") +
+                  kind.on_failure)
+        << failure.status << failure.body;
   }
 }
 
 TEST_P(QueryTest, EmptyUrlFailsSynchronouslyAndDoesNothingAsynchronously) {
   query->Init("", nullptr);
   query->AsynchronousRequest();
-  EXPECT_EQ(TakeText(), "");
+  Record("nothing");
   EXPECT_FALSE(query->SynchronousRequest());
-  EXPECT_EQ(TakeEffects(), kind.on_failure);
+  EXPECT_EQ(TakeText(), std::string("nothing") + kind.on_failure);
 }
 
 TEST_P(QueryTest, HandsItsMessagesAndNamesToTheDelegate) {
   query->AsynchronousRequest();
-  EXPECT_THAT(TakeEffects(), ElementsAre("http://a/: constructed",
-                                         "delegate constructed: context 0x2a, " +
-                                             (kind.numbers[0] + (" " + kind.returned)) + ", " +
-                                             (kind.numbers[1] + (" " + kind.failed)),
-                                         "http://a/: DownloadWithDelegate, user data null"));
+  EXPECT_EQ(TakeText(), "http://a/: constructed | delegate constructed: context 0x2a, " +
+                            (kind.numbers[0] + (" " + kind.returned)) + ", " +
+                            (kind.numbers[1] + (" " + kind.failed)) +
+                            " | http://a/: DownloadWithDelegate, user data null");
 }
 
 TEST_P(QueryTest, AsynchronousEndPostsItsOutcome) {
-  query->AsynchronousRequest();
-  TakeEffects();
-  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kind.answer)));
-  EXPECT_EQ(TakeEffects(), Returned(kind.on_success));
+  const std::string returned = "post " + kind.returned + " 0x2a";
+  EXPECT_EQ(EffectsOf(Reply(200, kind.answer)), returned + kind.on_success);
   for (const Outcome& failure : {Reply(500, kind.answer), Reply(200, ""), Reply(200, "{}")}) {
-    query->AsynchronousRequest();
-    TakeEffects();
-    EXPECT_TRUE(EndTransfer("http://a/", failure));
-    EXPECT_EQ(TakeEffects(), Returned(kind.on_failure));
+    EXPECT_EQ(EffectsOf(failure), returned + kind.on_failure) << failure.status << failure.body;
   }
-  query->AsynchronousRequest();
-  TakeEffects();
-  EXPECT_TRUE(EndTransfer("http://a/", NoReply()));
-  EXPECT_EQ(TakeEffects(), Failed(kind.on_failure));
+  EXPECT_EQ(EffectsOf(NoReply()), "post " + kind.failed + " 0x2a" + kind.on_failure);
 }
 
 TEST_P(QueryTest, OtherNamesAreIgnored) {
@@ -190,122 +168,22 @@ TEST_P(QueryTest, OtherNamesAreIgnored) {
   }
 }
 
-class UserInfoQueryTest : public SubstituteTest {
- protected:
-  UserInfoQueryTest() {
-    query.Init("http://a/", nullptr);
-    EXPECT_TRUE(query.ParseResponse(kUser));
-    TakeEffects();
-  }
-  void TearDown() override {
-    query.RemoveNotifications();
-    query.CleanUpRequest();
-    SubstituteTest::TearDown();
-  }
-
-  std::string Value(const char* key) const { return query.GetUserInfoValue(key).utf8(); }
-
-  UserInfoQuery query;
-};
-
-TEST_F(UserInfoQueryTest, Constants) {
-  EXPECT_EQ(UserInfoQuery::kUserIdKey, "uid");
-  EXPECT_EQ(UserInfoQuery::kUserDisplayNameKey, "displayname");
-  EXPECT_EQ(UserInfoQuery::kUserEmailKey, "email");
-  EXPECT_EQ(UserInfoQuery::kUserVkrhIdKey, "vkr_id");
-  EXPECT_EQ(UserInfoQuery::kAsyncReturnedMessage, 28004U);
-  EXPECT_EQ(UserInfoQuery::kAsyncFailedMessage, 28005U);
-  EXPECT_STREQ(UserInfoQuery::kAsynchReturnedNotification, "UserInfoQueryRequestReturned");
-  EXPECT_STREQ(UserInfoQuery::kAsyncFailedNotification, "UserInfoQueryRequestFailed");
-  EXPECT_STREQ(UserInfoQuery::kUserInfoUpdatedNotification, "UserInfoUpdated");
-  EXPECT_EQ(UserInfoQuery().GetUserInfoValue("uid"), "");
-}
-
-TEST_F(UserInfoQueryTest, FailureKeepsTheCache) {
-  for (const Outcome& failure :
-       {NoReply(), Outcome{false, 200, R"({"uid":"2","email":"","vkr_id":""})", {}},
-        Reply(201, R"({"uid":"2","email":"","vkr_id":""})"), Reply(304, ""), Reply(200, ""),
-        Reply(200, "{"), Reply(200, R"({"uid":"2","email":"2"})")}) {
-    ScriptTransfer(failure);
-    EXPECT_FALSE(query.SynchronousRequest());
-    query.AsynchronousRequest();
-    EXPECT_TRUE(EndTransfer("http://a/", failure));
-    EXPECT_EQ(Value("uid"), "1");
-    EXPECT_EQ(Value("displayname"), "Ada");
-  }
-}
-
-TEST_F(UserInfoQueryTest, EachSuccessPostsOnceWhenTheWholeCacheIsReplaced) {
-  std::string seen;
-  const Host host("UserInfoUpdated", [&] { seen = Value("uid") + Value("displayname"); });
-  ScriptTransfer(Reply(200, kUser));
-  EXPECT_TRUE(query.SynchronousRequest());
-  EXPECT_EQ(host.count(), 1);
-  EXPECT_EQ(seen, "1Ada");
-  query.AsynchronousRequest();
-  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, R"({"uid":"2","email":"","vkr_id":"w"})")));
-  EXPECT_EQ(host.count(), 2);
-  EXPECT_EQ(seen, "2");
-  EXPECT_EQ(Value("vkr_id"), "w");
-  EXPECT_EQ(Value("email"), "");
-}
-
-TEST_F(UserInfoQueryTest, ClearCacheEmptiesThenPostsEvenWhenEmpty) {
-  std::string seen = "not yet";
-  const Host host("UserInfoUpdated", [&] { seen = Value("uid"); });
-  query.ClearCache();
-  EXPECT_EQ(seen, "");
-  EXPECT_EQ(Value("displayname"), "");
-  EXPECT_EQ(TakeText(), "post UserInfoUpdated");
-  query.ClearCache();
-  EXPECT_EQ(TakeText(), "post UserInfoUpdated");
-}
-
-TEST_F(UserInfoQueryTest, SendCacheUpdateNotificationPostsAndChangesNothing) {
-  query.SendCacheUpdateNotification();
-  EXPECT_EQ(TakeText(), "post UserInfoUpdated");
-  EXPECT_EQ(Value("uid"), "1");
-  EXPECT_EQ(Value("displayname"), "Ada");
-}
-
 class UpdateQueryTest : public SubstituteTest {
  protected:
   UpdateQueryTest() {
     query.Init("http://a/", nullptr);
     EXPECT_TRUE(query.ParseResponse(kUpdate));
   }
-  void TearDown() override {
-    query.RemoveNotifications();
-    query.CleanUpRequest();
-    SubstituteTest::TearDown();
-  }
 
   UpdateQuery query;
 };
-
-TEST_F(UpdateQueryTest, Constants) {
-  EXPECT_EQ(UpdateQuery::kAsyncReturnedMessage, 28006U);
-  EXPECT_EQ(UpdateQuery::kAsyncFailedMessage, 28007U);
-  EXPECT_STREQ(UpdateQuery::kAsynchReturnedNotification, "UpdateQueryReturned");
-  EXPECT_STREQ(UpdateQuery::kAsyncFailedNotification, "UpdateQueryFailed");
-  EXPECT_STREQ(UpdateQuery::kUpdateQuerySucceededNotification, "UpdateQueryAsyncSucceeded");
-  EXPECT_STREQ(UpdateQuery::kUpdateQueryFailedNotification, "UpdateQueryAsyncFailed");
-}
 
 TEST_F(UpdateQueryTest, RecordsHaveTheirDefaults) {
   const UpdateQuery fresh;
   EXPECT_TRUE(fresh.current_version_.empty() && fresh.expire_version_.empty());
   EXPECT_THAT(fresh.data_files_, IsEmpty());
-  for (const MessageData& message : {MessageData(), fresh.message_}) {
-    EXPECT_EQ(message.id, -1);
-    EXPECT_EQ(message.max_shows, 1);
-    EXPECT_EQ(message.width, 430);
-    EXPECT_EQ(message.height, 540);
-    EXPECT_TRUE(message.title.empty() && message.url.empty());
-  }
-  const DataFileData file;
-  EXPECT_EQ(file.version, -1);
-  EXPECT_TRUE(file.filename.empty() && file.url.empty());
+  EXPECT_EQ(Fields(fresh.message_), std::make_tuple(-1, 1, 430, 540, "", ""));
+  EXPECT_EQ(Fields(ovrant::webservices::DataFileData()), std::make_tuple(-1, "", ""));
 }
 
 TEST_F(UpdateQueryTest, SuccessPostsWhenTheResultsAreStored) {

@@ -3,47 +3,29 @@
 
 #include <memory>
 
-#include "common_stowraapi/platform/internet_data.h"
-#include "common_stowraapi/platform/internet_data_delegate.h"
-#include "common_stowraapi/services/extension_store_status.h"
-#include "common_stowraapi/services/update_query.h"
-#include "common_stowraapi/services/user_info_query.h"
 #include "tests/substitute/fixture.h"
+#include "tests/substitute/started.h"
 
 namespace stowra_substitute {
 namespace {
 
-using ovrant::extensionstoreapi::ExtensionStoreStatus;
-using ovrant::webservices::UpdateQuery;
-using ovrant::webservices::UserInfoQuery;
-
-constexpr char kUser[] = R"({"uid":"1","email":"e","vkr_id":"v"})";
-constexpr char kUpdate[] = R"({"update":{"current_version":"2","expire_version":"1"}})";
-
 class TwoRequestsTest : public SubstituteTest {};
 
-TEST_F(TwoRequestsTest, OneUserInfoQueryRequestsAndTheOtherIgnoresItsEnd) {
-  for (const bool requests_first : {true, false}) {
-    UserInfoQuery first;
-    UserInfoQuery second;
-    UserInfoQuery& requesting = requests_first ? first : second;
-    const UserInfoQuery& other = requests_first ? second : first;
-    requesting.Init("http://a/", nullptr);
-    requesting.AsynchronousRequest();
-    TakeEffects();
-
-    EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
-    EXPECT_EQ(TakeText(), "post UserInfoQueryRequestReturned | post UserInfoUpdated");
-    EXPECT_EQ(requesting.GetUserInfoValue("uid"), "1");
-    EXPECT_TRUE(other.GetUserInfoValue("uid").empty());
-  }
+TEST_F(TwoRequestsTest, OneUserInfoQueryRequestsAndTheOthersIgnoreItsEnd) {
+  const UserInfoQuery before;
+  const auto requesting = Started<UserInfoQuery>();
+  const UserInfoQuery after;
+  TakeEffects();
+  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
+  EXPECT_EQ(TakeText(), "post UserInfoQueryRequestReturned | post UserInfoUpdated");
+  EXPECT_EQ(requesting->GetUserInfoValue("uid"), "1");
+  EXPECT_TRUE(before.GetUserInfoValue("uid").empty());
+  EXPECT_TRUE(after.GetUserInfoValue("uid").empty());
 }
 
 TEST_F(TwoRequestsTest, OneUpdateQueryRequestsAndTheOtherIgnoresItsReturn) {
-  UpdateQuery other;
-  UpdateQuery requesting;
-  requesting.Init("http://a/", nullptr);
-  requesting.AsynchronousRequest();
+  const UpdateQuery other;
+  const auto requesting = Started<UpdateQuery>();
   TakeEffects();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUpdate)));
   EXPECT_EQ(TakeText(), "post UpdateQueryReturned | post UpdateQueryAsyncSucceeded");
@@ -52,26 +34,20 @@ TEST_F(TwoRequestsTest, OneUpdateQueryRequestsAndTheOtherIgnoresItsReturn) {
 
 TEST_F(TwoRequestsTest, OneExtensionStoreStatusRequestsAndTheOtherIgnoresItsReturn) {
   ExtensionStoreStatus other;
-  ExtensionStoreStatus requesting;
-  requesting.Init("http://a/", nullptr, "{}");
-  requesting.AsynchronousStatus();
+  const auto requesting = Started<ExtensionStoreStatus>();
   TakeEffects();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, R"({"extensions":[{"id":"x"}]})")));
   EXPECT_EQ(TakeText(),
             "post ExtensionStoreStatusRequestReturned | post ExtensionStoreAsyncStatusSucceeded");
-  EXPECT_EQ(requesting.GetItemMapFromResponse().size(), 1U);
+  EXPECT_EQ(requesting->GetItemMapFromResponse().size(), 1U);
   EXPECT_TRUE(other.GetItemMapFromResponse().empty());
 }
 
 // The other one has ended a request of its own before, and handles the name with what it holds.
 TEST_F(TwoRequestsTest, AnObjectThatStillHoldsATransportHandlesTheReturnOfAnother) {
-  ExtensionStoreStatus idle;
-  idle.Init("http://idle/", nullptr, "{}");
-  idle.AsynchronousStatus();
+  const auto idle = Started<ExtensionStoreStatus>("http://idle/");
   EXPECT_TRUE(EndTransfer("http://idle/", Reply(404, "")));
-  ExtensionStoreStatus requesting;
-  requesting.Init("http://a/", nullptr, "{}");
-  requesting.AsynchronousStatus();
+  const auto requesting = Started<ExtensionStoreStatus>();
   TakeEffects();
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "{}")));
   EXPECT_EQ(TakeText(),
@@ -80,17 +56,10 @@ TEST_F(TwoRequestsTest, AnObjectThatStillHoldsATransportHandlesTheReturnOfAnothe
 }
 
 TEST_F(TwoRequestsTest, ClassesDoNotHearEachOther) {
-  UserInfoQuery user;
-  UpdateQuery update;
-  ExtensionStoreStatus status;
-  user.Init("http://user/", nullptr);
-  update.Init("http://update/", nullptr);
-  status.Init("http://status/", nullptr, "{}");
-  user.AsynchronousRequest();
-  update.AsynchronousRequest();
-  status.AsynchronousStatus();
+  const auto user = Started<UserInfoQuery>("http://user/");
+  const auto update = Started<UpdateQuery>("http://update/");
+  const auto status = Started<ExtensionStoreStatus>("http://status/");
   TakeEffects();
-
   EXPECT_TRUE(EndTransfer("http://user/", Reply(200, kUser)));
   EXPECT_EQ(TakeText(), "post UserInfoQueryRequestReturned | post UserInfoUpdated");
   EXPECT_TRUE(EndTransfer("http://status/", NoReply()));
@@ -100,15 +69,10 @@ TEST_F(TwoRequestsTest, ClassesDoNotHearEachOther) {
   EXPECT_EQ(TakeText(), "post UpdateQueryReturned | post UpdateQueryAsyncSucceeded");
 }
 
-TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideThePublicNotificationOfAnother) {
-  auto doomed = std::make_unique<UpdateQuery>();
-  doomed->Init("http://doomed/", nullptr);
-  doomed->AsynchronousRequest();
-  UserInfoQuery query;
-  query.Init("http://a/", nullptr);
-  query.AsynchronousRequest();
+// `doomed` runs, and is deleted when the query posts its success.
+template <typename Doomed>
+void ExpectDeletion(const UserInfoQuery& query, std::unique_ptr<Doomed>& doomed) {
   const Host host("UserInfoUpdated", [&] { doomed.reset(); });
-
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
   EXPECT_EQ(TakeText(),
             "post UserInfoQueryRequestReturned | post UserInfoUpdated | RemoveObserver | "
@@ -118,28 +82,22 @@ TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideThePublicNotificationOfAno
   EXPECT_EQ(TakeText(), "");
 }
 
+TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideThePublicNotificationOfAnother) {
+  auto doomed = Started<UpdateQuery>("http://doomed/");
+  const auto query = Started<UserInfoQuery>();
+  ExpectDeletion(*query, doomed);
+}
+
 // The deleted one stands after the other in the delivery that is under way.
 TEST_F(TwoRequestsTest, RequestMayBeDeletedInAnothersPublicNotification) {
-  UserInfoQuery query;
-  query.Init("http://a/", nullptr);
-  query.AsynchronousRequest();
-  auto doomed = std::make_unique<UserInfoQuery>();
-  doomed->Init("http://doomed/", nullptr);
-  doomed->AsynchronousRequest();
-  const Host host("UserInfoUpdated", [&] { doomed.reset(); });
-
-  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
-  EXPECT_EQ(TakeText(),
-            "post UserInfoQueryRequestReturned | post UserInfoUpdated | RemoveObserver | "
-            "delegate deleted | http://doomed/: deleted | RemoveObserver");
-  EXPECT_EQ(query.GetUserInfoValue("uid"), "1");
+  const auto query = Started<UserInfoQuery>();
+  auto doomed = Started<UserInfoQuery>("http://doomed/");
+  ExpectDeletion(*query, doomed);
 }
 
 // A request may be deleted while another one, of another class, runs synchronously.
 TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideASynchronousRequest) {
-  auto doomed = std::make_unique<UserInfoQuery>();
-  doomed->Init("http://doomed/", nullptr);
-  doomed->AsynchronousRequest();
+  auto doomed = Started<UserInfoQuery>("http://doomed/");
   UpdateQuery query;
   query.Init("http://a/", nullptr);
   const Host host("UpdateQueryAsyncFailed", [&] { doomed.reset(); });
@@ -154,9 +112,7 @@ TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideASynchronousRequest) {
 TEST_F(TwoRequestsTest, ARequestStartsAnotherOneInsideItsPublicNotification) {
   UpdateQuery update;
   update.Init("http://update/", nullptr);
-  UserInfoQuery user;
-  user.Init("http://user/", nullptr);
-  user.AsynchronousRequest();
+  const auto user = Started<UserInfoQuery>("http://user/");
   const Host host("UserInfoUpdated", [&] { update.AsynchronousRequest(); });
   EXPECT_TRUE(EndTransfer("http://user/", Reply(200, kUser)));
   EXPECT_TRUE(EndTransfer("http://update/", Reply(200, kUpdate)));

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What UpdateQuery reads from an answer, and what it keeps from the one before.
 
+#include <climits>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "common_stowraapi/platform/internet_data.h"
-#include "common_stowraapi/platform/internet_data_delegate.h"
-#include "common_stowraapi/services/update_query.h"
+#include "tests/services/fields.h"
 #include "tests/substitute/fixture.h"
 
 namespace stowra_substitute {
@@ -15,12 +15,15 @@ namespace {
 using ovrant::utils::ovrant_ustring;
 using ovrant::webservices::DataFileData;
 using ovrant::webservices::UpdateQuery;
+using stowra_test::Fields;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kEarlier[] = R"({"update":{"current_version":"2","expire_version":"1"},)"
                             R"("message":{"id":5,"max_shows":6,"width":7,"height":8,)"
                             R"("title":"old","url":"http://old/"},)"
                             R"("datafiles":[{"version":9,"filename":"f","url":"u"}]})";
+constexpr std::tuple kEarlierMessage(5, 6, 7, 8, "old", "http://old/");
 
 class UpdateParseTest : public testing::Test {
  protected:
@@ -32,9 +35,8 @@ class UpdateParseTest : public testing::Test {
     EXPECT_FALSE(query.ParseResponse((R"({"message":)" + message + "}").c_str())) << message;
   }
 
-  // The records of an answer that has only data files, such as "3|name|url".
-  std::vector<std::string> ParseDataFiles(const std::string& datafiles) {
-    EXPECT_FALSE(query.ParseResponse((R"({"datafiles":)" + datafiles + "}").c_str())) << datafiles;
+  // The data files, such as "3|name|url".
+  std::vector<std::string> DataFiles() const {
     std::vector<std::string> records;
     for (const DataFileData& file : query.data_files_) {
       records.push_back(std::to_string(file.version) + "|" + file.filename.utf8() + "|" +
@@ -43,14 +45,13 @@ class UpdateParseTest : public testing::Test {
     return records;
   }
 
-  void ExpectEarlierMessage() const {
-    EXPECT_EQ(query.message_.id, 5);
-    EXPECT_EQ(query.message_.max_shows, 6);
-    EXPECT_EQ(query.message_.width, 7);
-    EXPECT_EQ(query.message_.height, 8);
-    EXPECT_EQ(query.message_.title, "old");
-    EXPECT_EQ(query.message_.url, "http://old/");
+  // The data files of an answer that has nothing else.
+  std::vector<std::string> ParseDataFiles(const std::string& datafiles) {
+    EXPECT_FALSE(query.ParseResponse((R"({"datafiles":)" + datafiles + "}").c_str())) << datafiles;
+    return DataFiles();
   }
+
+  auto Message() const { return Fields(query.message_); }
 
   UpdateQuery query;
 };
@@ -59,11 +60,8 @@ TEST_F(UpdateParseTest, ReadsEveryMember) {
   EXPECT_TRUE(query.ParseResponse(kEarlier));
   EXPECT_EQ(Current(), "2");
   EXPECT_EQ(Expire(), "1");
-  ExpectEarlierMessage();
-  ASSERT_EQ(query.data_files_.size(), 1U);
-  EXPECT_EQ(query.data_files_[0].version, 9);
-  EXPECT_EQ(query.data_files_[0].filename, "f");
-  EXPECT_EQ(query.data_files_[0].url, "u");
+  EXPECT_EQ(Message(), kEarlierMessage);
+  EXPECT_THAT(DataFiles(), ElementsAre("9|f|u"));
 }
 
 struct UpdateCase {
@@ -141,18 +139,13 @@ TEST_F(UpdateParseTest, UnreadableBodyEmptiesDataFilesAndKeepsTheRest) {
     EXPECT_THAT(query.data_files_, IsEmpty()) << body;
     EXPECT_EQ(Current(), "2") << body;
     EXPECT_EQ(Expire(), "1") << body;
-    ExpectEarlierMessage();
+    EXPECT_EQ(Message(), kEarlierMessage) << body;
   }
 }
 
 TEST_F(UpdateParseTest, MessageWithOnlyAnIdKeepsTheDefaults) {
   ParseMessage(R"({"id":7})");
-  EXPECT_EQ(query.message_.id, 7);
-  EXPECT_EQ(query.message_.max_shows, 1);
-  EXPECT_EQ(query.message_.width, 430);
-  EXPECT_EQ(query.message_.height, 540);
-  EXPECT_TRUE(query.message_.title.empty());
-  EXPECT_TRUE(query.message_.url.empty());
+  EXPECT_EQ(Message(), std::make_tuple(7, 1, 430, 540, "", ""));
 }
 
 TEST_F(UpdateParseTest, MessageMembersOfAnotherTypeKeepTheirValues) {
@@ -162,14 +155,14 @@ TEST_F(UpdateParseTest, MessageMembersOfAnotherTypeKeepTheirValues) {
         R"({"id":true,"max_shows":null,"width":[1],"height":{},"title":null,"url":["u"]})",
         R"({"ID":1,"Title":"new"})", "{}", "[]", R"([{"id":1}])", R"("id")", "null", "7"}) {
     ParseMessage(message);
-    ExpectEarlierMessage();
+    EXPECT_EQ(Message(), kEarlierMessage) << message;
   }
 }
 
 TEST_F(UpdateParseTest, MessageStaysWhenALaterAnswerHasNone) {
   ASSERT_TRUE(query.ParseResponse(kEarlier));
   ASSERT_TRUE(query.ParseResponse(R"({"update":{"current_version":"3","expire_version":"2"}})"));
-  ExpectEarlierMessage();
+  EXPECT_EQ(Message(), kEarlierMessage);
 }
 
 TEST_F(UpdateParseTest, MessageNeverAffectsTheResult) {
@@ -179,55 +172,50 @@ TEST_F(UpdateParseTest, MessageNeverAffectsTheResult) {
 
 TEST_F(UpdateParseTest, EachMessageMemberIsReadAlone) {
   ParseMessage(R"({"max_shows":21})");
-  EXPECT_EQ(query.message_.max_shows, 21);
+  EXPECT_EQ(Message(), std::make_tuple(-1, 21, 430, 540, "", ""));
   ParseMessage(R"({"width":22})");
-  EXPECT_EQ(query.message_.width, 22);
+  EXPECT_EQ(Message(), std::make_tuple(-1, 21, 22, 540, "", ""));
   ParseMessage(R"({"height":23})");
-  EXPECT_EQ(query.message_.height, 23);
+  EXPECT_EQ(Message(), std::make_tuple(-1, 21, 22, 23, "", ""));
   ParseMessage(R"({"title":"\u00e9"})");
-  EXPECT_EQ(query.message_.title, "\xC3\xA9");
+  EXPECT_EQ(Message(), std::make_tuple(-1, 21, 22, 23, "\xC3\xA9", ""));
   ParseMessage(R"({"url":"u"})");
-  EXPECT_EQ(query.message_.url, "u");
-  EXPECT_EQ(query.message_.id, -1);
-  EXPECT_EQ(query.message_.max_shows, 21);
+  EXPECT_EQ(Message(), std::make_tuple(-1, 21, 22, 23, "\xC3\xA9", "u"));
 }
 
 TEST_F(UpdateParseTest, NumbersAreReadAs32Bits) {
-  const struct {
-    const char* number;
-    int value;
-  } cases[] = {{"0", 0},
-               {"-7", -7},
-               {"2147483647", 2147483647},
-               {"-2147483648", -2147483647 - 1},
-               {"4294967295", -1},
-               {"4294967297", 1},
-               {"7.9", 7},
-               {"-7.9", -7},
-               {"1e3", 1000},
-               {"1e300", 0}};
-  for (const auto& one : cases) {
-    ParseMessage(std::string(R"({"id":)") + one.number + "}");
-    EXPECT_EQ(query.message_.id, one.value) << one.number;
+  const std::pair<const char*, int> numbers[] = {{"0", 0},
+                                                 {"-7", -7},
+                                                 {"2147483647", INT_MAX},
+                                                 {"-2147483648", INT_MIN},
+                                                 {"4294967295", -1},
+                                                 {"4294967297", 1},
+                                                 {"7.9", 7},
+                                                 {"-7.9", -7},
+                                                 {"1e3", 1000},
+                                                 {"1e300", 0}};
+  for (const auto& [number, value] : numbers) {
+    ParseMessage(std::string(R"({"id":)") + number + "}");
+    EXPECT_EQ(query.message_.id, value) << number;
   }
 }
 
 TEST_F(UpdateParseTest, DataFilesKeepTheOrderOfTheAnswer) {
   EXPECT_THAT(ParseDataFiles(R"([{"version":2,"filename":"b","url":"v"},)"
                              R"({"version":1,"filename":"a","url":"u"}])"),
-              testing::ElementsAre("2|b|v", "1|a|u"));
+              ElementsAre("2|b|v", "1|a|u"));
 }
 
 TEST_F(UpdateParseTest, DataFilesThatAreNoObjectsAreSkipped) {
   EXPECT_THAT(ParseDataFiles(R"([{"version":1},"x",{"version":2},null,3,[{"version":4}],true])"),
-              testing::ElementsAre("1||", "2||"));
+              ElementsAre("1||", "2||"));
 }
 
 TEST_F(UpdateParseTest, MissingOrMistypedMembersOfADataFileHaveTheDefaults) {
   EXPECT_THAT(
       ParseDataFiles(R"([{},{"version":"1","filename":2,"url":null},{"filename":"f"},{"url":"u"},)"
                      R"({"Version":1,"version":-3.7}])"),
-      testing::ElementsAre("-1||", "-1||", "-1|f|", "-1||u", "-3||"));
+      ElementsAre("-1||", "-1||", "-1|f|", "-1||u", "-3||"));
 }
 
 TEST_F(UpdateParseTest, DataFilesThatAreNoArrayAddNothing) {
@@ -241,7 +229,7 @@ TEST_F(UpdateParseTest, DataFilesReplaceTheEarlierOnes) {
   ASSERT_TRUE(query.ParseResponse(kEarlier));
   ASSERT_TRUE(query.ParseResponse(kEarlier));
   EXPECT_EQ(query.data_files_.size(), 1U);
-  EXPECT_THAT(ParseDataFiles(R"([{"version":3}])"), testing::ElementsAre("3||"));
+  EXPECT_THAT(ParseDataFiles(R"([{"version":3}])"), ElementsAre("3||"));
   EXPECT_FALSE(query.ParseResponse("{}"));
   EXPECT_THAT(query.data_files_, IsEmpty());
 }

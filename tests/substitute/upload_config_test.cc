@@ -8,12 +8,14 @@
 
 #include "common_stowraapi/content/upload_config.h"
 #include "common_stowraapi/platform/internet_data.h"
+#include "tests/content/fields.h"
 #include "tests/substitute/content_fixture.h"
 
 namespace stowra_substitute {
 namespace {
 
 using ovrant::stowraapiclient::UploadConfig;
+using stowra_test::Fields;
 
 XmlElement Upload(const std::vector<XmlElement>& files) {
   return Parent("upload", {Parent("files", files), Leaf("failureUrl", "http://failure/"),
@@ -42,12 +44,7 @@ class UploadConfigTest : public ContentTest {
     return config.SynchronousQuery();
   }
 
-  void ExpectEmpty() {
-    EXPECT_EQ(config.url_, "http://a/");
-    EXPECT_EQ(config.success_url_, "");
-    EXPECT_EQ(config.failure_url_, "");
-    EXPECT_TRUE(config.files_.empty());
-  }
+  void ExpectEmpty() { EXPECT_EQ(Fields(config), std::make_tuple("http://a/", "", "", 0U)); }
 
   UploadConfig config;
 };
@@ -111,7 +108,8 @@ TEST_F(UploadConfigTest, DownloadsThenParsesWhileTheTransportExists) {
 }
 
 TEST_F(UploadConfigTest, AnyStatusOfAResponseIsParsed) {
-  for (const int status : {-200, 0, 100, 199, 200, 201, 204, 302, 404, 500}) {
+  for (const int status :
+       {-200, 0, 100, 199, 200, 201, 203, 204, 300, 302, 400, 403, 404, 500, 503}) {
     config.Clear();
     ScriptTransfer(Reply(status, "body"));
     ScriptDocument(Upload({File()}));
