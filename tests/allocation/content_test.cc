@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -46,7 +44,6 @@ void ExpectEmpty(const ContentQuery& query) {
 
 struct Loaded {
   Loaded() { EXPECT_TRUE(LoadText(Page(), query)); }
-
   ContentQuery query;
   bool result = false;
 };
@@ -87,13 +84,12 @@ TEST(ContentAllocationTest, AQueryThatCannotAskIsFalse) {
 
 TEST(ContentAllocationTest, AnItemThatCannotLoadIsFalse) {
   for (const std::string& entry : {Model().text(), Collection().text()}) {
-    const std::string bytes = FeedOf(entry);
+    Bytes bytes(FeedOf(entry));
     struct Entry {
-      explicit Entry(const std::string& document) { Open(document); }
+      explicit Entry(Bytes& document) { Open(document); }
 
-      void Open(const std::string& document) {
-        reader.reset(ovrant::Get_IXMLInput(reinterpret_cast<const unsigned char*>(document.data()),
-                                           static_cast<int>(document.size())));
+      void Open(Bytes& document) {
+        reader.reset(ovrant::Get_IXMLInput(document.data(), document.length()));
         EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:feed"));
         EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
       }
@@ -161,38 +157,34 @@ TEST(ContentAllocationTest, AConfigurationThatCannotBeFetchedIsEmpty) {
   EXPECT_GT(FailEachAllocationOf(make_with_url, ask, check), 60);
 }
 
-struct Nothing {};
+constexpr char kBoundary[] = "BrevixClient0385119264730052";
 
-// The other functions throw and leak nothing.
-TEST(ContentAllocationTest, OtherFunctionsThrow) {
+UploadFile LongFile() {
   UploadFile file;
   file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
   file.upload_url_ = "http://upload/?name=a-long-name&type=a-long-type&task=a-long-task";
+  return file;
+}
+
+// The other functions throw and leak nothing.
+TEST(ContentAllocationTest, OtherFunctionsThrow) {
+  const UploadFile file = LongFile();
   const auto url = Text("http://a/?mid=0123456789abcdef0123456789&x=y");
   const auto header = Text("attachment; filename=\"a-name-that-is-long.qmf\"");
   const auto rendition = Text("s" + std::string(40, '0') + "7");
-  const std::string boundary = "BrevixClient0385119264730052";
+  const std::string boundary = kBoundary;
   UploadConfig config;
   ASSERT_TRUE(config.ParseResponse(Bytes(kConfig).data(), sizeof(kConfig) - 1));
   using namespace ovrant::stowraapiclient;                   // NOLINT(google-build-using-namespace)
   using namespace ovrant::stowraapiclient::multipartupload;  // NOLINT(google-build-using-namespace)
   int version = 0;
-  const std::function<void()> calls[] = {[&] { GetStowraIdFromUrl(url); },
-                                         [&] { GetFilenameFromContentDisposition(header); },
-                                         [&] { CreateHeaderDictionary(boundary, 1); },
-                                         [&] { GetBoundaryString(); },
-                                         [&] { const UploadFile copy(file); },
-                                         [&] { const UploadConfig copy(config); },
-                                         [&] {
-                                           ContentItem item;
-                                           item.ExtractQmfVersionFromRTypValue(rendition, version);
-                                         }};
-  for (const std::function<void()>& call : calls) {
-    EXPECT_GT(FailEachAllocation<Nothing>(
-                  [&](Nothing&) { call(); },
-                  [](Nothing&, Outcome outcome) { EXPECT_EQ(outcome.threw, outcome.failed()); }),
-              0);
-  }
+  EXPECT_GT(FailCall([&] { GetStowraIdFromUrl(url); }), 0);
+  EXPECT_GT(FailCall([&] { GetFilenameFromContentDisposition(header); }), 0);
+  EXPECT_GT(FailCall([&] { CreateHeaderDictionary(boundary, 1); }), 0);
+  EXPECT_GT(FailCall([] { GetBoundaryString(); }), 0);
+  EXPECT_GT(FailCall([&] { const UploadFile copy(file); }), 0);
+  EXPECT_GT(FailCall([&] { const UploadConfig copy(config); }), 0);
+  EXPECT_GT(FailCall([&] { ContentItem().ExtractQmfVersionFromRTypValue(rendition, version); }), 0);
   EXPECT_EQ(version, 7);
 }
 
@@ -201,15 +193,12 @@ TEST(ContentAllocationTest, ABodyThatCannotBeWrittenThrowsOrMarksTheStream) {
   struct Body {
     std::stringstream stream;
   };
-  UploadFile file;
-  file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
-  file.upload_url_ = "http://upload/?name=a-long-name&type=a-long-type&task=a-long-task";
+  UploadFile file = LongFile();
   const ovrant_ustring subject("a subject that is long");
-  const std::string content(10'000, 'c');
+  Bytes content(std::string(10'000, 'c'));
   const auto write = [&](Body& body) {
-    ovrant::stowraapiclient::multipartupload::SetupPayload(
-        subject, &file, reinterpret_cast<const unsigned char*>(content.data()), content.size(),
-        "BrevixClient0385119264730052", &body.stream);
+    ovrant::stowraapiclient::multipartupload::SetupPayload(subject, &file, content.data(),
+                                                           content.size(), kBoundary, &body.stream);
   };
   Body whole;
   write(whole);

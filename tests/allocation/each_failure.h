@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
 
 #include "tests/support/failing_malloc.h"
@@ -31,8 +32,6 @@ inline constexpr int kMostTries = 10;
 
 // Prints how many runs had a failure, and adds it to the sum that the program prints at its end.
 void CountFailingRuns(long runs);
-
-inline constexpr long kNoneFails = 1'000'000'000;
 
 // Calls `work` with the result of `make`, under FailingMalloc(allowed, threads, mode). Then calls
 // `check` with that state and the outcome, when allocations succeed again.
@@ -60,8 +59,9 @@ Outcome RunWithFailure(long allowed, Threads threads, FailingMalloc::Mode mode, 
 template <typename Make, typename Work, typename Check>
 long FailEachAllocationOf(const Make& make, const Work& work, const Check& check,
                           Threads threads = Threads::kThis) {
+  constexpr long kAll = 1'000'000'000;
   long failing_runs = 0;
-  RunWithFailure(kNoneFails, threads, FailingMalloc::Mode::kOnce, make, work, check);
+  RunWithFailure(kAll, threads, FailingMalloc::Mode::kOnce, make, work, check);
   for (const auto mode : {FailingMalloc::Mode::kOnce, FailingMalloc::Mode::kFromThenOn}) {
     for (long allowed = 0;; ++allowed) {
       SCOPED_TRACE(testing::Message()
@@ -87,6 +87,23 @@ long FailEachAllocationOf(const Make& make, const Work& work, const Check& check
 template <typename State, typename Work, typename Check>
 long FailEachAllocation(const Work& work, const Check& check, Threads threads = Threads::kThis) {
   return FailEachAllocationOf([] { return State(); }, work, check, threads);
+}
+
+// The same for work that must throw whenever an allocation fails. Calls `check` only then.
+template <typename State>
+long FailThrowing(
+    const std::function<void(State&)>& work,
+    const std::function<void(State&)>& check = [](State&) {}) {
+  return FailEachAllocation<State>(work, [&](State& state, Outcome outcome) {
+    EXPECT_EQ(outcome.threw, outcome.failed());
+    if (outcome.threw) check(state);
+  });
+}
+
+// The same for a call without a state.
+inline long FailCall(const std::function<void()>& call) {
+  struct Nothing {};
+  return FailThrowing<Nothing>([&](Nothing&) { call(); });
 }
 
 }  // namespace stowra_test
