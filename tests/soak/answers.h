@@ -24,6 +24,7 @@ enum class Manner {
   kMissing,  // with status 404
   kBroken,   // with status 500
   kBig,
+  // From here on the client gets no whole reply.
   kCut,
   kReset,
   kResetInside,

@@ -7,7 +7,7 @@
 
 #include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/platform/observer.h"
-#include "tests/soak/public_names.h"
+#include "tests/soak/requests.h"
 
 namespace stowra_test {
 

@@ -29,7 +29,6 @@
 #include "tests/soak/passing_observers.h"
 #include "tests/soak/report.h"
 #include "tests/soak/requests.h"
-#include "tests/soak/resources.h"
 #include "tests/soak/settings.h"
 #include "tests/support/event.h"
 #include "tests/support/raw_server.h"
