@@ -42,25 +42,20 @@ void ExpectEmpty(const ContentQuery& query) {
   EXPECT_EQ(query.start_index_, 1);
 }
 
-struct Loaded {
-  Loaded() { EXPECT_TRUE(LoadText(Page(), query)); }
-  ContentQuery query;
-  bool result = false;
+struct Loaded : ContentQuery {
+  Loaded() { EXPECT_TRUE(LoadText(Page(), *this)); }
 };
 
 TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
   Bytes page(Page());
-  const auto load = [&](Loaded& loaded) {
-    loaded.result = loaded.query.Load(page.data(), page.length());
-  };
-  const auto check = [&](Loaded& loaded, Outcome outcome) {
+  const auto load = [&](Loaded& query) { return query.Load(page.data(), page.length()); };
+  const auto check = [&](Loaded& query, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(loaded.result || outcome.failed());
-    EXPECT_EQ(loaded.query.items_.size(), loaded.result ? 2U : 0U);
-    if (!loaded.result) ExpectEmpty(loaded.query);
-    load(loaded);
-    EXPECT_TRUE(loaded.result);
-    EXPECT_EQ(loaded.query.items_.size(), 2U);
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    EXPECT_EQ(query.items_.size(), outcome.result ? 2U : 0U);
+    if (!outcome.result) ExpectEmpty(query);
+    EXPECT_TRUE(load(query));
+    EXPECT_EQ(query.items_.size(), 2U);
   };
   EXPECT_GT(FailEachAllocation<Loaded>(load, check), 40);
 }
@@ -69,15 +64,14 @@ TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
 TEST(ContentAllocationTest, AQueryThatCannotAskIsFalse) {
   const RawServer server(Always(Response(200, Page())));
   const ovrant_ustring url = Text(server.Url());
-  const auto ask = [&](Loaded& loaded) { loaded.result = loaded.query.QueryFeed(url); };
-  const auto check = [&](Loaded& loaded, Outcome outcome) {
+  const auto ask = [&](Loaded& query) { return query.QueryFeed(url); };
+  const auto check = [&](Loaded& query, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(loaded.result || outcome.failed());
-    if (!loaded.result && loaded.query.items_.empty()) ExpectEmpty(loaded.query);
-    EXPECT_EQ(loaded.query.items_.size(), loaded.query.items_.empty() ? 0U : 2U);
-    ask(loaded);
-    EXPECT_TRUE(loaded.result);
-    EXPECT_EQ(loaded.query.items_.size(), 2U);
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    if (!outcome.result && query.items_.empty()) ExpectEmpty(query);
+    EXPECT_EQ(query.items_.size(), query.items_.empty() ? 0U : 2U);
+    EXPECT_TRUE(ask(query));
+    EXPECT_EQ(query.items_.size(), 2U);
   };
   EXPECT_GT(FailEachAllocation<Loaded>(ask, check), 60);
 }
@@ -96,15 +90,13 @@ TEST(ContentAllocationTest, AnItemThatCannotLoadIsFalse) {
 
       std::unique_ptr<ovrant::IXMLInput> reader;
       ContentItem item;
-      bool result = false;
     };
-    const auto load = [](Entry& state) { state.result = state.item.Load(state.reader.get()); };
+    const auto load = [](Entry& state) { return state.item.Load(state.reader.get()); };
     const auto check = [&](Entry& state, Outcome outcome) {
       EXPECT_FALSE(outcome.threw);
-      EXPECT_EQ(state.result, !outcome.failed());
+      EXPECT_EQ(outcome.result, !outcome.failed());
       state.Open(bytes);
-      load(state);
-      EXPECT_TRUE(state.result);
+      EXPECT_TRUE(load(state));
       EXPECT_FALSE(state.item.title_.empty());
     };
     EXPECT_GT(FailEachAllocationOf([&] { return Entry(bytes); }, load, check), 20);
@@ -116,43 +108,36 @@ const char kConfig[] =
     "</failureUrl><files><file><uploadUrl>http://upload/?long=yes</uploadUrl><type>t</type></file>"
     "<file><uploadUrl>http://upload/?long=yes</uploadUrl><type>t</type></file></files></upload>";
 
-struct Upload {
-  UploadConfig config;
-  bool result = false;
-};
-
 TEST(ContentAllocationTest, AConfigurationThatCannotBeParsedIsFalse) {
   Bytes document(kConfig);
-  const auto parse = [&](Upload& upload) {
-    upload.result = upload.config.ParseResponse(document.data(), document.size());
+  const auto parse = [&](UploadConfig& config) {
+    return config.ParseResponse(document.data(), document.size());
   };
-  const auto check = [&](Upload& upload, Outcome outcome) {
+  const auto check = [&](UploadConfig& config, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_EQ(upload.result, !outcome.failed());
-    upload.config.Clear();
-    parse(upload);
-    EXPECT_TRUE(upload.result);
-    EXPECT_EQ(upload.config.files_.size(), 2U);
+    EXPECT_EQ(outcome.result, !outcome.failed());
+    config.Clear();
+    EXPECT_TRUE(parse(config));
+    EXPECT_EQ(config.files_.size(), 2U);
   };
-  EXPECT_GT(FailEachAllocation<Upload>(parse, check), 20);
+  EXPECT_GT(FailEachAllocation<UploadConfig>(parse, check), 20);
 }
 
 TEST(ContentAllocationTest, AConfigurationThatCannotBeFetchedIsEmpty) {
   const RawServer server(Always(Response(200, kConfig)));
-  const auto ask = [](Upload& upload) { upload.result = upload.config.SynchronousQuery(); };
-  const auto check = [&](Upload& upload, Outcome outcome) {
+  const auto ask = [](UploadConfig& config) { return config.SynchronousQuery(); };
+  const auto check = [&](UploadConfig& config, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(upload.result || outcome.failed());
-    EXPECT_EQ(upload.config.files_.size(), upload.result ? 2U : 0U);
-    EXPECT_EQ(upload.config.success_url_.empty(), !upload.result);
-    upload.config.Clear();
-    ask(upload);
-    EXPECT_TRUE(upload.result);
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    EXPECT_EQ(config.files_.size(), outcome.result ? 2U : 0U);
+    EXPECT_EQ(config.success_url_.empty(), !outcome.result);
+    config.Clear();
+    EXPECT_TRUE(ask(config));
   };
   const auto make_with_url = [&] {
-    Upload upload;
-    upload.config.Init(Text(server.Url("/a-long-target")));
-    return upload;
+    UploadConfig config;
+    config.Init(Text(server.Url("/a-long-target")));
+    return config;
   };
   EXPECT_GT(FailEachAllocationOf(make_with_url, ask, check), 60);
 }

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <new>
+#include <type_traits>
 
 #include "tests/support/failing_malloc.h"
 
@@ -19,6 +20,7 @@ namespace stowra_test {
 struct Outcome {
   long failures = 0;  // allocations that failed
   bool threw = false;
+  bool result = false;  // what the work returned, if that is a bool
 
   bool failed() const { return failures > 0; }
 };
@@ -43,7 +45,11 @@ Outcome RunWithFailure(long allowed, Threads threads, FailingMalloc::Mode mode, 
   {
     const FailingMalloc failing(allowed, threads, mode);
     try {
-      work(state);
+      if constexpr (std::is_same_v<decltype(work(state)), bool>) {
+        outcome.result = work(state);
+      } else {
+        work(state);
+      }
     } catch (const std::bad_alloc&) {
       outcome.threw = true;
     }

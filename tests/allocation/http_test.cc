@@ -69,12 +69,10 @@ struct Sent {
     }
   }
 
-  bool Download() { return succeeded = transport.Download(); }
-
   // The transport makes its own copies of the text and the map.
   bool SendAndRead() {
-    return succeeded = transport.SendAndRead(std::move(url), &data, &length, &status, &send_headers,
-                                             false, false, true, "", "", &headers);
+    return transport.SendAndRead(std::move(url), &data, &length, &status, &send_headers, false,
+                                 false, true, "", "", &headers);
   }
 
   const ovrant_ustring own_url;
@@ -82,7 +80,6 @@ struct Sent {
   InternetData transport;
   StringMap send_headers = {{"Content-Type", "application/json; charset=utf-8"},
                             {"X-A-Name-That-Is-Long", "a value that is long as well"}};
-  bool succeeded = false;
   unsigned char* data = nullptr;
   unsigned long length = 0;
   int status = -1;
@@ -95,7 +92,7 @@ template <typename Transfer>
 long FailTransfer(const std::string& url, const Transfer& transfer) {
   const auto check = [&](Sent& sent, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    if (sent.succeeded) {
+    if (outcome.result) {
       EXPECT_EQ(BodyOf(sent.transport), kBody);
     } else {
       EXPECT_TRUE(outcome.failed());
@@ -113,7 +110,7 @@ TEST_F(TransportAllocationTest, DownloadFailsOrSucceeds) {
   for (const std::string& url : {server_.Url(), server_.Url("/gzip"), server_.Url("/redirect"),
                                  "http://localhost:" + std::to_string(server_.port()) + "/"}) {
     SCOPED_TRACE(url);
-    EXPECT_GT(FailTransfer(url, [](Sent& sent) { return sent.Download(); }), 20);
+    EXPECT_GT(FailTransfer(url, [](Sent& sent) { return sent.transport.Download(); }), 20);
   }
 }
 
@@ -125,11 +122,11 @@ TEST_F(TransportAllocationTest, FailedSendAndReadSetsEveryOutput) {
   };
   EXPECT_GT(FailTransfer(server_.Url(), send), 30);
   const auto make = [&] { return Sent(server_.Url()); };
-  FailEachAllocationOf(make, send, [](Sent& sent, Outcome) {
+  FailEachAllocationOf(make, send, [](Sent& sent, Outcome outcome) {
     EXPECT_EQ(sent.status, sent.transport.status_code());
     EXPECT_EQ(sent.length, sent.transport.received_data_length());
-    EXPECT_EQ(sent.headers.empty(), !sent.succeeded);
-    EXPECT_TRUE(sent.succeeded || sent.data == nullptr);
+    EXPECT_EQ(sent.headers.empty(), !outcome.result);
+    EXPECT_TRUE(outcome.result || sent.data == nullptr);
   });
 }
 
@@ -148,7 +145,7 @@ TEST_F(TransportAllocationTest, ListenerOfHeadsMayLoseSteps) {
   InternetData::SetTransferListener(
       [&](const TransferEvent& event) { heads += event.head.empty() ? 0 : 1; },
       ovrant::internet::TransferDetail::kHeads);
-  const auto download = [](Sent& sent) { return sent.Download(); };
+  const auto download = [](Sent& sent) { return sent.transport.Download(); };
   EXPECT_GT(FailTransfer(server_.Url("/redirect"), download), 40);
   EXPECT_GT(heads, 0);
 }
@@ -424,7 +421,7 @@ TEST_F(TransportAllocationTest, FailedHeaderKeepsThePreviousValue) {
   };
   const auto make = [&] { return Sent(server_.Url(), {{"x-name", "before"}}); };
   const auto check = [&](Sent& sent, Outcome outcome) {
-    ASSERT_TRUE(sent.Download());
+    ASSERT_TRUE(sent.transport.Download());
     EXPECT_EQ(LastRequest(server_).Header("X-Name"),
               outcome.threw ? "before" : std::string(300, 'n'));
   };

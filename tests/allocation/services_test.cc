@@ -41,37 +41,32 @@ const char kItems[] =
                        "version_uuid":"0123456789abcdef","update":true,"enabled":1},
                       {"id":"a second id of that kind","version":"1"}]})";
 
-struct UserInfo {
-  UserInfo() { EXPECT_TRUE(query.ParseResponse(R"({"uid":"old","email":"","vkr_id":""})")); }
-
-  UserInfoQuery query;
-  bool result = false;
+struct UserInfo : UserInfoQuery {
+  UserInfo() { EXPECT_TRUE(ParseResponse(R"({"uid":"old","email":"","vkr_id":""})")); }
 };
 
 const ovrant_ustring kUserText(kUser);
 const ovrant_ustring kUpdateText(kUpdate);
 
 TEST(ServicesAllocationTest, UserInfoThatCannotBeParsedLeavesTheCache) {
-  const auto parse = [](UserInfo& user) { user.result = user.query.ParseResponse(kUserText); };
+  const auto parse = [](UserInfo& user) { return user.ParseResponse(kUserText); };
   const auto check = [&](UserInfo& user, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_EQ(user.result, !outcome.failed());
-    EXPECT_EQ(user.query.GetUserInfoValue("uid").utf8(),
-              outcome.failed() ? "old" : "0123456789abcdef");
-    parse(user);
-    EXPECT_TRUE(user.result);
-    EXPECT_EQ(user.query.GetUserInfoValue("email").utf8(), "name@long.example");
+    EXPECT_EQ(outcome.result, !outcome.failed());
+    EXPECT_EQ(user.GetUserInfoValue("uid").utf8(), outcome.failed() ? "old" : "0123456789abcdef");
+    EXPECT_TRUE(parse(user));
+    EXPECT_EQ(user.GetUserInfoValue("email").utf8(), "name@long.example");
   };
   EXPECT_GT(FailEachAllocation<UserInfo>(parse, check), 20);
 }
 
 TEST(ServicesAllocationTest, UserInfoIsReadOrThrown) {
   struct Cached : UserInfo {
-    Cached() { EXPECT_TRUE(query.ParseResponse(kUserText)); }
+    Cached() { EXPECT_TRUE(ParseResponse(kUserText)); }
     ovrant_ustring value;
   };
   const auto read = [](Cached& cached) {
-    cached.value = cached.query.GetUserInfoValue(UserInfoQuery::kUserDisplayNameKey);
+    cached.value = cached.GetUserInfoValue(UserInfoQuery::kUserDisplayNameKey);
   };
   const auto check = [&](Cached& cached, Outcome outcome) {
     EXPECT_EQ(outcome.threw, outcome.failed());
@@ -83,22 +78,15 @@ TEST(ServicesAllocationTest, UserInfoIsReadOrThrown) {
 }
 
 TEST(ServicesAllocationTest, AnUpdateThatCannotBeParsedIsARefusedOne) {
-  struct Update {
-    UpdateQuery query;
-    bool result = false;
-  };
-  const auto parse = [](Update& update) {
-    update.result = update.query.ParseResponse(kUpdateText);
-  };
-  const auto check = [&](Update& update, Outcome outcome) {
+  const auto parse = [](UpdateQuery& query) { return query.ParseResponse(kUpdateText); };
+  const auto check = [&](UpdateQuery& query, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_EQ(update.result, !outcome.failed());
-    parse(update);
-    EXPECT_TRUE(update.result);
-    EXPECT_EQ(update.query.message_.title.utf8(), "A Title That Is Long");
-    EXPECT_EQ(update.query.data_files_.size(), 2U);
+    EXPECT_EQ(outcome.result, !outcome.failed());
+    EXPECT_TRUE(parse(query));
+    EXPECT_EQ(query.message_.title.utf8(), "A Title That Is Long");
+    EXPECT_EQ(query.data_files_.size(), 2U);
   };
-  EXPECT_GT(FailEachAllocation<Update>(parse, check), 20);
+  EXPECT_GT(FailEachAllocation<UpdateQuery>(parse, check), 20);
 }
 
 // An object whose constructor throws must not stay registered.
@@ -190,18 +178,13 @@ class RequestAllocationTest : public testing::Test {
 // A synchronous request reports its failure and can be run again.
 template <typename Request>
 long FailRequest(const RawServer& server) {
-  struct Run {
-    explicit Run(const RawServer& server_to_ask) : request(server_to_ask) {}
-    Request request;
-    bool result = false;
-  };
-  const auto make = [&] { return Run(server); };
-  const auto work = [](Run& run) { run.result = run.request.RunNow(); };
-  return FailEachAllocationOf(make, work, [](Run& run, Outcome outcome) {
+  const auto make = [&] { return Request(server); };
+  const auto work = [](Request& request) { return request.RunNow(); };
+  return FailEachAllocationOf(make, work, [](Request& request, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(run.result || outcome.failed());
-    EXPECT_LE(run.request.ends.count(), 1);
-    EXPECT_TRUE(run.request.RunNow());
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    EXPECT_LE(request.ends.count(), 1);
+    EXPECT_TRUE(request.RunNow());
   });
 }
 
