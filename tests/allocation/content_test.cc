@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <sstream>
 #include <string>
 
@@ -11,9 +10,9 @@
 #include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/content/multipart_upload.h"
 #include "common_stowraapi/content/upload_config.h"
-#include "common_stowraapi/platform/xml_input.h"
 #include "tests/allocation/each_failure.h"
 #include "tests/content/feed_text.h"
+#include "tests/platform/xml/document.h"
 #include "tests/support/raw_server.h"
 
 #ifdef STOWRA_FAILS_ALLOCATIONS
@@ -76,30 +75,29 @@ TEST(ContentAllocationTest, AQueryThatCannotAskIsFalse) {
   EXPECT_GT(FailEachAllocation<Loaded>(ask, check), 60);
 }
 
+XmlDocument AtEntry(const std::string& feed) {
+  XmlDocument document(feed);
+  EXPECT_TRUE(document.Find("http://www.w3.org/2005/Atom:feed"));
+  EXPECT_TRUE(document.Find("http://www.w3.org/2005/Atom:entry"));
+  return document;
+}
+
 TEST(ContentAllocationTest, AnItemThatCannotLoadIsFalse) {
+  struct Entry {
+    XmlDocument document;
+    ContentItem item;
+  };
   for (const std::string& entry : {Model().text(), Collection().text()}) {
-    Bytes bytes(FeedOf(entry));
-    struct Entry {
-      explicit Entry(Bytes& document) { Open(document); }
-
-      void Open(Bytes& document) {
-        reader.reset(ovrant::Get_IXMLInput(document.data(), document.length()));
-        EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:feed"));
-        EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
-      }
-
-      std::unique_ptr<ovrant::IXMLInput> reader;
-      ContentItem item;
-    };
-    const auto load = [](Entry& state) { return state.item.Load(state.reader.get()); };
+    const auto make = [&] { return Entry{AtEntry(FeedOf(entry)), {}}; };
+    const auto load = [](Entry& state) { return state.item.Load(&state.document.reader()); };
     const auto check = [&](Entry& state, Outcome outcome) {
       EXPECT_FALSE(outcome.threw);
       EXPECT_EQ(outcome.result, !outcome.failed());
-      state.Open(bytes);
+      state.document = AtEntry(FeedOf(entry));
       EXPECT_TRUE(load(state));
       EXPECT_FALSE(state.item.title_.empty());
     };
-    EXPECT_GT(FailEachAllocationOf([&] { return Entry(bytes); }, load, check), 20);
+    EXPECT_GT(FailEachAllocationOf(make, load, check), 20);
   }
 }
 
