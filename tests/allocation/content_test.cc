@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <map>
-#include <memory>
 #include <sstream>
 #include <string>
 
@@ -13,9 +10,9 @@
 #include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/content/multipart_upload.h"
 #include "common_stowraapi/content/upload_config.h"
-#include "common_stowraapi/platform/xml_input.h"
 #include "tests/allocation/each_failure.h"
 #include "tests/content/feed_text.h"
+#include "tests/platform/xml/document.h"
 #include "tests/support/raw_server.h"
 
 #ifdef STOWRA_FAILS_ALLOCATIONS
@@ -44,26 +41,20 @@ void ExpectEmpty(const ContentQuery& query) {
   EXPECT_EQ(query.start_index_, 1);
 }
 
-struct Loaded {
-  Loaded() { EXPECT_TRUE(LoadText(Page(), query)); }
-
-  ContentQuery query;
-  bool result = false;
+struct Loaded : ContentQuery {
+  Loaded() { EXPECT_TRUE(LoadText(Page(), *this)); }
 };
 
 TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
   Bytes page(Page());
-  const auto load = [&](Loaded& loaded) {
-    loaded.result = loaded.query.Load(page.data(), page.length());
-  };
-  const auto check = [&](Loaded& loaded, Outcome outcome) {
+  const auto load = [&](Loaded& query) { return query.Load(page.data(), page.length()); };
+  const auto check = [&](Loaded& query, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(loaded.result || outcome.failed());
-    EXPECT_EQ(loaded.query.items_.size(), loaded.result ? 2U : 0U);
-    if (!loaded.result) ExpectEmpty(loaded.query);
-    load(loaded);
-    EXPECT_TRUE(loaded.result);
-    EXPECT_EQ(loaded.query.items_.size(), 2U);
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    EXPECT_EQ(query.items_.size(), outcome.result ? 2U : 0U);
+    if (!outcome.result) ExpectEmpty(query);
+    EXPECT_TRUE(load(query));
+    EXPECT_EQ(query.items_.size(), 2U);
   };
   EXPECT_GT(FailEachAllocation<Loaded>(load, check), 40);
 }
@@ -72,46 +63,41 @@ TEST(ContentAllocationTest, AQueryThatCannotLoadIsEmpty) {
 TEST(ContentAllocationTest, AQueryThatCannotAskIsFalse) {
   const RawServer server(Always(Response(200, Page())));
   const ovrant_ustring url = Text(server.Url());
-  const auto ask = [&](Loaded& loaded) { loaded.result = loaded.query.QueryFeed(url); };
-  const auto check = [&](Loaded& loaded, Outcome outcome) {
+  const auto ask = [&](Loaded& query) { return query.QueryFeed(url); };
+  const auto check = [&](Loaded& query, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(loaded.result || outcome.failed());
-    if (!loaded.result && loaded.query.items_.empty()) ExpectEmpty(loaded.query);
-    EXPECT_EQ(loaded.query.items_.size(), loaded.query.items_.empty() ? 0U : 2U);
-    ask(loaded);
-    EXPECT_TRUE(loaded.result);
-    EXPECT_EQ(loaded.query.items_.size(), 2U);
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    if (!outcome.result && query.items_.empty()) ExpectEmpty(query);
+    EXPECT_EQ(query.items_.size(), query.items_.empty() ? 0U : 2U);
+    EXPECT_TRUE(ask(query));
+    EXPECT_EQ(query.items_.size(), 2U);
   };
   EXPECT_GT(FailEachAllocation<Loaded>(ask, check), 60);
 }
 
+XmlDocument AtEntry(const std::string& feed) {
+  XmlDocument document(feed);
+  EXPECT_TRUE(document.Find("http://www.w3.org/2005/Atom:feed"));
+  EXPECT_TRUE(document.Find("http://www.w3.org/2005/Atom:entry"));
+  return document;
+}
+
 TEST(ContentAllocationTest, AnItemThatCannotLoadIsFalse) {
+  struct Entry {
+    XmlDocument document;
+    ContentItem item;
+  };
   for (const std::string& entry : {Model().text(), Collection().text()}) {
-    const std::string bytes = FeedOf(entry);
-    struct Entry {
-      explicit Entry(const std::string& document) { Open(document); }
-
-      void Open(const std::string& document) {
-        reader.reset(ovrant::Get_IXMLInput(reinterpret_cast<const unsigned char*>(document.data()),
-                                           static_cast<int>(document.size())));
-        EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:feed"));
-        EXPECT_TRUE(reader->FindElement("http://www.w3.org/2005/Atom:entry"));
-      }
-
-      std::unique_ptr<ovrant::IXMLInput> reader;
-      ContentItem item;
-      bool result = false;
-    };
-    const auto load = [](Entry& state) { state.result = state.item.Load(state.reader.get()); };
+    const auto make = [&] { return Entry{AtEntry(FeedOf(entry)), {}}; };
+    const auto load = [](Entry& state) { return state.item.Load(&state.document.reader()); };
     const auto check = [&](Entry& state, Outcome outcome) {
       EXPECT_FALSE(outcome.threw);
-      EXPECT_EQ(state.result, !outcome.failed());
-      state.Open(bytes);
-      load(state);
-      EXPECT_TRUE(state.result);
+      EXPECT_EQ(outcome.result, !outcome.failed());
+      state.document = AtEntry(FeedOf(entry));
+      EXPECT_TRUE(load(state));
       EXPECT_FALSE(state.item.title_.empty());
     };
-    EXPECT_GT(FailEachAllocationOf([&] { return Entry(bytes); }, load, check), 20);
+    EXPECT_GT(FailEachAllocationOf(make, load, check), 20);
   }
 }
 
@@ -120,79 +106,68 @@ const char kConfig[] =
     "</failureUrl><files><file><uploadUrl>http://upload/?long=yes</uploadUrl><type>t</type></file>"
     "<file><uploadUrl>http://upload/?long=yes</uploadUrl><type>t</type></file></files></upload>";
 
-struct Upload {
-  UploadConfig config;
-  bool result = false;
-};
-
 TEST(ContentAllocationTest, AConfigurationThatCannotBeParsedIsFalse) {
   Bytes document(kConfig);
-  const auto parse = [&](Upload& upload) {
-    upload.result = upload.config.ParseResponse(document.data(), document.size());
+  const auto parse = [&](UploadConfig& config) {
+    return config.ParseResponse(document.data(), document.size());
   };
-  const auto check = [&](Upload& upload, Outcome outcome) {
+  const auto check = [&](UploadConfig& config, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_EQ(upload.result, !outcome.failed());
-    upload.config.Clear();
-    parse(upload);
-    EXPECT_TRUE(upload.result);
-    EXPECT_EQ(upload.config.files_.size(), 2U);
+    EXPECT_EQ(outcome.result, !outcome.failed());
+    config.Clear();
+    EXPECT_TRUE(parse(config));
+    EXPECT_EQ(config.files_.size(), 2U);
   };
-  EXPECT_GT(FailEachAllocation<Upload>(parse, check), 20);
+  EXPECT_GT(FailEachAllocation<UploadConfig>(parse, check), 20);
 }
 
 TEST(ContentAllocationTest, AConfigurationThatCannotBeFetchedIsEmpty) {
   const RawServer server(Always(Response(200, kConfig)));
-  const auto ask = [](Upload& upload) { upload.result = upload.config.SynchronousQuery(); };
-  const auto check = [&](Upload& upload, Outcome outcome) {
+  const auto ask = [](UploadConfig& config) { return config.SynchronousQuery(); };
+  const auto check = [&](UploadConfig& config, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
-    EXPECT_TRUE(upload.result || outcome.failed());
-    EXPECT_EQ(upload.config.files_.size(), upload.result ? 2U : 0U);
-    EXPECT_EQ(upload.config.success_url_.empty(), !upload.result);
-    upload.config.Clear();
-    ask(upload);
-    EXPECT_TRUE(upload.result);
+    EXPECT_TRUE(outcome.result || outcome.failed());
+    EXPECT_EQ(config.files_.size(), outcome.result ? 2U : 0U);
+    EXPECT_EQ(config.success_url_.empty(), !outcome.result);
+    config.Clear();
+    EXPECT_TRUE(ask(config));
   };
   const auto make_with_url = [&] {
-    Upload upload;
-    upload.config.Init(Text(server.Url("/a-long-target")));
-    return upload;
+    UploadConfig config;
+    config.Init(Text(server.Url("/a-long-target")));
+    return config;
   };
   EXPECT_GT(FailEachAllocationOf(make_with_url, ask, check), 60);
 }
 
-struct Nothing {};
+constexpr char kBoundary[] = "BrevixClient0385119264730052";
 
-// The other functions throw and leak nothing.
-TEST(ContentAllocationTest, OtherFunctionsThrow) {
+UploadFile LongFile() {
   UploadFile file;
   file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
   file.upload_url_ = "http://upload/?name=a-long-name&type=a-long-type&task=a-long-task";
+  return file;
+}
+
+// The other functions throw and leak nothing.
+TEST(ContentAllocationTest, OtherFunctionsThrow) {
+  const UploadFile file = LongFile();
   const auto url = Text("http://a/?mid=0123456789abcdef0123456789&x=y");
   const auto header = Text("attachment; filename=\"a-name-that-is-long.qmf\"");
   const auto rendition = Text("s" + std::string(40, '0') + "7");
-  const std::string boundary = "BrevixClient0385119264730052";
+  const std::string boundary = kBoundary;
   UploadConfig config;
   ASSERT_TRUE(config.ParseResponse(Bytes(kConfig).data(), sizeof(kConfig) - 1));
   using namespace ovrant::stowraapiclient;                   // NOLINT(google-build-using-namespace)
   using namespace ovrant::stowraapiclient::multipartupload;  // NOLINT(google-build-using-namespace)
   int version = 0;
-  const std::function<void()> calls[] = {[&] { GetStowraIdFromUrl(url); },
-                                         [&] { GetFilenameFromContentDisposition(header); },
-                                         [&] { CreateHeaderDictionary(boundary, 1); },
-                                         [&] { GetBoundaryString(); },
-                                         [&] { const UploadFile copy(file); },
-                                         [&] { const UploadConfig copy(config); },
-                                         [&] {
-                                           ContentItem item;
-                                           item.ExtractQmfVersionFromRTypValue(rendition, version);
-                                         }};
-  for (const std::function<void()>& call : calls) {
-    EXPECT_GT(FailEachAllocation<Nothing>(
-                  [&](Nothing&) { call(); },
-                  [](Nothing&, Outcome outcome) { EXPECT_EQ(outcome.threw, outcome.failed()); }),
-              0);
-  }
+  EXPECT_GT(FailCall([&] { GetStowraIdFromUrl(url); }), 0);
+  EXPECT_GT(FailCall([&] { GetFilenameFromContentDisposition(header); }), 0);
+  EXPECT_GT(FailCall([&] { CreateHeaderDictionary(boundary, 1); }), 0);
+  EXPECT_GT(FailCall([] { GetBoundaryString(); }), 0);
+  EXPECT_GT(FailCall([&] { const UploadFile copy(file); }), 0);
+  EXPECT_GT(FailCall([&] { const UploadConfig copy(config); }), 0);
+  EXPECT_GT(FailCall([&] { ContentItem().ExtractQmfVersionFromRTypValue(rendition, version); }), 0);
   EXPECT_EQ(version, 7);
 }
 
@@ -201,15 +176,12 @@ TEST(ContentAllocationTest, ABodyThatCannotBeWrittenThrowsOrMarksTheStream) {
   struct Body {
     std::stringstream stream;
   };
-  UploadFile file;
-  file.file_path_ = "/a/long/path/to/a/file/with/a/long/name.qmf";
-  file.upload_url_ = "http://upload/?name=a-long-name&type=a-long-type&task=a-long-task";
+  UploadFile file = LongFile();
   const ovrant_ustring subject("a subject that is long");
-  const std::string content(10'000, 'c');
+  Bytes content(std::string(10'000, 'c'));
   const auto write = [&](Body& body) {
-    ovrant::stowraapiclient::multipartupload::SetupPayload(
-        subject, &file, reinterpret_cast<const unsigned char*>(content.data()), content.size(),
-        "BrevixClient0385119264730052", &body.stream);
+    ovrant::stowraapiclient::multipartupload::SetupPayload(subject, &file, content.data(),
+                                                           content.size(), kBoundary, &body.stream);
   };
   Body whole;
   write(whole);

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
+#include <type_traits>
 
 #include "tests/support/failing_malloc.h"
 
@@ -18,6 +20,7 @@ namespace stowra_test {
 struct Outcome {
   long failures = 0;  // allocations that failed
   bool threw = false;
+  bool result = false;  // what the work returned, if that is a bool
 
   bool failed() const { return failures > 0; }
 };
@@ -32,8 +35,6 @@ inline constexpr int kMostTries = 10;
 // Prints how many runs had a failure, and adds it to the sum that the program prints at its end.
 void CountFailingRuns(long runs);
 
-inline constexpr long kNoneFails = 1'000'000'000;
-
 // Calls `work` with the result of `make`, under FailingMalloc(allowed, threads, mode). Then calls
 // `check` with that state and the outcome, when allocations succeed again.
 template <typename Make, typename Work, typename Check>
@@ -44,7 +45,11 @@ Outcome RunWithFailure(long allowed, Threads threads, FailingMalloc::Mode mode, 
   {
     const FailingMalloc failing(allowed, threads, mode);
     try {
-      work(state);
+      if constexpr (std::is_same_v<decltype(work(state)), bool>) {
+        outcome.result = work(state);
+      } else {
+        work(state);
+      }
     } catch (const std::bad_alloc&) {
       outcome.threw = true;
     }
@@ -60,8 +65,9 @@ Outcome RunWithFailure(long allowed, Threads threads, FailingMalloc::Mode mode, 
 template <typename Make, typename Work, typename Check>
 long FailEachAllocationOf(const Make& make, const Work& work, const Check& check,
                           Threads threads = Threads::kThis) {
+  constexpr long kAll = 1'000'000'000;
   long failing_runs = 0;
-  RunWithFailure(kNoneFails, threads, FailingMalloc::Mode::kOnce, make, work, check);
+  RunWithFailure(kAll, threads, FailingMalloc::Mode::kOnce, make, work, check);
   for (const auto mode : {FailingMalloc::Mode::kOnce, FailingMalloc::Mode::kFromThenOn}) {
     for (long allowed = 0;; ++allowed) {
       SCOPED_TRACE(testing::Message()
@@ -87,6 +93,23 @@ long FailEachAllocationOf(const Make& make, const Work& work, const Check& check
 template <typename State, typename Work, typename Check>
 long FailEachAllocation(const Work& work, const Check& check, Threads threads = Threads::kThis) {
   return FailEachAllocationOf([] { return State(); }, work, check, threads);
+}
+
+// The same for work that must throw whenever an allocation fails. Calls `check` only then.
+template <typename State>
+long FailThrowing(
+    const std::function<void(State&)>& work,
+    const std::function<void(State&)>& check = [](State&) {}) {
+  return FailEachAllocation<State>(work, [&](State& state, Outcome outcome) {
+    EXPECT_EQ(outcome.threw, outcome.failed());
+    if (outcome.threw) check(state);
+  });
+}
+
+// The same for a call without a state.
+inline long FailCall(const std::function<void()>& call) {
+  struct Nothing {};
+  return FailThrowing<Nothing>([&](Nothing&) { call(); });
 }
 
 }  // namespace stowra_test

@@ -4,9 +4,9 @@
 #ifndef TESTS_ALLOCATION_END_COUNTER_H_
 #define TESTS_ALLOCATION_END_COUNTER_H_
 
+#include <atomic>
 #include <condition_variable>
 #include <cstring>
-#include <initializer_list>
 #include <mutex>
 
 #include "common_stowraapi/platform/notification_center.h"
@@ -19,9 +19,8 @@ namespace stowra_test {
 class EndCounter final : public ovrant::IObserver {
  public:
   EndCounter(const char* success, const char* failure) : success_(success) {
-    for (const char* name : {success, failure}) {
-      CNotificationCenter::Default()->AddObserver(name, this);
-    }
+    CNotificationCenter::Default()->AddObserver(success, this);
+    CNotificationCenter::Default()->AddObserver(failure, this);
   }
   ~EndCounter() override { CNotificationCenter::Default()->RemoveObserver(this); }
 
@@ -42,22 +41,17 @@ class EndCounter final : public ovrant::IObserver {
                              [this, count] { return successes_ + failures_ >= count; });
   }
 
+  const char* success() const { return success_; }
   int count() { return successes() + failures(); }
-  int successes() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return successes_;
-  }
-  int failures() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return failures_;
-  }
+  int successes() { return successes_; }
+  int failures() { return failures_; }
 
  private:
   const char* const success_;
   std::mutex mutex_;
   std::condition_variable changed_;
-  int successes_ = 0;
-  int failures_ = 0;
+  std::atomic<int> successes_{0};
+  std::atomic<int> failures_{0};
 };
 
 }  // namespace stowra_test

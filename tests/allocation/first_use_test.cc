@@ -15,6 +15,7 @@
 #include "tests/allocation/each_failure.h"
 #include "tests/allocation/end_counter.h"
 #include "tests/support/raw_server.h"
+#include "tests/support/text.h"
 
 #ifdef STOWRA_FAILS_ALLOCATIONS
 
@@ -108,15 +109,13 @@ TEST(FirstUseAllocationTest, TheNewWorkerSurvives) {
 }
 
 TEST(FirstUseAllocationTest, APageIsNotLoadedAndTheNextIs) {
-  std::string page =
+  Bytes page(
       "<feed xmlns='http://www.w3.org/2005/Atom' "
       "xmlns:o='http://a9.com/-/spec/opensearchrss/1.0/'><title>t</title><o:totalResults>0"
-      "</o:totalResults><o:startIndex>1</o:startIndex><o:itemsPerPage>1</o:itemsPerPage></feed>";
+      "</o:totalResults><o:startIndex>1</o:startIndex><o:itemsPerPage>1</o:itemsPerPage></feed>");
   ContentQuery query;
-  const auto load = [&] {
-    return query.Load(reinterpret_cast<unsigned char*>(page.data()), static_cast<int>(page.size()));
-  };
-  EXPECT_GT(FailFirstUse(Threads::kThis, load), 50);
+  EXPECT_GT(FailFirstUse(Threads::kThis, [&] { return query.Load(page.data(), page.length()); }),
+            50);
 }
 
 }  // namespace

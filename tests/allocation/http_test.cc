@@ -47,12 +47,15 @@ void Answer(const RawRequest& request, RawConnection& connection) {
   }
 }
 
+TransferDefaults LongDefaults() {
+  TransferDefaults defaults;
+  defaults.user_agent = "an agent with a name that is long";
+  defaults.extra_request_headers = {{"X-Extra-And-Long-As-A-Name", "a value that is long as well"}};
+  return defaults;
+}
+
 class TransportAllocationTest : public TransportTest {
  protected:
-  auto To(const char* target = "/") const {
-    return [url = server_.Url(target)] { return url; };
-  }
-
   const RawServer server_{Answer};
 };
 
@@ -66,17 +69,10 @@ struct Sent {
     }
   }
 
-  bool Download() {
-    headers.clear();
-    succeeded = transport.Download();
-    return succeeded;
-  }
-
   // The transport makes its own copies of the text and the map.
   bool SendAndRead() {
-    succeeded = transport.SendAndRead(std::move(url), &data, &length, &status, &send_headers, false,
-                                      false, true, "", "", &headers);
-    return succeeded;
+    return transport.SendAndRead(std::move(url), &data, &length, &status, &send_headers, false,
+                                 false, true, "", "", &headers);
   }
 
   const ovrant_ustring own_url;
@@ -84,49 +80,38 @@ struct Sent {
   InternetData transport;
   StringMap send_headers = {{"Content-Type", "application/json; charset=utf-8"},
                             {"X-A-Name-That-Is-Long", "a value that is long as well"}};
-  bool succeeded = false;
-  std::chrono::steady_clock::duration time{0};
   unsigned char* data = nullptr;
   unsigned long length = 0;
   int status = -1;
   StringMap headers;
 };
 
-// Expects that `transfer` to the next URL succeeds or fails and throws nothing. The same transport
+// Expects that `transfer` to the URL succeeds or fails and throws nothing. The same transport
 // must succeed afterwards.
-template <typename NextUrl, typename Transfer>
-long FailTransfer(const NextUrl& next_url, const Transfer& transfer) {
-  return FailEachAllocationOf([&] { return Sent(next_url()); }, transfer,
-                              [&](Sent& sent, Outcome outcome) {
-                                EXPECT_FALSE(outcome.threw);
-                                if (sent.succeeded) {
-                                  EXPECT_EQ(BodyOf(sent.transport), kBody);
-                                } else {
-                                  EXPECT_TRUE(outcome.failed());
-                                  ExpectFailureState(sent.transport, sent.transport.status_code());
-                                }
-                                sent.url = sent.own_url;
-                                EXPECT_TRUE(transfer(sent));
-                                EXPECT_EQ(BodyOf(sent.transport), kBody);
-                                EXPECT_FALSE(sent.transport.received_headers().empty());
-                              });
+template <typename Transfer>
+long FailTransfer(const std::string& url, const Transfer& transfer) {
+  const auto check = [&](Sent& sent, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    if (outcome.result) {
+      EXPECT_EQ(BodyOf(sent.transport), kBody);
+    } else {
+      EXPECT_TRUE(outcome.failed());
+      ExpectFailureState(sent.transport, sent.transport.status_code());
+    }
+    sent.url = sent.own_url;
+    EXPECT_TRUE(transfer(sent));
+    EXPECT_EQ(BodyOf(sent.transport), kBody);
+    EXPECT_FALSE(sent.transport.received_headers().empty());
+  };
+  return FailEachAllocationOf([&] { return Sent(url); }, transfer, check);
 }
 
 TEST_F(TransportAllocationTest, DownloadFailsOrSucceeds) {
-  EXPECT_GT(FailTransfer(To(), [](Sent& sent) { return sent.Download(); }), 20);
-}
-
-TEST_F(TransportAllocationTest, GzipDownloadFailsOrSucceeds) {
-  EXPECT_GT(FailTransfer(To("/gzip"), [](Sent& sent) { return sent.Download(); }), 20);
-}
-
-TEST_F(TransportAllocationTest, RedirectedDownloadFailsOrSucceeds) {
-  EXPECT_GT(FailTransfer(To("/redirect"), [](Sent& sent) { return sent.Download(); }), 20);
-}
-
-TEST_F(TransportAllocationTest, DownloadByNameFailsOrSucceeds) {
-  const std::string url = "http://localhost:" + std::to_string(server_.port()) + "/";
-  EXPECT_GT(FailTransfer([&] { return url; }, [](Sent& sent) { return sent.Download(); }), 20);
+  for (const std::string& url : {server_.Url(), server_.Url("/gzip"), server_.Url("/redirect"),
+                                 "http://localhost:" + std::to_string(server_.port()) + "/"}) {
+    SCOPED_TRACE(url);
+    EXPECT_GT(FailTransfer(url, [](Sent& sent) { return sent.transport.Download(); }), 20);
+  }
 }
 
 TEST_F(TransportAllocationTest, FailedSendAndReadSetsEveryOutput) {
@@ -135,26 +120,23 @@ TEST_F(TransportAllocationTest, FailedSendAndReadSetsEveryOutput) {
     if (sent.data != sent.transport.received_data()) throw std::bad_alloc();
     return succeeded;
   };
-  EXPECT_GT(FailTransfer(To(), send), 30);
-  FailEachAllocationOf([&] { return Sent(server_.Url()); }, send,
-                       [](Sent& sent, Outcome) {
-                         EXPECT_EQ(sent.status, sent.transport.status_code());
-                         EXPECT_EQ(sent.length, sent.transport.received_data_length());
-                         EXPECT_EQ(sent.headers.empty(), !sent.succeeded);
-                         EXPECT_TRUE(sent.succeeded || sent.data == nullptr);
-                       });
+  EXPECT_GT(FailTransfer(server_.Url(), send), 30);
+  const auto make = [&] { return Sent(server_.Url()); };
+  FailEachAllocationOf(make, send, [](Sent& sent, Outcome outcome) {
+    EXPECT_EQ(sent.status, sent.transport.status_code());
+    EXPECT_EQ(sent.length, sent.transport.received_data_length());
+    EXPECT_EQ(sent.headers.empty(), !outcome.result);
+    EXPECT_TRUE(outcome.result || sent.data == nullptr);
+  });
 }
 
 TEST_F(TransportAllocationTest, TransferWithAllSettingsFailsOrSucceeds) {
-  TransferDefaults defaults;
-  defaults.user_agent = "an agent with a name that is long";
-  defaults.extra_request_headers = {{"X-Extra-And-Long-As-A-Name", "a value that is long as well"}};
-  InternetData::SetDefaults(defaults);
+  InternetData::SetDefaults(LongDefaults());
   std::atomic<int> starts{0};
   InternetData::SetTransferListener([&](const TransferEvent& event) {
     starts += event.kind == TransferEvent::Kind::kStarted ? 1 : 0;
   });
-  EXPECT_GT(FailTransfer(To(), [](Sent& sent) { return sent.SendAndRead(); }), 40);
+  EXPECT_GT(FailTransfer(server_.Url(), [](Sent& sent) { return sent.SendAndRead(); }), 40);
   EXPECT_GT(starts, 0);
 }
 
@@ -163,7 +145,8 @@ TEST_F(TransportAllocationTest, ListenerOfHeadsMayLoseSteps) {
   InternetData::SetTransferListener(
       [&](const TransferEvent& event) { heads += event.head.empty() ? 0 : 1; },
       ovrant::internet::TransferDetail::kHeads);
-  EXPECT_GT(FailTransfer(To("/redirect"), [](Sent& sent) { return sent.Download(); }), 40);
+  const auto download = [](Sent& sent) { return sent.transport.Download(); };
+  EXPECT_GT(FailTransfer(server_.Url("/redirect"), download), 40);
   EXPECT_GT(heads, 0);
 }
 
@@ -178,9 +161,8 @@ struct InBackground {
   }
 
   bool Start(bool is_upload) {
-    started = is_upload ? transport.UploadWithDelegate(delegate.get(), nullptr)
-                        : transport.DownloadWithDelegate(delegate.get(), nullptr);
-    return started;
+    return started = is_upload ? transport.UploadWithDelegate(delegate.get(), nullptr)
+                               : transport.DownloadWithDelegate(delegate.get(), nullptr);
   }
 
   EndCounter ends;
@@ -192,29 +174,28 @@ struct InBackground {
 // Expects one post of a started transfer and none of one that did not start. The worker must
 // survive, and the same transport must succeed afterwards.
 long FailInBackground(const std::string& url, bool is_upload, Threads threads) {
-  return FailEachAllocationOf([&] { return InBackground(url); },
-                              [&](InBackground& transfer) {
-                                if (transfer.Start(is_upload)) transfer.ends.WaitFor(1);
-                              },
-                              [&](InBackground& transfer, Outcome outcome) {
-                                EXPECT_FALSE(outcome.threw);
-                                EXPECT_EQ(transfer.ends.count(), transfer.started ? 1 : 0);
-                                EXPECT_TRUE(transfer.started || outcome.failed());
-                                if (transfer.ends.successes() == 1) {
-                                  EXPECT_EQ(BodyOf(transfer.transport), kBody);
-                                } else {
-                                  EXPECT_TRUE(outcome.failed());
-                                  ExpectFailureState(transfer.transport,
-                                                     transfer.transport.status_code());
-                                }
-                                const int before = transfer.ends.count();
-                                ASSERT_TRUE(transfer.Start(is_upload));
-                                ASSERT_TRUE(transfer.ends.WaitFor(before + 1));
-                                EXPECT_EQ(BodyOf(transfer.transport), kBody);
-                                LetWorkerCatchUp();
-                                EXPECT_EQ(transfer.ends.count(), before + 1);
-                              },
-                              threads);
+  const auto make = [&] { return InBackground(url); };
+  const auto work = [&](InBackground& transfer) {
+    if (transfer.Start(is_upload)) transfer.ends.WaitFor(1);
+  };
+  const auto check = [&](InBackground& transfer, Outcome outcome) {
+    EXPECT_FALSE(outcome.threw);
+    EXPECT_EQ(transfer.ends.count(), transfer.started ? 1 : 0);
+    EXPECT_TRUE(transfer.started || outcome.failed());
+    if (transfer.ends.successes() == 1) {
+      EXPECT_EQ(BodyOf(transfer.transport), kBody);
+    } else {
+      EXPECT_TRUE(outcome.failed());
+      ExpectFailureState(transfer.transport, transfer.transport.status_code());
+    }
+    const int before = transfer.ends.count();
+    ASSERT_TRUE(transfer.Start(is_upload));
+    ASSERT_TRUE(transfer.ends.WaitFor(before + 1));
+    EXPECT_EQ(BodyOf(transfer.transport), kBody);
+    LetWorkerCatchUp();
+    EXPECT_EQ(transfer.ends.count(), before + 1);
+  };
+  return FailEachAllocationOf(make, work, check, threads);
 }
 
 TEST_F(TransportAllocationTest, BackgroundStartFailsOrEndsOnce) {
@@ -247,19 +228,19 @@ struct WithHostBody final : ovrant::IObserver {
 template <typename Body, typename Start>
 void FailStartWithHostBody(const std::string& url, const Start& start,
                            const std::function<std::shared_ptr<Body>()>& make_body) {
-  using State = WithHostBody<Body>;
+  using State = std::unique_ptr<WithHostBody<Body>>;
   long failed_starts = 0;
-  FailEachAllocationOf([&] { return std::make_unique<State>(url, make_body()); },
-                       [&](const std::unique_ptr<State>& state) {
-                         EXPECT_TRUE(start(state->transfer, state->body));
-                         state->transfer.ends.WaitFor(1);
-                       },
-                       [&](const std::unique_ptr<State>& state, Outcome) {
-                         EXPECT_EQ(state->transfer.ends.count(), 1);
-                         EXPECT_LE(state->holders, 1);
-                         failed_starts += state->holders;
-                         LetWorkerCatchUp();
-                       });
+  const auto make = [&] { return std::make_unique<WithHostBody<Body>>(url, make_body()); };
+  const auto work = [&](const State& state) {
+    EXPECT_TRUE(start(state->transfer, state->body));
+    state->transfer.ends.WaitFor(1);
+  };
+  FailEachAllocationOf(make, work, [&](const State& state, Outcome) {
+    EXPECT_EQ(state->transfer.ends.count(), 1);
+    EXPECT_LE(state->holders, 1);
+    failed_starts += state->holders;
+    LetWorkerCatchUp();
+  });
   EXPECT_GT(failed_starts, 5);
 }
 
@@ -304,18 +285,35 @@ TEST_F(TransportAllocationTest, FailureOnTheWorkerReachesListenerAndExecutor) {
   EXPECT_GT(completions, 0);
 }
 
+// A number that threads raise and wait for.
+class Count {
+ public:
+  int Raise() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    changed_.notify_all();
+    return ++number_;
+  }
+  bool WaitFor(int number, std::chrono::milliseconds limit = kPatience) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return changed_.wait_for(lock, limit, [&] { return number_ >= number; });
+  }
+  int number() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return number_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int number_ = 0;
+};
+
 // Another transfer waits for its reply meanwhile, on the same thread.
 TEST_F(TransportAllocationTest, OutOfMemoryEndsOnlyThatTransfer) {
-  std::mutex mutex;
-  std::condition_variable changed;
-  int arrived = 0;
-  int let_go = 0;
+  Count arrived;
+  Count let_go;
   const RawServer slow([&](const RawRequest&, RawConnection& connection) {
-    std::unique_lock<std::mutex> lock(mutex);
-    const int number = ++arrived;
-    changed.notify_all();
-    changed.wait_for(lock, kPatience, [&] { return let_go >= number; });
-    lock.unlock();
+    let_go.WaitFor(arrived.Raise());
     connection.Write(Response(200, kBody));
   });
   struct Two {
@@ -328,8 +326,7 @@ TEST_F(TransportAllocationTest, OutOfMemoryEndsOnlyThatTransfer) {
   const auto make = [&] {
     auto two = std::make_unique<Two>(slow.Url(), server_.Url("/redirect"));
     EXPECT_TRUE(two->waiting.Start(false));
-    std::unique_lock<std::mutex> lock(mutex);
-    EXPECT_TRUE(changed.wait_for(lock, kPatience, [&] { return arrived > let_go; }));
+    EXPECT_TRUE(arrived.WaitFor(let_go.number() + 1));
     return two;
   };
   const auto work = [](const std::unique_ptr<Two>& two) {
@@ -337,11 +334,7 @@ TEST_F(TransportAllocationTest, OutOfMemoryEndsOnlyThatTransfer) {
   };
   const auto check = [&](const std::unique_ptr<Two>& two, Outcome outcome) {
     EXPECT_TRUE(two->other.ends.successes() == 1 || outcome.failed());
-    {
-      const std::lock_guard<std::mutex> lock(mutex);
-      ++let_go;
-      changed.notify_all();
-    }
+    let_go.Raise();
     ASSERT_TRUE(two->waiting.ends.WaitFor(1));
     EXPECT_EQ(two->waiting.ends.successes(), 1);
     LetWorkerCatchUp();
@@ -351,19 +344,12 @@ TEST_F(TransportAllocationTest, OutOfMemoryEndsOnlyThatTransfer) {
 
 // The transfer is deleted after the server has its request, or after it has failed.
 TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
-  std::mutex mutex;
-  std::condition_variable changed;
-  int arrived = 0;
-  int gone = 0;
-  const auto note = [&](int& count) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    ++count;
-    changed.notify_all();
-  };
+  Count arrived;
+  Count gone;
   const RawServer silent([&](const RawRequest&, RawConnection& connection) {
-    note(arrived);
+    arrived.Raise();
     connection.Stall();
-    note(gone);
+    gone.Raise();
   });
   struct Deleted {
     explicit Deleted(const std::string& url)
@@ -374,28 +360,22 @@ TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
     std::unique_ptr<InternetData> transport;
   };
   const auto work = [&](Deleted& deleted) {
-    std::unique_lock<std::mutex> lock(mutex);
-    const int before = arrived;
-    lock.unlock();
+    const int before = arrived.number();
     if (!deleted.transport->DownloadWithDelegate(deleted.delegate.get(), nullptr)) return;
     const auto limit = std::chrono::steady_clock::now() + kPatience;
-    lock.lock();
-    while (arrived == before && deleted.ends.count() == 0) {
-      // The end of a failed transfer does not notify `changed`.
-      changed.wait_for(lock, std::chrono::milliseconds(1));
+    // The end of a failed transfer does not raise `arrived`.
+    while (!arrived.WaitFor(before + 1, std::chrono::milliseconds(1)) &&
+           deleted.ends.count() == 0) {
       if (std::chrono::steady_clock::now() > limit) return;
     }
-    const bool is_in_flight = arrived != before;
-    lock.unlock();
     deleted.transport.reset();
-    lock.lock();
-    if (is_in_flight) changed.wait_for(lock, kPatience, [&] { return gone == arrived; });
+    gone.WaitFor(arrived.number());
   };
   const auto check = [&](Deleted& deleted, Outcome outcome) {
     EXPECT_FALSE(outcome.threw);
     EXPECT_TRUE(deleted.ends.count() == 0 || outcome.failed());
     EXPECT_EQ(deleted.ends.successes(), 0);
-    EXPECT_EQ(gone, arrived);
+    EXPECT_EQ(gone.number(), arrived.number());
     InBackground next(server_.Url());
     ASSERT_TRUE(next.Start(false));
     ASSERT_TRUE(next.ends.WaitFor(1));
@@ -409,12 +389,9 @@ TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
 TEST(SettingsAllocationTest, SettersThrowAndChangeNothing) {
   struct Settings {
     Settings() { transport.SetValueForHTTPSendHeaders("x-name-that-is-long", "the value before"); }
-
     InternetData transport{"http://a/"};
   };
-  TransferDefaults defaults;
-  defaults.user_agent = "an agent with a name that is long";
-  defaults.extra_request_headers = {{"X-Extra-And-Long-As-A-Name", "a value that is long as well"}};
+  const TransferDefaults defaults = LongDefaults();
   const std::function<void(const TransferEvent&)> listener = [](const TransferEvent&) {};
   const std::function<void(std::function<void()>)> executor = [](std::function<void()>) {};
   const std::function<void(Settings&)> setters[] = {
@@ -444,7 +421,7 @@ TEST_F(TransportAllocationTest, FailedHeaderKeepsThePreviousValue) {
   };
   const auto make = [&] { return Sent(server_.Url(), {{"x-name", "before"}}); };
   const auto check = [&](Sent& sent, Outcome outcome) {
-    ASSERT_TRUE(sent.Download());
+    ASSERT_TRUE(sent.transport.Download());
     EXPECT_EQ(LastRequest(server_).Header("X-Name"),
               outcome.threw ? "before" : std::string(300, 'n'));
   };

@@ -42,19 +42,15 @@ TEST(NotificationAllocationTest, FailedAddLeavesTheCenterAsItWas) {
   for (const bool name_is_new : {true, false}) {
     CountingObserver neighbour;
     if (!name_is_new) Center().AddObserver(kName, &neighbour);
-    struct Added {
-      CountingObserver observer;
+    const auto add = [](CountingObserver& observer) { Center().AddObserver(kName, &observer); };
+    const auto check = [&](CountingObserver& observer, Outcome outcome) {
+      EXPECT_EQ(outcome.threw, outcome.failed());
+      EXPECT_EQ(CallsOf(observer), outcome.threw ? 0 : 1);
+      EXPECT_EQ(CallsOf(neighbour), name_is_new ? 0 : 1);
+      add(observer);
+      EXPECT_EQ(CallsOf(observer), 1);
     };
-    EXPECT_GT(FailEachAllocation<Added>(
-                  [](Added& added) { Center().AddObserver(kName, &added.observer); },
-                  [&](Added& added, Outcome outcome) {
-                    EXPECT_EQ(outcome.threw, outcome.failed());
-                    EXPECT_EQ(CallsOf(added.observer), outcome.threw ? 0 : 1);
-                    EXPECT_EQ(CallsOf(neighbour), name_is_new ? 0 : 1);
-                    Center().AddObserver(kName, &added.observer);
-                    EXPECT_EQ(CallsOf(added.observer), 1);
-                  }),
-              2);
+    EXPECT_GT(FailEachAllocation<CountingObserver>(add, check), 2);
   }
 }
 
@@ -63,12 +59,11 @@ TEST(NotificationAllocationTest, FailedAddKeepsTheObserversOtherNames) {
     Added() { Center().AddObserver(kName, &observer); }
     CountingObserver observer;
   };
-  EXPECT_GT(FailEachAllocation<Added>(
-                [](Added& added) { Center().AddObserver(kOtherName, &added.observer); },
-                [](Added& added, Outcome outcome) {
-                  EXPECT_EQ(CallsOf(added.observer), outcome.threw ? 1 : 2);
-                }),
-            2);
+  const auto add = [](Added& added) { Center().AddObserver(kOtherName, &added.observer); };
+  const auto check = [](Added& added, Outcome outcome) {
+    EXPECT_EQ(CallsOf(added.observer), outcome.threw ? 1 : 2);
+  };
+  EXPECT_GT(FailEachAllocation<Added>(add, check), 2);
 }
 
 TEST(NotificationAllocationTest, NamesWithoutObserversLeaveNoMemory) {

@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "common_stowraapi/platform/random.h"
 #include "common_stowraapi/platform/url.h"
@@ -33,14 +31,12 @@ struct Subject {
 // Checks that `work` throws without memory and leaves the text as it was. Returns how often it
 // threw.
 long FailWorkOnText(const std::function<void(ovrant_ustring&)>& work) {
-  return FailEachAllocation<Subject>([&](Subject& subject) { work(subject.text); },
-                                     [](Subject& subject, Outcome outcome) {
-                                       EXPECT_EQ(outcome.threw, outcome.failed());
-                                       if (!outcome.threw) return;
-                                       EXPECT_EQ(UnitsOf(subject.text), kUnitsBefore);
-                                       subject.text += "!";
-                                       EXPECT_EQ(subject.text.length(), kUnitsBefore.size() + 1);
-                                     });
+  const auto check = [](Subject& subject) {
+    EXPECT_EQ(UnitsOf(subject.text), kUnitsBefore);
+    subject.text += "!";
+    EXPECT_EQ(subject.text.length(), kUnitsBefore.size() + 1);
+  };
+  return FailThrowing<Subject>([&](Subject& subject) { work(subject.text); }, check);
 }
 
 class TextAllocationTest : public testing::Test {
@@ -65,7 +61,7 @@ TEST_F(TextAllocationTest, ChangesThrowAndKeepTheText) {
 }
 
 TEST_F(TextAllocationTest, FormattingThrowsAndKeepsTheText) {
-  const auto format = [&](ovrant_ustring& text) {
+  const auto format = [this](ovrant_ustring& text) {
     text.Format("a format longer than a small buffer %s %s %s %100d %#o %p %c", long_, "\xC3\xA9",
                 wide_.c_str(), 1, 8U, &text, 0x1F600);
   };
@@ -95,13 +91,13 @@ TEST_F(TextAllocationTest, ReadingThrowsAndKeepsTheText) {
 }
 
 TEST_F(TextAllocationTest, ConstructionThrows) {
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring(ascii_.c_str()); }), 0);
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring(mixed_.data(), 8000); }), 0);
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring(wide_.c_str()); }), 0);
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring copy(mixed_); }), 0);
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { ovrant_ustring copy(long_.units()); }), 0);
+  EXPECT_GT(FailCall([&] { ovrant_ustring(ascii_.c_str()); }), 0);
+  EXPECT_GT(FailCall([&] { ovrant_ustring(mixed_.data(), 8000); }), 0);
+  EXPECT_GT(FailCall([&] { ovrant_ustring(wide_.c_str()); }), 0);
+  EXPECT_GT(FailCall([&] { ovrant_ustring copy(mixed_); }), 0);
+  EXPECT_GT(FailCall([&] { ovrant_ustring copy(long_.units()); }), 0);
   const StringMap map = {{long_, kBefore}, {kBefore, long_}};
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { const StringMap copy(map); }), 5);
+  EXPECT_GT(FailCall([&] { const StringMap copy(map); }), 5);
 }
 
 TEST_F(TextAllocationTest, ShortTextsAreAllocatedOnceAtMost) {
@@ -109,19 +105,14 @@ TEST_F(TextAllocationTest, ShortTextsAreAllocatedOnceAtMost) {
                                    std::string(512, 'a'), std::string(170, '\xFF')}) {
     // Once alone, once with what follows.
     const long failing_runs = bytes.size() > 7 ? 2 : 0;
-    const auto convert = [&](ovrant_ustring&) { ovrant_ustring(bytes.data(), bytes.size()); };
-    EXPECT_EQ(FailWorkOnText(convert), failing_runs) << bytes.size();
-    const ovrant_ustring converted(bytes.data(), bytes.size());
-    const auto convert_back = [&](ovrant_ustring&) { converted.utf8(); };
-    EXPECT_EQ(FailWorkOnText(convert_back), failing_runs) << bytes.size();
+    EXPECT_EQ(FailCall([&] { Text(bytes); }), failing_runs) << bytes.size();
+    const ovrant_ustring converted = Text(bytes);
+    EXPECT_EQ(FailCall([&] { converted.utf8(); }), failing_runs) << bytes.size();
   }
 }
 
 TEST_F(TextAllocationTest, ComparingNeedsNoMemory) {
-  const ovrant_ustring sharp(
-      "STRA\xC3\x9F"
-      "E"),
-      double_s("strasse");
+  const ovrant_ustring sharp = "STRA\u00DFE", double_s = "strasse";
   const auto compare = [&](ovrant_ustring& text) {
     bool right = text.compare(long_) != 0 && long_.compare_nocase(long_) == 0;
     right = right && sharp.compare_nocase(double_s) == 0;
@@ -137,16 +128,16 @@ TEST_F(TextAllocationTest, ReadingANumberGivesItOrThrows) {
     ovrant_ustring text{("  -" + std::string(800, '1') + "e-799 ").c_str()};
     float value = 0;
   };
-  FailEachAllocation<Number>([](Number& number) { number.value = number.text.to_float(); },
-                             [](Number& number, Outcome outcome) {
-                               EXPECT_EQ(outcome.threw, outcome.failed());
-                               EXPECT_FLOAT_EQ(number.value, outcome.threw ? 0 : -1.1111111F);
-                             });
+  const auto read = [](Number& number) { number.value = number.text.to_float(); };
+  FailEachAllocation<Number>(read, [](Number& number, Outcome outcome) {
+    EXPECT_EQ(outcome.threw, outcome.failed());
+    EXPECT_FLOAT_EQ(number.value, outcome.threw ? 0 : -1.1111111F);
+  });
 }
 
 TEST_F(TextAllocationTest, AUrlThrowsAndKeepsTheValue) {
   const ovrant_ustring address(("http://h/?key=" + ascii_ + "&encoded=%41" + ascii_).c_str());
-  EXPECT_GT(FailWorkOnText([&](ovrant_ustring&) { const ovrant::internet::URL url(address); }), 0);
+  EXPECT_GT(FailCall([&] { const ovrant::internet::URL made(address); }), 0);
   ovrant::internet::URL url(address);
   for (const char* const key : {"key", "encoded", "a key that is longer than a small buffer"}) {
     const auto ask = [&](ovrant_ustring& value) { url.getValueForExtraInfoKey(key, value); };
@@ -155,14 +146,11 @@ TEST_F(TextAllocationTest, AUrlThrowsAndKeepsTheValue) {
 }
 
 TEST(RandomAllocationTest, NumbersNeedNoMemory) {
-  struct Nothing {};
-  const auto draw = [](Nothing&) {
+  const auto draw = [] {
     Random::SetSeed(7);
     if (Random::GetValue(3, 4) / 5 != 0) throw std::bad_alloc();
   };
-  EXPECT_EQ(FailEachAllocation<Nothing>(
-                draw, [](Nothing&, Outcome outcome) { EXPECT_FALSE(outcome.threw); }),
-            0);
+  EXPECT_EQ(FailCall(draw), 0);
 }
 
 }  // namespace

@@ -72,16 +72,10 @@ TEST(ReportTest, TellsWhetherEachRowIsReached) {
 
 TEST(ReportTest, DocumentHasMachineTablesAndPlot) {
   const std::string document = DocumentText(MakeReport());
-  EXPECT_THAT(document, HasSubstr("2026-03-14"));
-  EXPECT_THAT(document, HasSubstr("Some processor"));
-  EXPECT_THAT(document, HasSubstr("expat 2.5.0"));
-  EXPECT_THAT(document, HasSubstr("performance.svg"));
-  EXPECT_THAT(document, HasSubstr("|  9.00x | ≤ 11x |"));
-  EXPECT_THAT(document, HasSubstr("| tenfold |"));
-}
-
-TEST(ReportTest, DocumentNamesTheCommit) {
-  EXPECT_THAT(DocumentText(MakeReport()), HasSubstr("2026-03-14, commit 0123abc. "));
+  for (const char* part : {"2026-03-14, commit 0123abc. ", "Some processor", "expat 2.5.0",
+                           "performance.svg", "|  9.00x | ≤ 11x |", "| tenfold |"}) {
+    EXPECT_THAT(document, HasSubstr(part));
+  }
 }
 
 TEST(ReportTest, DocumentSaysWhyOrThatNobodyHasSaid) {

@@ -11,15 +11,7 @@
 namespace stowra_test {
 namespace {
 
-using stowra_bench::BoundText;
-using stowra_bench::CountText;
-using stowra_bench::FigureText;
-using stowra_bench::Judge;
-using stowra_bench::Measurements;
-using stowra_bench::MedianText;
-using stowra_bench::Row;
-using stowra_bench::TimeText;
-using stowra_bench::Verdict;
+using namespace stowra_bench;  // NOLINT(google-build-using-namespace)
 
 // Uses instructions, because their input format is the shortest.
 Measurements Counted(const std::string& lines) {

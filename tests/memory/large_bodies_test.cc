@@ -27,7 +27,10 @@ using ovrant::internet::TransferDefaults;
 
 constexpr std::size_t kMebibyte = std::size_t{1} << 20;
 constexpr std::size_t kMebibytes = 256;
+constexpr std::size_t kSize = kMebibytes * kMebibyte;
 constexpr std::size_t kMostMemory = 2 * kMebibyte;
+const std::string kHead =
+    "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(kSize) + "\r\n\r\n";
 
 class CountingSink final : public BodySink {
  public:
@@ -41,10 +44,10 @@ class CountingSink final : public BodySink {
 class ZeroSource final : public BodySource {
  public:
   bool Rewind() override {
-    left_ = kMebibytes * kMebibyte;
+    left_ = kSize;
     return true;
   }
-  std::optional<std::uint64_t> Length() override { return kMebibytes * kMebibyte; }
+  std::optional<std::uint64_t> Length() override { return kSize; }
   bool Read(unsigned char* data, std::size_t size, std::size_t& count) override {
     count = std::min(size, left_);
     left_ -= count;
@@ -58,8 +61,7 @@ class ZeroSource final : public BodySource {
 
 TEST(LargeBodiesTest, ADownloadToASinkTakesLittleMemory) {
   const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: " +
-                     std::to_string(kMebibytes * kMebibyte) + "\r\n\r\n");
+    connection.Write(kHead);
     const std::string mebibyte(kMebibyte, 'x');
     for (std::size_t i = 0; i < kMebibytes && connection.Write(mebibyte); ++i) {
     }
@@ -68,7 +70,7 @@ TEST(LargeBodiesTest, ADownloadToASinkTakesLittleMemory) {
   CountingSink sink;
   const MemoryWatch watch;
   EXPECT_TRUE(transport.DownloadTo(sink));
-  EXPECT_EQ(sink.count, kMebibytes * kMebibyte);
+  EXPECT_EQ(sink.count, kSize);
   EXPECT_LT(watch.peak(), kMostMemory);
 }
 
@@ -76,7 +78,7 @@ TEST(LargeBodiesTest, AnUploadFromASourceTakesLittleMemory) {
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         std::string piece;
-        for (std::size_t left = kMebibytes * kMebibyte; left > 0; piece.clear()) {
+        for (std::size_t left = kSize; left > 0; piece.clear()) {
           if (!connection.Read(piece)) return;
           left -= std::min(left, piece.size());
         }
@@ -95,8 +97,7 @@ TEST(LargeBodiesTest, ALengthBeyondTheCapReservesNoMemory) {
   TransferDefaults defaults;
   defaults.body_cap = 10'000;
   InternetData::SetDefaults(defaults);
-  const RawServer server(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: " +
-                                         std::to_string(kMebibytes * kMebibyte) + "\r\n\r\nhello"));
+  const RawServer server(AlwaysThenClose(kHead + "hello"));
   InternetData transport(server.Url().c_str());
   const MemoryWatch watch;
   EXPECT_FALSE(transport.Download());

@@ -46,32 +46,6 @@ std::string Configuration(const std::string& number) {
          "<type>t</type></file></files></upload>";
 }
 
-void AnswerInPieces(const Target& target, const std::string& body, RawConnection& connection) {
-  const std::string reply = Response(200, body);
-  const std::string half = reply.substr(0, reply.size() - (body.size() + 1) / 2);
-  switch (target.manner) {
-    case Manner::kSlow:
-      connection.Write(reply.substr(0, reply.size() - 4));
-      connection.Drip(reply.substr(reply.size() - 4), std::chrono::milliseconds(4));
-      return;
-    case Manner::kCut:
-      connection.Write(half);
-      connection.Close();
-      return;
-    case Manner::kResetInside:
-      connection.Write(half);
-      connection.Reset();
-      return;
-    case Manner::kStallInside:
-      connection.Write(half);
-      connection.Stall();
-      connection.EndWriting();
-      return;
-    default:
-      Violate("the server got an unknown request");
-  }
-}
-
 }  // namespace
 
 std::string Target::Path() const {
@@ -85,21 +59,8 @@ Manner DrawManner(Random& random) {
 }
 
 int StatusOf(Manner manner) {
-  switch (manner) {
-    case Manner::kMissing:
-      return 404;
-    case Manner::kBroken:
-      return 500;
-    case Manner::kCut:
-    case Manner::kReset:
-    case Manner::kResetInside:
-    case Manner::kStall:
-    case Manner::kStallInside:
-    case Manner::kLoop:
-      return 0;
-    default:
-      return 200;
-  }
+  if (manner >= Manner::kCut) return 0;
+  return manner == Manner::kMissing ? 404 : manner == Manner::kBroken ? 500 : 200;
 }
 
 std::string BodyOf(const Target& target) {
@@ -139,15 +100,22 @@ void Answer(const RawRequest& request, RawConnection& connection) {
   const UnderWay guard;
   const Target target = ParsePath(request.target);
   const std::string body = request.method == "POST" ? request.body : BodyOf(target);
+  const int status = StatusOf(target.manner);
+  const std::string reply = Response(status == 0 ? 200 : status, body);
+  const std::string half = reply.substr(0, reply.size() - (body.size() + 1) / 2);
   switch (target.manner) {
     case Manner::kWell:
     case Manner::kBig:
     case Manner::kMissing:
     case Manner::kBroken:
-      connection.Write(Response(StatusOf(target.manner), body));
+      connection.Write(reply);
       return;
     case Manner::kGzip:
       connection.Write(Response(200, Gzip(body), "Content-Encoding: gzip\r\n"));
+      return;
+    case Manner::kSlow:
+      connection.Write(reply.substr(0, reply.size() - 4));
+      connection.Drip(reply.substr(reply.size() - 4), std::chrono::milliseconds(4));
       return;
     case Manner::kClosing:
       connection.Write(Response(200, body, "Connection: close\r\n"));
@@ -161,15 +129,25 @@ void Answer(const RawRequest& request, RawConnection& connection) {
     case Manner::kLoop:
       connection.Write(Response(307, "here", "Location: " + target.Path() + "\r\n"));
       return;
+    case Manner::kCut:
+      connection.Write(half);
+      connection.Close();
+      return;
+    case Manner::kResetInside:
+      connection.Write(half);
+      [[fallthrough]];
     case Manner::kReset:
       connection.Reset();
       return;
+    case Manner::kStallInside:
+      connection.Write(half);
+      [[fallthrough]];
     case Manner::kStall:
       connection.Stall();
       connection.EndWriting();
       return;
     default:
-      AnswerInPieces(target, body, connection);
+      Violate("the server got an unknown request");
   }
 }
 

@@ -24,6 +24,7 @@ enum class Manner {
   kMissing,  // with status 404
   kBroken,   // with status 500
   kBig,
+  // From here on the client gets no whole reply.
   kCut,
   kReset,
   kResetInside,
@@ -49,6 +50,11 @@ Manner DrawManner(Random& random);
 int StatusOf(Manner manner);
 
 std::string BodyOf(const Target& target);
+
+// Those that a transport or a call received.
+inline std::string BytesOf(const unsigned char* data, unsigned long length) {
+  return length == 0 ? "" : std::string(reinterpret_cast<const char*>(data), length);
+}
 
 // Reports a violation if a GET of `target` must not have this result.
 void CheckReply(const Target& target, bool received, int status, const std::string& body);

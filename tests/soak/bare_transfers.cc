@@ -212,10 +212,7 @@ void BareTransfers::OnNotification(const char* name, void* payload) {
 // The objects stay alive during this call, because their destructors wait for it.
 void BareTransfers::CheckPost(Place& place, const Context& context, bool returned) {
   const InternetData& transport = *place.seen_transport.load(std::memory_order_relaxed);
-  const unsigned long length = transport.received_data_length();
-  std::string body =
-      length == 0 ? ""
-                  : std::string(reinterpret_cast<const char*>(transport.received_data()), length);
+  std::string body = BytesOf(transport.received_data(), transport.received_data_length());
   const auto& sink = place.StandingOf(context.start).sink;
   if (returned && sink && sink->has_taken()) body = sink->bytes();
   CheckReply({Document::kNumber, context.manner, context.number}, returned, transport.status_code(),

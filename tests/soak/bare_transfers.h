@@ -7,21 +7,54 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <thread>
 
+#include "common_stowraapi/platform/body_sink.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/observer.h"
 #include "tests/soak/answers.h"
 #include "tests/soak/main_loop.h"
 #include "tests/soak/report.h"
-#include "tests/soak/soak_sink.h"
 #include "tests/support/raw_server.h"
 
 namespace stowra_test {
+
+// Must not be called once its transfer has been dropped.
+class SoakSink final : public ovrant::internet::BodySink {
+ public:
+  // From now on a call is a violation. Any thread.
+  void Forbid() { is_forbidden_ = true; }
+
+  // Of the last reply, once the transfer has ended.
+  bool has_taken() const { return has_taken_; }
+  const std::string& bytes() const { return bytes_; }
+
+  Choice Begin(int status, const ovrant::utils::StringMap& headers) override {
+    Check(!is_forbidden_, "a sink was offered a reply after its transfer was dropped");
+    const Choice choice = BodySink::Begin(status, headers);
+    has_taken_ = choice == Choice::kTake;
+    return choice;
+  }
+  bool Write(const unsigned char* data, std::size_t size) override {
+    Check(!is_forbidden_, "a sink was written to after its transfer was dropped");
+    bytes_.append(reinterpret_cast<const char*>(data), size);
+    return true;
+  }
+  bool End() override {
+    Check(!is_forbidden_, "a sink was ended after its transfer was dropped");
+    return true;
+  }
+
+ private:
+  std::atomic<bool> is_forbidden_{false};
+  bool has_taken_ = false;
+  std::string bytes_;
+};
 
 // Creates, starts, restarts and deletes transfers at random on its own thread, from construction to
 // Stop(). The main loop delivers their notifications. After Stop(), the thread deletes all

@@ -1,7 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "tests/soak/report.h"
 
+#include <fcntl.h>
+
 #include <cstdio>
+#include <utility>
+#include <vector>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define STOWRA_SANITIZED_HEAP
+#endif
+#endif
+
+#if defined(STOWRA_SANITIZED_HEAP)
+#include <sanitizer/allocator_interface.h>
+#elif defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace stowra_test {
 namespace {
@@ -9,11 +25,14 @@ namespace {
 std::atomic<int> violations{0};
 constexpr int kMostPrinted = 20;
 
-void Print(const char* name, const Counter& counter) {
-  std::printf("  %-40s %12lld\n", name, static_cast<long long>(counter.value()));
+std::vector<std::pair<const char*, const Counter*>>& NamedCounters() {
+  static std::vector<std::pair<const char*, const Counter*>> counters;
+  return counters;
 }
 
 }  // namespace
+
+NamedCounter::NamedCounter(const char* name) { NamedCounters().emplace_back(name, this); }
 
 Tally tally;
 
@@ -27,38 +46,30 @@ bool IsViolated() { return violations.load(std::memory_order_relaxed) > 0; }
 
 void PrintSummary(double seconds) {
   std::printf("%.1f seconds\n", seconds);
-  Print("requests created", tally.requests_created);
-  Print("requests started", tally.requests_started);
-  Print("requests restarted with another URL", tally.requests_retargeted);
-  Print("requests cleaned up", tally.requests_cleaned_up);
-  Print("requests deleted", tally.requests_deleted);
-  Print("requests deleted by observers", tally.requests_deleted_by_observers);
-  Print("requests run blocking", tally.requests_run_blocking);
-  Print("transports created", tally.bare_created);
-  Print("transports started", tally.bare_started);
-  Print("transports restarted", tally.bare_restarted);
-  Print("transports deleted", tally.bare_deleted);
-  Print("transports deleted in their notification", tally.bare_deleted_inside);
-  Print("transfers dropped in flight", tally.dropped_in_flight);
-  Print("blocking downloads", tally.blocking_downloads);
-  Print("blocking uploads", tally.blocking_uploads);
-  Print("blocking feeds", tally.blocking_feeds);
-  Print("blocking configurations", tally.blocking_configurations);
-  Print("observers added", tally.observers_added);
-  Print("observers removed", tally.observers_removed);
-  Print("observer calls", tally.observer_calls);
-  Print("executors set", tally.executors);
-  Print("listeners set", tally.listeners);
-  Print("defaults set", tally.defaults);
-  Print("completions run", tally.completions_run);
-  Print("completions dropped", tally.completions_dropped);
-  Print("listener events", tally.listener_events);
-  Print("transfers posted", tally.transfer_posts);
-  Print("transfers posted with a response", tally.returned);
-  Print("public notifications posted", tally.public_posted);
-  Print("public notifications received", tally.public_received);
-  Print("transfers given up after a drop", tally.never_posted);
+  for (const auto& [name, counter] : NamedCounters()) {
+    std::printf("  %-40s %12lld\n", name, static_cast<long long>(counter->value()));
+  }
   std::printf("violations: %d\n", violations.load());
+}
+
+int CountOpenDescriptors() {
+  constexpr int kMost = 4096;
+  int count = 0;
+  for (int descriptor = 0; descriptor < kMost; ++descriptor) {
+    count += fcntl(descriptor, F_GETFD) >= 0;
+  }
+  return count;
+}
+
+std::size_t LiveHeapBytes() {
+#if defined(STOWRA_SANITIZED_HEAP)
+  return __sanitizer_get_current_allocated_bytes();
+#elif defined(__GLIBC__)
+  const auto info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+#else
+  return 0;
+#endif
 }
 
 }  // namespace stowra_test

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Counts what a soak does, and reports violations.
+// Counts what a soak does and uses, and reports violations.
 
 #ifndef TESTS_SOAK_REPORT_H_
 #define TESTS_SOAK_REPORT_H_
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -21,48 +22,55 @@ class Counter {
   std::atomic<std::int64_t> value_{0};
 };
 
+// A line of the summary, which has them in the order of construction.
+class NamedCounter : public Counter {
+ public:
+  explicit NamedCounter(const char* name);
+};
+
 // The counts of the whole process.
 struct Tally {
   // Requests, of all kinds together.
-  Counter requests_created;
-  Counter requests_started;
-  Counter requests_retargeted;
-  Counter requests_cleaned_up;
-  Counter requests_deleted;
-  Counter requests_deleted_by_observers;
-  Counter requests_run_blocking;
+  NamedCounter requests_created{"requests created"};
+  NamedCounter requests_started{"requests started"};
+  NamedCounter requests_retargeted{"requests restarted with another URL"};
+  NamedCounter requests_cleaned_up{"requests cleaned up"};
+  NamedCounter requests_deleted{"requests deleted"};
+  NamedCounter requests_deleted_by_observers{"requests deleted by observers"};
+  NamedCounter requests_run_blocking{"requests run blocking"};
 
   // Bare transports and delegates.
-  Counter bare_created;
-  Counter bare_started;
-  Counter bare_restarted;
-  Counter bare_deleted;
-  Counter bare_deleted_inside;  // their own notification
+  NamedCounter bare_created{"transports created"};
+  NamedCounter bare_started{"transports started"};
+  NamedCounter bare_restarted{"transports restarted"};
+  NamedCounter bare_deleted{"transports deleted"};
+  NamedCounter bare_deleted_inside{"transports deleted in their notification"};
 
   // Transfers of both kinds, in flight when deleted, cleaned up or restarted.
-  Counter dropped_in_flight;
+  NamedCounter dropped_in_flight{"transfers dropped in flight"};
 
-  Counter blocking_downloads;
-  Counter blocking_uploads;
-  Counter blocking_feeds;
-  Counter blocking_configurations;
+  NamedCounter blocking_downloads{"blocking downloads"};
+  NamedCounter blocking_uploads{"blocking uploads"};
+  NamedCounter blocking_feeds{"blocking feeds"};
+  NamedCounter blocking_configurations{"blocking configurations"};
 
-  Counter observers_added;
-  Counter observers_removed;
-  Counter observer_calls;  // of passing observers
+  // Passing observers.
+  NamedCounter observers_added{"observers added"};
+  NamedCounter observers_removed{"observers removed"};
+  NamedCounter observer_calls{"observer calls"};
 
-  Counter executors;
-  Counter listeners;
-  Counter defaults;
-  Counter completions_run;
-  Counter completions_dropped;
-  Counter listener_events;
+  NamedCounter executors{"executors set"};
+  NamedCounter listeners{"listeners set"};
+  NamedCounter defaults{"defaults set"};
+  NamedCounter completions_run{"completions run"};
+  NamedCounter completions_dropped{"completions dropped"};
+  NamedCounter listener_events{"listener events"};
 
-  Counter transfer_posts;  // under the names of transfers
-  Counter returned;        // those with a response
-  Counter public_posted;
-  Counter public_received;
-  Counter never_posted;  // kept transfers that were given up
+  NamedCounter transfer_posts{"transfers posted"};
+  NamedCounter returned{"transfers posted with a response"};
+  NamedCounter public_posted{"public notifications posted"};
+  NamedCounter public_received{"public notifications received"};
+  NamedCounter never_posted{"transfers given up after a drop"};
 };
 
 extern Tally tally;
@@ -77,6 +85,11 @@ inline void Check(bool good, const char* what) {
 }
 
 void PrintSummary(double seconds);
+
+int CountOpenDescriptors();
+
+// Bytes allocated and not freed, or 0 if the platform cannot tell.
+std::size_t LiveHeapBytes();
 
 // Random numbers for one thread.
 class Random {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tests/soak/requests.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/services/extension_store_status.h"
 #include "common_stowraapi/services/update_query.h"
 #include "common_stowraapi/services/user_info_query.h"
-#include "tests/soak/public_names.h"
 
 namespace stowra_test {
 
@@ -28,10 +28,8 @@ std::array<const char*, 3> FailedNames() {
 
 template <typename Names>
 bool Contains(const Names& names, const char* name) {
-  for (const char* each : names) {
-    if (std::strcmp(each, name) == 0) return true;
-  }
-  return false;
+  return std::any_of(names.begin(), names.end(),
+                     [name](const char* each) { return std::strcmp(each, name) == 0; });
 }
 
 void* Pack(std::uint32_t index, std::uint32_t start) {
@@ -39,6 +37,13 @@ void* Pack(std::uint32_t index, std::uint32_t start) {
 }
 
 }  // namespace
+
+std::array<const char*, 5> PublicNames() {
+  return {
+      UserInfoQuery::kUserInfoUpdatedNotification, UpdateQuery::kUpdateQuerySucceededNotification,
+      UpdateQuery::kUpdateQueryFailedNotification, kExtensionStoreAsynchStatusSucceededNotification,
+      kExtensionStoreAsynchStatusFailedNotification};
+}
 
 // Registers before the requests do, so that it sees each end before they do.
 Requests::Requests(const RawServer& server, const MainLoop& loop, std::uint32_t seed)

@@ -17,6 +17,9 @@
 
 namespace stowra_test {
 
+// The names under which requests post for the host.
+std::array<const char*, 5> PublicNames();
+
 // One request of any kind.
 class SoakRequest {
  public:

@@ -8,6 +8,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -29,7 +30,6 @@
 #include "tests/soak/passing_observers.h"
 #include "tests/soak/report.h"
 #include "tests/soak/requests.h"
-#include "tests/soak/resources.h"
 #include "tests/soak/settings.h"
 #include "tests/support/event.h"
 #include "tests/support/raw_server.h"
@@ -51,25 +51,6 @@ constexpr std::size_t kMostGrowth = std::size_t{4} << 20;
 // More than the connections that the library keeps.
 constexpr int kFlushThreads = 12;
 
-class Soak {
- public:
-  explicit Soak(std::uint32_t seed) : seed_(seed) {}
-
-  // Ends with no transfer running. Every kept transfer must post, unless a completion is dropped.
-  void RunRound(std::chrono::duration<double> length, bool drops_completions);
-
-  // Closes the kept connections, so that descriptors and heap can be compared.
-  void Flush();
-
- private:
-  std::uint32_t NextSeed() { return seed_ = seed_ * 1'664'525 + 1'013'904'223; }
-  void Settle(Requests& requests, std::vector<std::unique_ptr<BareTransfers>>& bare,
-              std::int64_t excused_before, Random& random);
-
-  std::uint32_t seed_;
-  MainLoop loop_;
-};
-
 // How many kept transfers may still fail to post, because completions were dropped.
 std::int64_t CountExcused() {
   return tally.completions_dropped.value() - tally.never_posted.value();
@@ -77,96 +58,108 @@ std::int64_t CountExcused() {
 
 template <typename Part>
 bool HaveStopped(const std::vector<std::unique_ptr<Part>>& parts) {
-  for (const auto& part : parts) {
-    if (!part->has_stopped()) return false;
-  }
-  return true;
+  return std::all_of(parts.begin(), parts.end(),
+                     [](const auto& part) { return part->has_stopped(); });
 }
 
-void Soak::RunRound(std::chrono::duration<double> length, bool drops_completions) {
-  const RawServer server(Answer, {nullptr, true, 0, false});
-  Random random(NextSeed());
-  auto settings = std::make_unique<SettingsChanges>(loop_, NextSeed(), drops_completions);
-  auto requests = std::make_unique<Requests>(server, loop_, NextSeed());
-  std::vector<std::unique_ptr<BareTransfers>> bare;
-  std::vector<std::unique_ptr<BlockingCalls>> blocking;
-  std::vector<std::unique_ptr<PassingObservers>> observers;
-  for (int i = 0; i < kBareThreads; ++i) {
-    bare.push_back(std::make_unique<BareTransfers>(i, server, loop_, NextSeed()));
-  }
-  for (int i = 0; i < kBlockingThreads; ++i) {
-    blocking.push_back(std::make_unique<BlockingCalls>(server, NextSeed()));
-  }
-  for (int i = 0; i < kObserverThreads; ++i) {
-    observers.push_back(std::make_unique<PassingObservers>(i, loop_, NextSeed()));
+class Soak {
+ public:
+  explicit Soak(std::uint32_t seed) : seed_(seed) {}
+
+  // Ends with no transfer running. Every kept transfer must post, unless a completion is dropped.
+  void RunRound(std::chrono::duration<double> length, bool drops_completions) {
+    const RawServer server(Answer, {nullptr, true, 0, false});
+    Random random(NextSeed());
+    auto settings = std::make_unique<SettingsChanges>(loop_, NextSeed(), drops_completions);
+    auto requests = std::make_unique<Requests>(server, loop_, NextSeed());
+    std::vector<std::unique_ptr<BareTransfers>> bare;
+    std::vector<std::unique_ptr<BlockingCalls>> blocking;
+    std::vector<std::unique_ptr<PassingObservers>> observers;
+    for (int i = 0; i < kBareThreads; ++i) {
+      bare.push_back(std::make_unique<BareTransfers>(i, server, loop_, NextSeed()));
+    }
+    for (int i = 0; i < kBlockingThreads; ++i) {
+      blocking.push_back(std::make_unique<BlockingCalls>(server, NextSeed()));
+    }
+    for (int i = 0; i < kObserverThreads; ++i) {
+      observers.push_back(std::make_unique<PassingObservers>(i, loop_, NextSeed()));
+    }
+
+    const std::int64_t excused_before = CountExcused();
+    const auto begin = Clock::now();
+    while (Clock::now() - begin < length && !IsViolated()) {
+      loop_.RunSome(random);
+      requests->Act();
+    }
+    for (const auto& each : bare) each->Stop();
+    for (const auto& each : blocking) each->Stop();
+    while (!HaveStopped(bare) || !HaveStopped(blocking)) loop_.RunSome(random);
+    observers.clear();
+    blocking.clear();
+    settings.reset();
+    Settle(*requests, bare, excused_before, random);
+    requests.reset();
+    bare.clear();
+    while (!loop_.IsEmpty()) loop_.RunSome(random);
+    const auto end = Clock::now() + kPatience;
+    while (AnswersUnderWay() > 0 && Clock::now() < end) loop_.RunSome(random);
+    Check(AnswersUnderWay() == 0, "transfers are still running");
   }
 
-  const std::int64_t excused_before = CountExcused();
-  const auto begin = Clock::now();
-  while (Clock::now() - begin < length && !IsViolated()) {
-    loop_.RunSome(random);
-    requests->Act();
+  // Closes the kept connections, so that descriptors and heap can be compared.
+  // libcurl closes dead kept connections when it makes a new one, but at most once a second.
+  void Flush() {
+    Random random(NextSeed());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    std::atomic<int> waiting{0};
+    const RawServer server([&waiting](const RawRequest&, RawConnection& connection) {
+      ++waiting;
+      const auto end = Clock::now() + kPatience;
+      while (waiting < kFlushThreads + 1 && Clock::now() < end) std::this_thread::yield();
+      connection.Write(Response(200, "flushed", "Connection: close\r\n"));
+      connection.Close();
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kFlushThreads; ++i) {
+      threads.emplace_back([&server] {
+        InternetData transport(server.Url().c_str());
+        Check(transport.Download(), "a download failed");
+      });
+    }
+    ovrant::internet::InternetDataDelegate delegate(nullptr, 1, "SoakFlushed", 2, "SoakFlushed");
+    InternetData transport(server.Url().c_str());
+    Check(transport.DownloadWithDelegate(&delegate, nullptr), "a transfer did not start");
+    const auto end = Clock::now() + kPatience;
+    const auto run_before = tally.completions_run.value();
+    while (tally.completions_run.value() == run_before && Clock::now() < end) loop_.RunSome(random);
+    Check(tally.completions_run.value() == run_before + 1, "a transfer did not end");
+    for (std::thread& thread : threads) thread.join();
   }
-  for (const auto& each : bare) each->Stop();
-  for (const auto& each : blocking) each->Stop();
-  while (!HaveStopped(bare) || !HaveStopped(blocking)) loop_.RunSome(random);
-  observers.clear();
-  blocking.clear();
-  settings.reset();
-  Settle(*requests, bare, excused_before, random);
-  requests.reset();
-  bare.clear();
-  while (!loop_.IsEmpty()) loop_.RunSome(random);
-  const auto end = Clock::now() + kPatience;
-  while (AnswersUnderWay() > 0 && Clock::now() < end) loop_.RunSome(random);
-  Check(AnswersUnderWay() == 0, "transfers are still running");
-}
 
-// Runs until all kept transfers have posted, except one for each dropped completion.
-void Soak::Settle(Requests& requests, std::vector<std::unique_ptr<BareTransfers>>& bare,
-                  std::int64_t excused_before, Random& random) {
-  const auto end = Clock::now() + kPatience;
-  while (!IsViolated()) {
-    loop_.RunSome(random);
-    std::int64_t unposted = requests.CountUnposted();
-    for (const auto& each : bare) unposted += each->CountUnposted();
-    const std::int64_t excused = CountExcused() - excused_before;
-    if (unposted <= excused) return;
-    if (Clock::now() > end) {
-      Violate(std::to_string(unposted) + " kept transfers never posted, but completions of only " +
-              std::to_string(excused) + " were dropped");
+ private:
+  std::uint32_t NextSeed() { return seed_ = seed_ * 1'664'525 + 1'013'904'223; }
+
+  // Runs until all kept transfers have posted, except one for each dropped completion.
+  void Settle(Requests& requests, std::vector<std::unique_ptr<BareTransfers>>& bare,
+              std::int64_t excused_before, Random& random) {
+    const auto end = Clock::now() + kPatience;
+    while (!IsViolated()) {
+      loop_.RunSome(random);
+      std::int64_t unposted = requests.CountUnposted();
+      for (const auto& each : bare) unposted += each->CountUnposted();
+      const std::int64_t excused = CountExcused() - excused_before;
+      if (unposted <= excused) return;
+      if (Clock::now() > end) {
+        Violate(std::to_string(unposted) +
+                " kept transfers never posted, but completions of only " + std::to_string(excused) +
+                " were dropped");
+      }
     }
   }
-}
 
-// libcurl closes dead kept connections when it makes a new one, but at most once a second.
-void Soak::Flush() {
-  Random random(NextSeed());
-  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-  std::atomic<int> waiting{0};
-  const RawServer server([&waiting](const RawRequest&, RawConnection& connection) {
-    ++waiting;
-    const auto end = Clock::now() + kPatience;
-    while (waiting < kFlushThreads + 1 && Clock::now() < end) std::this_thread::yield();
-    connection.Write(Response(200, "flushed", "Connection: close\r\n"));
-    connection.Close();
-  });
-  std::vector<std::thread> threads;
-  for (int i = 0; i < kFlushThreads; ++i) {
-    threads.emplace_back([&server] {
-      InternetData transport(server.Url().c_str());
-      Check(transport.Download(), "a download failed");
-    });
-  }
-  ovrant::internet::InternetDataDelegate delegate(nullptr, 1, "SoakFlushed", 2, "SoakFlushed");
-  InternetData transport(server.Url().c_str());
-  Check(transport.DownloadWithDelegate(&delegate, nullptr), "a transfer did not start");
-  const auto end = Clock::now() + kPatience;
-  const auto run_before = tally.completions_run.value();
-  while (tally.completions_run.value() == run_before && Clock::now() < end) loop_.RunSome(random);
-  Check(tally.completions_run.value() == run_before + 1, "a transfer did not end");
-  for (std::thread& thread : threads) thread.join();
-}
+  std::uint32_t seed_;
+  MainLoop loop_;
+};
 
 int Run(double seconds, std::uint32_t seed) {
   // The server is on this machine, so a proxy must not be used.
