@@ -117,21 +117,11 @@ std::string Completed(const std::string& document) {
   std::string inside = Feed(feed);
   inside = inside.substr(inside.find("?>") + 2);
   // As a feed of its own its children have their namespaces; they move one by one.
-  const std::string namespaces = inside.substr(5, inside.find('>') - 5);
-  inside = inside.substr(inside.find('>') + 1);
-  inside.resize(inside.rfind("</feed>"));
+  const std::size_t begin = inside.find('>');
+  const std::string namespaces = inside.substr(5, begin - 5);
   static const std::regex child("<(title|link|o:[A-Za-z]+|entry)([ >])");
-  std::string added;
-  std::size_t depth = 0;
-  for (std::sregex_iterator each(inside.begin(), inside.end(), child), none; each != none; ++each) {
-    const auto begin = static_cast<std::size_t>(each->position());
-    if (begin < depth) continue;
-    const std::string close = (*each)[1] == "link" ? "/>" : "</" + (*each)[1].str() + ">";
-    depth = inside.find(close, begin) + close.size();
-    const std::string element = inside.substr(begin, depth - begin);
-    const std::size_t name = 1 + static_cast<std::size_t>((*each)[1].length());
-    added += element.substr(0, name) + namespaces + element.substr(name);
-  }
+  inside = inside.substr(begin + 1, inside.rfind("</feed>") - begin - 1);
+  const std::string added = std::regex_replace(inside, child, "<$1" + namespaces + "$2");
   const auto at = static_cast<std::size_t>(end.position());
   return document.substr(0, at) + added + document.substr(at);
 }

@@ -3,18 +3,22 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/text.h"
+
 namespace stowra {
 namespace {
 
 constexpr char kUrl[] = "http://h/files/model?mid=1";
 
-struct NameCase {
-  const char* header;
-  const char* name;
-};
+// A header and the name that it leads to.
+using Rows = std::vector<std::pair<const char*, const char*>>;
+
+void ExpectNames(const Rows& rows) {
+  for (const auto& [header, name] : rows) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+}
 
 TEST(DownloadNameTest, TakesModelNameFromHeader) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"attachment; filename=\"chair.qmf\"", "chair.qmf"},
       {"attachment; filename=\"chair.kmz\"; size=5", "chair.kmz"},
       {"attachment; filename=chair.qmf", "chair.qmf"},
@@ -25,12 +29,11 @@ TEST(DownloadNameTest, TakesModelNameFromHeader) {
       {"attachment; filename=\"Stühle 木.qmf\"", "Stühle 木.qmf"},
       {"attachment; filename=\"a.b.qmf", "a.b.qmf"},
       {"filename=\"chair.qmf2\"", "chair.qmf2"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, TakesOtherFileNameFromHeader) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"attachment; filename=\"chair.zip\"", "chair.zip"},
       {"attachment; filename=chair.zip", "chair.zip"},
       {"attachment; filename=chair.zip; size=5", "chair.zip"},
@@ -45,8 +48,7 @@ TEST(DownloadNameTest, TakesOtherFileNameFromHeader) {
       {"attachment; filename*=UTF-8''x; filename=z", "z"},
       {"attachment; filename=\"a.bin\"; filename*=UTF-8''a.qmf", "a.bin"},
       {".qmf; filename=\"a.zip\"", "a.zip"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, AcceptsNamesUpTo255Bytes) {
@@ -59,25 +61,23 @@ TEST(DownloadNameTest, AcceptsNamesUpTo255Bytes) {
     EXPECT_EQ(ChooseFileName("", "http://h/a" + longest), "download");
   }
   // 256 bytes, but fewer characters.
-  std::string name = "aa";
-  for (int i = 0; i < 125; ++i) name += "ü";
-  EXPECT_EQ(ChooseFileName(("filename=\"" + name + ".qmf\"").c_str(), kUrl), "model");
+  const std::string name = "aa" + stowra_test::Repeated("ü", 125) + ".qmf";
+  EXPECT_EQ(ChooseFileName(("filename=\"" + name + "\"").c_str(), kUrl), "model");
 }
 
 TEST(DownloadNameTest, DropsFoldersFromHeaderName) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"filename=\"../../etc/chair.qmf\"", "chair.qmf"},
       {"filename=\"/etc/chair.qmf\"", "chair.qmf"},
       {"filename=\"C:\\models\\chair.kmz\"", "chair.kmz"},
       {"filename=\"a\\b/chair.qmf\"", "chair.qmf"},
       {"filename=\"chair.qmf/../../x\"", "x"},
       {"filename=\"x.qmf\\chair.qmf\"", "chair.qmf"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, DropsHiddenCharactersDotsAndBlanks) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"filename=\"a\x07.qmf\"", "a.qmf"},
       {"filename=\"a\x07\"", "a"},
       {"filename=\"a\u009B31m.qmf\"", "a31m.qmf"},
@@ -86,8 +86,7 @@ TEST(DownloadNameTest, DropsHiddenCharactersDotsAndBlanks) {
       {"filename=\"a\u200B\uFEFF.zip\"", "a.zip"},
       {"filename=\"chair.qmf. . .\"", "chair.qmf"},
       {"filename=\"chair.zip \"", "chair.zip"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, RefusesNamesOfDevices) {
@@ -133,7 +132,7 @@ TEST(DownloadNameTest, IgnoresHeaderWithoutSafeName) {
 }
 
 TEST(DownloadNameTest, FallsBackToUrlThenToDefault) {
-  const NameCase cases[] = {
+  const Rows rows = {
       {"http://h/a/chair.zip?x=/y#/z", "chair.zip"},
       {"https://h/chair%20a", "chair%20a"},
       {"http://h/a/b\\c", "c"},
@@ -149,7 +148,7 @@ TEST(DownloadNameTest, FallsBackToUrlThenToDefault) {
       {"nonsense/name", "download"},
       {"", "download"},
   };
-  for (const auto& [url, name] : cases) EXPECT_EQ(ChooseFileName("", url), name) << url;
+  for (const auto& [url, name] : rows) EXPECT_EQ(ChooseFileName("", url), name) << url;
 }
 
 }  // namespace
