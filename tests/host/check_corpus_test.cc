@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <random>
 #include <regex>
 #include <string>
@@ -48,13 +49,6 @@ bool HasReason(const std::vector<Finding>& findings) {
   return std::any_of(findings.begin(), findings.end(), Drops);
 }
 
-std::string ValueOf(const CheckedPart& part, const std::string& name) {
-  for (const auto& [each, value] : part.values) {
-    if (each == name) return value;
-  }
-  return {};
-}
-
 std::string ChosenUrl(const CheckedPart& part) {
   for (const CheckedRendition& rendition : part.renditions) {
     if (rendition.is_chosen) return rendition.url;
@@ -63,7 +57,8 @@ std::string ChosenUrl(const CheckedPart& part) {
 }
 
 bool IsSame(const CheckedPart& part, const ContentItem& item) {
-  const std::pair<const char*, std::string> values[] = {
+  std::map<std::string, std::string> said(part.values.begin(), part.values.end());
+  const std::map<std::string, std::string> values = {
       {"id", item.id_.utf8()},
       {"summary", item.summary_.utf8()},
       {"author_name", item.author_name_.utf8()},
@@ -77,11 +72,9 @@ bool IsSame(const CheckedPart& part, const ContentItem& item) {
       {"kind", item.kind_ == 0 ? "model" : "collection"},
       {"dynamic_component", item.dynamic_component_ ? "true" : ""},
       {"classified_component", item.classified_component_ ? "true" : ""}};
-  const bool same_values = std::all_of(std::begin(values), std::end(values), [&](const auto& each) {
-    return ValueOf(part, each.first) == each.second;
-  });
-  return same_values && part.title == item.title_.utf8() &&
-         ChosenUrl(part) == item.download_url_.utf8();
+  bool is_same = part.title == item.title_.utf8() && ChosenUrl(part) == item.download_url_.utf8();
+  for (const auto& [name, value] : values) is_same = is_same && said[name] == value;
+  return is_same;
 }
 
 void Compare(std::string document, int max_qmf_version, Totals& totals) {

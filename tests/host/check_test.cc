@@ -7,10 +7,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 Outcome Check(const std::string& kind, const std::string& text,
               const std::vector<std::string>& options = {}) {
   return RunStowra(Joined({"check", kind, "-"}, options), text);
@@ -128,31 +124,26 @@ TEST(CheckUploadConfigTest, NamesWhatIsMissing) {
   EXPECT_EQ(Check("upload-config", whole).status, 0);
   ExpectFindings(
       "upload-config",
-      {
-          {Without(whole, "<successUrl>http://r/yes</successUrl>"), "it has no successUrl"},
-          {Without(whole, "<type>t/u</type>"), "file 1 dropped: Stühle\n"},
-          {Without(whole, "<type>t/u</type>"), "  ! it has no type\n"},
-          {Replaced("64", "wide", whole),
-           "  ! width is 'wide', which is no 32-bit number; 0 kept\n"},
-          {Replaced("true", "yes", whole), "zipped is 'yes', neither true"},
-          {"<upload/>", "it has no files"},
-          {"<other/>", "its root is not the element upload"},
-      });
+      {{Without(whole, "<successUrl>http://r/yes</successUrl>"), "it has no successUrl"},
+       {Without(whole, "<type>t/u</type>"), "file 1 dropped: Stühle\n"},
+       {Without(whole, "<type>t/u</type>"), "  ! it has no type\n"},
+       {Replaced("64", "wide", whole), "  ! width is 'wide', which is no 32-bit number; 0 kept\n"},
+       {Replaced("true", "yes", whole), "zipped is 'yes', neither true"},
+       {"<upload/>", "it has no files"},
+       {"<other/>", "its root is not the element upload"}});
 }
 
 TEST(CheckUserInfoTest, NamesWhatIsMissingOrOfAnotherType) {
   EXPECT_THAT(Check("user-info", kUser),
               Prints(HasSubstr("  - it has no displayname; the empty text kept\n")));
   ExpectFindings("user-info",
-                 {
-                     {"", ": not usable\n  ! it is empty\n"},
-                     {"{", "it cannot be read as JSON"},
-                     {R"({"uid":"u","email":"e"})", "it has no vkr_id; the old user is kept"},
-                     {R"({"uid":7,"email":"e","vkr_id":"v"})",
-                      "uid is a number, not a string; the empty text kept"},
-                     {R"({"uid":"u","email":"e","vkr_id":"v","uid":"w"})",
-                      "uid: w\n  ! uid occurs again; the last one kept"},
-                 });
+                 {{"", ": not usable\n  ! it is empty\n"},
+                  {"{", "it cannot be read as JSON"},
+                  {R"({"uid":"u","email":"e"})", "it has no vkr_id; the old user is kept"},
+                  {R"({"uid":7,"email":"e","vkr_id":"v"})",
+                   "uid is a number, not a string; the empty text kept"},
+                  {R"({"uid":"u","email":"e","vkr_id":"v","uid":"w"})",
+                   "uid: w\n  ! uid occurs again; the last one kept"}});
 }
 
 TEST(CheckUpdateTest, NamesWhatIsMissingOrOfAnotherType) {
@@ -160,36 +151,31 @@ TEST(CheckUpdateTest, NamesWhatIsMissingOrOfAnotherType) {
   const std::string message = offer + R"(,"message":{"id":"7","width":1.5}})";
   const std::string files = offer + R"(,"datafiles":[{"filename":"a"},"x"]})";
   EXPECT_EQ(Check("update", offer + "}").status, 0);
-  ExpectFindings("update", {
-                               {"{}", "it has no update"},
-                               {R"({"update":{"current_version":"2"}})",
-                                "update: it has no expire_version; the empty text kept"},
-                               {R"({"update":{"current_version":2,"expire_version":"1"}})",
-                                "update: current_version is a number, not a string"},
-                               {message, "  ! id is a string, not a number; -1 kept\n"},
-                               {message, "  ! width is no whole number of 32 bits; 1 kept\n"},
-                               {message, "  ! it has no height; 540 kept\n"},
-                               {files, "datafile 1 kept: a\n"},
-                               {files, "  ! it has no version; -1 kept\n"},
-                               {files, "datafile 2 dropped: \n  ! it is a string, not an object\n"},
-                           });
+  ExpectFindings("update", {{"{}", "it has no update"},
+                            {R"({"update":{"current_version":"2"}})",
+                             "update: it has no expire_version; the empty text kept"},
+                            {R"({"update":{"current_version":2,"expire_version":"1"}})",
+                             "update: current_version is a number, not a string"},
+                            {message, "  ! id is a string, not a number; -1 kept\n"},
+                            {message, "  ! width is no whole number of 32 bits; 1 kept\n"},
+                            {message, "  ! it has no height; 540 kept\n"},
+                            {files, "datafile 1 kept: a\n"},
+                            {files, "  ! it has no version; -1 kept\n"},
+                            {files, "datafile 2 dropped: \n  ! it is a string, not an object\n"}});
 }
 
 TEST(CheckExtensionsTest, NamesWhatIsMissingOrOfAnotherType) {
   const std::string list =
       R"({"extensions":[7,{"id":"a","version":2.5,"enabled":true},{"id":"a","version":"2.5",)"
       R"("file_url":"u","update":true,"remote_kill":false,"version_uuid":"w","enabled":1}]})";
-  ExpectFindings(
-      "extensions",
-      {
-          {list, "element 1 dropped: \n  ! it is a number, not an object\n"},
-          {list, "  ! version is a number, not a string; 0 kept\n"},
-          {list, "  ! enabled is a boolean, not a whole number of 32 bits; false kept\n"},
-          {list, "  ! element 3 has the same id and is kept\n"},
-          {list, "element 3 kept: a\n  version: 2.5\n"},
-          {"{}", "it has no extensions"},
-          {R"({"extensions":{}})", "extensions is an object, not an array"},
-      });
+  ExpectFindings("extensions",
+                 {{list, "element 1 dropped: \n  ! it is a number, not an object\n"},
+                  {list, "  ! version is a number, not a string; 0 kept\n"},
+                  {list, "  ! enabled is a boolean, not a whole number of 32 bits; false kept\n"},
+                  {list, "  ! element 3 has the same id and is kept\n"},
+                  {list, "element 3 kept: a\n  version: 2.5\n"},
+                  {"{}", "it has no extensions"},
+                  {R"({"extensions":{}})", "extensions is an object, not an array"}});
 }
 
 class CheckTest : public FolderTest {};

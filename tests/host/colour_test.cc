@@ -4,11 +4,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
-
 constexpr char kEscape[] = "\x1B[";
 
 class ColourTest : public testing::Test {

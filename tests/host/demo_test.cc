@@ -10,13 +10,6 @@ namespace stowra_test {
 namespace {
 
 using ovrant::internet::InternetData;
-using testing::_;
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 
 // Forwards requests to an emulator and may change its replies.
 class Proxy {

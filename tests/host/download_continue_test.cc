@@ -10,12 +10,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Pair;
-
 constexpr char kContent[] = "0123456789";
 constexpr char kHeaders[] = "ETag: \"v1\"\r\nContent-Disposition: attachment; filename=a.qmf\r\n";
 constexpr char kCut[] =
@@ -86,10 +80,6 @@ TEST_F(DownloadContinueTest, GoesOnWithAFileThatTheServerNamed) {
 TEST_F(DownloadContinueTest, BeginsAnewWithoutAPart) {
   EXPECT_THAT(Run({server_.Url(), "--continue", "-o", "x"}), Prints("file   x\nbytes  10\n"));
   EXPECT_EQ(ReadFile(Path("x")), kContent);
-}
-
-TEST_F(DownloadContinueTest, NeedsTheNameOfTheFile) {
-  EXPECT_THAT(Run({kNowhere, "--continue"}), Fails(2, HasSubstr("--continue requires --output")));
 }
 
 TEST_F(DownloadContinueTest, InterruptLeavesWhatCanBeContinued) {

@@ -4,10 +4,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 class ExtensionsTest : public InBothModes {
  protected:
   // What the program reports of the transfer.

@@ -9,10 +9,6 @@ namespace stowra_test {
 namespace {
 
 using testing::Combine;
-using testing::IsEmpty;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
 using testing::Values;
 using testing::ValuesIn;
 
@@ -93,17 +89,6 @@ TEST_P(NoServerTest, ReportsRefusedConnectionInOneLine) {
   const std::string url = EmulatorProcess().url() + "/user-info";
   EXPECT_THAT(RunInMode({"user-info", url}),
               Fails(3, MatchesRegex("stowra: " + url + ": [^\n]*connect[^\n]*\n")));
-}
-
-TEST_P(NoServerTest, ReportsUnsupportedUrlAsWrongUsage) {
-  for (const std::string url :
-       {"ftp://127.0.0.1/x", "file:///etc/passwd", "x", "http://", "-", "http://h/a b"}) {
-    EXPECT_THAT(
-        RunInMode({"user-info", url}),
-        Fails(2,
-              Message("URL",
-                      "'" + url + "' is not an http or https URL (see stowra user-info --help)")));
-  }
 }
 
 // The library refuses what the program lets pass.

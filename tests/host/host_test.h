@@ -20,6 +20,19 @@
 
 namespace stowra_test {
 
+// The matchers of these tests.
+using testing::_;
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::Pair;
+using testing::StartsWith;
+
 inline constexpr const char* kStowra = STOWRA_PROGRAM;
 
 // A user, as a service tells of it.

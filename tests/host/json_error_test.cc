@@ -6,8 +6,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::_;
-
 class JsonErrorTest : public InBothModes {};
 IN_BOTH_MODES(JsonErrorTest);
 

@@ -11,10 +11,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::_;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-
 class OptionsTest : public InBothModes {
  protected:
   const TemporaryFolder folder_;
@@ -112,7 +108,7 @@ TEST_P(OptionsTest, GivesUpAfterTheLastRepetition) {
   const RawServer server(
       Always(Response(429, "too fast", "Retry-After: 0\r\nContent-Type: text/plain\r\n")));
   EXPECT_THAT(RunInMode({"user-info", server.Url(), "--retry", "1"}),
-              Fails(4, testing::EndsWith(Message(server.Url(), "HTTP status 429: too fast"))));
+              Fails(4, EndsWith(Message(server.Url(), "HTTP status 429: too fast"))));
   EXPECT_EQ(server.requests().size(), 2U);
 }
 

@@ -12,13 +12,6 @@ namespace {
 using ovrant::internet::TransferEvent;
 using stowra::ProgressBar;
 using stowra::ProgressText;
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
 
 TransferEvent Received(unsigned long bytes, unsigned long whole) {
   TransferEvent event;

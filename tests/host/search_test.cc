@@ -8,14 +8,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::_;
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
-
 int CountOf(const std::string& part, const std::string& text) {
   return static_cast<int>(stowra::CountText(text, part));
 }
@@ -231,8 +223,8 @@ TEST(SearchTest, FindsWordsWithUrlBase) {
   EXPECT_EQ(RunStowra({"search", server.Url("/there"), "--url-base", "http://h"}).status, 0);
   std::vector<std::string> targets;
   for (const RawRequest& request : server.requests()) targets.push_back(request.target);
-  EXPECT_THAT(targets, testing::ElementsAre("/api/search?q=oak%20chair", "/api/search", "/find?q=x",
-                                            "/there"));
+  EXPECT_THAT(targets,
+              ElementsAre("/api/search?q=oak%20chair", "/api/search", "/find?q=x", "/there"));
 }
 
 }  // namespace

@@ -12,7 +12,6 @@ using stowra::ReadTraceLine;
 using stowra::ToTraceLine;
 using stowra::TraceRecord;
 using Kind = TransferEvent::Kind;
-using testing::HasSubstr;
 
 // Every member has a value of its own.
 TraceRecord FullRecord(Kind kind) {

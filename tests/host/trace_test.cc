@@ -8,14 +8,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
-
 // Redirects from /from and answers all else.
 RawServer::Handler Redirects() {
   return [](const RawRequest& request, RawConnection& connection) {

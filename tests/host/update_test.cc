@@ -4,10 +4,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 class UpdateTest : public InBothModes {};
 IN_BOTH_MODES(UpdateTest);
 

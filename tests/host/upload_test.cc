@@ -11,11 +11,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::_;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 constexpr char kQuery[] = "?name=Chair&type=t/u&task=create&priority=1";
 
 // The boundary that the library makes in this second.
@@ -62,6 +57,8 @@ class UploadTest : public FolderTest {
 
   // A file of one byte.
   std::string SmallFile(const std::string& name = "a.qmf") const { return Make(name, "1"); }
+
+  const RawServer server_{Service(1)};
 };
 
 TEST_F(UploadTest, SendsFormAndPrintsResult) {
@@ -74,7 +71,7 @@ TEST_F(UploadTest, SendsFormAndPrintsResult) {
   EXPECT_EQ(request.method, "POST");
   EXPECT_EQ(request.target, std::string("/0") + kQuery);
   EXPECT_THAT(request.Header("Content-Type"),
-              testing::MatchesRegex("multipart/form-data; boundary=BrevixClient[0-9]{16}"));
+              MatchesRegex("multipart/form-data; boundary=BrevixClient[0-9]{16}"));
   EXPECT_EQ(request.Header("Content-Length"), std::to_string(request.body.size()));
   EXPECT_EQ(request.Header("Proxy-Connection"), "keep-alive");
   EXPECT_EQ(request.body, ExpectedBody(request, "chair.qmf", content));
@@ -105,11 +102,10 @@ TEST_F(UploadTest, PrintsResultAsJson) {
 }
 
 TEST_F(UploadTest, SendsLargeFileWhole) {
-  const RawServer server(Service(1));
   std::string content;
   while (content.size() < (5U << 20)) content += std::to_string(content.size());
-  EXPECT_THAT(Upload(server, {Make("large.qmf", content)}), Prints(_));
-  const RawRequest request = server.requests()[1];
+  EXPECT_THAT(Upload(server_, {Make("large.qmf", content)}), Prints(_));
+  const RawRequest request = server_.requests()[1];
   EXPECT_TRUE(request.body == ExpectedBody(request, "large.qmf", content));
 }
 
@@ -141,11 +137,8 @@ TEST_F(UploadTest, AcceptsOnlyStatus2xx) {
 
 TEST_F(UploadTest, ReportsTransferThatBreaksOff) {
   const RawServer closing([](const RawRequest& request, RawConnection& connection) {
-    if (request.method == "POST") {
-      connection.Reset();
-    } else {
-      connection.Write(Response(200, Config({{"http://" + request.Header("Host") + "/0", false}})));
-    }
+    if (request.method == "POST") return connection.Reset();
+    connection.Write(Response(200, Config({{"http://" + request.Header("Host") + "/0", false}})));
   });
   EXPECT_THAT(Upload(closing, {SmallFile()}),
               Ends(3, EndsWith("\nresult url  http://r/no\n"),
@@ -183,25 +176,23 @@ TEST_F(UploadTest, StopsWhenConfigurationFails) {
 }
 
 TEST_F(UploadTest, WarnsOfFileNameThatMayBeCut) {
-  const RawServer server(Service(1));
   const std::string quoted = SmallFile("a\"b.qmf");
   EXPECT_THAT(
-      Upload(server, {quoted}),
+      Upload(server_, {quoted}),
       Ends(0, _,
            Message("warning: " + quoted, "a server may cut the file name at its quotation mark")));
   EXPECT_THAT(
-      Upload(server, {SmallFile("a\nb.qmf")}),
+      Upload(server_, {SmallFile("a\nb.qmf")}),
       Ends(0, _, EndsWith("/a\\u000Ab.qmf: a server may cut the file name at its line break\n")));
-  EXPECT_EQ(server.requests().size(), 4U) << "both are sent all the same";
+  EXPECT_EQ(server_.requests().size(), 4U) << "both are sent all the same";
 }
 
 TEST_F(UploadTest, WarnsOfFileNameThatIsNotUtf8) {
-  const RawServer server(Service(1));
-  EXPECT_THAT(Upload(server, {SmallFile("a\xFF.qmf")}),
+  EXPECT_THAT(Upload(server_, {SmallFile("a\xFF.qmf")}),
               Ends(0, _,
                    EndsWith("a\uFFFD.qmf: the file name is not UTF-8 and is sent as "
                             "a\uFFFD.qmf\n")));
-  const RawRequest request = server.requests()[1];
+  const RawRequest request = server_.requests()[1];
   EXPECT_EQ(request.body, ExpectedBody(request, "a\uFFFD.qmf", "1"));
 }
 
@@ -211,7 +202,7 @@ TEST_F(UploadTest, WarnsOfFileThatIsNotZipped) {
   EXPECT_THAT(Upload(server, {file, file}).err,
               HasSubstr(Message("warning: " + file,
                                 "the configuration asks for a zip file, but this is not one")));
-  EXPECT_THAT(Upload(server, {file, Make("b.zip", "PK1")}).err, testing::Not(HasSubstr("zipped")));
+  EXPECT_THAT(Upload(server, {file, Make("b.zip", "PK1")}).err, Not(HasSubstr("zipped")));
 }
 
 TEST_F(UploadTest, WarnsOfBoundaryInFile) {
@@ -219,12 +210,11 @@ TEST_F(UploadTest, WarnsOfBoundaryInFile) {
   std::string boundaries;
   const std::time_t now = std::time(nullptr);
   for (int second = 0; second < 600; ++second) boundaries += BoundaryOf(now + second) + "\r\n";
-  const RawServer server(Service(1));
   const std::string file = Make("a.qmf", boundaries);
-  const Outcome outcome = Upload(server, {file});
+  const Outcome outcome = Upload(server_, {file});
   EXPECT_THAT(outcome, Ends(0, _,
                             Message("warning: " + file, "the file contains the boundary " +
-                                                            BoundaryOf(server.requests()[1]) +
+                                                            BoundaryOf(server_.requests()[1]) +
                                                             ", and a server may cut it there")));
 }
 

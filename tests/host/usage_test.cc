@@ -7,11 +7,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::StartsWith;
-
 struct UsageCase {
   std::vector<std::string> arguments;
   const char* message;  // a part of it
@@ -75,6 +70,8 @@ const UsageCase kWrongUsages[] = {
     {{"upload-config", kNowhere, "--async"}, "--async"},
     {{"download", kNowhere, "--async"}, "--async"},
     {{"download", kNowhere, "-o"}, "-o"},
+    {{"download", kNowhere, "-o", ""}, "must not be empty (see stowra download --help)"},
+    {{"download", kNowhere, "--continue"}, "--continue requires --output"},
     {{"upload"}, "CONFIG_URL is required (see stowra upload --help)"},
     {{"upload", kNowhere, "--subject-id", "m"}, "FILE is required"},
     {{"upload", kNowhere, "/nowhere/a.qmf", "--subject-id", "m"}, "/nowhere/a.qmf"},

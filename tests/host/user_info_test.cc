@@ -33,7 +33,7 @@ TEST_P(UserInfoTest, AcceptsMissingDisplayName) {
 TEST_P(UserInfoTest, PrintsNotificationOnRequest) {
   const EmulatorProcess emulator;
   EXPECT_THAT(RunInMode({"user-info", emulator.url() + "/user-info", "--notifications"}),
-              Ends(0, testing::_, "notification UserInfoUpdated\n"));
+              Ends(0, _, "notification UserInfoUpdated\n"));
 }
 
 TEST_P(UserInfoTest, ReportsFailureThatIsNotPosted) {

@@ -16,9 +16,6 @@ using stowra::ToText;
 using stowra::TraceRecord;
 using stowra::Waterfall;
 using Kind = TransferEvent::Kind;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
 
 TraceRecord Record(double time, Kind kind, unsigned long transfer = 1,
                    const char* url = "http://a/b") {
@@ -51,13 +48,20 @@ std::vector<RequestRow> RowsOf(const char* url) {
   return RowsOf({Record(0, Kind::kStarted, 1, url)});
 }
 
-std::string TextOf(const RequestRow& row) {
-  std::string text = row.method + " " + row.url + " " + row.result;
-  for (const auto& bar : row.bars) {
-    text += std::string(" ") + NameOf(bar.phase) + " " + std::to_string(bar.begin).substr(0, 4) +
-            "-" + std::to_string(bar.end).substr(0, 4);
+// Each request as a line.
+std::vector<std::string> TextsOf(const std::vector<RequestRow>& rows) {
+  std::vector<std::string> texts;
+  for (const RequestRow& row : rows) {
+    std::string text = row.method + " " + row.url + " " + row.result;
+    if (row.has_failed) text += " failed";
+    if (row.is_reused) text += " reused";
+    for (const auto& bar : row.bars) {
+      text += std::string(" ") + NameOf(bar.phase) + " " + std::to_string(bar.begin).substr(0, 4) +
+              "-" + std::to_string(bar.end).substr(0, 4);
+    }
+    texts.push_back(text);
   }
-  return text;
+  return texts;
 }
 
 // A request that takes ten seconds, and each phase of it. Further records may follow.
@@ -70,11 +74,11 @@ std::vector<RequestRow> OneRequest(const std::vector<TraceRecord>& more = {}) {
 }
 
 TEST(WaterfallTest, ShowsThePhasesOfARequest) {
-  const auto rows = OneRequest();
-  ASSERT_EQ(rows.size(), 1U);
-  EXPECT_EQ(TextOf(rows[0]),
-            "GET http://a/b 200 queued 0.00-1.00 name 1.00-2.00 connect 2.00-4.00 TLS 4.00-5.00 "
-            "waiting 5.00-8.00 receiving 8.00-10.0");
+  EXPECT_THAT(
+      TextsOf(OneRequest()),
+      ElementsAre(
+          "GET http://a/b 200 queued 0.00-1.00 name 1.00-2.00 connect 2.00-4.00 TLS 4.00-5.00 "
+          "waiting 5.00-8.00 receiving 8.00-10.0"));
 }
 
 TEST(WaterfallTest, RedirectIsAnotherRequest) {
@@ -86,10 +90,8 @@ TEST(WaterfallTest, RedirectIsAnotherRequest) {
   again.event.is_reused = true;
   const auto rows = RowsOf({Record(0, Kind::kStarted), Connected(1, 0, 1, 0), redirected, again,
                             Record(4, Kind::kEnded)});
-  ASSERT_EQ(rows.size(), 2U);
-  EXPECT_EQ(TextOf(rows[0]), "GET http://a/b 302 connect 0.00-1.00 waiting 1.00-2.00");
-  EXPECT_EQ(TextOf(rows[1]), "GET http://c/ 200 waiting 3.00-4.00");
-  EXPECT_TRUE(rows[1].is_reused);
+  EXPECT_THAT(TextsOf(rows), ElementsAre("GET http://a/b 302 connect 0.00-1.00 waiting 1.00-2.00",
+                                         "GET http://c/ 200 reused waiting 3.00-4.00"));
 }
 
 TEST(WaterfallTest, AskingAgainIsAnotherRequest) {
@@ -98,19 +100,16 @@ TEST(WaterfallTest, AskingAgainIsAnotherRequest) {
   const auto rows =
       RowsOf({Record(0, Kind::kStarted), Record(1, Kind::kConnected), Record(2, Kind::kFirstByte),
               response, Record(3, Kind::kConnected), Record(4, Kind::kEnded)});
-  ASSERT_EQ(rows.size(), 2U);
-  EXPECT_EQ(TextOf(rows[0]), "GET http://a/b 416 waiting 1.00-2.00 receiving 2.00-3.00");
-  EXPECT_EQ(TextOf(rows[1]), "GET http://a/b 200 waiting 3.00-4.00");
+  EXPECT_THAT(TextsOf(rows), ElementsAre("GET http://a/b 416 waiting 1.00-2.00 receiving 2.00-3.00",
+                                         "GET http://a/b 200 waiting 3.00-4.00"));
 }
 
 TEST(WaterfallTest, FailureEndsThePhaseThatRuns) {
   TraceRecord ended = Record(2, Kind::kEnded);
   ended.event.times.name = 1;
   ended.event.reason = TransferError::kNotConnected;
-  const auto rows = RowsOf({Record(0, Kind::kStarted), ended});
-  ASSERT_EQ(rows.size(), 1U);
-  EXPECT_TRUE(rows[0].has_failed);
-  EXPECT_EQ(TextOf(rows[0]), "GET http://a/b not-connected name 0.00-1.00 connect 1.00-2.00");
+  EXPECT_THAT(TextsOf(RowsOf({Record(0, Kind::kStarted), ended})),
+              ElementsAre("GET http://a/b not-connected failed name 0.00-1.00 connect 1.00-2.00"));
 }
 
 TEST(WaterfallTest, RequestWithoutEndIsUnfinished) {
@@ -124,7 +123,7 @@ TEST(WaterfallTest, RequestWithoutEndIsUnfinished) {
 TEST(WaterfallTest, StepsOfAnUnknownTransferAreLeftOut) {
   EXPECT_THAT(RowsOf({Record(1, Kind::kConnected), Record(1, Kind::kFirstByte),
                       Record(1, Kind::kEnded), Record(1, Kind::kPosted)}),
-              testing::IsEmpty());
+              IsEmpty());
 }
 
 TEST(WaterfallTextTest, DrawsEachPhaseWithItsLetter) {
