@@ -107,6 +107,12 @@ class FolderTest : public testing::Test {
     return files;
   }
 
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& [name, content] : Files()) names.push_back(name);
+    return names;
+  }
+
   // stowra download in the folder, after a shell command.
   Start Download(const std::vector<std::string>& arguments,
                  const std::string& command = ":") const {
