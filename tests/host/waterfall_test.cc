@@ -9,7 +9,6 @@ namespace {
 
 using ovrant::internet::TransferError;
 using ovrant::internet::TransferEvent;
-using stowra::Phase;
 using stowra::RequestRow;
 using stowra::ToSvg;
 using stowra::ToText;
