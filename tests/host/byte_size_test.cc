@@ -7,17 +7,15 @@ namespace stowra {
 namespace {
 
 TEST(ByteSizeTest, ReadsUnits) {
-  const struct {
-    std::string text;
-    const char* bytes;
-  } cases[] = {{"1", "1"},
-               {"512K", "524288"},
-               {"3m", "3145728"},
-               {"4G", "4294967296"},
-               {"1T", "1099511627776"},
-               {"18446744073709551615", "18446744073709551615"}};
-  for (const auto& [text, bytes] : cases) {
-    std::string size = text;
+  const std::pair<std::string, const char*> rows[] = {
+      {"1", "1"},
+      {"512K", "524288"},
+      {"3m", "3145728"},
+      {"4G", "4294967296"},
+      {"1T", "1099511627776"},
+      {"18446744073709551615", "18446744073709551615"},
+  };
+  for (auto [size, bytes] : rows) {
     EXPECT_EQ(ReadByteSize(size), "");
     EXPECT_EQ(size, bytes);
   }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <random>
 #include <regex>
 #include <string>
@@ -48,13 +49,6 @@ bool HasReason(const std::vector<Finding>& findings) {
   return std::any_of(findings.begin(), findings.end(), Drops);
 }
 
-std::string ValueOf(const CheckedPart& part, const std::string& name) {
-  for (const auto& [each, value] : part.values) {
-    if (each == name) return value;
-  }
-  return {};
-}
-
 std::string ChosenUrl(const CheckedPart& part) {
   for (const CheckedRendition& rendition : part.renditions) {
     if (rendition.is_chosen) return rendition.url;
@@ -63,7 +57,8 @@ std::string ChosenUrl(const CheckedPart& part) {
 }
 
 bool IsSame(const CheckedPart& part, const ContentItem& item) {
-  const std::pair<const char*, std::string> values[] = {
+  std::map<std::string, std::string> said(part.values.begin(), part.values.end());
+  const std::map<std::string, std::string> values = {
       {"id", item.id_.utf8()},
       {"summary", item.summary_.utf8()},
       {"author_name", item.author_name_.utf8()},
@@ -77,11 +72,9 @@ bool IsSame(const CheckedPart& part, const ContentItem& item) {
       {"kind", item.kind_ == 0 ? "model" : "collection"},
       {"dynamic_component", item.dynamic_component_ ? "true" : ""},
       {"classified_component", item.classified_component_ ? "true" : ""}};
-  const bool same_values = std::all_of(std::begin(values), std::end(values), [&](const auto& each) {
-    return ValueOf(part, each.first) == each.second;
-  });
-  return same_values && part.title == item.title_.utf8() &&
-         ChosenUrl(part) == item.download_url_.utf8();
+  bool is_same = part.title == item.title_.utf8() && ChosenUrl(part) == item.download_url_.utf8();
+  for (const auto& [name, value] : values) is_same = is_same && said[name] == value;
+  return is_same;
 }
 
 void Compare(std::string document, int max_qmf_version, Totals& totals) {
@@ -117,21 +110,11 @@ std::string Completed(const std::string& document) {
   std::string inside = Feed(feed);
   inside = inside.substr(inside.find("?>") + 2);
   // As a feed of its own its children have their namespaces; they move one by one.
-  const std::string namespaces = inside.substr(5, inside.find('>') - 5);
-  inside = inside.substr(inside.find('>') + 1);
-  inside.resize(inside.rfind("</feed>"));
+  const std::size_t begin = inside.find('>');
+  const std::string namespaces = inside.substr(5, begin - 5);
   static const std::regex child("<(title|link|o:[A-Za-z]+|entry)([ >])");
-  std::string added;
-  std::size_t depth = 0;
-  for (std::sregex_iterator each(inside.begin(), inside.end(), child), none; each != none; ++each) {
-    const auto begin = static_cast<std::size_t>(each->position());
-    if (begin < depth) continue;
-    const std::string close = (*each)[1] == "link" ? "/>" : "</" + (*each)[1].str() + ">";
-    depth = inside.find(close, begin) + close.size();
-    const std::string element = inside.substr(begin, depth - begin);
-    const std::size_t name = 1 + static_cast<std::size_t>((*each)[1].length());
-    added += element.substr(0, name) + namespaces + element.substr(name);
-  }
+  inside = inside.substr(begin + 1, inside.rfind("</feed>") - begin - 1);
+  const std::string added = std::regex_replace(inside, child, "<$1" + namespaces + "$2");
   const auto at = static_cast<std::size_t>(end.position());
   return document.substr(0, at) + added + document.substr(at);
 }

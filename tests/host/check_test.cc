@@ -1,23 +1,24 @@
 // SPDX-License-Identifier: MIT
 // What stowra check says of a response.
 
-#include <fstream>
-
 #include "tests/host/content_replies.h"
 #include "tests/host/host_test.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
 
-using testing::HasSubstr;
-using testing::StartsWith;
-
 Outcome Check(const std::string& kind, const std::string& text,
               const std::vector<std::string>& options = {}) {
-  std::vector<std::string> arguments = {"check", kind, "-"};
-  arguments.insert(arguments.end(), options.begin(), options.end());
-  return RunStowra(arguments, text);
+  return RunStowra(Joined({"check", kind, "-"}, options), text);
+}
+
+// Texts, each with a part of the report that they are not whole.
+using Rows = std::vector<std::pair<std::string, std::string>>;
+
+void ExpectFindings(const char* kind, const Rows& rows) {
+  for (const auto& [text, finding] : rows) {
+    EXPECT_THAT(Check(kind, text), Ends(1, HasSubstr(finding), "")) << text;
+  }
 }
 
 std::string Without(std::string text, const std::string& part) {
@@ -26,27 +27,23 @@ std::string Without(std::string text, const std::string& part) {
   return text.erase(at, part.size());
 }
 
-std::string FeedOf(const std::string& entry) {
-  FeedText feed;
-  feed.total = 1;
-  feed.entries = {entry};
-  return Feed(feed);
+std::string Replaced(const std::string& from, const std::string& to, std::string text) {
+  const std::size_t at = text.find(from);
+  return Without(text, from).insert(at, to);
 }
 
+std::string FeedOf(const std::string& entry) { return Feed({{entry}, 1}); }
+
 TEST(CheckFeedTest, KeepsWholeFeed) {
-  const Outcome outcome = Check("feed", FeedOf(CollectionEntry("c1", "Chairs")));
-  EXPECT_EQ(outcome.status, 0) << outcome.out;
-  EXPECT_THAT(outcome.out, StartsWith("feed: usable, 1 of 1 parts kept\n  title: chair\n"));
-  EXPECT_THAT(outcome.out, HasSubstr("entry 1 kept: Chairs\n  kind: collection\n"));
+  EXPECT_THAT(Check("feed", FeedOf(CollectionEntry("c1", "Chairs"))),
+              Prints(AllOf(StartsWith("feed: usable, 1 of 1 parts kept\n  title: chair\n"),
+                           HasSubstr("entry 1 kept: Chairs\n  kind: collection\n"))));
 }
 
 TEST(CheckFeedTest, NamesTheRuleThatDropsAnEntry) {
   const std::string model = ModelEntry("m1", "Chair");
   const std::string collection = CollectionEntry("c1", "Chairs");
-  const struct {
-    std::string entry;
-    const char* finding;
-  } cases[] = {
+  const Rows rows = {
       {Without(model, "<id>m1</id>"), "it has no id"},
       {Without(model, "<title>Chair</title>"), "it has no title"},
       {Without(model, "<author><name>Zoë</name><uri>http://a/?uq=u-1</uri></author>"),
@@ -68,32 +65,26 @@ TEST(CheckFeedTest, NamesTheRuleThatDropsAnEntry) {
        "it has no content"},
       {"<entry/>", "it has no group"},
   };
-  for (const auto& [entry, finding] : cases) {
-    const Outcome outcome = Check("feed", FeedOf(entry));
-    EXPECT_EQ(outcome.status, 1) << finding;
-    EXPECT_THAT(outcome.out, HasSubstr("entry 1 dropped: ")) << finding;
-    EXPECT_THAT(outcome.out, HasSubstr(std::string("\n  ! ") + finding + "\n"));
+  for (const auto& [entry, finding] : rows) {
+    EXPECT_THAT(
+        Check("feed", FeedOf(entry)),
+        Ends(1, AllOf(HasSubstr("entry 1 dropped: "), HasSubstr("\n  ! " + finding + "\n")), ""));
   }
 }
 
 TEST(CheckFeedTest, SaysWhyTheFeedIsNotUsable) {
   const std::string feed = Feed({});
-  const struct {
-    std::string text;
-    const char* finding;
-  } cases[] = {
+  const Rows rows = {
       {"", "it cannot be opened"},
       {"<feed", "it cannot be opened"},
       {"<html/>", "its root is not the element feed of Atom"},
       {Without(feed, "<title>chair is:downloadable</title>"), "the feed has no title"},
       {Without(feed, "<o:startIndex>1</o:startIndex>"), "the feed has no startIndex"},
-      {Without(feed, "12").insert(feed.find("12"), "many"), "itemsPerPage is 'many', which is no"},
+      {Replaced("12", "many", feed), "itemsPerPage is 'many', which is no"},
   };
-  for (const auto& [text, finding] : cases) {
-    const Outcome outcome = Check("feed", text);
-    EXPECT_EQ(outcome.status, 1) << finding;
-    EXPECT_THAT(outcome.out, StartsWith("feed: not usable"));
-    EXPECT_THAT(outcome.out, HasSubstr(std::string("\n  ! ") + finding));
+  for (const auto& [text, finding] : rows) {
+    EXPECT_THAT(Check("feed", text),
+                Ends(1, AllOf(StartsWith("feed: not usable"), HasSubstr("\n  ! " + finding)), ""));
   }
 }
 
@@ -109,64 +100,42 @@ TEST(CheckFeedTest, ExplainsTheChoiceOfTheDownload) {
 }
 
 TEST(CheckFeedTest, PrintsJson) {
-  const Outcome outcome =
-      Check("feed", FeedOf(Without(ModelEntry("m1", "A\u202Eb"), "<id>m1</id>")), {"--json"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.out, StartsWith(R"({"kind":"feed","usable":true,"whole":false,)"));
-  EXPECT_THAT(outcome.out,
-              HasSubstr(R"("parts":[{"name":"entry 1","title":"A\u202Eb","kept":false,"findings":)"
-                        R"([{"text":"it has no id","loss":true})"));
-  EXPECT_THAT(outcome.out, HasSubstr(R"("rtyp":"k2","chosen":true,)"));
+  const std::string entry = Without(ModelEntry("m1", "A\u202Eb"), "<id>m1</id>");
+  EXPECT_THAT(
+      Check("feed", FeedOf(entry), {"--json"}),
+      Ends(1,
+           AllOf(
+               StartsWith(R"({"kind":"feed","usable":true,"whole":false,)"),
+               HasSubstr(R"("parts":[{"name":"entry 1","title":"A\u202Eb","kept":false,"findings":)"
+                         R"([{"text":"it has no id","loss":true})"),
+               HasSubstr(R"("rtyp":"k2","chosen":true,)")),
+           ""));
 }
 
 TEST(CheckEntryTest, TakesAnEntryAlone) {
   std::string entry = ModelEntry("m1", "Chair");
   entry.insert(6, " xmlns='http://www.w3.org/2005/Atom' xmlns:m='http://search.yahoo.com/mrss/'");
-  EXPECT_THAT(Check("entry", entry).out, HasSubstr("entry 1 kept: Chair\n"));
-  EXPECT_EQ(Check("entry", entry).status, 0);
+  EXPECT_THAT(Check("entry", entry), Prints(HasSubstr("entry 1 kept: Chair\n")));
   EXPECT_EQ(Check("entry", "<entry/>").status, 1);
 }
 
 TEST(CheckUploadConfigTest, NamesWhatIsMissing) {
   const std::string whole = Config({{"http://u/1"}, {"http://u/2", true}});
   EXPECT_EQ(Check("upload-config", whole).status, 0);
-  const struct {
-    std::string text;
-    const char* finding;
-  } cases[] = {
-      {Without(whole, "<successUrl>http://r/yes</successUrl>"), "it has no successUrl"},
-      {Without(whole, "<type>t/u</type>"), "file 1 dropped: Stühle\n"},
-      {Without(whole, "<type>t/u</type>"), "  ! it has no type\n"},
-      {Without(whole, "64").insert(whole.find("64"), "wide"),
-       "  ! width is 'wide', which is no 32-bit number; 0 kept\n"},
-      {Without(whole, "true").insert(whole.find("true"), "yes"), "zipped is 'yes', neither true"},
-      {"<upload/>", "it has no files"},
-      {"<other/>", "its root is not the element upload"},
-  };
-  for (const auto& [text, finding] : cases) {
-    const Outcome outcome = Check("upload-config", text);
-    EXPECT_EQ(outcome.status, 1) << finding;
-    EXPECT_THAT(outcome.out, HasSubstr(finding));
-  }
-}
-
-struct JsonCase {
-  const char* text;
-  const char* finding;
-};
-
-void ExpectFindings(const char* kind, const std::vector<JsonCase>& cases) {
-  for (const auto& [text, finding] : cases) {
-    const Outcome outcome = Check(kind, text);
-    EXPECT_EQ(outcome.status, 1) << text;
-    EXPECT_THAT(outcome.out, HasSubstr(finding));
-  }
+  ExpectFindings(
+      "upload-config",
+      {{Without(whole, "<successUrl>http://r/yes</successUrl>"), "it has no successUrl"},
+       {Without(whole, "<type>t/u</type>"), "file 1 dropped: Stühle\n"},
+       {Without(whole, "<type>t/u</type>"), "  ! it has no type\n"},
+       {Replaced("64", "wide", whole), "  ! width is 'wide', which is no 32-bit number; 0 kept\n"},
+       {Replaced("true", "yes", whole), "zipped is 'yes', neither true"},
+       {"<upload/>", "it has no files"},
+       {"<other/>", "its root is not the element upload"}});
 }
 
 TEST(CheckUserInfoTest, NamesWhatIsMissingOrOfAnotherType) {
-  const Outcome whole = Check("user-info", R"({"uid":"u","email":"e","vkr_id":"v"})");
-  EXPECT_EQ(whole.status, 0);
-  EXPECT_THAT(whole.out, HasSubstr("  - it has no displayname; the empty text kept\n"));
+  EXPECT_THAT(Check("user-info", kUser),
+              Prints(HasSubstr("  - it has no displayname; the empty text kept\n")));
   ExpectFindings("user-info",
                  {{"", ": not usable\n  ! it is empty\n"},
                   {"{", "it cannot be read as JSON"},
@@ -178,52 +147,48 @@ TEST(CheckUserInfoTest, NamesWhatIsMissingOrOfAnotherType) {
 }
 
 TEST(CheckUpdateTest, NamesWhatIsMissingOrOfAnotherType) {
-  const std::string offer = R"("update":{"current_version":"2","expire_version":"1"})";
-  EXPECT_EQ(Check("update", "{" + offer + "}").status, 0);
+  const std::string offer = R"({"update":{"current_version":"2","expire_version":"1"})";
+  const std::string message = offer + R"(,"message":{"id":"7","width":1.5}})";
+  const std::string files = offer + R"(,"datafiles":[{"filename":"a"},"x"]})";
+  EXPECT_EQ(Check("update", offer + "}").status, 0);
   ExpectFindings("update", {{"{}", "it has no update"},
                             {R"({"update":{"current_version":"2"}})",
                              "update: it has no expire_version; the empty text kept"},
                             {R"({"update":{"current_version":2,"expire_version":"1"}})",
-                             "update: current_version is a number, not a string"}});
-  const std::string begin = "{" + offer + ",";
-  const Outcome message = Check("update", begin + R"("message":{"id":"7","width":1.5}})");
-  EXPECT_EQ(message.status, 1);
-  EXPECT_THAT(message.out, HasSubstr("  ! id is a string, not a number; -1 kept\n"));
-  EXPECT_THAT(message.out, HasSubstr("  ! width is no whole number of 32 bits; 1 kept\n"));
-  EXPECT_THAT(message.out, HasSubstr("  ! it has no height; 540 kept\n"));
-  const Outcome files = Check("update", begin + R"("datafiles":[{"filename":"a"},"x"]})");
-  EXPECT_THAT(files.out, HasSubstr("datafile 1 kept: a\n"));
-  EXPECT_THAT(files.out, HasSubstr("  ! it has no version; -1 kept\n"));
-  EXPECT_THAT(files.out, HasSubstr("datafile 2 dropped: \n  ! it is a string, not an object\n"));
+                             "update: current_version is a number, not a string"},
+                            {message, "  ! id is a string, not a number; -1 kept\n"},
+                            {message, "  ! width is no whole number of 32 bits; 1 kept\n"},
+                            {message, "  ! it has no height; 540 kept\n"},
+                            {files, "datafile 1 kept: a\n"},
+                            {files, "  ! it has no version; -1 kept\n"},
+                            {files, "datafile 2 dropped: \n  ! it is a string, not an object\n"}});
 }
 
 TEST(CheckExtensionsTest, NamesWhatIsMissingOrOfAnotherType) {
-  const Outcome outcome = Check(
-      "extensions",
+  const std::string list =
       R"({"extensions":[7,{"id":"a","version":2.5,"enabled":true},{"id":"a","version":"2.5",)"
-      R"("file_url":"u","update":true,"remote_kill":false,"version_uuid":"w","enabled":1}]})");
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.out, HasSubstr("element 1 dropped: \n  ! it is a number, not an object\n"));
-  EXPECT_THAT(outcome.out, HasSubstr("  ! version is a number, not a string; 0 kept\n"));
-  EXPECT_THAT(outcome.out,
-              HasSubstr("  ! enabled is a boolean, not a whole number of 32 bits; false kept\n"));
-  EXPECT_THAT(outcome.out, HasSubstr("  ! element 3 has the same id and is kept\n"));
-  EXPECT_THAT(outcome.out, HasSubstr("element 3 kept: a\n  version: 2.5\n"));
-  ExpectFindings("extensions", {{"{}", "it has no extensions"},
-                                {R"({"extensions":{}})", "extensions is an object, not an array"}});
+      R"("file_url":"u","update":true,"remote_kill":false,"version_uuid":"w","enabled":1}]})";
+  ExpectFindings("extensions",
+                 {{list, "element 1 dropped: \n  ! it is a number, not an object\n"},
+                  {list, "  ! version is a number, not a string; 0 kept\n"},
+                  {list, "  ! enabled is a boolean, not a whole number of 32 bits; false kept\n"},
+                  {list, "  ! element 3 has the same id and is kept\n"},
+                  {list, "element 3 kept: a\n  version: 2.5\n"},
+                  {"{}", "it has no extensions"},
+                  {R"({"extensions":{}})", "extensions is an object, not an array"}});
 }
 
-TEST(CheckTest, ReadsFilesAndUrls) {
-  const TemporaryFolder folder;
-  const std::string file = (folder.path() / "feed.xml").string();
-  std::ofstream(file) << Feed({});
+class CheckTest : public FolderTest {};
+
+TEST_F(CheckTest, ReadsFilesAndUrls) {
+  const std::string file = Make("feed.xml", Feed({}));
+  const RawServer server(Always(Response(200, Feed({}))));
+  const RawServer refusing(Always(Response(404, "")));
   EXPECT_EQ(RunStowra({"check", "feed", file}).status, 0);
   EXPECT_EQ(RunStowra({"check", "feed", file + ".not"}).status, 2);
   EXPECT_EQ(RunStowra({"check", "feed"}).status, 2);
   EXPECT_EQ(RunStowra({"check", "table", file}).status, 2);
-  const RawServer server(Always(Response(200, Feed({}))));
   EXPECT_EQ(RunStowra({"check", "feed", server.Url()}).status, 0);
-  const RawServer refusing(Always(Response(404, "")));
   EXPECT_EQ(RunStowra({"check", "feed", refusing.Url()}).status, 4);
 }
 

@@ -30,16 +30,13 @@ std::string ReadFromStart(const OwnedDescriptor& file) {
 
 ChildProcess::Start WithDescriptors(const std::string& program, const Start& start,
                                     const OwnedDescriptor& in, int out, int err) {
-  ChildProcess::Start full;
-  full.program = program;
-  full.arguments = start.arguments;
-  full.environment = start.environment;
-  full.withheld = {"NO_COLOR",        "TERM",           "COLUMNS",         "http_proxy",
-                   "https_proxy",     "all_proxy",      "HTTPS_PROXY",     "ALL_PROXY",
-                   "no_proxy",        "NO_PROXY",       "STOWRA_URL_BASE", "STOWRA_HEADER",
-                   "STOWRA_MAX_TIME", "STOWRA_TIMEOUT", "STOWRA_CACERT",   "STOWRA_RETRY"};
-  full.descriptors = {{in.number(), STDIN_FILENO}, {out, STDOUT_FILENO}, {err, STDERR_FILENO}};
-  return full;
+  return {program,
+          start.arguments,
+          start.environment,
+          {"NO_COLOR", "TERM", "COLUMNS", "http_proxy", "https_proxy", "all_proxy", "HTTPS_PROXY",
+           "ALL_PROXY", "no_proxy", "NO_PROXY", "STOWRA_URL_BASE", "STOWRA_HEADER",
+           "STOWRA_MAX_TIME", "STOWRA_TIMEOUT", "STOWRA_CACERT", "STOWRA_RETRY"},
+          {{in.number(), STDIN_FILENO}, {out, STDOUT_FILENO}, {err, STDERR_FILENO}}};
 }
 
 }  // namespace
@@ -51,11 +48,8 @@ Child::Child(const std::string& program, const Start& start)
                                errors_.number())) {}
 
 Outcome Child::Wait() {
-  Outcome outcome;
-  outcome.status = process_.Wait();
-  outcome.out = ReadFromStart(output_);
-  outcome.err = ReadFromStart(errors_);
-  return outcome;
+  const int status = process_.Wait();
+  return {status, ReadFromStart(output_), ReadFromStart(errors_)};
 }
 
 Outcome RunProgram(const std::string& program, const Start& start) {
@@ -72,10 +66,8 @@ Outcome RunOnTerminal(const std::string& program, const Start& start) {
   ChildProcess process(
       WithDescriptors(program, start, MakeFile(start.input), terminal.number(), terminal.number()));
   terminal.Close();
-  Outcome outcome;
-  outcome.out = master.ReadAll();  // ends when no process has the terminal open
-  outcome.status = process.Wait();
-  return outcome;
+  const std::string out = master.ReadAll();  // ends when no process has the terminal open
+  return {process.Wait(), out, ""};
 }
 
 EmulatorProcess::EmulatorProcess()

@@ -53,18 +53,18 @@ std::string CollectionEntry(const std::string& id, const std::string& title) {
 }
 
 std::string Feed(const FeedText& feed) {
-  std::string text = std::string(
-                         "<?xml version='1.0' encoding='UTF-8'?>"
-                         "<feed xmlns='http://www.w3.org/2005/Atom' "
-                         "xmlns:o='http://a9.com/-/spec/opensearchrss/1.0/' "
-                         "xmlns:m='http://search.yahoo.com/mrss/' xmlns:s='") +
-                     kSchema + "'><title>chair is:downloadable</title>" +
-                     FeedLink("self", "http://q/self") + FeedLink("next", feed.next) +
-                     FeedLink("previous", feed.previous) +
-                     Link("alternate", "text/html", "http://w/all");
-  text += "<o:totalResults>" + std::to_string(feed.total) + "</o:totalResults>";
-  text += "<o:startIndex>" + std::to_string(feed.start) + "</o:startIndex>";
-  text += "<o:itemsPerPage>" + std::to_string(feed.per_page) + "</o:itemsPerPage>";
+  const auto count = [](const std::string& name, int value) {
+    return "<o:" + name + ">" + std::to_string(value) + "</o:" + name + ">";
+  };
+  std::string text =
+      "<?xml version='1.0' encoding='UTF-8'?><feed xmlns='http://www.w3.org/2005/Atom' "
+      "xmlns:o='http://a9.com/-/spec/opensearchrss/1.0/' "
+      "xmlns:m='http://search.yahoo.com/mrss/' xmlns:s='" +
+      std::string(kSchema) + "'><title>chair is:downloadable</title>" +
+      FeedLink("self", "http://q/self") + FeedLink("next", feed.next) +
+      FeedLink("previous", feed.previous) + Link("alternate", "text/html", "http://w/all") +
+      count("totalResults", feed.total) + count("startIndex", feed.start) +
+      count("itemsPerPage", feed.per_page);
   for (const std::string& entry : feed.entries) text += entry;
   return text + "</feed>";
 }

@@ -20,8 +20,8 @@ struct FeedText {
   int total = 0;
   int start = 1;
   int per_page = 12;
-  std::string next;  // empty: no link
-  std::string previous;
+  std::string next = {};  // empty: no link
+  std::string previous = {};
 };
 std::string Feed(const FeedText& feed);
 

@@ -1,21 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include <signal.h>
-
 #include <atomic>
-#include <filesystem>
+#include <csignal>
 #include <functional>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "tests/host/host_test.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::internet::InternetData;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 // Forwards requests to an emulator and may change its replies.
 class Proxy {
@@ -63,55 +57,52 @@ void ReplaceFirst(const std::string& from, const std::string& to, std::string& t
 
 Outcome RunDemo(const std::string& url) { return RunStowra({"demo", url}); }
 
-TEST(DemoTest, RunsAllStepsAndRemovesItsFiles) {
-  const TemporaryFolder folder;
+Outcome RunDemoBehind(Proxy::Change change) { return RunDemo(Proxy(std::move(change)).Url()); }
+
+std::string Fault(const std::string& text) { return Message("demo", text); }
+
+class DemoFilesTest : public FolderTest {
+ protected:
+  const std::vector<std::string> environment_ = {"TMPDIR=" + Path("")};
+};
+
+TEST_F(DemoFilesTest, RunsAllStepsAndRemovesItsFiles) {
   const EmulatorProcess emulator;
-  Start start;
-  start.arguments = {"demo", emulator.url() + "/"};
-  start.environment = {"TMPDIR=" + folder.path().string()};
-  const Outcome outcome = RunProgram(kStowra, start);
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "");
+  const Outcome outcome = RunProgram(kStowra, {{"demo", emulator.url() + "/"}, "", environment_});
+  EXPECT_THAT(outcome,
+              Prints(EndsWith(
+                  "\nthe downloaded file equals the uploaded one\n\ndemo: all checks passed\n")));
   for (const char* command : {"search", "download", "upload-config", "upload"}) {
     EXPECT_THAT(outcome.out,
                 HasSubstr("\n$ stowra " + std::string(command) + " '" + emulator.url() + "/"));
   }
   EXPECT_THAT(outcome.out, HasSubstr("/model?mid=m-1102\n"));
-  EXPECT_THAT(
-      outcome.out,
-      EndsWith("\nthe downloaded file equals the uploaded one\n\ndemo: all checks passed\n"));
-  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  EXPECT_THAT(Files(), IsEmpty());
 }
 
-TEST(DemoTest, RemovesItsFilesWhenASignalEndsIt) {
+TEST_F(DemoFilesTest, RemovesItsFilesWhenASignalEndsIt) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    const TemporaryFolder folder;
     const RawServer server(Silence());
-    Start start;
-    start.arguments = {"demo", server.Url("")};
-    start.environment = {"TMPDIR=" + folder.path().string()};
-    Child child(kStowra, start);
+    Child child(kStowra, {{"demo", server.Url("")}, "", environment_});
     ASSERT_TRUE(server.WaitForRequests(1));
-    EXPECT_FALSE(std::filesystem::is_empty(folder.path()));
+    EXPECT_THAT(Files(), Not(IsEmpty()));
     child.Signal(signal);
     EXPECT_EQ(child.Wait().status, -signal);
-    EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << signal;
+    EXPECT_THAT(Files(), IsEmpty()) << signal;
   }
 }
 
 // A shell starts its background programs like this.
-TEST(DemoTest, KeepsIgnoringIgnoredSignal) {
-  const TemporaryFolder folder;
+TEST_F(DemoFilesTest, KeepsIgnoringIgnoredSignal) {
   const RawServer server(Silence());
-  Start start;
-  start.arguments = {"-c", "trap '' INT; exec \"$0\" demo \"$1\"", kStowra, server.Url("")};
-  start.environment = {"TMPDIR=" + folder.path().string()};
+  Start start = AfterCommand("trap '' INT", {"demo", server.Url("")});
+  start.environment = environment_;
   Child child("/bin/sh", start);
   ASSERT_TRUE(server.WaitForRequests(1));
   child.Signal(SIGINT);
   child.Signal(SIGTERM);
   EXPECT_EQ(child.Wait().status, -SIGTERM);
-  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  EXPECT_THAT(Files(), IsEmpty());
 }
 
 TEST(DemoTest, RunsTwiceAgainstOneEmulator) {
@@ -121,67 +112,59 @@ TEST(DemoTest, RunsTwiceAgainstOneEmulator) {
 }
 
 TEST(DemoTest, SucceedsBehindProxyThatChangesNothing) {
-  const Proxy proxy([](const std::string&, std::string&) {});
-  const Outcome outcome = RunDemo(proxy.Url());
-  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(RunDemoBehind([](const std::string&, std::string&) {}), Prints(_));
 }
 
 TEST(DemoTest, NoticesChangedDownload) {
   for (const char* uploaded : {"/download?mid=m-1101", "/download?mid=m-1102"}) {
-    const Proxy proxy([uploaded](const std::string& target, std::string& body) {
-      if (Holds(target, uploaded))
-        body[body.size() / 2] = static_cast<char>(~body[body.size() / 2]);
-    });
-    const Outcome outcome = RunDemo(proxy.Url());
-    EXPECT_EQ(outcome.status, 5);
-    EXPECT_EQ(outcome.err, "stowra: demo: the downloaded file differs from the uploaded one\n");
+    const auto change = [uploaded](const std::string& target, std::string& body) {
+      char& byte = body[body.size() / 2];
+      if (Holds(target, uploaded)) byte = static_cast<char>(~byte);
+    };
+    EXPECT_THAT(RunDemoBehind(change),
+                Ends(5, _, Fault("the downloaded file differs from the uploaded one")));
   }
 }
 
 TEST(DemoTest, NoticesMissingPreviousLink) {
-  const Proxy proxy([](const std::string&, std::string& body) {
+  const auto change = [](const std::string&, std::string& body) {
     ReplaceFirst("rel=\"previous\"", "rel=\"other\"", body);
-  });
-  const Outcome outcome = RunDemo(proxy.Url());
-  EXPECT_EQ(outcome.status, 5);
-  EXPECT_EQ(outcome.err, "stowra: demo: a page after the first has no link to the previous page\n");
+  };
+  EXPECT_THAT(RunDemoBehind(change),
+              Ends(5, _, Fault("a page after the first has no link to the previous page")));
 }
 
 TEST(DemoTest, NoticesPageThatDiffersOnTheWayBack) {
   std::atomic<int> times_asked = 0;
-  const Proxy proxy([&times_asked](const std::string& target, std::string& body) {
+  const auto change = [&times_asked](const std::string& target, std::string& body) {
     if (!Holds(target, "start=13")) return;
     if (++times_asked == 2) ReplaceFirst("2024:", "2025:", body);
-  });
-  const Outcome outcome = RunDemo(proxy.Url());
-  EXPECT_EQ(outcome.status, 5) << times_asked;
-  EXPECT_EQ(outcome.err, "stowra: demo: a page differs on the way back\n");
+  };
+  EXPECT_THAT(RunDemoBehind(change), Ends(5, _, Fault("a page differs on the way back")))
+      << times_asked;
 }
 
 TEST(DemoTest, NoticesEndlessPages) {
-  const Proxy proxy([](const std::string& target, std::string& body) {
+  const auto change = [](const std::string& target, std::string& body) {
     if (target == "/search") ReplaceFirst("start=13", "start=1", body);
-  });
-  const Outcome outcome = RunDemo(proxy.Url());
-  EXPECT_EQ(outcome.status, 5);
-  EXPECT_EQ(outcome.err, "stowra: demo: the pages hold more results than the feed announces\n");
+  };
+  EXPECT_THAT(RunDemoBehind(change),
+              Ends(5, _, Fault("the pages hold more results than the feed announces")));
 }
 
 TEST(DemoTest, NoticesUploadMissingFromSearch) {
   const Proxy proxy([](const std::string& target, std::string& body) {
     if (Holds(target, "/search?q=z")) ReplaceFirst("#model", "#other", body);
   });
-  const Outcome outcome = RunDemo(proxy.Url());
-  EXPECT_EQ(outcome.status, 5);
-  EXPECT_THAT(outcome.err, StartsWith("stowra: demo: " + proxy.Url()));
-  EXPECT_THAT(outcome.err, EndsWith(": found no model to download\n"));
+  EXPECT_THAT(RunDemo(proxy.Url()), Ends(5, _,
+                                         AllOf(StartsWith("stowra: demo: " + proxy.Url()),
+                                               EndsWith(": found no model to download\n"))));
 }
 
 TEST(DemoTest, StopsAtTheFirstFailedCommand) {
   const RawServer server(Always(Response(503, "")));
-  const Outcome outcome = RunDemo(server.Url(""));
-  EXPECT_EQ(outcome.status, 4);
-  EXPECT_EQ(outcome.err, "stowra: " + server.Url("/search?q=chair") + ": HTTP status 503\n");
+  EXPECT_THAT(RunDemo(server.Url("")),
+              Ends(4, _, Message(server.Url("/search?q=chair"), "HTTP status 503")));
   EXPECT_EQ(server.requests().size(), 1U);
 }
 

@@ -3,18 +3,27 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/text.h"
+
 namespace stowra {
 namespace {
 
 constexpr char kUrl[] = "http://h/files/model?mid=1";
 
-struct NameCase {
-  const char* header;
-  const char* name;
-};
+// For a header with this name.
+std::string ChosenFor(const std::string& name) {
+  return ChooseFileName(("attachment; filename=\"" + name + "\"").c_str(), kUrl);
+}
+
+// A header and the name that it leads to.
+using Rows = std::vector<std::pair<const char*, const char*>>;
+
+void ExpectNames(const Rows& rows) {
+  for (const auto& [header, name] : rows) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+}
 
 TEST(DownloadNameTest, TakesModelNameFromHeader) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"attachment; filename=\"chair.qmf\"", "chair.qmf"},
       {"attachment; filename=\"chair.kmz\"; size=5", "chair.kmz"},
       {"attachment; filename=chair.qmf", "chair.qmf"},
@@ -25,12 +34,11 @@ TEST(DownloadNameTest, TakesModelNameFromHeader) {
       {"attachment; filename=\"Stühle 木.qmf\"", "Stühle 木.qmf"},
       {"attachment; filename=\"a.b.qmf", "a.b.qmf"},
       {"filename=\"chair.qmf2\"", "chair.qmf2"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, TakesOtherFileNameFromHeader) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"attachment; filename=\"chair.zip\"", "chair.zip"},
       {"attachment; filename=chair.zip", "chair.zip"},
       {"attachment; filename=chair.zip; size=5", "chair.zip"},
@@ -45,39 +53,34 @@ TEST(DownloadNameTest, TakesOtherFileNameFromHeader) {
       {"attachment; filename*=UTF-8''x; filename=z", "z"},
       {"attachment; filename=\"a.bin\"; filename*=UTF-8''a.qmf", "a.bin"},
       {".qmf; filename=\"a.zip\"", "a.zip"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, AcceptsNamesUpTo255Bytes) {
   for (const std::string end : {".qmf", ".zip"}) {
     const std::string longest = std::string(251, 'a') + end;
-    const std::string header = "attachment; filename=\"";
-    EXPECT_EQ(ChooseFileName((header + longest + "\"").c_str(), kUrl), longest);
-    EXPECT_EQ(ChooseFileName((header + "a" + longest + "\"").c_str(), kUrl), "model");
+    EXPECT_EQ(ChosenFor(longest), longest);
+    EXPECT_EQ(ChosenFor("a" + longest), "model");
     EXPECT_EQ(ChooseFileName("", "http://h/" + longest), longest);
     EXPECT_EQ(ChooseFileName("", "http://h/a" + longest), "download");
   }
   // 256 bytes, but fewer characters.
-  std::string name = "aa";
-  for (int i = 0; i < 125; ++i) name += "ü";
-  EXPECT_EQ(ChooseFileName(("filename=\"" + name + ".qmf\"").c_str(), kUrl), "model");
+  EXPECT_EQ(ChosenFor("aa" + stowra_test::Repeated("ü", 125) + ".qmf"), "model");
 }
 
 TEST(DownloadNameTest, DropsFoldersFromHeaderName) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"filename=\"../../etc/chair.qmf\"", "chair.qmf"},
       {"filename=\"/etc/chair.qmf\"", "chair.qmf"},
       {"filename=\"C:\\models\\chair.kmz\"", "chair.kmz"},
       {"filename=\"a\\b/chair.qmf\"", "chair.qmf"},
       {"filename=\"chair.qmf/../../x\"", "x"},
       {"filename=\"x.qmf\\chair.qmf\"", "chair.qmf"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, DropsHiddenCharactersDotsAndBlanks) {
-  const NameCase cases[] = {
+  ExpectNames({
       {"filename=\"a\x07.qmf\"", "a.qmf"},
       {"filename=\"a\x07\"", "a"},
       {"filename=\"a\u009B31m.qmf\"", "a31m.qmf"},
@@ -86,54 +89,35 @@ TEST(DownloadNameTest, DropsHiddenCharactersDotsAndBlanks) {
       {"filename=\"a\u200B\uFEFF.zip\"", "a.zip"},
       {"filename=\"chair.qmf. . .\"", "chair.qmf"},
       {"filename=\"chair.zip \"", "chair.zip"},
-  };
-  for (const auto& [header, name] : cases) EXPECT_EQ(ChooseFileName(header, kUrl), name) << header;
+  });
 }
 
 TEST(DownloadNameTest, RefusesNamesOfDevices) {
   for (const char* name : {"CON", "con.qmf", "Nul.txt", "AUX .zip", "prn", "COM1", "lpt9.kmz",
                            "COM\u00B2.zip", "CONIN$"}) {
-    const std::string header = "filename=\"" + std::string(name) + "\"";
-    EXPECT_EQ(ChooseFileName(header.c_str(), kUrl), "model") << name;
+    EXPECT_EQ(ChosenFor(name), "model") << name;
   }
   for (const char* name : {"CONE.qmf", "COM.zip", "COM10.zip", "icon.qmf"}) {
-    const std::string header = "filename=\"" + std::string(name) + "\"";
-    EXPECT_EQ(ChooseFileName(header.c_str(), kUrl), name);
+    EXPECT_EQ(ChosenFor(name), name);
   }
 }
 
 TEST(DownloadNameTest, IgnoresHeaderWithoutSafeName) {
-  const char* const headers[] = {
-      "",
-      "attachment",
-      "attachment; filename",
-      "attachment; filename=",
-      "attachment; filename=\"\"",
-      "attachment; filename=\".profile\"",
-      "attachment; filename=\"chair/\"",
-      "attachment; filename=\"a\\\"b\"",
-      "attachment; filename=\"-rf\"",
-      "attachment; filename=-rf.zip",
-      "attachment; filename=\"-rf.qmf\"",
-      "attachment; filename=\"a/-rf.qmf\"",
-      "attachment; other=chair.zip",
-      "attachment; xfilename=chair.zip",
-      "attachment; filename=\".qmf\"",
-      "attachment; filename=\"..qmf\"",
-      "attachment; filename=\"../.qmf\"",
-      "attachment; filename=\"/.kmz\"",
-      "attachment; filename=\".hidden.qmf\"",
-      "attachment; filename=\"a/.hidden.qmf\"",
-      "attachment; filename=\"chair.qmf/\"",
-      "attachment; filename=\"chair.qmf/..\"",
-      "attachment; filename=\"chair.qmf\\.\"",
-      "attachment; filename=\"a\\\"b.qmf\"",
-  };
-  for (const char* header : headers) EXPECT_EQ(ChooseFileName(header, kUrl), "model") << header;
+  EXPECT_EQ(ChooseFileName("", kUrl), "model");
+  EXPECT_EQ(ChooseFileName("attachment", kUrl), "model");
+  const std::vector<std::string> values = stowra_test::Split(
+      R"(filename|filename=|filename=""|filename=".profile"|filename="chair/"|filename="a\"b"|)"
+      R"(filename="-rf"|filename=-rf.zip|filename="-rf.qmf"|filename="a/-rf.qmf"|)"
+      R"(other=chair.zip|xfilename=chair.zip|filename=".qmf"|filename="..qmf"|)"
+      R"(filename="../.qmf"|filename="/.kmz"|filename=".hidden.qmf"|filename="a/.hidden.qmf"|)"
+      R"(filename="chair.qmf/"|filename="chair.qmf/.."|filename="chair.qmf\."|filename="a\"b.qmf")");
+  for (const std::string& value : values) {
+    EXPECT_EQ(ChooseFileName(("attachment; " + value).c_str(), kUrl), "model") << value;
+  }
 }
 
 TEST(DownloadNameTest, FallsBackToUrlThenToDefault) {
-  const NameCase cases[] = {
+  const Rows rows = {
       {"http://h/a/chair.zip?x=/y#/z", "chair.zip"},
       {"https://h/chair%20a", "chair%20a"},
       {"http://h/a/b\\c", "c"},
@@ -149,7 +133,7 @@ TEST(DownloadNameTest, FallsBackToUrlThenToDefault) {
       {"nonsense/name", "download"},
       {"", "download"},
   };
-  for (const auto& [url, name] : cases) EXPECT_EQ(ChooseFileName("", url), name) << url;
+  for (const auto& [url, name] : rows) EXPECT_EQ(ChooseFileName("", url), name) << url;
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/text.h"
+
 namespace stowra {
 namespace {
 
@@ -15,10 +17,7 @@ TEST(ErrorMessageTest, TakesTheFirstLineOfText) {
 }
 
 TEST(ErrorMessageTest, TakesTheMessageOfJson) {
-  const struct {
-    const char* body;
-    const char* message;
-  } cases[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {R"({"error":"no such user"})", "no such user"},
       {R"({"code":7,"message":"no such\nuser"})", "no such"},
       {R"({"error":{"code":404,"message":"gone"}})", "gone"},
@@ -27,7 +26,7 @@ TEST(ErrorMessageTest, TakesTheMessageOfJson) {
       {R"([1])", ""},
       {"{\"broken\"\nmore", "{\"broken\""},
   };
-  for (const auto& [body, message] : cases) {
+  for (const auto& [body, message] : rows) {
     EXPECT_EQ(ErrorMessage("application/json", body), message) << body;
   }
 }
@@ -49,8 +48,7 @@ TEST(ErrorMessageTest, ShowsOnlyTextTypes) {
 }
 
 TEST(ErrorMessageTest, ShowsOnlyTheFirst200Characters) {
-  std::string umlauts;
-  for (int i = 0; i < 200; ++i) umlauts += "ü";
+  const std::string umlauts = stowra_test::Repeated("ü", 200);
   EXPECT_EQ(ErrorMessage("text/plain", umlauts), umlauts);
   EXPECT_EQ(ErrorMessage("text/plain", umlauts + "\n"), umlauts);
   EXPECT_EQ(ErrorMessage("text/plain", umlauts + "ü"), umlauts + "...");

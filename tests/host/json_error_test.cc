@@ -19,41 +19,37 @@ std::string ErrorObject(const std::string& reason, const std::string& message,
 TEST_P(JsonErrorTest, TellsHttpStatusAndServersMessage) {
   const RawServer server(
       Always(Response(404, "no such\x1B[2J user\nat all", "Content-Type: text/plain\r\n")));
-  const Outcome outcome = RunInMode({"user-info", server.Url(), "--json"});
-  EXPECT_EQ(outcome.status, 4);
-  EXPECT_EQ(outcome.out, ErrorObject("http-status", "HTTP status 404", server.Url(), 404,
-                                     "no such\\u001B[2J user"));
-  EXPECT_EQ(outcome.err, "stowra: " + server.Url() + ": HTTP status 404: no such\\u001B[2J user\n");
+  const std::string url = server.Url();
+  EXPECT_THAT(
+      RunInMode({"user-info", url, "--json"}),
+      Ends(4, ErrorObject("http-status", "HTTP status 404", url, 404, "no such\\u001B[2J user"),
+           Message(url, "HTTP status 404: no such\\u001B[2J user")));
 }
 
 TEST_P(JsonErrorTest, TellsWhyTheTransferFailed) {
   const RawServer server(Silence());
-  const Outcome outcome = RunInMode({"user-info", server.Url(), "--json", "--timeout", "0.3"});
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.out, ErrorObject("silent", "no data for 0.3 seconds", server.Url(), 0, ""));
+  EXPECT_THAT(RunInMode({"user-info", server.Url(), "--json", "--timeout", "0.3"}),
+              Ends(3, ErrorObject("silent", "no data for 0.3 seconds", server.Url(), 0, ""), _));
 }
 
 TEST_P(JsonErrorTest, TellsWhatIsWrongWithTheResponse) {
   const RawServer server(Replies("{}"));
-  const Outcome outcome = RunInMode({"user-info", server.Url(), "--json"});
-  EXPECT_EQ(outcome.status, 5);
-  EXPECT_EQ(outcome.out, ErrorObject("unusable-response",
-                                     "the response is not usable: it lacks uid, email, vkr_id",
-                                     server.Url(), 200, ""));
+  const std::string fault = "the response is not usable: it lacks uid, email, vkr_id";
+  EXPECT_THAT(RunInMode({"user-info", server.Url(), "--json"}),
+              Ends(5, ErrorObject("unusable-response", fault, server.Url(), 200, ""), _));
 }
 
 TEST_P(JsonErrorTest, TellsOfMaxTime) {
   const RawServer server(Silence());
-  const Outcome outcome = RunInMode({"update", server.Url(), "--json", "--max-time", "0.3"});
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.out, ErrorObject("max-time", "not done after 0.3 seconds (see --max-time)",
-                                     server.Url(), 0, ""));
+  const std::string fault = "not done after 0.3 seconds (see --max-time)";
+  EXPECT_THAT(RunInMode({"update", server.Url(), "--json", "--max-time", "0.3"}),
+              Ends(3, ErrorObject("max-time", fault, server.Url(), 0, ""), _));
 }
 
 TEST(ServerMessageTest, IsShownByEveryCommand) {
   const std::string page = "<html><head><title>Down for repairs</title></head></html>";
   const RawServer server(Always(Response(503, page, "Content-Type: text/html\r\n")));
-  const std::vector<std::vector<std::string>> commands = {
+  const std::vector<std::string> commands[] = {
       {"user-info", server.Url()},
       {"update", server.Url(), "--async"},
       {"extensions", server.Url(), "--body", "-"},
@@ -63,9 +59,9 @@ TEST(ServerMessageTest, IsShownByEveryCommand) {
       {"upload", server.Url(), kStowra, "--subject-id", "m"},
   };
   for (const auto& command : commands) {
-    const Outcome outcome = RunStowra(command, "{}");
-    EXPECT_EQ(outcome.status, 4) << command[0];
-    EXPECT_EQ(outcome.err, "stowra: " + server.Url() + ": HTTP status 503: Down for repairs\n");
+    EXPECT_THAT(RunStowra(command, "{}"),
+                Ends(4, _, Message(server.Url(), "HTTP status 503: Down for repairs")))
+        << command[0];
   }
 }
 

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "host/progress_bar.h"
 
-#include <fstream>
 #include <memory>
 
 #include "tests/host/content_replies.h"
 #include "tests/host/host_test.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
@@ -14,9 +12,6 @@ namespace {
 using ovrant::internet::TransferEvent;
 using stowra::ProgressBar;
 using stowra::ProgressText;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-using testing::Not;
 
 TransferEvent Received(unsigned long bytes, unsigned long whole) {
   TransferEvent event;
@@ -57,7 +52,7 @@ TEST(ProgressTextTest, ShowsRateAndTimeLeft) {
   EXPECT_THAT(ProgressText(Received(0, 3600000), 1000), HasSubstr("  1.0 KB/s  1:00:00 left"));
   EXPECT_THAT(ProgressText(Received(0, 754), 1), HasSubstr("  1 bytes/s  12:34 left"));
   EXPECT_THAT(ProgressText(Received(0, 100), 0.0001), HasSubstr("  99:00:00 left"));
-  EXPECT_THAT(ProgressText(Received(5, 5), 2), testing::EndsWith("  2 bytes/s"));
+  EXPECT_THAT(ProgressText(Received(5, 5), 2), EndsWith("  2 bytes/s"));
   EXPECT_EQ(ProgressText(Received(31415, 0), 1500), "31.4 KB  1.5 KB/s");
 }
 
@@ -65,6 +60,12 @@ TEST(ProgressTextTest, FitsSeventyNineCharacters) {
   const unsigned long most = 999'900'000'000'000;
   EXPECT_LE(ProgressText(Received(most - 1, most), 0.0001).size(), 79U);
   EXPECT_LE(ProgressText(Received(1, most), 999.9e9).size(), 79U);
+}
+
+TransferEvent Of(TransferEvent::Kind kind) {
+  TransferEvent event;
+  event.kind = kind;
+  return event;
 }
 
 class ProgressBarTest : public testing::Test {
@@ -94,7 +95,7 @@ TEST_F(ProgressBarTest, RedrawsAtMostTenTimesASecond) {
     bar_->Show(Received(static_cast<unsigned long>(i), 0));
   }
   const std::string written = Written();
-  EXPECT_THAT(written, testing::StartsWith("\r1 bytes\r11 bytes\r21 bytes"));
+  EXPECT_THAT(written, StartsWith("\r1 bytes\r11 bytes\r21 bytes"));
   EXPECT_EQ(std::count(written.begin(), written.end(), '\r'), 10);
 }
 
@@ -102,9 +103,7 @@ TEST_F(ProgressBarTest, OverwritesLongerTextAndErasesTheLast) {
   bar_->Show(Received(12345, 0));
   Pass(100);
   bar_->Show(Received(7, 0));
-  TransferEvent end;
-  end.kind = TransferEvent::Kind::kEnded;
-  bar_->Show(end);
+  bar_->Show(Of(TransferEvent::Kind::kEnded));
   EXPECT_EQ(Written(), "\r12.3 KB\r7 bytes\r       \r");
 }
 
@@ -129,14 +128,12 @@ TEST_F(ProgressBarTest, ShowsRateOfTheLastSeconds) {
 TEST_F(ProgressBarTest, MeasuresEachTransferAlone) {
   bar_->Show(Received(5000, 0));
   Pass(5000);
-  TransferEvent end;
-  end.kind = TransferEvent::Kind::kEnded;
-  bar_->Show(end);
+  bar_->Show(Of(TransferEvent::Kind::kEnded));
   bar_->Show(Received(1, 0));
-  EXPECT_THAT(Written(), testing::EndsWith("\r1 bytes"));
+  EXPECT_THAT(Written(), EndsWith("\r1 bytes"));
   Pass(1000);
   bar_->Show(Received(3001, 0));
-  EXPECT_THAT(Written(), testing::EndsWith("\r3.0 KB  3.0 KB/s"));
+  EXPECT_THAT(Written(), EndsWith("\r3.0 KB  3.0 KB/s"));
 }
 
 TEST_F(ProgressBarTest, ErasesItselfWhenDestroyed) {
@@ -146,11 +143,8 @@ TEST_F(ProgressBarTest, ErasesItselfWhenDestroyed) {
 }
 
 TEST_F(ProgressBarTest, WritesNothingWithoutProgress) {
-  TransferEvent event;
-  event.kind = TransferEvent::Kind::kStarted;
-  bar_->Show(event);
-  event.kind = TransferEvent::Kind::kEnded;
-  bar_->Show(event);
+  bar_->Show(Of(TransferEvent::Kind::kStarted));
+  bar_->Show(Of(TransferEvent::Kind::kEnded));
   bar_.reset();
   EXPECT_EQ(Written(), "");
 }
@@ -163,40 +157,31 @@ RawServer::Handler HalfAtOnce() {
   };
 }
 
-Outcome Show(const std::vector<std::string>& arguments, const std::string& terminal) {
-  Start start;
-  start.arguments = arguments;
-  start.environment = {"TERM=" + terminal, "NO_COLOR=1"};
-  return RunOnTerminal(kStowra, start);
-}
-
-class ProgressOnTerminalTest : public testing::Test {
+class ProgressOnTerminalTest : public FolderTest {
  protected:
-  std::string Path(const std::string& name) const { return (folder_.path() / name).string(); }
+  static Outcome Show(const std::vector<std::string>& arguments,
+                      const std::string& terminal = "xterm") {
+    return ShowOnTerminal(arguments, {"TERM=" + terminal, "NO_COLOR=1"});
+  }
 
- private:
-  const TemporaryFolder folder_;
+  const RawServer server_{HalfAtOnce()};
+  const std::vector<std::string> download_ = {"download", server_.Url(), "-o", Path("x")};
 };
 
 TEST_F(ProgressOnTerminalTest, ShowsBarForDownload) {
-  const RawServer server(HalfAtOnce());
-  const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "xterm");
-  EXPECT_EQ(outcome.status, 0);
   // The number of further bars depends on timing.
-  EXPECT_THAT(outcome.out, testing::MatchesRegex("\r\\[#{10} {10}\\]  50%  2 bytes of 4 bytes"
-                                                 "(\r\\[#+ *\\] +[0-9]+%  [34] bytes of 4 bytes)*"
-                                                 "\r {47}\rfile   [^\r]*/x\r\nbytes  4\r\n"));
+  EXPECT_THAT(Show(download_), Prints(MatchesRegex("\r\\[#{10} {10}\\]  50%  2 bytes of 4 bytes"
+                                                   "(\r\\[#+ *\\] +[0-9]+%  [34] bytes of 4 bytes)*"
+                                                   "\r {47}\rfile   [^\r]*/x\r\nbytes  4\r\n")));
 }
 
 TEST_F(ProgressOnTerminalTest, ErasesBarBeforeMessage) {
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 Text\r\nContent-Length: 4\r\n\r\nab");
-    connection.Close();
-  });
-  const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "xterm");
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.out, HasSubstr("2 bytes of 4 bytes\r" + std::string(47, ' ') +
-                                     "\rstowra: " + server.Url()));
+  const RawServer server(AlwaysThenClose("HTTP/1.1 200 Text\r\nContent-Length: 4\r\n\r\nab"));
+  EXPECT_THAT(
+      Show({"download", server.Url(), "-o", Path("x")}),
+      Ends(3,
+           HasSubstr("2 bytes of 4 bytes\r" + std::string(47, ' ') + "\rstowra: " + server.Url()),
+           ""));
 }
 
 TEST_F(ProgressOnTerminalTest, ShowsBarForUpload) {
@@ -204,30 +189,21 @@ TEST_F(ProgressOnTerminalTest, ShowsBarForUpload) {
     connection.Write(
         Response(200, Config({{"http://" + request.Header("Host") + "/?name=a&type=b", false}})));
   });
-  std::ofstream(Path("a.qmf")) << std::string(3000000, 'x');
-  const Outcome outcome =
-      Show({"upload", server.Url(), Path("a.qmf"), "--subject-id", "m"}, "xterm");
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out,
-              ContainsRegex("^\r\\[[# ]{20}\\] +[0-9]+%  [0-9.]+ [a-zA-Z]+ of 3.0 MB"));
-  EXPECT_THAT(outcome.out, ContainsRegex("\r +\rfile "));
+  const std::string file = Make("a.qmf", std::string(3000000, 'x'));
+  EXPECT_THAT(Show({"upload", server.Url(), file, "--subject-id", "m"}),
+              Prints(AllOf(ContainsRegex("^\r\\[[# ]{20}\\] +[0-9]+%  [0-9.]+ [a-zA-Z]+ of 3.0 MB"),
+                           ContainsRegex("\r +\rfile "))));
 }
 
 TEST_F(ProgressOnTerminalTest, ShowsNoBarOnDumbTerminal) {
-  const RawServer server(HalfAtOnce());
-  const Outcome outcome = Show({"download", server.Url(), "-o", Path("x")}, "dumb");
-  EXPECT_EQ(outcome.out, "file   " + Path("x") + "\r\nbytes  4\r\n");
+  EXPECT_THAT(Show(download_, "dumb"), Prints("file   " + Path("x") + "\r\nbytes  4\r\n"));
 }
 
-TEST_F(ProgressOnTerminalTest, WritesNoBarToFile) {
-  const RawServer server(HalfAtOnce());
-  EXPECT_EQ(RunStowra({"download", server.Url(), "-o", Path("x")}).err, "");
-}
+TEST_F(ProgressOnTerminalTest, WritesNoBarToFile) { EXPECT_EQ(RunStowra(download_).err, ""); }
 
 TEST_F(ProgressOnTerminalTest, ShowsNoBarForSearch) {
-  FeedText feed;
-  const RawServer server(Always(Response(200, Feed(feed))));
-  EXPECT_THAT(Show({"search", server.Url()}, "xterm").out, Not(HasSubstr("%")));
+  const RawServer server(Always(Response(200, Feed({}))));
+  EXPECT_THAT(Show({"search", server.Url()}).out, Not(HasSubstr("%")));
 }
 
 }  // namespace

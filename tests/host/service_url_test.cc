@@ -17,11 +17,7 @@ TEST(ServiceUrlTest, AcceptsWebUrlsOnly) {
 }
 
 TEST(ServiceUrlTest, ResolvesAgainstBase) {
-  const struct {
-    const char* base;
-    const char* address;
-    const char* url;
-  } cases[] = {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
       {"http://h", "search?q=x", "http://h/search?q=x"},
       {"http://h/", "search", "http://h/search"},
       {"http://h/api", "search", "http://h/api/search"},
@@ -33,7 +29,7 @@ TEST(ServiceUrlTest, ResolvesAgainstBase) {
       {"http://h", "https://other/x", "https://other/x"},
       {"", "search", "search"},
   };
-  for (const auto& [base, address, url] : cases) EXPECT_EQ(ResolveUrl(base, address), url);
+  for (const auto& [base, address, url] : rows) EXPECT_EQ(ResolveUrl(base, address), url);
 }
 
 TEST(ServiceUrlTest, EncodesSearchWords) {

@@ -12,7 +12,6 @@ using stowra::ReadTraceLine;
 using stowra::ToTraceLine;
 using stowra::TraceRecord;
 using Kind = TransferEvent::Kind;
-using testing::HasSubstr;
 
 // Every member has a value of its own.
 TraceRecord FullRecord(Kind kind) {
@@ -77,11 +76,7 @@ TEST(TraceRecordTest, ReadsWhatItWrites) {
 
 TEST(TraceRecordTest, RefusesWhatIsNotARecord) {
   const std::string good = ToTraceLine(FullRecord(Kind::kEnded));
-  const struct {
-    const char* from;
-    const char* to;
-    const char* why;
-  } cases[] = {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
       {R"("time":1.25)", R"("time":"1")", "'time' is not a number"},
       {R"("time":1.25)", R"("time":-1)", "'time' is not 0 or above"},
       {R"("transfer":3)", R"("transfer":-3)", "'transfer' is not a whole number"},
@@ -94,7 +89,7 @@ TEST(TraceRecordTest, RefusesWhatIsNotARecord) {
       {R"("times":{)", R"("times":[],"x":{)", "'times' is not an object"},
       {"}\n", "", "not a line of JSON"},
   };
-  for (const auto& [from, to, reason] : cases) {
+  for (const auto& [from, to, reason] : rows) {
     std::string line = good;
     ASSERT_THAT(line, HasSubstr(from));
     line.replace(line.find(from), std::string(from).size(), to);

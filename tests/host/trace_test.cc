@@ -1,25 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The options that show transfers, and the command that draws a trace.
 
-#include <fstream>
 #include <sstream>
 
-#include "tests/host/content_replies.h"
 #include "tests/host/host_test.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
-
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
-
-constexpr char kUser[] = R"({"uid":"u","email":"e","vkr_id":"v"})";
 
 // Redirects from /from and answers all else.
 RawServer::Handler Redirects() {
@@ -30,32 +17,20 @@ RawServer::Handler Redirects() {
   };
 }
 
-std::string ContentOf(const std::string& file) {
-  std::ifstream stream(file);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
-class TraceTest : public testing::Test {
+class TraceTest : public FolderTest {
  protected:
-  std::string File(const char* name) const { return (folder_.path() / name).string(); }
-
   // Writes a trace of one transfer with a redirect.
   void Record(const std::vector<std::string>& more = {}) const {
-    std::vector<std::string> arguments = {"user-info", server_.Url("/from?token=SECRET"), "--trace",
-                                          File("trace")};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    EXPECT_EQ(RunStowra(arguments).status, 0);
+    EXPECT_EQ(RunStowra(Joined({"user-info", secret_url_, "--trace", trace_}, more)).status, 0);
   }
 
-  const TemporaryFolder folder_;
   const RawServer server_{Redirects()};
+  const std::string secret_url_ = server_.Url("/from?token=SECRET");
+  const std::string trace_ = Path("trace");
 };
 
 TEST_F(TraceTest, VerbosePrintsHeadsAndEnd) {
-  const Outcome outcome = RunStowra(
-      {"user-info", server_.Url("/from?token=SECRET"), "-v", "--header", "X-Mine: SECRET"});
+  const Outcome outcome = RunStowra({"user-info", secret_url_, "-v", "--header", "X-Mine: SECRET"});
   EXPECT_EQ(outcome.status, 0);
   const std::string host = "127.0.0.1:" + std::to_string(server_.port());
   EXPECT_THAT(outcome.err,
@@ -85,19 +60,17 @@ TEST_F(TraceTest, VeryVerbosePrintsStepsToo) {
 }
 
 TEST_F(TraceTest, NothingIsPrintedUnasked) {
-  const Outcome outcome = RunStowra({"user-info", server_.Url("/from")});
-  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(RunStowra({"user-info", server_.Url("/from")}).err, "");
 }
 
 TEST_F(TraceTest, SecretsAreShownOnRequest) {
-  const Outcome outcome =
-      RunStowra({"user-info", server_.Url("/from?token=SECRET"), "-v", "--show-secrets"});
-  EXPECT_THAT(outcome.err, StartsWith("> GET /from?token=SECRET HTTP/1.1\n"));
+  EXPECT_THAT(RunStowra({"user-info", secret_url_, "-v", "--show-secrets"}).err,
+              StartsWith("> GET /from?token=SECRET HTTP/1.1\n"));
 }
 
 TEST_F(TraceTest, FileHasALineForEachStep) {
   Record();
-  const std::string trace = ContentOf(File("trace"));
+  const std::string trace = ReadFile(trace_);
   std::string events;
   std::istringstream lines(trace);
   for (std::string line; std::getline(lines, line);) {
@@ -114,31 +87,26 @@ TEST_F(TraceTest, FileHasALineForEachStep) {
 
 TEST_F(TraceTest, FileOfABackgroundTransferNamesThePost) {
   Record({"--async"});
-  EXPECT_THAT(ContentOf(File("trace")),
+  EXPECT_THAT(ReadFile(trace_),
               AllOf(HasSubstr(R"("event":"queued")"),
                     ContainsRegex(R"("event":"posted".*"notification":"UserInfoQueryRequest)")));
 }
 
 TEST_F(TraceTest, FileOfAFailureNamesTheReason) {
-  const Outcome outcome = RunStowra({"search", "http://127.0.0.1:1/", "--trace", File("trace")});
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(ContentOf(File("trace")),
-              ContainsRegex(R"("event":"ended".*"reason":"not-connected")"));
+  EXPECT_EQ(RunStowra({"search", kNowhere, "--trace", trace_}).status, 3);
+  EXPECT_THAT(ReadFile(trace_), ContainsRegex(R"("event":"ended".*"reason":"not-connected")"));
 }
 
 TEST_F(TraceTest, UnwritableFileEndsTheCommandBeforeItsTransfers) {
-  const Outcome outcome =
-      RunStowra({"user-info", server_.Url(), "--trace", File("missing") + "/trace"});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.err, EndsWith("missing/trace: No such file or directory\n"));
+  EXPECT_THAT(RunStowra({"user-info", server_.Url(), "--trace", Path("missing/trace")}),
+              Fails(1, EndsWith("missing/trace: No such file or directory\n")));
   EXPECT_TRUE(server_.requests().empty());
 }
 
 TEST_F(TraceTest, FullDiskEndsTheTraceButNotTheCommand) {
-  const Outcome outcome = RunStowra({"user-info", server_.Url(), "--trace", "/dev/full"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err,
-            "stowra: warning: /dev/full: No space left on device (the trace ends here)\n");
+  EXPECT_THAT(RunStowra({"user-info", server_.Url(), "--trace", "/dev/full"}),
+              Ends(0, HasSubstr("user id  u\n"),
+                   Message("warning: /dev/full", "No space left on device (the trace ends here)")));
 }
 
 TEST_F(TraceTest, TimingDrawsEachRequestAsPlainText) {
@@ -157,56 +125,45 @@ TEST_F(TraceTest, TimingDrawsEachRequestAsPlainText) {
 }
 
 TEST_F(TraceTest, TimingIsDrawnAfterAFailureToo) {
-  const Outcome outcome = RunStowra({"search", "http://127.0.0.1:1/", "--timing"});
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.err, AllOf(StartsWith("stowra: http://127.0.0.1:1/: "),
-                                 HasSubstr("\n  1  GET 127.0.0.1:1/  not-connected ")));
+  EXPECT_THAT(RunStowra({"search", kNowhere, "--timing"}),
+              Fails(3, AllOf(StartsWith("stowra: http://127.0.0.1:1/: "),
+                             HasSubstr("\n  1  GET 127.0.0.1:1/  not-connected "))));
 }
 
 TEST_F(TraceTest, CommandDrawsTheFileAsTimingDid) {
-  const Outcome timing =
-      RunStowra({"user-info", server_.Url("/from"), "--timing", "--trace", File("trace")});
-  const Outcome drawn = RunStowra({"trace", File("trace")});
-  EXPECT_EQ(drawn.status, 0);
-  EXPECT_EQ(drawn.err, "");
-  EXPECT_EQ(drawn.out, timing.err);
-  EXPECT_EQ(RunStowra({"trace", "-"}, ContentOf(File("trace"))).out, timing.err);
+  const std::string timing =
+      RunStowra({"user-info", server_.Url("/from"), "--timing", "--trace", trace_}).err;
+  EXPECT_THAT(RunStowra({"trace", trace_}), Prints(timing));
+  EXPECT_THAT(RunStowra({"trace", "-"}, ReadFile(trace_)), Prints(timing));
 }
 
 TEST_F(TraceTest, TerminalGetsColours) {
   Record();
-  Start start;
-  start.arguments = {"trace", File("trace")};
-  start.environment = {"TERM=xterm"};
-  EXPECT_THAT(RunOnTerminal(kStowra, start).out, HasSubstr("m\u2588\x1B[0m"));
-  start.environment.emplace_back("NO_COLOR=1");
-  EXPECT_THAT(RunOnTerminal(kStowra, start).out, Not(HasSubstr("\x1B")));
+  EXPECT_THAT(ShowOnTerminal({"trace", trace_}).out, HasSubstr("m\u2588\x1B[0m"));
+  EXPECT_THAT(ShowOnTerminal({"trace", trace_}, {"TERM=xterm", "NO_COLOR=1"}).out,
+              Not(HasSubstr("\x1B")));
 }
 
 TEST_F(TraceTest, CommandWritesAPicture) {
   Record();
-  const Outcome outcome = RunStowra({"trace", File("trace"), "--svg", File("picture.svg")});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.out + outcome.err, "");
-  EXPECT_THAT(ContentOf(File("picture.svg")), AllOf(StartsWith("<svg "), EndsWith("</svg>\n")));
+  EXPECT_THAT(RunStowra({"trace", trace_, "--svg", Path("picture.svg")}), Prints(""));
+  EXPECT_THAT(ReadFile(Path("picture.svg")), AllOf(StartsWith("<svg "), EndsWith("</svg>\n")));
 }
 
 TEST_F(TraceTest, MalformedFileIsReportedWithItsLine) {
   Record();
-  std::ofstream(File("trace"), std::ios::app) << "{\"time\":1}\n";
-  Outcome outcome = RunStowra({"trace", File("trace")});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "stowra: " + File("trace") + ": line 12: 'transfer' is not there\n");
-  std::ofstream(File("trace")) << "\x1B[31m\n";
-  outcome = RunStowra({"trace", File("trace")});
-  EXPECT_EQ(outcome.err, "stowra: " + File("trace") + ": line 1: not a line of JSON\n");
-  EXPECT_EQ(RunStowra({"trace", File("missing")}).status, 1);
+  std::ofstream(trace_, std::ios::app) << "{\"time\":1}\n";
+  EXPECT_THAT(RunStowra({"trace", trace_}),
+              Fails(1, Message(trace_, "line 12: 'transfer' is not there")));
+  Make("trace", "\x1B[31m\n");
+  EXPECT_THAT(RunStowra({"trace", trace_}),
+              Fails(1, Message(trace_, "line 1: not a line of JSON")));
+  EXPECT_EQ(RunStowra({"trace", Path("missing")}).status, 1);
   EXPECT_EQ(RunStowra({"trace"}).status, 2);
 }
 
 TEST_F(TraceTest, EmptyFileHasNoTransfers) {
-  EXPECT_EQ(RunStowra({"trace", "-"}, "").out, "no transfers\n");
+  EXPECT_THAT(RunStowra({"trace", "-"}, ""), Prints("no transfers\n"));
 }
 
 }  // namespace

@@ -16,68 +16,57 @@ constexpr char kReply[] = R"({
 
 TEST_P(UpdateTest, PrintsOfferAsTable) {
   const RawServer server(Replies(kReply));
-  const Outcome outcome = RunInMode({"update", server.Url()});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.out,
-            "current version  24.0\n"
-            "expire version   22.0\n"
-            "message          42\n"
-            "  title          façades\n"
-            "  url            http://m.example/42\n"
-            "  size           640 x 480\n"
-            "  max shows      3\n"
-            "\n"
-            "data file      version  url\n"
-            "materials.dat  17       http://d.example/m\n"
-            "屋根.dat       4        http://d.example/r\n");
-  EXPECT_EQ(outcome.err, "");
+  EXPECT_THAT(RunInMode({"update", server.Url()}),
+              Prints("current version  24.0\n"
+                     "expire version   22.0\n"
+                     "message          42\n"
+                     "  title          façades\n"
+                     "  url            http://m.example/42\n"
+                     "  size           640 x 480\n"
+                     "  max shows      3\n"
+                     "\n"
+                     "data file      version  url\n"
+                     "materials.dat  17       http://d.example/m\n"
+                     "屋根.dat       4        http://d.example/r\n"));
 }
 
 TEST_P(UpdateTest, PrintsOfferAsJson) {
   const RawServer server(Replies(kReply));
-  const Outcome outcome = RunInMode({"update", server.Url(), "--json"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.out,
-            "{\"current_version\":\"24.0\",\"expire_version\":\"22.0\","
-            "\"message\":{\"id\":42,\"max_shows\":3,\"width\":640,\"height\":480,"
-            "\"title\":\"façades\",\"url\":\"http://m.example/42\"},"
-            "\"data_files\":[{\"version\":17,\"filename\":\"materials.dat\","
-            "\"url\":\"http://d.example/m\"},"
-            "{\"version\":4,\"filename\":\"屋根.dat\",\"url\":\"http://d.example/r\"}]}\n");
+  EXPECT_THAT(RunInMode({"update", server.Url(), "--json"}),
+              Prints(R"({"current_version":"24.0","expire_version":"22.0","message":{"id":42,)"
+                     R"("max_shows":3,"width":640,"height":480,"title":"façades",)"
+                     R"("url":"http://m.example/42"},"data_files":[{"version":17,)"
+                     R"("filename":"materials.dat","url":"http://d.example/m"},)"
+                     R"({"version":4,"filename":"屋根.dat","url":"http://d.example/r"}]})"
+                     "\n"));
 }
 
 TEST_P(UpdateTest, PrintsOnlyVersionsWithoutOtherOffers) {
   const RawServer server(Replies(R"({"update":{"current_version":"2","expire_version":"1"}})"));
-  EXPECT_EQ(RunInMode({"update", server.Url()}).out, "current version  2\nexpire version   1\n");
-  EXPECT_EQ(RunInMode({"update", server.Url(), "--json"}).out,
-            "{\"current_version\":\"2\",\"expire_version\":\"1\",\"message\":null,"
-            "\"data_files\":[]}\n");
+  EXPECT_THAT(RunInMode({"update", server.Url()}),
+              Prints("current version  2\nexpire version   1\n"));
+  EXPECT_THAT(RunInMode({"update", server.Url(), "--json"}),
+              Prints("{\"current_version\":\"2\",\"expire_version\":\"1\",\"message\":null,"
+                     "\"data_files\":[]}\n"));
 }
 
 TEST_P(UpdateTest, ReadsOfferFromTheEmulator) {
   const EmulatorProcess emulator;
-  const Outcome outcome = RunInMode({"update", emulator.url() + "/update", "--notifications"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, testing::StartsWith("current version  "));
-  EXPECT_THAT(outcome.out, testing::HasSubstr("\ndata file"));
-  EXPECT_EQ(outcome.err, "notification UpdateQueryAsyncSucceeded\n");
+  EXPECT_THAT(RunInMode({"update", emulator.url() + "/update", "--notifications"}),
+              Ends(0, AllOf(StartsWith("current version  "), HasSubstr("\ndata file")),
+                   "notification UpdateQueryAsyncSucceeded\n"));
 }
 
 TEST_P(UpdateTest, PostsAndReportsFailure) {
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + "/update?fault=status:404";
-  const Outcome outcome = RunInMode({"update", url, "--notifications"});
-  EXPECT_EQ(outcome.status, 4);
-  EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "notification UpdateQueryAsyncFailed\nstowra: " + url +
-                             ": HTTP status 404: this status is a fault on purpose\n");
+  EXPECT_THAT(RunInMode({"update", url, "--notifications"}),
+              Fails(4, "notification UpdateQueryAsyncFailed\n" +
+                           Message(url, "HTTP status 404: this status is a fault on purpose")));
 }
 
 TEST_P(UpdateTest, ReportsWhatIsWrongWithTheResponse) {
-  const struct {
-    const char* body;
-    const char* fault;
-  } cases[] = {
+  const std::pair<const char*, std::string> rows[] = {
       {"", "it is empty"},
       {"update", "it cannot be read as JSON"},
       {R"({"datafiles":[{"version":1}]})", "it lacks update"},
@@ -87,13 +76,11 @@ TEST_P(UpdateTest, ReportsWhatIsWrongWithTheResponse) {
       {R"({"update":{"current_version":2,"expire_version":""}})",
        "it lacks update.current_version, update.expire_version"},
   };
-  for (const auto& [body, fault] : cases) {
+  for (const auto& [body, fault] : rows) {
     const RawServer server(Replies(body));
-    const Outcome outcome = RunInMode({"update", server.Url()});
-    EXPECT_EQ(outcome.status, 5) << body;
-    EXPECT_EQ(outcome.out, "") << body;
-    EXPECT_EQ(outcome.err,
-              "stowra: " + server.Url() + ": the response is not usable: " + fault + "\n");
+    EXPECT_THAT(RunInMode({"update", server.Url()}),
+                Fails(5, Message(server.Url(), "the response is not usable: " + fault)))
+        << body;
   }
 }
 

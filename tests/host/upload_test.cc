@@ -2,21 +2,14 @@
 #include <sys/stat.h>
 
 #include <ctime>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 #include "common_stowraapi/platform/random.h"
 #include "tests/host/content_replies.h"
 #include "tests/host/host_test.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
-
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 constexpr char kQuery[] = "?name=Chair&type=t/u&task=create&priority=1";
 
@@ -35,7 +28,7 @@ std::string BoundaryOf(const RawRequest& request) {
 
 // The expected body of a request that uploads `content` as `name`.
 std::string ExpectedBody(const RawRequest& request, const std::string& name,
-                         const std::string& content, bool zipped) {
+                         const std::string& content, bool zipped = false) {
   const std::string begin = "--" + BoundaryOf(request) + "\r\nContent-Disposition: form-data; ";
   std::string body =
       begin + "name=\"name\"\r\n\r\nChair\r\n" + begin + "name=\"subjectId\"\r\n\r\nm42\r\n" +
@@ -46,210 +39,170 @@ std::string ExpectedBody(const RawRequest& request, const std::string& name,
   return body + "--" + BoundaryOf(request) + "--\r\n";
 }
 
-class UploadTest : public testing::Test {
+// A service that asks for this many files, at /0, /1 and so on. It wants the second one zipped.
+RawServer::Handler Service(int files, const std::string& reply = Response(201, "")) {
+  return [files, reply](const RawRequest& request, RawConnection& connection) {
+    const std::string base = "http://" + request.Header("Host") + "/";
+    std::vector<ConfigFile> wanted;
+    for (int i = 0; i < files; ++i) wanted.push_back({base + std::to_string(i) + kQuery, i == 1});
+    connection.Write(request.method == "POST" ? reply : Response(200, Config(wanted)));
+  };
+}
+
+class UploadTest : public FolderTest {
  protected:
-  // A service that asks for this many files, at /0, /1 and so on. It wants the second one zipped.
-  RawServer::Handler Service(int files, const std::string& reply = Response(201, "")) {
-    return [files, reply](const RawRequest& request, RawConnection& connection) {
-      if (request.method == "POST") {
-        connection.Write(reply);
-        return;
-      }
-      std::vector<ConfigFile> wanted;
-      for (int i = 0; i < files; ++i) {
-        wanted.push_back(
-            {"http://" + request.Header("Host") + "/" + std::to_string(i) + kQuery, i == 1});
-      }
-      connection.Write(Response(200, Config(wanted)));
-    };
+  static Outcome Upload(const RawServer& server, const std::vector<std::string>& files) {
+    return RunStowra(Joined({"upload", server.Url("/config"), "--subject-id", "m42"}, files));
   }
 
-  std::string MakeFile(const std::string& name, const std::string& content) {
-    const std::filesystem::path file = folder_.path() / name;
-    std::ofstream(file, std::ios::binary) << content;
-    return file.string();
-  }
+  // A file of one byte.
+  std::string SmallFile(const std::string& name = "a.qmf") const { return Make(name, "1"); }
 
-  static std::vector<std::string> Command(const RawServer& server,
-                                          const std::vector<std::string>& files) {
-    std::vector<std::string> arguments = {"upload", server.Url("/config"), "--subject-id", "m42"};
-    arguments.insert(arguments.end(), files.begin(), files.end());
-    return arguments;
-  }
-
- private:
-  const TemporaryFolder folder_;
+  const RawServer server_{Service(1)};
 };
 
 TEST_F(UploadTest, SendsFormAndPrintsResult) {
   const RawServer server(Service(1, Response(201, "{}", "location: http://m/1\r\n")));
-  std::string content = "a\r\n--b";
-  content += '\0';
-  content += "\xFF";
-  const std::string file = MakeFile("chair.qmf", content);
-  const Outcome outcome = RunStowra(Command(server, {file}));
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "");
-  EXPECT_THAT(outcome.out, EndsWith("  8      201          http://m/1\n"
-                                    "\n"
-                                    "result url  http://r/yes\n"));
+  const std::string content("a\r\n--b\0\xFF", 8);
+  EXPECT_THAT(Upload(server, {Make("chair.qmf", content)}),
+              Prints(EndsWith("  8      201          http://m/1\n\nresult url  http://r/yes\n")));
   ASSERT_EQ(server.requests().size(), 2U);
   const RawRequest request = server.requests()[1];
   EXPECT_EQ(request.method, "POST");
   EXPECT_EQ(request.target, std::string("/0") + kQuery);
   EXPECT_THAT(request.Header("Content-Type"),
-              testing::MatchesRegex("multipart/form-data; boundary=BrevixClient[0-9]{16}"));
+              MatchesRegex("multipart/form-data; boundary=BrevixClient[0-9]{16}"));
   EXPECT_EQ(request.Header("Content-Length"), std::to_string(request.body.size()));
   EXPECT_EQ(request.Header("Proxy-Connection"), "keep-alive");
-  EXPECT_EQ(request.body, ExpectedBody(request, "chair.qmf", content, false));
+  EXPECT_EQ(request.body, ExpectedBody(request, "chair.qmf", content));
 }
 
 TEST_F(UploadTest, SendsEachFileToItsOwnUrl) {
   const RawServer server(Service(3));
-  const Outcome outcome = RunStowra(Command(
-      server, {MakeFile("a.qmf", "1"), MakeFile("b.qmf.zip", "22"), MakeFile("c.png", "")}));
+  const Outcome outcome =
+      Upload(server, {Make("a.qmf", "1"), Make("b.qmf.zip", "22"), Make("c.png", "")});
   EXPECT_EQ(outcome.status, 0);
   const std::vector<RawRequest> requests = server.requests();
   ASSERT_EQ(requests.size(), 4U);
   EXPECT_EQ(requests[1].target, std::string("/0") + kQuery);
-  EXPECT_EQ(requests[1].body, ExpectedBody(requests[1], "a.qmf", "1", false));
+  EXPECT_EQ(requests[1].body, ExpectedBody(requests[1], "a.qmf", "1"));
   EXPECT_EQ(requests[2].target, std::string("/1") + kQuery);
   EXPECT_EQ(requests[2].body, ExpectedBody(requests[2], "b.qmf.zip", "22", true));
   EXPECT_EQ(requests[3].target, std::string("/2") + kQuery);
-  EXPECT_EQ(requests[3].body, ExpectedBody(requests[3], "c.png", "", false));
+  EXPECT_EQ(requests[3].body, ExpectedBody(requests[3], "c.png", ""));
 }
 
 TEST_F(UploadTest, PrintsResultAsJson) {
   const RawServer server(Service(1, Response(200, "", "Location: http://m/1\r\n")));
-  const std::string file = MakeFile("chair.qmf", "abc");
-  std::vector<std::string> arguments = Command(server, {file});
-  arguments.emplace_back("--json");
-  EXPECT_EQ(RunStowra(arguments).out, "{\"files\":[{\"file\":\"" + file +
-                                          "\",\"bytes\":3,\"status\":200,\"location\":"
-                                          "\"http://m/1\"}],\"result_url\":\"http://r/yes\"}\n");
+  const std::string file = Make("chair.qmf", "abc");
+  EXPECT_THAT(Upload(server, {file, "--json"}),
+              Prints("{\"files\":[{\"file\":\"" + file +
+                     "\",\"bytes\":3,\"status\":200,\"location\":"
+                     "\"http://m/1\"}],\"result_url\":\"http://r/yes\"}\n"));
 }
 
 TEST_F(UploadTest, SendsLargeFileWhole) {
-  const RawServer server(Service(1));
   std::string content;
   while (content.size() < (5U << 20)) content += std::to_string(content.size());
-  const Outcome outcome = RunStowra(Command(server, {MakeFile("large.qmf", content)}));
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "");
-  const RawRequest request = server.requests()[1];
-  EXPECT_TRUE(request.body == ExpectedBody(request, "large.qmf", content, false));
+  EXPECT_THAT(Upload(server_, {Make("large.qmf", content)}), Prints(_));
+  const RawRequest request = server_.requests()[1];
+  EXPECT_TRUE(request.body == ExpectedBody(request, "large.qmf", content));
 }
 
 TEST_F(UploadTest, StopsAtRefusedFile) {
   const RawServer server(Service(3, Response(400, "no", "Location: http://no\r\n")));
-  const std::string file = MakeFile("a.qmf", "1");
-  const Outcome outcome = RunStowra(Command(server, {file, file, file}));
-  EXPECT_EQ(outcome.status, 4);
-  EXPECT_EQ(outcome.err, "stowra: " + server.Url("/0") + kQuery + ": HTTP status 400\n");
-  EXPECT_THAT(outcome.out, HasSubstr("  1      400          \n\nresult url  http://r/no\n"));
+  const std::string file = SmallFile();
+  EXPECT_THAT(Upload(server, {file, file, file}),
+              Ends(4, HasSubstr("  1      400          \n\nresult url  http://r/no\n"),
+                   Message(server.Url("/0") + kQuery, "HTTP status 400")));
   EXPECT_EQ(server.requests().size(), 2U);
 }
 
 TEST_F(UploadTest, PrintsTheServersMessage) {
   const RawServer server(Service(
       1, Response(400, "the model\x1B[31m is broken\nor not", "Content-Type: text/plain\r\n")));
-  const Outcome outcome = RunStowra(Command(server, {MakeFile("a.qmf", "1")}));
-  EXPECT_EQ(outcome.status, 4);
-  EXPECT_EQ(outcome.err, "stowra: " + server.Url("/0") + kQuery +
-                             ": HTTP status 400: the model\\u001B[31m is broken\n");
+  EXPECT_THAT(
+      Upload(server, {SmallFile()}),
+      Ends(4, _,
+           Message(server.Url("/0") + kQuery, "HTTP status 400: the model\\u001B[31m is broken")));
 }
 
 TEST_F(UploadTest, AcceptsOnlyStatus2xx) {
-  for (const int status : {304, 404, 500}) {
+  const std::pair<int, int> rows[] = {{304, 4}, {404, 4}, {500, 4}, {200, 0}, {202, 0}, {299, 0}};
+  for (const auto& [status, expected] : rows) {
     const RawServer server(Service(1, Response(status, "")));
-    EXPECT_EQ(RunStowra(Command(server, {MakeFile("a.qmf", "1")})).status, 4) << status;
-  }
-  for (const int status : {200, 202, 299}) {
-    const RawServer server(Service(1, Response(status, "")));
-    EXPECT_EQ(RunStowra(Command(server, {MakeFile("a.qmf", "1")})).status, 0) << status;
+    EXPECT_EQ(Upload(server, {SmallFile()}).status, expected) << status;
   }
 }
 
 TEST_F(UploadTest, ReportsTransferThatBreaksOff) {
   const RawServer closing([](const RawRequest& request, RawConnection& connection) {
-    if (request.method == "POST") {
-      connection.Reset();
-    } else {
-      connection.Write(Response(200, Config({{"http://" + request.Header("Host") + "/0", false}})));
-    }
+    if (request.method == "POST") return connection.Reset();
+    connection.Write(Response(200, Config({{"http://" + request.Header("Host") + "/0", false}})));
   });
-  const Outcome outcome = RunStowra(Command(closing, {MakeFile("a.qmf", "1")}));
-  EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.err, StartsWith("stowra: " + closing.Url("/0") + ": "));
-  EXPECT_THAT(outcome.out, EndsWith("\nresult url  http://r/no\n"));
+  EXPECT_THAT(Upload(closing, {SmallFile()}),
+              Ends(3, EndsWith("\nresult url  http://r/no\n"),
+                   StartsWith("stowra: " + closing.Url("/0") + ": ")));
 }
 
 TEST_F(UploadTest, SendsNothingForWrongNumberOfFiles) {
-  const std::string file = MakeFile("a.qmf", "1");
-  for (const int wanted : {0, 1, 3}) {
+  const std::string file = SmallFile();
+  const std::tuple<int, std::vector<std::string>, std::string> rows[] = {
+      {0, {file, file}, "0 files, but 2 were given"},
+      {1, {file, file}, "1 file, but 2 were given"},
+      {3, {file, file}, "3 files, but 2 were given"},
+      {2, {file}, "2 files, but 1 was given"},
+  };
+  for (const auto& [wanted, files, why] : rows) {
     const RawServer server(Service(wanted));
-    const Outcome outcome = RunStowra(Command(server, {file, file}));
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "stowra: " + server.Url("/config") + ": the configuration asks for " +
-                               std::to_string(wanted) + (wanted == 1 ? " file" : " files") +
-                               ", but 2 were given\n");
+    EXPECT_THAT(Upload(server, files),
+                Fails(2, Message(server.Url("/config"), "the configuration asks for " + why)));
     EXPECT_EQ(server.requests().size(), 1U);
   }
-  const RawServer server(Service(2));
-  EXPECT_EQ(RunStowra(Command(server, {file})).err,
-            "stowra: " + server.Url("/config") +
-                ": the configuration asks for 2 files, but 1 was given\n");
 }
 
 TEST_F(UploadTest, SendsNoRequestForMissingFile) {
   const RawServer server(Service(2));
-  const std::string missing = MakeFile("a.qmf", "1") + ".not";
-  const Outcome outcome = RunStowra(Command(server, {MakeFile("a.qmf", "1"), missing}));
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err, HasSubstr(missing));
+  const std::string missing = SmallFile() + ".not";
+  EXPECT_THAT(Upload(server, {SmallFile(), missing}), Fails(2, HasSubstr(missing)));
   EXPECT_TRUE(server.requests().empty());
 }
 
 TEST_F(UploadTest, StopsWhenConfigurationFails) {
-  const std::string file = MakeFile("a.qmf", "1");
   const RawServer refusing(Always(Response(503, "")));
-  EXPECT_EQ(RunStowra(Command(refusing, {file})).status, 4);
+  EXPECT_EQ(Upload(refusing, {SmallFile()}).status, 4);
   const RawServer useless(Always(Response(200, "<upload/>")));
-  EXPECT_EQ(RunStowra(Command(useless, {file})).status, 5);
+  EXPECT_EQ(Upload(useless, {SmallFile()}).status, 5);
 }
 
 TEST_F(UploadTest, WarnsOfFileNameThatMayBeCut) {
-  const RawServer server(Service(1));
-  const std::string quoted = MakeFile("a\"b.qmf", "1");
-  const Outcome outcome = RunStowra(Command(server, {quoted}));
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "stowra: warning: " + quoted +
-                             ": a server may cut the file name at its quotation mark\n");
-  const Outcome broken = RunStowra(Command(server, {MakeFile("a\nb.qmf", "1")}));
-  EXPECT_THAT(broken.err,
-              EndsWith("/a\\u000Ab.qmf: a server may cut the file name at its line break\n"));
-  EXPECT_EQ(server.requests().size(), 4U) << "both are sent all the same";
+  const std::string quoted = SmallFile("a\"b.qmf");
+  EXPECT_THAT(
+      Upload(server_, {quoted}),
+      Ends(0, _,
+           Message("warning: " + quoted, "a server may cut the file name at its quotation mark")));
+  EXPECT_THAT(
+      Upload(server_, {SmallFile("a\nb.qmf")}),
+      Ends(0, _, EndsWith("/a\\u000Ab.qmf: a server may cut the file name at its line break\n")));
+  EXPECT_EQ(server_.requests().size(), 4U) << "both are sent all the same";
 }
 
 TEST_F(UploadTest, WarnsOfFileNameThatIsNotUtf8) {
-  const RawServer server(Service(1));
-  const Outcome outcome = RunStowra(Command(server, {MakeFile("a\xFF.qmf", "1")}));
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.err, EndsWith("a\uFFFD.qmf: the file name is not UTF-8 and is sent as "
-                                    "a\uFFFD.qmf\n"));
-  const RawRequest request = server.requests()[1];
-  EXPECT_EQ(request.body, ExpectedBody(request, "a\uFFFD.qmf", "1", false));
+  EXPECT_THAT(Upload(server_, {SmallFile("a\xFF.qmf")}),
+              Ends(0, _,
+                   EndsWith("a\uFFFD.qmf: the file name is not UTF-8 and is sent as "
+                            "a\uFFFD.qmf\n")));
+  const RawRequest request = server_.requests()[1];
+  EXPECT_EQ(request.body, ExpectedBody(request, "a\uFFFD.qmf", "1"));
 }
 
 TEST_F(UploadTest, WarnsOfFileThatIsNotZipped) {
   const RawServer server(Service(2));
-  const std::string file = MakeFile("b.qmf", "1");
-  EXPECT_THAT(RunStowra(Command(server, {file, file})).err,
-              HasSubstr("stowra: warning: " + file +
-                        ": the configuration asks for a zip file, but this is not one\n"));
-  const std::string zip = MakeFile("b.zip", "PK1");
-  EXPECT_THAT(RunStowra(Command(server, {file, zip})).err, testing::Not(HasSubstr("zipped")));
+  const std::string file = SmallFile("b.qmf");
+  EXPECT_THAT(Upload(server, {file, file}).err,
+              HasSubstr(Message("warning: " + file,
+                                "the configuration asks for a zip file, but this is not one")));
+  EXPECT_THAT(Upload(server, {file, Make("b.zip", "PK1")}).err, Not(HasSubstr("zipped")));
 }
 
 TEST_F(UploadTest, WarnsOfBoundaryInFile) {
@@ -257,38 +210,36 @@ TEST_F(UploadTest, WarnsOfBoundaryInFile) {
   std::string boundaries;
   const std::time_t now = std::time(nullptr);
   for (int second = 0; second < 600; ++second) boundaries += BoundaryOf(now + second) + "\r\n";
-  const RawServer server(Service(1));
-  const std::string file = MakeFile("a.qmf", boundaries);
-  const Outcome outcome = RunStowra(Command(server, {file}));
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "stowra: warning: " + file + ": the file contains the boundary " +
-                             BoundaryOf(server.requests()[1]) +
-                             ", and a server may cut it there\n");
+  const std::string file = Make("a.qmf", boundaries);
+  const Outcome outcome = Upload(server_, {file});
+  EXPECT_THAT(outcome, Ends(0, _,
+                            Message("warning: " + file, "the file contains the boundary " +
+                                                            BoundaryOf(server_.requests()[1]) +
+                                                            ", and a server may cut it there")));
 }
 
 TEST_F(UploadTest, WarnsOfRepeatedBoundary) {
   const RawServer server(Service(9));
   std::vector<std::string> files;
-  for (int i = 0; i < 9; ++i) files.push_back(MakeFile(std::to_string(i) + ".qmf", "PK"));
-  const Outcome outcome = RunStowra(Command(server, files));
-  EXPECT_EQ(outcome.status, 0);
+  for (int i = 0; i < 9; ++i) files.push_back(Make(std::to_string(i) + ".qmf", "PK"));
+  const Outcome outcome = Upload(server, files);
   const std::vector<RawRequest> requests = server.requests();
   ASSERT_EQ(requests.size(), 10U);
   std::string expected;
   for (std::size_t i = 1; i < files.size(); ++i) {
     if (BoundaryOf(requests[i + 1]) != BoundaryOf(requests[i])) continue;
     expected +=
-        "stowra: warning: " + files[i] +
-        ": the boundary is the same as for the previous file, because both were made within "
-        "one second\n";
+        Message("warning: " + files[i],
+                "the boundary is the same as for the previous file, because both were made within "
+                "one second");
   }
   EXPECT_NE(expected, "");
-  EXPECT_EQ(outcome.err, expected);
+  EXPECT_THAT(outcome, Ends(0, _, expected));
 }
 
 TEST_F(UploadTest, UploadsToTheEmulator) {
   const EmulatorProcess emulator;
-  const std::string file = MakeFile("chair.qmf", std::string("\0\r\n\xFF", 4));
+  const std::string file = Make("chair.qmf", std::string("\0\r\n\xFF", 4));
   const Outcome outcome = RunStowra(
       {"upload", emulator.url() + "/upload-config?name=Stool", file, "--subject-id", "m42"});
   EXPECT_EQ(outcome.status, 0);
@@ -299,7 +250,7 @@ TEST_F(UploadTest, UploadsToTheEmulator) {
 TEST_F(UploadTest, SendsAllOfAPipe) {
   const EmulatorProcess emulator;
   const std::string content(100'000, 'p');
-  const std::string pipe = MakeFile("pipe.qmf", "") + ".fifo";
+  const std::string pipe = Path("pipe.qmf");
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << content; });
   const Outcome sent = RunStowra(
@@ -307,12 +258,9 @@ TEST_F(UploadTest, SendsAllOfAPipe) {
   writer.join();
   EXPECT_EQ(sent.status, 0);
   EXPECT_THAT(sent.out, HasSubstr("\"bytes\":100000,"));
-  const std::string received = pipe + ".received";
-  EXPECT_EQ(RunStowra({"download", emulator.url() + "/download?mid=m-1101&rtyp=s", "-o", received})
-                .status,
-            0);
-  std::ifstream file(received, std::ios::binary);
-  EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(file), {}) == content);
+  const std::string url = emulator.url() + "/download?mid=m-1101&rtyp=s";
+  EXPECT_EQ(RunStowra({"download", url, "-o", Path("received")}).status, 0);
+  EXPECT_TRUE(ReadFile(Path("received")) == content);
 }
 
 }  // namespace

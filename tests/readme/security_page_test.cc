@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "common_stowraapi/json/document.h"
@@ -14,6 +12,7 @@
 #include "common_stowraapi/platform/http/response_head.h"
 #include "common_stowraapi/platform/text/number_format.h"
 #include "common_stowraapi/platform/xml/limits.h"
+#include "tests/support/corpora.h"
 
 namespace stowra_test {
 namespace {
@@ -27,49 +26,44 @@ constexpr std::size_t kKib = 1024;
 constexpr std::size_t kMib = 1024 * kKib;
 constexpr std::size_t kGib = 1024 * kMib;
 
-std::string Page() {
-  std::ifstream file(STOWRA_SECURITY_PAGE);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 // Expects a table row that begins with these cells.
 void ExpectRow(const std::string& what, const std::string& limit) {
-  EXPECT_NE(Page().find("\n| " + what + " | " + limit), std::string::npos)
-      << what << " is limited to " << limit;
+  const std::string row = "\n| " + what + " | " + limit;
+  EXPECT_NE(ReadFile(STOWRA_SECURITY_PAGE).find(row), std::string::npos) << row;
+}
+
+void ExpectRow(const char* what, std::size_t limit, const char* unit = " |") {
+  ExpectRow(what, std::to_string(limit) + unit);
 }
 
 TEST(SecurityPageTest, StatesTheLimitsOfReplies) {
-  ExpectRow("body of a reply, decoded, in memory",
-            std::to_string(HttpRequest::kDefaultBodyCap / kMib) + " MiB,");
-  ExpectRow("header lines of a reply",
-            std::to_string(ResponseHead::kMaxBytes / kKib) + " KiB with");
-  ExpectRow("line with the size of a chunk",
-            std::to_string(ChunkDecoder::kMaxSizeLine / kKib) + " KiB |");
-  ExpectRow("one line of the trailing section of chunks",
-            std::to_string(ChunkDecoder::kMaxTrailerLine) + " bytes |");
-  ExpectRow("redirects", std::to_string(HttpRequest::kDefaultRedirectLimit) + " |");
-  ExpectRow("background transfers at a time", std::to_string(BackgroundWorker::kMaxActive) + " |");
+  ExpectRow("body of a reply, decoded, in memory", HttpRequest::kDefaultBodyCap / kMib, " MiB,");
+  ExpectRow("header lines of a reply", ResponseHead::kMaxBytes / kKib, " KiB with");
+  ExpectRow("line with the size of a chunk", ChunkDecoder::kMaxSizeLine / kKib, " KiB |");
+  ExpectRow("one line of the trailing section of chunks", ChunkDecoder::kMaxTrailerLine,
+            " bytes |");
+  ExpectRow("redirects", HttpRequest::kDefaultRedirectLimit);
+  ExpectRow("background transfers at a time", BackgroundWorker::kMaxActive);
 }
 
 TEST(SecurityPageTest, StatesTheLimitsOfJson) {
-  ExpectRow("JSON: levels", std::to_string(ovrant::json::Document::kMaxDepth) + " |");
+  ExpectRow("JSON: levels", ovrant::json::Document::kMaxDepth);
 }
 
 TEST(SecurityPageTest, StatesTheLimitsOfXml) {
   namespace xml = ovrant::xml;
-  ExpectRow("XML: levels of elements", std::to_string(xml::kMaxDepth) + " |");
-  ExpectRow("XML: a namespace URI", std::to_string(xml::kMaxNamespaceUri) + " bytes |");
+  ExpectRow("XML: levels of elements", xml::kMaxDepth);
+  ExpectRow("XML: a namespace URI", xml::kMaxNamespaceUri, " bytes |");
   const std::size_t added = xml::MemoryLimit(0);
   const std::size_t per_byte = xml::MemoryLimit(1) - added;
   ExpectRow("XML: bytes of the tree, and of the parser",
             "each " + std::to_string(per_byte) + " times the document and " +
                 std::to_string(added / kMib) + " MiB |");
-  ExpectRow("XML: document", std::to_string(xml::kMaxDocument / kGib) + " GiB |");
+  ExpectRow("XML: document", xml::kMaxDocument / kGib, " GiB |");
 }
 
 TEST(SecurityPageTest, StatesTheLimitOfFormat) {
-  ExpectRow("`Format`: width, and precision of a number",
-            std::to_string(ovrant::utils::kMaxFormatCount) + " |");
+  ExpectRow("`Format`: width, and precision of a number", ovrant::utils::kMaxFormatCount);
 }
 
 }  // namespace

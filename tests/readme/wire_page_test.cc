@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -16,6 +14,7 @@
 #include "common_stowraapi/services/item_map.h"
 #include "common_stowraapi/services/update_query.h"
 #include "common_stowraapi/services/user_info_query.h"
+#include "tests/support/corpora.h"
 
 namespace stowra_test {
 namespace {
@@ -23,14 +22,9 @@ namespace {
 using namespace ovrant::stowraapiclient;
 using ovrant::utils::ovrant_ustring;
 
-std::string Page() {
-  std::ifstream file(STOWRA_WIRE_PAGE);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 // The code block of that number below a heading, from 0.
 std::string Sample(const std::string& heading, int number = 0) {
-  const std::string page = Page();
+  const std::string page = ReadFile(STOWRA_WIRE_PAGE);
   std::size_t at = page.find("\n## " + heading + "\n");
   for (int fences = 0; at != std::string::npos && fences <= 2 * number; ++fences) {
     at = page.find("\n```", at + 1);
@@ -93,8 +87,9 @@ TEST(WirePageTest, NamesAreFound) {
   EXPECT_EQ(GetStowraIdFromUrl("http://127.0.0.1:8080/download?mid=m-1001&rtyp=k2"), "m-1001");
   EXPECT_EQ(GetFilenameFromContentDisposition("attachment; filename=\"Oak Chair.qmf\""),
             "Oak Chair");
-  EXPECT_NE(Page().find("`attachment; filename=\"Oak Chair.qmf\"` | `Oak Chair` |"),
-            std::string::npos);
+  EXPECT_NE(
+      ReadFile(STOWRA_WIRE_PAGE).find("`attachment; filename=\"Oak Chair.qmf\"` | `Oak Chair` |"),
+      std::string::npos);
 }
 
 }  // namespace
