@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/internet_data_test_peer.h"
@@ -81,12 +82,9 @@ TEST_F(RedirectTest, FailsOnACircle) {
 }
 
 TEST_F(RedirectTest, ResolvesRelativeLocations) {
-  const struct {
-    const char* location;
-    const char* target;
-  } kCases[] = {{"c", "/a/c"},       {"/c", "/c"},         {"../c", "/c"},
-                {"../../c", "/c"},   {"?x=1", "/a/b?x=1"}, {"./", "/a/"},
-                {"c d", "/a/c%20d"}, {"/c#d", "/c"},       {"/%63", "/%63"}};
+  const std::pair<const char*, const char*> kCases[] = {
+      {"c", "/a/c"}, {"/c", "/c"},        {"../c", "/c"}, {"../../c", "/c"}, {"?x=1", "/a/b?x=1"},
+      {"./", "/a/"}, {"c d", "/a/c%20d"}, {"/c#d", "/c"}, {"/%63", "/%63"}};
   for (const auto& [location, target] : kCases) {
     const RawServer server([&](const RawRequest& request, RawConnection& connection) {
       connection.Write(request.target == "/a/b" ? Redirect(302, location) : Response(200, "hello"));
