@@ -29,7 +29,7 @@ TEST_P(IncompleteResponseTest, IsAFailureWhenTheConnectionIsReset) {
     connection.Write(GetParam().bytes);
     connection.Reset();
   });
-  EXPECT_FALSE(Get(server.Url()).received);
+  EXPECT_FALSE(Fetch(server.Url()).received);
 }
 
 #define OK "HTTP/1.1 200 OK\r\n"
@@ -59,7 +59,7 @@ class InvalidResponseTest : public TransportTest, public ::testing::WithParamInt
 
 TEST_P(InvalidResponseTest, IsAFailure) {
   const RawServer server(AlwaysThenClose(GetParam().bytes));
-  EXPECT_EQ(Get(server.Url()), NotReceived(GetParam().status));
+  EXPECT_EQ(Fetch(server.Url()), NotReceived(GetParam().status));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -88,14 +88,14 @@ TEST_F(OddResponseTest, AcceptsTheSameLengthTwice) {
   for (const char* lengths :
        {"Content-Length: 5\r\nContent-Length: 5\r\n", "Content-Length: 5, 5\r\n"}) {
     const RawServer server(Always(std::string(OK) + lengths + "\r\nhello"));
-    EXPECT_EQ(Get(server.Url()), Received(200, "hello")) << lengths;
+    EXPECT_EQ(Fetch(server.Url()), Received(200, "hello")) << lengths;
   }
 }
 
 TEST_F(OddResponseTest, TrailerLikeAStatusLineIsATrailer) {
   const RawServer server(
       Always(CHUNKED "5\r\nhello\r\n0\r\nHTTP/1.1 404 Not: Found\r\nX-Trailer: 1\r\n\r\n"));
-  EXPECT_EQ(Get(server.Url()), Received(200, "hello"));
+  EXPECT_EQ(Fetch(server.Url()), Received(200, "hello"));
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ class ListenerTest : public TransportTest {
 TEST_F(ListenerTest, HearsOfADownload) {
   const std::string body(300'000, 'x');
   const RawServer server(Always(Response(200, body)));
-  EXPECT_TRUE(Get(server.Url("/a")).received);
+  EXPECT_TRUE(Fetch(server.Url("/a")).received);
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/a")), "");
   const auto events = told();
   ASSERT_GE(events.size(), 3U);
@@ -140,7 +140,7 @@ TEST_F(ListenerTest, HearsOfAnUpload) {
 
 TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
   const RawServer server(RedirectTo("/to"));
-  EXPECT_TRUE(Get(server.Url("/from")).received);
+  EXPECT_TRUE(Fetch(server.Url("/from")).received);
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/from")), "");
   EXPECT_EQ(told().back().event.status, 200);
 }
@@ -148,7 +148,7 @@ TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
 TEST_F(ListenerTest, ErrorTextNamesATimeout) {
   SetInactivityTimeout(0.25F);
   const RawServer server(Silence());
-  EXPECT_FALSE(Get(server.Url()).received);
+  EXPECT_FALSE(Fetch(server.Url()).received);
   EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()),
               ::testing::HasSubstr("no data for 0.25 seconds"));
 }
@@ -215,7 +215,7 @@ TEST_F(ListenerTest, MayReplaceItself) {
     ++calls;
     InternetData::SetTransferListener(nullptr);
   });
-  EXPECT_TRUE(Get(hello_.Url()).received);
+  EXPECT_TRUE(Fetch(hello_.Url()).received);
   EXPECT_EQ(calls, 1);
 }
 
@@ -225,9 +225,9 @@ TEST_F(ListenerTest, MayStartATransfer) {
   InternetData::SetTransferListener([&](const TransferEvent& event) {
     if (event.kind != Kind::kProgress || nested) return;
     nested = true;
-    nested_received = Get(hello_.Url("/inner")).received;
+    nested_received = Fetch(hello_.Url("/inner")).received;
   });
-  EXPECT_TRUE(Get(hello_.Url("/outer")).received);
+  EXPECT_TRUE(Fetch(hello_.Url("/outer")).received);
   EXPECT_TRUE(nested_received);
 }
 
@@ -254,7 +254,7 @@ TEST_F(ListenerTest, MayDeleteTheTransportAndItsDelegate) {
 
 TEST_F(ListenerTest, MayStartATransferWhileNothingElseHappens) {
   const RawServer silent(Silence());
-  EXPECT_TRUE(GetInBackground(hello_.Url()).received);
+  EXPECT_TRUE(FetchInBackground(hello_.Url()).received);
   Background stalled(silent.Url());
   Background started(hello_.Url());
   InternetData::SetTransferListener([&](const TransferEvent& event) {
@@ -270,7 +270,7 @@ TEST_F(ListenerTest, HearsOfTransfersOnSeveralThreads) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([this] {
-      for (int k = 0; k < 10; ++k) EXPECT_TRUE(Get(hello_.Url()).received);
+      for (int k = 0; k < 10; ++k) EXPECT_TRUE(Fetch(hello_.Url()).received);
     });
   }
   for (std::thread& thread : threads) thread.join();

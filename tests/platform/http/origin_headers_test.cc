@@ -37,7 +37,7 @@ TEST_F(OriginHeadersTest, GoToTheirOriginOnly) {
 
 TEST_F(OriginHeadersTest, SchemeAndHostOfTheKeyIgnoreCase) {
   SetFor("HTTP://LocalHost:" + std::to_string(server_.port()), "X-Key", "1");
-  EXPECT_TRUE(Get("http://localhost:" + std::to_string(server_.port()) + "/").received);
+  EXPECT_TRUE(Fetch("http://localhost:" + std::to_string(server_.port()) + "/").received);
   EXPECT_EQ(LastRequest(server_).Header("X-Key"), "1");
 }
 
@@ -45,14 +45,14 @@ TEST_F(OriginHeadersTest, KeysThatAreNoOriginMatchNothing) {
   for (const char* key : {"", "127.0.0.1", "http://", "ftp://127.0.0.1/", "none:"}) {
     SetFor(key, "X-Key", "1");
   }
-  EXPECT_TRUE(Get(server_.Url()).received);
+  EXPECT_TRUE(Fetch(server_.Url()).received);
   EXPECT_FALSE(LastRequest(server_).HasHeader("X-Key"));
 }
 
 TEST_F(OriginHeadersTest, WinOverTheCommonOnes) {
   defaults_.extra_request_headers["x-both"] = "common";
   SetFor(server_.Url(), "X-Both", "origin");
-  EXPECT_TRUE(Get(server_.Url()).received);
+  EXPECT_TRUE(Fetch(server_.Url()).received);
   EXPECT_EQ(LastRequest(server_).Header("X-Both"), "origin");
 }
 

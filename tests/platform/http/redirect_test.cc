@@ -24,7 +24,7 @@ TEST_F(RedirectTest, FollowsEveryRedirectOfAGet) {
     EXPECT_EQ(transport.status_code(), 200);
     EXPECT_EQ(BodyOf(transport), "hello");
     EXPECT_EQ(HeaderOf(transport, "Location"), "(none)");
-    EXPECT_EQ(GetInBackground(server.Url("/from")), Received(200, "hello"));
+    EXPECT_EQ(FetchInBackground(server.Url("/from")), Received(200, "hello"));
     ASSERT_EQ(server.requests().size(), 4U);
     for (const std::size_t second : {1U, 3U}) {
       EXPECT_EQ(server.requests()[second].method, "GET");
@@ -77,7 +77,7 @@ TEST_F(RedirectTest, FollowsTwentyAndNoMore) {
 
 TEST_F(RedirectTest, FailsOnACircle) {
   const RawServer server(Always(Redirect(302, "/from")));
-  EXPECT_FALSE(GetInBackground(server.Url("/from")).received);
+  EXPECT_FALSE(FetchInBackground(server.Url("/from")).received);
   EXPECT_EQ(server.requests().size(), std::size_t{kMostRedirects} + 1);
 }
 
@@ -89,7 +89,7 @@ TEST_F(RedirectTest, ResolvesRelativeLocations) {
     const RawServer server([&](const RawRequest& request, RawConnection& connection) {
       connection.Write(request.target == "/a/b" ? Redirect(302, location) : Response(200, "hello"));
     });
-    EXPECT_TRUE(Get(server.Url("/a/b")).received) << location;
+    EXPECT_TRUE(Fetch(server.Url("/a/b")).received) << location;
     ASSERT_EQ(server.requests().size(), 2U) << location;
     EXPECT_EQ(server.requests()[1].target, target);
   }
@@ -99,7 +99,7 @@ TEST_F(RedirectTest, LocationMayNameAnotherServer) {
   const RawServer other(Always(Response(200, "other")));
   for (const std::string& location : {other.Url("/there"), other.Url("/there").substr(5)}) {
     const RawServer server(RedirectTo(location));
-    EXPECT_EQ(Get(server.Url("/from")), Received(200, "other")) << location;
+    EXPECT_EQ(Fetch(server.Url("/from")), Received(200, "other")) << location;
   }
 }
 
@@ -121,7 +121,7 @@ TEST_F(RedirectTest, FailsWhenARedirectBreaksOffInItsHeaders) {
     connection.Write("HTTP/1.1 302 Found\r\nLocation: /to\r\n");
     connection.Close();
   });
-  EXPECT_EQ(Get(server.Url("/from")), NotReceived(302));
+  EXPECT_EQ(Fetch(server.Url("/from")), NotReceived(302));
   EXPECT_EQ(server.requests().size(), 1U);
 }
 

@@ -22,8 +22,8 @@ const std::string kLong(100, 'x');
 class RepeatedTransfersTest : public TransportTest {
  protected:
   static void ExpectHello(const std::string& url) {
-    EXPECT_EQ(Get(url), Received(200, "hello"));
-    EXPECT_EQ(GetInBackground(url), Received(200, "hello"));
+    EXPECT_EQ(Fetch(url), Received(200, "hello"));
+    EXPECT_EQ(FetchInBackground(url), Received(200, "hello"));
   }
 
   // Downloads in turn from a server that answers "/odd" with `bytes` and anything else well. The
@@ -40,8 +40,8 @@ class RepeatedTransfersTest : public TransportTest {
     });
     for (int i = 0; i < 3; ++i) {
       ExpectHello(server.Url("/good"));
-      EXPECT_FALSE(Get(server.Url("/odd")).received);
-      EXPECT_FALSE(GetInBackground(server.Url("/odd")).received);
+      EXPECT_FALSE(Fetch(server.Url("/odd")).received);
+      EXPECT_FALSE(FetchInBackground(server.Url("/odd")).received);
     }
   }
 };
@@ -128,7 +128,7 @@ TEST_F(RepeatedTransfersTest, KeptConnectionsMayCloseAnyNumberOfTimes) {
 TEST_F(RepeatedTransfersTest, ManyImpossibleTransfersDoNotHarmTheNext) {
   const RawServer server(Always(Response(200, "hello")));
   for (const char* url : {"none:", "http://127.0.0.1:99999/", "http://127.0.0.1/a b"}) {
-    for (int i = 0; i < 100; ++i) EXPECT_FALSE(Get(url).received);
+    for (int i = 0; i < 100; ++i) EXPECT_FALSE(Fetch(url).received);
     ExpectHello(server.Url());
   }
 }

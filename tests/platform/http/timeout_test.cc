@@ -125,7 +125,7 @@ TEST_F(TimeoutTest, RedirectsAreProgress) {
     std::this_thread::sleep_for(milliseconds(400));
     connection.Write(step == "xxx" ? Response(200, "hello") : Redirect(302, "/" + step + "x"));
   });
-  EXPECT_EQ(Get(server.Url("/")), Received(200, "hello"));
+  EXPECT_EQ(Fetch(server.Url("/")), Received(200, "hello"));
 }
 
 TEST_F(TimeoutTest, EndsAConnectionThatIsNotMade) {
@@ -205,7 +205,7 @@ TEST_F(TimeoutTest, ReusedConnectionGetsTheWholeTimeout) {
       connection.Stall();
     }
   });
-  EXPECT_EQ(Get(server.Url("/first")), Received(200, "first"));
+  EXPECT_EQ(Fetch(server.Url("/first")), Received(200, "first"));
   ExpectTimeout(Way::kDownload, server.Url());
   EXPECT_EQ(server.connections(), 1);
 }
@@ -216,7 +216,7 @@ TEST_F(TimeoutTest, InvalidSettingMeansTheTransportsOwn) {
   for (const float seconds : {-1.0F, 0.0F, std::numeric_limits<float>::quiet_NaN(),
                               std::numeric_limits<float>::infinity()}) {
     SetInactivityTimeout(seconds);
-    EXPECT_TRUE(Get(good.Url()).received) << seconds;
+    EXPECT_TRUE(Fetch(good.Url()).received) << seconds;
     InternetData transport(Text(silent.Url()));
     InternetDataTestPeer::SetInactivityTimeout(transport, kShort);
     const auto begin = Clock::now();
@@ -226,7 +226,7 @@ TEST_F(TimeoutTest, InvalidSettingMeansTheTransportsOwn) {
     EXPECT_LT(Clock::now() - begin, kSoon) << seconds;
   }
   SetInactivityTimeout(std::numeric_limits<float>::max());
-  EXPECT_TRUE(Get(good.Url()).received);
+  EXPECT_TRUE(Fetch(good.Url()).received);
 }
 
 // The worker has no time to wait beside a reply that comes as fast as it can be read.

@@ -19,8 +19,8 @@ class TlsTest : public TrustingTest {
   static void ExpectRefused(const Certificate& certificate) {
     const RawServer server(Always(Response(200, "hello")), {&certificate});
     for (const std::string& url : {server.Url(), ByName(server)}) {
-      EXPECT_EQ(Get(url), NotReceived());
-      EXPECT_EQ(GetInBackground(url), NotReceived());
+      EXPECT_EQ(Fetch(url), NotReceived());
+      EXPECT_EQ(FetchInBackground(url), NotReceived());
     }
     EXPECT_EQ(server.requests().size(), 0U);
   }
@@ -33,9 +33,9 @@ class TlsTest : public TrustingTest {
 };
 
 TEST_F(TlsTest, AcceptsAGoodCertificate) {
-  EXPECT_EQ(Get(secure_.Url()), Received(200, "hello"));
-  EXPECT_EQ(Get(ByName(secure_)), Received(200, "hello"));
-  EXPECT_EQ(GetInBackground(secure_.Url()), Received(200, "hello"));
+  EXPECT_EQ(Fetch(secure_.Url()), Received(200, "hello"));
+  EXPECT_EQ(Fetch(ByName(secure_)), Received(200, "hello"));
+  EXPECT_EQ(FetchInBackground(secure_.Url()), Received(200, "hello"));
 }
 
 // The second one has only the name of the trusted one.
@@ -64,16 +64,16 @@ TEST_F(TlsTest, FailsWithoutTheAuthorityFile) {
 }
 
 TEST_F(TlsTest, DoesNotReuseAConnectionUnderAnotherAuthority) {
-  EXPECT_TRUE(Get(secure_.Url()).received);
+  EXPECT_TRUE(Fetch(secure_.Url()).received);
   CertificateAuthority("stranger").WriteTo(folder_.path() / "stranger.pem");
   Trust("stranger.pem");
-  EXPECT_FALSE(Get(secure_.Url()).received);
+  EXPECT_FALSE(Fetch(secure_.Url()).received);
 }
 
 TEST_F(TlsTest, FailsWhenTheServerSpeaksNoTls) {
   const RawServer server(AlwaysThenClose(Response(200, "hello")));
   SetInactivityTimeout(0.3F);
-  EXPECT_EQ(Get("https" + server.Url().substr(4)), NotReceived());
+  EXPECT_EQ(Fetch("https" + server.Url().substr(4)), NotReceived());
 }
 
 // Without close_notify, anyone on the path may have cut the connection.
@@ -84,7 +84,7 @@ TEST_F(TlsTest, FailsWhenABodyWithoutLengthIsCutOff) {
         connection.Reset();
       },
       tls_);
-  EXPECT_FALSE(Get(server.Url()).received);
+  EXPECT_FALSE(Fetch(server.Url()).received);
 }
 
 // A body that ends with its connection is whole only after close_notify.
@@ -105,12 +105,12 @@ class TlsEndTest : public TlsTest {
         },
         tls_);
     const RawServer plain(Always(Redirect(302, server.Url())));
-    std::vector<bool> results = {Get(server.Url()).received};
-    EXPECT_TRUE(Get(server.Url("/good")).received);
-    results.push_back(Get(server.Url()).received);
-    results.push_back(Get(plain.Url()).received);
+    std::vector<bool> results = {Fetch(server.Url()).received};
+    EXPECT_TRUE(Fetch(server.Url("/good")).received);
+    results.push_back(Fetch(server.Url()).received);
+    results.push_back(Fetch(plain.Url()).received);
     results.push_back(Ask(Way::kSendAndRead, server.Url(), "data").received);
-    results.push_back(GetInBackground(server.Url()).received);
+    results.push_back(FetchInBackground(server.Url()).received);
     return results;
   }
 };
@@ -137,7 +137,7 @@ TEST_F(TlsTest, SurvivesAResetOfAnIdleConnection) {
       },
       tls_);
   for (int i = 0; i < 5; ++i) {
-    Get(server.Url());
+    Fetch(server.Url());
     EXPECT_TRUE(server.WaitUntilUnused());
   }
   EXPECT_EQ(server.connections(), 5);
@@ -145,9 +145,9 @@ TEST_F(TlsTest, SurvivesAResetOfAnIdleConnection) {
 
 TEST_F(TlsTest, FollowsARedirectToHttps) {
   const RawServer from_http(Always(Redirect(302, secure_.Url())));
-  EXPECT_EQ(Get(from_http.Url()), Received(200, "hello"));
+  EXPECT_EQ(Fetch(from_http.Url()), Received(200, "hello"));
   const RawServer from_https(Always(Redirect(302, secure_.Url())), tls_);
-  EXPECT_EQ(Get(from_https.Url()), Received(200, "hello"));
+  EXPECT_EQ(Fetch(from_https.Url()), Received(200, "hello"));
 }
 
 TEST_F(TlsTest, RefusesARedirectFromHttpsToHttp) {
@@ -169,16 +169,16 @@ TEST_F(TlsTest, RefusesARedirectFromHttpsToHttpAtEveryHop) {
       },
       tls_);
   const RawServer first(Always(Redirect(302, server.Url())));
-  EXPECT_FALSE(Get(first.Url()).received);
+  EXPECT_FALSE(Fetch(first.Url()).received);
   EXPECT_EQ(server.requests().size(), 2U);
   EXPECT_EQ(plain.requests().size(), 0U);
 }
 
 TEST_F(TlsTest, RefusesARedirectToHttpOnAnOpenConnection) {
   const RawServer plain(Always(Response(200, "plain")));
-  EXPECT_TRUE(Get(plain.Url()).received);
+  EXPECT_TRUE(Fetch(plain.Url()).received);
   const RawServer server(Always(Redirect(302, plain.Url("/leak"))), tls_);
-  EXPECT_FALSE(Get(server.Url()).received);
+  EXPECT_FALSE(Fetch(server.Url()).received);
   EXPECT_EQ(plain.requests().size(), 1U);
 }
 

@@ -156,7 +156,7 @@ TEST_F(TransferTraceTest, PostIsToldOnTheThreadOfTheCompletion) {
 
 TEST_F(TransferTraceTest, ConnectionNamesItsAddressAndPort) {
   Listen(TransferDetail::kSteps);
-  Get("http://localhost:" + std::to_string(hello_.port()) + "/");
+  Fetch("http://localhost:" + std::to_string(hello_.port()) + "/");
   const TransferEvent connected = EventOf(Kind::kConnected);
   EXPECT_EQ(connected.address, "127.0.0.1");
   EXPECT_EQ(connected.port, hello_.port());
@@ -171,7 +171,7 @@ TEST_F(TransferTraceTest, ThroughAProxyTheConnectionIsTheProxys) {
   defaults_.proxy = Text(hello_.Url(""));
   InternetData::SetDefaults(defaults_);
   Listen(TransferDetail::kHeads);
-  Get("http://nobody.invalid/a");
+  Fetch("http://nobody.invalid/a");
   EXPECT_EQ(EventOf(Kind::kConnected).port, hello_.port());
   EXPECT_THAT(HeadOf(Kind::kRequest), StartsWith("GET http://nobody.invalid/a HTTP/1.1\n"));
   EXPECT_EQ(EventOf(Kind::kEnded).url, Text("http://nobody.invalid/a"));
@@ -180,7 +180,7 @@ TEST_F(TransferTraceTest, ThroughAProxyTheConnectionIsTheProxys) {
 
 TEST_F(TransferTraceTest, TellsOfAKeptConnection) {
   Listen(TransferDetail::kSteps);
-  for (int i = 0; i < 2; ++i) Get(hello_.Url());
+  for (int i = 0; i < 2; ++i) Fetch(hello_.Url());
   EXPECT_FALSE(EventOf(Kind::kConnected, 0).is_reused);
   EXPECT_TRUE(EventOf(Kind::kConnected, 1).is_reused);
   EXPECT_TRUE(EventOf(Kind::kEnded, 1).is_reused);
@@ -191,7 +191,7 @@ TEST_F(TransferTraceTest, TlsVersionIsKeptWithTheConnection) {
   const RawServer server(Always(Response(200, "hello")), tls_);
   Listen(TransferDetail::kSteps);
   for (int i = 0; i < 2; ++i) {
-    Get(server.Url());
+    Fetch(server.Url());
     EXPECT_EQ(EventOf(Kind::kConnected, i).tls, "TLSv1.3");
     EXPECT_EQ(EventOf(Kind::kConnected, i).is_reused, i == 1);
   }
@@ -213,7 +213,7 @@ TEST_F(TransferTraceTest, ConnectionWithBytesOnItIsNotTold) {
   EXPECT_EQ(TakeSteps(), kOneRequest);
   first_ended.Set();
   ASSERT_TRUE(sent.Wait());
-  Get(server.Url());
+  Fetch(server.Url());
   EXPECT_FALSE(EventOf(Kind::kConnected).is_reused);
   EXPECT_EQ(EventOf(Kind::kConnected).request, 1U);
   EXPECT_EQ(TakeSteps(), kOneRequest);
@@ -236,7 +236,7 @@ TEST_F(TransferTraceTest, HeadsAreThoseOnTheWire) {
 
 TEST_F(TransferTraceTest, HeadsAreEmptyWithStepsAlone) {
   Listen(TransferDetail::kSteps);
-  Get(hello_.Url("/a"));
+  Fetch(hello_.Url("/a"));
   for (const TransferEvent& event : events()) EXPECT_TRUE(event.head.empty());
   EXPECT_EQ(EventOf(Kind::kRequest).request_url, Text(hello_.Url("/a")));
 }
@@ -245,7 +245,7 @@ TEST_F(TransferTraceTest, InterimResponsesHaveHeadsOfTheirOwn) {
   const RawServer server(
       Always("HTTP/1.1 103 Early Hints\r\nLink: </a>\r\n\r\n" + Response(200, "hello")));
   Listen(TransferDetail::kHeads);
-  Get(server.Url());
+  Fetch(server.Url());
   EXPECT_EQ(HeadOf(Kind::kResponse, 0), "HTTP/1.1 103 Early Hints\nLink: </a>\n");
   EXPECT_EQ(EventOf(Kind::kResponse, 0).status, 103);
   EXPECT_EQ(HeadOf(Kind::kResponse, 1), "HTTP/1.1 200 Text\nContent-Length: 5\n");
@@ -255,7 +255,7 @@ TEST_F(TransferTraceTest, InterimResponsesHaveHeadsOfTheirOwn) {
 TEST_F(TransferTraceTest, EachRedirectIsAnotherRequest) {
   const RawServer server(RedirectTo("/to"));
   Listen(TransferDetail::kHeads);
-  Get(server.Url("/from"));
+  Fetch(server.Url("/from"));
   const TransferEvent redirected = EventOf(Kind::kRedirected);
   EXPECT_EQ(redirected.request, 1U);
   EXPECT_EQ(redirected.request_url, Text(server.Url("/from")));
@@ -330,7 +330,7 @@ TEST_F(TransferTraceTest, SecretsAreShownOnRequest) {
   defaults_.extra_request_headers["Authorization"] = "SECRET";
   InternetData::SetDefaults(defaults_);
   Listen(TransferDetail::kHeads, TransferSecrets::kShown);
-  Get(hello_.Url("/?a=b"));
+  Fetch(hello_.Url("/?a=b"));
   EXPECT_EQ(EventOf(Kind::kRequest).request_url, Text(hello_.Url("/?a=b")));
   EXPECT_THAT(HeadOf(Kind::kRequest),
               AllOf(StartsWith("GET /?a=b HTTP/1.1\n"), HasSubstr("\nAuthorization: SECRET\n")));
@@ -358,7 +358,7 @@ TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
   };
   Listen(TransferDetail::kHeads);
   for (const auto& [url, reason, steps] : cases) {
-    Get(url);
+    Fetch(url);
     EXPECT_EQ(EventOf(Kind::kEnded).reason, reason) << url;
     EXPECT_EQ(TakeSteps(), steps) << url;
   }
@@ -367,7 +367,7 @@ TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
 TEST_F(TransferTraceTest, EndShowsAHeadThatBrokeOff) {
   const RawServer server(AlwaysThenClose("HTTP/1.1 200 OK\r\nX-Whole: 1\r\nX-Par"));
   Listen(TransferDetail::kHeads);
-  Get(server.Url());
+  Fetch(server.Url());
   EXPECT_THAT(HeadOf(Kind::kEnded), StartsWith("HTTP/1.1 200 OK\nX-Whole: 1\n"));
 }
 

@@ -41,8 +41,8 @@ inline constexpr unsigned int kFailedMessage = 2;
 inline constexpr std::size_t kLargeBody = std::size_t{32} << 20;
 
 // Download `url`. A failure must leave neither body nor headers.
-inline Answer Get(const std::string& url) { return Ask(Way::kDownload, url, ""); }
-inline Answer GetInBackground(const std::string& url) {
+inline Answer Fetch(const std::string& url) { return Ask(Way::kDownload, url, ""); }
+inline Answer FetchInBackground(const std::string& url) {
   return Ask(Way::kDownloadWithDelegate, url, "");
 }
 inline Answer NotReceived(int status = 0) { return {false, status, ""}; }
