@@ -18,10 +18,7 @@ using Peer = ovrant::internet::InternetDataTestPeer;
 TEST(InitialState, FreshTransportHoldsItsUrlAndNoResponse) {
   const InternetData transport(Text("http://example.invalid/"));
   EXPECT_EQ(Peer::Url(transport), Text("http://example.invalid/"));
-  EXPECT_EQ(transport.status_code(), 0);
-  EXPECT_EQ(transport.received_data(), nullptr);
-  EXPECT_EQ(transport.received_data_length(), 0U);
-  EXPECT_TRUE(transport.received_headers().empty());
+  ExpectFailureState(transport);
 }
 
 TEST(InitialState, SettingsHaveTheirInitialValues) {
@@ -54,21 +51,13 @@ TEST(InitialState, CopiesTheUrl) {
   EXPECT_EQ(Peer::Url(transport), Text("http://example.invalid/"));
 }
 
-class DerivedTransport final : public InternetData {
+// Notes its destruction.
+template <typename Base>
+class Derived final : public Base {
  public:
-  DerivedTransport(const ovrant_ustring& url, bool& destroyed)
-      : InternetData(url), destroyed_(destroyed) {}
-  ~DerivedTransport() override { destroyed_ = true; }
-
- private:
-  bool& destroyed_;
-};
-
-class DerivedDelegate final : public InternetDataDelegate {
- public:
-  explicit DerivedDelegate(bool& destroyed)
-      : InternetDataDelegate(nullptr, 0, kReturned, 0, kFailed), destroyed_(destroyed) {}
-  ~DerivedDelegate() override { destroyed_ = true; }
+  template <typename... Args>
+  explicit Derived(bool& destroyed, Args... args) : Base(args...), destroyed_(destroyed) {}
+  ~Derived() override { destroyed_ = true; }
 
  private:
   bool& destroyed_;
@@ -76,13 +65,10 @@ class DerivedDelegate final : public InternetDataDelegate {
 
 TEST(InitialState, DestructorsAreVirtual) {
   bool transport_destroyed = false;
-  std::unique_ptr<InternetData> transport =
-      std::make_unique<DerivedTransport>(Text(""), transport_destroyed);
   bool delegate_destroyed = false;
-  std::unique_ptr<InternetDataDelegate> delegate =
-      std::make_unique<DerivedDelegate>(delegate_destroyed);
-  transport.reset();
-  delegate.reset();
+  std::unique_ptr<InternetData>(new Derived<InternetData>(transport_destroyed, Text("")));
+  std::unique_ptr<InternetDataDelegate>(
+      new Derived<InternetDataDelegate>(delegate_destroyed, nullptr, 0U, kReturned, 0U, kFailed));
   EXPECT_TRUE(transport_destroyed);
   EXPECT_TRUE(delegate_destroyed);
 }

@@ -2,17 +2,14 @@
 // Bodies whose length does not fit 32 bits. They take no space on disk.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "tests/platform/http/body_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -20,25 +17,8 @@ namespace {
 constexpr std::uint64_t kLengths[] = {(std::uint64_t{1} << 31) - 1, std::uint64_t{1} << 31,
                                       std::uint64_t{1} << 32, 5'000'000'000};
 
-// A sum that depends on each word of eight bytes and on its place.
-class Checksum {
- public:
-  void Add(const char* data, std::size_t size) {
-    for (std::size_t i = 0; i < size;) {
-      const std::size_t count = std::min(size - i, sizeof(std::uint64_t));
-      std::uint64_t word = 0;
-      std::memcpy(&word, data + i, count);
-      sum_ = (sum_ ^ word) * 0x9E3779B97F4A7C15U + 1;
-      i += count;
-    }
-  }
-  std::uint64_t sum() const { return sum_; }
-
- private:
-  std::uint64_t sum_ = 0;
-};
-
-// Sums whole blocks, however the bytes are cut.
+// A sum that depends on each byte and on its place, however the bytes are cut. Adds whole blocks,
+// word by word.
 class BlockSum {
  public:
   void Add(const char* data, std::size_t size) {
@@ -54,18 +34,22 @@ class BlockSum {
   std::uint64_t count() const { return count_; }
   std::uint64_t Sum() {
     Flush();
-    return sum_.sum();
+    return sum_;
   }
 
  private:
   static constexpr std::size_t kBlock = std::size_t{1} << 16;
 
   void Flush() {
-    sum_.Add(block_.data(), block_.size());
+    for (std::size_t i = 0; i < block_.size(); i += sizeof(std::uint64_t)) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, block_.data() + i, std::min(block_.size() - i, sizeof(word)));
+      sum_ = (sum_ ^ word) * 0x9E3779B97F4A7C15U + 1;
+    }
     block_.clear();
   }
 
-  Checksum sum_;
+  std::uint64_t sum_ = 0;
   std::string block_;
   std::uint64_t count_ = 0;
 };

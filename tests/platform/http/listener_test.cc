@@ -10,7 +10,6 @@
 
 #include "common_stowraapi/platform/notification_center.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -25,13 +24,15 @@ struct Told {
 // Collects the events of the listener.
 class ListenerTest : public TransportTest {
  protected:
-  ListenerTest() {
+  ListenerTest() { Listen(); }
+  ~ListenerTest() override { InternetData::SetTransferListener(nullptr); }
+
+  void Listen() {
     InternetData::SetTransferListener([this](const TransferEvent& event) {
       const std::lock_guard<std::mutex> lock(mutex_);
       told_.push_back({event, std::this_thread::get_id()});
     });
   }
-  ~ListenerTest() override { InternetData::SetTransferListener(nullptr); }
 
   std::vector<Told> told() {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -56,6 +57,27 @@ class ListenerTest : public TransportTest {
     return events.back().event.error.utf8();
   }
 
+  // Calls `replace` on this thread while the listener hears on another that a transfer starts.
+  void ExpectToWait(const std::function<void()>& replace) const {
+    Event entered;
+    Event replaced;
+    std::atomic<bool> returned_too_early{false};
+    InternetData::SetTransferListener([&](const TransferEvent& event) {
+      if (event.kind != Kind::kStarted) return;
+      entered.Set();
+      returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
+    });
+    Background background(hello_.Url());
+    ASSERT_TRUE(background.Start());
+    ASSERT_TRUE(entered.Wait());
+    replace();
+    replaced.Set();
+    EXPECT_EQ(background.WaitForEnd(), kReturned);
+    EXPECT_FALSE(returned_too_early);
+  }
+
+  const RawServer hello_{Always(Response(200, "hello"))};
+
   std::mutex mutex_;
   std::vector<Told> told_;
 };
@@ -63,9 +85,7 @@ class ListenerTest : public TransportTest {
 TEST_F(ListenerTest, HearsOfADownload) {
   const std::string body(300'000, 'x');
   const RawServer server(Always(Response(200, body)));
-  InternetData transport(Text(server.Url("/a")));
-  EXPECT_TRUE(transport.Download());
-
+  EXPECT_TRUE(Fetch(server.Url("/a")).received);
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/a")), "");
   const auto events = told();
   ASSERT_GE(events.size(), 3U);
@@ -90,8 +110,7 @@ TEST_F(ListenerTest, HearsOfADownload) {
 TEST_F(ListenerTest, HearsOfABackgroundTransferOnItsThread) {
   const RawServer server(Always(Response(404, "hello")));
   Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(background.Run(), kReturned);
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url()), "");
   EXPECT_EQ(told().back().event.status, 404);
   const auto posting_thread = background.recorder.entries().at(0).thread;
@@ -120,12 +139,8 @@ TEST_F(ListenerTest, HearsOfAnUpload) {
 }
 
 TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
-                                               : Response(200, "hello"));
-  });
-  InternetData transport(Text(server.Url("/from")));
-  EXPECT_TRUE(transport.Download());
+  const RawServer server(RedirectTo("/to"));
+  EXPECT_TRUE(Fetch(server.Url("/from")).received);
   EXPECT_EQ(ErrorOfTheOneTransfer(server.Url("/from")), "");
   EXPECT_EQ(told().back().event.status, 200);
 }
@@ -133,8 +148,7 @@ TEST_F(ListenerTest, UrlIsTheOneBeforeRedirects) {
 TEST_F(ListenerTest, ErrorTextNamesATimeout) {
   SetInactivityTimeout(0.25F);
   const RawServer server(Silence());
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
+  EXPECT_FALSE(Fetch(server.Url()).received);
   EXPECT_THAT(ErrorOfTheOneTransfer(server.Url()),
               ::testing::HasSubstr("no data for 0.25 seconds"));
 }
@@ -148,10 +162,8 @@ TEST_F(ListenerTest, HearsTheEndOfADroppedTransfer) {
   }
   ASSERT_TRUE(server.WaitUntilUnused());
   LetWorkerCatchUp();
-  auto events = told();
-  ASSERT_GE(events.size(), 2U);
   int ends = 0;
-  for (const Told& each : events) {
+  for (const Told& each : told()) {
     if (each.event.url != Text(server.Url()) || each.event.kind != Kind::kEnded) continue;
     ++ends;
     EXPECT_FALSE(each.event.error.empty());
@@ -161,18 +173,12 @@ TEST_F(ListenerTest, HearsTheEndOfADroppedTransfer) {
 
 TEST_F(ListenerTest, IsReadWhenATransferStarts) {
   Event answer;
-  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
-    EXPECT_TRUE(answer.Wait());
-    connection.Write(Response(200, "hello"));
-  });
+  const RawServer server(HelloAfter(answer));
   Background before(server.Url("/before"));
   InternetData::SetTransferListener(nullptr);
   ASSERT_TRUE(before.Start());
   ASSERT_TRUE(server.WaitForRequests(1));
-  InternetData::SetTransferListener([this](const TransferEvent& event) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    told_.push_back({event, std::this_thread::get_id()});
-  });
+  Listen();
   answer.Set();
   EXPECT_EQ(before.WaitForEnd(), kReturned);
   EXPECT_TRUE(told().empty());
@@ -180,10 +186,7 @@ TEST_F(ListenerTest, IsReadWhenATransferStarts) {
 
 TEST_F(ListenerTest, HearsNothingMoreAfterItsRemoval) {
   Event answer;
-  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
-    EXPECT_TRUE(answer.Wait());
-    connection.Write(Response(200, "hello"));
-  });
+  const RawServer server(HelloAfter(answer));
   Background background(server.Url());
   ASSERT_TRUE(background.Start());
   ASSERT_TRUE(server.WaitForRequests(1));
@@ -195,45 +198,15 @@ TEST_F(ListenerTest, HearsNothingMoreAfterItsRemoval) {
 }
 
 TEST_F(ListenerTest, ReplacementWaitsForACallOnAnotherThread) {
-  Event entered;
-  Event replaced;
-  std::atomic<bool> returned_too_early{false};
-  InternetData::SetTransferListener([&](const TransferEvent& event) {
-    if (event.kind != Kind::kStarted) return;
-    entered.Set();
-    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
-  });
-  const RawServer server(Always(Response(200, "hello")));
-  Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(entered.Wait());
-  InternetData::SetTransferListener(nullptr);
-  replaced.Set();
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
-  EXPECT_FALSE(returned_too_early);
+  ExpectToWait([] { InternetData::SetTransferListener(nullptr); });
 }
 
 TEST_F(ListenerTest, ReplacementInsideADeliveryWaits) {
   static constexpr char kOther[] = "ListenerTestOther";
-  Event entered;
-  Event replaced;
-  std::atomic<bool> returned_too_early{false};
-  InternetData::SetTransferListener([&](const TransferEvent& event) {
-    if (event.kind != Kind::kStarted) return;
-    entered.Set();
-    returned_too_early = replaced.Wait(std::chrono::milliseconds(100));
+  ExpectToWait([] {
+    const NotificationRecorder other({kOther}, [] { InternetData::SetTransferListener(nullptr); });
+    CNotificationCenter::Default()->SendNotification(kOther, nullptr);
   });
-  const RawServer server(Always(Response(200, "hello")));
-  Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  ASSERT_TRUE(entered.Wait());
-  const NotificationRecorder other({kOther}, [&] {
-    InternetData::SetTransferListener(nullptr);
-    replaced.Set();
-  });
-  CNotificationCenter::Default()->SendNotification(kOther, nullptr);
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
-  EXPECT_FALSE(returned_too_early);
 }
 
 TEST_F(ListenerTest, MayReplaceItself) {
@@ -242,24 +215,19 @@ TEST_F(ListenerTest, MayReplaceItself) {
     ++calls;
     InternetData::SetTransferListener(nullptr);
   });
-  const RawServer server(Always(Response(200, "hello")));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(Fetch(hello_.Url()).received);
   EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ListenerTest, MayStartATransfer) {
-  const RawServer server(Always(Response(200, "hello")));
   bool nested = false;
   bool nested_received = false;
   InternetData::SetTransferListener([&](const TransferEvent& event) {
     if (event.kind != Kind::kProgress || nested) return;
     nested = true;
-    InternetData inner(Text(server.Url("/inner")));
-    nested_received = inner.Download();
+    nested_received = Fetch(hello_.Url("/inner")).received;
   });
-  InternetData transport(Text(server.Url("/outer")));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(Fetch(hello_.Url("/outer")).received);
   EXPECT_TRUE(nested_received);
 }
 
@@ -285,22 +253,12 @@ TEST_F(ListenerTest, MayDeleteTheTransportAndItsDelegate) {
 }
 
 TEST_F(ListenerTest, MayStartATransferWhileNothingElseHappens) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    if (request.target == "/stall") {
-      connection.Stall();
-    } else {
-      connection.Write(Response(200, "hello"));
-    }
-  });
-  {
-    Background before(server.Url());
-    ASSERT_TRUE(before.Start());
-    EXPECT_EQ(before.WaitForEnd(), kReturned);
-  }
-  Background stalled(server.Url("/stall"));
-  Background started(server.Url());
+  const RawServer silent(Silence());
+  EXPECT_TRUE(FetchInBackground(hello_.Url()).received);
+  Background stalled(silent.Url());
+  Background started(hello_.Url());
   InternetData::SetTransferListener([&](const TransferEvent& event) {
-    if (event.kind != Kind::kStarted || event.url != Text(server.Url("/stall"))) return;
+    if (event.kind != Kind::kStarted || event.url != Text(silent.Url())) return;
     started.transport->DownloadWithDelegate(started.delegate.get(), nullptr);
   });
   ASSERT_TRUE(stalled.Start());
@@ -309,14 +267,10 @@ TEST_F(ListenerTest, MayStartATransferWhileNothingElseHappens) {
 }
 
 TEST_F(ListenerTest, HearsOfTransfersOnSeveralThreads) {
-  const RawServer server(Always(Response(200, "hello")));
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&server] {
-      for (int k = 0; k < 10; ++k) {
-        InternetData transport(Text(server.Url()));
-        EXPECT_TRUE(transport.Download());
-      }
+    threads.emplace_back([this] {
+      for (int k = 0; k < 10; ++k) EXPECT_TRUE(Fetch(hello_.Url()).received);
     });
   }
   for (std::thread& thread : threads) thread.join();

@@ -9,7 +9,6 @@
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -21,15 +20,11 @@ class LongHeaderTest : public TransportTest {
   // Sends each reply, and lets it fail as too large or succeed.
   static void ExpectTooLargeOrReceived(const std::string& reply) {
     Event answer;
-    const RawServer others([&answer](const RawRequest&, RawConnection& connection) {
-      EXPECT_TRUE(answer.Wait());
-      connection.Write(Response(200, "hello"));
-    });
+    const RawServer others(HelloAfter(answer));
     std::vector<std::unique_ptr<Background>> running;
     for (std::size_t i = 0; i < 5; ++i) {
       running.push_back(std::make_unique<Background>(others.Url()));
-      ASSERT_TRUE(
-          running.back()->transport->DownloadWithDelegate(running.back()->delegate.get(), nullptr));
+      ASSERT_TRUE(running.back()->Start());
     }
     ASSERT_TRUE(others.WaitForRequests(running.size()));
     const RawServer server([&reply](const RawRequest& request, RawConnection& connection) {

@@ -7,7 +7,6 @@
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -21,18 +20,14 @@ class OriginHeadersTest : public TransportTest {
 
   TransferDefaults defaults_;
   const RawServer other_{Always(Response(200, "hello"))};
-  const RawServer server_{[this](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/leave"
-                         ? Response(302, "", "Location: " + other_.Url() + "\r\n")
-                         : Response(200, "hello"));
-  }};
+  const RawServer server_{RedirectTo(other_.Url())};
 };
 
 TEST_F(OriginHeadersTest, GoToTheirOriginOnly) {
   SetFor(server_.Url("/any/path?x"), "Authorization", "first");
   SetFor(other_.Url(""), "X-Other", "second");
   for (const Way way : kAllWays) {
-    EXPECT_EQ(ReasonOf(way, server_.Url("/leave")), TransferError::kNone);
+    EXPECT_EQ(ReasonOf(way, server_.Url("/from")), TransferError::kNone);
     EXPECT_EQ(LastRequest(server_).Header("Authorization"), "first");
     EXPECT_FALSE(LastRequest(server_).HasHeader("X-Other"));
     EXPECT_EQ(LastRequest(other_).Header("X-Other"), "second");
@@ -42,8 +37,7 @@ TEST_F(OriginHeadersTest, GoToTheirOriginOnly) {
 
 TEST_F(OriginHeadersTest, SchemeAndHostOfTheKeyIgnoreCase) {
   SetFor("HTTP://LocalHost:" + std::to_string(server_.port()), "X-Key", "1");
-  InternetData transport(Text("http://localhost:" + std::to_string(server_.port()) + "/"));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(Fetch("http://localhost:" + std::to_string(server_.port()) + "/").received);
   EXPECT_EQ(LastRequest(server_).Header("X-Key"), "1");
 }
 
@@ -51,16 +45,14 @@ TEST_F(OriginHeadersTest, KeysThatAreNoOriginMatchNothing) {
   for (const char* key : {"", "127.0.0.1", "http://", "ftp://127.0.0.1/", "none:"}) {
     SetFor(key, "X-Key", "1");
   }
-  InternetData transport(Text(server_.Url()));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(Fetch(server_.Url()).received);
   EXPECT_FALSE(LastRequest(server_).HasHeader("X-Key"));
 }
 
 TEST_F(OriginHeadersTest, WinOverTheCommonOnes) {
   defaults_.extra_request_headers["x-both"] = "common";
   SetFor(server_.Url(), "X-Both", "origin");
-  InternetData transport(Text(server_.Url()));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_TRUE(Fetch(server_.Url()).received);
   EXPECT_EQ(LastRequest(server_).Header("X-Both"), "origin");
 }
 
@@ -78,7 +70,7 @@ TEST_F(OriginHeadersTest, LoseToTheHeadersOfTheRequest) {
 // The request's own header stays at the first origin, so nothing is there to win.
 TEST_F(OriginHeadersTest, AreNotReplacedByHeadersThatStayBehind) {
   SetFor(other_.Url(), "Authorization", "origin");
-  InternetData transport(Text(server_.Url("/leave")));
+  InternetData transport(Text(server_.Url("/from")));
   transport.SetValueForHTTPSendHeaders("Authorization", "own");
   EXPECT_TRUE(transport.Download());
   EXPECT_EQ(LastRequest(server_).Header("Authorization"), "own");

@@ -1,27 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/platform/http/exit_child.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/certificates.h"
-#include "tests/support/raw_server.h"
-#include "tests/support/temporary_folder.h"
-
-extern char** environ;
+#include "tests/support/child_process.h"
 
 namespace stowra_test {
 namespace {
@@ -34,37 +24,17 @@ constexpr std::size_t kTransfers = kExitChildTransfers;
 // A child program, with pipes to its input and from its output.
 class Child {
  public:
-  explicit Child(std::vector<std::string> words) {
-    std::array<int, 2> output = {-1, -1};
-    EXPECT_EQ(pipe(input_.data()), 0);
-    EXPECT_EQ(pipe(output.data()), 0);
-    for (const int end : {input_[0], input_[1], output[0], output[1]}) {
-      fcntl(end, F_SETFD, FD_CLOEXEC);
-    }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input_[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    EXPECT_EQ(posix_spawn(&pid_, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    close(output[1]);
-    output_ = output[0];
-  }
-  ~Child() {
-    if (pid_ > 0) {
-      kill(pid_, SIGKILL);
-      waitpid(pid_, nullptr, 0);
-    }
-    for (const int end : {input_[0], input_[1], output_}) close(end);
+  Child(const char* program, const std::vector<std::string>& words)
+      : process_({program,
+                  words,
+                  {},
+                  {},
+                  {{input_.read_end.number(), STDIN_FILENO},
+                   {output_.write_end.number(), STDOUT_FILENO}}}) {
+    output_.write_end.Close();
   }
 
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-
-  void SayGo() { EXPECT_EQ(write(input_[1], "go\n", 3), 3); }
+  void SayGo() { EXPECT_TRUE(input_.write_end.WriteAll("go\n")); }
 
   void ExpectLine(const char* text) {
     std::string line;
@@ -80,31 +50,28 @@ class Child {
     // The output ends with the program.
     EXPECT_EQ(ReadByte(), std::nullopt);
     ASSERT_TRUE(output_ended_) << "it still runs";
-    int status = 0;
-    ASSERT_EQ(waitpid(pid_, &status, 0), pid_);
-    pid_ = -1;
+    EXPECT_EQ(process_.Wait(), kExitChildCode);
     EXPECT_LT(Clock::now() - begin, kLongestExit);
-    EXPECT_TRUE(WIFEXITED(status)) << "signal " << WTERMSIG(status);
-    EXPECT_EQ(WEXITSTATUS(status), kExitChildCode);
   }
 
  private:
   // Gives nothing at the end of the output, or when nothing comes within kPatience.
   std::optional<char> ReadByte() {
-    pollfd readable = {output_, POLLIN, 0};
+    const int output = output_.read_end.number();
+    pollfd readable = {output, POLLIN, 0};
     const auto limit = std::chrono::milliseconds(kPatience).count();
     if (poll(&readable, 1, static_cast<int>(limit)) != 1) return std::nullopt;
     char byte = 0;
-    if (read(output_, &byte, 1) == 1) return byte;
+    if (read(output, &byte, 1) == 1) return byte;
     output_ended_ = true;
     return std::nullopt;
   }
 
-  pid_t pid_ = -1;
-  // Both ends stay open here, so writing to a program that has ended raises no signal.
-  std::array<int, 2> input_ = {-1, -1};
-  int output_ = -1;
+  // Both ends of the input stay open here, so writing to an ended program raises no signal.
+  OwnedPipe input_;
+  OwnedPipe output_;
   bool output_ended_ = false;
+  ChildProcess process_;
 };
 
 std::string NameOfWay(const testing::TestParamInfo<const char*>& test) {
@@ -113,15 +80,22 @@ std::string NameOfWay(const testing::TestParamInfo<const char*>& test) {
   return name;
 }
 
+// Waits for so many requests of a program in that mode. Then it must leave in time.
+void ExpectQuickExit(const char* mode, const RawServer& server, std::size_t requests = kTransfers,
+                     const std::string& authority = "") {
+  std::vector<std::string> words = {mode, server.Url()};
+  if (!authority.empty()) words.push_back(authority);
+  Child child(STOWRA_EXIT_CHILD, words);
+  ASSERT_TRUE(server.WaitForRequests(requests));
+  child.SayGo();
+  child.ExpectToLeave();
+}
+
 class ProcessExitTest : public ::testing::TestWithParam<const char*> {};
 
 // The server does not answer.
 TEST_P(ProcessExitTest, IsQuickWhileTransfersAreStalled) {
-  const RawServer server(Silence());
-  Child child({STOWRA_EXIT_CHILD, GetParam(), server.Url()});
-  ASSERT_TRUE(server.WaitForRequests(kTransfers));
-  child.SayGo();
-  child.ExpectToLeave();
+  ExpectQuickExit(GetParam(), RawServer(Silence()));
 }
 
 TEST_P(ProcessExitTest, IsQuickWhileTlsTransfersAreStalled) {
@@ -129,12 +103,8 @@ TEST_P(ProcessExitTest, IsQuickWhileTlsTransfersAreStalled) {
   const CertificateAuthority authority("trusted");
   authority.WriteTo(folder.path() / "authority.pem");
   const Certificate certificate = authority.Issue("IP:127.0.0.1");
-  const RawServer server(Silence(), {&certificate, true, 0});
-  Child child(
-      {STOWRA_EXIT_CHILD, GetParam(), server.Url(), (folder.path() / "authority.pem").string()});
-  ASSERT_TRUE(server.WaitForRequests(kTransfers));
-  child.SayGo();
-  child.ExpectToLeave();
+  ExpectQuickExit(GetParam(), RawServer(Silence(), {&certificate}), kTransfers,
+                  folder.path() / "authority.pem");
 }
 
 TEST_P(ProcessExitTest, IsQuickWhileBodiesArrive) {
@@ -143,10 +113,7 @@ TEST_P(ProcessExitTest, IsQuickWhileBodiesArrive) {
     while (connection.Drip("x", std::chrono::milliseconds(1))) {
     }
   });
-  Child child({STOWRA_EXIT_CHILD, GetParam(), server.Url()});
-  ASSERT_TRUE(server.WaitForRequests(kTransfers));
-  child.SayGo();
-  child.ExpectToLeave();
+  ExpectQuickExit(GetParam(), server);
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, ProcessExitTest,
@@ -156,9 +123,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, ProcessExitTest,
                                            "fork-and-exec", "fork-and-exit"),
                          NameOfWay);
 
-class ProcessEndTest : public ::testing::Test {};
-
-TEST_F(ProcessEndTest, StaticDestructorsMayUseTheTransport) {
+TEST(ProcessEndTest, StaticDestructorsMayUseTheTransport) {
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     if (request.target == "/late") {
       connection.Write(Response(200, "hello"));
@@ -166,72 +131,54 @@ TEST_F(ProcessEndTest, StaticDestructorsMayUseTheTransport) {
       connection.Stall();
     }
   });
-  Child child({STOWRA_EXIT_CHILD, "return-with-old-static", server.Url()});
-  ASSERT_TRUE(server.WaitForRequests(kTransfers));
-  child.SayGo();
-  child.ExpectToLeave();
+  ExpectQuickExit("return-with-old-static", server);
   EXPECT_EQ(server.requests().back().target, "/late");
 }
 
-TEST_F(ProcessEndTest, IsQuickFromInsideANotification) {
+TEST(ProcessEndTest, IsQuickFromInsideANotification) {
   Event answer;
-  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
-    if (answer.Wait()) connection.Write(Response(200, "hello"));
-  });
-  Child child({STOWRA_EXIT_CHILD, "exit-inside-a-notification", server.Url()});
+  const RawServer server(HelloAfter(answer));
+  Child child(STOWRA_EXIT_CHILD, {"exit-inside-a-notification", server.Url()});
   ASSERT_TRUE(server.WaitForRequests(kTransfers));
   child.SayGo();
   answer.Set();
   child.ExpectToLeave();
 }
 
-TEST_F(ProcessEndTest, IsQuickWhileAnObserverHangs) {
-  const RawServer server(Always(Response(200, "hello")));
-  Child child({STOWRA_EXIT_CHILD, "return-while-an-observer-hangs", server.Url()});
+struct Late {
+  const char* name;
+  const char* mode;
+  bool answers;
+};
+
+class LateProcessEndTest : public ::testing::TestWithParam<Late> {};
+
+// The program says when it may be told to leave.
+TEST_P(LateProcessEndTest, IsQuick) {
+  const RawServer server(GetParam().answers ? Always(Response(200, "hello")) : Silence());
+  Child child(STOWRA_EXIT_CHILD, {GetParam().mode, server.Url()});
   child.ExpectLine(kExitChildReady);
   child.SayGo();
   child.ExpectToLeave();
 }
 
-TEST_F(ProcessEndTest, IsQuickWhileTheListenerHangs) {
-  const RawServer server(Silence());
-  Child child({STOWRA_EXIT_CHILD, "return-while-the-listener-hangs", server.Url()});
-  child.ExpectLine(kExitChildReady);
-  child.SayGo();
-  child.ExpectToLeave();
-}
+INSTANTIATE_TEST_SUITE_P(
+    While, LateProcessEndTest,
+    ::testing::Values(Late{"AnObserverHangs", "return-while-an-observer-hangs", true},
+                      Late{"TheListenerHangs", "return-while-the-listener-hangs", false},
+                      Late{"ASlowObserverIsTheLast", "return-while-an-observer-is-slow", true},
+                      Late{"CompletionsAreQueued", "return-with-queued-completions", true}),
+    RowName());
 
-TEST_F(ProcessEndTest, NoObserverIsCalledAfterASlowOne) {
-  const RawServer server(Always(Response(200, "hello")));
-  Child child({STOWRA_EXIT_CHILD, "return-while-an-observer-is-slow", server.Url()});
-  child.ExpectLine(kExitChildReady);
-  child.SayGo();
-  child.ExpectToLeave();
-}
-
-TEST_F(ProcessEndTest, IsQuickWhileCompletionsAreQueued) {
-  const RawServer server(Always(Response(200, "hello")));
-  Child child({STOWRA_EXIT_CHILD, "return-with-queued-completions", server.Url()});
-  child.ExpectLine(kExitChildReady);
-  child.SayGo();
-  child.ExpectToLeave();
-}
-
-TEST_F(ProcessEndTest, IsQuickDuringABlockingDownload) {
-  const RawServer server(Silence());
-  Child child({STOWRA_EXIT_CHILD, "return-during-a-blocking-download", server.Url()});
-  ASSERT_TRUE(server.WaitForRequests(kTransfers + 1));
-  child.SayGo();
-  child.ExpectToLeave();
+TEST(ProcessEndTest, IsQuickDuringABlockingDownload) {
+  ExpectQuickExit("return-during-a-blocking-download", RawServer(Silence()), kTransfers + 1);
 }
 
 // A program that is started meanwhile inherits nothing from the transfers.
-TEST_F(ProcessEndTest, TransfersEndAfterForkAndExec) {
+TEST(ProcessEndTest, TransfersEndAfterForkAndExec) {
   Event answer;
-  const RawServer server([&answer](const RawRequest&, RawConnection& connection) {
-    if (answer.Wait()) connection.Write(Response(200, "hello"));
-  });
-  Child child({STOWRA_EXIT_CHILD, "fork-and-exec-then-end", server.Url()});
+  const RawServer server(HelloAfter(answer));
+  Child child(STOWRA_EXIT_CHILD, {"fork-and-exec-then-end", server.Url()});
   ASSERT_TRUE(server.WaitForRequests(kTransfers));
   const auto begin = Clock::now();
   child.SayGo();
@@ -244,11 +191,7 @@ TEST_F(ProcessEndTest, TransfersEndAfterForkAndExec) {
 class RequestsAtExitTest : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(RequestsAtExitTest, DoNotDelayExit) {
-  const RawServer server(Silence());
-  Child child({STOWRA_EXIT_CHILD, GetParam(), server.Url()});
-  ASSERT_TRUE(server.WaitForRequests(kExitChildRequests));
-  child.SayGo();
-  child.ExpectToLeave();
+  ExpectQuickExit(GetParam(), RawServer(Silence()), kExitChildRequests);
 }
 
 constexpr const char* kWaysWithRequests[] = {
@@ -277,7 +220,7 @@ class UnloadedUserTest : public ::testing::TestWithParam<Plugin> {};
 
 TEST_P(UnloadedUserTest, ExitIsQuick) {
   const RawServer server(Silence());
-  Child child({STOWRA_UNLOAD_CHILD, GetParam().path, server.Url()});
+  Child child(STOWRA_UNLOAD_CHILD, {GetParam().path, server.Url()});
   ASSERT_TRUE(server.WaitForRequests(GetParam().transfers));
   child.SayGo();
   child.ExpectLine(kUnloadChildUnloaded);
@@ -291,7 +234,7 @@ TEST_P(UnloadedUserTest, TransfersEnd) {
     if (!answer.Wait()) return;
     connection.Write(Response(200, "hello", "Connection: close\r\n"));
   });
-  Child child({STOWRA_UNLOAD_CHILD, GetParam().path, server.Url()});
+  Child child(STOWRA_UNLOAD_CHILD, {GetParam().path, server.Url()});
   ASSERT_TRUE(server.WaitForRequests(GetParam().transfers));
   child.SayGo();
   child.ExpectLine(kUnloadChildUnloaded);
@@ -306,7 +249,7 @@ INSTANTIATE_TEST_SUITE_P(
     Plugins, UnloadedUserTest,
     ::testing::Values(Plugin{"of_the_platform", STOWRA_UNLOAD_PLUGIN, kTransfers},
                       Plugin{"of_requests", STOWRA_UNLOAD_REQUESTS_PLUGIN, kExitChildRequests}),
-    [](const auto& test) { return test.param.name; });
+    RowName());
 
 }  // namespace
 }  // namespace stowra_test

@@ -5,18 +5,23 @@
 
 #include <chrono>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
 
 constexpr char kTarget[] = "https://server.example/";
+
+void UseProxy(const RawServer& proxy, float timeout = 0) {
+  TransferDefaults defaults;
+  defaults.proxy = Text(proxy.Url(""));
+  defaults.inactivity_timeout = timeout;
+  InternetData::SetDefaults(defaults);
+}
 
 // What the proxy sends: `start` once, then `piece` for ever.
 struct Endless {
@@ -25,16 +30,8 @@ struct Endless {
   std::string piece;
 };
 
-void PrintTo(const Endless& endless, std::ostream* out) { *out << endless.name; }
-
 class EndlessProxyTest : public TransportTest, public ::testing::WithParamInterface<Endless> {
  protected:
-  void UseProxy() {
-    TransferDefaults defaults;
-    defaults.proxy = Text(proxy_.Url(""));
-    InternetData::SetDefaults(defaults);
-  }
-
   const RawServer proxy_{[](const RawRequest&, RawConnection& connection) {
     connection.Write(GetParam().start);
     while (connection.Write(GetParam().piece)) {
@@ -52,10 +49,10 @@ INSTANTIATE_TEST_SUITE_P(
         Endless{"Headers", "HTTP/1.1 200 OK\r\n", "X-Header: " + std::string(1000, 'x') + "\r\n"},
         Endless{"HeaderLine", "HTTP/1.1 200 OK\r\nX-Header: ", std::string(10'000, 'x')},
         Endless{"InterimResponses", "", "HTTP/1.1 100 Continue\r\n\r\n"}),
-    [](const auto& test) { return test.param.name; });
+    RowName());
 
 TEST_P(EndlessProxyTest, FailsSoonInEveryWay) {
-  UseProxy();
+  UseProxy(proxy_);
   for (const Way way : kAllWays) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_NE(ReasonOf(way, kTarget), TransferError::kNone) << NameOf(way);
@@ -68,20 +65,13 @@ TransferError ReasonOfRefusal(Way way, std::size_t size) {
   const RawServer proxy(
       AlwaysThenClose("HTTP/1.1 407 No\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" +
                       std::string(size, 'x')));
-  TransferDefaults defaults;
-  defaults.proxy = Text(proxy.Url(""));
-  InternetData::SetDefaults(defaults);
+  UseProxy(proxy);
   return ReasonOf(way, kTarget);
 }
 
-TEST_F(TransportTest, AProxyMayRefuseIn60Kibibytes) {
+TEST_F(TransportTest, AProxyMayRefuseIn60KibibytesButNotInAMebibyte) {
   for (const Way way : kAllWays) {
     EXPECT_EQ(ReasonOfRefusal(way, 60 << 10), TransferError::kNotConnected) << NameOf(way);
-  }
-}
-
-TEST_F(TransportTest, AProxyMayNotRefuseInAMebibyte) {
-  for (const Way way : kAllWays) {
     EXPECT_EQ(ReasonOfRefusal(way, 1 << 20), TransferError::kTooLarge) << NameOf(way);
   }
 }
@@ -93,7 +83,7 @@ TEST_P(EndlessProxyTest, DoesNotStallOtherTransfers) {
   Background others(server.Url());
   std::vector<std::unique_ptr<InternetData>> transports;
   for (std::size_t i = 0; i < kEach; ++i) {
-    UseProxy();
+    UseProxy(proxy_);
     transports.push_back(std::make_unique<InternetData>(Text(kTarget)));
     ASSERT_TRUE(transports.back()->DownloadWithDelegate(tunnels.delegate.get(), nullptr));
     InternetData::SetDefaults(TransferDefaults());
@@ -109,10 +99,7 @@ TEST_P(EndlessProxyTest, DoesNotStallOtherTransfers) {
 // The proxy is silent, and the host's timeout ends the transfer.
 TEST_F(TransportTest, SilentProxyIsSilence) {
   const RawServer proxy(Silence());
-  TransferDefaults defaults;
-  defaults.proxy = Text(proxy.Url(""));
-  defaults.inactivity_timeout = 0.3F;
-  InternetData::SetDefaults(defaults);
+  UseProxy(proxy, 0.3F);
   for (const Way way : kAllWays) EXPECT_EQ(ReasonOf(way, kTarget), TransferError::kSilent);
 }
 

@@ -4,11 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tests/platform/http/gzip_text.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -18,7 +19,12 @@ using ovrant::internet::ReplyDecoder;
 using ovrant::internet::ResponseHead;
 using ovrant::internet::TransferError;
 
+constexpr TransferError kMalformed = TransferError::kMalformed;
+constexpr TransferError kTooLarge = TransferError::kTooLarge;
+
 constexpr std::size_t kCap = 1000;
+const std::string kMost(kCap, 'x');
+const std::string kMore(kCap + 1, 'x');
 
 // Adds each line of `head`. False when the decoder refuses one.
 bool AddHead(std::string_view head, ReplyDecoder& decoder) {
@@ -42,16 +48,22 @@ std::string BodyOf(ReplyDecoder& decoder) {
   return std::string(reinterpret_cast<const char*>(decoder.body().data()), decoder.body().size());
 }
 
+// A decoder that has taken a head.
+struct DecoderAfter final : ReplyDecoder {
+  explicit DecoderAfter(std::string_view head, bool follows_redirects = true)
+      : ReplyDecoder(kCap, follows_redirects) {
+    EXPECT_TRUE(AddHead(head, *this)) << head;
+  }
+};
+
 // A whole reply and what comes of it.
 struct Reply {
   const char* name;
   std::string head;
   std::string body;
-  TransferError error;
   std::string decoded;
+  TransferError error = TransferError::kNone;
 };
-
-void PrintTo(const Reply& reply, std::ostream* out) { *out << reply.name; }
 
 class ReplyTest : public ::testing::TestWithParam<Reply> {};
 
@@ -75,58 +87,45 @@ TEST_P(ReplyTest, IsDecodedInPiecesOfAnySize) {
 INSTANTIATE_TEST_SUITE_P(
     Replies, ReplyTest,
     ::testing::Values(
-        Reply{"Length", HEAD "Content-Length: 5\r\n\r\n", "hello", TransferError::kNone, "hello"},
-        Reply{"NoBody", HEAD "Content-Length: 0\r\n\r\n", "", TransferError::kNone, ""},
-        Reply{"NoLength", HEAD "\r\n", "hello", TransferError::kNone, "hello"},
+        Reply{"Length", HEAD "Content-Length: 5\r\n\r\n", "hello", "hello"},
+        Reply{"NoBody", HEAD "Content-Length: 0\r\n\r\n", "", ""},
+        Reply{"NoLength", HEAD "\r\n", "hello", "hello"},
         Reply{"InterimResponses",
               "HTTP/1.1 100 Continue\r\nX: 1\r\n\r\nHTTP/1.1 103 Hints\r\n\r\n" HEAD "\r\n",
-              "hello", TransferError::kNone, "hello"},
-        Reply{"NoContent", "HTTP/1.1 204 No\r\nContent-Length: 5\r\n\r\n", "", TransferError::kNone,
-              ""},
-        Reply{"BodyOfNoContent", "HTTP/1.1 204 No\r\n\r\n", "x", TransferError::kMalformed, ""},
-        Reply{"LongerThanItsLength", HEAD "Content-Length: 5\r\n\r\n", "hello!",
-              TransferError::kMalformed, ""},
-        Reply{"Chunks", CHUNKED, "5\r\nhello\r\n6;a=b\r\n world\r\n0\r\n\r\n", TransferError::kNone,
-              "hello world"},
-        Reply{"ChunksWithTrailers", CHUNKED, "5\r\nhello\r\n0\r\nA: 1\r\nB: 2\r\n\r\n",
-              TransferError::kNone, "hello"},
-        Reply{"BytesAfterTheChunks", CHUNKED, "0\r\n\r\nmore", TransferError::kNone, ""},
-        Reply{"BrokenChunks", CHUNKED, "0x5\r\nhello\r\n0\r\n\r\n", TransferError::kMalformed, ""},
+              "hello", "hello"},
+        Reply{"NoContent", "HTTP/1.1 204 No\r\nContent-Length: 5\r\n\r\n", "", ""},
+        Reply{"BodyOfNoContent", "HTTP/1.1 204 No\r\n\r\n", "x", "", kMalformed},
+        Reply{"LongerThanItsLength", HEAD "Content-Length: 5\r\n\r\n", "hello!", "", kMalformed},
+        Reply{"Chunks", CHUNKED, "5\r\nhello\r\n6;a=b\r\n world\r\n0\r\n\r\n", "hello world"},
+        Reply{"ChunksWithTrailers", CHUNKED, "5\r\nhello\r\n0\r\nA: 1\r\nB: 2\r\n\r\n", "hello"},
+        Reply{"BytesAfterTheChunks", CHUNKED, "0\r\n\r\nmore", ""},
+        Reply{"BrokenChunks", CHUNKED, "0x5\r\nhello\r\n0\r\n\r\n", "", kMalformed},
         Reply{"ChunksDespiteALength",
               HEAD "Content-Length: 9\r\nTransfer-Encoding: chunked\r\n\r\n",
-              "5\r\nhello\r\n0\r\n\r\n", TransferError::kNone, "hello"},
-        Reply{"Gzip", GZIP, Gzip("hello"), TransferError::kNone, "hello"},
-        Reply{"MembersOfGzip", GZIP, Gzip("one ") + Gzip("") + Gzip("two"), TransferError::kNone,
-              "one two"},
-        Reply{"EmptyGzip", GZIP, "", TransferError::kNone, ""},
-        Reply{"CorruptGzip", GZIP, "hello", TransferError::kMalformed, ""},
-        Reply{"GzipAtTheCap", GZIP, Gzip(std::string(kCap, 'x')), TransferError::kNone,
-              std::string(kCap, 'x')},
-        Reply{"GzipAboveTheCap", GZIP, Gzip(std::string(kCap + 1, 'x')), TransferError::kTooLarge,
-              ""},
+              "5\r\nhello\r\n0\r\n\r\n", "hello"},
+        Reply{"Gzip", GZIP, Gzip("hello"), "hello"},
+        Reply{"MembersOfGzip", GZIP, Gzip("one ") + Gzip("") + Gzip("two"), "one two"},
+        Reply{"EmptyGzip", GZIP, "", ""}, Reply{"CorruptGzip", GZIP, "hello", "", kMalformed},
+        Reply{"GzipAtTheCap", GZIP, Gzip(kMost), kMost},
+        Reply{"GzipAboveTheCap", GZIP, Gzip(kMore), "", kTooLarge},
         Reply{"GzipInChunks", HEAD "Content-Encoding: gzip\r\nTransfer-Encoding: chunked\r\n\r\n",
               "1\r\n" + Gzip("hello").substr(0, 1) + "\r\n" + "18\r\n" + Gzip("hello").substr(1) +
                   "\r\n0\r\n\r\n",
-              TransferError::kNone, "hello"},
-        Reply{"BodyAtTheCap", HEAD "\r\n", std::string(kCap, 'x'), TransferError::kNone,
-              std::string(kCap, 'x')},
-        Reply{"BodyAboveTheCap", HEAD "\r\n", std::string(kCap + 1, 'x'), TransferError::kTooLarge,
-              ""},
-        Reply{"RedirectAtTheCap", REDIRECT "\r\n", std::string(kCap, 'x'), TransferError::kNone,
-              ""},
-        Reply{"RedirectAboveTheCap", REDIRECT "\r\n", std::string(kCap + 1, 'x'),
-              TransferError::kTooLarge, ""},
-        Reply{"RedirectIsNotDecoded", REDIRECT "Content-Encoding: gzip\r\n\r\n", "no gzip",
-              TransferError::kNone, ""},
-        Reply{"EncodedRedirectAtTheCap", REDIRECT "Content-Encoding: gzip\r\n\r\n",
-              std::string(kCap, 'x'), TransferError::kNone, ""},
-        Reply{"EncodedRedirectAboveTheCap", REDIRECT "Content-Encoding: gzip\r\n\r\n",
-              std::string(kCap + 1, 'x'), TransferError::kTooLarge, ""},
-        Reply{"UnknownEncoding", HEAD "Content-Encoding: br\r\n", "", TransferError::kEncoding, ""},
-        Reply{"NoStatusLine", "hello\r\n", "", TransferError::kMalformed, ""}),
-    [](const auto& test) { return test.param.name; });
+              "hello"},
+        Reply{"BodyAtTheCap", HEAD "\r\n", kMost, kMost},
+        Reply{"BodyAboveTheCap", HEAD "\r\n", kMore, "", kTooLarge},
+        Reply{"RedirectAtTheCap", REDIRECT "\r\n", kMost, ""},
+        Reply{"RedirectAboveTheCap", REDIRECT "\r\n", kMore, "", kTooLarge},
+        Reply{"RedirectIsNotDecoded", REDIRECT "Content-Encoding: gzip\r\n\r\n", "no gzip", ""},
+        Reply{"EncodedRedirectAtTheCap", REDIRECT "Content-Encoding: gzip\r\n\r\n", kMost, ""},
+        Reply{"EncodedRedirectAboveTheCap", REDIRECT "Content-Encoding: gzip\r\n\r\n", kMore, "",
+              kTooLarge},
+        Reply{"UnknownEncoding", HEAD "Content-Encoding: br\r\n", "", "", TransferError::kEncoding},
+        Reply{"NoStatusLine", "hello\r\n", "", "", kMalformed}),
+    RowName());
 
 TEST(ReplyDecoder, MayEndOnlyAtTheEnd) {
+  EXPECT_FALSE(ReplyDecoder(kCap, true).MayEnd());
   const struct {
     const char* head;
     std::string body;
@@ -134,9 +133,7 @@ TEST(ReplyDecoder, MayEndOnlyAtTheEnd) {
                   {CHUNKED, "5\r\nhello\r\n0\r\nA: 1\r\n\r\n"},
                   {REDIRECT "Content-Length: 5\r\n\r\n", "moved"}};
   for (const auto& reply : kReplies) {
-    ReplyDecoder decoder(kCap, true);
-    EXPECT_FALSE(decoder.MayEnd());
-    EXPECT_TRUE(AddHead(reply.head, decoder));
+    DecoderAfter decoder(reply.head);
     EXPECT_FALSE(decoder.EndsByClose());
     for (const char byte : reply.body) {
       EXPECT_FALSE(decoder.MayEnd()) << reply.head;
@@ -149,9 +146,8 @@ TEST(ReplyDecoder, MayEndOnlyAtTheEnd) {
 }
 
 TEST(ReplyDecoder, BodyWithoutALengthEndsByClose) {
-  ReplyDecoder decoder(kCap, true);
-  EXPECT_FALSE(decoder.EndsByClose());
-  EXPECT_TRUE(AddHead(GZIP, decoder));
+  EXPECT_FALSE(ReplyDecoder(kCap, true).EndsByClose());
+  DecoderAfter decoder(GZIP);
   EXPECT_TRUE(decoder.EndsByClose());
   const std::string gzip = Gzip("hello");
   EXPECT_TRUE(decoder.AddBody(gzip.substr(0, 10)));
@@ -165,24 +161,21 @@ TEST(ReplyDecoder, HeadWithoutABodyIsCompleteAtOnce) {
   for (const char* head :
        {"HTTP/1.1 204 No\r\n\r\n", "HTTP/1.1 304 No\r\nContent-Length: 5\r\n\r\n",
         "HTTP/1.1 204 No\r\nTransfer-Encoding: chunked\r\n\r\n"}) {
-    ReplyDecoder decoder(kCap, true);
-    EXPECT_TRUE(AddHead(head, decoder));
+    const DecoderAfter decoder(head);
     EXPECT_TRUE(decoder.IsComplete()) << head;
     EXPECT_FALSE(decoder.EndsByClose()) << head;
   }
 }
 
 TEST(ReplyDecoder, InterimResponseIsNotTheReply) {
-  ReplyDecoder decoder(kCap, true);
-  EXPECT_TRUE(AddHead("HTTP/1.1 100 Continue\r\n\r\n", decoder));
+  const DecoderAfter decoder("HTTP/1.1 100 Continue\r\n\r\n");
   EXPECT_FALSE(decoder.MayEnd());
   EXPECT_FALSE(decoder.EndsByClose());
 }
 
 TEST(ReplyDecoder, RedirectIsTheReplyIfNoneIsFollowed) {
   for (const bool follows : {true, false}) {
-    ReplyDecoder decoder(kCap, follows);
-    EXPECT_TRUE(AddHead(REDIRECT "Content-Length: 5\r\n\r\n", decoder));
+    DecoderAfter decoder(REDIRECT "Content-Length: 5\r\n\r\n", follows);
     EXPECT_EQ(decoder.IsFollowed(), follows);
     EXPECT_TRUE(decoder.AddBody("moved"));
     EXPECT_EQ(BodyOf(decoder), follows ? "" : "moved");
@@ -191,39 +184,30 @@ TEST(ReplyDecoder, RedirectIsTheReplyIfNoneIsFollowed) {
 }
 
 TEST(ReplyDecoder, IsFollowedOnlyAfterTheHead) {
-  ReplyDecoder decoder(kCap, true);
-  EXPECT_TRUE(AddHead(REDIRECT, decoder));
+  DecoderAfter decoder(REDIRECT);
   EXPECT_FALSE(decoder.IsFollowed());
   EXPECT_TRUE(AddHead("\r\n", decoder));
   EXPECT_TRUE(decoder.IsFollowed());
 }
 
 TEST(ReplyDecoder, CountsBytesBeforeAndAfterDecoding) {
-  ReplyDecoder decoder(kCap, true);
   const std::string gzip = Gzip(std::string(500, 'x'));
-  EXPECT_TRUE(AddHead(GZIP, decoder));
+  DecoderAfter decoder(GZIP);
   EXPECT_TRUE(decoder.AddBody(gzip));
   EXPECT_EQ(decoder.wire_bytes(), gzip.size());
   EXPECT_EQ(decoder.body_bytes(), 500U);
 }
 
 TEST(ReplyDecoder, ProgressGrowsWithLinesAndBytesOfBody) {
-  ReplyDecoder decoder(kCap, true);
-  EXPECT_EQ(decoder.progress(), 0U);
-  EXPECT_TRUE(AddHead(CHUNKED, decoder));
-  std::size_t before = decoder.progress();
-  EXPECT_EQ(before, 3U);
-  EXPECT_TRUE(decoder.AddBody("5;name"));
-  EXPECT_EQ(decoder.progress(), before);
-  EXPECT_TRUE(decoder.AddBody("\r\nhel"));
-  EXPECT_EQ(decoder.progress(), before + 3);
-  EXPECT_TRUE(decoder.AddBody("lo\r\n0\r\n"));
-  before = decoder.progress();
-  EXPECT_EQ(before, 8U);
-  EXPECT_TRUE(decoder.AddBody("Trail"));
-  EXPECT_EQ(decoder.progress(), before);
-  EXPECT_TRUE(decoder.AddBody("er: 1\r\n"));
-  EXPECT_EQ(decoder.progress(), before + 1);
+  EXPECT_EQ(ReplyDecoder(kCap, true).progress(), 0U);
+  DecoderAfter decoder(CHUNKED);
+  EXPECT_EQ(decoder.progress(), 3U);
+  const std::pair<const char*, std::size_t> kSteps[] = {
+      {"5;name", 3}, {"\r\nhel", 6}, {"lo\r\n0\r\n", 8}, {"Trail", 8}, {"er: 1\r\n", 9}};
+  for (const auto& [bytes, progress] : kSteps) {
+    EXPECT_TRUE(decoder.AddBody(bytes));
+    EXPECT_EQ(decoder.progress(), progress) << bytes;
+  }
 }
 
 // A field line of `size` bytes.
@@ -235,15 +219,14 @@ std::string LineOf(std::size_t size) {
 TEST(ReplyDecoder, TrailersOfBothKindsHaveTheLimitOfHeaders) {
   for (const bool as_lines : {true, false}) {
     for (const std::size_t more : {0U, 1U}) {
-      ReplyDecoder decoder(kCap, true);
-      const std::string head = CHUNKED;
-      EXPECT_TRUE(AddHead(head, decoder));
+      DecoderAfter decoder(CHUNKED);
       EXPECT_TRUE(decoder.AddBody("0\r\n"));
       const auto add = [&](const std::string& line) {
         return as_lines ? decoder.AddHeaderLine(line) : decoder.AddBody(line);
       };
       constexpr std::size_t kLine = 1000;
-      std::size_t left = ResponseHead::kMaxBytes - head.size() - (as_lines ? 0 : 2) + more;
+      std::size_t left =
+          ResponseHead::kMaxBytes - std::string_view(CHUNKED).size() - (as_lines ? 0 : 2) + more;
       for (; left > 2 * kLine; left -= kLine) ASSERT_TRUE(add(LineOf(kLine)));
       const bool taken = add(as_lines ? LineOf(left) : LineOf(left) + "\r\n");
       EXPECT_EQ(taken, more == 0) << as_lines;
@@ -253,8 +236,7 @@ TEST(ReplyDecoder, TrailersOfBothKindsHaveTheLimitOfHeaders) {
 }
 
 TEST(ReplyDecoder, TrailerAsALineChangesNoHeader) {
-  ReplyDecoder decoder(kCap, true);
-  EXPECT_TRUE(AddHead(HEAD "Content-Length: 5\r\n\r\n", decoder));
+  DecoderAfter decoder(HEAD "Content-Length: 5\r\n\r\n");
   EXPECT_TRUE(decoder.AddBody("hello"));
   EXPECT_TRUE(AddHead("Content-Length: 9\r\nLocation: /\r\n", decoder));
   EXPECT_TRUE(decoder.IsComplete());
@@ -273,8 +255,7 @@ TEST(ReplyDecoder, FirstRefusalCounts) {
 
 TEST(ReplyDecoder, AcceptsTheLongestSizeLine) {
   for (const std::size_t more : {0U, 1U}) {
-    ReplyDecoder decoder(kCap, true);
-    EXPECT_TRUE(AddHead(CHUNKED, decoder));
+    DecoderAfter decoder(CHUNKED);
     std::string line = "0;\r\n";
     line.insert(2, ChunkDecoder::kMaxSizeLine - line.size() + more, 'x');
     EXPECT_EQ(decoder.AddBody(line + "\r\n"), more == 0);

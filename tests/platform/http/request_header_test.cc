@@ -2,26 +2,23 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
 
 class RequestHeaderTest : public TransportTest {
  protected:
-  // Gives the request of a download.
-  RawRequest Get(InternetData& transport) {
-    EXPECT_TRUE(transport.Download());
+  // Give the request of a download, or of an upload of `data`.
+  RawRequest Get() {
+    EXPECT_TRUE(transport_.Download());
     return LastRequest(server_);
   }
-
-  // Gives the request of an upload of "data".
-  RawRequest Post(InternetData& transport, StringMap* headers = nullptr) {
-    SetSendData("data", transport);
-    EXPECT_TRUE(transport.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, headers,
-                                      false, false, true, "", "", nullptr));
+  RawRequest Post(StringMap* headers = nullptr, const std::string& data = "data") {
+    SetSendData(data, transport_);
+    EXPECT_TRUE(stowra_test::Post(server_.Url(), transport_, headers));
     return LastRequest(server_);
   }
 
@@ -31,8 +28,8 @@ class RequestHeaderTest : public TransportTest {
 
 TEST_F(RequestHeaderTest, AreSentWithDownloadsAndUploads) {
   transport_.SetValueForHTTPSendHeaders("X-Own", "some value");
-  EXPECT_EQ(Get(transport_).Header("X-Own"), "some value");
-  EXPECT_EQ(Post(transport_).Header("X-Own"), "some value");
+  EXPECT_EQ(Get().Header("X-Own"), "some value");
+  EXPECT_EQ(Post().Header("X-Own"), "some value");
   Background background(server_.Url());
   background.transport->SetValueForHTTPSendHeaders("Content-Type", "application/json");
   ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
@@ -44,7 +41,7 @@ TEST_F(RequestHeaderTest, SameNameInAnyCaseReplacesTheValue) {
   transport_.SetValueForHTTPSendHeaders("X-Own", "1");
   transport_.SetValueForHTTPSendHeaders("X-Other", "2");
   transport_.SetValueForHTTPSendHeaders("x-oWN", "3");
-  const RawRequest request = Get(transport_);
+  const RawRequest request = Get();
   EXPECT_EQ(request.Header("X-Own"), "3");
   EXPECT_EQ(request.Header("X-Other"), "2");
 }
@@ -52,106 +49,95 @@ TEST_F(RequestHeaderTest, SameNameInAnyCaseReplacesTheValue) {
 TEST_F(RequestHeaderTest, SendAndReadHeadersWinForOneTransfer) {
   transport_.SetValueForHTTPSendHeaders("X-One", "set");
   transport_.SetValueForHTTPSendHeaders("X-Two", "set");
-  StringMap headers;
-  headers["x-one"] = "passed";
-  headers["X-Three"] = "passed";
-  RawRequest request = Post(transport_, &headers);
+  StringMap headers = {{"x-one", "passed"}, {"X-Three", "passed"}};
+  RawRequest request = Post(&headers);
   EXPECT_EQ(request.Header("X-One"), "passed");
   EXPECT_EQ(request.Header("X-Two"), "set");
   EXPECT_EQ(request.Header("X-Three"), "passed");
   EXPECT_EQ(headers.size(), 2U);
 
-  request = Post(transport_);
+  request = Post();
   EXPECT_EQ(request.Header("X-One"), "set");
   EXPECT_FALSE(request.HasHeader("X-Three"));
 }
 
 TEST_F(RequestHeaderTest, SendsOnlyNecessaryHeadersByDefault) {
-  const RawRequest get = Get(transport_);
-  EXPECT_FALSE(get.HasHeader("User-Agent"));
-  EXPECT_FALSE(get.HasHeader("Content-Type"));
-  EXPECT_FALSE(get.HasHeader("Content-Length"));
-  EXPECT_FALSE(get.HasHeader("Cookie"));
-  EXPECT_FALSE(get.HasHeader("Referer"));
-  const RawRequest post = Post(transport_);
-  EXPECT_FALSE(post.HasHeader("Content-Type"));
-  EXPECT_FALSE(post.HasHeader("User-Agent"));
-  EXPECT_FALSE(post.HasHeader("Expect"));
+  const RawRequest get = Get();
+  for (const char* name : {"User-Agent", "Content-Type", "Content-Length", "Cookie", "Referer"}) {
+    EXPECT_FALSE(get.HasHeader(name)) << name;
+  }
+  const RawRequest post = Post();
+  const RawRequest large_post = Post(nullptr, std::string(2 << 20, 'x'));
+  for (const char* name : {"Content-Type", "User-Agent", "Expect"}) {
+    EXPECT_FALSE(post.HasHeader(name)) << name;
+    EXPECT_FALSE(large_post.HasHeader(name)) << name;
+  }
 }
 
-TEST_F(RequestHeaderTest, LargeUploadSendsNoExpect) {
-  SetSendData(std::string(2 << 20, 'x'), transport_);
-  EXPECT_TRUE(transport_.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, nullptr, false,
-                                     false, true, "", "", nullptr));
-  EXPECT_FALSE(LastRequest(server_).HasHeader("Expect"));
+TEST_F(RequestHeaderTest, HostMaySetTheOfferedEncodings) {
+  transport_.SetValueForHTTPSendHeaders("Accept-Encoding", "identity");
+  EXPECT_EQ(Get().Header("Accept-Encoding"), "identity");
+}
+
+TEST_F(RequestHeaderTest, HostMaySetExpect) {
+  transport_.SetValueForHTTPSendHeaders("Expect", "nothing");
+  const RawRequest request = Post();
+  EXPECT_EQ(request.Header("Expect"), "nothing");
+  EXPECT_EQ(request.body, "data");
 }
 
 TEST_F(RequestHeaderTest, IgnoresFramingHeadersOfTheHost) {
   transport_.SetValueForHTTPSendHeaders("Content-Length", "1000");
   transport_.SetValueForHTTPSendHeaders("content-length", "1000");
   transport_.SetValueForHTTPSendHeaders("Transfer-Encoding", "chunked");
-  StringMap headers;
-  headers["CONTENT-LENGTH"] = "1";
-  const RawRequest request = Post(transport_, &headers);
+  StringMap headers = {{"CONTENT-LENGTH", "1"}};
+  const RawRequest request = Post(&headers);
   EXPECT_EQ(request.Header("Content-Length"), "4");
   EXPECT_FALSE(request.HasHeader("Transfer-Encoding"));
   EXPECT_EQ(request.body, "data");
-  EXPECT_FALSE(Get(transport_).HasHeader("Content-Length"));
+  EXPECT_FALSE(Get().HasHeader("Content-Length"));
 }
 
-TEST_F(RequestHeaderTest, EmptyValueIsSentAsEmpty) {
-  transport_.SetValueForHTTPSendHeaders("X-Empty", "");
-  const RawRequest request = Get(transport_);
-  EXPECT_TRUE(request.HasHeader("X-Empty"));
-  EXPECT_EQ(request.Header("X-Empty"), "");
-}
-
-TEST_F(RequestHeaderTest, ValueOfBlanksIsSentAsEmpty) {
-  transport_.SetValueForHTTPSendHeaders("X-Blank", " \t ");
-  const RawRequest request = Get(transport_);
-  EXPECT_TRUE(request.HasHeader("X-Blank"));
-  EXPECT_EQ(request.Header("X-Blank"), "");
+TEST_F(RequestHeaderTest, EmptyOrBlankValueIsSentAsEmpty) {
+  for (const char* value : {"", " \t "}) {
+    transport_.SetValueForHTTPSendHeaders("X-Empty", value);
+    const RawRequest request = Get();
+    EXPECT_TRUE(request.HasHeader("X-Empty")) << value;
+    EXPECT_EQ(request.Header("X-Empty"), "");
+  }
 }
 
 TEST_F(RequestHeaderTest, KeepsEveryValidCharacterOfAValue) {
-  transport_.SetValueForHTTPSendHeaders("X-Own", "a: b; c=\"d\", e\tf");
-  transport_.SetValueForHTTPSendHeaders("X-Unicode", "\xC3\xA9\xE2\x82\xAC");
-  transport_.SetValueForHTTPSendHeaders("X-!#$%&'*+.^_`|~1", "odd name");
-  const RawRequest request = Get(transport_);
-  EXPECT_EQ(request.Header("X-Own"), "a: b; c=\"d\", e\tf");
-  EXPECT_EQ(request.Header("X-Unicode"), "\xC3\xA9\xE2\x82\xAC");
-  EXPECT_EQ(request.Header("X-!#$%&'*+.^_`|~1"), "odd name");
+  const std::pair<const char*, const char*> kHeaders[] = {{"X-Own", "a: b; c=\"d\", e\tf"},
+                                                          {"X-Unicode", "\xC3\xA9\xE2\x82\xAC"},
+                                                          {"X-!#$%&'*+.^_`|~1", "odd name"}};
+  for (const auto& [name, value] : kHeaders) transport_.SetValueForHTTPSendHeaders(name, value);
+  const RawRequest request = Get();
+  for (const auto& [name, value] : kHeaders) EXPECT_EQ(request.Header(name), value);
 }
 
 TEST_F(RequestHeaderTest, InvalidHeaderFailsTheTransfer) {
-  const struct {
-    std::string name;
-    std::string value;
-  } kCases[] = {{"X-Own", "a\r\nX-Injected: 1"},
-                {"X-Own", "a\nX-Injected: 1"},
-                {"X-Own", "a\rb"},
-                {"X-Own", std::string("a\0b", 3)},
-                {"X-Own\r\nX-Injected", "1"},
-                {"X-Own: 1\r\nX-Injected", "1"},
-                {"X Own", "1"},
-                {"X-Own:", "1"},
-                {"", "1"},
-                {"X-\xC3\xA9", "1"},
-                {std::string("X\0Y", 3), "1"}};
-  for (const auto& item : kCases) {
+  const std::pair<std::string, std::string> kHeaders[] = {{"X-Own", "a\r\nX-Injected: 1"},
+                                                          {"X-Own", "a\nX-Injected: 1"},
+                                                          {"X-Own", "a\rb"},
+                                                          {"X-Own", std::string("a\0b", 3)},
+                                                          {"X-Own\r\nX-Injected", "1"},
+                                                          {"X-Own: 1\r\nX-Injected", "1"},
+                                                          {"X Own", "1"},
+                                                          {"X-Own:", "1"},
+                                                          {"", "1"},
+                                                          {"X-\xC3\xA9", "1"},
+                                                          {std::string("X\0Y", 3), "1"}};
+  for (const auto& [name, value] : kHeaders) {
     InternetData transport(Text(server_.Url()));
-    transport.SetValueForHTTPSendHeaders(Text(item.name), Text(item.value));
-    EXPECT_FALSE(transport.Download()) << item.name << " = " << item.value;
+    transport.SetValueForHTTPSendHeaders(Text(name), Text(value));
+    EXPECT_FALSE(transport.Download()) << name << " = " << value;
     ExpectFailureState(transport);
     Background background(server_.Url());
-    background.transport->SetValueForHTTPSendHeaders(Text(item.name), Text(item.value));
-    ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
-    EXPECT_EQ(background.WaitForEnd(), kFailed);
-    StringMap headers;
-    headers[Text(item.name)] = Text(item.value);
-    InternetData sender(Text("none:"));
-    EXPECT_FALSE(sender.SendAndRead(Text(server_.Url()), nullptr, nullptr, nullptr, &headers, false,
-                                    false, true, "", "", nullptr));
+    background.transport->SetValueForHTTPSendHeaders(Text(name), Text(value));
+    EXPECT_EQ(background.Upload(""), kFailed) << name << " = " << value;
+    StringMap headers = {{Text(name), Text(value)}};
+    EXPECT_FALSE(stowra_test::Post(server_.Url(), transport_, &headers)) << name << " = " << value;
   }
   EXPECT_EQ(server_.connections(), 0);
 }

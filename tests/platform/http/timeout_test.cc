@@ -3,16 +3,12 @@
 
 #include <chrono>
 #include <limits>
-#include <ostream>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "tests/platform/http/internet_data_test_peer.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/full_listener.h"
-#include "tests/support/raw_server.h"
-#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -29,81 +25,97 @@ constexpr milliseconds kShortest(390);
 constexpr float kLonger = 0.6F;
 constexpr milliseconds kPause(50);
 
+#define CHUNKED "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+
+constexpr Way kBothModes[] = {Way::kDownload, Way::kDownloadWithDelegate};
+
+class TimeoutTest : public TransportTest {
+ protected:
+  // Expects that the short timeout ends this transfer.
+  static void ExpectTimeout(Way way, const std::string& url, int status = 0) {
+    SetInactivityTimeout(kShort);
+    const auto begin = Clock::now();
+    EXPECT_EQ(Ask(way, url, ""), NotReceived(status)) << NameOf(way);
+    EXPECT_GE(Clock::now() - begin, kShortest) << NameOf(way);
+    EXPECT_LT(Clock::now() - begin, kSoon) << NameOf(way);
+  }
+};
+
 struct Silent {
   const char* name;
   const char* bytes;
   int status;
 };
 
-void PrintTo(const Silent& silent, std::ostream* out) { *out << silent.name; }
+class SilenceTest : public TimeoutTest, public ::testing::WithParamInterface<Silent> {};
 
-class SilenceTest : public TransportTest, public ::testing::WithParamInterface<Silent> {
- protected:
-  // Sends some bytes and then nothing.
-  const RawServer server_{[](const RawRequest&, RawConnection& connection) {
+TEST_P(SilenceTest, EndsATransfer) {
+  const RawServer server([](const RawRequest&, RawConnection& connection) {
     connection.Write(GetParam().bytes);
     connection.Stall();
-  }};
-};
-
-TEST_P(SilenceTest, EndsASynchronousTransfer) {
-  SetInactivityTimeout(kShort);
-  InternetData transport(Text(server_.Url()));
-  const auto begin = Clock::now();
-  EXPECT_FALSE(transport.Download());
-  EXPECT_GE(Clock::now() - begin, kShortest);
-  EXPECT_LT(Clock::now() - begin, kSoon);
-  ExpectFailureState(transport, GetParam().status);
-}
-
-TEST_P(SilenceTest, EndsABackgroundTransfer) {
-  SetInactivityTimeout(kShort);
-  Background background(server_.Url());
-  const auto begin = Clock::now();
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kFailed);
-  EXPECT_GE(Clock::now() - begin, kShortest);
-  EXPECT_LT(Clock::now() - begin, kSoon);
-  ExpectFailureState(*background.transport, GetParam().status);
+  });
+  for (const Way way : kBothModes) ExpectTimeout(way, server.Url(), GetParam().status);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Places, SilenceTest,
-    ::testing::Values(
-        Silent{"AtOnce", "", 0}, Silent{"InsideTheStatusLine", "HTTP/1.1 20", 0},
-        Silent{"InsideAHeader", "HTTP/1.1 200 OK\r\nContent-Le", 200},
-        Silent{"AfterAnInterimResponse", "HTTP/1.1 100 Continue\r\n\r\n", 100},
-        Silent{"BeforeTheBody", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n", 200},
-        Silent{"InsideTheBody", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhe", 200},
-        Silent{"InsideAChunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhe", 200},
-        Silent{"BeforeTheEndOfTheConnection", "HTTP/1.1 200 OK\r\n\r\nhello", 200}),
-    [](const auto& test) { return test.param.name; });
+    ::testing::Values(Silent{"AtOnce", "", 0}, Silent{"InsideTheStatusLine", "HTTP/1.1 20", 0},
+                      Silent{"InsideAHeader", "HTTP/1.1 200 OK\r\nContent-Le", 200},
+                      Silent{"AfterAnInterimResponse", "HTTP/1.1 100 Continue\r\n\r\n", 100},
+                      Silent{"BeforeTheBody", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n", 200},
+                      Silent{"InsideTheBody", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhe",
+                             200},
+                      Silent{"InsideAChunk", CHUNKED "5\r\nhe", 200},
+                      Silent{"BeforeTheEndOfTheConnection", "HTTP/1.1 200 OK\r\n\r\nhello", 200}),
+    RowName());
 
-class TimeoutTest : public TransportTest {};
+// The server sends `bytes` one by one, with a pause before each.
+struct Drip {
+  const char* name;
+  const char* start;
+  std::string bytes;
+  milliseconds pause;
+  Answer answer;
+};
 
-// Only complete lines are progress, so a drip cannot go on for ever.
-TEST_F(TimeoutTest, EndsADripInsideAHeaderLine) {
-  SetInactivityTimeout(kShort);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nX-Slow: ");
-    connection.Drip(std::string(1000, 'x'), kPause);
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
+RawServer::Handler Dripping(const char* start, const std::string& bytes, milliseconds pause) {
+  return [=](const RawRequest&, RawConnection& connection) {
+    connection.Write(start);
+    connection.Drip(bytes, pause);
+  };
 }
 
-TEST_F(TimeoutTest, HeaderLinesAreProgress) {
-  SetInactivityTimeout(kLonger);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n");
-    for (int i = 0; i < 20; ++i) connection.Drip("X-A: 1\r\n", kPause / 8);
-    connection.Write("Content-Length: 5\r\n\r\nhello");
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "hello");
+class DripTest : public TimeoutTest, public ::testing::WithParamInterface<Drip> {};
+
+// Nothing else is progress, so a drip cannot go on for ever.
+TEST_P(DripTest, OnlyWholeLinesAndBytesOfTheBodyAreProgress) {
+  const auto& [name, start, bytes, pause, answer] = GetParam();
+  const RawServer server(Dripping(start, bytes, pause));
+  for (const Way way : kBothModes) {
+    SetInactivityTimeout(kLonger);
+    if (answer.received) {
+      EXPECT_EQ(Ask(way, server.Url(), ""), answer) << NameOf(way);
+    } else {
+      ExpectTimeout(way, server.Url(), answer.status);
+    }
+  }
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Places, DripTest,
+    ::testing::Values(Drip{"EndsInsideAHeaderLine", "HTTP/1.1 200 OK\r\nX-Slow: ",
+                           std::string(1000, 'x'), kPause, NotReceived(200)},
+                      Drip{"EndsInsideAChunkSize", CHUNKED, "5;" + std::string(1000, 'x'), kPause,
+                           NotReceived(200)},
+                      Drip{"OfHeaderLines", "HTTP/1.1 200 OK\r\n",
+                           Repeated("X-A: 1\r\n", 20) + "Content-Length: 5\r\n\r\nhello",
+                           kPause / 8, Received(200, "hello")},
+                      Drip{"OfABody", "HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n",
+                           std::string(20, 'x'), kPause, Received(200, std::string(20, 'x'))},
+                      Drip{"OfChunksAndTrailerLines", CHUNKED,
+                           Repeated("1\r\nx\r\n", 10) + "0\r\n" + Repeated("A: 1\r\n", 10) + "\r\n",
+                           kPause / 4, Received(200, std::string(10, 'x'))}),
+    RowName());
 
 TEST_F(TimeoutTest, RedirectsAreProgress) {
   SetInactivityTimeout(kLonger);
@@ -111,89 +123,31 @@ TEST_F(TimeoutTest, RedirectsAreProgress) {
     const std::string step = request.target.substr(1);
     // The status line comes late, after most of the timeout.
     std::this_thread::sleep_for(milliseconds(400));
-    connection.Write(step == "xxx" ? Response(200, "hello")
-                                   : Response(302, "", "Location: /" + step + "x\r\n"));
+    connection.Write(step == "xxx" ? Response(200, "hello") : Redirect(302, "/" + step + "x"));
   });
-  InternetData transport(Text(server.Url("/")));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "hello");
-}
-
-TEST_F(TimeoutTest, BytesInTheBodyAreProgress) {
-  SetInactivityTimeout(kLonger);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n");
-    connection.Drip(std::string(20, 'x'), kPause);
-  });
-  Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
-  EXPECT_EQ(BodyOf(*background.transport), std::string(20, 'x'));
-}
-
-TEST_F(TimeoutTest, EndsADripInsideAChunkSize) {
-  SetInactivityTimeout(kShort);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
-    connection.Drip("5;" + std::string(1000, 'x'), kPause);
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport, 200);
-}
-
-TEST_F(TimeoutTest, ChunksAndTrailerLinesAreProgress) {
-  SetInactivityTimeout(kLonger);
-  const RawServer server([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
-    for (int i = 0; i < 10; ++i) connection.Drip("1\r\nx\r\n", kPause / 4);
-    connection.Write("0\r\n");
-    for (int i = 0; i < 10; ++i) connection.Drip("A: 1\r\n", kPause / 4);
-    connection.Write("\r\n");
-  });
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), std::string(10, 'x'));
+  EXPECT_EQ(Fetch(server.Url("/")), Received(200, "hello"));
 }
 
 TEST_F(TimeoutTest, EndsAConnectionThatIsNotMade) {
-  SetInactivityTimeout(kShort);
   const FullListener listener;
-  InternetData transport(Text(listener.Url()));
-  const auto begin = Clock::now();
-  EXPECT_FALSE(transport.Download());
-  EXPECT_GE(Clock::now() - begin, kShortest);
-  EXPECT_LT(Clock::now() - begin, kSoon);
-  ExpectFailureState(transport);
-  Background background(listener.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kFailed);
+  for (const Way way : kBothModes) ExpectTimeout(way, listener.Url());
 }
 
 TEST_F(TimeoutTest, EndsAStalledTlsHandshake) {
-  SetInactivityTimeout(kShort);
   const RawServer server(Silence());
-  InternetData transport(Text("https" + server.Url().substr(4)));
-  const auto begin = Clock::now();
-  EXPECT_FALSE(transport.Download());
-  EXPECT_GE(Clock::now() - begin, kShortest);
-  EXPECT_LT(Clock::now() - begin, kSoon);
-  ExpectFailureState(transport);
+  ExpectTimeout(Way::kDownload, "https" + server.Url().substr(4));
 }
 
 TEST_F(TimeoutTest, OtherTransfersAreNotProgress) {
   SetInactivityTimeout(kShort);
   const RawServer silent(Silence());
-  const RawServer busy([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\n\r\n");
-    connection.Drip(std::string(1'000'000, 'x'), milliseconds(10));
-  });
+  const RawServer busy(
+      Dripping("HTTP/1.1 200 OK\r\n\r\n", std::string(1'000'000, 'x'), milliseconds(10)));
   Background other(busy.Url());
   ASSERT_TRUE(other.Start());
   Background background(silent.Url());
-  ASSERT_TRUE(background.transport->DownloadWithDelegate(background.delegate.get(), nullptr));
-  EXPECT_TRUE(background.recorder.WaitFor(1));
-  EXPECT_EQ(background.recorder.names(), std::vector<std::string>{kFailed});
+  EXPECT_EQ(background.Run(), kFailed);
+  EXPECT_EQ(background.recorder.entries().size(), 1U);
 }
 
 TEST_F(TimeoutTest, SlowUploadIsProgress) {
@@ -212,11 +166,9 @@ TEST_F(TimeoutTest, SlowUploadIsProgress) {
         connection.Write(Response(200, std::to_string(body.size())));
       },
       {nullptr, false, 0});
-  InternetData transport(Text("none:"));
-  SetSendData(std::string(kLargeBody, 'x'), transport);
   const auto begin = Clock::now();
-  EXPECT_TRUE(Post(server.Url(), transport));
-  EXPECT_EQ(BodyOf(transport), std::to_string(kLargeBody));
+  EXPECT_EQ(Ask(Way::kSendAndRead, server.Url(), std::string(kLargeBody, 'x')),
+            Received(200, std::to_string(kLargeBody)));
   EXPECT_GT(Clock::now() - begin, std::chrono::duration<float>(kLonger));
 }
 
@@ -232,10 +184,8 @@ TEST_F(TimeoutTest, BytesThatTheSystemSendsOfAnUploadAreProgress) {
         connection.Write(Response(200, std::to_string(body.size())));
       },
       {nullptr, false, 4096});
-  InternetData transport(Text("none:"));
-  SetSendData(std::string(kBody, 'x'), transport);
-  EXPECT_TRUE(Post(server.Url(), transport));
-  EXPECT_EQ(BodyOf(transport), std::to_string(kBody));
+  EXPECT_EQ(Ask(Way::kSendAndRead, server.Url(), std::string(kBody, 'x')),
+            Received(200, std::to_string(kBody)));
 }
 
 TEST_F(TimeoutTest, EndsAnUploadThatTheServerDoesNotRead) {
@@ -243,51 +193,31 @@ TEST_F(TimeoutTest, EndsAnUploadThatTheServerDoesNotRead) {
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) { connection.StallWithoutReading(); },
       {nullptr, false, 4096});
-  Background background(server.Url());
-  SetSendData(std::string(kLargeBody, 'x'), *background.transport);
-  ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
-  EXPECT_EQ(background.WaitForEnd(), kFailed);
-  ExpectFailureState(*background.transport);
+  EXPECT_EQ(Ask(Way::kUploadWithDelegate, server.Url(), std::string(kLargeBody, 'x')),
+            NotReceived());
 }
 
 TEST_F(TimeoutTest, ReusedConnectionGetsTheWholeTimeout) {
-  SetInactivityTimeout(kShort);
-  int count = 0;
-  const RawServer server([&count](const RawRequest&, RawConnection& connection) {
-    if (++count == 1) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    if (request.target == "/first") {
       connection.Write(Response(200, "first"));
     } else {
       connection.Stall();
     }
   });
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  const auto begin = Clock::now();
-  EXPECT_FALSE(transport.Download());
-  EXPECT_GE(Clock::now() - begin, kShortest);
-  EXPECT_LT(Clock::now() - begin, kSoon);
-}
-
-TEST_F(TimeoutTest, InvalidSettingMeansTheDefault) {
-  for (const float seconds : {-1.0F, 0.0F, std::numeric_limits<float>::quiet_NaN(),
-                              std::numeric_limits<float>::infinity()}) {
-    SetInactivityTimeout(seconds);
-    const RawServer server(Always(Response(200, "hello")));
-    InternetData transport(Text(server.Url()));
-    EXPECT_TRUE(transport.Download()) << seconds;
-  }
-  SetInactivityTimeout(std::numeric_limits<float>::max());
-  const RawServer server(Always(Response(200, "hello")));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
+  EXPECT_EQ(Fetch(server.Url("/first")), Received(200, "first"));
+  ExpectTimeout(Way::kDownload, server.Url());
+  EXPECT_EQ(server.connections(), 1);
 }
 
 TEST_F(TimeoutTest, InvalidSettingMeansTheTransportsOwn) {
-  const RawServer server(Silence());
+  const RawServer good(Always(Response(200, "hello")));
+  const RawServer silent(Silence());
   for (const float seconds : {-1.0F, 0.0F, std::numeric_limits<float>::quiet_NaN(),
                               std::numeric_limits<float>::infinity()}) {
     SetInactivityTimeout(seconds);
-    InternetData transport(Text(server.Url()));
+    EXPECT_TRUE(Fetch(good.Url()).received) << seconds;
+    InternetData transport(Text(silent.Url()));
     InternetDataTestPeer::SetInactivityTimeout(transport, kShort);
     const auto begin = Clock::now();
     EXPECT_FALSE(transport.Download()) << seconds;
@@ -295,23 +225,24 @@ TEST_F(TimeoutTest, InvalidSettingMeansTheTransportsOwn) {
     EXPECT_GE(Clock::now() - begin, kShortest) << seconds;
     EXPECT_LT(Clock::now() - begin, kSoon) << seconds;
   }
+  SetInactivityTimeout(std::numeric_limits<float>::max());
+  EXPECT_TRUE(Fetch(good.Url()).received);
 }
 
 // The worker has no time to wait beside a reply that comes as fast as it can be read.
 TEST_F(TimeoutTest, ASilentServerIsNoticedBesideABusyOne) {
   const RawServer busy([](const RawRequest&, RawConnection& connection) {
-    connection.Write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+    connection.Write(CHUNKED);
     const std::string many_chunks = Repeated("1\r\nx\r\n", 10'000);
     while (connection.Write(many_chunks)) continue;
   });
-  const RawServer silent([](const RawRequest&, RawConnection& connection) { connection.Stall(); });
+  const RawServer silent(Silence());
   SetInactivityTimeout(kShort);
   Background stream(busy.Url());
   ASSERT_TRUE(stream.Start());
   Background background(silent.Url());
   const auto begin = Clock::now();
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kFailed);
+  EXPECT_EQ(background.Run(), kFailed);
   EXPECT_GE(Clock::now() - begin, kShortest);
   EXPECT_EQ(stream.recorder.names().size(), 1U) << "the stream has ended";  // it hears of both
 }

@@ -6,141 +6,85 @@
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/certificates.h"
-#include "tests/support/raw_server.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
 
 constexpr char kLocalNames[] = "DNS:localhost,IP:127.0.0.1";
 
-RawServer::Options With(const Certificate& certificate) {
-  RawServer::Options options;
-  options.certificate = &certificate;
-  return options;
-}
-
 // The transport trusts one authority, which has issued some of the certificates.
-class TlsTest : public TransportTest {
+class TlsTest : public TrustingTest {
  protected:
-  TlsTest() {
-    const auto file = folder_.path() / "authority.pem";
-    authority_.WriteTo(file);
-    TransferDefaults defaults;
-    defaults.ca_file = file.c_str();
-    InternetData::SetDefaults(defaults);
-  }
-
-  static void ExpectRefused(const RawServer& server, const std::string& url) {
-    InternetData transport((Text(url)));
-    EXPECT_FALSE(transport.Download());
-    ExpectFailureState(transport);
-    Background background(url);
-    ASSERT_TRUE(background.Start());
-    EXPECT_EQ(background.WaitForEnd(), kFailed);
+  // Expects that no transfer sends a request to a server with this certificate.
+  static void ExpectRefused(const Certificate& certificate) {
+    const RawServer server(Always(Response(200, "hello")), {&certificate});
+    for (const std::string& url : {server.Url(), ByName(server)}) {
+      EXPECT_EQ(Fetch(url), NotReceived());
+      EXPECT_EQ(FetchInBackground(url), NotReceived());
+    }
     EXPECT_EQ(server.requests().size(), 0U);
   }
 
-  const TemporaryFolder folder_;
-  const CertificateAuthority authority_{"trusted"};
-  const Certificate good_ = authority_.Issue(kLocalNames);
+  static std::string ByName(const RawServer& server) {
+    return "https://localhost:" + std::to_string(server.port()) + "/";
+  }
+
+  const RawServer secure_{Always(Response(200, "hello")), tls_};
 };
 
 TEST_F(TlsTest, AcceptsAGoodCertificate) {
-  const RawServer server(Always(Response(200, "hello")), With(good_));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "hello");
-  InternetData by_name(Text("https://localhost:" + std::to_string(server.port()) + "/"));
-  EXPECT_TRUE(by_name.Download());
-  Background background(server.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
-  EXPECT_EQ(BodyOf(*background.transport), "hello");
+  EXPECT_EQ(Fetch(secure_.Url()), Received(200, "hello"));
+  EXPECT_EQ(Fetch(ByName(secure_)), Received(200, "hello"));
+  EXPECT_EQ(FetchInBackground(secure_.Url()), Received(200, "hello"));
 }
 
+// The second one has only the name of the trusted one.
 TEST_F(TlsTest, RefusesAnUnknownAuthority) {
-  const CertificateAuthority stranger("stranger");
-  const Certificate certificate = stranger.Issue(kLocalNames);
-  const RawServer server(Always(Response(200, "hello")), With(certificate));
-  ExpectRefused(server, server.Url());
-}
-
-TEST_F(TlsTest, RefusesAnAuthorityOfTheSameName) {
-  const CertificateAuthority namesake("trusted");
-  const Certificate certificate = namesake.Issue(kLocalNames);
-  const RawServer server(Always(Response(200, "hello")), With(certificate));
-  ExpectRefused(server, server.Url());
+  for (const char* name : {"stranger", "trusted"}) {
+    ExpectRefused(CertificateAuthority(name).Issue(kLocalNames));
+  }
 }
 
 TEST_F(TlsTest, RefusesAnExpiredCertificate) {
-  const Certificate certificate = authority_.IssueExpired(kLocalNames);
-  const RawServer server(Always(Response(200, "hello")), With(certificate));
-  ExpectRefused(server, server.Url());
+  ExpectRefused(authority_.IssueExpired(kLocalNames));
 }
 
 TEST_F(TlsTest, RefusesACertificateOfAnotherServer) {
-  const Certificate certificate = authority_.Issue("DNS:other.example,IP:127.0.0.2");
-  const RawServer server(Always(Response(200, "hello")), With(certificate));
-  ExpectRefused(server, server.Url());
-  ExpectRefused(server, "https://localhost:" + std::to_string(server.port()) + "/");
+  ExpectRefused(authority_.Issue("DNS:other.example,IP:127.0.0.2"));
 }
 
 TEST_F(TlsTest, RefusesAnAuthorityThatTheHostDoesNotName) {
   InternetData::SetDefaults(TransferDefaults());
-  const RawServer server(Always(Response(200, "hello")), With(good_));
-  ExpectRefused(server, server.Url());
+  ExpectRefused(certificate_);
 }
 
 TEST_F(TlsTest, FailsWithoutTheAuthorityFile) {
-  TransferDefaults defaults;
-  defaults.ca_file = (folder_.path() / "missing.pem").c_str();
-  InternetData::SetDefaults(defaults);
-  const RawServer server(Always(Response(200, "hello")), With(good_));
-  ExpectRefused(server, server.Url());
+  Trust("missing.pem");
+  ExpectRefused(certificate_);
 }
 
 TEST_F(TlsTest, DoesNotReuseAConnectionUnderAnotherAuthority) {
-  const RawServer server(Always(Response(200, "hello")), With(good_));
-  InternetData transport(Text(server.Url()));
-  ASSERT_TRUE(transport.Download());
-  const auto file = folder_.path() / "stranger.pem";
-  CertificateAuthority("stranger").WriteTo(file);
-  TransferDefaults defaults;
-  defaults.ca_file = file.c_str();
-  InternetData::SetDefaults(defaults);
-  InternetData second(Text(server.Url()));
-  EXPECT_FALSE(second.Download());
-}
-
-TEST_F(TlsTest, ReusesAConnection) {
-  const RawServer server(Always(Response(200, "hello")), With(good_));
-  for (int i = 0; i < 3; ++i) {
-    InternetData transport(Text(server.Url()));
-    EXPECT_TRUE(transport.Download());
-  }
-  EXPECT_EQ(server.connections(), 1);
+  EXPECT_TRUE(Fetch(secure_.Url()).received);
+  CertificateAuthority("stranger").WriteTo(folder_.path() / "stranger.pem");
+  Trust("stranger.pem");
+  EXPECT_FALSE(Fetch(secure_.Url()).received);
 }
 
 TEST_F(TlsTest, FailsWhenTheServerSpeaksNoTls) {
   const RawServer server(AlwaysThenClose(Response(200, "hello")));
   SetInactivityTimeout(0.3F);
-  InternetData transport(Text("https" + server.Url().substr(4)));
-  EXPECT_FALSE(transport.Download());
-  ExpectFailureState(transport);
+  EXPECT_EQ(Fetch("https" + server.Url().substr(4)), NotReceived());
 }
 
+// Without close_notify, anyone on the path may have cut the connection.
 TEST_F(TlsTest, FailsWhenABodyWithoutLengthIsCutOff) {
-  // Without close_notify, anyone on the path may have cut the connection.
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) {
         connection.Write("HTTP/1.1 200 OK\r\n\r\nhalf of it");
         connection.Reset();
       },
-      With(good_));
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
+      tls_);
+  EXPECT_FALSE(Fetch(server.Url()).received);
 }
 
 // A body that ends with its connection is whole only after close_notify.
@@ -159,20 +103,14 @@ class TlsEndTest : public TlsTest {
             (connection.*end)();
           }
         },
-        With(good_));
-    const RawServer plain(Always(Response(302, "", "Location: " + server.Url() + "\r\n")));
-    InternetData first(Text(server.Url()));
-    std::vector<bool> results = {first.Download()};
-    InternetData opener(Text(server.Url("/good")));
-    EXPECT_TRUE(opener.Download());
-    results.push_back(first.Download());
-    InternetData redirected(Text(plain.Url()));
-    results.push_back(redirected.Download());
-    SetSendData("data", first);
-    results.push_back(Post(server.Url(), first));
-    Background background(server.Url());
-    EXPECT_TRUE(background.Start());
-    results.push_back(background.WaitForEnd() == kReturned);
+        tls_);
+    const RawServer plain(Always(Redirect(302, server.Url())));
+    std::vector<bool> results = {Fetch(server.Url()).received};
+    EXPECT_TRUE(Fetch(server.Url("/good")).received);
+    results.push_back(Fetch(server.Url()).received);
+    results.push_back(Fetch(plain.Url()).received);
+    results.push_back(Ask(Way::kSendAndRead, server.Url(), "data").received);
+    results.push_back(FetchInBackground(server.Url()).received);
     return results;
   }
 };
@@ -186,14 +124,9 @@ TEST_F(TlsEndTest, RefusesABodyEndedWithoutCloseNotify) {
 }
 
 TEST_F(TlsTest, FailsWhenTheServerLeavesDuringAnUpload) {
-  RawServer::Options options = With(good_);
-  options.reads_body = false;
   const RawServer server([](const RawRequest&, RawConnection& connection) { connection.Reset(); },
-                         options);
-  Background background(server.Url());
-  SetSendData(std::string(kLargeBody, 'x'), *background.transport);
-  ASSERT_TRUE(background.transport->UploadWithDelegate(background.delegate.get(), nullptr));
-  EXPECT_EQ(background.WaitForEnd(), kFailed);
+                         {&certificate_, false});
+  EXPECT_EQ(Background(server.Url()).Upload(std::string(kLargeBody, 'x')), kFailed);
 }
 
 TEST_F(TlsTest, SurvivesAResetOfAnIdleConnection) {
@@ -202,28 +135,25 @@ TEST_F(TlsTest, SurvivesAResetOfAnIdleConnection) {
         connection.Write(Response(200, "hello"));
         connection.Reset();
       },
-      With(good_));
+      tls_);
   for (int i = 0; i < 5; ++i) {
-    InternetData transport(Text(server.Url()));
-    transport.Download();
+    Fetch(server.Url());
     EXPECT_TRUE(server.WaitUntilUnused());
   }
   EXPECT_EQ(server.connections(), 5);
 }
 
-TEST_F(TlsTest, FollowsARedirectFromHttpToHttps) {
-  const RawServer secure(Always(Response(200, "secure")), With(good_));
-  const RawServer server(Always(Response(302, "", "Location: " + secure.Url() + "\r\n")));
-  InternetData transport(Text(server.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "secure");
+TEST_F(TlsTest, FollowsARedirectToHttps) {
+  const RawServer from_http(Always(Redirect(302, secure_.Url())));
+  EXPECT_EQ(Fetch(from_http.Url()), Received(200, "hello"));
+  const RawServer from_https(Always(Redirect(302, secure_.Url())), tls_);
+  EXPECT_EQ(Fetch(from_https.Url()), Received(200, "hello"));
 }
 
 TEST_F(TlsTest, RefusesARedirectFromHttpsToHttp) {
   for (const int status : {301, 302, 303, 307, 308}) {
     const RawServer plain(Always(Response(200, "plain")));
-    const RawServer server(Always(Response(status, "", "Location: " + plain.Url() + "\r\n")),
-                           With(good_));
+    const RawServer server(Always(Redirect(status, plain.Url())), tls_);
     for (const Way way : kAllWays) {
       EXPECT_EQ(ReasonOf(way, server.Url()), TransferError::kForbiddenRedirect);
     }
@@ -235,35 +165,21 @@ TEST_F(TlsTest, RefusesARedirectFromHttpsToHttpAtEveryHop) {
   const RawServer plain(Always(Response(200, "plain")));
   const RawServer server(
       [&plain](const RawRequest& request, RawConnection& connection) {
-        connection.Write(Response(
-            302, "", "Location: " + (request.target == "/" ? "/next" : plain.Url()) + "\r\n"));
+        connection.Write(Redirect(302, request.target == "/" ? "/next" : plain.Url()));
       },
-      With(good_));
-  const RawServer first(Always(Response(302, "", "Location: " + server.Url() + "\r\n")));
-  InternetData transport(Text(first.Url()));
-  EXPECT_FALSE(transport.Download());
+      tls_);
+  const RawServer first(Always(Redirect(302, server.Url())));
+  EXPECT_FALSE(Fetch(first.Url()).received);
   EXPECT_EQ(server.requests().size(), 2U);
   EXPECT_EQ(plain.requests().size(), 0U);
 }
 
 TEST_F(TlsTest, RefusesARedirectToHttpOnAnOpenConnection) {
   const RawServer plain(Always(Response(200, "plain")));
-  InternetData opener(Text(plain.Url()));
-  ASSERT_TRUE(opener.Download());
-  const RawServer server(Always(Response(302, "", "Location: " + plain.Url("/leak") + "\r\n")),
-                         With(good_));
-  InternetData transport(Text(server.Url()));
-  EXPECT_FALSE(transport.Download());
+  EXPECT_TRUE(Fetch(plain.Url()).received);
+  const RawServer server(Always(Redirect(302, plain.Url("/leak"))), tls_);
+  EXPECT_FALSE(Fetch(server.Url()).received);
   EXPECT_EQ(plain.requests().size(), 1U);
-}
-
-TEST_F(TlsTest, FollowsARedirectBetweenHttpsServers) {
-  const RawServer second(Always(Response(200, "second")), With(good_));
-  const RawServer first(Always(Response(302, "", "Location: " + second.Url() + "\r\n")),
-                        With(good_));
-  InternetData transport(Text(first.Url()));
-  EXPECT_TRUE(transport.Download());
-  EXPECT_EQ(BodyOf(transport), "second");
 }
 
 }  // namespace

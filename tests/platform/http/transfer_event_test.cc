@@ -15,7 +15,6 @@
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -69,7 +68,7 @@ TEST_F(TransferEventTest, NumbersAreDistinctAndGrow) {
 }
 
 TEST_F(TransferEventTest, MethodIsTheOneOfTheStart) {
-  const RawServer server(Always(Response(303, "", "Location: " + hello_.Url() + "\r\n")));
+  const RawServer server(Always(Redirect(303, hello_.Url())));
   for (const Way way : kAllWays) {
     Ask(way, server.Url(), "data");
     for (const TransferEvent& event : TakeEvents()) {
@@ -82,8 +81,7 @@ TEST_F(TransferEventTest, ContextIsTheOneOfTheDelegate) {
   int context = 0;
   Background background(hello_.Url());
   background.delegate = MakeDelegate(&context);
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(background.Run(), kReturned);
   for (const TransferEvent& event : TakeEvents()) EXPECT_EQ(event.context, &context);
   EXPECT_TRUE(background.transport->Download());
   const auto events = TakeEvents();
@@ -152,12 +150,9 @@ TEST_F(TransferEventTest, ProgressOfAChunkedBodyCountsItsBytes) {
 TEST_F(TransferEventTest, TimesAddUp) {
   constexpr std::chrono::milliseconds kPause(100);
   const RawServer server([kPause](const RawRequest& request, RawConnection& connection) {
-    connection.Drip(request.target == "/" ? Response(302, "", "Location: /to\r\n").substr(0, 1)
-                                          : Response(200, "").substr(0, 1),
-                    kPause);
-    connection.Write(
-        (request.target == "/" ? Response(302, "", "Location: /to\r\n") : Response(200, ""))
-            .substr(1));
+    const std::string reply = request.target == "/" ? Redirect(302, "/to") : Response(200, "");
+    connection.Drip(reply.substr(0, 1), kPause);
+    connection.Write(reply.substr(1));
   });
   for (const Way way : kAllWays) {
     Ask(way, "http://localhost:" + std::to_string(server.port()) + "/", "data");
@@ -184,12 +179,10 @@ TEST_F(TransferEventTest, QueuedTimeGrowsWhenAllPlacesAreTaken) {
   constexpr std::size_t kPlaces = ovrant::internet::BackgroundWorker::kMaxActive;
   constexpr std::chrono::milliseconds kPause(200);
   const RawServer silent(Silence());
-  const auto delegate =
-      MakeDelegate(nullptr, "TransferEventTestStalled", "TransferEventTestStalled");
-  std::vector<std::unique_ptr<InternetData>> stalled;
+  std::vector<std::unique_ptr<Background>> stalled;
   for (std::size_t i = 0; i < kPlaces; ++i) {
-    stalled.push_back(std::make_unique<InternetData>(Text(silent.Url())));
-    ASSERT_TRUE(stalled.back()->DownloadWithDelegate(delegate.get(), nullptr));
+    stalled.push_back(std::make_unique<Background>(silent.Url()));
+    ASSERT_TRUE(stalled.back()->Start());
   }
   ASSERT_TRUE(silent.WaitForRequests(kPlaces));
   Background next(hello_.Url());

@@ -14,10 +14,6 @@
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/certificates.h"
-#include "tests/support/raw_server.h"
-#include "tests/support/temporary_folder.h"
-#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -36,33 +32,13 @@ constexpr Kind kStepKinds[] = {Kind::kQueued,   Kind::kConnected,  Kind::kReques
 constexpr char kOneRequest[] = "started connected request first-byte response ended";
 
 const char* NameOf(Kind kind) {
-  switch (kind) {
-    case Kind::kStarted:
-      return "started";
-    case Kind::kProgress:
-      return "progress";
-    case Kind::kEnded:
-      return "ended";
-    case Kind::kQueued:
-      return "queued";
-    case Kind::kConnected:
-      return "connected";
-    case Kind::kRequest:
-      return "request";
-    case Kind::kFirstByte:
-      return "first-byte";
-    case Kind::kResponse:
-      return "response";
-    case Kind::kRedirected:
-      return "redirected";
-    case Kind::kPosted:
-      return "posted";
-  }
-  return "?";
+  constexpr const char* kNames[] = {"started", "progress",   "ended",    "queued",     "connected",
+                                    "request", "first-byte", "response", "redirected", "posted"};
+  return kNames[static_cast<int>(kind)];
 }
 
 // Collects the events of the listener.
-class TransferTraceTest : public TransportTest {
+class TransferTraceTest : public TrustingTest {
  protected:
   ~TransferTraceTest() override { InternetData::SetTransferListener(nullptr); }
 
@@ -149,8 +125,7 @@ TEST_F(TransferTraceTest, TellsOfQueueAndPostInTheBackground) {
 TEST_F(TransferTraceTest, PostNamesTheNotificationAndItsThread) {
   Listen(TransferDetail::kSteps);
   Background background(hello_.Url());
-  ASSERT_TRUE(background.Start());
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
+  EXPECT_EQ(background.Run(), kReturned);
   LetWorkerCatchUp();
   const TransferEvent posted = EventOf(Kind::kPosted);
   EXPECT_EQ(posted.notification, Text(kReturned));
@@ -181,7 +156,7 @@ TEST_F(TransferTraceTest, PostIsToldOnTheThreadOfTheCompletion) {
 
 TEST_F(TransferTraceTest, ConnectionNamesItsAddressAndPort) {
   Listen(TransferDetail::kSteps);
-  Ask(Way::kDownload, "http://localhost:" + std::to_string(hello_.port()) + "/", "");
+  Fetch("http://localhost:" + std::to_string(hello_.port()) + "/");
   const TransferEvent connected = EventOf(Kind::kConnected);
   EXPECT_EQ(connected.address, "127.0.0.1");
   EXPECT_EQ(connected.port, hello_.port());
@@ -193,11 +168,10 @@ TEST_F(TransferTraceTest, ConnectionNamesItsAddressAndPort) {
 }
 
 TEST_F(TransferTraceTest, ThroughAProxyTheConnectionIsTheProxys) {
-  TransferDefaults defaults;
-  defaults.proxy = Text(hello_.Url(""));
-  InternetData::SetDefaults(defaults);
+  defaults_.proxy = Text(hello_.Url(""));
+  InternetData::SetDefaults(defaults_);
   Listen(TransferDetail::kHeads);
-  Ask(Way::kDownload, "http://nobody.invalid/a", "");
+  Fetch("http://nobody.invalid/a");
   EXPECT_EQ(EventOf(Kind::kConnected).port, hello_.port());
   EXPECT_THAT(HeadOf(Kind::kRequest), StartsWith("GET http://nobody.invalid/a HTTP/1.1\n"));
   EXPECT_EQ(EventOf(Kind::kEnded).url, Text("http://nobody.invalid/a"));
@@ -206,7 +180,7 @@ TEST_F(TransferTraceTest, ThroughAProxyTheConnectionIsTheProxys) {
 
 TEST_F(TransferTraceTest, TellsOfAKeptConnection) {
   Listen(TransferDetail::kSteps);
-  for (int i = 0; i < 2; ++i) Ask(Way::kDownload, hello_.Url(), "");
+  for (int i = 0; i < 2; ++i) Fetch(hello_.Url());
   EXPECT_FALSE(EventOf(Kind::kConnected, 0).is_reused);
   EXPECT_TRUE(EventOf(Kind::kConnected, 1).is_reused);
   EXPECT_TRUE(EventOf(Kind::kEnded, 1).is_reused);
@@ -214,19 +188,10 @@ TEST_F(TransferTraceTest, TellsOfAKeptConnection) {
 }
 
 TEST_F(TransferTraceTest, TlsVersionIsKeptWithTheConnection) {
-  const TemporaryFolder folder;
-  const CertificateAuthority authority("trusted");
-  const Certificate certificate = authority.Issue("IP:127.0.0.1");
-  authority.WriteTo(folder.path() / "authority.pem");
-  TransferDefaults defaults;
-  defaults.ca_file = (folder.path() / "authority.pem").c_str();
-  InternetData::SetDefaults(defaults);
-  RawServer::Options options;
-  options.certificate = &certificate;
-  const RawServer server(Always(Response(200, "hello")), options);
+  const RawServer server(Always(Response(200, "hello")), tls_);
   Listen(TransferDetail::kSteps);
   for (int i = 0; i < 2; ++i) {
-    Ask(Way::kDownload, server.Url(), "");
+    Fetch(server.Url());
     EXPECT_EQ(EventOf(Kind::kConnected, i).tls, "TLSv1.3");
     EXPECT_EQ(EventOf(Kind::kConnected, i).is_reused, i == 1);
   }
@@ -248,16 +213,15 @@ TEST_F(TransferTraceTest, ConnectionWithBytesOnItIsNotTold) {
   EXPECT_EQ(TakeSteps(), kOneRequest);
   first_ended.Set();
   ASSERT_TRUE(sent.Wait());
-  Ask(Way::kDownload, server.Url(), "");
+  Fetch(server.Url());
   EXPECT_FALSE(EventOf(Kind::kConnected).is_reused);
   EXPECT_EQ(EventOf(Kind::kConnected).request, 1U);
   EXPECT_EQ(TakeSteps(), kOneRequest);
 }
 
 TEST_F(TransferTraceTest, HeadsAreThoseOnTheWire) {
-  TransferDefaults defaults;
-  defaults.user_agent = "an agent";
-  InternetData::SetDefaults(defaults);
+  defaults_.user_agent = "an agent";
+  InternetData::SetDefaults(defaults_);
   Listen(TransferDetail::kHeads);
   Ask(Way::kSendAndRead, hello_.Url("/a"), "data");
   const std::string host = "127.0.0.1:" + std::to_string(hello_.port());
@@ -272,7 +236,7 @@ TEST_F(TransferTraceTest, HeadsAreThoseOnTheWire) {
 
 TEST_F(TransferTraceTest, HeadsAreEmptyWithStepsAlone) {
   Listen(TransferDetail::kSteps);
-  Ask(Way::kDownload, hello_.Url("/a"), "");
+  Fetch(hello_.Url("/a"));
   for (const TransferEvent& event : events()) EXPECT_TRUE(event.head.empty());
   EXPECT_EQ(EventOf(Kind::kRequest).request_url, Text(hello_.Url("/a")));
 }
@@ -281,7 +245,7 @@ TEST_F(TransferTraceTest, InterimResponsesHaveHeadsOfTheirOwn) {
   const RawServer server(
       Always("HTTP/1.1 103 Early Hints\r\nLink: </a>\r\n\r\n" + Response(200, "hello")));
   Listen(TransferDetail::kHeads);
-  Ask(Way::kDownload, server.Url(), "");
+  Fetch(server.Url());
   EXPECT_EQ(HeadOf(Kind::kResponse, 0), "HTTP/1.1 103 Early Hints\nLink: </a>\n");
   EXPECT_EQ(EventOf(Kind::kResponse, 0).status, 103);
   EXPECT_EQ(HeadOf(Kind::kResponse, 1), "HTTP/1.1 200 Text\nContent-Length: 5\n");
@@ -289,18 +253,15 @@ TEST_F(TransferTraceTest, InterimResponsesHaveHeadsOfTheirOwn) {
 }
 
 TEST_F(TransferTraceTest, EachRedirectIsAnotherRequest) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/from" ? Response(302, "gone", "Location: /to\r\n")
-                                               : Response(200, "hello"));
-  });
+  const RawServer server(RedirectTo("/to"));
   Listen(TransferDetail::kHeads);
-  Ask(Way::kDownload, server.Url("/from"), "");
+  Fetch(server.Url("/from"));
   const TransferEvent redirected = EventOf(Kind::kRedirected);
   EXPECT_EQ(redirected.request, 1U);
   EXPECT_EQ(redirected.request_url, Text(server.Url("/from")));
   EXPECT_EQ(redirected.redirect_url, Text(server.Url("/to")));
   EXPECT_EQ(redirected.status, 302);
-  EXPECT_EQ(redirected.wire_bytes_received, 4U);
+  EXPECT_EQ(redirected.wire_bytes_received, 5U);
   EXPECT_THAT(HeadOf(Kind::kRequest, 1), StartsWith("GET /to HTTP/1.1\n"));
   const TransferEvent end = EventOf(Kind::kEnded);
   EXPECT_EQ(end.request, 2U);
@@ -313,7 +274,7 @@ TEST_F(TransferTraceTest, EachRedirectIsAnotherRequest) {
 }
 
 TEST_F(TransferTraceTest, RequestMethodIsTheOneAfterTheRedirect) {
-  const RawServer server(Always(Response(303, "", "Location: " + hello_.Url() + "\r\n")));
+  const RawServer server(Always(Redirect(303, hello_.Url())));
   Listen(TransferDetail::kSteps);
   Ask(Way::kSendAndRead, server.Url(), "data");
   EXPECT_STREQ(EventOf(Kind::kStarted).request_method, "POST");
@@ -323,10 +284,7 @@ TEST_F(TransferTraceTest, RequestMethodIsTheOneAfterTheRedirect) {
 }
 
 TEST_F(TransferTraceTest, TimesGrowFromStepToStep) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
-                                               : Response(200, "hello"));
-  });
+  const RawServer server(RedirectTo("/to"));
   Listen(TransferDetail::kSteps);
   for (const Way way : kAllWays) Ask(way, server.Url("/from"), "data");
   LetWorkerCatchUp();
@@ -344,12 +302,11 @@ TEST_F(TransferTraceTest, TimesGrowFromStepToStep) {
 }
 
 TEST_F(TransferTraceTest, SecretsAreBlankedInStepsAndHeads) {
-  TransferDefaults defaults;
   const RawServer server(
       Always(Response(302, "", "Set-Cookie: a=SECRET\r\nLocation: /?to=SECRET#SECRET\r\n")));
-  defaults.origin_request_headers[Text(server.Url())]["X-Tenant"] = "SECRET";
-  defaults.extra_request_headers["Authorization"] = "SECRET";
-  InternetData::SetDefaults(defaults);
+  defaults_.origin_request_headers[Text(server.Url())]["X-Tenant"] = "SECRET";
+  defaults_.extra_request_headers["Authorization"] = "SECRET";
+  InternetData::SetDefaults(defaults_);
   const std::string url = "http://user:SECRET@" + server.Url("/?from=SECRET").substr(7);
   Listen(TransferDetail::kHeads);
   for (const Way way : kAllWays) Ask(way, url, "data");
@@ -370,11 +327,10 @@ TEST_F(TransferTraceTest, SecretsAreBlankedInStepsAndHeads) {
 }
 
 TEST_F(TransferTraceTest, SecretsAreShownOnRequest) {
-  TransferDefaults defaults;
-  defaults.extra_request_headers["Authorization"] = "SECRET";
-  InternetData::SetDefaults(defaults);
+  defaults_.extra_request_headers["Authorization"] = "SECRET";
+  InternetData::SetDefaults(defaults_);
   Listen(TransferDetail::kHeads, TransferSecrets::kShown);
-  Ask(Way::kDownload, hello_.Url("/?a=b"), "");
+  Fetch(hello_.Url("/?a=b"));
   EXPECT_EQ(EventOf(Kind::kRequest).request_url, Text(hello_.Url("/?a=b")));
   EXPECT_THAT(HeadOf(Kind::kRequest),
               AllOf(StartsWith("GET /?a=b HTTP/1.1\n"), HasSubstr("\nAuthorization: SECRET\n")));
@@ -386,19 +342,14 @@ TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
   const RawServer inside_head(AlwaysThenClose("HTTP/1.1 200 OK\r\nX-Whole: 1\r\nX-Par"));
   const RawServer inside_body(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhello"));
   const RawServer malformed(Always("HTTP/1.1 200 OK\r\nno field\r\n\r\n"));
-  int unused_port = 0;
-  {
-    const RawServer gone(Silence());
-    unused_port = gone.port();
-  }
+  const std::string unused = RawServer(Silence()).Url();
   const struct {
     std::string url;
     TransferError reason;
     const char* steps;
   } cases[] = {
       {"bad:", TransferError::kBadUrl, "started ended"},
-      {"http://127.0.0.1:" + std::to_string(unused_port), TransferError::kNotConnected,
-       "started ended"},
+      {unused, TransferError::kNotConnected, "started ended"},
       {"https" + silent.Url().substr(4), TransferError::kSilent, "started ended"},
       {silent.Url(), TransferError::kSilent, "started connected request ended"},
       {inside_head.Url(), TransferError::kCutOff, "started connected request first-byte ended"},
@@ -407,7 +358,7 @@ TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
   };
   Listen(TransferDetail::kHeads);
   for (const auto& [url, reason, steps] : cases) {
-    Ask(Way::kDownload, url, "");
+    Fetch(url);
     EXPECT_EQ(EventOf(Kind::kEnded).reason, reason) << url;
     EXPECT_EQ(TakeSteps(), steps) << url;
   }
@@ -416,7 +367,7 @@ TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
 TEST_F(TransferTraceTest, EndShowsAHeadThatBrokeOff) {
   const RawServer server(AlwaysThenClose("HTTP/1.1 200 OK\r\nX-Whole: 1\r\nX-Par"));
   Listen(TransferDetail::kHeads);
-  Ask(Way::kDownload, server.Url(), "");
+  Fetch(server.Url());
   EXPECT_THAT(HeadOf(Kind::kEnded), StartsWith("HTTP/1.1 200 OK\nX-Whole: 1\n"));
 }
 
@@ -435,10 +386,7 @@ TEST_F(TransferTraceTest, DroppedTransferEndsItsSteps) {
 
 // The listener deletes transport and delegate in the first step of each kind.
 TEST_F(TransferTraceTest, ListenerMayDeleteTheTransferAtEachStep) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.target == "/from" ? Response(302, "", "Location: /to\r\n")
-                                               : Response(200, "hello"));
-  });
+  const RawServer server(RedirectTo("/to"));
   for (const Kind kind : kStepKinds) {
     Background background(server.Url("/from"));
     Event deleted;

@@ -39,6 +39,24 @@ std::string HeaderOf(const InternetData& transport, const char* name) {
   return found == transport.received_headers().end() ? "(none)" : found->second.utf8();
 }
 
+std::string Redirect(int status, const std::string& location) {
+  return Response(status, "moved", "Location: " + location + "\r\n");
+}
+
+RawServer::Handler RedirectTo(const std::string& location, int status) {
+  return [location, status](const RawRequest& request, RawConnection& connection) {
+    connection.Write(request.target == "/from" ? Redirect(status, location)
+                                               : Response(200, "hello"));
+  };
+}
+
+RawServer::Handler HelloAfter(Event& event) {
+  return [&event](const RawRequest&, RawConnection& connection) {
+    EXPECT_TRUE(event.Wait());
+    connection.Write(Response(200, "hello"));
+  };
+}
+
 RawRequest LastRequest(const RawServer& server) {
   const auto requests = server.requests();
   EXPECT_FALSE(requests.empty());
@@ -116,6 +134,16 @@ void TransportTest::SetBodyCap(unsigned long bytes) {
   TransferDefaults defaults;
   defaults.body_cap = bytes;
   InternetData::SetDefaults(defaults);
+}
+
+TrustingTest::TrustingTest() {
+  authority_.WriteTo(folder_.path() / "authority.pem");
+  Trust("authority.pem");
+}
+
+void TrustingTest::Trust(const char* file) {
+  defaults_.ca_file = (folder_.path() / file).c_str();
+  InternetData::SetDefaults(defaults_);
 }
 
 }  // namespace stowra_test

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,9 +15,12 @@
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/transfer_types.h"
 #include "common_stowraapi/platform/ustring.h"
+#include "tests/faults/ask.h"
+#include "tests/support/certificates.h"
 #include "tests/support/event.h"
 #include "tests/support/notification_recorder.h"
 #include "tests/support/raw_server.h"
+#include "tests/support/temporary_folder.h"
 #include "tests/support/text.h"
 
 namespace stowra_test {
@@ -37,9 +40,25 @@ inline constexpr unsigned int kFailedMessage = 2;
 // Larger than any buffer on the way, and still quick to allocate.
 inline constexpr std::size_t kLargeBody = std::size_t{32} << 20;
 
+// Download `url`. A failure must leave neither body nor headers.
+inline Answer Fetch(const std::string& url) { return Ask(Way::kDownload, url, ""); }
+inline Answer FetchInBackground(const std::string& url) {
+  return Ask(Way::kDownloadWithDelegate, url, "");
+}
+inline Answer NotReceived(int status = 0) { return {false, status, ""}; }
+
 // The response that the transport holds.
 std::string BodyOf(const InternetData& transport);
 std::string HeaderOf(const InternetData& transport, const char* name);
+
+// A redirect with the body "moved".
+std::string Redirect(int status, const std::string& location);
+
+// Redirects "/from" to `location` and answers any other request with "hello".
+RawServer::Handler RedirectTo(const std::string& location, int status = 302);
+
+// Answers with "hello" after the event.
+RawServer::Handler HelloAfter(Event& event);
 
 // The last request of the server, or an empty one.
 RawRequest LastRequest(const RawServer& server);
@@ -61,10 +80,14 @@ struct Background {
   explicit Background(const std::string& url, std::function<void()> on_notification = nullptr);
 
   // Start a GET, or a POST of `data`. WaitForEnd gives the posted name, or waits for kPatience in
-  // vain.
+  // vain. The last two do both.
   bool Start();
   bool StartUpload(std::string_view data);
   std::string WaitForEnd();
+  std::string Run() { return Start() ? WaitForEnd() : "(not started)"; }
+  std::string Upload(std::string_view data) {
+    return StartUpload(data) ? WaitForEnd() : "(not started)";
+  }
 
   // How many posts have come when the worker has caught up (LetWorkerCatchUp).
   std::size_t CountPosts();
@@ -88,6 +111,21 @@ class TransportTest : public ::testing::Test {
 
   static void SetInactivityTimeout(float seconds);
   static void SetBodyCap(unsigned long bytes);
+};
+
+// Transfers trust one authority. It has issued a certificate for this machine.
+class TrustingTest : public TransportTest {
+ protected:
+  TrustingTest();
+
+  // Makes the transfers trust only the authorities in this file of the folder.
+  void Trust(const char* file);
+
+  TransferDefaults defaults_;
+  const TemporaryFolder folder_;
+  const CertificateAuthority authority_{"trusted"};
+  const Certificate certificate_ = authority_.Issue("DNS:localhost,IP:127.0.0.1");
+  const RawServer::Options tls_{&certificate_};
 };
 
 }  // namespace stowra_test

@@ -6,15 +6,11 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-#include <ostream>
 #include <string>
 #include <tuple>
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
-#include "tests/support/certificates.h"
-#include "tests/support/raw_server.h"
-#include "tests/support/temporary_folder.h"
 
 namespace stowra_test {
 namespace {
@@ -45,24 +41,7 @@ struct Unasked {
   std::string bytes;
 };
 
-void PrintTo(const Unasked& unasked, std::ostream* out) { *out << unasked.name; }
-
-class KeptConnectionTest : public TransportTest {
- protected:
-  KeptConnectionTest() {
-    const auto file = folder_.path() / "authority.pem";
-    authority_.WriteTo(file);
-    TransferDefaults defaults;
-    defaults.ca_file = file.c_str();
-    InternetData::SetDefaults(defaults);
-  }
-
-  const TemporaryFolder folder_;
-  const CertificateAuthority authority_{"trusted"};
-  const Certificate certificate_ = authority_.Issue("IP:127.0.0.1");
-};
-
-class UnaskedBytesTest : public KeptConnectionTest,
+class UnaskedBytesTest : public TrustingTest,
                          public ::testing::WithParamInterface<std::tuple<Way, Unasked>> {
  protected:
   // Asks twice. The server sends the bytes after its first reply.
@@ -77,19 +56,17 @@ class UnaskedBytesTest : public KeptConnectionTest,
           connection.Write(bytes);
         },
         options);
-    EXPECT_EQ(Ask(way, server.Url("/first"), "data"), (Answer{true, 200, "/first"}));
+    EXPECT_EQ(Ask(way, server.Url("/first"), "data"), Received(200, "/first"));
     first_ended.Set();
     ASSERT_TRUE(WaitForBytes(server.port()));
-    EXPECT_EQ(Ask(way, server.Url("/second"), "data"), (Answer{true, 200, "/second"}));
+    EXPECT_EQ(Ask(way, server.Url("/second"), "data"), Received(200, "/second"));
     EXPECT_EQ(server.connections(), 2);
   }
 };
 
 TEST_P(UnaskedBytesTest, AreNotTheNextReply) { ExpectOwnReplies({}); }
 
-TEST_P(UnaskedBytesTest, AreNotTheNextReplyOverHttps) {
-  ExpectOwnReplies({&certificate_, true, 0});
-}
+TEST_P(UnaskedBytesTest, AreNotTheNextReplyOverHttps) { ExpectOwnReplies(tls_); }
 
 INSTANTIATE_TEST_SUITE_P(
     Ways, UnaskedBytesTest,
@@ -102,13 +79,13 @@ INSTANTIATE_TEST_SUITE_P(
       return std::string(NameOf(std::get<0>(test.param))) + std::get<1>(test.param).name;
     });
 
-class ReuseTest : public KeptConnectionTest, public ::testing::WithParamInterface<Way> {};
+class ReuseTest : public TrustingTest, public ::testing::WithParamInterface<Way> {};
 
 TEST_P(ReuseTest, UsesOneConnectionWithoutSuchBytes) {
-  for (const Certificate* certificate : {static_cast<const Certificate*>(nullptr), &certificate_}) {
-    const RawServer server(Always(Response(200, "hello")), {certificate, true, 0});
+  for (const RawServer::Options& options : {RawServer::Options(), tls_}) {
+    const RawServer server(Always(Response(200, "hello")), options);
     for (int i = 0; i < 3; ++i) {
-      EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), (Answer{true, 200, "hello"}));
+      EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), Received(200, "hello"));
     }
     EXPECT_EQ(server.connections(), 1);
   }

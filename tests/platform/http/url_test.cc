@@ -28,102 +28,80 @@ std::optional<ovrant_ustring> ValueOf(const ovrant_ustring& url, const ovrant_us
   return std::nullopt;
 }
 
-TEST(UrlTest, FindsTheValueOfAParameter) {
-  const ovrant_ustring url("https://models.example/get?id=12&rtyp=s8&x=y");
-  EXPECT_EQ(ValueOf(url, "rtyp"), ovrant_ustring("s8"));
-  EXPECT_EQ(ValueOf(url, "id"), ovrant_ustring("12"));
-  EXPECT_EQ(ValueOf(url, "x"), ovrant_ustring("y"));
+// `value` is null if there is no such parameter.
+struct Row {
+  const char* name;
+  const char* url;
+  const char* key;
+  const char* value;
+};
+
+class UrlValueTest : public ::testing::TestWithParam<Row> {};
+
+TEST_P(UrlValueTest, FollowsTheRules) {
+  const auto& [name, url, key, value] = GetParam();
+  EXPECT_EQ(ValueOf(url, key), value == nullptr ? std::nullopt : std::optional(Text(value))) << url;
 }
 
-TEST(UrlTest, KeepsTheValueWithoutSuchAParameter) {
-  EXPECT_EQ(ValueOf("https://models.example/get?id=12", "rtyp"), std::nullopt);
-  EXPECT_EQ(ValueOf("https://models.example/get", "rtyp"), std::nullopt);
-  EXPECT_EQ(ValueOf("https://models.example/get?", "rtyp"), std::nullopt);
-  EXPECT_EQ(ValueOf("", "rtyp"), std::nullopt);
-}
-
-TEST(UrlTest, MatchesTheWholeNameAndItsCase) {
-  const ovrant_ustring url("http://h/?rtypx=1&xrtyp=2&RTYP=3&rty=4");
-  EXPECT_EQ(ValueOf(url, "rtyp"), std::nullopt);
-}
-
-TEST(UrlTest, FindsTheFirstParameterOfThatName) {
-  EXPECT_EQ(ValueOf("http://h/?a=1&a=2", "a"), ovrant_ustring("1"));
-  EXPECT_EQ(ValueOf("http://h/?a&a=2", "a"), ovrant_ustring(""));
-}
-
-TEST(UrlTest, QueryLiesBetweenQuestionMarkAndFragment) {
-  EXPECT_EQ(ValueOf("http://h/a=0?a=1#a=2", "a"), ovrant_ustring("1"));
-  EXPECT_EQ(ValueOf("http://h/?b=1#?a=2", "a"), std::nullopt);
-  EXPECT_EQ(ValueOf("http://h/#?a=2", "a"), std::nullopt);
-  EXPECT_EQ(ValueOf("http://h/?a=1?b=2", "a"), ovrant_ustring("1?b=2"));
-  EXPECT_EQ(ValueOf("http://h/&a=1", "a"), std::nullopt);
-}
-
-TEST(UrlTest, FindsAnEmptyValue) {
-  EXPECT_EQ(ValueOf("http://h/?a=&b=1", "a"), ovrant_ustring(""));
-  EXPECT_EQ(ValueOf("http://h/?b=1&a", "a"), ovrant_ustring(""));
-  EXPECT_EQ(ValueOf("http://h/?a=", "a"), ovrant_ustring(""));
-}
-
-TEST(UrlTest, TheFirstEqualsSignEndsTheName) {
-  EXPECT_EQ(ValueOf("http://h/?a=b=c", "a"), ovrant_ustring("b=c"));
-  EXPECT_EQ(ValueOf("http://h/?a==", "a"), ovrant_ustring("="));
-  EXPECT_EQ(ValueOf("http://h/?=b", ""), ovrant_ustring("b"));
-}
-
-TEST(UrlTest, IgnoresEmptyParameters) {
-  EXPECT_EQ(ValueOf("http://h/?", ""), std::nullopt);
-  EXPECT_EQ(ValueOf("http://h/?&&a=1&", ""), std::nullopt);
-  EXPECT_EQ(ValueOf("http://h/?&&a=1&", "a"), ovrant_ustring("1"));
-}
-
-TEST(UrlTest, DecodesTheValue) {
-  EXPECT_EQ(ValueOf("http://h/?a=1%202%2B3%26%3d%2523", "a"), ovrant_ustring("1 2+3&=%23"));
-  EXPECT_EQ(ValueOf("http://h/?a=x+y++z", "a"), ovrant_ustring("x y  z"));
-  EXPECT_EQ(ValueOf("http://h/?a=%C3%A9%e2%82%ac%F0%9F%98%80", "a"),
-            ovrant_ustring("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
-  EXPECT_EQ(ValueOf("http://h/?a=%00b", "a"), ovrant_ustring("\0b", 2));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Parameters, UrlValueTest,
+    ::testing::Values(
+        Row{"First", "https://models.example/get?id=12&rtyp=s8&x=y", "id", "12"},
+        Row{"Second", "https://models.example/get?id=12&rtyp=s8&x=y", "rtyp", "s8"},
+        Row{"Last", "https://models.example/get?id=12&rtyp=s8&x=y", "x", "y"},
+        Row{"Missing", "https://models.example/get?id=12", "rtyp", nullptr},
+        Row{"WithoutQuery", "https://models.example/get", "rtyp", nullptr},
+        Row{"EmptyQuery", "https://models.example/get?", "rtyp", nullptr},
+        Row{"EmptyUrl", "", "rtyp", nullptr},
+        Row{"WholeNameAndItsCase", "http://h/?rtypx=1&xrtyp=2&RTYP=3&rty=4", "rtyp", nullptr},
+        Row{"FirstOfTwo", "http://h/?a=1&a=2", "a", "1"},
+        Row{"FirstOfTwoWithoutValue", "http://h/?a&a=2", "a", ""},
+        Row{"NotInPathOrFragment", "http://h/a=0?a=1#a=2", "a", "1"},
+        Row{"QueryInsideFragment", "http://h/?b=1#?a=2", "a", nullptr},
+        Row{"QueryInsideFragmentAlone", "http://h/#?a=2", "a", nullptr},
+        Row{"SecondQuestionMarkIsText", "http://h/?a=1?b=2", "a", "1?b=2"},
+        Row{"WithoutQuestionMark", "http://h/&a=1", "a", nullptr},
+        Row{"EmptyValue", "http://h/?a=&b=1", "a", ""},
+        Row{"NameAlone", "http://h/?b=1&a", "a", ""},
+        Row{"EmptyValueAtTheEnd", "http://h/?a=", "a", ""},
+        Row{"FirstEqualsSignEndsTheName", "http://h/?a=b=c", "a", "b=c"},
+        Row{"ValueIsAnEqualsSign", "http://h/?a==", "a", "="},
+        Row{"EmptyName", "http://h/?=b", "", "b"},
+        Row{"NoEmptyParameter", "http://h/?", "", nullptr},
+        Row{"NoEmptyParametersBetween", "http://h/?&&a=1&", "", nullptr},
+        Row{"BesideEmptyParameters", "http://h/?&&a=1&", "a", "1"},
+        Row{"DecodesAscii", "http://h/?a=1%202%2B3%26%3d%2523", "a", "1 2+3&=%23"},
+        Row{"DecodesPlusSigns", "http://h/?a=x+y++z", "a", "x y  z"},
+        Row{"DecodesUtf8", "http://h/?a=%C3%A9%e2%82%ac%F0%9F%98%80", "a",
+            "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        Row{"DecodesBesidePlainText", "http://h/?a=\xC3\xA9%C3%A9", "a", "\xC3\xA9\xC3\xA9"},
+        Row{"PercentSignAtTheEnd", "http://h/?a=%", "a", "%"},
+        Row{"PercentSignAndOneDigit", "http://h/?a=%4", "a", "%4"},
+        Row{"PercentSignAndOneDigitBeforeTheNext", "http://h/?a=%4&b=1", "a", "%4"},
+        Row{"PercentSignsBeforeOtherText", "http://h/?a=%4g%g4%%41%", "a", "%4g%g4%A%"},
+        Row{"PercentSignBeforeAPlusSign", "http://h/?a=100%+x", "a", "100% x"},
+        Row{"NoUtf8BecomesReplacements", "http://h/?a=%FFx%E2%82", "a",
+            "\xEF\xBF\xBDx\xEF\xBF\xBD"},
+        Row{"NameIsNotDecoded", "http://h/?%61=1", "a", nullptr},
+        Row{"NameAsWritten", "http://h/?%61=1", "%61", "1"},
+        Row{"PlusSignInTheName", "http://h/?a+b=1", "a b", nullptr},
+        Row{"NameInUtf8", "http://h/?\xC3\xA9=1", "\xC3\xA9", "1"},
+        Row{"QueryAlone", "?a=1", "a", "1"}, Row{"NoUrl", "no url at all ?a=1", "a", "1"}),
+    RowName());
 
 TEST(UrlTest, DecodesEveryByteInEitherCase) {
   for (unsigned byte = 0; byte < 256; ++byte) {
-    const std::string bytes(1, static_cast<char>(byte));
-    char small[8];
-    char capital[8];
-    std::snprintf(small, sizeof(small), "?a=%%%02x", byte);
-    std::snprintf(capital, sizeof(capital), "?a=%%%02X", byte);
-    EXPECT_EQ(ValueOf(small, "a"), ovrant_ustring(bytes.data(), 1)) << small;
-    EXPECT_EQ(ValueOf(capital, "a"), ovrant_ustring(bytes.data(), 1)) << capital;
+    const ovrant_ustring expected = Text(std::string(1, static_cast<char>(byte)));
+    for (const char* format : {"?a=%%%02x", "?a=%%%02X"}) {
+      char url[8];
+      std::snprintf(url, sizeof(url), format, byte);
+      EXPECT_EQ(ValueOf(url, "a"), expected) << url;
+    }
   }
 }
 
-TEST(UrlTest, DecodesEncodedAndPlainTextTogether) {
-  EXPECT_EQ(ValueOf("http://h/?a=\xC3\xA9%C3%A9", "a"), ovrant_ustring("\xC3\xA9\xC3\xA9"));
-}
-
-TEST(UrlTest, APercentSignWithoutTwoDigitsStandsForItself) {
-  EXPECT_EQ(ValueOf("http://h/?a=%", "a"), ovrant_ustring("%"));
-  EXPECT_EQ(ValueOf("http://h/?a=%4", "a"), ovrant_ustring("%4"));
-  EXPECT_EQ(ValueOf("http://h/?a=%4&b=1", "a"), ovrant_ustring("%4"));
-  EXPECT_EQ(ValueOf("http://h/?a=%4g%g4%%41%", "a"), ovrant_ustring("%4g%g4%A%"));
-  EXPECT_EQ(ValueOf("http://h/?a=100%+x", "a"), ovrant_ustring("100% x"));
-}
-
-TEST(UrlTest, BytesThatAreNotUtf8BecomeReplacementCharacters) {
-  EXPECT_EQ(ValueOf("http://h/?a=%FFx%E2%82", "a"), ovrant_ustring("\xEF\xBF\xBDx\xEF\xBF\xBD"));
-}
-
-TEST(UrlTest, ComparesTheNameAsWritten) {
-  EXPECT_EQ(ValueOf("http://h/?%61=1", "a"), std::nullopt);
-  EXPECT_EQ(ValueOf("http://h/?%61=1", "%61"), ovrant_ustring("1"));
-  EXPECT_EQ(ValueOf("http://h/?a+b=1", "a b"), std::nullopt);
-  EXPECT_EQ(ValueOf("http://h/?\xC3\xA9=1", "\xC3\xA9"), ovrant_ustring("1"));
-}
-
-TEST(UrlTest, AcceptsAnyText) {
-  EXPECT_EQ(ValueOf("?a=1", "a"), ovrant_ustring("1"));
-  EXPECT_EQ(ValueOf("no url at all ?a=1", "a"), ovrant_ustring("1"));
+TEST(UrlTest, AcceptsNulsAndLoneSurrogates) {
+  EXPECT_EQ(ValueOf("http://h/?a=%00b", "a"), ovrant_ustring("\0b", 2));
   EXPECT_EQ(ValueOf(TextOf(u"\xD800?a=\xDC00"), "a"), ovrant_ustring("\xEF\xBF\xBD"));
   EXPECT_EQ(ValueOf(ovrant_ustring("h\0?a=\0", 6), "a"), ovrant_ustring("\0", 1));
 }
@@ -188,19 +166,15 @@ Parameters ParametersOf(const std::string& url) {
 
 // Asks for every parameter and for some that do not exist. Returns how many it found.
 std::size_t CheckUrl(const std::string& url) {
-  const ovrant_ustring text(url.data(), url.size());
   std::map<std::string, std::string> first;
   for (const auto& [name, value] : ParametersOf(url)) first.emplace(name, value);
   for (const auto& [name, value] : first) {
-    EXPECT_EQ(ValueOf(text, ovrant_ustring(name.data(), name.size())),
-              ovrant_ustring(value.data(), value.size()))
-        << "parameter " << name << " of " << url;
+    EXPECT_EQ(ValueOf(Text(url), Text(name)), Text(value)) << "parameter " << name << " of " << url;
   }
   for (const std::string& name : {std::string(), std::string("rtyp"), std::string("?"), url}) {
-    if (first.count(name) == 0) {
-      EXPECT_EQ(ValueOf(text, ovrant_ustring(name.data(), name.size())), std::nullopt)
-          << "parameter " << name << " of " << url;
-    }
+    if (first.count(name) > 0) continue;
+    EXPECT_EQ(ValueOf(Text(url), Text(name)), std::nullopt)
+        << "parameter " << name << " of " << url;
   }
   return first.size();
 }

@@ -9,15 +9,12 @@
 #include <pthread.h>
 #endif
 
-#include <chrono>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/failing_malloc.h"
-#include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
@@ -51,38 +48,38 @@ void StartRefusedThenAllowed(const std::string& url, const Refuse& refuse, const
 // ThreadSanitizer reports the server's threads, which the process leaves behind.
 #if !defined(STOWRA_UNDER_ADDRESS_SANITIZER) && !defined(STOWRA_UNDER_THREAD_SANITIZER)
 
-// Open descriptors stay open.
-void SetDescriptorLimit(rlim_t limit) {
-  rlimit now = {};
-  getrlimit(RLIMIT_NOFILE, &now);
-  now.rlim_cur = limit;
-  setrlimit(RLIMIT_NOFILE, &now);
-}
+// Allows no more descriptors than are open, from Refuse to Allow.
+class DescriptorLimit {
+ public:
+  DescriptorLimit() { getrlimit(RLIMIT_NOFILE, &usual_); }
 
-rlim_t DescriptorsInUse() {
-  const int next = dup(STDERR_FILENO);
-  close(next);
-  return static_cast<rlim_t>(next);
-}
+  void Refuse() const {
+    const int next = dup(STDERR_FILENO);
+    close(next);
+    const rlimit none = {static_cast<rlim_t>(next), usual_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+  }
+  void Allow() const { setrlimit(RLIMIT_NOFILE, &usual_); }
+
+ private:
+  rlimit usual_ = {};
+};
 
 TEST_F(WorkerResourcesTest, TransferFailsAtOnceWithoutDescriptors) {
-  rlimit usual = {};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const DescriptorLimit limit;
   EXPECT_EXIT(StartRefusedThenAllowed(
-                  server_.Url(), [] { SetDescriptorLimit(DescriptorsInUse()); },
-                  [&] { SetDescriptorLimit(usual.rlim_cur); }),
+                  server_.Url(), [&] { limit.Refuse(); }, [&] { limit.Allow(); }),
               testing::ExitedWithCode(0), "");
 }
 
 // Ends the process, with 0 on success.
 void DownloadWithoutDescriptors(const std::string& url) {
   InternetData transport((Text(url)));
-  rlimit usual = {};
-  getrlimit(RLIMIT_NOFILE, &usual);
-  SetDescriptorLimit(DescriptorsInUse());
+  const DescriptorLimit limit;
+  limit.Refuse();
   const bool refused = !transport.Download();
   const TransferError reason = InternetData::LastError();
-  SetDescriptorLimit(usual.rlim_cur);
+  limit.Allow();
   if (!refused || reason != TransferError::kOutOfMemory) std::exit(1);
   std::exit(transport.Download() && InternetData::LastError() == TransferError::kNone ? 0 : 2);
 }
@@ -94,11 +91,10 @@ TEST_F(WorkerResourcesTest, BlockingTransferWithoutDescriptorsIsOutOfMemory) {
 // The start must not throw.
 void StartRefusedWithAThrowingObserver(const std::string& url) {
   Background refused(url, [] { throw std::runtime_error("thrown by an observer"); });
-  rlimit usual = {};
-  getrlimit(RLIMIT_NOFILE, &usual);
-  SetDescriptorLimit(DescriptorsInUse());
+  const DescriptorLimit limit;
+  limit.Refuse();
   const bool started = refused.Start();
-  SetDescriptorLimit(usual.rlim_cur);
+  limit.Allow();
   std::exit(started ? 0 : 1);
 }
 
