@@ -104,7 +104,7 @@ TEST_F(ServerTest, RefusesMalformedRequestAndCloses) {
 }
 
 TEST_F(ServerTest, RefusesOverlongAddress) {
-  for (const auto& [length, status] : {std::pair(8000, "404 "), std::pair(20000, "414 ")}) {
+  for (const auto& [length, status] : {std::pair(8000U, "404 "), std::pair(20000U, "414 ")}) {
     EXPECT_THAT(RawGet(port(), "/" + std::string(length, 'x')).head,
                 StartsWith("HTTP/1.1 " + std::string(status)));
   }

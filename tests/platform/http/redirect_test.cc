@@ -86,8 +86,9 @@ TEST_F(RedirectTest, ResolvesRelativeLocations) {
       {"c", "/a/c"}, {"/c", "/c"},        {"../c", "/c"}, {"../../c", "/c"}, {"?x=1", "/a/b?x=1"},
       {"./", "/a/"}, {"c d", "/a/c%20d"}, {"/c#d", "/c"}, {"/%63", "/%63"}};
   for (const auto& [location, target] : kCases) {
-    const RawServer server([&](const RawRequest& request, RawConnection& connection) {
-      connection.Write(request.target == "/a/b" ? Redirect(302, location) : Response(200, "hello"));
+    const std::string redirect = Redirect(302, location);
+    const RawServer server([&redirect](const RawRequest& request, RawConnection& connection) {
+      connection.Write(request.target == "/a/b" ? redirect : Response(200, "hello"));
     });
     EXPECT_TRUE(Fetch(server.Url("/a/b")).received) << location;
     ASSERT_EQ(server.requests().size(), 2U) << location;
