@@ -48,11 +48,12 @@ TEST_P(FileSinkPartTest, ContinuesTwice) {
 }
 
 TEST_P(FileSinkPartTest, OneSinkMayContinueItself) {
-  thing_.cut = 30;
+  Thing cut = thing_;
+  cut.cut = 30;
+  const RawServer breaks_off(Serve(cut));
   const RawServer server(Serve(thing_));
   const auto sink = std::make_shared<FileSink>(Path(), kContinue);
-  EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
-  thing_.cut = SIZE_MAX;
+  EXPECT_EQ(Download(breaks_off.Url(), sink), Failed(200, TransferError::kCutOff));
   EXPECT_EQ(Download(server.Url(), sink), Received(206, ""));
   EXPECT_EQ(sink->continued_size(), 30U);
   EXPECT_EQ(Content(), thing_.content);
