@@ -14,6 +14,7 @@
 #include "emulator/route.h"
 #include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
+#include "tests/support/event.h"
 
 namespace stowra_emulator {
 namespace {
@@ -200,7 +201,7 @@ TEST(ConsoleStopTest, StopsSoonWhileEventsAreRead) {
   RawClient events(emulator->port());
   events.Send(GetRequest("/-/events"));
   events.ReadUntil(":\n\n");
-  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), milliseconds(1500));
+  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), stowra_test::kPatience);
 }
 
 JournalEntry EntryFor(const std::string& target) {

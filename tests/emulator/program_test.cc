@@ -12,6 +12,7 @@
 #include "emulator/emulator.h"
 #include "tests/emulator/child_program.h"
 #include "tests/emulator/raw_client.h"
+#include "tests/support/event.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
@@ -43,7 +44,7 @@ TEST(ProgramTest, EndsSoonDuringASlowResponse) {
   RawClient client(PortOf(program.ReadLine()));
   client.Send(GetRequest("/user-info?fault=drip:60000"));
   client.ReadUntil("\r\n\r\n");
-  EXPECT_LT(TimeOf([&program] { EXPECT_EQ(program.EndBy(SIGTERM), 0); }), std::chrono::seconds(1));
+  EXPECT_LT(TimeOf([&program] { EXPECT_EQ(program.EndBy(SIGTERM), 0); }), stowra_test::kPatience);
 }
 
 TEST(ProgramTest, QuietLogsNothing) {

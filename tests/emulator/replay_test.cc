@@ -19,6 +19,7 @@
 #include "tests/emulator/child_program.h"
 #include "tests/emulator/raw_client.h"
 #include "tests/support/corpora.h"
+#include "tests/support/event.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
@@ -239,14 +240,15 @@ TEST_F(ReplayTest, RecordedOrderIgnoresTheTargetAndEnds) {
 }
 
 TEST_F(ReplayTest, SpeedDecidesHowLongAResponseTakes) {
-  Write({{"https://h/a", "x"}}, 600);
   const auto time = [this](double speed) {
     const Emulator replay(Replaying(ReplayOrder::kMatched, speed));
     return TimeOf([&replay] { EXPECT_EQ(BodyAt(replay, "/a"), "x"); });
   };
+  Write({{"https://h/a", "x"}}, 600);
   EXPECT_GE(time(1), milliseconds(600));
   EXPECT_GE(time(2), milliseconds(300));
-  EXPECT_LT(time(0), milliseconds(600));
+  Write({{"https://h/a", "x"}}, 60'000);
+  EXPECT_LT(time(0), stowra_test::kPatience);
 }
 
 TEST_F(ReplayTest, FaultsPlayOnTopOfARecording) {

@@ -20,7 +20,6 @@
 namespace stowra_emulator {
 namespace {
 
-using std::chrono::milliseconds;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -170,7 +169,7 @@ TEST_F(ServerTest, StopsWithinASecondDuringAnyRequest) {
   clients[5].ReadUntil("\r\n\r\n");
   RawClient idle(port());
   idle.Get("/user-info");
-  EXPECT_LT(TimeOf([this] { emulator_.reset(); }), milliseconds(1000));
+  EXPECT_LT(TimeOf([this] { emulator_.reset(); }), stowra_test::kPatience);
   EXPECT_EQ(clients[3].ReadToEnd(), "");
   EXPECT_EQ(idle.ReadToEnd(), "");
 }
@@ -180,7 +179,7 @@ TEST_F(ServerTest, StopsWhileAClientReadsNothing) {
   // The responses are larger than the socket buffers.
   for (int i = 0; i < 20; ++i) client.Send(GetRequest("/?fault=bomb"));
   EXPECT_EQ(client.Read(9), "HTTP/1.1 ");
-  EXPECT_LT(TimeOf([this] { emulator_.reset(); }), milliseconds(1000));
+  EXPECT_LT(TimeOf([this] { emulator_.reset(); }), stowra_test::kPatience);
 }
 
 // A log whose first line can be waited for.

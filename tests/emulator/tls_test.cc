@@ -11,11 +11,11 @@
 #include "emulator/emulator.h"
 #include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
+#include "tests/support/event.h"
 
 namespace stowra_emulator {
 namespace {
 
-using std::chrono::milliseconds;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -81,7 +81,7 @@ TEST(TlsStopTest, StopsDuringHandshakeAndStall) {
   RawClient silent(emulator->port());
   RawClient half(emulator->port());
   half.Send("\x16\x03\x01");
-  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), milliseconds(1000));
+  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), stowra_test::kPatience);
   EXPECT_FALSE(std::filesystem::exists(ca_file));
 }
 

@@ -14,9 +14,6 @@ namespace stowra_test {
 // Less than the transport's own timeout for a silent server.
 inline constexpr std::chrono::seconds kPatience(20);
 
-// Something that happens at once ends within this time even on a busy machine.
-inline constexpr std::chrono::seconds kSoon(5);
-
 // Something that happens once. Safe from any thread.
 class Event {
  public:
