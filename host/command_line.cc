@@ -23,7 +23,7 @@ namespace {
 constexpr char kDescription[] =
     "Calls the online services through the library, as a host application does.";
 
-constexpr char kExamples[] =
+constexpr char kProgramExamples[] =
     "Examples:\n"
     "  stowra user-info http://127.0.0.1:8080/user-info\n"
     "  stowra update http://127.0.0.1:8080/update --async --verbose\n"
@@ -35,7 +35,7 @@ constexpr char kExamples[] =
 
 void SetUp(CLI::App& app, Task& chosen) {
   app.formatter(std::make_shared<HelpFormatter>());
-  app.footer(kExamples);
+  app.footer(kProgramExamples);
   app.set_version_flag("--version", VersionText, "Print the version of the library and exit");
   app.require_subcommand(0, 1);
   AddUserInfoCommand(app, chosen);

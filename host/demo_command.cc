@@ -33,7 +33,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kDemoExamples[] =
     "Examples:\n"
     "  stowra demo\n"
     "  stowra demo http://127.0.0.1:8080\n"
@@ -224,7 +224,7 @@ class Demo {
   const WorkFolder folder_;
 };
 
-ExitStatus Run(std::string url) {
+ExitStatus RunDemo(std::string url) {
   while (!url.empty() && url.back() == '/') url.pop_back();
   try {
     Demo(std::move(url)).Run();
@@ -240,12 +240,12 @@ void AddDemoCommand(CLI::App& app, Task& chosen) {
   const auto url = std::make_shared<std::string>(kEmulator);
   CLI::App& command =
       *app.add_subcommand("demo", "Try out the content service and check the results");
-  command.footer(kExamples);
+  command.footer(kDemoExamples);
   command
       .add_option("EMULATOR_URL", *url,
                   fmt::format("URL of a stowra-emulator (default: {})", kEmulator))
       ->option_text(" ");
-  command.callback([url, &chosen] { chosen = [url] { return Run(*url); }; });
+  command.callback([url, &chosen] { chosen = [url] { return RunDemo(*url); }; });
 }
 
 }  // namespace stowra

@@ -37,7 +37,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kDownloadExamples[] =
     "Examples:\n"
     "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=k2'\n"
     "  stowra download 'http://127.0.0.1:8080/download?mid=m-1001&rtyp=s7' -o chair.qmf\n"
@@ -206,7 +206,7 @@ ExitStatus RunToStdout(const DownloadOptions& options) {
   return ExitStatus::kCannotRun;
 }
 
-ExitStatus Run(const DownloadOptions& options) {
+ExitStatus RunDownload(const DownloadOptions& options) {
   if (!HasDestination(options)) return ExitStatus::kCannotRun;
   if (options.file == kStandardOutput) return RunToStdout(options);
   return Downloader(options).Run();
@@ -217,7 +217,7 @@ ExitStatus Run(const DownloadOptions& options) {
 void AddDownloadCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<DownloadOptions>();
   CLI::App& command = *app.add_subcommand("download", "Download a model's file");
-  command.footer(kExamples);
+  command.footer(kDownloadExamples);
   AddWaitingOptions(command, *options);
   CLI::Option* const output =
       command
@@ -242,7 +242,7 @@ void AddDownloadCommand(CLI::App& app, Task& chosen) {
     if (options->continues && options->file == kStandardOutput) {
       throw CLI::ValidationError("--continue", "standard output cannot be continued");
     }
-    chosen = [options] { return Run(*options); };
+    chosen = [options] { return RunDownload(*options); };
   });
 }
 

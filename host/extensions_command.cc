@@ -30,7 +30,7 @@ namespace {
 
 using ItemMap = std::map<ovrant_ustring, ExtensionStoreItem>;
 
-constexpr char kExamples[] =
+constexpr char kExtensionsExamples[] =
     "Examples:\n"
     "  stowra extensions http://127.0.0.1:8080/extensions --body installed.json\n"
     "  echo '{\"extensions\":[{\"id\":\"roof-tools\",\"version\":\"1.0\"}]}' |\n"
@@ -88,7 +88,7 @@ ExitStatus Ask(const ExtensionsOptions& options, const std::string& body) {
   return WriteResult(options.json ? ToJson(items) : ToTable(items));
 }
 
-ExitStatus Run(const ExtensionsOptions& options) {
+ExitStatus RunExtensions(const ExtensionsOptions& options) {
   std::string body;
   std::string why;
   if (!ReadBodyFile(options.body_file, body, why)) {
@@ -107,7 +107,7 @@ void AddExtensionsCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<ExtensionsOptions>();
   CLI::App& command =
       *app.add_subcommand("extensions", "Show the status of the installed extensions");
-  command.footer(kExamples);
+  command.footer(kExtensionsExamples);
   AddRequestOptions(command, *options);
   command
       .add_option(
@@ -115,7 +115,7 @@ void AddExtensionsCommand(CLI::App& app, Task& chosen) {
           "Send this JSON file, which lists the installed extensions; - means standard input")
       ->option_text("FILE, required")
       ->required();
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  command.callback([options, &chosen] { chosen = [options] { return RunExtensions(*options); }; });
 }
 
 }  // namespace stowra

@@ -25,10 +25,10 @@ bool IsControl(char c) {
 }
 
 std::string_view WithoutBlanksAround(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
+  constexpr std::string_view kHeaderBlanks = " \t";
+  const std::size_t begin = text.find_first_not_of(kHeaderBlanks);
   if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+  return text.substr(begin, text.find_last_not_of(kHeaderBlanks) - begin + 1);
 }
 
 bool ReadHeaderFile(const std::string& file, std::vector<std::string>& lines, std::string& why) {

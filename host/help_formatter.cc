@@ -13,13 +13,13 @@ namespace stowra {
 namespace {
 
 constexpr std::size_t kWidthWithoutTerminal = 80;
-constexpr std::size_t kNarrowest = 30;
+constexpr std::size_t kNarrowestHelp = 30;
 constexpr std::size_t kDescriptionColumn = 30;
 
 }  // namespace
 
 HelpFormatter::HelpFormatter()
-    : width_(std::max(WidthOf(stdout, kWidthWithoutTerminal), kNarrowest)) {
+    : width_(std::max(WidthOf(stdout, kWidthWithoutTerminal), kNarrowestHelp)) {
   column_width(std::min(kDescriptionColumn, width_ / 2));
 }
 

@@ -12,7 +12,7 @@ namespace stowra {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kHtmlBlanks = " \t\r\n";
 
 char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -51,7 +51,7 @@ std::string Unescape(std::string_view text) {
   return plain;
 }
 
-bool IsBlank(std::string_view text) { return text.find_first_not_of(kBlanks) == kNone; }
+bool IsBlank(std::string_view text) { return text.find_first_not_of(kHtmlBlanks) == kNone; }
 
 // Splits markup into its texts.
 class Scanner {

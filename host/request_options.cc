@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <iterator>
+#include <limits>
 #include <string_view>
 #include <system_error>
 
@@ -37,6 +38,10 @@ ovrant_ustring ToText(std::string_view utf8) { return ovrant_ustring(utf8.data()
 // Each check returns an error text, or an empty string.
 std::string CheckNotEmpty(const std::string& text) {
   return text.empty() ? "must not be empty" : "";
+}
+
+std::string CheckVersion(const std::string& text) {
+  return CheckWholeNumber(text, 0, std::numeric_limits<int>::max(), "a version number");
 }
 
 std::string CheckRetries(const std::string& text) {
@@ -216,6 +221,12 @@ std::string CheckWholeNumber(const std::string& text, unsigned long least, unsig
   const bool good =
       error == std::errc() && stop == end && !has_leading_zero && number >= least && number <= most;
   return good ? "" : fmt::format("'{}' is not {}", text, what);
+}
+
+void AddMaxQmfVersion(CLI::App& command, int& version, const char* description) {
+  command.add_option("--max-qmf-version", version, description)
+      ->type_name("N")
+      ->check(CLI::Validator(CheckVersion, ""));
 }
 
 TransferDefaults MakeTransferDefaults(const RequestOptions& options) {

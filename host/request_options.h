@@ -46,6 +46,9 @@ void AddWaitingOptions(CLI::App& command, RequestOptions& options, const char* u
 // Adds --retry, which Session::Repeat obeys. AddWaitingOptions adds it, too.
 void AddRetryOption(CLI::App& command, RequestOptions& options);
 
+// Adds --max-qmf-version. Parsing sets `version`, which must outlive `command`.
+void AddMaxQmfVersion(CLI::App& command, int& version, const char* description);
+
 // An empty string if `text` is a decimal number from `least` to `most`. Otherwise an error text
 // that says it is not `what`.
 std::string CheckWholeNumber(const std::string& text, unsigned long least, unsigned long most,

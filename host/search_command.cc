@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <memory>
 #include <string>
 
@@ -28,7 +27,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kSearchExamples[] =
     "Examples:\n"
     "  stowra search 'http://127.0.0.1:8080/search?q=chair'\n"
     "  stowra search 'http://127.0.0.1:8080/search?q=chair' --all --max-qmf-version 8\n"
@@ -39,10 +38,6 @@ struct SearchOptions : RequestOptions {
   bool all = false;
   int max_qmf_version = 0;
 };
-
-std::string CheckVersion(const std::string& text) {
-  return CheckWholeNumber(text, 0, std::numeric_limits<int>::max(), "a version number");
-}
 
 const char* KindOf(const ContentItem& item) {
   return item.kind_ == ovrant::stowraapiclient::kModel ? "model" : "collection";
@@ -117,7 +112,7 @@ std::string ToJson(const SearchPages& pages) {
   return ToLine(document);
 }
 
-ExitStatus Run(const SearchOptions& options) {
+ExitStatus RunSearch(const SearchOptions& options) {
   const Session session(options);
   SearchPages pages(session, options.max_qmf_version);
   if (!pages.Add(ovrant_ustring(options.url.data(), options.url.size()))) return pages.Fail();
@@ -131,19 +126,16 @@ ExitStatus Run(const SearchOptions& options) {
 void AddSearchCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<SearchOptions>();
   CLI::App& command = *app.add_subcommand("search", "Find models and collections");
-  command.footer(kExamples);
+  command.footer(kSearchExamples);
   AddWaitingOptions(command, *options, "URL", "URL of a search, or with --url-base words to find");
   command.add_option("WORDS", options->words, "More words to find")->option_text(" ");
   command.add_flag(
       "--all", options->all,
       "Fetch the following pages, too; if one fails, print those before it and exit with "
       "the failure's status");
-  command
-      .add_option("--max-qmf-version", options->max_qmf_version,
-                  "Accept .qmf files up to this version (default: only .kmz files)")
-      ->type_name("N")
-      ->check(CLI::Validator(CheckVersion, ""));
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  AddMaxQmfVersion(command, options->max_qmf_version,
+                   "Accept .qmf files up to this version (default: only .kmz files)");
+  command.callback([options, &chosen] { chosen = [options] { return RunSearch(*options); }; });
 }
 
 }  // namespace stowra

@@ -20,18 +20,18 @@ namespace stowra {
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kTraceExamples[] =
     "Examples:\n"
     "  stowra search 'http://127.0.0.1:8080/search?q=chair' --all --trace chair.jsonl\n"
     "  stowra trace chair.jsonl\n"
     "  stowra trace chair.jsonl --svg chair.svg\n";
 
-struct Options {
+struct TraceCommandOptions {
   std::string file;
   std::string svg;
 };
 
-ExitStatus Run(const Options& options) {
+ExitStatus RunTrace(const TraceCommandOptions& options) {
   std::vector<TraceRecord> records;
   std::string why;
   if (!ReadTrace(options.file, records, why)) {
@@ -53,16 +53,16 @@ ExitStatus Run(const Options& options) {
 }  // namespace
 
 void AddTraceCommand(CLI::App& app, Task& chosen) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<TraceCommandOptions>();
   CLI::App& command =
       *app.add_subcommand("trace", "Draw where the time of each request in a trace went");
-  command.footer(kExamples);
+  command.footer(kTraceExamples);
   command.add_option("FILE", options->file, "A file that --trace has written, or - for stdin")
       ->required()
       ->option_text(" ");
   command.add_option("--svg", options->svg, "Write an SVG picture to OUT instead")
       ->type_name("OUT");
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  command.callback([options, &chosen] { chosen = [options] { return RunTrace(*options); }; });
 }
 
 }  // namespace stowra

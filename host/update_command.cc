@@ -28,7 +28,7 @@ using ovrant::webservices::UpdateQuery;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kUpdateExamples[] =
     "Examples:\n"
     "  stowra update http://127.0.0.1:8080/update\n"
     "  stowra update http://127.0.0.1:8080/update --async --verbose\n"
@@ -37,7 +37,7 @@ constexpr char kExamples[] =
 constexpr int kNoMessage = -1;
 
 // Remembers why it refused a response.
-class Query : public UpdateQuery {
+class ExplainedUpdateQuery : public UpdateQuery {
  public:
   bool ParseResponse(const ovrant_ustring& body) override {
     const bool accepted = UpdateQuery::ParseResponse(body);
@@ -118,10 +118,10 @@ std::string ToJson(const UpdateQuery& query) {
   return ToLine(document);
 }
 
-ExitStatus Run(const RequestOptions& options) {
+ExitStatus RunUpdate(const RequestOptions& options) {
   const char* const success = UpdateQuery::kUpdateQuerySucceededNotification;
   Session session(options, {success, UpdateQuery::kUpdateQueryFailedNotification});
-  Query query;
+  ExplainedUpdateQuery query;
   query.Init(options.url.c_str(), nullptr);
   const bool succeeded = session.Repeat([&] {
     return options.async
@@ -138,10 +138,10 @@ void AddUpdateCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<RequestOptions>();
   CLI::App& command =
       *app.add_subcommand("update", "Show the offered version, message and data files");
-  command.footer(kExamples);
+  command.footer(kUpdateExamples);
   AddRequestOptions(command, *options);
   AddRetryOption(command, *options);
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  command.callback([options, &chosen] { chosen = [options] { return RunUpdate(*options); }; });
 }
 
 }  // namespace stowra

@@ -46,7 +46,7 @@ namespace multipartupload = ovrant::stowraapiclient::multipartupload;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kUploadExamples[] =
     "Examples:\n"
     "  stowra upload http://127.0.0.1:8080/upload-config chair.qmf --subject-id m42\n"
     "  stowra upload 'http://127.0.0.1:8080/upload-config?zipped=true' chair.qmf.zip \\\n"
@@ -193,7 +193,7 @@ ExitStatus SendAll(const Session& session, const UploadOptions& options, UploadC
   return status == ExitStatus::kDone ? written : status;
 }
 
-ExitStatus Run(const UploadOptions& options) {
+ExitStatus RunUpload(const UploadOptions& options) {
   Session session(options);
   UploadConfig config;
   const ExitStatus status = AskForUploadConfig(session, options.url, config);
@@ -215,7 +215,7 @@ ExitStatus Run(const UploadOptions& options) {
 void AddUploadCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<UploadOptions>();
   CLI::App& command = *app.add_subcommand("upload", "Upload the files of a model");
-  command.footer(kExamples);
+  command.footer(kUploadExamples);
   AddWaitingOptions(command, *options, "CONFIG_URL", "URL of the upload configuration");
   command
       .add_option("FILE", options->files,
@@ -228,7 +228,7 @@ void AddUploadCommand(CLI::App& app, Task& chosen) {
                   "Id of the subject that the model belongs to")
       ->option_text("ID, required")
       ->required();
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  command.callback([options, &chosen] { chosen = [options] { return RunUpload(*options); }; });
 }
 
 }  // namespace stowra

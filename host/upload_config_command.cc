@@ -25,7 +25,7 @@ using ovrant::stowraapiclient::UploadFile;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kUploadConfigExamples[] =
     "Examples:\n"
     "  stowra upload-config http://127.0.0.1:8080/upload-config\n"
     "  stowra upload-config 'http://127.0.0.1:8080/upload-config?zipped=true' --json\n";
@@ -69,7 +69,7 @@ std::string ToJson(const UploadConfig& config) {
   return ToLine(document);
 }
 
-ExitStatus Run(const RequestOptions& options) {
+ExitStatus RunUploadConfig(const RequestOptions& options) {
   const Session session(options);
   UploadConfig config;
   const ExitStatus status = AskForUploadConfig(session, options.url, config);
@@ -82,9 +82,10 @@ ExitStatus Run(const RequestOptions& options) {
 void AddUploadConfigCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<RequestOptions>();
   CLI::App& command = *app.add_subcommand("upload-config", "Show where and how to upload a model");
-  command.footer(kExamples);
+  command.footer(kUploadConfigExamples);
   AddWaitingOptions(command, *options, "URL", "URL of the upload configuration");
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  command.callback(
+      [options, &chosen] { chosen = [options] { return RunUploadConfig(*options); }; });
 }
 
 }  // namespace stowra

@@ -23,7 +23,7 @@ using ovrant::webservices::UserInfoQuery;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kUserInfoExamples[] =
     "Examples:\n"
     "  stowra user-info http://127.0.0.1:8080/user-info\n"
     "  stowra user-info https://account.example/user-info --header 'Authorization: Bearer TOKEN'\n"
@@ -42,7 +42,7 @@ std::string FindFault(const ovrant_ustring& body) {
 }
 
 // Remembers why it refused a response.
-class Query : public UserInfoQuery {
+class ExplainedUserInfoQuery : public UserInfoQuery {
  public:
   bool ParseResponse(const ovrant_ustring& body) override {
     const bool accepted = UserInfoQuery::ParseResponse(body);
@@ -75,10 +75,10 @@ std::string ToJson(const UserInfoQuery& query) {
   return ToLine(document);
 }
 
-ExitStatus Run(const RequestOptions& options) {
+ExitStatus RunUserInfo(const RequestOptions& options) {
   const char* const updated = UserInfoQuery::kUserInfoUpdatedNotification;
   Session session(options, {updated});
-  Query query;
+  ExplainedUserInfoQuery query;
   query.Init(options.url.c_str(), nullptr);
   const bool succeeded = session.Repeat([&] {
     return options.async
@@ -94,10 +94,10 @@ ExitStatus Run(const RequestOptions& options) {
 void AddUserInfoCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<RequestOptions>();
   CLI::App& command = *app.add_subcommand("user-info", "Show who is signed in");
-  command.footer(kExamples);
+  command.footer(kUserInfoExamples);
   AddRequestOptions(command, *options);
   AddRetryOption(command, *options);
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  command.callback([options, &chosen] { chosen = [options] { return RunUserInfo(*options); }; });
 }
 
 }  // namespace stowra

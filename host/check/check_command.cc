@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <memory>
 #include <string>
 
@@ -29,7 +28,7 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kCheckExamples[] =
     "Examples:\n"
     "  stowra check feed search.xml --max-qmf-version 8\n"
     "  stowra check update http://127.0.0.1:8080/update --json\n"
@@ -69,7 +68,7 @@ ExitStatus ExplainDownload(const CheckOptions& options) {
                            transport.received_data_length()});
 }
 
-ExitStatus Run(const CheckOptions& options) {
+ExitStatus RunCheck(const CheckOptions& options) {
   if (IsWebUrl(options.url)) return ExplainDownload(options);
   std::string text;
   std::string why;
@@ -83,17 +82,13 @@ ExitStatus Run(const CheckOptions& options) {
   return Report(failure, options.json);
 }
 
-std::string CheckVersion(const std::string& text) {
-  return CheckWholeNumber(text, 0, std::numeric_limits<int>::max(), "a version number");
-}
-
 }  // namespace
 
 void AddCheckCommand(CLI::App& app, Task& chosen) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App& command =
       *app.add_subcommand("check", "Say what the library keeps of a response, and why");
-  command.footer(kExamples);
+  command.footer(kCheckExamples);
   command
       .add_option("KIND", options->kind,
                   "feed, entry, upload-config, user-info, update or extensions")
@@ -102,12 +97,9 @@ void AddCheckCommand(CLI::App& app, Task& chosen) {
       ->check(CLI::IsMember({"feed", "entry", "upload-config", "user-info", "update", "extensions"})
                   .description(""));
   AddWaitingOptions(command, *options, "SOURCE", "A file, a URL, or - for standard input");
-  command
-      .add_option("--max-qmf-version", options->max_qmf_version,
-                  "Explain the choice of a host that opens .qmf files up to this version")
-      ->type_name("N")
-      ->check(CLI::Validator(CheckVersion, ""));
-  command.callback([options, &chosen] { chosen = [options] { return Run(*options); }; });
+  AddMaxQmfVersion(command, options->max_qmf_version,
+                   "Explain the choice of a host that opens .qmf files up to this version");
+  command.callback([options, &chosen] { chosen = [options] { return RunCheck(*options); }; });
 }
 
 }  // namespace stowra

@@ -17,8 +17,6 @@ using ovrant::utils::ovrant_ustring;
 
 namespace {
 
-constexpr char kEmptyText[] = "the empty text";
-
 std::string TextIn(const Value& object, const char* name, std::vector<Finding>& findings) {
   const bool found = HasTyped(object, name, JsonType::kString, kEmptyText, findings);
   return found ? object[name].GetString().utf8() : std::string();

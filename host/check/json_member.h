@@ -14,6 +14,9 @@ namespace stowra {
 
 enum class JsonType { kString, kNumber, kInt, kBool, kObject, kArray };
 
+// How a finding names a kept text that is empty.
+inline constexpr char kEmptyText[] = "the empty text";
+
 // Such as "a number".
 const char* TypeOf(const ovrant::json::Value& value);
 

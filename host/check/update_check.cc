@@ -20,8 +20,6 @@ using ovrant::webservices::UpdateQuery;
 
 namespace {
 
-constexpr char kEmptyText[] = "the empty text";
-
 void CheckOffer(const Document& document, CheckReport& report) {
   if (!document.HasMember("update")) {
     report.findings.push_back({"it has no update"});

@@ -28,7 +28,7 @@ std::string Values(const Argument& argument) {
   return text;
 }
 
-void WriteArguments(std::ostream& script, const Command& command, const std::string& indent) {
+void WriteZshArguments(std::ostream& script, const Command& command, const std::string& indent) {
   for (const Argument& option : command.options) {
     const std::string others = option.repeatable ? "*" : "(" + Joined(option.names, " ") + ")";
     for (const std::string& name : option.names) {
@@ -53,7 +53,7 @@ void WriteCommands(std::ostream& script, const Command& program) {
          << "    arguments)\n      case $words[1] in\n";
   for (const Command& command : program.commands) {
     script << "        " << command.name << ")\n          _arguments";
-    WriteArguments(script, command, "            ");
+    WriteZshArguments(script, command, "            ");
     script << "          ;;\n";
   }
   script << "      esac ;;\n  esac\n";
@@ -67,12 +67,12 @@ std::string ZshCompletion(const Command& program) {
          << "() {\n";
   if (program.commands.empty()) {
     script << "  _arguments";
-    WriteArguments(script, program, "    ");
+    WriteZshArguments(script, program, "    ");
   } else {
     script << "  local curcontext=$curcontext state line\n  local -a commands\n"
            << "  typeset -A opt_args\n"
            << "  _arguments -C '1: :->command' '*:: :->arguments'";
-    WriteArguments(script, program, "    ");
+    WriteZshArguments(script, program, "    ");
     WriteCommands(script, program);
   }
   script << "}\n\n_" << program.name << " \"$@\"\n";
