@@ -122,7 +122,7 @@ TEST_F(TimeoutTest, RedirectsAreProgress) {
   SetInactivityTimeout(kLonger);
   const RawServer server([](const RawRequest& request, RawConnection& connection) {
     const std::string step = request.target.substr(1);
-    // The status line comes late, after most of the timeout.
+    // Together the steps take longer than the timeout.
     std::this_thread::sleep_for(milliseconds(500));
     connection.Write(step == "xxx" ? Response(200, "hello") : Redirect(302, "/" + step + "x"));
   });
