@@ -1,16 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/http/connection_sockets.h"
 
+#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace ovrant::internet {
 
 namespace {
+
+// Reads an end's address with getsockname or getpeername. Its family is 0 for a socket without one.
+sockaddr_storage AddressOf(int socket, int (*name_of)(int, sockaddr*, socklen_t*)) {
+  sockaddr_storage address{};
+  socklen_t size = sizeof(address);
+  if (name_of(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) return {};
+  return address;
+}
 
 int PortOf(const sockaddr_storage& address) {
   if (address.ss_family == AF_INET) {
@@ -22,11 +32,15 @@ int PortOf(const sockaddr_storage& address) {
   return 0;
 }
 
-// Reads an end's port with getsockname or getpeername. Returns 0 for a socket without one.
-int PortOf(int socket, int (*name_of)(int, sockaddr*, socklen_t*)) {
-  sockaddr_storage address{};
-  socklen_t size = sizeof(address);
-  return name_of(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0 ? PortOf(address) : 0;
+bool HasPeer(int socket, const char* ip) {
+  const sockaddr_storage peer = AddressOf(socket, getpeername);
+  const void* const bytes =
+      peer.ss_family == AF_INET6
+          ? static_cast<const void*>(&reinterpret_cast<const sockaddr_in6&>(peer).sin6_addr)
+          : &reinterpret_cast<const sockaddr_in&>(peer).sin_addr;
+  char text[INET6_ADDRSTRLEN] = "";
+  return inet_ntop(peer.ss_family, bytes, text, sizeof(text)) != nullptr &&
+         std::strcmp(text, ip) == 0;
 }
 
 }  // namespace
@@ -55,13 +69,16 @@ void ConnectionSockets::Settle(const void* opener, int used) noexcept {
                  sockets_.end());
 }
 
-int ConnectionSockets::Find(int local_port, int remote_port) {
+int ConnectionSockets::Find(int local_port, const char* remote_ip, int remote_port) {
   for (Entry& entry : sockets_) {
     if (entry.local_port == 0) {
-      entry.remote_port = PortOf(entry.socket, getpeername);
-      if (entry.remote_port != 0) entry.local_port = PortOf(entry.socket, getsockname);
+      entry.remote_port = PortOf(AddressOf(entry.socket, getpeername));
+      if (entry.remote_port != 0) entry.local_port = PortOf(AddressOf(entry.socket, getsockname));
     }
-    if (entry.local_port == local_port && entry.remote_port == remote_port) return entry.socket;
+    if (entry.local_port == local_port && entry.remote_port == remote_port &&
+        HasPeer(entry.socket, remote_ip)) {
+      return entry.socket;
+    }
   }
   return kNone;
 }

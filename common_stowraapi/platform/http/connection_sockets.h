@@ -11,8 +11,7 @@
 namespace ovrant::internet {
 
 // Finds the socket of a transfer. libcurl shows a transfer's socket only when the transfer is done,
-// so this keeps all sockets that libcurl opens and finds one by its ports. For one thread at a
-// time.
+// so this keeps all sockets that libcurl opens and finds one by its ends. For one thread at a time.
 class ConnectionSockets {
  public:
   static constexpr int kNone = -1;
@@ -25,8 +24,9 @@ class ConnectionSockets {
   // it closes a socket before it is connected. The system may give its number to another thread.
   void Settle(const void* opener, int used) noexcept;
 
-  // The socket that is connected from `local_port` to `remote_port`, or kNone.
-  int Find(int local_port, int remote_port);
+  // The socket that is connected from `local_port` to `remote_port` of `remote_ip`, or kNone. The
+  // system gives one local port to connections with different peers.
+  int Find(int local_port, const char* remote_ip, int remote_port);
 
   // Marks a socket as one whose frames name their request. Unasked bytes cannot be taken for a
   // reply there.

@@ -188,15 +188,18 @@ bool Hop::IsSent() const {
   return sent_bytes_ >= bytes_to_send();
 }
 
-bool Hop::IsAnsweredEarly() const {
+bool Hop::IsAnsweredEarly() const { return IsAnsweredEarly(socket_); }
+
+bool Hop::IsAnsweredEarly(int open_socket) const {
   if (!is_upload() || IsSent() || !decoder_.MayEnd()) return false;
   if (!decoder_.EndsByClose()) return true;
-  return IsHttps() ? tls_ended_ : socket_ != ConnectionSockets::kNone && IsAtEnd(socket_);
+  return IsHttps() ? tls_ended_ : open_socket != ConnectionSockets::kNone && IsAtEnd(open_socket);
 }
 
 Failure Hop::WhyFailed(int curl_code) const {
   if (decoder_.failure()) return decoder_.failure();
-  if (curl_code == CURLE_OK || IsAnsweredEarly()) {
+  // libcurl has closed the socket of a transfer that failed.
+  if (curl_code == CURLE_OK || IsAnsweredEarly(ConnectionSockets::kNone)) {
     if (IsCutOff()) return kBodyCutOff;
     if (decoder_.MayEnd()) return kNoFailure;
     return decoder_.head().complete() ? kBodyCutOff : kHeadersCutOff;
@@ -237,6 +240,7 @@ void Hop::AddTimes(TransferTimes& times) const {
 // Programs that the host starts must not inherit the connection.
 int Hop::OnOpenSocket(int family, int type, int protocol) noexcept {
   is_connecting_ = true;
+  socket_ = ConnectionSockets::kNone;
 #if defined(SOCK_CLOEXEC)
   const int opened = socket(family, type | SOCK_CLOEXEC, protocol);
 #else
@@ -252,7 +256,7 @@ bool Hop::OnRequest(const char* remote_ip, int local_port, int remote_port) noex
   is_connecting_ = false;
   requested_at_ = std::chrono::steady_clock::now();
   ++progress_;
-  socket_ = sockets_.Find(local_port, remote_port);
+  socket_ = sockets_.Find(local_port, remote_ip, remote_port);
   sockets_.Settle(this, socket_);
   long new_connections = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_NUM_CONNECTS, &new_connections);

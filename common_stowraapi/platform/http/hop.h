@@ -91,6 +91,7 @@ class Hop {
   bool IsHttps() const;
   void SetCallbacks();
   bool IsSent() const;
+  bool IsAnsweredEarly(int open_socket) const;
   int StepsOfConnecting() const;
   bool IsCutOff() const;
   TransferPhase Phase() const;

@@ -82,8 +82,8 @@ class ConnectionSocketsTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(connection_.is_open() && other_.is_open()); }
 
-  int Find(const Connection& connection) {
-    return sockets_.Find(connection.local_port(), connection.remote_port());
+  int Find(const Connection& connection, const char* remote_ip = "127.0.0.1") {
+    return sockets_.Find(connection.local_port(), remote_ip, connection.remote_port());
   }
 
   // A byte comes to the client of connection_, which reads it.
@@ -102,13 +102,13 @@ class ConnectionSocketsTest : public testing::Test {
   ConnectionSockets sockets_;
 };
 
-TEST_F(ConnectionSocketsTest, FindsASocketByItsPorts) {
+TEST_F(ConnectionSocketsTest, FindsASocketByItsEnds) {
   EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
   EXPECT_TRUE(sockets_.Add(client_));
   EXPECT_TRUE(sockets_.Add(other_.client()));
   EXPECT_EQ(Find(other_), other_.client());
   EXPECT_EQ(Find(connection_), client_);
-  EXPECT_EQ(sockets_.Find(connection_.local_port(), other_.remote_port()),
+  EXPECT_EQ(sockets_.Find(connection_.local_port(), "127.0.0.1", other_.remote_port()),
             ConnectionSockets::kNone);
   sockets_.Remove(client_);
   EXPECT_EQ(Find(connection_), ConnectionSockets::kNone);
@@ -118,7 +118,15 @@ TEST_F(ConnectionSocketsTest, FindsASocketOfTheOtherFamily) {
   const Connection connection(AF_INET6);
   if (!connection.is_open()) GTEST_SKIP() << "this system has no IPv6";
   EXPECT_TRUE(sockets_.Add(connection.client()));
-  EXPECT_EQ(Find(connection), connection.client());
+  EXPECT_EQ(Find(connection, "::1"), connection.client());
+  EXPECT_EQ(Find(connection), ConnectionSockets::kNone);
+}
+
+// The system may give both the same local port.
+TEST_F(ConnectionSocketsTest, FindsTheSocketOfOneOfTwoPeers) {
+  EXPECT_TRUE(sockets_.Add(client_));
+  EXPECT_EQ(Find(connection_, "127.0.0.2"), ConnectionSockets::kNone);
+  EXPECT_EQ(Find(connection_), client_);
 }
 
 TEST_F(ConnectionSocketsTest, FindsASocketThatConnectsAfterItWasAdded) {
