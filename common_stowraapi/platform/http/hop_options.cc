@@ -104,7 +104,10 @@ void SetConnection(const HttpRequest& settings, const HopRequest& hop, EasyOptio
   options.Set(CURLOPT_FRESH_CONNECT, hop.needs_fresh_connection ? 1L : 0L);
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings.inactivity_timeout.count()));
   options.SetUnlessEmpty(CURLOPT_CAINFO, settings.ca_file);
+  if (settings.proxy.empty()) return;
   options.SetUnlessEmpty(CURLOPT_PROXY, settings.proxy);
+  // The environment's exceptions belong to the environment's proxies.
+  options.Set(CURLOPT_NOPROXY, "");
 }
 
 // ReplyDecoder follows redirects and decodes bodies itself.

@@ -110,6 +110,15 @@ TEST_F(DefaultsTest, SendsRequestsToTheProxy) {
   EXPECT_EQ(server_.connections(), 0);
 }
 
+TEST_F(DefaultsTest, ProxyHasNoExceptionsFromTheEnvironment) {
+  const RawServer proxy(Always(Response(200, "through the proxy")));
+  InternetData::SetDefaults(WithProxy(proxy));
+  ASSERT_EQ(setenv("no_proxy", "*", 1), 0);
+  EXPECT_TRUE(transport_.Download());
+  ASSERT_EQ(unsetenv("no_proxy"), 0);
+  EXPECT_EQ(BodyOf(transport_), "through the proxy");
+}
+
 TEST_F(DefaultsTest, ProxyOpensATunnelForHttpsAndSeesNoHeaders) {
   const RawServer proxy(AlwaysThenClose(Response(403, "no tunnel", "X-Proxy: 1\r\n")));
   InternetData::SetDefaults(WithProxy(proxy));
