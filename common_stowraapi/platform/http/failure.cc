@@ -46,9 +46,10 @@ TransferError ErrorOf(CURLcode code, TransferPhase phase) {
   }
 }
 
-// libcurl before 8.6 reports a header line of more than 100 KiB as lack of memory.
+// A header line of more than 100 KiB. libcurl before 8.6 reports it as lack of memory.
 bool IsHeaderLineTooLong(CURLcode code, TransferPhase phase) {
-  return code == CURLE_OUT_OF_MEMORY && phase == TransferPhase::kInsideHead;
+  constexpr int kTooLarge = 100;  // CURLE_TOO_LARGE, which older headers do not have
+  return (code == CURLE_OUT_OF_MEMORY || code == kTooLarge) && phase == TransferPhase::kInsideHead;
 }
 
 }  // namespace
