@@ -147,10 +147,13 @@ void BackgroundWorker::Stop() {
     // call under way.
     const NoWaitScope no_wait;
     TransferSettings::Instance().listener().Replace(nullptr);
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      stopping_ = true;
+    }
     TransferSettings::Instance().executor().Replace(nullptr);
   }
   std::unique_lock<std::mutex> lock(mutex_);
-  stopping_ = true;
   if (!thread_.joinable()) return;
   if (loop_) loop_->Wake();
   // The worker itself may call exit from inside a delivery.
@@ -238,7 +241,8 @@ void BackgroundWorker::Complete(Job job) noexcept {
     while (const auto executor = TransferSettings::Instance().executor().Current()) {
       if (executor->Call(std::move(job.completion))) return;
     }
-    job.transfer->Deliver();
+    // Exit begins before it takes the executor away.
+    if (!stopping_) job.transfer->Deliver();
   } catch (...) {  // NOLINT(bugprone-empty-catch): an observer's failure must not end the thread
   }
 }

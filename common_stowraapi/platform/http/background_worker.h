@@ -64,7 +64,7 @@ class BackgroundWorker {
   void DropAbandoned();
   void CompleteEnded();
   Job TakeActive(std::size_t index);
-  static void Complete(Job job) noexcept;
+  void Complete(Job job) noexcept;
 
   std::mutex mutex_;
   std::condition_variable thread_ended_;
