@@ -76,12 +76,13 @@ bool HttpExchange::BeginHop(ConnectionSockets& sockets) noexcept {
 
 Failure HttpExchange::MakeHop(ConnectionSockets& sockets) {
   if (!next_) next_ = FirstHop();
+  HopRequest hop = *next_;  // next_ may be made again, with other headers of the sink
   if (request_.sink) {
-    if (const Failure failure = request_.sink->BeginRequest(next_->headers)) return failure;
+    if (const Failure failure = request_.sink->BeginRequest(hop.headers)) return failure;
   }
-  if (trace_) trace_->Begin(*next_);
+  if (trace_) trace_->Begin(hop);
   hop_.emplace(
-      request_, std::move(*next_), sockets, [this] { Tell(TransferEvent::Kind::kProgress); },
+      request_, std::move(hop), sockets, [this] { Tell(TransferEvent::Kind::kProgress); },
       trace_ ? &*trace_ : nullptr);
   return hop_->Prepare(this);
 }
@@ -90,7 +91,6 @@ bool HttpExchange::EndHop(int curl_code) noexcept {
   Failure failure = kNoFailure;
   try {
     if (hop_->found_unfit_connection()) {
-      next_ = hop_->request();
       next_->needs_fresh_connection = true;
       hop_->AddTimes(times_);
       hop_.reset();

@@ -98,7 +98,7 @@ class HttpExchange {
   const Clock::time_point created_ = Clock::now();
 
   std::optional<TransferTrace> trace_;  // for a listener of steps
-  std::optional<HopRequest> next_;      // the hop that BeginHop makes
+  std::optional<HopRequest> next_;      // the hop that BeginHop makes, or has made
   std::optional<Hop> hop_;
   int redirects_ = 0;
   Clock::duration silence_{0};

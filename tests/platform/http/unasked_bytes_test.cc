@@ -9,6 +9,7 @@
 #include <string>
 #include <tuple>
 
+#include "common_stowraapi/platform/body_sink.h"
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
 
@@ -78,6 +79,40 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) {
       return std::string(NameOf(std::get<0>(test.param))) + std::get<1>(test.param).name;
     });
+
+// Wants a rest the first time that it is asked, and the whole later.
+class SinkOfARest : public ovrant::internet::BodySink {
+ public:
+  ovrant::utils::StringMap RequestHeaders() override {
+    if (asked_++ == 0) return {{"Range", "bytes=1-"}};
+    return {};
+  }
+  bool Write(const unsigned char* /*data*/, std::size_t /*size*/) override { return true; }
+
+  int asked() const { return asked_; }
+
+ private:
+  int asked_ = 0;
+};
+
+// The bytes are found after the sink was asked.
+TEST_F(TransportTest, ASinkIsAskedAnewWhenAKeptConnectionIsUnfit) {
+  Event first_ended;
+  const RawServer server([&](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, request.target));
+    if (request.target != "/first") return;
+    EXPECT_TRUE(first_ended.Wait());
+    connection.Write("\r\n");
+  });
+  EXPECT_EQ(Ask(Way::kDownload, server.Url("/first"), ""), Received(200, "/first"));
+  first_ended.Set();
+  ASSERT_TRUE(WaitForBytes(server.port()));
+  SinkOfARest sink;
+  InternetData transport(Text(server.Url("/second")));
+  EXPECT_TRUE(transport.DownloadTo(sink));
+  EXPECT_EQ(sink.asked(), 2);
+  EXPECT_FALSE(LastRequest(server).HasHeader("Range"));
+}
 
 class ReuseTest : public TrustingTest, public ::testing::WithParamInterface<Way> {};
 
