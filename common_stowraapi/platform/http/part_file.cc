@@ -81,6 +81,7 @@ int PartFile::Create(const PartNote& note, bool may_replace) {
   const mode_t mode = mode_ ? kReadableByOwner : kReadableByAll;
   if (const int error = OpenAndLock(O_RDWR | O_CREAT | O_EXCL, mode)) return error;
   is_new_ = true;
+  unlink(note_path_.c_str());  // of a part that is gone
   note_ = note;
   WriteNote();
   return 0;
