@@ -171,6 +171,7 @@ TEST_F(ContentItemTest, OneIncompleteLinkRejectsTheEntry) {
     EXPECT_FALSE(LoadLinks(bad + good)) << bad;
     EXPECT_EQ(item.html_url_, "H") << bad;
     EXPECT_FALSE(LoadLinks(good + bad)) << bad;
+    EXPECT_EQ(item.html_url_, "H") << bad;
     EXPECT_FALSE(LoadLinks(bad)) << bad;
   }
 }

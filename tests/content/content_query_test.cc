@@ -159,6 +159,12 @@ TEST_F(ContentQueryTest, ABadEntryIsLeftOutAndTheOthersKeepTheirOrder) {
   EXPECT_EQ(query.items_[2]->id_, "3");
 }
 
+TEST_F(ContentQueryTest, ARenditionHasNothingFromTheEntryBeforeIt) {
+  const Parts without = Model().With("group", Group(Rendition("http://a/")));
+  EXPECT_TRUE(Load(Feed().With("entries", Model().text() + without.text())));
+  EXPECT_EQ(query.items_.size(), 1U);
+}
+
 TEST_F(ContentQueryTest, AFeedOfBadEntriesOnlyLoads) {
   EXPECT_TRUE(Load(Full().With("entries", "<entry/><entry/>")));
   EXPECT_EQ(Valid(), "");

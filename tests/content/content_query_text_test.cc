@@ -102,7 +102,7 @@ TEST_F(ContentQueryTextTest, AnIncompleteLinkIsIgnoredAndTheOthersCount) {
   LoadLinks(
       "<link rel='self' type='application/atom+xml'/><link rel='next' href='X'/>"
       "<link href='X' type='text/html'/><link/>" +
-      Link("previous", "P", kAtom));
+      Link("previous", "P", kAtom) + "<link rel='previous' href='X'/>");
   EXPECT_EQ(Urls(), "||P|");
 }
 

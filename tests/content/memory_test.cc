@@ -7,6 +7,7 @@
 #include <string>
 
 #include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/platform/xml_input.h"
 #include "tests/content/feed_text.h"
 #include "tests/support/failing_new.h"
 
@@ -58,6 +59,19 @@ TEST(ThumbnailTest, ClearLetsTheThumbnailGoAndDoesNotDeleteIt) {
   EXPECT_EQ(item.thumbnail_buffer_, nullptr);
   EXPECT_EQ(LiveArrays(), arrays + 1);
   EXPECT_EQ(mine[0], 42);
+}
+
+TEST(ThumbnailTest, LoadLetsTheThumbnailGoToo) {
+  const long arrays = LiveArrays();
+  ContentItem item;
+  item.SetThumbnailBuffer(1, new unsigned char[1]{42});
+  const std::unique_ptr<unsigned char[]> mine(item.thumbnail_buffer_);
+  Bytes bytes(FeedOf(Model().text()));
+  const std::unique_ptr<ovrant::IXMLInput> reader(
+      ovrant::Get_IXMLInput(bytes.data(), bytes.length()));
+  EXPECT_FALSE(item.Load(reader.get()));
+  EXPECT_EQ(item.thumbnail_buffer_, nullptr);
+  EXPECT_EQ(LiveArrays(), arrays + 1);
 }
 
 TEST(ThumbnailTest, ClearKeepsTheNewestVersion) {

@@ -97,6 +97,14 @@ TEST_F(UploadConfigTest, AFileNeedsUploadUrlAndType) {
   }
 }
 
+TEST_F(UploadConfigTest, EmptyTextsArePresent) {
+  EXPECT_TRUE(ParseFile(File().With("url", "<uploadUrl/>").With("type", "<type/>")));
+  EXPECT_TRUE(
+      Parse(Upload().With("success", "<successUrl/>").With("failure", "<failureUrl/>").text()));
+  EXPECT_EQ(config.success_url_, "");
+  EXPECT_EQ(config.failure_url_, "");
+}
+
 TEST_F(UploadConfigTest, MissingOptionalValuesKeepTheirDefaults) {
   ASSERT_TRUE(ParseFile(
       File().Without("zipped").Without("format").Without("width").Without("height").Without(

@@ -169,12 +169,14 @@ TEST(ValueAssignment, RebindsTheHandleAndLeavesTheTreeAlone) {
   EXPECT_EQ(document.written(), "[1,3]");
 }
 
-TEST(ValueAssignment, TakesTheAllocatorToo) {
+TEST(ValueCopy, HasTheAllocatorToo) {
   Document document;
   const Value made = document.MakeValue();
   Value target;
   target = made;
   EXPECT_EQ(AllocatorOf(target), AllocatorOf(made));
+  const Value copy(made);
+  EXPECT_EQ(AllocatorOf(copy), AllocatorOf(made));
 }
 
 TEST(ValueAssignment, ToItselfDoesNothing) {

@@ -78,8 +78,10 @@ TEST_F(ExtensionStoreStatusTest, SynchronousSuccessTakesAnyBody) {
   for (const char* const body : {"", "no JSON", "{}"}) {
     ScriptTransfer(Reply(200, kOne));
     EXPECT_TRUE(status->SynchronousStatus());
+    ExtensionStoreStatus::status_sync_completed_ = false;
     ScriptTransfer(Reply(200, body));
     EXPECT_TRUE(status->SynchronousStatus()) << body;
+    EXPECT_TRUE(Completed()) << body;
     EXPECT_THAT(status->GetItemMapFromResponse(), IsEmpty()) << body;
   }
 }
