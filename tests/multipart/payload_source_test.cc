@@ -93,14 +93,15 @@ TEST_F(PayloadSourceTest, GoesOutWithItsRealLength) {
 }
 
 // The file has holes and takes no space.
-TEST_F(PayloadSourceTest, KnowsLengthBeyondThirtyTwoBits) {
+TEST_F(PayloadSourceTest, KnowsTheLengthOfFilesOfAnySize) {
   const RandomUpload upload = MakeRandomUpload(7);
   RandomUpload empty = upload;
   empty.data.clear();
   const std::uint64_t frame = Build(empty).body.size();
   WriteContent("");
-  for (const std::uint64_t size : {(std::uint64_t{1} << 31) - 1, std::uint64_t{1} << 31,
-                                   std::uint64_t{1} << 32, std::uint64_t{5'000'000'000}}) {
+  for (const std::uint64_t size :
+       {std::uint64_t{0}, (std::uint64_t{1} << 31) - 1, std::uint64_t{1} << 31,
+        std::uint64_t{1} << 32, std::uint64_t{5'000'000'000}}) {
     ASSERT_EQ(truncate(Path().c_str(), static_cast<off_t>(size)), 0);
     EXPECT_EQ(Make(upload)->Length(), frame + size);
   }
