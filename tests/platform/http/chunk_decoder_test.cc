@@ -61,6 +61,18 @@ TEST(ChunkDecoder, SeesThatABodyIsBroken) {
   }
 }
 
+TEST(ChunkDecoder, TakesEveryHexadecimalDigit) {
+  const std::string_view digits = "0123456789abcdef";
+  for (const std::string_view written : {digits, std::string_view("0123456789ABCDEF")}) {
+    for (std::size_t size = 1; size < digits.size(); ++size) {
+      ChunkDecoder decoder;
+      const std::string body = written[size] + ("\r\n" + std::string(digits.substr(0, size)));
+      EXPECT_EQ(Decoded(body + "\r\n0\r\n\r\n", 100, decoder), digits.substr(0, size));
+      EXPECT_TRUE(decoder.AtEnd()) << written[size];
+    }
+  }
+}
+
 TEST(ChunkDecoder, TakesTheLargestSize) {
   ChunkDecoder decoder;
   EXPECT_EQ(Decoded("ffffffffffffffff\r\nhello", 100, decoder), "hello");
