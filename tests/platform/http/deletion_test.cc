@@ -82,10 +82,13 @@ TEST_P(DeletionTest, BeforeTheTransferHasBegun) {
   EXPECT_EQ(server.connections(), 0);
 }
 
-TEST_P(DeletionTest, WhileTheServerIsSilent) {
+TEST_P(DeletionTest, WhileTheServerIsSilentAndAnotherTransferGoesOn) {
   const RawServer server(Silence());
+  const RawServer other(Silence());
   Background background(server.Url());
   StartAt(server, background);
+  Background younger(other.Url());
+  StartAt(other, younger);
   ExpectQuickDeletion(background);
   EXPECT_TRUE(server.WaitUntilUnused());
 }
