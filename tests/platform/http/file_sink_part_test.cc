@@ -13,6 +13,7 @@
 
 #include "tests/platform/http/file_sink_fixture.h"
 #include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/handlers.h"
 
 namespace stowra_test {
 namespace {
@@ -60,13 +61,32 @@ TEST_P(FileSinkPartTest, OneSinkMayContinueItself) {
   EXPECT_EQ(All(), Names{"x"});
 }
 
+TEST_P(FileSinkPartTest, OneSinkDoesNotContinueWhatItCannot) {
+  for (const Thing& cut : {Thing{thing_.content, "", 30}, Thing{thing_.content, kEtag, 0}}) {
+    const RawServer breaks_off(Serve(cut));
+    const RawServer server(Serve(thing_));
+    const auto sink = std::make_shared<FileSink>(Path(), kContinue);
+    EXPECT_EQ(Download(breaks_off.Url(), sink), Failed(200, TransferError::kCutOff));
+    EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+    EXPECT_FALSE(LastRequest(server).HasHeader("Range"));
+    EXPECT_EQ(Content(), thing_.content);
+  }
+}
+
+// Names of headers come in any letter case.
 TEST_P(FileSinkPartTest, ContinuesByDateWithoutAnEtag) {
   thing_.headers =
-      "ETag: W/\"weak\"\r\nLast-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n"
-      "Date: Sun, 22 Nov 2026 08:01:00 GMT\r\n";
+      "etag: W/\"weak\"\r\nlast-modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n"
+      "DATE: Sun, 22 Nov 2026 08:01:00 GMT\r\n";
   LeavePart(thing_, 30);
   EXPECT_EQ(Fetch(thing_), Received(206, ""));
   EXPECT_EQ(First().Header("If-Range"), "Sun, 22 Nov 2026 08:00:00 GMT");
+  ExpectWhole(thing_);
+  // The rest need not repeat the date.
+  LeavePart(thing_, 30);
+  const RawServer server(
+      Always(Response(206, thing_.content.substr(30), "Content-Range: bytes 30-99/100\r\n")));
+  EXPECT_EQ(FetchFrom(server.Url()), Received(206, ""));
   ExpectWhole(thing_);
 }
 
@@ -82,6 +102,14 @@ TEST_P(FileSinkPartTest, LeavesNoPartWithoutAStrongValidator) {
     EXPECT_FALSE(can_continue);
     EXPECT_EQ(All(), Names{}) << headers;
   }
+}
+
+// A folder has the note's name.
+TEST_P(FileSinkPartTest, LeavesNoPartWithoutItsNote) {
+  std::filesystem::create_directory(Path("x.part.validator"));
+  EXPECT_EQ(Fetch({Letters(100), kEtag, 30}), Failed(200, TransferError::kCutOff));
+  EXPECT_FALSE(can_continue);
+  EXPECT_EQ(All(), Names{"x.part.validator"});
 }
 
 TEST_P(FileSinkPartTest, BeginsAnewUnlessToldToContinue) {
@@ -111,9 +139,10 @@ TEST_P(FileSinkPartTest, BeginsAnewWithoutRangesOnTheServer) {
 
 TEST_P(FileSinkPartTest, AsksAgainAfterARangeThatDoesNotFit) {
   for (const char* range :
-       {"bytes 31-99/100", "bytes 30-98/100", "bytes 30-99/101", "bytes 0-99/100", "bytes */100",
-        "bytes 30-99/*", "lines 30-99/100", "30-99/100", "bytes 30-99", "bytes 30-99/100x",
-        "bytes 99-30/100", "bytes 30-18446744073709551615/0", "bytes -1-99/100"}) {
+       {"bytes 31-99/100", "bytes 30-98/100", "bytes 30-99/101", "bytes 30-100/101",
+        "bytes 0-99/100", "bytes */100", "bytes 30-99/*", "lines 30-99/100", "30-99/100",
+        "bytes 30-99", "bytes 30-99/100x", "bytes 99-30/100", "bytes 30-18446744073709551615/0",
+        "bytes -1-99/100"}) {
     Thing thing{Letters(100)};
     LeavePart(thing, 30);
     thing.range = range;
@@ -124,17 +153,28 @@ TEST_P(FileSinkPartTest, AsksAgainAfterARangeThatDoesNotFit) {
   }
 }
 
-TEST_P(FileSinkPartTest, AsksAgainWhenTheRestHasAnotherValidator) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    const std::string new_etag = "ETag: \"v2\"\r\n";
-    connection.Write(
-        request.HasHeader("Range")
-            ? Response(206, std::string(70, 'x'), new_etag + "Content-Range: bytes 30-99/100\r\n")
-            : Response(200, "new", new_etag));
-  });
-  LeavePart(thing_, 30);
-  EXPECT_EQ(FetchFrom(server.Url()), Received(200, ""));
-  EXPECT_EQ(Content(), "new");
+TEST_P(FileSinkPartTest, AsksAgainWhenTheRestIsOfAnotherThing) {
+  const std::string date = "Date: Sun, 22 Nov 2026 09:00:00 GMT\r\n";
+  const struct {
+    std::string headers_of_part;
+    std::string headers_of_rest;
+  } kCases[] = {
+      {kEtag, ""},
+      {kEtag, "ETag: \"v2\"\r\n"},
+      {kEtag, kEtag + std::string(kGzipHeader)},
+      {"Last-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n" + date,
+       "Last-Modified: Sun, 22 Nov 2026 08:00:01 GMT\r\n" + date},
+  };
+  for (const auto& headers : kCases) {
+    const std::string rest = Response(
+        206, std::string(70, 'x'), headers.headers_of_rest + "Content-Range: bytes 30-99/100\r\n");
+    const RawServer server([&rest](const RawRequest& request, RawConnection& connection) {
+      connection.Write(request.HasHeader("Range") ? rest : Response(200, "new"));
+    });
+    LeavePart({Letters(100), headers.headers_of_part}, 30);
+    EXPECT_EQ(FetchFrom(server.Url()), Received(200, "")) << headers.headers_of_rest;
+    EXPECT_EQ(Content(), "new");
+  }
 }
 
 TEST_P(FileSinkPartTest, AsksAgainWhenTheServerHasNoRest) {
@@ -178,32 +218,23 @@ TEST_P(FileSinkPartTest, ContinuesAfterARedirect) {
   ExpectWhole(thing_);
 }
 
-TEST_P(FileSinkPartTest, FailsWhenTheRestIsShorterThanItsRange) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.HasHeader("Range")
-                         ? "HTTP/1.1 206 Part\r\nETag: \"v1\"\r\nContent-Range: bytes 5-99/100\r\n"
-                           "Connection: close\r\n\r\nabc"
-                         : "HTTP/1.1 200 OK\r\nETag: \"v1\"\r\nTransfer-Encoding: chunked\r\n\r\n"
-                           "5\r\nhello\r\n");
-    connection.Close();
-  });
-  EXPECT_EQ(FetchFrom(server.Url()), Failed(200, TransferError::kCutOff));
-  EXPECT_EQ(FetchFrom(server.Url()), Failed(206, TransferError::kBody));
-  EXPECT_EQ(error, EBADMSG);
-  EXPECT_TRUE(can_continue);
-  ExpectPart();
-}
-
-TEST_P(FileSinkPartTest, BeginsAnewWhenTheRestHasNoEtag) {
-  LeavePart({"0123456789"}, 5);
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    connection.Write(request.HasHeader("Range")
-                         ? "HTTP/1.1 206 Part\r\nContent-Range: bytes 5-9/10\r\n"
-                           "Content-Length: 5\r\n\r\nother"
-                         : Response(200, "0123456789"));
-  });
-  EXPECT_EQ(FetchFrom(server.Url()), Received(200, ""));
-  EXPECT_EQ(Content(), "0123456789");
+TEST_P(FileSinkPartTest, FailsWhenTheRestIsNotAsLongAsItsRange) {
+  for (const char* rest : {"abc", "abcde"}) {
+    const RawServer server([rest](const RawRequest& request, RawConnection& connection) {
+      connection.Write(request.HasHeader("Range")
+                           ? "HTTP/1.1 206 Part\r\nETag: \"v1\"\r\nContent-Range: bytes 5-8/9\r\n"
+                             "Connection: close\r\n\r\n" +
+                                 std::string(rest)
+                           : "HTTP/1.1 200 OK\r\nETag: \"v1\"\r\nTransfer-Encoding: chunked\r\n\r\n"
+                             "5\r\nhello\r\n");
+      connection.Close();
+    });
+    EXPECT_EQ(FetchFrom(server.Url(), kAnew), Failed(200, TransferError::kCutOff));
+    EXPECT_EQ(FetchFrom(server.Url()), Failed(206, TransferError::kBody)) << rest;
+    EXPECT_EQ(error, EBADMSG);
+    EXPECT_TRUE(can_continue);
+    ExpectPart();
+  }
 }
 
 // Another sink lets go of the part before the answer comes.

@@ -14,6 +14,8 @@
 #include <string>
 
 #include "tests/platform/http/file_sink_fixture.h"
+#include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/handlers.h"
 
 namespace stowra_test {
 namespace {
@@ -32,6 +34,13 @@ TEST_P(FileSinkTest, WritesTheFile) {
   }
 }
 
+// The Content-Length of such a reply is not that of the file.
+TEST_P(FileSinkTest, WritesWhatAReplyInGzipHolds) {
+  const RawServer server(Always(Response(200, Gzip("hello"), kGzipHeader)));
+  EXPECT_EQ(FetchFrom(server.Url()), Received(200, ""));
+  EXPECT_EQ(Content(), "hello");
+}
+
 TEST_P(FileSinkTest, NamesTheFileOnlyWhenItIsWhole) {
   Make("x", "old");
   const RawServer server(InHalves([this] { EXPECT_EQ(Content(), "old"); }));
@@ -48,12 +57,23 @@ TEST_P(FileSinkTest, LeavesOtherRepliesInMemory) {
   }
 }
 
+TEST_P(FileSinkTest, GivesANewFileTheUsualMode) {
+  Make("made", "");
+  EXPECT_EQ(Fetch({"new"}), Received(200, ""));
+  EXPECT_EQ(std::filesystem::status(Path()).permissions(),
+            std::filesystem::status(Path("made")).permissions());
+}
+
 TEST_P(FileSinkTest, KeepsTheModeOfTheFileThatItReplaces) {
   Make("x", "old");
   std::filesystem::permissions(Path(), std::filesystem::perms{0604});
-  EXPECT_EQ(Fetch({"new"}), Received(200, ""));
+  // Nobody may read a part who might not read the file.
+  const RawServer server(InHalves([this] {
+    EXPECT_EQ(std::filesystem::status(Path("x.part")).permissions(), std::filesystem::perms{0600});
+  }));
+  EXPECT_EQ(FetchFrom(server.Url()), Received(200, ""));
   EXPECT_EQ(std::filesystem::status(Path()).permissions(), std::filesystem::perms{0604});
-  EXPECT_EQ(Content(), "new");
+  EXPECT_EQ(Content(), "abcdef");
 }
 
 TEST_P(FileSinkTest, ReplacesTheTargetOfALink) {
@@ -79,6 +99,20 @@ TEST_P(FileSinkTest, KeepsAFileThatAppearsMeanwhile) {
   EXPECT_EQ(error, EEXIST);
   EXPECT_EQ(Content(), "mine");
   EXPECT_EQ(All(), Names{"x"});
+}
+
+TEST_P(FileSinkTest, KeepsAFolderOrALinkThatAppearsMeanwhile) {
+  for (const bool is_link : {false, true}) {
+    const RawServer server(InHalves([this, is_link] {
+      if (is_link) return std::filesystem::create_symlink("none", Path());
+      std::filesystem::create_directory(Path());
+    }));
+    EXPECT_EQ(FetchFrom(server.Url()), Failed(200, TransferError::kBody));
+    EXPECT_EQ(error, EEXIST);
+    EXPECT_EQ(std::filesystem::is_symlink(Path()), is_link);
+    EXPECT_EQ(All(), Names{"x"});
+    std::filesystem::remove(Path());
+  }
 }
 
 TEST_P(FileSinkTest, RefusesANameThatIsNoFiles) {
@@ -167,6 +201,20 @@ TEST_P(FileSinkTest, KeepsAnEarlierPartWhenTheDiskIsFull) {
   }
   EXPECT_EQ(Fetch(thing), Received(206, ""));
   ExpectWhole(thing);
+}
+
+TEST_P(FileSinkTest, KeepsItsOwnEarlierPartWhenTheDiskIsFull) {
+  const Thing thing{Letters(200000)};
+  const Thing cut{thing.content, kEtag, 30000};
+  const RawServer breaks_off(Serve(cut));
+  const RawServer server(Serve(thing));
+  const auto sink = std::make_shared<FileSink>(Path(), kContinue);
+  EXPECT_EQ(Download(breaks_off.Url(), sink), Failed(200, TransferError::kCutOff));
+  const FileSizeLimit limit(50000);
+  EXPECT_EQ(Download(server.Url(), sink), Failed(206, TransferError::kBody));
+  EXPECT_EQ(sink->error(), EFBIG);
+  EXPECT_TRUE(sink->CanContinue());
+  ExpectPart();
 }
 
 TEST_P(FileSinkTest, TakesTheLongestName) {
