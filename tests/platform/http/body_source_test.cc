@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "common_stowraapi/platform/body_source.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -46,6 +51,14 @@ void DieOnSecond(const RawRequest& request, RawConnection& connection) {
   connection.Write(Response(200, body));
 }
 
+// Answers with a body of chunks as it came. For servers that do not read bodies.
+void EchoChunks(const RawRequest& request, RawConnection& connection) {
+  std::string body;
+  while (body.find("0\r\n\r\n") == std::string::npos && connection.Read(body)) {
+  }
+  connection.Write(Response(200, request.Header("Transfer-Encoding") + " " + body));
+}
+
 class BodySourceTest : public BodyFixture {
  protected:
   const RawServer echo_{Echo};
@@ -80,14 +93,7 @@ TEST_P(BodySourceTest, SendsItsLengthInPlaceOfTheHosts) {
 }
 
 TEST_P(BodySourceTest, GoesOutInChunksWithoutALength) {
-  const RawServer server(
-      [](const RawRequest& request, RawConnection& connection) {
-        std::string body;
-        while (body.find("0\r\n\r\n") == std::string::npos && connection.Read(body)) {
-        }
-        connection.Write(Response(200, request.Header("Transfer-Encoding") + " " + body));
-      },
-      {nullptr, false});
+  const RawServer server(EchoChunks, {nullptr, false});
   const auto source = Source("hello");
   source->length = std::nullopt;
   EXPECT_EQ(Upload(server.Url(), source), Received(200, "chunked 5\r\nhello\r\n0\r\n\r\n"));
@@ -118,6 +124,22 @@ TEST_P(BodySourceTest, MayThrow) {
   EXPECT_EQ(Upload(echo_.Url(), source), Failed(0, TransferError::kBody));
   source->on_read = [] { throw std::bad_alloc(); };
   EXPECT_EQ(Upload(echo_.Url(), source), Failed(0, TransferError::kOutOfMemory));
+}
+
+// Claims one byte more than there is room for.
+class BoastfulSource final : public BodySource {
+ public:
+  bool Rewind() override { return true; }
+  std::optional<std::uint64_t> Length() override { return 4; }
+  bool Read(unsigned char*, std::size_t size, std::size_t& count) override {
+    count = size + 1;
+    return true;
+  }
+};
+
+TEST_P(BodySourceTest, FailsTheUploadWhenItClaimsTooMuch) {
+  EXPECT_EQ(Upload(echo_.Url(), std::make_shared<BoastfulSource>()),
+            Failed(0, TransferError::kBody));
 }
 
 // The server never gets a whole body.
@@ -241,6 +263,19 @@ TEST_P(FileSourceTest, GivesTheFile) {
   EXPECT_TRUE(Upload(echo_.Url(), source) == Received(200, text));
   EXPECT_TRUE(Upload(echo_.Url(), source) == Received(200, text)) << "a second time";
   EXPECT_EQ(source->error(), 0);
+}
+
+TEST_P(FileSourceTest, GivesAPipeOnce) {
+  const std::string path = Path("pipe");
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  const int writer = open(path.c_str(), O_RDWR);
+  const auto source = std::make_shared<FileSource>(path);
+  EXPECT_EQ(write(writer, "hello", 5), 5);
+  close(writer);
+  const RawServer server(EchoChunks, {nullptr, false});
+  EXPECT_EQ(Upload(server.Url(), source), Received(200, "chunked 5\r\nhello\r\n0\r\n\r\n"));
+  EXPECT_EQ(Upload(server.Url(), source), Failed(0, TransferError::kBody));
+  EXPECT_EQ(source->error(), ESPIPE);
 }
 
 TEST_P(FileSourceTest, SaysWhyItFails) {
