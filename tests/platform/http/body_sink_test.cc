@@ -19,6 +19,17 @@ namespace {
 
 using ovrant::internet::MemorySink;
 
+// Counts and forgets.
+class CountingSink final : public BodySink {
+ public:
+  bool Write(const unsigned char*, std::size_t size) override {
+    EXPECT_GT(size, 0U);
+    count += size;
+    return true;
+  }
+  std::size_t count = 0;
+};
+
 class BodySinkTest : public BodyFixture {
  protected:
   const RawServer abc_{Always(Response(200, "abc"))};
@@ -56,6 +67,18 @@ TEST_P(BodySinkTest, GetsDecodedBytesInSmallPieces) {
   EXPECT_EQ(Download(server.Url(), sink_), Received(200, ""));
   EXPECT_TRUE(sink_->bytes == text);
   EXPECT_LE(sink_->largest, std::size_t{2} << 20);
+}
+
+// The first chunk is the head of the gzip stream, which holds no bytes of the body.
+TEST_P(BodySinkTest, GetsNoEmptyPieces) {
+  const std::string gzip = Gzip("hello");
+  ASSERT_EQ(gzip.size(), 25U);
+  const RawServer server(Always("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n" +
+                                std::string(kGzipHeader) + "\r\na\r\n" + gzip.substr(0, 10) +
+                                "\r\nf\r\n" + gzip.substr(10) + "\r\n0\r\n\r\n"));
+  const auto sink = std::make_shared<CountingSink>();
+  EXPECT_EQ(Download(server.Url(), sink), Received(200, ""));
+  EXPECT_EQ(sink->count, 5U);
 }
 
 TEST_P(BodySinkTest, LeavesOtherRepliesInMemory) {
@@ -185,16 +208,6 @@ TEST_P(BodySinkTest, HasTheCapThatTheHostSets) {
     EXPECT_EQ(Download(bad.Url(), sink), Failed(200, TransferError::kTooLarge));
   }
 }
-
-// Counts and forgets.
-class CountingSink final : public BodySink {
- public:
-  bool Write(const unsigned char*, std::size_t size) override {
-    count += size;
-    return true;
-  }
-  std::size_t count = 0;
-};
 
 TEST_P(BodySinkTest, HasNoCapByDefault) {
   constexpr int kMebibytes = 257;

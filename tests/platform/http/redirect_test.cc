@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "tests/platform/http/body_fixture.h"
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/internet_data_test_peer.h"
 #include "tests/platform/http/transport_fixture.h"
@@ -13,6 +14,13 @@ namespace stowra_test {
 namespace {
 
 constexpr int kMostRedirects = 20;
+
+// Redirects "/2" to "/1", that to "/0", and answers "/0".
+void CountDown(const RawRequest& request, RawConnection& connection) {
+  const int left = std::atoi(request.target.c_str() + 1);
+  connection.Write(left > 0 ? Redirect(302, "/" + std::to_string(left - 1))
+                            : Response(200, "hello"));
+}
 
 class RedirectTest : public TransportTest {};
 
@@ -60,11 +68,7 @@ TEST_F(RedirectTest, RefusesAnotherSchemeBeforeConnecting) {
 }
 
 TEST_F(RedirectTest, FollowsTwentyAndNoMore) {
-  const RawServer server([](const RawRequest& request, RawConnection& connection) {
-    const int left = std::atoi(request.target.c_str() + 1);
-    connection.Write(left > 0 ? Redirect(302, "/" + std::to_string(left - 1))
-                              : Response(200, "hello"));
-  });
+  const RawServer server(CountDown);
   const std::string allowed = server.Url("/" + std::to_string(kMostRedirects));
   const std::string refused = server.Url("/" + std::to_string(kMostRedirects + 1));
   for (const Way way : kAllWays) {
@@ -73,6 +77,19 @@ TEST_F(RedirectTest, FollowsTwentyAndNoMore) {
     EXPECT_EQ(ReasonOf(way, refused), TransferError::kTooManyRedirects);
     EXPECT_EQ(LastRequest(server).target, "/1");
   }
+}
+
+TEST_F(RedirectTest, CountsFromZeroWhenASinkAsksAgain) {
+  const RawServer server(CountDown);
+  TestSink sink;
+  sink.choice = BodySink::Choice::kAskAgain;
+  sink.on_begin = [&sink] {
+    if (sink.begins == 2) sink.choice = BodySink::Choice::kTake;
+  };
+  InternetData transport(Text(server.Url("/" + std::to_string(kMostRedirects))));
+  EXPECT_TRUE(transport.DownloadTo(sink));
+  EXPECT_EQ(sink.bytes, "hello");
+  EXPECT_EQ(server.requests().size(), 2 * (std::size_t{kMostRedirects} + 1));
 }
 
 TEST_F(RedirectTest, FailsOnACircle) {
