@@ -12,8 +12,8 @@ namespace {
 
 class ErrorReplyTest : public TransportTest {
  protected:
-  // The end of a download that the server answers so.
-  static TransferEvent EndAfter(const std::string& response) {
+  // The end of a download that the server answers so and then closes.
+  static TransferEvent EndAfter(const std::string& response, bool is_whole = true) {
     TransferEvent end;
     InternetData::SetTransferListener([&end](const TransferEvent& event) {
       if (event.kind == TransferEvent::Kind::kEnded) {
@@ -22,9 +22,9 @@ class ErrorReplyTest : public TransportTest {
         EXPECT_EQ(event.error_body, "");
       }
     });
-    const RawServer server(Always(response));
+    const RawServer server(AlwaysThenClose(response));
     InternetData transport(Text(server.Url()));
-    EXPECT_TRUE(transport.Download());
+    EXPECT_EQ(transport.Download(), is_whole);
     InternetData::SetTransferListener(nullptr);
     return end;
   }
@@ -41,10 +41,13 @@ TEST_F(ErrorReplyTest, GivesFieldsAndBodyOfErrorResponse) {
   }
 }
 
-TEST_F(ErrorReplyTest, GivesNothingOfOtherResponses) {
-  for (const int status : {200, 304}) {
-    const TransferEvent end =
-        EndAfter(Response(status, "", "Content-Type: text/plain\r\nRetry-After: 7\r\n"));
+TEST_F(ErrorReplyTest, GivesNothingOfOtherOrBrokenResponses) {
+  for (const int status : {200, 304, 404}) {
+    const bool is_whole = status != 404;
+    std::string response = Response(status, is_whole ? "" : "no such",
+                                    "Content-Type: text/plain\r\nRetry-After: 7\r\n");
+    if (!is_whole) response.pop_back();
+    const TransferEvent end = EndAfter(response, is_whole);
     EXPECT_EQ(end.status, status);
     EXPECT_EQ(end.content_type, "");
     EXPECT_EQ(end.retry_after, "");
