@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Connections that fail, break or fall silent.
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 
 #include <condition_variable>
 #include <mutex>
 
 #include "tests/faults/fault.h"
-#include "tests/support/child_process.h"
+#include "tests/support/client_socket.h"
+#include "tests/support/closed_port.h"
 #include "tests/support/full_listener.h"
 
 namespace stowra_test {
@@ -20,28 +18,7 @@ constexpr char kPartOfHead[] = "HTTP/1.1 200 OK\r\nContent-Le";
 constexpr char kHead[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n";
 constexpr char kPartOfBody[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel";
 
-constexpr std::chrono::milliseconds kPause(50);  // before each byte of a drip
-
-// A bound port without a listener.
-class ClosedPort {
- public:
-  ClosedPort() {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    auto* const any_address = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(bind(socket_.number(), any_address, length), 0);
-    EXPECT_EQ(getsockname(socket_.number(), any_address, &length), 0);
-    port_ = ntohs(address.sin_port);
-  }
-
-  std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
-
- private:
-  const OwnedDescriptor socket_{socket(AF_INET, SOCK_STREAM, 0)};
-  int port_ = 0;
-};
+constexpr std::chrono::milliseconds kPause(125);  // before each byte of a drip
 
 std::function<void(Stage&)> Serve(RawServer::Handler handler) {
   return [handler](Stage& stage) { stage.AddServer(GoodOr(handler)); };
@@ -140,17 +117,15 @@ class Turnstile {
 Fault UnaskedBytes() {
   const auto set = [](Stage& stage) {
     auto is_idle = std::make_shared<Turnstile>();
-    auto has_written = std::make_shared<Turnstile>();
-    stage.set_before([is_idle, has_written] {
-      is_idle->Open();
-      has_written->Pass();
-    });
-    stage.AddServer([is_idle, has_written](const RawRequest& request, RawConnection& connection) {
+    const auto handler = [is_idle](const RawRequest& request, RawConnection& connection) {
       connection.Write(Response(200, kGoodBody));
       if (request.target != kGoodTarget) return;
       is_idle->Pass();
       connection.Write(Response(200, "unasked"));
-      has_written->Open();
+    };
+    stage.set_before([is_idle, port = stage.AddServer(handler).port()] {
+      is_idle->Open();
+      EXPECT_TRUE(WaitForBytes(port));
     });
   };
   return OnUsedConnection({"UnaskedBytes", set, Received(200, kGoodBody), EveryWay(), 1});

@@ -67,7 +67,7 @@ class Stage {
 // When a transfer ends, compared with its inactivity timeout.
 enum class End {
   kBefore,  // before the timeout
-  kAt,      // at the timeout, at most a second late
+  kAt,      // at the timeout
   kAfter,   // long after the timeout, because there is progress
 };
 

@@ -159,7 +159,7 @@ void SetUp() {
   setenv("no_proxy", "*", 1);
   ovrant::internet::TransferDefaults defaults;
   defaults.body_cap = kCap;
-  defaults.inactivity_timeout = 5;
+  defaults.inactivity_timeout = 60;
   InternetData::SetDefaults(defaults);
 }
 

@@ -133,7 +133,7 @@ TEST_P(BodyDeletionTest, LeavesTheSinkToTheLibrary) {
 }
 
 TEST(BodyStartTest, NullIsRefused) {
-  Background background("http://127.0.0.1:1/");
+  Background background("none:");
   InternetData& transport = *background.transport;
   InternetDataDelegate* const delegate = background.delegate.get();
   const auto sink = std::make_shared<TestSink>();

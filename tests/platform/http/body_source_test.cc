@@ -100,10 +100,10 @@ TEST_P(BodySourceTest, GoesOutInChunksWithoutALength) {
 }
 
 TEST_P(BodySourceTest, MayBeSlowerThanTheTimeout) {
-  SetInactivityTimeout(0.4F);
+  SetInactivityTimeout(1.5F);
   const auto source = Source("abcd");
   source->piece = 2;
-  source->on_read = [] { Event().Wait(std::chrono::milliseconds(600)); };
+  source->on_read = [] { Event().Wait(std::chrono::milliseconds(1800)); };
   EXPECT_EQ(Upload(echo_.Url(), source), Received(200, "abcd"));
 }
 

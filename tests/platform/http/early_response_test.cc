@@ -112,7 +112,7 @@ TEST_F(EarlyEndTest, AcceptsBodyEndedByCloseWhileTheUploadStalls) {
 }
 
 TEST_F(EarlyEndTest, RefusesAnIncompleteResponse) {
-  SetInactivityTimeout(0.3F);
+  SetInactivityTimeout(2);
   const RawServer server(AnswerUnread("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nhello"),
                          kUnread);
   EXPECT_EQ(Upload(Way::kSendAndRead, server.Url()), Failed(200, TransferError::kSilent));

@@ -20,8 +20,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr float kTimeout = 0.8F;
-constexpr milliseconds kLongerThanTheTimeout(1700);
+constexpr float kTimeout = 1.5F;
+constexpr milliseconds kLongerThanTheTimeout(2500);
 
 // Takes as long as a slow host function.
 void BeSlow(milliseconds time = kLongerThanTheTimeout) { Event().Wait(time); }

@@ -15,6 +15,7 @@
 #include "tests/platform/http/gzip_text.h"
 #include "tests/platform/http/transport_fixture.h"
 #include "tests/support/certificates.h"
+#include "tests/support/closed_port.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/full_listener.h"
 #include "tests/support/raw_server.h"
@@ -50,9 +51,9 @@ std::function<std::string(Scene&)> Reply(const std::string& bytes) {
 }
 
 std::string Nobody(Scene& scene) {
-  const std::string url = scene.Serve(Silence());
-  scene.servers.pop_back();
-  return url;
+  auto port = std::make_shared<const ClosedPort>();
+  scene.props.push_back(port);
+  return port->Url();
 }
 
 std::string Untrusted(Scene& scene) {
@@ -96,7 +97,7 @@ class TransferErrorTest : public TransportTest, public ::testing::WithParamInter
 
   TransferErrorTest() {
     TransferDefaults defaults;
-    defaults.inactivity_timeout = 0.5F;
+    if (GetParam().reason == TransferError::kSilent) defaults.inactivity_timeout = 0.5F;
     defaults.body_cap = kCap;
     InternetData::SetDefaults(defaults);
   }

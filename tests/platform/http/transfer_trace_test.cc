@@ -14,6 +14,8 @@
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
+#include "tests/support/client_socket.h"
+#include "tests/support/closed_port.h"
 
 namespace stowra_test {
 namespace {
@@ -200,19 +202,17 @@ TEST_F(TransferTraceTest, TlsVersionIsKeptWithTheConnection) {
 
 TEST_F(TransferTraceTest, ConnectionWithBytesOnItIsNotTold) {
   Event first_ended;
-  Event sent;
   const RawServer server([&](const RawRequest& request, RawConnection& connection) {
     connection.Write(Response(200, "hello"));
     if (request.target != "/first" || !first_ended.Wait()) return;
     connection.Write("unasked");
-    sent.Set();
   });
   Listen(TransferDetail::kSteps);
   InternetData transport(Text(server.Url("/first")));
   ASSERT_TRUE(transport.Download());
   EXPECT_EQ(TakeSteps(), kOneRequest);
   first_ended.Set();
-  ASSERT_TRUE(sent.Wait());
+  ASSERT_TRUE(WaitForBytes(server.port()));
   Fetch(server.Url());
   EXPECT_FALSE(EventOf(Kind::kConnected).is_reused);
   EXPECT_EQ(EventOf(Kind::kConnected).request, 1U);
@@ -337,19 +337,18 @@ TEST_F(TransferTraceTest, SecretsAreShownOnRequest) {
 }
 
 TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
-  SetInactivityTimeout(0.2F);
   const RawServer silent(Silence());
   const RawServer inside_head(AlwaysThenClose("HTTP/1.1 200 OK\r\nX-Whole: 1\r\nX-Par"));
   const RawServer inside_body(AlwaysThenClose("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhello"));
   const RawServer malformed(Always("HTTP/1.1 200 OK\r\nno field\r\n\r\n"));
-  const std::string unused = RawServer(Silence()).Url();
+  const ClosedPort closed;
   const struct {
     std::string url;
     TransferError reason;
     const char* steps;
   } cases[] = {
       {"bad:", TransferError::kBadUrl, "started ended"},
-      {unused, TransferError::kNotConnected, "started ended"},
+      {closed.Url(), TransferError::kNotConnected, "started ended"},
       {"https" + silent.Url().substr(4), TransferError::kSilent, "started ended"},
       {silent.Url(), TransferError::kSilent, "started connected request ended"},
       {inside_head.Url(), TransferError::kCutOff, "started connected request first-byte ended"},
@@ -358,6 +357,7 @@ TEST_F(TransferTraceTest, FailureEndsTheStepsWhereItHappens) {
   };
   Listen(TransferDetail::kHeads);
   for (const auto& [url, reason, steps] : cases) {
+    SetInactivityTimeout(reason == TransferError::kSilent ? 0.2F : 0.0F);
     Fetch(url);
     EXPECT_EQ(EventOf(Kind::kEnded).reason, reason) << url;
     EXPECT_EQ(TakeSteps(), steps) << url;

@@ -2,9 +2,6 @@
 // Bytes that a server sends on a kept connection without a request.
 
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
 
 #include <string>
 #include <tuple>
@@ -12,30 +9,10 @@
 #include "common_stowraapi/platform/body_sink.h"
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
+#include "tests/support/client_socket.h"
 
 namespace stowra_test {
 namespace {
-
-// The client's end of a connection to `port` of this machine, or -1. The client is this process.
-int ClientSocket(int port) {
-  constexpr int kMostDescriptors = 1024;
-  for (int socket = 0; socket < kMostDescriptors; ++socket) {
-    sockaddr_in peer = {};
-    socklen_t size = sizeof(peer);
-    if (getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &size) == 0 &&
-        peer.sin_family == AF_INET && ntohs(peer.sin_port) == port) {
-      return socket;
-    }
-  }
-  return -1;
-}
-
-// Waits until bytes have arrived at the client's end. False after kPatience.
-bool WaitForBytes(int port) {
-  pollfd readable = {ClientSocket(port), POLLIN, 0};
-  const auto limit = std::chrono::milliseconds(kPatience).count();
-  return readable.fd >= 0 && poll(&readable, 1, static_cast<int>(limit)) == 1;
-}
 
 struct Unasked {
   const char* name;
