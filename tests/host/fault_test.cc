@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "tests/host/host_test.h"
+#include "tests/support/closed_port.h"
 
 namespace stowra_test {
 namespace {
@@ -86,7 +87,8 @@ class NoServerTest : public InBothModes {};
 IN_BOTH_MODES(NoServerTest);
 
 TEST_P(NoServerTest, ReportsRefusedConnectionInOneLine) {
-  const std::string url = EmulatorProcess().url() + "/user-info";
+  const ClosedPort closed;
+  const std::string url = closed.Url("/user-info");
   EXPECT_THAT(RunInMode({"user-info", url}),
               Fails(3, MatchesRegex("stowra: " + url + ": [^\n]*connect[^\n]*\n")));
 }

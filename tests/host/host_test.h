@@ -38,7 +38,7 @@ inline constexpr const char* kStowra = STOWRA_PROGRAM;
 // A user, as a service tells of it.
 inline constexpr char kUser[] = R"({"uid":"u","email":"e","vkr_id":"v"})";
 
-// No server is there.
+// For commands that end before they connect.
 inline constexpr char kNowhere[] = "http://127.0.0.1:1/";
 
 inline std::vector<std::string> Joined(std::vector<std::string> list,

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "tests/host/host_test.h"
+#include "tests/support/closed_port.h"
 
 namespace stowra_test {
 namespace {
@@ -93,7 +94,7 @@ TEST_F(TraceTest, FileOfABackgroundTransferNamesThePost) {
 }
 
 TEST_F(TraceTest, FileOfAFailureNamesTheReason) {
-  EXPECT_EQ(RunStowra({"search", kNowhere, "--trace", trace_}).status, 3);
+  EXPECT_EQ(RunStowra({"search", ClosedPort().Url(), "--trace", trace_}).status, 3);
   EXPECT_THAT(ReadFile(trace_), ContainsRegex(R"("event":"ended".*"reason":"not-connected")"));
 }
 
@@ -125,9 +126,11 @@ TEST_F(TraceTest, TimingDrawsEachRequestAsPlainText) {
 }
 
 TEST_F(TraceTest, TimingIsDrawnAfterAFailureToo) {
-  EXPECT_THAT(RunStowra({"search", kNowhere, "--timing"}),
-              Fails(3, AllOf(StartsWith("stowra: http://127.0.0.1:1/: "),
-                             HasSubstr("\n  1  GET 127.0.0.1:1/  not-connected "))));
+  const ClosedPort closed;
+  const std::string url = closed.Url();
+  EXPECT_THAT(RunStowra({"search", url, "--timing"}),
+              Fails(3, AllOf(StartsWith("stowra: " + url + ": "),
+                             HasSubstr("\n  1  GET " + url.substr(7) + "  not-connected "))));
 }
 
 TEST_F(TraceTest, CommandDrawsTheFileAsTimingDid) {

@@ -28,7 +28,9 @@ class ClosedPort {
     port_ = ntohs(address.sin_port);
   }
 
-  std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
+  std::string Url(const std::string& target = "/") const {
+    return "http://127.0.0.1:" + std::to_string(port_) + target;
+  }
 
  private:
   const OwnedDescriptor socket_{socket(AF_INET, SOCK_STREAM, 0)};
