@@ -375,7 +375,7 @@ TEST_F(TransportAllocationTest, DeletionInFlightPostsNothing) {
     EXPECT_FALSE(outcome.threw);
     EXPECT_TRUE(deleted.ends.count() == 0 || outcome.failed());
     EXPECT_EQ(deleted.ends.successes(), 0);
-    EXPECT_EQ(gone.number(), arrived.number());
+    EXPECT_TRUE(gone.WaitFor(arrived.number()));
     InBackground next(server_.Url());
     ASSERT_TRUE(next.Start(false));
     ASSERT_TRUE(next.ends.WaitFor(1));

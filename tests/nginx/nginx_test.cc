@@ -194,7 +194,8 @@ TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
   Trust();
   const Certificate certificate = Issue();
   NginxServer server(&certificate);
-  server.AddFile("page", std::string(60'000, 'x'));
+  constexpr std::size_t kSize = 600'000;  // several seconds long
+  server.AddFile("page", std::string(kSize, 'x'));
   InternetData plain(Text(server.Url("/plain/page")));
   InternetData first(Text(server.Url("/slow/page")));
   InternetData second(Text(server.Url("/slow/page")));
@@ -206,8 +207,8 @@ TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
   ASSERT_TRUE(first.DownloadWithDelegate(&delegate, nullptr));
   ASSERT_TRUE(second.DownloadWithDelegate(&delegate, nullptr));
   ASSERT_TRUE(recorder.WaitFor(3));
-  EXPECT_EQ(first.received_data_length(), 60'000U);
-  EXPECT_EQ(second.received_data_length(), 60'000U);
+  EXPECT_EQ(first.received_data_length(), kSize);
+  EXPECT_EQ(second.received_data_length(), kSize);
   const std::vector<LoggedRequest> log = server.Stop();
   ASSERT_THAT(log, SizeIs(3));
   EXPECT_NE(log[1].connection, log[2].connection);

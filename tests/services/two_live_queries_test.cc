@@ -1,33 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <future>
 #include <string>
 
-#include "common_stowraapi/platform/notification_center.h"
 #include "common_stowraapi/services/user_info_query.h"
+#include "tests/support/notification_recorder.h"
 #include "tests/support/raw_server.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::webservices::UserInfoQuery;
-
-class UpdateWatcher : public ovrant::IObserver {
- public:
-  UpdateWatcher() {
-    CNotificationCenter::Default()->AddObserver(UserInfoQuery::kUserInfoUpdatedNotification, this);
-  }
-  ~UpdateWatcher() override { CNotificationCenter::Default()->RemoveObserver(this); }
-
-  void OnNotification(const char* /*name*/, void* /*payload*/) override { updated_.set_value(); }
-  using IObserver::OnNotification;
-
-  void Wait() { updated_.get_future().wait(); }
-
- private:
-  std::promise<void> updated_;
-};
 
 TEST(TwoLiveQueriesTest, OneRequestFillsOnlyTheQueryThatMadeIt) {
   const std::string body = R"({"uid":"7","email":"a@b.example","vkr_id":"v"})";
@@ -38,10 +21,10 @@ TEST(TwoLiveQueriesTest, OneRequestFillsOnlyTheQueryThatMadeIt) {
   UserInfoQuery idle_before;
   UserInfoQuery query;
   UserInfoQuery idle_after;
-  UpdateWatcher watcher;
+  NotificationRecorder recorder({UserInfoQuery::kUserInfoUpdatedNotification});
   query.Init(server.Url().c_str(), nullptr);
   query.AsynchronousRequest();
-  watcher.Wait();
+  ASSERT_TRUE(recorder.WaitFor(1));
   EXPECT_EQ(query.GetUserInfoValue(UserInfoQuery::kUserIdKey), "7");
   EXPECT_EQ(idle_before.GetUserInfoValue(UserInfoQuery::kUserIdKey), "");
   EXPECT_EQ(idle_after.GetUserInfoValue(UserInfoQuery::kUserIdKey), "");

@@ -88,10 +88,12 @@ TEST(DeliveryGate, CloseWaitsForAllCalls) {
   Visitor first(gate);
   Visitor second(gate);
   const auto closer = std::async(std::launch::async, [&] { EXPECT_TRUE(gate.Close()); });
+  const auto limit = std::chrono::steady_clock::now() + kPatience;
+  while (!gate.IsClosed() && std::chrono::steady_clock::now() < limit) std::this_thread::yield();
+  EXPECT_TRUE(gate.IsClosed());
   EXPECT_FALSE(HasEnded(closer, kTooEarly));
   first.LetGo();
   EXPECT_FALSE(HasEnded(closer, kTooEarly));
-  EXPECT_TRUE(gate.IsClosed());
   EXPECT_FALSE(CanEnter(gate));
   second.LetGo();
   EXPECT_TRUE(HasEnded(closer, kPatience));
