@@ -93,7 +93,9 @@ TEST_F(ConsoleTest, PagesLoadNothingFromElsewhere) {
               AllOf(HasSubstr("default-src 'none'"), HasSubstr("script-src 'self'")));
   EXPECT_THAT(page.body, AllOf(Not(HasSubstr("http://")), Not(HasSubstr("https://"))));
   for (const char* target : {"/", "/user-info", "/thumbnail?mid=m-1001", "/nope"}) {
-    EXPECT_EQ(client_.Get(target)->get_header_value("X-Content-Type-Options"), "nosniff");
+    const httplib::Result result = client_.Get(target);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->get_header_value("X-Content-Type-Options"), "nosniff");
   }
 }
 

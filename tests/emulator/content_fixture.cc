@@ -1,7 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "tests/emulator/content_fixture.h"
 
+#include "tests/support/event.h"
+
 namespace stowra_emulator {
+
+httplib::Client PatientClient(const std::string& url) {
+  httplib::Client client(url);
+  client.set_read_timeout(stowra_test::kPatience);
+  client.set_write_timeout(stowra_test::kPatience);
+  return client;
+}
 
 httplib::Response ResponseOf(const httplib::Result& result, int status) {
   EXPECT_TRUE(result) << httplib::to_string(result.error());

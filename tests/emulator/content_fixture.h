@@ -18,6 +18,9 @@ namespace stowra_emulator {
 
 constexpr const char* kQmf = "application/vnd.brevix.qmf";
 
+// A client that waits for kPatience for each answer.
+httplib::Client PatientClient(const std::string& url);
+
 // The response. Fails the current test if there is none or its status is another.
 httplib::Response ResponseOf(const httplib::Result& result, int status = 200);
 
@@ -50,7 +53,7 @@ class ContentTest : public testing::Test {
   }
 
   Emulator emulator_;
-  httplib::Client client_{emulator_.url()};
+  httplib::Client client_ = PatientClient(emulator_.url());
 };
 
 std::vector<const XmlElement*> Entries(const XmlElement& feed);

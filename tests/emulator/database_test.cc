@@ -36,7 +36,7 @@ class DatabaseTest : public testing::Test {
     EmulatorOptions options;
     options.database_file = file_;
     const Emulator emulator(options);
-    return ResponseOf(httplib::Client(emulator.url()).Get(target), status).body;
+    return ResponseOf(PatientClient(emulator.url()).Get(target), status).body;
   }
   json GetJson(const std::string& target, int status = 200) {
     return json::parse(Get(target, status));

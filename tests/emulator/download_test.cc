@@ -46,7 +46,8 @@ TEST_F(DownloadTest, DownloadsEveryRenditionInTheFeed) {
 TEST_F(DownloadTest, GivesTheSameFileEveryTime) {
   const std::string file = Get("/download?mid=m-1001&rtyp=k2").body;
   const Emulator other;
-  EXPECT_TRUE(httplib::Client(other.url()).Get("/download?mid=m-1001&rtyp=k2")->body == file);
+  EXPECT_TRUE(ResponseOf(PatientClient(other.url()).Get("/download?mid=m-1001&rtyp=k2")).body ==
+              file);
 }
 
 TEST_F(DownloadTest, NamesFileAfterTheModel) {

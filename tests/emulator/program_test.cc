@@ -11,6 +11,7 @@
 
 #include "emulator/emulator.h"
 #include "tests/emulator/child_program.h"
+#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
 #include "tests/support/event.h"
 #include "tests/support/temporary_folder.h"
@@ -23,7 +24,7 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 int GetStatus(const std::string& url, const std::string& target) {
-  const httplib::Result result = httplib::Client(url).Get(target);
+  const httplib::Result result = PatientClient(url).Get(target);
   return result ? result->status : -1;
 }
 
@@ -130,9 +131,9 @@ TEST(ProgramTest, TlsPrintsAddressThenCaFile) {
   const std::string url = program.ReadLine();
   EXPECT_THAT(url, StartsWith("https://127.0.0.1:"));
   const std::string ca_file = program.ReadLine();
-  httplib::Client client(url);
+  httplib::Client client = PatientClient(url);
   client.set_ca_cert_path(ca_file);
-  EXPECT_EQ(client.Get("/user-info")->status, 200);
+  ResponseOf(client.Get("/user-info"));
   EXPECT_EQ(program.EndBy(SIGTERM), 0);
   EXPECT_FALSE(std::filesystem::exists(ca_file));
 }

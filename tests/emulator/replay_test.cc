@@ -17,7 +17,9 @@
 #include "emulator/replay/player.h"
 #include "emulator/replay/recorder.h"
 #include "tests/emulator/child_program.h"
+#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
+#include "tests/support/closed_port.h"
 #include "tests/support/corpora.h"
 #include "tests/support/event.h"
 #include "tests/support/temporary_folder.h"
@@ -110,7 +112,7 @@ class ReplayTest : public testing::Test {
 };
 
 std::string BodyAt(const Emulator& emulator, const std::string& target) {
-  const httplib::Result result = httplib::Client(emulator.url()).Get(target);
+  const httplib::Result result = PatientClient(emulator.url()).Get(target);
   return result ? result->body : "none";
 }
 
@@ -197,8 +199,8 @@ TEST_F(ReplayTest, RecordingIsAnArchiveAfterEachExchange) {
 }
 
 TEST_F(ReplayTest, UnreachableServiceIsBadGatewayAndNotKept) {
-  const std::string closed = Emulator().url();
-  EXPECT_THAT(Record(closed, {GetRequest("/update")})[0], StartsWith("HTTP/1.1 502 "));
+  const stowra_test::ClosedPort closed;
+  EXPECT_THAT(Record(closed.Url(""), {GetRequest("/update")})[0], StartsWith("HTTP/1.1 502 "));
   EXPECT_THROW(ReadRecording(file_), std::runtime_error) << "it is empty";
 }
 
@@ -234,9 +236,8 @@ TEST_F(ReplayTest, RecordedOrderIgnoresTheTargetAndEnds) {
   const Emulator replay(Replaying());
   EXPECT_EQ(BodyAt(replay, "/b"), "one");
   EXPECT_EQ(BodyAt(replay, "/x?fault=bogus"), "two");
-  const httplib::Result end = httplib::Client(replay.url()).Get("/a");
-  EXPECT_EQ(end->status, 410);
-  EXPECT_THAT(end->body, HasSubstr("the recording has ended"));
+  EXPECT_THAT(ResponseOf(PatientClient(replay.url()).Get("/a"), 410).body,
+              HasSubstr("the recording has ended"));
 }
 
 TEST_F(ReplayTest, SpeedDecidesHowLongAResponseTakes) {
@@ -265,11 +266,11 @@ TEST_F(ReplayTest, FaultsPlayOnTopOfARecording) {
 TEST_F(ReplayTest, ProgramRecordsAndReplays) {
   const Emulator service;
   ChildProgram recorder({"--record", file_, "--upstream", service.url(), "--quiet"});
-  const std::string recorded = httplib::Client(recorder.ReadLine()).Get("/update")->body;
+  const std::string recorded = ResponseOf(PatientClient(recorder.ReadLine()).Get("/update")).body;
   EXPECT_EQ(recorder.EndBy(SIGTERM), 0);
   ChildProgram player({"--replay", file_, "--replay-order", "matched", "--replay-speed", "0.5",
                        "--fault", "/update=drip:0", "--quiet"});
-  EXPECT_EQ(httplib::Client(player.ReadLine()).Get("/update")->body, recorded);
+  EXPECT_EQ(ResponseOf(PatientClient(player.ReadLine()).Get("/update")).body, recorded);
 }
 
 TEST_F(ReplayTest, ProgramRefusesOptionsThatDoNotFit) {

@@ -10,6 +10,7 @@
 
 #include "emulator/gzip_bomb.h"
 #include "emulator/limits.h"
+#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
 #include "tests/platform/http/gzip_text.h"
 #include "tests/support/corpora.h"
@@ -85,7 +86,9 @@ std::string PostGzip(const std::string& gzip) {
 class BodySizeTest : public RawTest {
  protected:
   int StatusOf(const Form& form) {
-    return httplib::Client("127.0.0.1", port()).Post("/upload", form)->status;
+    httplib::Client client = PatientClient("http://127.0.0.1:" + std::to_string(port()));
+    const httplib::Result result = client.Post("/upload", form);
+    return result ? result->status : -1;
   }
 };
 

@@ -220,7 +220,7 @@ TEST(UploadDatabaseTest, KeepsEveryPart) {
     const Emulator emulator(options);
     MultipartFormDataItems form = With(FormOf("Kept", std::string("a\0b", 3)), "task", "up%20date");
     form = With(With(form, "priority", "9"), "isZipped", "true");
-    ASSERT_EQ(httplib::Client(emulator.url()).Post("/upload", form)->status, 201);
+    ResponseOf(PatientClient(emulator.url()).Post("/upload", form), 201);
   }
   {
     Database database(options.database_file);
@@ -236,7 +236,7 @@ TEST(UploadDatabaseTest, KeepsEveryPart) {
     EXPECT_FALSE(row.Step());
   }
   const Emulator again(options);
-  const auto file = ResponseOf(httplib::Client(again.url()).Get("/download?mid=m-1101&rtyp=s"));
+  const auto file = ResponseOf(PatientClient(again.url()).Get("/download?mid=m-1101&rtyp=s"));
   EXPECT_EQ(file.body, std::string("a\0b", 3));
 }
 
