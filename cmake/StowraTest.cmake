@@ -18,8 +18,8 @@ if(NOT TARGET stowra_test_headers)
   target_precompile_headers(stowra_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 endif()
 
-# Seconds. An emulated processor is slow.
-set(STOWRA_TEST_TIMEOUT 300)
+# Seconds, for a machine that is slow and busy. An emulated processor is slower.
+set(STOWRA_TEST_TIMEOUT 900)
 if(CMAKE_CROSSCOMPILING)
   set(STOWRA_TEST_TIMEOUT 1500)
 endif()
@@ -41,6 +41,7 @@ endfunction()
 # Adds a test program from all *_test.cc in the current folder, or from SOURCES. Each GoogleTest test becomes a CTest
 # test. By default it links the rooms' objects with their internals. To test what is shipped, name the shared libraries.
 # The tests get the name of the folder as their label, or LABELS. Those that STOWRA_SLOW_TESTS names get "slow", too.
+# Those of STOWRA_LARGE_TESTS run one at a time.
 function(stowra_add_test_program name)
   cmake_parse_arguments(TEST "" "" "LIBRARIES;SOURCES;LABELS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*_test.cc")
@@ -69,12 +70,16 @@ function(stowra_add_test_program name)
 
   # gtest_discover_tests cannot pass on a list of labels. CTest reads this file after the tests.
   list(JOIN STOWRA_SLOW_TESTS "|" slow)
+  list(JOIN STOWRA_LARGE_TESTS "|" large)
   file(CONFIGURE OUTPUT ${name}_labels.cmake @ONLY CONTENT [[
 foreach(test IN LISTS @name@_TESTS)
   set(labels "@TEST_LABELS@")
   if(test MATCHES "^(@slow@)$")
     list(APPEND labels slow)
     set_tests_properties("${test}" PROPERTIES COST 10)  # begins before the others
+  endif()
+  if(test MATCHES "^(@large@)$")
+    set_tests_properties("${test}" PROPERTIES RESOURCE_LOCK memory)
   endif()
   set_tests_properties("${test}" PROPERTIES LABELS "${labels}")
 endforeach()
