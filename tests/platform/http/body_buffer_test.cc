@@ -91,11 +91,15 @@ TEST(BodyBuffer, IsUnchangedWhenMemoryRunsOut) {
   EXPECT_EQ(TextOf(buffer), "hello");
 }
 
-TEST(BodyBuffer, CanBeUsedAgainAfterAMove) {
+TEST(BodyBuffer, MoveTakesTheBytesAndTheRoom) {
   BodyBuffer buffer;
   buffer.Append("hello", 5);
+  buffer.Reserve(100);
+  const unsigned char* const place = buffer.data();
   BodyBuffer moved = std::move(buffer);
-  EXPECT_EQ(TextOf(moved), "hello");
+  moved.Append(" again", 6);
+  EXPECT_EQ(TextOf(moved), "hello again");
+  EXPECT_EQ(moved.data(), place);
 }
 
 }  // namespace

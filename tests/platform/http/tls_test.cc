@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -130,14 +131,17 @@ TEST_F(TlsTest, FailsWhenTheServerLeavesDuringAnUpload) {
 }
 
 TEST_F(TlsTest, SurvivesAResetOfAnIdleConnection) {
+  std::array<Event, 5> received;
   const RawServer server(
-      [](const RawRequest&, RawConnection& connection) {
+      [&received](const RawRequest& request, RawConnection& connection) {
         connection.Write(Response(200, "hello"));
+        EXPECT_TRUE(received.at(static_cast<std::size_t>(request.connection)).Wait());
         connection.Reset();
       },
       tls_);
-  for (int i = 0; i < 5; ++i) {
-    Fetch(server.Url());
+  for (Event& each : received) {
+    EXPECT_EQ(Fetch(server.Url()), Received(200, "hello"));
+    each.Set();
     EXPECT_TRUE(server.WaitUntilUnused());
   }
   EXPECT_EQ(server.connections(), 5);
