@@ -234,7 +234,6 @@ TEST_F(UploadTest, WarnsOfRepeatedBoundary) {
                 "one second");
   }
   EXPECT_THAT(outcome, Ends(0, _, expected));
-  if (expected.empty()) GTEST_SKIP() << "each upload took longer than a second";
 }
 
 TEST_F(UploadTest, UploadsToTheEmulator) {
