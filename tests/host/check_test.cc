@@ -122,6 +122,11 @@ TEST(CheckEntryTest, TakesAnEntryAlone) {
 TEST(CheckUploadConfigTest, NamesWhatIsMissing) {
   const std::string whole = Config({{"http://u/1"}, {"http://u/2", true}});
   EXPECT_EQ(Check("upload-config", whole).status, 0);
+  for (const std::string part : {"<format>qmf</format>", "<name>Stühle</name>"}) {
+    EXPECT_THAT(Check("upload-config", Without(whole, part)),
+                Prints(HasSubstr("  - it has no " + part.substr(1, part.find('>') - 1) +
+                                 "; the empty text kept\n")));
+  }
   ExpectFindings(
       "upload-config",
       {{Without(whole, "<successUrl>http://r/yes</successUrl>"), "it has no successUrl"},
