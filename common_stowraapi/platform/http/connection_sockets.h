@@ -24,8 +24,8 @@ class ConnectionSockets {
   // it closes a socket before it is connected. The system may give its number to another thread.
   void Settle(const void* opener, int used) noexcept;
 
-  // The socket that is connected from `local_port` to `remote_port` of `remote_ip`, or kNone. The
-  // system gives one local port to connections with different peers.
+  // The socket that is connected from `local_port` to `remote_port` of `remote_ip`, a numeric
+  // address, or kNone. The system gives one local port to connections with different peers.
   int Find(int local_port, const char* remote_ip, int remote_port);
 
   // Marks a socket as one whose frames name their request. Unasked bytes cannot be taken for a

@@ -105,7 +105,7 @@ void SetConnection(const HttpRequest& settings, const HopRequest& hop, EasyOptio
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings.inactivity_timeout.count()));
   options.SetUnlessEmpty(CURLOPT_CAINFO, settings.ca_file);
   if (settings.proxy.empty()) return;
-  options.SetUnlessEmpty(CURLOPT_PROXY, settings.proxy);
+  options.Set(CURLOPT_PROXY, settings.proxy.c_str());
   // The environment's exceptions belong to the environment's proxies.
   options.Set(CURLOPT_NOPROXY, "");
 }
