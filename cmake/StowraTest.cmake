@@ -66,7 +66,9 @@ function(stowra_add_test_program name)
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} stowra_test_support GTest::gmock
                                         GTest::gtest_main)
   stowra_build_for_labels(${name} ${TEST_LABELS})
-  gtest_discover_tests(${name} PROPERTIES TIMEOUT ${STOWRA_TEST_TIMEOUT} DISCOVERY_TIMEOUT 60)
+  # Values would bring bytes of memory into the names.
+  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${STOWRA_TEST_TIMEOUT})
 
   # gtest_discover_tests cannot pass on a list of labels. CTest reads this file after the tests.
   list(JOIN STOWRA_SLOW_TESTS "|" slow)
