@@ -38,30 +38,6 @@ TEST_F(ConnectionReuseTest, UploadsAndDownloadsShareAConnection) {
   EXPECT_EQ(hello_.connections(), 1);
 }
 
-TEST_F(ConnectionReuseTest, ConsecutiveThreadsShareAConnection) {
-  for (int i = 0; i < 3; ++i) std::thread([this] { Download(hello_); }).join();
-  EXPECT_EQ(hello_.connections(), 1);
-}
-
-TEST_F(ConnectionReuseTest, ConcurrentThreadsUseSeparateConnections) {
-  std::atomic<int> inside{0};
-  Event both_inside;
-  const RawServer server([&](const RawRequest&, RawConnection& connection) {
-    if (++inside == 2) both_inside.Set();
-    EXPECT_TRUE(both_inside.Wait());
-    connection.Write(Response(200, "hello"));
-  });
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 2; ++i) {
-    threads.emplace_back([&server] {
-      for (int k = 0; k < 5; ++k) Download(server);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(server.requests().size(), 10U);
-  EXPECT_EQ(server.connections(), 2);
-}
-
 TEST_F(ConnectionReuseTest, KeepsTheConnectionsOfEightThreads) {
   constexpr int kKept = 8;
   constexpr int kThreads = 10;
@@ -81,13 +57,6 @@ TEST_F(ConnectionReuseTest, KeepsTheConnectionsOfEightThreads) {
     EXPECT_EQ(server.connections(), connections);
     EXPECT_TRUE(server.WaitUntilOpen(kKept));
   }
-}
-
-TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerClosed) {
-  const RawServer server(AlwaysThenClose(Response(200, "hello")));
-  for (int i = 0; i < 3; ++i) Download(server);
-  for (int i = 0; i < 3; ++i) Download(server, Way::kDownloadWithDelegate);
-  EXPECT_EQ(server.connections(), 6);
 }
 
 TEST_F(ConnectionReuseTest, ReplacesAConnectionThatTheServerReset) {

@@ -35,6 +35,7 @@ class DefaultsTest : public TransportTest {
   }
 
   const RawServer server_{Always(Response(200, "direct"))};
+  const RawServer proxy_{Always(Response(200, "through the proxy"))};
   InternetData transport_{Text(server_.Url())};
 };
 
@@ -101,22 +102,16 @@ TEST_F(DefaultsTest, AreCopied) {
   EXPECT_EQ(Get(transport_).Header("User-Agent"), "Modeller/1.0");
 }
 
-TEST_F(DefaultsTest, SendsRequestsToTheProxy) {
-  const RawServer proxy(Always(Response(200, "through the proxy")));
-  InternetData::SetDefaults(WithProxy(proxy));
-  EXPECT_TRUE(transport_.Download());
-  EXPECT_EQ(BodyOf(transport_), "through the proxy");
-  EXPECT_EQ(LastRequest(proxy).target, server_.Url());
+TEST_F(DefaultsTest, SendsAllRequestsToTheProxy) {
+  InternetData::SetDefaults(WithProxy(proxy_));
+  for (const char* exceptions : {"", "*"}) {
+    ASSERT_EQ(setenv("no_proxy", exceptions, 1), 0);
+    EXPECT_TRUE(transport_.Download());
+    ASSERT_EQ(unsetenv("no_proxy"), 0);
+    EXPECT_EQ(BodyOf(transport_), "through the proxy") << exceptions;
+    EXPECT_EQ(LastRequest(proxy_).target, server_.Url());
+  }
   EXPECT_EQ(server_.connections(), 0);
-}
-
-TEST_F(DefaultsTest, ProxyHasNoExceptionsFromTheEnvironment) {
-  const RawServer proxy(Always(Response(200, "through the proxy")));
-  InternetData::SetDefaults(WithProxy(proxy));
-  ASSERT_EQ(setenv("no_proxy", "*", 1), 0);
-  EXPECT_TRUE(transport_.Download());
-  ASSERT_EQ(unsetenv("no_proxy"), 0);
-  EXPECT_EQ(BodyOf(transport_), "through the proxy");
 }
 
 TEST_F(DefaultsTest, ProxyOpensATunnelForHttpsAndSeesNoHeaders) {
@@ -132,8 +127,7 @@ TEST_F(DefaultsTest, ProxyOpensATunnelForHttpsAndSeesNoHeaders) {
 }
 
 TEST_F(DefaultsTest, UsesTheProxyOfTheEnvironmentByDefault) {
-  const RawServer proxy(Always(Response(200, "through the proxy")));
-  ASSERT_EQ(setenv("http_proxy", proxy.Url("").c_str(), 1), 0);
+  ASSERT_EQ(setenv("http_proxy", proxy_.Url("").c_str(), 1), 0);
   EXPECT_TRUE(transport_.Download());
   ASSERT_EQ(unsetenv("http_proxy"), 0);
   EXPECT_EQ(BodyOf(transport_), "through the proxy");

@@ -35,23 +35,16 @@ struct Early {
   const char* body;
 };
 
+class EarlyResponseTest : public EarlyEndTest, public testing::WithParamInterface<Early> {};
+
 // The server answers after the headers of a large upload and does not read the body.
-class EarlyResponseTest : public EarlyEndTest, public testing::WithParamInterface<Early> {
- protected:
-  const RawServer server_{AnswerUnread(GetParam().response), kUnread};
-};
-
-TEST_P(EarlyResponseTest, IsReceivedInTheBackground) {
-  EXPECT_EQ(Upload(Way::kUploadWithDelegate, server_.Url()),
-            Received(GetParam().status, GetParam().body));
-}
-
 TEST_P(EarlyResponseTest, IsReceivedAndItsConnectionNotReused) {
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(Upload(Way::kSendAndRead, server_.Url()),
-              Received(GetParam().status, GetParam().body));
+  const RawServer server(AnswerUnread(GetParam().response), kUnread);
+  for (const Way way : {Way::kSendAndRead, Way::kSendAndRead, Way::kUploadWithDelegate}) {
+    EXPECT_EQ(Upload(way, server.Url()), Received(GetParam().status, GetParam().body))
+        << NameOf(way);
   }
-  EXPECT_EQ(server_.connections(), 2);
+  EXPECT_EQ(server.connections(), 3);
 }
 
 INSTANTIATE_TEST_SUITE_P(
