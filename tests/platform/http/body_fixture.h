@@ -42,6 +42,7 @@ class TestSource final : public BodySource {
     if (fails) return false;
     count = bytes.copy(reinterpret_cast<char*>(data), std::min(size, piece), read_);
     read_ += count;
+    if (claims_too_much) count = size + 1;
     return true;
   }
 
@@ -51,6 +52,7 @@ class TestSource final : public BodySource {
   std::function<void()> on_rewind;
   std::function<void()> on_read;
   bool fails = false;
+  bool claims_too_much = false;  // than there is room for
   int rewinds = 0;
   int most_rewinds = 100;
 

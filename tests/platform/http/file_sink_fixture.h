@@ -130,6 +130,14 @@ class FileSinkFixture : public BodyFixture {
     return FetchFrom(server_->Url(), start, existing);
   }
 
+  // A sink whose download has broken off.
+  std::shared_ptr<FileSink> BrokenOff(const Thing& cut) {
+    const RawServer server(Serve(cut));
+    auto sink = std::make_shared<FileSink>(Path(), kContinue);
+    EXPECT_EQ(Download(server.Url(), sink), Failed(200, TransferError::kCutOff));
+    return sink;
+  }
+
   // Leaves a part of `bytes` bytes.
   void LeavePart(Thing thing, std::size_t bytes) {
     thing.cut = bytes;
