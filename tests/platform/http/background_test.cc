@@ -9,10 +9,8 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
-#include "common_stowraapi/platform/http/background_transfer.h"
 #include "common_stowraapi/platform/http/background_worker.h"
 #include "common_stowraapi/platform/memory_sink.h"
 #include "tests/faults/ask.h"
@@ -22,12 +20,7 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::DeliveryGate;
-using ovrant::internet::Announcement;
-using ovrant::internet::BackgroundTransfer;
 using ovrant::internet::BackgroundWorker;
-using ovrant::internet::HttpReply;
-using ovrant::internet::HttpRequest;
 using ovrant::internet::MemorySink;
 
 class BackgroundTest : public TransportTest {
@@ -58,51 +51,34 @@ TEST_F(BackgroundTest, ReturnsAtOnceAndPostsOneName) {
   EXPECT_EQ(background.CountPosts(), 1U);
 }
 
-TEST_F(BackgroundTest, PayloadIsTheContextPointer) {
-  int context = 0;
-  for (const std::string& url : {hello_.Url(), std::string("none:")}) {
-    Background background(url);
-    background.delegate = MakeDelegate(&context);
-    ASSERT_TRUE(background.Start());
-    EXPECT_EQ(background.WaitForEnd(), url == "none:" ? kFailed : kReturned);
-    EXPECT_EQ(background.recorder.entries().at(0).payload, &context);
+TEST_F(BackgroundTest, PayloadIsTheContextAndNotTheUserData) {
+  int object = 0;
+  int user_data = 0;
+  for (int* const context : {&object, static_cast<int*>(nullptr)}) {
+    for (const std::string& url : {hello_.Url(), std::string("none:")}) {
+      Background background(url);
+      background.delegate = MakeDelegate(context);
+      ASSERT_TRUE(
+          background.transport->DownloadWithDelegate(background.delegate.get(), &user_data));
+      EXPECT_EQ(background.WaitForEnd(), url == "none:" ? kFailed : kReturned);
+      EXPECT_EQ(background.recorder.entries().at(0).payload, context);
+    }
   }
 }
 
-TEST_F(BackgroundTest, UserDataIsNotUsed) {
-  int user_data = 0;
+TEST_F(BackgroundTest, StartsNothingWithoutDelegateSourceOrSink) {
   Background background(hello_.Url());
-  ASSERT_TRUE(background.transport->DownloadWithDelegate(background.delegate.get(), &user_data));
-  EXPECT_EQ(background.WaitForEnd(), kReturned);
-  EXPECT_EQ(background.recorder.entries().at(0).payload, nullptr);
-}
-
-TEST_F(BackgroundTest, StartsNothingWithoutADelegate) {
-  InternetData transport(Text(hello_.Url()));
+  InternetData& transport = *background.transport;
+  InternetDataDelegate* const delegate = background.delegate.get();
+  const auto sink = std::make_shared<MemorySink>();
   EXPECT_FALSE(transport.DownloadWithDelegate(nullptr, nullptr));
   EXPECT_FALSE(transport.UploadWithDelegate(nullptr, nullptr));
-  LetWorkerCatchUp();
+  EXPECT_FALSE(transport.DownloadToWithDelegate(sink, nullptr, nullptr));
+  EXPECT_FALSE(transport.DownloadToWithDelegate(nullptr, delegate, nullptr));
+  EXPECT_FALSE(transport.UploadFromWithDelegate(nullptr, delegate, nullptr));
+  EXPECT_EQ(sink.use_count(), 1);
+  EXPECT_EQ(background.CountPosts(), 0U);
   EXPECT_EQ(hello_.connections(), 0);
-}
-
-TEST_F(BackgroundTest, PostsTheNamesOfTheDelegate) {
-  static constexpr char kOwnReturned[] = "BackgroundTestOwnReturned";
-  static constexpr char kOwnFailed[] = "BackgroundTestOwnFailed";
-  NotificationRecorder recorder({kOwnReturned, kOwnFailed});
-  const auto delegate = MakeDelegate(nullptr, kOwnReturned, kOwnFailed);
-  InternetData good(Text(hello_.Url()));
-  InternetData bad(Text("none:"));
-  ASSERT_TRUE(good.DownloadWithDelegate(delegate.get(), nullptr));
-  ASSERT_TRUE(recorder.WaitFor(1));
-  ASSERT_TRUE(bad.DownloadWithDelegate(delegate.get(), nullptr));
-  ASSERT_TRUE(recorder.WaitFor(2));
-  EXPECT_EQ(recorder.names(), (std::vector<std::string>{kOwnReturned, kOwnFailed}));
-}
-
-TEST_F(BackgroundTest, OneDelegateServesSeveralTransfers) {
-  Background background(hello_.Url());
-  StartMany(5, hello_.Url(), background);
-  EXPECT_TRUE(background.recorder.WaitFor(5));
 }
 
 TEST_F(BackgroundTest, TransfersRunAtTheSameTime) {
@@ -233,19 +209,6 @@ TEST_F(WaitingTest, BeginsWhenAnotherTransferEnds) {
   EXPECT_EQ(hello_.connections(), 0);
   transports_.pop_back();
   EXPECT_EQ(next.WaitForEnd(), kReturned);
-}
-
-TEST_F(WaitingTest, FreesTransfersThatNeverGetTheirTurn) {
-  const auto held = std::make_shared<int>();
-  auto transfer = std::make_shared<BackgroundTransfer>(
-      HttpRequest(), nullptr,
-      Announcement{nullptr, "returned", "failed", std::make_shared<DeliveryGate>()},
-      [held](const HttpReply&) {});
-  BackgroundTransfer& waiting = *transfer;
-  ASSERT_TRUE(BackgroundWorker::Submit(std::move(transfer)));
-  EXPECT_GT(held.use_count(), 1);
-  BackgroundWorker::Withdraw(waiting.Abandon());
-  EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST_F(WaitingTest, DeletedTransportFreesItsTransferAtOnce) {

@@ -105,17 +105,6 @@ TEST_P(BodyDeletionTest, InsideEndPostsNothing) {
   ExpectDropped(background, sink);
 }
 
-TEST_P(BodyDeletionTest, BeforeTheReplyCallsNothing) {
-  const RawServer server(Silence());
-  Background background(server.Url());
-  const auto sink = std::make_shared<TestSink>();
-  ASSERT_TRUE(Start(background, sink));
-  ASSERT_TRUE(server.WaitForRequests(1));
-  DeleteBoth(background);
-  ExpectDropped(background, sink);
-  EXPECT_EQ(sink->begins, 0);
-}
-
 // The last owner may be the library.
 TEST_P(BodyDeletionTest, LeavesTheSinkToTheLibrary) {
   Background background(endless_.Url());
@@ -130,29 +119,6 @@ TEST_P(BodyDeletionTest, LeavesTheSinkToTheLibrary) {
   DeleteBoth(background);
   LetWorkerCatchUp();
   EXPECT_TRUE(watch.expired());
-}
-
-TEST(BodyStartTest, NullIsRefused) {
-  Background background("none:");
-  InternetData& transport = *background.transport;
-  InternetDataDelegate* const delegate = background.delegate.get();
-  const auto sink = std::make_shared<TestSink>();
-  EXPECT_FALSE(transport.DownloadToWithDelegate(nullptr, delegate, nullptr));
-  EXPECT_FALSE(transport.UploadFromWithDelegate(nullptr, delegate, nullptr));
-  EXPECT_FALSE(transport.DownloadToWithDelegate(sink, nullptr, nullptr));
-  EXPECT_EQ(sink.use_count(), 1);
-  EXPECT_TRUE(background.recorder.entries().empty());
-}
-
-TEST(BodyStartTest, ASecondTransferDropsTheFirst) {
-  const RawServer silent(Silence());
-  const Background background(silent.Url());
-  const auto first = std::make_shared<TestSink>();
-  ASSERT_TRUE(Start(background, first));
-  ASSERT_TRUE(silent.WaitForRequests(1));
-  ASSERT_TRUE(Start(background, std::make_shared<TestSink>()));
-  LetWorkerCatchUp();
-  EXPECT_EQ(first.use_count(), 1);
 }
 
 }  // namespace

@@ -171,10 +171,12 @@ constexpr char kOther[] = "DeletionInDeliveryTestOther";
 // How long to wait for a destructor that returns too early.
 constexpr std::chrono::milliseconds kTooEarly(100);
 
-class DeletionInDeliveryTest : public DeletionFixture {
- protected:
-  // Deletes both objects inside the notification, which must be `name` and the only one.
-  static void ExpectDeletionInside(const std::string& url, const char* name) {
+class DeletionInDeliveryTest : public DeletionFixture {};
+
+IN_BOTH_ORDERS(DeletionInDeliveryTest);
+
+TEST_P(DeletionInDeliveryTest, InsideTheNotification) {
+  for (const std::string& url : {hello_.Url(), std::string("none:")}) {
     Event deleted;
     Background background(url, [&] {
       DeleteBoth(background);
@@ -183,18 +185,9 @@ class DeletionInDeliveryTest : public DeletionFixture {
     ASSERT_TRUE(background.Start());
     EXPECT_TRUE(deleted.Wait());
     LetWorkerCatchUp();
-    EXPECT_EQ(background.recorder.names(), std::vector<std::string>{name});
+    EXPECT_EQ(background.recorder.names(),
+              std::vector<std::string>{url == "none:" ? kFailed : kReturned});
   }
-};
-
-IN_BOTH_ORDERS(DeletionInDeliveryTest);
-
-TEST_P(DeletionInDeliveryTest, InsideTheNotification) {
-  ExpectDeletionInside(hello_.Url(), kReturned);
-}
-
-TEST_P(DeletionInDeliveryTest, InsideTheNotificationOfAFailure) {
-  ExpectDeletionInside("none:", kFailed);
 }
 
 TEST_P(DeletionInDeliveryTest, DuringThePostWaitsForItsEnd) {

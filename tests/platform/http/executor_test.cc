@@ -139,17 +139,6 @@ TEST_F(ExecutorTest, CompletionOfAReplacedTransferPostsNothing) {
   EXPECT_EQ(BodyOf(*background_.transport), "hello");
 }
 
-TEST_F(ExecutorTest, CompletionMayBeDestroyedWhileItRuns) {
-  std::function<void()> completion = StartAndTake();
-  on_post_ = [&] {
-    completion = nullptr;
-    EXPECT_EQ(BodyOf(*background_.transport), "hello");
-  };
-  completion();
-  EXPECT_FALSE(completion);
-  EXPECT_EQ(background_.recorder.names(), std::vector<std::string>{kReturned});
-}
-
 TEST_F(ExecutorTest, EverythingMayBeDestroyedWhileACompletionRuns) {
   std::function<void()> completion = StartAndTake();
   on_post_ = [&] {
