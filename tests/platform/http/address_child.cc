@@ -12,8 +12,7 @@
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
-#include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/platform/observer.h"
+#include "tests/support/notification_recorder.h"
 
 namespace stowra_test {
 namespace {
@@ -26,26 +25,11 @@ using ovrant::internet::TransferEvent;
 
 constexpr char kEnded[] = "AddressChildEnded";
 
-class EndObserver final : public ovrant::IObserver {
- public:
-  EndObserver() { CNotificationCenter::Default()->AddObserver(kEnded, this); }
-  ~EndObserver() override { CNotificationCenter::Default()->RemoveObserver(this); }
-
-  EndObserver(const EndObserver&) = delete;
-  EndObserver& operator=(const EndObserver&) = delete;
-
-  using ovrant::IObserver::OnNotification;
-  void OnNotification(const char* /*name*/, void* /*payload*/) override { ended_.set_value(); }
-  void Wait() { ended_.get_future().wait(); }
-
- private:
-  std::promise<void> ended_;
-};
-
 void DownloadInBackground(InternetData& transport) {
-  EndObserver observer;
+  std::promise<void> ended;
+  const NotificationRecorder recorder({kEnded}, [&ended] { ended.set_value(); });
   InternetDataDelegate delegate(nullptr, 1, kEnded, 2, kEnded);
-  if (transport.DownloadWithDelegate(&delegate, nullptr)) observer.Wait();
+  if (transport.DownloadWithDelegate(&delegate, nullptr)) ended.get_future().wait();
 }
 
 void Run(const std::string& mode, const char* url) {

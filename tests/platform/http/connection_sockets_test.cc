@@ -9,6 +9,7 @@
 
 #include <string>
 
+#include "tests/support/child_process.h"
 #include "tests/support/event.h"
 
 namespace stowra_test {
@@ -21,8 +22,8 @@ using ovrant::internet::IsAtEnd;
 // Both ends of a connection over the loopback interface.
 class Connection {
  public:
-  explicit Connection(int family = AF_INET) {
-    const int listener = socket(family, SOCK_STREAM, 0);
+  explicit Connection(int family = AF_INET) : client_(socket(family, SOCK_STREAM, 0)) {
+    const OwnedDescriptor listener(socket(family, SOCK_STREAM, 0));
     sockaddr_storage address = {};
     address.ss_family = static_cast<sa_family_t>(family);
     if (family == AF_INET) {
@@ -32,35 +33,23 @@ class Connection {
     }
     socklen_t size = family == AF_INET ? sizeof(sockaddr_in) : sizeof(sockaddr_in6);
     auto* const any = reinterpret_cast<sockaddr*>(&address);
-    client_ = socket(family, SOCK_STREAM, 0);
-    if (bind(listener, any, size) == 0 && listen(listener, 1) == 0 &&
-        getsockname(listener, any, &size) == 0 && connect(client_, any, size) == 0) {
-      server_ = accept(listener, nullptr, nullptr);
+    if (bind(listener.number(), any, size) == 0 && listen(listener.number(), 1) == 0 &&
+        getsockname(listener.number(), any, &size) == 0 && connect(client(), any, size) == 0) {
+      server_ = OwnedDescriptor(accept(listener.number(), nullptr, nullptr));
     }
-    close(listener);
-  }
-  ~Connection() {
-    close(client_);
-    CloseServer();
   }
 
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
-
-  bool is_open() const { return server_ >= 0; }
-  int client() const { return client_; }
-  int server() const { return server_; }
+  bool is_open() const { return server() >= 0; }
+  int client() const { return client_.number(); }
+  int server() const { return server_.number(); }
   int local_port() const { return Port(getsockname); }
   int remote_port() const { return Port(getpeername); }
 
-  void CloseServer() {
-    if (server_ >= 0) close(server_);
-    server_ = -1;
-  }
+  void CloseServer() { server_.Close(); }
 
   // Waits until bytes or the end have come to the client.
   bool WaitAtClient() const {
-    pollfd readable = {client_, POLLIN, 0};
+    pollfd readable = {client(), POLLIN, 0};
     const auto limit = std::chrono::milliseconds(kPatience).count();
     return poll(&readable, 1, static_cast<int>(limit)) == 1;
   }
@@ -69,13 +58,13 @@ class Connection {
   int Port(int (*name_of)(int, sockaddr*, socklen_t*)) const {
     sockaddr_storage address = {};
     socklen_t size = sizeof(address);
-    name_of(client_, reinterpret_cast<sockaddr*>(&address), &size);
+    name_of(client(), reinterpret_cast<sockaddr*>(&address), &size);
     // The port lies at the same place in both families.
     return ntohs(reinterpret_cast<const sockaddr_in&>(address).sin_port);
   }
 
-  int client_ = -1;
-  int server_ = -1;
+  OwnedDescriptor client_;
+  OwnedDescriptor server_;
 };
 
 class ConnectionSocketsTest : public testing::Test {

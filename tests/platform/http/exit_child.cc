@@ -26,8 +26,8 @@
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
 #include "common_stowraapi/platform/notification_center.h"
-#include "common_stowraapi/platform/observer.h"
 #include "tests/platform/http/exit_child.h"
+#include "tests/support/notification_recorder.h"
 
 // ThreadSanitizer would wait a second at process exit.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
@@ -45,12 +45,14 @@ void Say(const char* text) {
   std::fflush(stdout);
 }
 
-void Leave() { Say(kExitChildLeaving); }
+int Leave() {
+  Say(kExitChildLeaving);
+  return kExitChildCode;
+}
 
 int WaitAndLeave() {
   WaitForWord();
-  Leave();
-  return kExitChildCode;
+  return Leave();
 }
 
 namespace {
@@ -85,22 +87,10 @@ void StartHeld() {
   held->Start();
 }
 
-class Observer final : public ovrant::IObserver {
- public:
-  explicit Observer(std::function<void()> function) : function_(std::move(function)) {
-    CNotificationCenter::Default()->AddObserver(kEnded, this);
-  }
-  using ovrant::IObserver::OnNotification;
-  void OnNotification(const char* /*name*/, void* /*payload*/) override { function_(); }
-
- private:
-  const std::function<void()> function_;
-};
-
 // Runs a function at the end of each transfer, from now on.
 void Observe(const std::function<void()>& function) {
-  static const auto* const observer = new Observer(function);
-  static_cast<void>(observer);
+  static const auto* const recorder = new NotificationRecorder({kEnded}, function);
+  static_cast<void>(recorder);
 }
 
 // Never returns.
@@ -163,10 +153,7 @@ int ExitFromAnotherThread() {
 
 // The server answers after the word.
 int ExitInsideANotification() {
-  Observe([] {
-    Leave();
-    std::exit(kExitChildCode);
-  });
+  Observe([] { std::exit(Leave()); });
   StartHeld();
   WaitForWord();
   Sleep();
@@ -175,30 +162,26 @@ int ExitInsideANotification() {
 int ExitInsideTheListener() {
   StartHeld();
   WaitForWord();
-  InternetData::SetTransferListener([](const TransferEvent&) {
-    Leave();
-    std::exit(kExitChildCode);
-  });
+  InternetData::SetTransferListener([](const TransferEvent&) { std::exit(Leave()); });
   InternetData another(url.c_str());
   another.DownloadWithDelegate(&held->delegate, nullptr);
   Sleep();
 }
 
+[[noreturn]] void Hang() {
+  Say(kExitChildReady);
+  Sleep();
+}
+
 // The server answers at once. The observer of the first transfer never returns.
 int ReturnWhileAnObserverHangs() {
-  Observe([] {
-    Say(kExitChildReady);
-    Sleep();
-  });
+  Observe(Hang);
   return Return();
 }
 
 // The listener of the first transfer never returns.
 int ReturnWhileTheListenerHangs() {
-  InternetData::SetTransferListener([](const TransferEvent&) {
-    Say(kExitChildReady);
-    Sleep();
-  });
+  InternetData::SetTransferListener([](const TransferEvent&) { Hang(); });
   return Return();
 }
 
@@ -268,27 +251,26 @@ int RunAgain(const char* self, const char* mode) {
   return StatusOf(child);
 }
 
-int OpenConnections() {
+int CountDescriptors(bool (*counts)(int descriptor)) {
   int count = 0;
-  for (int descriptor = 0; descriptor < 1024; ++descriptor) {
-    sockaddr_in address = {};
-    socklen_t length = sizeof(address);
-    if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
-        address.sin_family == AF_INET) {
-      ++count;
-    }
-  }
+  for (int descriptor = 0; descriptor < 1024; ++descriptor) count += counts(descriptor);
   return count;
+}
+
+bool IsConnection(int descriptor) {
+  sockaddr_in address = {};
+  socklen_t length = sizeof(address);
+  return getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
+         address.sin_family == AF_INET;
 }
 
 // A program that is started during the transfers inherits none of their connections.
 int ForkAndExec(const char* self) {
   StartHeld();
   WaitForWord();
-  if (OpenConnections() != kExitChildTransfers) return 1;
+  if (CountDescriptors(IsConnection) != kExitChildTransfers) return 1;
   if (RunAgain(self, "count-connections") != 0) return 2;
-  Leave();
-  return kExitChildCode;
+  return Leave();
 }
 
 // Registered before the library's own exit functions, so it runs after them.
@@ -320,8 +302,7 @@ int ForkAndExit() {
   while (!ForkedChildExitsAtOnce()) {
     if (--tries == 0) return 2;
   }
-  Leave();
-  return kExitChildCode;
+  return Leave();
 }
 
 // Each libcurl multi handle has a pair of local sockets that other programs may inherit. They are
@@ -332,12 +313,6 @@ bool IsOpen(int descriptor) {
   socklen_t length = sizeof(address);
   return getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
          address.ss_family != AF_UNIX;
-}
-
-int OpenDescriptors() {
-  int count = 0;
-  for (int descriptor = 0; descriptor < 1024; ++descriptor) count += IsOpen(descriptor);
-  return count;
 }
 
 // A program that is started during the transfers has as many descriptors as this one had at first.
@@ -356,8 +331,7 @@ int ForkAndExecThenEnd(const char* self, int descriptors_at_first) {
   for (const auto& transport : held->transports) {
     if (transport->status_code() != 200) return 4;
   }
-  Leave();
-  return kExitChildCode;
+  return Leave();
 }
 
 int Run(const std::string& mode, const char* self, int descriptors_at_first) {
@@ -388,10 +362,10 @@ int Run(const std::string& mode, const char* self, int descriptors_at_first) {
 
 int main(int count, char** arguments) {
   if (count < 2 || std::atexit(stowra_test::EndForkedChild) != 0) return 2;
-  const int descriptors = stowra_test::OpenDescriptors();
+  const int descriptors = stowra_test::CountDescriptors(stowra_test::IsOpen);
   const std::string mode = arguments[1];
   if (mode == "count-descriptors") return descriptors;
-  if (mode == "count-connections") return stowra_test::OpenConnections();
+  if (mode == "count-connections") return stowra_test::CountDescriptors(stowra_test::IsConnection);
   if (count < 3) return 2;
   stowra_test::url = arguments[2];
   if (count > 3) {

@@ -23,8 +23,8 @@ inline constexpr char kUnloadChildUnloaded[] = "unloaded";
 // Shared by the parts of exit_child.
 void WaitForWord();
 void Say(const char* text);
-void Leave();
-int WaitAndLeave();  // waits for the word, says that it leaves, and returns kExitChildCode
+int Leave();         // says that it leaves, and returns kExitChildCode
+int WaitAndLeave();  // waits for the word before
 
 // Exits while a request of each kind runs. Returns 2 when there is no such mode.
 int RunWithRequests(const std::string& mode, const std::string& url);
