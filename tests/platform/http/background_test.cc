@@ -109,6 +109,7 @@ TEST_F(BackgroundTest, SecondTransferReplacesTheFirst) {
   ASSERT_TRUE(background.Start());
   EXPECT_EQ(background.WaitForEnd(), kReturned);
   EXPECT_EQ(BodyOf(*background.transport), "second");
+  EXPECT_TRUE(server.WaitUntilOpen(1));
   LetWorkerCatchUp();
   EXPECT_TRUE(first_recorder.entries().empty());
 }
