@@ -124,9 +124,10 @@ TEST(GzipDecoderTest, RefusesCorruptData) {
 }
 
 TEST(GzipDecoderTest, RefusesOtherFormats) {
-  for (const std::string& data :
-       {std::string("plain text"), Deflate("hello"), std::string(20, '\0'), Gzip("a") + "garbage",
-        Gzip("a") + std::string(10, '\0')}) {
+  // A zlib stream (RFC 1950), which HTTP calls deflate. It holds "hello".
+  const std::string deflate("\x78\x9C\xCBH\xCD\xC9\xC9\x07\0\x06,\x02\x15", 13);
+  for (const std::string& data : {std::string("plain text"), deflate, std::string(20, '\0'),
+                                  Gzip("a") + "garbage", Gzip("a") + std::string(10, '\0')}) {
     EXPECT_EQ(Decoding().Decode(data), Result::kCorrupt) << data;
   }
 }

@@ -6,13 +6,11 @@
 #include <stdexcept>
 
 namespace stowra_test {
-namespace {
 
-constexpr int kGzipWindow = MAX_WBITS + 16;
-
-std::string Compress(std::string_view text, int window) {
+std::string Gzip(std::string_view text) {
+  constexpr int kGzipWindow = MAX_WBITS + 16;
   z_stream stream = {};
-  if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, window, MAX_MEM_LEVEL,
+  if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, kGzipWindow, MAX_MEM_LEVEL,
                    Z_DEFAULT_STRATEGY) != Z_OK) {
     throw std::runtime_error("no memory for zlib");
   }
@@ -27,11 +25,5 @@ std::string Compress(std::string_view text, int window) {
   if (status != Z_STREAM_END) throw std::runtime_error("zlib did not finish");
   return out;
 }
-
-}  // namespace
-
-std::string Gzip(std::string_view text) { return Compress(text, kGzipWindow); }
-
-std::string Deflate(std::string_view text) { return Compress(text, MAX_WBITS); }
 
 }  // namespace stowra_test

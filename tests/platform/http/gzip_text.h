@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Encoders for content encodings.
+// An encoder for the content encoding gzip.
 
 #ifndef TESTS_PLATFORM_HTTP_GZIP_TEXT_H_
 #define TESTS_PLATFORM_HTTP_GZIP_TEXT_H_
@@ -11,9 +11,6 @@ namespace stowra_test {
 
 // One gzip member (RFC 1952) that holds `text`.
 std::string Gzip(std::string_view text);
-
-// A zlib stream (RFC 1950), which HTTP calls deflate.
-std::string Deflate(std::string_view text);
 
 }  // namespace stowra_test
 
