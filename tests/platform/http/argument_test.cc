@@ -18,15 +18,6 @@ class ArgumentTest : public TransportTest {
   const RawServer server_{Always(Response(200, "hello"))};
 };
 
-TEST_F(ArgumentTest, NullSendDataOfSomeLengthIsEmpty) {
-  InternetData transport(Text(server_.Url()));
-  SetSendData("data", transport);
-  transport.set_send_data(nullptr, 5);
-  EXPECT_TRUE(Post(server_.Url(), transport));
-  EXPECT_EQ(LastRequest(server_).body, "");
-  EXPECT_EQ(LastRequest(server_).Header("Content-Length"), "0");
-}
-
 TEST_F(ArgumentTest, TooMuchSendDataIsRefusedAndChangesNothing) {
   InternetData transport(Text(server_.Url()));
   SetSendData("data", transport);

@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <memory>

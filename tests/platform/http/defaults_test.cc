@@ -135,13 +135,16 @@ TEST_F(DefaultsTest, UsesTheProxyOfTheEnvironmentByDefault) {
   EXPECT_EQ(BodyOf(transport_), "direct");
 }
 
-TEST_F(DefaultsTest, MayBeSetWhileTransfersRun) {
+TEST_F(DefaultsTest, MayBeSetWhileTransfersRunOnSeveralThreads) {
+  const RawServer server([](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, request.target));
+  });
   std::vector<std::thread> threads;
-  for (int i = 0; i < 2; ++i) {
-    threads.emplace_back([this] {
+  for (int i = 0; i < 6; ++i) {
+    threads.emplace_back([&server, i] {
       for (int k = 0; k < 20; ++k) {
-        InternetData transport(Text(server_.Url()));
-        EXPECT_TRUE(transport.Download());
+        const std::string target = "/" + std::to_string(i) + "/" + std::to_string(k);
+        EXPECT_EQ(Ask(Way::kDownload, server.Url(target), ""), Received(200, target));
       }
     });
   }

@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "tests/platform/http/file_sink_fixture.h"
