@@ -93,7 +93,6 @@ void Observe(const std::function<void()>& function) {
   static_cast<void>(recorder);
 }
 
-// Never returns.
 [[noreturn]] void Sleep() {
   while (true) pause();
 }

@@ -59,41 +59,29 @@ int ReturnWithOldStatic(const std::string& url) {
   return WaitAndLeave();
 }
 
-int Exit(const std::string& url) {
-  const Requests requests(url);
-  std::exit(WaitAndLeave());
-}
-
-int ExitAtOnce(const std::string& url) {
-  const Requests requests(url);
-  _exit(WaitAndLeave());
-}
-
-#if !defined(__APPLE__)
-
-int QuickExit(const std::string& url) {
-  const Requests requests(url);
-  std::quick_exit(WaitAndLeave());
-}
-
-#endif
-
 }  // namespace
 
 int RunWithRequests(const std::string& mode, const std::string& url) {
   const std::map<std::string, int (*)(const std::string&)> modes = {
-    {"return-with-requests", Return},
-    {"return-and-destroy-requests", ReturnAndDestroy},
-    {"return-with-young-static-requests", ReturnWithYoungStatic},
-    {"return-with-old-static-requests", ReturnWithOldStatic},
-    {"exit-with-requests", Exit},
-    {"exit-at-once-with-requests", ExitAtOnce},
+      {"return-with-requests", Return},
+      {"return-and-destroy-requests", ReturnAndDestroy},
+      {"return-with-young-static-requests", ReturnWithYoungStatic},
+      {"return-with-old-static-requests", ReturnWithOldStatic},
+  };
+  const std::map<std::string, void (*)(int)> exits = {
+    {"exit-with-requests", std::exit},
+    {"exit-at-once-with-requests", _exit},
 #if !defined(__APPLE__)
-    {"quick-exit-with-requests", QuickExit},
+    {"quick-exit-with-requests", std::quick_exit},
 #endif
   };
   const auto found = modes.find(mode);
-  return found == modes.end() ? 2 : found->second(url);
+  if (found != modes.end()) return found->second(url);
+  const auto end = exits.find(mode);
+  if (end == exits.end()) return 2;
+  const Requests requests(url);
+  end->second(WaitAndLeave());
+  return 2;
 }
 
 }  // namespace stowra_test
