@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <random>
 #include <string>
 
 #include "common_stowraapi/platform/http/reply_decoder.h"
@@ -21,13 +20,6 @@ using ovrant::internet::ReplyDecoder;
 constexpr unsigned long kCap = 10'000;
 constexpr unsigned long kMebibyte = 1UL << 20;
 constexpr unsigned long kDefaultCap = 256 * kMebibyte;
-
-std::string Incompressible(std::size_t size) {
-  std::mt19937 random;
-  std::string text(size, '\0');
-  for (char& byte : text) byte = static_cast<char>(random());
-  return text;
-}
 
 // A response whose body is encoded or framed so.
 std::string Plain(const std::string& body) { return Response(200, body); }

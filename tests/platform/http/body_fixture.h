@@ -25,6 +25,14 @@ namespace stowra_test {
 using ovrant::internet::BodySink;
 using ovrant::internet::BodySource;
 
+// A text of that size.
+inline std::string Numbers(std::size_t size) {
+  std::string text;
+  while (text.size() < size) text += std::to_string(text.size()) + ",";
+  text.resize(size);
+  return text;
+}
+
 // Gives `bytes` in pieces of at most `piece`.
 class TestSource final : public BodySource {
  public:

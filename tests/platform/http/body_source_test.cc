@@ -29,12 +29,6 @@ namespace {
 using ovrant::internet::FileSource;
 using ovrant::internet::MemorySource;
 
-std::string Numbers(std::size_t size) {
-  std::string text;
-  while (text.size() < size) text += std::to_string(text.size()) + ",";
-  return text;
-}
-
 std::shared_ptr<TestSource> Source(std::string text) {
   return std::make_shared<TestSource>(std::move(text));
 }

@@ -65,12 +65,6 @@ inline RawServer::Handler Serve(const Thing& thing) {
   };
 }
 
-inline std::string Letters(std::size_t size) {
-  std::string text(size, '\0');
-  for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>('a' + i * 7 % 26);
-  return text;
-}
-
 class FileSinkFixture : public BodyFixture {
  protected:
   std::string Path(const std::string& name = "x") const { return (folder_.path() / name).string(); }

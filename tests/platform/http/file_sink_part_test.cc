@@ -19,12 +19,12 @@ namespace {
 
 class FileSinkPartTest : public FileSinkFixture {
  protected:
-  Thing thing_{Letters(100)};
+  Thing thing_{Numbers(100)};
 };
 IN_BOTH_BODY_MODES(FileSinkPartTest);
 
 TEST_P(FileSinkPartTest, ContinuesWhatBrokenDownloadsLeft) {
-  Thing thing{Letters(200000)};
+  Thing thing{Numbers(200000)};
   LeavePart(thing, 70000);
   ExpectPart();
   thing.cut = 50000;
@@ -81,7 +81,7 @@ TEST_P(FileSinkPartTest, LeavesNoPartWithoutAStrongValidator) {
        {"", "ETag: W/\"v1\"\r\n", "Last-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\n",
         "Last-Modified: Sun, 22 Nov 2026 08:00:00 GMT\r\nDate: Sun, 22 Nov 2026 08:00:59 GMT\r\n",
         "ETag: \"v1\"\r\nContent-Encoding: gzip\r\n"}) {
-    Thing thing{Gzip(Letters(1000))};
+    Thing thing{Gzip(Numbers(1000))};
     thing.headers = headers;
     thing.cut = 30;
     EXPECT_FALSE(Fetch(thing).received) << headers;
@@ -93,7 +93,7 @@ TEST_P(FileSinkPartTest, LeavesNoPartWithoutAStrongValidator) {
 // A folder has the note's name.
 TEST_P(FileSinkPartTest, LeavesNoPartWithoutItsNote) {
   std::filesystem::create_directory(Path("x.part.validator"));
-  EXPECT_EQ(Fetch({Letters(100), kEtag, 30}), Failed(200, TransferError::kCutOff));
+  EXPECT_EQ(Fetch({Numbers(100), kEtag, 30}), Failed(200, TransferError::kCutOff));
   EXPECT_FALSE(can_continue);
   EXPECT_EQ(All(), Names{"x.part.validator"});
 }
@@ -129,7 +129,7 @@ TEST_P(FileSinkPartTest, AsksAgainAfterARangeThatDoesNotFit) {
         "bytes 0-99/100", "bytes */100", "bytes 30-99/*", "lines 30-99/100", "30-99/100",
         "bytes 30-99", "bytes 30-99/100x", "bytes 99-30/100", "bytes 30-18446744073709551615/0",
         "bytes -1-99/100"}) {
-    Thing thing{Letters(100)};
+    Thing thing{Numbers(100)};
     LeavePart(thing, 30);
     thing.range = range;
     EXPECT_EQ(Fetch(thing), Received(200, "")) << range;
@@ -157,7 +157,7 @@ TEST_P(FileSinkPartTest, AsksAgainWhenTheRestIsOfAnotherThing) {
     const RawServer server([&rest](const RawRequest& request, RawConnection& connection) {
       connection.Write(request.HasHeader("Range") ? rest : Response(200, "new"));
     });
-    LeavePart({Letters(100), headers.headers_of_part}, 30);
+    LeavePart({Numbers(100), headers.headers_of_part}, 30);
     EXPECT_EQ(FetchFrom(server.Url()), Received(200, "")) << headers.headers_of_rest;
     EXPECT_EQ(Content(), "new");
   }
@@ -165,7 +165,7 @@ TEST_P(FileSinkPartTest, AsksAgainWhenTheRestIsOfAnotherThing) {
 
 TEST_P(FileSinkPartTest, AsksAgainWhenTheServerHasNoRest) {
   LeavePart(thing_, 30);
-  thing_.content = Letters(20);
+  thing_.content = Numbers(20);
   EXPECT_EQ(Fetch(thing_), Received(200, ""));
   EXPECT_EQ(CountRequests(), 2U);
   ExpectWhole(thing_);
@@ -186,7 +186,7 @@ TEST_P(FileSinkPartTest, IgnoresAPartWithoutAUsableNote) {
   } kParts[] = {
       {"abc", ""}, {"abc", "\n"}, {"abc", "\n100\n"}, {"abc", "\x01\n"}, {"", "\"v1\"\n100\n"}};
   for (const auto& left : kParts) {
-    const Thing thing{Letters(100)};
+    const Thing thing{Numbers(100)};
     Make("x.part", left.part);
     Make("x.part.validator", left.note);
     EXPECT_EQ(Fetch(thing), Received(200, "")) << left.note;

@@ -25,7 +25,7 @@ IN_BOTH_BODY_MODES(FileSinkTest);
 
 TEST_P(FileSinkTest, WritesTheFile) {
   for (const std::size_t length : {0U, 1U, 300000U}) {
-    const Thing thing{Letters(length)};
+    const Thing thing{Numbers(length)};
     EXPECT_EQ(Fetch(thing), Received(200, ""));
     ExpectWhole(thing);
     EXPECT_FALSE(can_continue);
@@ -184,7 +184,7 @@ class FileSizeLimit {
 TEST_P(FileSinkTest, LeavesNothingNewWhenTheDiskIsFull) {
   Make("x", "old");
   const FileSizeLimit limit(50000);
-  EXPECT_EQ(Fetch({Letters(200000)}), Failed(200, TransferError::kBody));
+  EXPECT_EQ(Fetch({Numbers(200000)}), Failed(200, TransferError::kBody));
   EXPECT_EQ(error, EFBIG);
   EXPECT_FALSE(can_continue);
   EXPECT_EQ(Content(), "old");
@@ -192,7 +192,7 @@ TEST_P(FileSinkTest, LeavesNothingNewWhenTheDiskIsFull) {
 }
 
 TEST_P(FileSinkTest, KeepsAnEarlierPartWhenTheDiskIsFull) {
-  const Thing thing{Letters(200000)};
+  const Thing thing{Numbers(200000)};
   LeavePart(thing, 30000);
   {
     const FileSizeLimit limit(50000);
@@ -204,7 +204,7 @@ TEST_P(FileSinkTest, KeepsAnEarlierPartWhenTheDiskIsFull) {
 }
 
 TEST_P(FileSinkTest, KeepsItsOwnEarlierPartWhenTheDiskIsFull) {
-  const Thing thing{Letters(200000)};
+  const Thing thing{Numbers(200000)};
   const auto sink = BrokenOff({thing.content, kEtag, 30000});
   const RawServer server(Serve(thing));
   const FileSizeLimit limit(50000);
@@ -218,10 +218,10 @@ TEST_P(FileSinkTest, TakesTheLongestName) {
   for (const std::string& name :
        {std::string(255, 'n'), "ab" + std::string(251, 'c') + "\xC3\xA9"}) {
     target = name;
-    EXPECT_FALSE(Fetch({Letters(100), kEtag, 30}).received);
+    EXPECT_FALSE(Fetch({Numbers(100), kEtag, 30}).received);
     EXPECT_TRUE(can_continue);
-    EXPECT_EQ(Fetch({Letters(100)}), Received(206, ""));
-    EXPECT_EQ(Content(name), Letters(100));
+    EXPECT_EQ(Fetch({Numbers(100)}), Received(206, ""));
+    EXPECT_EQ(Content(name), Numbers(100));
   }
 }
 

@@ -3,6 +3,7 @@
 
 #include <zlib.h>
 
+#include <random>
 #include <stdexcept>
 
 namespace stowra_test {
@@ -24,6 +25,13 @@ std::string Gzip(std::string_view text) {
   deflateEnd(&stream);
   if (status != Z_STREAM_END) throw std::runtime_error("zlib did not finish");
   return out;
+}
+
+std::string Incompressible(std::size_t size) {
+  std::mt19937 random;
+  std::string text(size, '\0');
+  for (char& byte : text) byte = static_cast<char>(random());
+  return text;
 }
 
 }  // namespace stowra_test

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// An encoder for the content encoding gzip.
+// The content encoding gzip.
 
 #ifndef TESTS_PLATFORM_HTTP_GZIP_TEXT_H_
 #define TESTS_PLATFORM_HTTP_GZIP_TEXT_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,9 @@ namespace stowra_test {
 
 // One gzip member (RFC 1952) that holds `text`.
 std::string Gzip(std::string_view text);
+
+// Bytes that gzip does not make fewer.
+std::string Incompressible(std::size_t size);
 
 }  // namespace stowra_test
 
