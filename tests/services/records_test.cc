@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <type_traits>
 #include <utility>
 
 #include "tests/services/fields.h"
@@ -12,28 +10,48 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::extensionstoreapi::ExtensionStoreItem;
-using ovrant::webservices::DataFileData;
-using ovrant::webservices::MessageData;
-
 constexpr char kLong[] = "a text that is far too long to be kept inside a string object";
 
-void Fill(MessageData& record) {
+// `record` has another value than the default in each field.
+template <typename Record>
+void ExpectCopiesAndMoves(Record record) {
+  const auto fields = Fields(record);
+  ASSERT_NE(Fields(Record()), fields);
+  const Record copy(record);
+  Record assigned;
+  assigned = record;
+  record = Record();
+  EXPECT_EQ(Fields(record), Fields(Record()));
+  EXPECT_EQ(Fields(copy), fields);
+  EXPECT_EQ(Fields(assigned), fields);
+
+  Record moved(std::move(assigned));
+  EXPECT_EQ(Fields(moved), fields);
+  assigned = std::move(moved);
+  EXPECT_EQ(Fields(assigned), fields);
+}
+
+TEST(RecordsTest, AMessageIsCopiedAndMovedWhole) {
+  ovrant::webservices::MessageData record;
   record.id = 7;
   record.max_shows = 2;
   record.width = 3;
   record.height = 4;
   record.title = "Zoë";
   record.url = kLong;
+  ExpectCopiesAndMoves(record);
 }
 
-void Fill(DataFileData& record) {
+TEST(RecordsTest, ADataFileIsCopiedAndMovedWhole) {
+  ovrant::webservices::DataFileData record;
   record.version = 7;
   record.filename = "Zoë";
   record.url = kLong;
+  ExpectCopiesAndMoves(record);
 }
 
-void Fill(ExtensionStoreItem& record) {
+TEST(RecordsTest, AnExtensionStoreItemIsCopiedAndMovedWhole) {
+  ovrant::extensionstoreapi::ExtensionStoreItem record;
   record.id = "Zoë";
   record.version_uuid = "uuid";
   record.version = 2.5F;
@@ -41,46 +59,7 @@ void Fill(ExtensionStoreItem& record) {
   record.update = true;
   record.remote_kill = true;
   record.enabled = true;
-}
-
-template <typename Record>
-class RecordsTest : public testing::Test {
- protected:
-  RecordsTest() { Fill(record); }
-
-  Record record;
-};
-
-struct RecordName {
-  template <typename Record>
-  static std::string GetName(int /*index*/) {
-    if (std::is_same_v<Record, MessageData>) return "MessageData";
-    return std::is_same_v<Record, DataFileData> ? "DataFileData" : "ExtensionStoreItem";
-  }
-};
-
-using Records = testing::Types<MessageData, DataFileData, ExtensionStoreItem>;
-TYPED_TEST_SUITE(RecordsTest, Records, RecordName);
-
-TYPED_TEST(RecordsTest, ACopyHasEveryFieldAndOutlivesTheOriginal) {
-  const auto fields = Fields(this->record);
-  ASSERT_NE(Fields(TypeParam()), fields);
-  const TypeParam copy(this->record);
-  TypeParam assigned;
-  assigned = this->record;
-  this->record = TypeParam();
-  EXPECT_EQ(Fields(this->record), Fields(TypeParam()));
-  EXPECT_EQ(Fields(copy), fields);
-  EXPECT_EQ(Fields(assigned), fields);
-}
-
-TYPED_TEST(RecordsTest, AMoveTakesEveryField) {
-  const auto fields = Fields(this->record);
-  TypeParam moved(std::move(this->record));
-  EXPECT_EQ(Fields(moved), fields);
-  TypeParam assigned;
-  assigned = std::move(moved);
-  EXPECT_EQ(Fields(assigned), fields);
+  ExpectCopiesAndMoves(record);
 }
 
 }  // namespace
