@@ -15,9 +15,6 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::json::Document;
-using ovrant::json::Value;
-
 TEST(Document, BeginsAsAnEmptyObject) {
   Document document;
   EXPECT_EQ(Written(document), "{}");
@@ -56,19 +53,6 @@ TEST(DocumentMember, ThatIsMissingIsANullHandleAndIsNotAdded) {
   EXPECT_TRUE(document["b"].IsNull());
   EXPECT_EQ(document.MemberCount(), 1U);
   EXPECT_EQ(Written(document), "{\"a\":1}");
-}
-
-TEST(DocumentMember, IsAddedLastAndMayRepeatAName) {
-  LoadedDocument document("{\"b\":1}");
-  for (int i = 2; i <= 3; ++i) {
-    Value value = document.MakeValue();
-    value.SetInt(i);
-    document.AddMember("a", value);
-    EXPECT_TRUE(value.IsNull());
-    EXPECT_TRUE(IsOwned(value));
-  }
-  EXPECT_EQ(Written(document), "{\"b\":1,\"a\":2,\"a\":3}");
-  EXPECT_EQ(document["a"].GetInt(), 2);
 }
 
 TEST(DocumentMember, IsReachedByItsIndexInDocumentOrder) {

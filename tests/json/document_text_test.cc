@@ -14,15 +14,11 @@
 #include <string_view>
 #include <utility>
 
-#include "common_stowraapi/json/document.h"
 #include "common_stowraapi/json/tree_reader.h"
 #include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {
-
-using ovrant::json::Document;
-using ovrant::json::Value;
 
 TEST(Load, NeedsAnObjectOrArrayAsRoot) {
   EXPECT_TRUE(Loads("{}"));
@@ -61,12 +57,6 @@ TEST(Load, ReadsUpToTheFirstNul) {
   EXPECT_FALSE(Loads(std::string("\0{}", 3)));
   EXPECT_FALSE(Loads(std::string("[\"a\0b\"]", 7)));
   EXPECT_FALSE(Loads(std::string("[\"a\\\0\"]", 7)));
-}
-
-TEST(Load, ReplacesTheRoot) {
-  LoadedDocument document("{\"a\":1}");
-  ASSERT_TRUE(document.Load("{\"b\":2}"));
-  EXPECT_EQ(Written(document), "{\"b\":2}");
 }
 
 TEST(Load, LeavesTheRootNullWhenItFails) {

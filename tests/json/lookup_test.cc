@@ -9,15 +9,12 @@
 #include <cstddef>
 #include <string_view>
 
-#include "common_stowraapi/json/document.h"
-#include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::json::Lookup;
-using ovrant::json::Value;
 
 class LookupTest : public testing::Test {
  protected:

@@ -6,16 +6,11 @@
 #include <cstddef>
 #include <string>
 
-#include "common_stowraapi/json/document.h"
-#include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
 #include "tests/support/small_stack.h"
 
 namespace stowra_test {
 namespace {
-
-using ovrant::json::Document;
-using ovrant::json::Value;
 
 constexpr std::size_t kMaxDepth = Document::kMaxDepth;
 constexpr int kMillion = 1'000'000;

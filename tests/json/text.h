@@ -15,7 +15,10 @@
 
 namespace stowra_test {
 
-inline std::string Written(ovrant::json::Document& document) {
+using ovrant::json::Document;
+using ovrant::json::Value;
+
+inline std::string Written(Document& document) {
   ovrant::utils::ovrant_ustring text;
   document.ToString(text);
   return text.utf8();
@@ -23,12 +26,12 @@ inline std::string Written(ovrant::json::Document& document) {
 
 // Loads `text` into a fresh document.
 inline bool Loads(const std::string& text) {
-  ovrant::json::Document document;
+  Document document;
   return document.Load(Text(text));
 }
 
 // A document that has `json` as its text.
-class LoadedDocument : public ovrant::json::Document {
+class LoadedDocument : public Document {
  public:
   explicit LoadedDocument(const std::string& json) { EXPECT_TRUE(Load(Text(json))) << json; }
 };
@@ -38,8 +41,8 @@ class ValueDocument {
  public:
   explicit ValueDocument(const std::string& json) : document_("{\"v\":" + json + "}") {}
 
-  ovrant::json::Value& value() { return document_["v"]; }
-  ovrant::json::Value& operator[](int index) { return value()[static_cast<unsigned int>(index)]; }
+  Value& value() { return document_["v"]; }
+  Value& operator[](int index) { return value()[static_cast<unsigned int>(index)]; }
 
   // The value as it is now.
   std::string written() {
@@ -52,12 +55,12 @@ class ValueDocument {
 };
 
 // The private members of a handle.
-bool IsOwned(const ovrant::json::Value& handle);
-void* NodeOf(const ovrant::json::Value& handle);
-void* AllocatorOf(const ovrant::json::Value& handle);
+bool IsOwned(const Value& handle);
+void* NodeOf(const Value& handle);
+void* AllocatorOf(const Value& handle);
 
 // The number of handles that `handle` returned and keeps.
-std::size_t CountHandles(const ovrant::json::Value& handle);
+std::size_t CountHandles(const Value& handle);
 
 }  // namespace stowra_test
 

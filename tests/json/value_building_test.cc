@@ -5,15 +5,10 @@
 
 #include <string>
 
-#include "common_stowraapi/json/document.h"
-#include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {
-
-using ovrant::json::Document;
-using ovrant::json::Value;
 
 // A value made by a document of its own, which holds a number.
 struct Made {
@@ -154,22 +149,6 @@ TEST(AddMember, GrowsFarBeyondTheFirstCapacity) {
   }
   EXPECT_EQ(document.value().Size(), 1000U);
   for (int i = 0; i < 1000; ++i) EXPECT_EQ(document.value()[name(i)].GetInt(), i);
-}
-
-TEST(Building, MovesWholeTreesBetweenHolders) {
-  Document document;
-  Value list = document.MakeValue();
-  list.SetArray();
-  for (const char* name : {"one", "two"}) {
-    Value entry = document.MakeValue();
-    entry.SetObject();
-    Value text = document.MakeValue();
-    text.SetString(name);
-    entry.AddMember("name", text);
-    list.PushBack(entry);
-  }
-  document.AddMember("list", list);
-  EXPECT_EQ(Written(document), "{\"list\":[{\"name\":\"one\"},{\"name\":\"two\"}]}");
 }
 
 }  // namespace

@@ -7,15 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "common_stowraapi/json/document.h"
-#include "common_stowraapi/json/value.h"
 #include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {
-
-using ovrant::json::Document;
-using ovrant::json::Value;
 
 using Pool = rapidjson::MemoryPoolAllocator<rapidjson::CrtAllocator>;
 using Node = rapidjson::GenericValue<rapidjson::UTF8<char>, Pool>;
@@ -51,14 +46,6 @@ TEST(ValueConstructor, IgnoresWritesThatNeedAnAllocatorWithoutOne) {
   value.SetObject();
   value.AddMember("name", item);
   EXPECT_EQ(value.Size(), 0U);
-}
-
-TEST(ValueIndex, GivesTheElement) {
-  ValueDocument array("[10,11,12]");
-  EXPECT_EQ(array[0].GetInt(), 10);
-  EXPECT_EQ(array[2].GetInt(), 12);
-  array[1].SetString("new");
-  EXPECT_EQ(array.written(), "[10,\"new\",12]");
 }
 
 TEST(ValueIndex, GivesANullHandleWhereThereIsNoElement) {
@@ -187,15 +174,6 @@ TEST(ValueAssignment, ToItselfDoesNothing) {
   owner = same;
   EXPECT_EQ(CountHandles(owner), 1U);
   EXPECT_EQ(owner[0].GetInt(), 1);
-}
-
-TEST(ValueAssignment, EmptiesTheListOfHandles) {
-  ValueDocument document("[1]");
-  Value array = document.value();
-  array[0];
-  array[0];
-  array = Value();
-  EXPECT_EQ(CountHandles(array), 0U);
 }
 
 TEST(ValueAssignment, LeavesTheHandlesOfTheSourceWithIt) {

@@ -9,14 +9,10 @@
 #include <string>
 #include <utility>
 
-#include "common_stowraapi/json/document.h"
 #include "tests/json/text.h"
 
 namespace stowra_test {
 namespace {
-
-using ovrant::json::Document;
-using ovrant::json::Value;
 
 constexpr long long kInt64Min = std::numeric_limits<long long>::min();
 constexpr unsigned long long kUint64Max = std::numeric_limits<unsigned long long>::max();
