@@ -89,13 +89,9 @@ Reading Decode(std::string_view bytes) {
   Reading reading;
   reading.error = decoder.Text();
   for (std::size_t left = decoder.Number(); left > 0 && decoder.IsWholeSoFar(); --left) {
-    Part part;
-    part.name = decoder.Text();
-    part.file_name = decoder.Optional();
-    part.type = decoder.Optional();
-    part.disposition = decoder.Optional();
-    part.content = decoder.Text();
-    reading.parts.push_back(std::move(part));
+    // In the order of the members, which is that of the values.
+    reading.parts.push_back({decoder.Text(), decoder.Optional(), decoder.Optional(),
+                             decoder.Optional(), decoder.Text()});
   }
   EXPECT_TRUE(decoder.IsWhole()) << "the encoded reading is too short or too long";
   return reading;

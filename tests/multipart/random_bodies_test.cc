@@ -37,11 +37,7 @@ void AnswerWithParts(const httplib::Request& request, httplib::Response& respons
   Reading reading;
   const bool is_read = read_content(
       [&reading](const httplib::MultipartFormData& header) {
-        Part part;
-        part.name = header.name;
-        part.file_name = header.filename;
-        part.type = header.content_type;
-        reading.parts.push_back(part);
+        reading.parts.push_back({header.name, header.filename, header.content_type, {}, ""});
         return true;
       },
       [&reading](const char* data, std::size_t length) {

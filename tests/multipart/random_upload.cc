@@ -5,7 +5,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdlib>
-#include <optional>
 #include <random>
 #include <sstream>
 #include <string_view>
@@ -25,23 +24,9 @@ constexpr std::array<std::string_view, 10> kTellingTexts = {
     "%22",   "%0D%0A",       "&#8364;", "; filename=x", "filename*=UTF-8''x",
     "name=", "C:\\models\\", "\\",      "--",           "=?UTF-8?B?eA==?="};
 
-void AppendUtf8(std::uint32_t code, std::string& text) {
-  const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (code < 0x80) {
-    append(code);
-  } else if (code < 0x800) {
-    append(0xC0 | code >> 6);
-    append(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    append(0xE0 | code >> 12);
-    append(0x80 | (code >> 6 & 0x3F));
-    append(0x80 | (code & 0x3F));
-  } else {
-    append(0xF0 | code >> 18);
-    append(0x80 | (code >> 12 & 0x3F));
-    append(0x80 | (code >> 6 & 0x3F));
-    append(0x80 | (code & 0x3F));
-  }
+std::string Utf8Of(std::uint32_t code) {
+  const wchar_t character[] = {static_cast<wchar_t>(code), L'\0'};
+  return code == 0 ? std::string(1, '\0') : ovrant_ustring(character).utf8();
 }
 
 class UploadMaker {
@@ -58,12 +43,12 @@ class UploadMaker {
     FillUnused();
     upload_.data = Data();
 
-    AddField("name", query.name.value_or(""));
+    AddField("name", query.name);
     AddField("subjectId", subject.substr(0, subject.find('\0')));
     AddField("subjectClass", "entity");
-    AddFile(file_name, query.type.value_or(""));
-    if (query.task.value_or("") != "") AddField("task", *query.task);
-    if (query.priority.value_or("") != "") AddField("priority", *query.priority);
+    AddFile(file_name, query.type);
+    if (!query.task.empty()) AddField("task", query.task);
+    if (!query.priority.empty()) AddField("priority", query.priority);
     if (upload_.file.zipped_) AddField("isZipped", "true");
     return std::move(upload_);
   }
@@ -71,10 +56,10 @@ class UploadMaker {
  private:
   // The parameters of the upload URL that the library uses. Empty if the URL lacks them.
   struct Query {
-    std::optional<std::string> name;
-    std::optional<std::string> type;
-    std::optional<std::string> task;
-    std::optional<std::string> priority;
+    std::string name;
+    std::string type;
+    std::string task;
+    std::string priority;
   };
 
   std::uint32_t Below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
@@ -136,7 +121,7 @@ class UploadMaker {
       } else if (OneIn(100)) {
         text += CutBoundaryLine();
       } else {
-        AppendUtf8(CodePoint(), text);
+        text += Utf8Of(CodePoint());
       }
     }
     const auto is_excluded = [excluded](char c) {
@@ -170,7 +155,7 @@ class UploadMaker {
   Query FillUrl() {
     Query query;
     std::vector<std::string> parameters;
-    const auto add = [&](const char* key, std::string value, std::optional<std::string>& into) {
+    const auto add = [&](const char* key, std::string value, std::string& into) {
       if (OneIn(4)) return;
       parameters.push_back(key + value);
       into = std::move(value);
@@ -234,12 +219,8 @@ class UploadMaker {
     return data;
   }
 
-  void AddField(const char* name, std::string value) {
-    Part part;
-    part.name = name;
-    part.disposition = std::string("form-data; name=\"") + name + '"';
-    part.content = std::move(value);
-    upload_.parts.push_back(std::move(part));
+  void AddField(const std::string& name, const std::string& value) {
+    upload_.parts.push_back({name, {}, {}, "form-data; name=\"" + name + '"', value});
   }
 
   void AddFile(const std::string& file_name, const std::string& type) {
