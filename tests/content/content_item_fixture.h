@@ -9,7 +9,6 @@
 #include <memory>
 #include <string>
 
-#include "common_stowraapi/content/content_item.h"
 #include "common_stowraapi/platform/xml_input.h"
 #include "tests/content/feed_text.h"
 
@@ -34,7 +33,7 @@ class ContentItemFixture : public testing::Test {
     return loaded;
   }
 
-  ovrant::stowraapiclient::ContentItem item;
+  ContentItem item;
 };
 
 }  // namespace stowra_test

@@ -2,9 +2,10 @@
 // The thumbnails of an entry, its choice of a download, and the fields after a failure.
 
 #include <climits>
-#include <ostream>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "tests/content/content_item_fixture.h"
 #include "tests/content/fields.h"
@@ -91,7 +92,7 @@ TEST_F(ContentItemGroupTest, LoadStartsFromTheDefaults) {
                .With("group", Group(Rendition("?rtyp=s9")))));
   EXPECT_EQ(item.download_format_, 2);
   EXPECT_FALSE(LoadEntry("<entry/>"));
-  EXPECT_EQ(Fields(item), Fields(ovrant::stowraapiclient::ContentItem()));
+  EXPECT_EQ(Fields(item), Fields(ContentItem()));
   EXPECT_EQ(item.max_qmf_version_, 9);
 }
 
@@ -103,70 +104,74 @@ struct Choice {
   int format;
 };
 
-void PrintTo(const Choice& choice, std::ostream* out) {
-  *out << choice.values << " up to " << choice.newest;
-}
+constexpr Choice kChoices[] = {
+    {"k2", 0, 1, 1},
+    {"k2 k2", 0, 1, 1},
+    {"k2 s6 s8", 8, 3, 2},
+    {"k2 s6 s8", 7, 2, 2},
+    {"k2 s6 s8", 5, 1, 1},
+    {"k2 s6 s8", 0, 1, 1},
+    {"s8 s6 k2", 8, 1, 2},
+    {"s6 k2", 8, 1, 2},
+    {"s9 k2", 8, 2, 1},
+    {"s9", 8, 0, 0},
+    {"s7 s7", 8, 1, 2},
+    {"s6 s8 s7", 8, 2, 2},
+    {"s6 s9 s7", 8, 3, 2},
+    {"s", 5, 1, 2},
+    {"s", 4, 0, 0},
+    {"s s5", 8, 1, 2},
+    {"s5 s", 8, 1, 2},
+    {"s4 s", 8, 2, 2},
+    {"s s6", 8, 2, 2},
+    {"s0", 8, 0, 0},
+    {"s0 k2", 8, 2, 1},
+    {"k2 s0", 8, 1, 1},
+    {"s1", 8, 1, 2},
+    {"s1", -1, 0, 0},
+    {"s0", -1, 0, 0},
+    {"s10 s9", 12, 1, 2},
+    {"st k2", 99, 2, 1},
+    {"s7a s6 st", 99, 2, 2},
+    {"%73%37", 8, 1, 2},
+    {"s%37", 8, 1, 2},
+    {"%73", 5, 1, 2},
+    {"k%32", 8, 1, 1},
+    {"%6B2", 8, 1, 1},
+    {"%6b2", 8, 1, 1},
+    {"s8#s9", 8, 1, 2},
+    {"s2147483647", INT_MAX, 1, 2},
+    {"s2147483647", 2147483646, 0, 0},
+    {"s4294967303 s6", INT_MAX, 2, 2},
+    {"k2 s99999999999999999999999999", INT_MAX, 1, 1},
+};
 
-class ContentItemChoiceTest : public ContentItemFixture,
-                              public testing::WithParamInterface<Choice> {};
-
-TEST_P(ContentItemChoiceTest, TakesTheNewestThatTheHostOpens) {
-  const Choice& choice = GetParam();
-  std::string renditions;
-  std::string chosen;
-  int number = 0;
-  std::istringstream values(choice.values);
-  for (std::string value; values >> value;) {
-    const std::string url = "http://a/" + std::to_string(++number) + "?rtyp=" + value;
-    // Both types are accepted.
-    renditions += number % 2 == 0 ? Rendition(url, "application/vnd.pellamy.kmz") : Rendition(url);
-    if (number == choice.chosen) chosen = url;
+TEST_F(ContentItemGroupTest, TakesTheNewestThatTheHostOpens) {
+  for (const Choice& choice : kChoices) {
+    SCOPED_TRACE(testing::Message() << choice.values << " up to " << choice.newest);
+    std::string renditions;
+    std::string chosen;
+    int number = 0;
+    std::istringstream values(choice.values);
+    for (std::string value; values >> value;) {
+      const std::string url = "http://a/" + std::to_string(++number) + "?rtyp=" + value;
+      // Both types are accepted.
+      const bool is_kmz = number % 2 == 0;
+      renditions += is_kmz ? Rendition(url, "application/vnd.pellamy.kmz") : Rendition(url);
+      if (number == choice.chosen) chosen = url;
+    }
+    item.max_qmf_version_ = choice.newest;
+    EXPECT_EQ(LoadGroup(Group(renditions)), choice.chosen != 0);
+    EXPECT_EQ(item.download_url_, Text(chosen));
+    EXPECT_EQ(item.download_format_, choice.format);
+    EXPECT_EQ(item.max_qmf_version_, choice.newest);
   }
-  item.max_qmf_version_ = choice.newest;
-  EXPECT_EQ(Load(Model().With("group", Group(renditions))), choice.chosen != 0);
-  EXPECT_EQ(item.download_url_, Text(chosen));
-  EXPECT_EQ(item.download_format_, choice.format);
-  EXPECT_EQ(item.max_qmf_version_, choice.newest);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Renditions, ContentItemChoiceTest,
-    testing::Values(Choice{"k2", 0, 1, 1}, Choice{"k2 k2", 0, 1, 1}, Choice{"k2 s6 s8", 8, 3, 2},
-                    Choice{"k2 s6 s8", 7, 2, 2}, Choice{"k2 s6 s8", 5, 1, 1},
-                    Choice{"k2 s6 s8", 0, 1, 1}, Choice{"s8 s6 k2", 8, 1, 2},
-                    Choice{"s6 k2", 8, 1, 2}, Choice{"s9 k2", 8, 2, 1}, Choice{"s9", 8, 0, 0},
-                    Choice{"s8", 8, 1, 2}, Choice{"s7", 8, 1, 2}, Choice{"s7 s7", 8, 1, 2},
-                    Choice{"s6 s8 s7", 8, 2, 2}, Choice{"s6 s9 s7", 8, 3, 2}, Choice{"s", 5, 1, 2},
-                    Choice{"s", 4, 0, 0}, Choice{"s s5", 8, 1, 2}, Choice{"s5 s", 8, 1, 2},
-                    Choice{"s4 s", 8, 2, 2}, Choice{"s s6", 8, 2, 2}, Choice{"s0", 8, 0, 0},
-                    Choice{"s0 k2", 8, 2, 1}, Choice{"k2 s0", 8, 1, 1}, Choice{"s1", 8, 1, 2},
-                    Choice{"s1", -1, 0, 0}, Choice{"s0", -1, 0, 0}, Choice{"s10 s9", 12, 1, 2},
-                    Choice{"s12", 12, 1, 2}, Choice{"s007", 8, 1, 2},
-                    Choice{"s00000000000000000007", 8, 1, 2}, Choice{"st k2", 99, 2, 1},
-                    Choice{"s7a s6 st", 99, 2, 2}));
-
-INSTANTIATE_TEST_SUITE_P(PercentEncodedTexts, ContentItemChoiceTest,
-                         testing::Values(Choice{"%73%37", 8, 1, 2}, Choice{"s%37", 8, 1, 2},
-                                         Choice{"%73", 5, 1, 2}, Choice{"k%32", 8, 1, 1},
-                                         Choice{"%6B2", 8, 1, 1}, Choice{"%6b2", 8, 1, 1},
-                                         Choice{"s8#s9", 8, 1, 2}));
-
-INSTANTIATE_TEST_SUITE_P(
-    VersionsBeyond32Bits, ContentItemChoiceTest,
-    testing::Values(Choice{"s2147483647", INT_MAX, 1, 2}, Choice{"s2147483647", 2147483646, 0, 0},
-                    Choice{"s2147483648", INT_MAX, 0, 0}, Choice{"s4294967295", INT_MAX, 0, 0},
-                    Choice{"s4294967303", INT_MAX, 0, 0}, Choice{"s4294967303 s6", INT_MAX, 2, 2},
-                    Choice{"s18446744073709551623", INT_MAX, 0, 0},
-                    Choice{"k2 s99999999999999999999999999", INT_MAX, 1, 1}));
 
 TEST_F(ContentItemGroupTest, TextsThatAreNoVersionAreNotChosen) {
   item.max_qmf_version_ = 99;
-  for (const std::string value :
-       {"st", "s7a", "sa7", "S7", "K2", "k22", "k", "k3", "xk2", "7", "xs7", "s-7", "s+7", "s%2B7",
-        "s7+", "s7.0", "+s7", "k2+", "s/", "s:", "s7%00",
-        // Digits of other scripts: superscript two, Arabic seven, fullwidth seven. The last ends in
-        // the byte of a digit.
-        "s%C2%B2", "s%D9%A7", "s%EF%BC%97", "s%C4%B7"}) {
+  for (const std::string value : {"st", "S7", "K2", "k22", "k", "k3", "xk2", "xs7", "s+7", "s%2B7",
+                                  "s7+", "+s7", "k2+", "s7%00", "s%C2%B2"}) {
     EXPECT_FALSE(LoadGroup(Group(Rendition("http://a/?rtyp=" + value)))) << value;
     EXPECT_EQ(item.download_url_, "") << value;
     EXPECT_EQ(item.download_format_, 0) << value;
@@ -216,6 +221,54 @@ TEST_F(ContentItemGroupTest, AnIncompleteRenditionRejectsTheEntryAndTheOthersAre
     EXPECT_EQ(item.download_url_, "2?rtyp=s7") << bad;
     EXPECT_FALSE(LoadGroup(Group(Rendition("2?rtyp=k2") + bad))) << bad;
     EXPECT_EQ(item.download_format_, 1) << bad;
+  }
+}
+
+// The version, or nothing. In that case the caller's number is unchanged.
+std::optional<int> VersionOf(const ovrant::utils::ovrant_ustring& value) {
+  ContentItem item;
+  int version = -77;
+  if (item.ExtractQmfVersionFromRTypValue(value, version)) return version;
+  EXPECT_EQ(version, -77);
+  return std::nullopt;
+}
+
+TEST(RtypVersionTest, IsTheNumberBehindTheLetter) {
+  const std::pair<const char*, int> values[] = {
+      {"s7", 7},
+      {"s", 5},
+      {"s12", 12},
+      {"s0", 0},
+      {"s007", 7},
+      {"s00000000000000000007", 7},
+      {"s2147483647", INT_MAX},
+  };
+  for (const auto& [value, version] : values) EXPECT_EQ(VersionOf(value), version) << value;
+}
+
+TEST(RtypVersionTest, OtherTextsHaveNone) {
+  for (const char* const value : {"", "st", "s7a", "sa7", "k2", "S7", "7", " s7", "s7 ", "s 7",
+                                  "s-7", "s+7", "s7.", "ss", "s/", "s:",
+                                  "\xC5\xB3"
+                                  "7"}) {
+    EXPECT_EQ(VersionOf(value), std::nullopt) << value;
+  }
+}
+
+TEST(RtypVersionTest, OnlyAsciiDigitsAreDigits) {
+  for (const char* const value :
+       {"s\xC2\xB2", "s\xC2\xB9", "s\xD9\xA7", "s\xEF\xBC\x97", "s\xC4\xB7", "s7\xC4\xB7",
+        "s\xF0\x9D\x9F\x97", "s1\xE3\x84\xB1"}) {
+    EXPECT_EQ(VersionOf(value), std::nullopt) << value;
+  }
+  EXPECT_EQ(VersionOf(Text(std::string_view("s\0", 2))), std::nullopt);
+  EXPECT_EQ(VersionOf(Text(std::string_view("s7\0", 3))), std::nullopt);
+}
+
+TEST(RtypVersionTest, BeyondThirtyTwoBitsIsZero) {
+  for (const char* const value : {"s2147483648", "s4294967295", "s4294967303",
+                                  "s18446744073709551623", "s99999999999999999999999999"}) {
+    EXPECT_EQ(VersionOf(value), 0) << value;
   }
 }
 

@@ -11,7 +11,6 @@
 #include <regex>
 #include <string>
 
-#include "common_stowraapi/content/content_query.h"
 #include "tests/content/feed_text.h"
 #include "tests/content/fields.h"
 #include "tests/support/corpora.h"
@@ -20,7 +19,6 @@ namespace stowra_test {
 namespace {
 
 using nlohmann::json;
-using ovrant::stowraapiclient::ContentQuery;
 
 constexpr char kFeedRoot[] = "{http://www.w3.org/2005/Atom}feed";
 
@@ -50,10 +48,9 @@ void ExpectContents(const json& expected, const ContentQuery& query) {
   if (!expected.at("feed_title").is_null()) {
     EXPECT_EQ(query.title_.utf8(), Trimmed(expected.at("feed_title")));
   }
-  const std::string atom = "application/atom+xml";
-  EXPECT_EQ(query.self_url_.utf8(), LastLink(expected, "self", atom));
-  EXPECT_EQ(query.next_url_.utf8(), LastLink(expected, "next", atom));
-  EXPECT_EQ(query.previous_url_.utf8(), LastLink(expected, "previous", atom));
+  EXPECT_EQ(query.self_url_.utf8(), LastLink(expected, "self", kAtom));
+  EXPECT_EQ(query.next_url_.utf8(), LastLink(expected, "next", kAtom));
+  EXPECT_EQ(query.previous_url_.utf8(), LastLink(expected, "previous", kAtom));
   EXPECT_EQ(query.html_url_.utf8(), LastLink(expected, "alternate", "text/html"));
   EXPECT_LE(query.items_.size(), expected.at("entries").get<std::size_t>());
 }

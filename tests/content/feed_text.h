@@ -14,9 +14,13 @@
 
 namespace stowra_test {
 
-inline constexpr char kSchema[] = "http://schemas.stowra.example/stowra/2008";
+using ovrant::stowraapiclient::ContentItem;
+using ovrant::stowraapiclient::ContentQuery;
 
-inline bool LoadText(std::string_view document, ovrant::stowraapiclient::ContentQuery& query) {
+inline constexpr char kSchema[] = "http://schemas.stowra.example/stowra/2008";
+inline constexpr char kAtom[] = "application/atom+xml";
+
+inline bool LoadText(std::string_view document, ContentQuery& query) {
   Bytes bytes(document);
   return query.Load(bytes.data(), bytes.length());
 }

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 
-#include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/platform/xml_input.h"
 #include "tests/content/feed_text.h"
 #include "tests/support/failing_new.h"
@@ -15,9 +14,6 @@
 
 namespace stowra_test {
 namespace {
-
-using ovrant::stowraapiclient::ContentItem;
-using ovrant::stowraapiclient::ContentQuery;
 
 TEST(ThumbnailTest, AnItemDeletesItsThumbnailAsAnArray) {
   const long arrays = LiveArrays();
@@ -72,13 +68,6 @@ TEST(ThumbnailTest, LoadLetsTheThumbnailGoToo) {
   EXPECT_FALSE(item.Load(reader.get()));
   EXPECT_EQ(item.thumbnail_buffer_, nullptr);
   EXPECT_EQ(LiveArrays(), arrays + 1);
-}
-
-TEST(ThumbnailTest, ClearKeepsTheNewestVersion) {
-  ContentItem item;
-  item.max_qmf_version_ = 9;
-  item.Clear();
-  EXPECT_EQ(item.max_qmf_version_, 9);
 }
 
 TEST(QueryMemoryTest, AQueryDeletesItsItemsAndTheirThumbnails) {

@@ -1,18 +1,54 @@
 // SPDX-License-Identifier: MIT
-// The headers of an upload.
+// The boundary and the headers of an upload.
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "common_stowraapi/content/multipart_upload.h"
+#include "common_stowraapi/platform/random.h"
 
 namespace stowra_test {
 namespace {
 
 using ovrant::stowraapiclient::multipartupload::CreateHeaderDictionary;
+using ovrant::stowraapiclient::multipartupload::GetBoundaryString;
+
+// Runs `work` within one second of the clock and returns that second. Runs it again if the second
+// ended meanwhile.
+template <typename Work>
+std::time_t WithinOneSecond(const Work& work) {
+  for (;;) {
+    const std::time_t before = std::time(nullptr);
+    work();
+    if (std::time(nullptr) == before) return before;
+  }
+}
+
+TEST(BoundaryTest, DigitsAreThoseOfTheSecond) {
+  std::string boundary;
+  const std::time_t second = WithinOneSecond([&] { boundary = GetBoundaryString(); });
+  Random::SetSeed(static_cast<unsigned int>(second));
+  std::string expected = "BrevixClient";
+  for (int i = 0; i < 16; ++i) expected += std::to_string(Random::GetValue(0, 9));
+  EXPECT_EQ(boundary, expected);
+}
+
+// The shared generator continues after the boundary's draws.
+TEST(BoundaryTest, ReseedsTheSharedGenerator) {
+  int next = 0;
+  const std::time_t second = WithinOneSecond([&] {
+    Random::SetSeed(1);
+    GetBoundaryString();
+    next = Random::GetValue(0, 1000000);
+  });
+  Random::SetSeed(static_cast<unsigned int>(second));
+  for (int i = 0; i < 16; ++i) Random::GetValue(0, 9);
+  EXPECT_EQ(next, Random::GetValue(0, 1000000));
+}
 
 using Headers = std::vector<std::pair<std::string, std::string>>;
 
