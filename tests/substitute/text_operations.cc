@@ -30,20 +30,14 @@ void Misuse(const std::string& what) {
   Record("misuse: " + what);
 }
 
-void RequireIndex(unsigned long index, unsigned long length) {
-  if (index >= length) Misuse("index " + std::to_string(index) + " of " + std::to_string(length));
-}
-
 std::string Quoted(const ovrant::utils::ovrant_ustring& text) { return "'" + text.utf8() + "'"; }
 
 bool IsDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-char16_t AsciiLower(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
-}
-
 std::u16string AsciiLower(std::u16string units) {
-  for (char16_t& unit : units) unit = AsciiLower(unit);
+  for (char16_t& unit : units) {
+    if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + (u'a' - u'A'));
+  }
   return units;
 }
 
@@ -51,13 +45,8 @@ std::u16string AsciiLower(std::u16string units) {
 
 namespace ovrant::utils {
 
-char16_t& ovrant_ustring::operator[](unsigned long index) {
-  RequireIndex(index, units_.size());
-  return units_[index];
-}
-
 char16_t ovrant_ustring::at(unsigned long index) const {
-  RequireIndex(index, units_.size());
+  if (index >= units_.size()) Misuse("index " + std::to_string(index) + " of " + utf8());
   return units_[index];
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Making, converting and comparing texts, unit by unit.
+// Making, converting and comparing well-formed texts, unit by unit.
 
 #include "common_stowraapi/platform/ustring.h"
 
@@ -12,35 +12,13 @@
 
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
-
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-bool IsSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
-
-// Whether `byte` may be the second one after `lead`: not an overlong form, a surrogate, or a value
-// beyond U+10FFFF.
-bool CanFollow(unsigned char lead, unsigned char byte) {
-  if (lead == 0xE0) return byte >= 0xA0 && byte <= 0xBF;
-  if (lead == 0xED) return byte >= 0x80 && byte <= 0x9F;
-  if (lead == 0xF0) return byte >= 0x90 && byte <= 0xBF;
-  if (lead == 0xF4) return byte >= 0x80 && byte <= 0x8F;
-  return IsContinuation(byte);
-}
-
-// Takes one character, or one maximal ill-formed part, from the front of `bytes`.
-char32_t TakeUtf8(const unsigned char*& bytes, const unsigned char* end) {
+// Takes one character from the front of `bytes`, which are well-formed.
+char32_t TakeUtf8(const unsigned char*& bytes) {
   const unsigned char lead = *bytes++;
   if (lead < 0x80) return lead;
-  int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-  if (lead < 0xC2 || lead > 0xF4) return kReplacement;
+  const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
   char32_t value = lead & (0x3F >> more);
-  for (bool second = true; more > 0; --more, second = false) {
-    if (bytes == end || !(second ? CanFollow(lead, *bytes) : IsContinuation(*bytes))) {
-      return kReplacement;
-    }
-    value = value << 6 | (*bytes++ & 0x3F);
-  }
+  for (int i = 0; i < more; ++i) value = value << 6 | (*bytes++ & 0x3F);
   return value;
 }
 
@@ -57,7 +35,7 @@ std::u16string FromUtf8(const char* utf8, unsigned long length) {
   std::u16string units;
   const auto* bytes = reinterpret_cast<const unsigned char*>(utf8);
   const unsigned char* const end = bytes + length;
-  while (bytes != end) AppendUtf16(units, TakeUtf8(bytes, end));
+  while (bytes != end) AppendUtf16(units, TakeUtf8(bytes));
   return units;
 }
 
@@ -100,13 +78,7 @@ std::string ovrant_ustring::utf8() const {
   std::string bytes;
   for (std::size_t i = 0; i < units_.size(); ++i) {
     char32_t c = units_[i];
-    const bool starts_pair = c >= 0xD800 && c <= 0xDBFF && i + 1 < units_.size() &&
-                             units_[i + 1] >= 0xDC00 && units_[i + 1] <= 0xDFFF;
-    if (starts_pair) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (units_[++i] - 0xDC00U);
-    } else if (IsSurrogate(c)) {
-      c = kReplacement;
-    }
+    if (c >= 0xD800 && c <= 0xDBFF) c = 0x10000 + ((c - 0xD800) << 10) + (units_[++i] - 0xDC00U);
     AppendUtf8(bytes, c);
   }
   return bytes;

@@ -44,14 +44,6 @@ void Misuse(const std::string& what) {
   Record("misuse: " + what);
 }
 
-// Whether the operation is the one that is to fail.
-bool RecordAndFail(const std::string& operation) {
-  Record(operation);
-  if (operation != failing_operation) return false;
-  failing_operation.clear();
-  return true;
-}
-
 class ScriptedReader : public IXMLInput {
  public:
   explicit ScriptedReader(XmlElement root) : document_{"", {}, "", {std::move(root)}} {
@@ -124,7 +116,9 @@ class ScriptedReader : public IXMLInput {
   const XmlElement& here() const { return *path_.back().element; }
 
   void RecordOrFail(const std::string& operation) {
-    if (!RecordAndFail(operation)) return;
+    Record(operation);
+    if (operation != failing_operation) return;
+    failing_operation.clear();
     has_failed_ = true;
     throw std::bad_alloc();
   }
