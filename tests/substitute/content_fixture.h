@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "common_stowraapi/content/content_query.h"
+#include "common_stowraapi/content/upload_config.h"
 #include "tests/substitute/fixture.h"
 #include "tests/substitute/text_operations.h"
 #include "tests/substitute/xml_script.h"
@@ -14,6 +16,10 @@
 
 namespace stowra_substitute {
 
+using ovrant::stowraapiclient::ContentItem;
+using ovrant::stowraapiclient::ContentQuery;
+using ovrant::stowraapiclient::UploadConfig;
+using ovrant::stowraapiclient::UploadFile;
 using stowra_test::Bytes;
 
 // An element that only holds others, one that only holds a text, and one that only has attributes.

@@ -10,9 +10,6 @@
 #include <type_traits>
 #include <vector>
 
-#include "common_stowraapi/content/content_item.h"
-#include "common_stowraapi/content/content_query.h"
-#include "common_stowraapi/content/upload_config.h"
 #include "tests/content/fields.h"
 #include "tests/substitute/content_fixture.h"
 #include "tests/substitute/member_access.h"
@@ -21,10 +18,6 @@
 namespace stowra_substitute {
 namespace {
 
-using ovrant::stowraapiclient::ContentItem;
-using ovrant::stowraapiclient::ContentQuery;
-using ovrant::stowraapiclient::UploadConfig;
-using ovrant::stowraapiclient::UploadFile;
 using stowra_test::CallSlot;
 using stowra_test::ExpectEmpty;
 using stowra_test::Fields;
@@ -92,28 +85,21 @@ TEST_F(ContentLayoutTest, MembersLieInTheirOrder) {
       &UploadFile::file_path_, &UploadFile::opaque_value_, &UploadFile::zipped_file_path_);
 }
 
-TEST_F(ContentLayoutTest, AFreshContentQueryIsEmpty) {
-  const OnNoise<ContentQuery> fresh;
-  ExpectEmpty(*fresh);
-  EXPECT_EQ(fresh->max_qmf_version_, 0);
-}
+TEST_F(ContentLayoutTest, FreshObjectsHaveTheirDefaults) {
+  const OnNoise<ContentQuery> query;
+  ExpectEmpty(*query);
+  EXPECT_EQ(query->max_qmf_version_, 0);
 
-TEST_F(ContentLayoutTest, AFreshContentItemHasItsDefaults) {
-  const OnNoise<ContentItem> fresh;
-  EXPECT_EQ(Fields(*fresh),
+  const OnNoise<ContentItem> item;
+  EXPECT_EQ(Fields(*item),
             std::make_tuple(1, 0, "", "", "", "", "", "", "", "", "", "", "", false, false));
-  EXPECT_EQ(fresh->thumbnail_size_, 0);
-  EXPECT_EQ(fresh->thumbnail_buffer_, nullptr);
-  EXPECT_EQ(fresh->max_qmf_version_, 0);
-}
+  EXPECT_EQ(item->thumbnail_size_, 0);
+  EXPECT_EQ(item->thumbnail_buffer_, nullptr);
+  EXPECT_EQ(item->max_qmf_version_, 0);
 
-TEST_F(ContentLayoutTest, AFreshUploadConfigIsEmpty) {
   EXPECT_EQ(Fields(UploadConfig()), std::make_tuple("", "", "", 0U));
-}
-
-TEST_F(ContentLayoutTest, AFreshUploadFileIsEmpty) {
-  const OnNoise<UploadFile> fresh;
-  EXPECT_EQ(Fields(*fresh), std::make_tuple("", "", false, "", "", 0, 0, "", 0U, ""));
+  EXPECT_EQ(Fields(*OnNoise<UploadFile>()),
+            std::make_tuple("", "", false, "", "", 0, 0, "", 0U, ""));
 }
 
 // The first virtual function of a derived class stands behind those of its base.

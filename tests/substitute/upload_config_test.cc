@@ -2,19 +2,14 @@
 // UploadConfig on the substitute platform: what it asks of reader and transport, and in what order.
 
 #include <climits>
-#include <new>
-#include <string>
 #include <tuple>
 
-#include "common_stowraapi/content/upload_config.h"
-#include "common_stowraapi/platform/internet_data.h"
 #include "tests/content/fields.h"
 #include "tests/substitute/content_fixture.h"
 
 namespace stowra_substitute {
 namespace {
 
-using ovrant::stowraapiclient::UploadConfig;
 using stowra_test::Fields;
 
 XmlElement Upload(const std::vector<XmlElement>& files) {
@@ -50,8 +45,6 @@ class UploadConfigTest : public ContentTest {
 };
 
 TEST_F(UploadConfigTest, WalksADocumentInItsOwnOrderWhateverIsMissing) {
-  const XmlElement success = Leaf("successUrl", "s");
-  const XmlElement failure = Leaf("failureUrl", "f");
   const std::string urls = "+upload | .successUrl | .failureUrl | ";
   const std::string end = " | -upload";
   const std::string file = ".uploadUrl | .type | .zipped | .format | #width | #height | .name | ";
@@ -61,25 +54,16 @@ TEST_F(UploadConfigTest, WalksADocumentInItsOwnOrderWhateverIsMissing) {
       {Upload({File(), File()}), true,
        urls + "+files | +file | " + file + ">file | " + file + "!>file | -file | -files" + end},
       {Upload({}), true, urls + "+files | !+file | -files" + end},
-      {Parent("upload", {success, failure}), false, urls + "!+files" + end},
+      {Parent("upload", {Leaf("successUrl", "s"), Leaf("failureUrl", "f")}), false,
+       urls + "!+files" + end},
       {Parent("upload", {Parent("files", {Parent("file", {}), Parent("file", {})})}), false,
        "+upload | !.successUrl | !.failureUrl | +files | +file | " + no_file + ">file | " +
            no_file + "!>file | -file | -files" + end},
-      {Parent("upload", {failure, Parent("files", {})}), false,
-       "+upload | !.successUrl | .failureUrl | +files | !+file | -files" + end},
-      {Parent("upload", {success, Parent("files", {})}), false,
-       "+upload | .successUrl | !.failureUrl | +files | !+file | -files" + end},
       {Parent("download", {Upload({File()})}), false, "!+upload"}};
   for (const auto& [document, parses, walk] : documents) {
     EXPECT_EQ(Parse(document), parses) << walk;
     EXPECT_EQ(TakeText(), "Get_IXMLInput 4 bytes: <x/> | " + walk + " | reader deleted");
   }
-}
-
-TEST_F(UploadConfigTest, ADocumentThatDoesNotOpenIsNotRead) {
-  ScriptUnreadableDocument();
-  EXPECT_FALSE(config.ParseResponse(nullptr, 0));
-  EXPECT_EQ(TakeText(), "Get_IXMLInput 0 bytes: ");
 }
 
 // A reader's length is an int; what does not fit one is not cut off.
@@ -147,16 +131,6 @@ TEST_F(UploadConfigTest, AnEmptyUrlIsDownloaded) {
   ScriptTransfer(NoReply());
   EXPECT_FALSE(config.SynchronousQuery());
   EXPECT_EQ(TakeText(), ": constructed | : Download | : deleted");
-}
-
-TEST_F(UploadConfigTest, InitAndClearDoNothingElse) {
-  ASSERT_TRUE(Parse(Upload({File()})));
-  TakeEffects();
-  config.Clear();
-  ExpectEmpty();
-  config.Init("http://b/");
-  EXPECT_EQ(config.url_, "http://b/");
-  EXPECT_EQ(TakeText(), "");
 }
 
 // Whatever runs out of memory, reader and transport are gone.

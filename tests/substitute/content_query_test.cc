@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: MIT
-// What ContentQuery::Load asks of the reader, and in what order.
+// What ContentQuery asks of reader and transport, and in what order.
 
-#include <new>
-#include <string>
+#include <climits>
 #include <tuple>
+#include <utility>
 
-#include "common_stowraapi/content/content_query.h"
 #include "tests/content/fields.h"
 #include "tests/substitute/content_fixture.h"
 
 namespace stowra_substitute {
 namespace {
 
-using ovrant::stowraapiclient::ContentQuery;
 using stowra_test::ExpectEmpty;
 
-// An entry without anything in it is read so.
-constexpr char kEmptyEntry[] =
+// How an entry without anything in it is read.
+const std::string kEmptyEntry =
     "!.a:id | !+a:category | !.a:title | !.a:summary | !+a:link | !+a:content | "
     "!+a:author | !?s:dynamicComponent | !?s:classifiedComponent | !+m:group";
 
@@ -41,14 +39,6 @@ XmlElement Feed(const std::vector<XmlElement>& more = {}) {
   return feed;
 }
 
-XmlElement FeedWithout(const std::string& name) {
-  XmlElement feed = Feed({Entry("1")});
-  for (XmlElement& child : feed.children) {
-    if (child.name == name) child.name = "other";
-  }
-  return feed;
-}
-
 class ContentQueryLoadTest : public ContentTest {
  protected:
   bool Load(const XmlElement& document) {
@@ -64,13 +54,12 @@ TEST_F(ContentQueryLoadTest, WalksAFeedInItsOwnOrderWhateverIsMissing) {
   const XmlElement full = Feed({Link({{"rel", "self"}, {"href", "h"}, {"type", "t"}}),
                                 Link({{"rel", "self"}, {"href", "h"}}), Link({{"rel", "self"}}),
                                 Link({}), Parent("a:entry", {}), Parent("a:entry", {})});
-  const std::string entry = kEmptyEntry;
   const std::tuple<XmlElement, bool, std::string> documents[] = {
       {full, true,
        "+a:feed | .a:title | +a:link | @rel | @href | @type | >a:link | @rel | @href | !@type | "
        ">a:link | @rel | !@href | >a:link | !@rel | !>a:link | -a:link | #o:totalResults | "
        "#o:startIndex | #o:itemsPerPage | +a:entry | " +
-           entry + " | >a:entry | " + entry + " | !>a:entry | -a:entry | -a:feed"},
+           kEmptyEntry + " | >a:entry | " + kEmptyEntry + " | !>a:entry | -a:entry | -a:feed"},
       {Parent("a:feed", {}), false,
        "+a:feed | !.a:title | !+a:link | !#o:totalResults | !#o:startIndex | !#o:itemsPerPage | "
        "!+a:entry | -a:feed"},
@@ -82,37 +71,11 @@ TEST_F(ContentQueryLoadTest, WalksAFeedInItsOwnOrderWhateverIsMissing) {
   }
 }
 
-TEST_F(ContentQueryLoadTest, ADocumentThatDoesNotOpenIsNotRead) {
-  ASSERT_TRUE(Load(Feed({Entry("1")})));
-  TakeEffects();
-  ScriptUnreadableDocument();
-  Bytes bytes("no");
-  EXPECT_FALSE(query.Load(bytes.data(), bytes.length()));
-  EXPECT_EQ(TakeText(), "Get_IXMLInput 2 bytes: no");
-  ExpectEmpty(query);
-}
-
 TEST_F(ContentQueryLoadTest, LengthIsPassedAsItIs) {
   for (const int length : {0, -1}) {
     ScriptUnreadableDocument();
     EXPECT_FALSE(query.Load(nullptr, length));
     EXPECT_EQ(TakeText(), "Get_IXMLInput " + std::to_string(length) + " bytes: ");
-  }
-}
-
-TEST_F(ContentQueryLoadTest, AMissingTitleOrCountStillReadsTheRestAndEmpties) {
-  const std::string reads[] = {".a:title", "#o:totalResults", "#o:startIndex", "#o:itemsPerPage"};
-  for (const std::string& missing : reads) {
-    ASSERT_TRUE(Load(Feed({Entry("1")})));
-    ASSERT_EQ(query.items_.size(), 1U);
-    TakeEffects();
-    EXPECT_FALSE(Load(FeedWithout(missing.substr(1)))) << missing;
-    const std::vector<std::string> effects = TakeEffects();
-    for (const std::string& read : reads) {
-      EXPECT_THAT(effects, testing::Contains((read == missing ? "!" : "") + read)) << missing;
-    }
-    EXPECT_THAT(effects, testing::Contains("-a:entry")) << missing;
-    ExpectEmpty(query);
   }
 }
 
@@ -122,25 +85,6 @@ TEST_F(ContentQueryLoadTest, WhatLeaveElementGivesIsNotLookedAt) {
                          Entry("1"), Entry("2")})));
   EXPECT_EQ(query.items_.size(), 2U);
   EXPECT_EQ(query.self_url_, "h");
-}
-
-TEST_F(ContentQueryLoadTest, SearchOperatorsAreReplacedInTheirOrder) {
-  const RecordingText recording;
-  EXPECT_TRUE(Load(Feed()));
-  EXPECT_THAT(TakeText(), testing::HasSubstr(".a:title | replace_all ' filetype:qmf' by '' | "
-                                             "replace_all ' is:downloadable' by '' | "
-                                             "replace_all 'filetype:qmf' by '' | "
-                                             "replace_all 'is:downloadable' by '' | !+a:link"));
-  EXPECT_FALSE(Load(FeedWithout("a:title")));
-  EXPECT_THAT(TakeText(), testing::Not(testing::HasSubstr("replace_all")));
-}
-
-TEST_F(ContentQueryLoadTest, EveryEntryIsGivenTheNewestVersion) {
-  query.max_qmf_version_ = 8;
-  EXPECT_TRUE(Load(Feed({Entry("1"), Entry("2")})));
-  ASSERT_EQ(query.items_.size(), 2U);
-  for (const auto* const item : query.items_) EXPECT_EQ(item->max_qmf_version_, 8);
-  EXPECT_EQ(query.items_[1]->id_, "2");
 }
 
 // Whatever runs out of memory, nothing of it stays.
@@ -154,6 +98,96 @@ TEST_F(ContentQueryLoadTest, OutOfMemoryEmptiesTheQueryAndReleasesTheReader) {
     EXPECT_EQ(CountReaders(), 0) << operation;
     ExpectEmpty(query);
   }
+}
+
+// The query holds the feed "old".
+class ContentQueryFeedTest : public ContentQueryLoadTest {
+ protected:
+  ContentQueryFeedTest() {
+    XmlElement feed = Feed();
+    feed.children[0].text = "old";
+    EXPECT_TRUE(Load(feed));
+    TakeEffects();
+  }
+};
+
+TEST_F(ContentQueryFeedTest, DownloadsThenLoadsWhileTheTransportExists) {
+  ScriptTransfer(Reply(200, "body"));
+  ScriptDocument(Feed());
+  EXPECT_TRUE(query.QueryFeed("http://a/?q=chairs"));
+  EXPECT_EQ(query.title_, "chairs");
+  EXPECT_EQ(TakeText(),
+            "http://a/?q=chairs: constructed | http://a/?q=chairs: Download | "
+            "Get_IXMLInput 4 bytes: body | +a:feed | .a:title | !+a:link | #o:totalResults | "
+            "#o:startIndex | #o:itemsPerPage | !+a:entry | -a:feed | End_IXMLInput | "
+            "reader deleted | http://a/?q=chairs: deleted");
+}
+
+TEST_F(ContentQueryFeedTest, AnyStatusOfAResponseIsLoaded) {
+  for (const int status :
+       {-200, 0, 100, 199, 200, 201, 203, 204, 300, 302, 400, 403, 404, 410, 500, 503}) {
+    query.Clear();
+    ScriptTransfer(Reply(status, "body"));
+    ScriptDocument(Feed());
+    EXPECT_TRUE(query.QueryFeed("http://a/")) << status;
+    EXPECT_EQ(query.title_, "chairs") << status;
+  }
+}
+
+TEST_F(ContentQueryFeedTest, AFailedDownloadKeepsTheOldResultsWhateverItsStatus) {
+  for (const int status : {0, 200, 404}) {
+    ScriptTransfer({false, status, "body", {}});
+    EXPECT_FALSE(query.QueryFeed("http://a/"));
+    EXPECT_EQ(TakeText(), "http://a/: constructed | http://a/: Download | http://a/: deleted");
+    EXPECT_EQ(query.title_, "old") << status;
+  }
+}
+
+TEST_F(ContentQueryFeedTest, AnEmptyUrlMakesNoTransport) {
+  EXPECT_FALSE(query.QueryFeed(""));
+  EXPECT_EQ(TakeText(), "");
+  EXPECT_EQ(query.title_, "old");
+}
+
+// A reader's length is an int. Cut to 32 bits, the last one would be that of the body.
+TEST_F(ContentQueryFeedTest, BodyIsPassedWithALengthThatFitsAnInt) {
+  const std::pair<Outcome, std::string> bodies[] = {
+      {Reply(200, ""), "0 bytes: "},
+      {Reply(200, std::string("a\0b", 3)), std::string("3 bytes: a\0b", 12)},
+      {{true, 200, "body", {}, INT_MAX}, "2147483647 bytes: "},
+      {{true, 200, "body", {}, INT_MAX + 1UL}, "-1 bytes: "},
+      {{true, 200, "body", {}, (1UL << 32) + 4}, "-1 bytes: "}};
+  for (const auto& [body, effect] : bodies) {
+    ScriptTransfer(body);
+    ScriptUnreadableDocument();
+    EXPECT_FALSE(query.QueryFeed("http://a/"));
+    EXPECT_THAT(TakeEffects(), testing::Contains("Get_IXMLInput " + effect));
+    EXPECT_EQ(query.title_, "") << effect;
+  }
+}
+
+// Pages are turned so: what is cleared is also what names the next page.
+TEST_F(ContentQueryFeedTest, TheUrlMayBeTheQuerysOwn) {
+  for (ovrant::utils::ovrant_ustring ContentQuery::*url :
+       {&ContentQuery::next_url_, &ContentQuery::previous_url_, &ContentQuery::self_url_}) {
+    query.*url = "http://own/";
+    ScriptTransfer(Reply(200, "body"));
+    ScriptDocument(Feed());
+    EXPECT_TRUE(query.QueryFeed(query.*url));
+    const std::vector<std::string> effects = TakeEffects();
+    EXPECT_EQ(effects.front(), "http://own/: constructed");
+    EXPECT_EQ(effects.back(), "http://own/: deleted");
+    EXPECT_EQ(query.*url, "");
+  }
+}
+
+TEST_F(ContentQueryFeedTest, RunningOutOfMemoryIsAFailureAndDeletesTheTransport) {
+  ScriptTransfer(Reply(200, "body"));
+  ScriptDocument(Feed());
+  SetFailingOperation("#o:startIndex");
+  EXPECT_FALSE(query.QueryFeed("http://a/"));
+  EXPECT_EQ(CountTransports(), 0);
+  EXPECT_EQ(query.title_, "");
 }
 
 }  // namespace
