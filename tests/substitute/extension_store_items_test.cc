@@ -75,11 +75,6 @@ TEST_F(ExtensionStoreItemsTest, ElementsThatAreNoObjectsAreSkipped) {
   EXPECT_THAT(KeysOf(R"(["x",{"id":"b"},null,{"id":"a"},7])"), ElementsAre("a", "b"));
 }
 
-TEST_F(ExtensionStoreItemsTest, AnElementWithNothingButAnIdHasTheDefaults) {
-  const ItemMap items = ItemsOf(R"({"extensions":[{"id":"x"}]})");
-  EXPECT_EQ(Fields(items.at("x")), std::make_tuple("x", "", 0.0F, "", false, false, false));
-}
-
 TEST_F(ExtensionStoreItemsTest, VersionIsAStringThatSpellsANumber) {
   EXPECT_EQ(ItemWith(R"("version":"2.5")").version, 2.5F);
   EXPECT_EQ(ItemWith(R"("version":"-1")").version, -1.0F);
@@ -158,21 +153,9 @@ TEST_F(ExtensionStoreItemsTest, FirstOfRepeatedMembersCounts) {
   EXPECT_TRUE(items.at("a").enabled);
 }
 
-TEST_F(ExtensionStoreItemsTest, MayBeReadAnyNumberOfTimes) {
-  ASSERT_EQ(ItemsOf(R"({"extensions":[{"id":"x"},{"id":"y"}]})").size(), 2U);
-  EXPECT_EQ(status.GetItemMapFromResponse().size(), 2U);
-  EXPECT_EQ(status.GetItemMapFromResponse().size(), 2U);
-}
-
 TEST_F(ExtensionStoreItemsTest, KeysAreOrderedByCodeUnits) {
   EXPECT_THAT(KeysOf(R"([{"id":"b"},{"id":"a"},{"id":"B"},{"id":"\uffee"},{"id":"\ud83d\ude00"}])"),
               ElementsAre("B", "a", "b", "\xF0\x9F\x98\x80", "\xEF\xBF\xAE"));
-}
-
-TEST_F(ExtensionStoreItemsTest, KeysThatBeginAlikeAreOrderedByTheirEnds) {
-  EXPECT_THAT(KeysOf(R"([{"id":"store.b"},{"id":"store"},{"id":"sto"},{"id":"stor"},)"
-                     R"({"id":"store.a"},{"id":"store.aa"},{"id":""}])"),
-              ElementsAre("", "sto", "stor", "store", "store.a", "store.aa", "store.b"));
 }
 
 }  // namespace

@@ -22,22 +22,18 @@ TEST_F(ExtensionStoreStatusTest, NothingHasCompletedWhenTheLibraryIsLoaded) {
   EXPECT_FALSE(completed_at_load);
 }
 
-TEST_F(ExtensionStoreStatusTest, ConstructorObservesBothNames) {
+TEST_F(ExtensionStoreStatusTest, ObservesBothNamesUntilThatIsRemoved) {
+  const char* const both =
+      "AddObserver ExtensionStoreStatusRequestReturned | "
+      "AddObserver ExtensionStoreStatusRequestFailed";
   ExtensionStoreStatus fresh;
-  EXPECT_EQ(TakeText(),
-            "AddObserver ExtensionStoreStatusRequestReturned | "
-            "AddObserver ExtensionStoreStatusRequestFailed");
+  EXPECT_EQ(TakeText(), both);
   EXPECT_THAT(fresh.GetItemMapFromResponse(), IsEmpty());
-}
-
-TEST_F(ExtensionStoreStatusTest, RegistrationIsRemovedFromBothNamesAndMadeAgain) {
-  status->RemoveNotifications();
+  fresh.RemoveNotifications();
   EXPECT_EQ(TakeText(), "RemoveObserver");
-  EXPECT_EQ(CountRegistrations(), 0);
-  status->AddNotifications();
-  EXPECT_EQ(TakeText(),
-            "AddObserver ExtensionStoreStatusRequestReturned | "
-            "AddObserver ExtensionStoreStatusRequestFailed");
+  EXPECT_EQ(CountRegistrations(), 2);  // those of `status`
+  fresh.AddNotifications();
+  EXPECT_EQ(TakeText(), both);
 }
 
 // The first removal keeps the ends of other objects' transfers away; the order after it stands.

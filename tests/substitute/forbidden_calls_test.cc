@@ -58,11 +58,8 @@ void ExpectCaughtInside(const char* name, const Outcome& outcome) {
 
 class ForbiddenCallsDeathTest : public SubstituteTest {};
 
-TEST_F(ForbiddenCallsDeathTest, OnAUserInfoQueryInsideItsPublicNotification) {
+TEST_F(ForbiddenCallsDeathTest, OnAQueryInsideItsPublicNotification) {
   ExpectCaughtInside<UserInfoQuery>("UserInfoUpdated", Reply(200, kUser));
-}
-
-TEST_F(ForbiddenCallsDeathTest, OnAnUpdateQueryInsideItsPublicNotification) {
   ExpectCaughtInside<UpdateQuery>("UpdateQueryAsyncSucceeded", Reply(200, kUpdate));
   ExpectCaughtInside<UpdateQuery>("UpdateQueryAsyncFailed", Reply(404, ""));
   ExpectCaughtInside<UpdateQuery>("UpdateQueryAsyncFailed", NoReply());
@@ -145,15 +142,20 @@ TEST_F(AllowedCallsTest, ARunningStatusIsDeletedInsideTheNotificationOfAnother) 
 TEST_F(AllowedCallsTest, OthersAreStartedAndCleanedUpInsideTheNotificationOfOne) {
   const auto query = Started<UserInfoQuery>();
   const auto running = Started<UpdateQuery>("http://running/");
-  const auto idle = std::make_unique<ExtensionStoreStatus>();
-  idle->Init("http://idle/", nullptr, "{}");
+  UpdateQuery update;
+  update.Init("http://update/", nullptr);
+  ExtensionStoreStatus status;
+  status.Init("http://status/", nullptr, "{}");
   const Host host("UserInfoUpdated", [&] {
     running->CleanUpRequest();
-    idle->AsynchronousStatus();
+    update.AsynchronousRequest();
+    status.AsynchronousStatus();
   });
   EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUser)));
   EXPECT_FALSE(EndTransfer("http://running/", Reply(200, kUpdate)));
-  EXPECT_TRUE(EndTransfer("http://idle/", Reply(200, "{}")));
+  EXPECT_TRUE(EndTransfer("http://update/", Reply(200, kUpdate)));
+  EXPECT_EQ(update.current_version_, "2");
+  EXPECT_TRUE(EndTransfer("http://status/", Reply(200, "{}")));
 }
 
 TEST_F(AllowedCallsTest, ARequestRunsBlockingInsideItsNotification) {

@@ -3,29 +3,23 @@
 
 #include <cstddef>
 #include <memory>
-#include <tuple>
 #include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
-#include "common_stowraapi/services/extension_store_status.h"
-#include "common_stowraapi/services/update_query.h"
-#include "common_stowraapi/services/user_info_query.h"
 #include "tests/substitute/fixture.h"
 #include "tests/substitute/member_access.h"
+#include "tests/substitute/started.h"
 #include "tests/support/text.h"
 
 namespace stowra_substitute {
 
 using ovrant::extensionstoreapi::ExtensionStoreItem;
-using ovrant::extensionstoreapi::ExtensionStoreStatus;
 using ovrant::internet::InternetData;
 using ovrant::internet::InternetDataDelegate;
 using ovrant::utils::StringMap;
 using ovrant::webservices::DataFileData;
 using ovrant::webservices::MessageData;
-using ovrant::webservices::UpdateQuery;
-using ovrant::webservices::UserInfoQuery;
 using ovrant::webservices::WebServiceRequestBase;
 using Text = ovrant::utils::ovrant_ustring;
 
@@ -97,23 +91,14 @@ TEST(LayoutTest, TheObserverComesFirst) {
   ExpectBaseFirst<ExtensionStoreStatus>();
 }
 
-auto Fields(const ExtensionStoreStatus& status) {
-  return std::make_tuple(
-      status.*PointerTo(StatusUrl()), status.*PointerTo(StatusContext()),
-      status.*PointerTo(StatusRequestBody()), status.*PointerTo(StatusResponse()),
-      (status.*PointerTo(StatusData())).get(), (status.*PointerTo(StatusDelegate())).get());
-}
-
 TEST(LayoutTest, AFreshExtensionStoreStatusIsEmpty) {
-  EXPECT_EQ(Fields(ExtensionStoreStatus()), std::make_tuple("", nullptr, "", "", nullptr, nullptr));
-}
-
-TEST(LayoutTest, ExtensionStoreStatusKeepsWhatInitIsGiven) {
-  ExtensionStoreStatus status;
-  status.*PointerTo(StatusResponse()) = "old";
-  status.Init("http://a/", Address(0x2a), "{}");
-  EXPECT_EQ(Fields(status),
-            std::make_tuple("http://a/", Address(0x2a), "{}", "", nullptr, nullptr));
+  const ExtensionStoreStatus status;
+  EXPECT_EQ(status.*PointerTo(StatusUrl()), "");
+  EXPECT_EQ(status.*PointerTo(StatusContext()), nullptr);
+  EXPECT_EQ(status.*PointerTo(StatusRequestBody()), "");
+  EXPECT_EQ(status.*PointerTo(StatusResponse()), "");
+  EXPECT_EQ(status.*PointerTo(StatusData()), nullptr);
+  EXPECT_EQ(status.*PointerTo(StatusDelegate()), nullptr);
 }
 
 TEST(LayoutTest, UserInfoCacheIsOrderedByCompareAndEmptyAtFirst) {

@@ -83,12 +83,6 @@ inline std::vector<End> AllEnds() {
   return ends;
 }
 
-// A body that its transport has published.
-inline std::string BodyOf(const ovrant::internet::InternetData& transport) {
-  return std::string(reinterpret_cast<const char*>(transport.received_data()),
-                     transport.received_data_length());
-}
-
 }  // namespace stowra_substitute
 
 #endif  // TESTS_SUBSTITUTE_RECORDING_REQUEST_H_

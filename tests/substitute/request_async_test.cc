@@ -4,7 +4,6 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
-#include <string>
 
 #include "tests/substitute/fixture.h"
 #include "tests/substitute/recording_request.h"
@@ -41,13 +40,6 @@ class RequestAsyncTest : public SubstituteTest {
   std::unique_ptr<RecordingRequest> request;
 };
 
-TEST_F(RequestAsyncTest, ConstructsTransportThenDelegateThenStarts) {
-  request->AsynchronousRequest();
-  EXPECT_EQ(TakeText(), kStart);
-  EXPECT_NE(request->internet_data_, nullptr);
-  EXPECT_NE(request->delegate_, nullptr);
-}
-
 TEST_F(RequestAsyncTest, ASecondRequestDropsTheFirstTransferBeforeItStarts) {
   Start();
   request->Init("http://b/", nullptr);
@@ -67,14 +59,6 @@ TEST_F(RequestAsyncTest, ASecondRequestDropsAnEndedTransferToo) {
   EXPECT_EQ(TakeText(), std::string("delegate deleted | http://a/: deleted | ") + kStart);
 }
 
-TEST_F(RequestAsyncTest, EmptyUrlDoesNothingAtAll) {
-  request->Init("", nullptr);
-  request->AsynchronousRequest();
-  EXPECT_EQ(request->internet_data_, nullptr);
-  EXPECT_EQ(request->delegate_, nullptr);
-  EXPECT_EQ(TakeText(), "");
-}
-
 TEST_F(RequestAsyncTest, EmptyUrlKeepsTheTransferBefore) {
   Start();
   const auto* const transport = request->internet_data_.get();
@@ -89,7 +73,7 @@ TEST_F(RequestAsyncTest, EmptyUrlKeepsTheTransferBefore) {
   EXPECT_EQ(TakeText(), "post Returned 0x2a | ParseResponse 'a' | OnAsyncResponseSuccess");
 }
 
-TEST_F(RequestAsyncTest, IgnoresATransferThatDoesNotStart) {
+TEST_F(RequestAsyncTest, ConstructsBothThenStartsWhateverThatGives) {
   SetStartsInBackground(false);
   request->AsynchronousRequest();
   EXPECT_EQ(TakeText(), kStart);
@@ -107,15 +91,6 @@ TEST_F(RequestAsyncTest, EachEndRunsItsHook) {
                               (end.succeeds ? "OnAsyncResponseSuccess" : "OnAsyncResponseFail"))
         << end.outcome.status;
   }
-}
-
-TEST_F(RequestAsyncTest, KeepsTransportDelegateAndBodyAfterTheHook) {
-  Start();
-  request->in_hook = [this] { EXPECT_EQ(BodyOf(*request->internet_data_), "body"); };
-  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, "body")));
-  ASSERT_NE(request->internet_data_, nullptr);
-  EXPECT_NE(request->delegate_, nullptr);
-  EXPECT_EQ(BodyOf(*request->internet_data_), "body");
 }
 
 TEST_F(RequestAsyncTest, NamesAreComparedByContent) {
@@ -174,14 +149,6 @@ TEST_F(RequestAsyncTest, HookPassesItsExceptionToThePost) {
     request->in_hook = [] { throw std::runtime_error("hook"); };
     EXPECT_THROW(EndTransfer("http://a/", outcome), std::runtime_error);
   }
-}
-
-TEST_F(RequestAsyncTest, NoHookRunsAfterCleanUp) {
-  Start();
-  request->CleanUpRequest();
-  TakeEffects();
-  EXPECT_FALSE(EndTransfer("http://a/", Reply(200, "")));
-  EXPECT_EQ(TakeText(), "");
 }
 
 #ifdef NDEBUG

@@ -124,13 +124,11 @@ TEST_F(SlotsTest, UserInfoQuery) {
   CallSlot(&query, kOnSyncResponseFail);
   CallSlot(&query, kOnAsyncResponseFail);
   EXPECT_EQ(TakeText(), "");
-  CallSlot(&query, kOnSyncResponseSuccess);
-  EXPECT_EQ(TakeText(), "post UserInfoUpdated");
-  CallSlot(&query, kOnAsyncResponseSuccess);
-  EXPECT_EQ(TakeText(), "post UserInfoUpdated");
+  for (const Slot slot : {kOnSyncResponseSuccess, kOnAsyncResponseSuccess}) {
+    CallSlot(&query, slot);
+    EXPECT_EQ(TakeText(), "post UserInfoUpdated");
+  }
 }
-
-TEST_F(SlotsTest, UserInfoQueryDestructors) { ExpectDestructorSlots<UserInfoQuery>(); }
 
 TEST_F(SlotsTest, UpdateQuery) {
   UpdateQuery query;
@@ -145,11 +143,7 @@ TEST_F(SlotsTest, UpdateQuery) {
     CallSlot(&query, slot);
     EXPECT_EQ(TakeText(), "post UpdateQueryAsyncFailed");
   }
-  CallSlot<void, const char*, void*>(&query, kOnNotification, "UpdateQueryFailed", nullptr);
-  EXPECT_EQ(TakeText(), "post UpdateQueryAsyncFailed");
 }
-
-TEST_F(SlotsTest, UpdateQueryDestructors) { ExpectDestructorSlots<UpdateQuery>(); }
 
 TEST_F(SlotsTest, QueriesTakeInitAndOnNotificationFromTheirBase) {
   const ovrant::webservices::WebServiceRequestBase base;
@@ -173,7 +167,9 @@ TEST_F(SlotsTest, ExtensionStoreStatus) {
   EXPECT_EQ(TakeText(), "post ExtensionStoreAsyncStatusFailed");
 }
 
-TEST_F(SlotsTest, ExtensionStoreStatusDestructors) {
+TEST_F(SlotsTest, DestructorsOfTheServices) {
+  ExpectDestructorSlots<UserInfoQuery>();
+  ExpectDestructorSlots<UpdateQuery>();
   ExpectDestructorSlots<ExtensionStoreStatus>();
 }
 

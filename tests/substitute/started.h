@@ -17,8 +17,9 @@ using ovrant::extensionstoreapi::ExtensionStoreStatus;
 using ovrant::webservices::UpdateQuery;
 using ovrant::webservices::UserInfoQuery;
 
-inline constexpr char kUser[] = R"({"uid":"1","email":"e","vkr_id":"v"})";
-inline constexpr char kUpdate[] = R"({"update":{"current_version":"2","expire_version":"1"}})";
+inline constexpr char kUser[] = R"({"uid":"1","email":"e","vkr_id":"v","displayname":"Ada"})";
+inline constexpr char kUpdate[] =
+    R"({"update":{"current_version":"2","expire_version":"1"},"datafiles":[{"version":3}]})";
 
 // A new object whose request is running.
 template <typename Request>

@@ -23,15 +23,6 @@ TEST_F(TwoRequestsTest, OneUserInfoQueryRequestsAndTheOthersIgnoreItsEnd) {
   EXPECT_TRUE(after.GetUserInfoValue("uid").empty());
 }
 
-TEST_F(TwoRequestsTest, OneUpdateQueryRequestsAndTheOtherIgnoresItsReturn) {
-  const UpdateQuery other;
-  const auto requesting = Started<UpdateQuery>();
-  TakeEffects();
-  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, kUpdate)));
-  EXPECT_EQ(TakeText(), "post UpdateQueryReturned | post UpdateQueryAsyncSucceeded");
-  EXPECT_TRUE(other.current_version_.empty());
-}
-
 TEST_F(TwoRequestsTest, OneExtensionStoreStatusRequestsAndTheOtherIgnoresItsReturn) {
   ExtensionStoreStatus other;
   const auto requesting = Started<ExtensionStoreStatus>();
@@ -107,16 +98,6 @@ TEST_F(TwoRequestsTest, ARunningRequestIsDeletedInsideASynchronousRequest) {
             "http://a/: constructed | http://a/: Download | http://a/: deleted | "
             "post UpdateQueryAsyncFailed | RemoveObserver | delegate deleted | "
             "http://doomed/: deleted | RemoveObserver");
-}
-
-TEST_F(TwoRequestsTest, ARequestStartsAnotherOneInsideItsPublicNotification) {
-  UpdateQuery update;
-  update.Init("http://update/", nullptr);
-  const auto user = Started<UserInfoQuery>("http://user/");
-  const Host host("UserInfoUpdated", [&] { update.AsynchronousRequest(); });
-  EXPECT_TRUE(EndTransfer("http://user/", Reply(200, kUser)));
-  EXPECT_TRUE(EndTransfer("http://update/", Reply(200, kUpdate)));
-  EXPECT_EQ(update.current_version_, "2");
 }
 
 }  // namespace
