@@ -120,18 +120,6 @@ TEST_F(ExtensionStoreItemsTest, TheLastElementOfOneIdReplacesAllFields) {
   EXPECT_EQ(Fields(items.at("x")), std::make_tuple("x", "", 3.0F, "", false, false, false));
 }
 
-TEST_F(ExtensionStoreItemsTest, OfAThousandElementsOfOneIdTheLastCounts) {
-  std::string response = R"({"extensions":[)";
-  for (int i = 1; i <= 1000; ++i) {
-    response += R"({"id":"same id","version":")" + std::to_string(i) + R"("},)" +
-                R"({"id":"same","version":")" + std::to_string(-i) + R"("},)";
-  }
-  const ItemMap items = ItemsOf(response + "0]}");
-  ASSERT_EQ(items.size(), 2U);
-  EXPECT_EQ(items.at("same id").version, 1000.0F);
-  EXPECT_EQ(items.at("same").version, -1000.0F);
-}
-
 TEST_F(ExtensionStoreItemsTest, ElementsWithoutAStringIdShareTheEmptyKey) {
   const ItemMap items =
       ItemsOf(R"({"extensions":[{"file_url":"1"},{"id":7,"file_url":"2"},{"id":"","file_url":"3"},)"

@@ -23,17 +23,6 @@ TEST_F(TwoRequestsTest, OneUserInfoQueryRequestsAndTheOthersIgnoreItsEnd) {
   EXPECT_TRUE(after.GetUserInfoValue("uid").empty());
 }
 
-TEST_F(TwoRequestsTest, OneExtensionStoreStatusRequestsAndTheOtherIgnoresItsReturn) {
-  ExtensionStoreStatus other;
-  const auto requesting = Started<ExtensionStoreStatus>();
-  TakeEffects();
-  EXPECT_TRUE(EndTransfer("http://a/", Reply(200, R"({"extensions":[{"id":"x"}]})")));
-  EXPECT_EQ(TakeText(),
-            "post ExtensionStoreStatusRequestReturned | post ExtensionStoreAsyncStatusSucceeded");
-  EXPECT_EQ(requesting->GetItemMapFromResponse().size(), 1U);
-  EXPECT_TRUE(other.GetItemMapFromResponse().empty());
-}
-
 // The other one has ended a request of its own before, and handles the name with what it holds.
 TEST_F(TwoRequestsTest, AnObjectThatStillHoldsATransportHandlesTheReturnOfAnother) {
   const auto idle = Started<ExtensionStoreStatus>("http://idle/");
