@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <atomic>
 #include <memory>
 
 #include "common_stowraapi/platform/body_sink.h"
 #include "common_stowraapi/platform/memory_source.h"
+#include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
@@ -16,7 +16,6 @@ namespace {
 
 using ovrant::internet::BodySink;
 using ovrant::internet::MemorySource;
-using ovrant::internet::TransferError;
 
 const char* NameOf(TransferError error) {
   constexpr std::array<const char*, 15> kNames = {"kNone",
@@ -54,26 +53,6 @@ const Traits& TraitsOf(Way way) {
                                                      {"UploadFromWithDelegate", false, true}}};
   return kTraits.at(static_cast<std::size_t>(way));
 }
-
-// Holds the reason with which the last transfer ended.
-class ReasonListener {
- public:
-  ReasonListener() {
-    InternetData::SetTransferListener([reason = reason_](const TransferEvent& event) {
-      if (event.kind == TransferEvent::Kind::kEnded) *reason = event.reason;
-    });
-  }
-  ~ReasonListener() { InternetData::SetTransferListener(nullptr); }
-
-  ReasonListener(const ReasonListener&) = delete;
-  ReasonListener& operator=(const ReasonListener&) = delete;
-
-  TransferError reason() const { return *reason_; }
-
- private:
-  const std::shared_ptr<std::atomic<TransferError>> reason_ =
-      std::make_shared<std::atomic<TransferError>>(TransferError::kNone);
-};
 
 Answer AnswerIn(const InternetData& transport, bool received) {
   if (!received) ExpectFailureState(transport, transport.status_code());
@@ -171,10 +150,15 @@ Answer Ask(Way way, const std::string& url, const std::string& upload) {
 }
 
 Answer AskForReason(Way way, const std::string& url, const std::string& upload) {
-  const ReasonListener listener;
+  const EndListener listener;
   Answer answer = Ask(way, url, upload);
-  answer.error = listener.reason();
-  EXPECT_TRUE(!IsBlocking(way) || InternetData::LastError() == answer.error);
+  const TransferEvent end = listener.last();
+  EXPECT_EQ(end.kind, TransferEvent::Kind::kEnded);
+  EXPECT_EQ(end.reason == TransferError::kNone, answer.received);
+  EXPECT_EQ(end.error.empty(), answer.received);
+  EXPECT_EQ(end.status, answer.status);
+  EXPECT_TRUE(!IsBlocking(way) || InternetData::LastError() == end.reason);
+  answer.error = end.reason;
   return answer;
 }
 
