@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
-#include "common_stowraapi/platform/ustring.h"
 
 namespace ovrant::internet {
 
@@ -19,18 +18,6 @@ class InternetDataTestPeer {
   static void SetInactivityTimeout(InternetData& transport, float seconds) {
     transport.inactivity_timeout_ = seconds;
   }
-
-  static const ovrant::utils::ovrant_ustring& Url(const InternetData& t) { return t.url_; }
-  static bool FirstFlag(const InternetData& t) { return t.started_; }
-  static float FloatSetting(const InternetData& t) { return t.inactivity_timeout_; }
-  static int IntegerSetting(const InternetData& t) { return t.redirect_limit_; }
-  static const ovrant::utils::ovrant_ustring& TextSetting(const InternetData& t, int index) {
-    return t.reserved_texts_[index];
-  }
-  static const ovrant::utils::StringMap& FirstMap(const InternetData& t) { return t.send_headers_; }
-  static bool SecondFlag(const InternetData& t) { return t.responded_; }
-  static bool HasPointers(const InternetData& t) { return t.send_data_ || t.transfer_; }
-  static bool LastFlag(const InternetData& t, int index) { return t.reserved_flags_[index]; }
 
   // The members in the order of the binary interface.
   static std::vector<const void*> Members(const InternetData& t) {
