@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/platform/http/end_listener.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
@@ -24,31 +25,27 @@ void UseProxy(const RawServer& proxy, float timeout = 0) {
 }
 
 // What the proxy sends: `start` once, then `piece` for ever.
-struct Endless {
+struct Flood {
   const char* name;
   const char* start;
   std::string piece;
 };
 
-class EndlessProxyTest : public TransportTest, public ::testing::WithParamInterface<Endless> {
+class EndlessProxyTest : public TransportTest, public ::testing::WithParamInterface<Flood> {
  protected:
-  const RawServer proxy_{[](const RawRequest&, RawConnection& connection) {
-    connection.Write(GetParam().start);
-    while (connection.Write(GetParam().piece)) {
-    }
-  }};
+  const RawServer proxy_{Endless(GetParam().start, GetParam().piece)};
 };
 
 INSTANTIATE_TEST_SUITE_P(
     Answers, EndlessProxyTest,
     ::testing::Values(
-        Endless{"BodyOfARefusal", "HTTP/1.1 407 No\r\nContent-Length: 9000000000000000\r\n\r\n",
-                std::string(10'000, 'x')},
-        Endless{"ChunkedBodyOfARefusal", "HTTP/1.1 403 No\r\nTransfer-Encoding: chunked\r\n\r\n",
-                "5\r\nhello\r\n"},
-        Endless{"Headers", "HTTP/1.1 200 OK\r\n", "X-Header: " + std::string(1000, 'x') + "\r\n"},
-        Endless{"HeaderLine", "HTTP/1.1 200 OK\r\nX-Header: ", std::string(10'000, 'x')},
-        Endless{"InterimResponses", "", "HTTP/1.1 100 Continue\r\n\r\n"}),
+        Flood{"BodyOfARefusal", "HTTP/1.1 407 No\r\nContent-Length: 9000000000000000\r\n\r\n",
+              std::string(10'000, 'x')},
+        Flood{"ChunkedBodyOfARefusal", "HTTP/1.1 403 No\r\nTransfer-Encoding: chunked\r\n\r\n",
+              "5\r\nhello\r\n"},
+        Flood{"Headers", "HTTP/1.1 200 OK\r\n", "X-Header: " + std::string(1000, 'x') + "\r\n"},
+        Flood{"HeaderLine", "HTTP/1.1 200 OK\r\nX-Header: ", std::string(10'000, 'x')},
+        Flood{"InterimResponses", "", "HTTP/1.1 100 Continue\r\n\r\n"}),
     RowName());
 
 TEST_P(EndlessProxyTest, FailsSoonInEveryWay) {

@@ -184,7 +184,7 @@ TEST_F(TimeoutTest, EndsAnUploadThatTheServerDoesNotRead) {
   SetInactivityTimeout(kShort);
   const RawServer server(
       [](const RawRequest&, RawConnection& connection) { connection.StallWithoutReading(); },
-      {nullptr, false, 4096});
+      kUnread);
   EXPECT_EQ(Ask(Way::kUploadWithDelegate, server.Url(), std::string(kLargeBody, 'x')),
             NotReceived());
 }
@@ -222,11 +222,7 @@ TEST_F(TimeoutTest, InvalidSettingMeansTheTransportsOwn) {
 
 // The worker has no time to wait beside a reply that comes as fast as it can be read.
 TEST_F(TimeoutTest, ASilentServerIsNoticedBesideABusyOne) {
-  const RawServer busy([](const RawRequest&, RawConnection& connection) {
-    connection.Write(CHUNKED);
-    const std::string many_chunks = Repeated("1\r\nx\r\n", 10'000);
-    while (connection.Write(many_chunks)) continue;
-  });
+  const RawServer busy(Endless(CHUNKED, Repeated("1\r\nx\r\n", 10'000)));
   const RawServer silent(Silence());
   Background stream(busy.Url());
   ASSERT_TRUE(stream.Start());
