@@ -6,7 +6,6 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::internet::AddHeaders;
 using ovrant::internet::SetHeader;
 using ovrant::utils::StringMap;
 
@@ -20,19 +19,6 @@ TEST(RequestHeaders, ValueOfTheMapItselfMayBeSet) {
   StringMap headers = {{"x-one", "1"}};
   SetHeader(headers.begin()->first, headers.begin()->second, headers);
   EXPECT_EQ(headers, (StringMap{{"x-one", "1"}}));
-}
-
-TEST(RequestHeaders, AddedOnesWin) {
-  StringMap headers = {{"X-One", "1"}, {"X-Two", "2"}};
-  AddHeaders({{"x-two", "3"}, {"Cookie", "4"}}, true, headers);
-  EXPECT_EQ(headers, (StringMap{{"X-One", "1"}, {"x-two", "3"}, {"Cookie", "4"}}));
-}
-
-TEST(RequestHeaders, ElsewhereOnlyFreeOnesAreAdded) {
-  StringMap headers = {{"Cookie", "kept"}};
-  AddHeaders({{"accept", "1"}, {"Authorization", "2"}, {"Cookie", "3"}, {"X-One", "4"}}, false,
-             headers);
-  EXPECT_EQ(headers, (StringMap{{"Cookie", "kept"}, {"accept", "1"}}));
 }
 
 }  // namespace

@@ -22,16 +22,6 @@ HttpExchange Impossible() {
   return HttpExchange(std::move(request), nullptr);
 }
 
-TEST(TransferLoopTest, ReturnsAnImpossibleExchangeAtOnce) {
-  TransferLoop loop;
-  HttpExchange exchange = Impossible();
-  loop.Start(exchange);
-  EXPECT_EQ(loop.size(), 1U);
-  EXPECT_EQ(loop.NextEnded(), &exchange);
-  EXPECT_EQ(loop.NextEnded(), nullptr);
-  EXPECT_FALSE(exchange.TakeReply().received);
-}
-
 TEST(TransferLoopTest, DoesNotReturnAnExchangeDroppedAfterItsEnd) {
   TransferLoop loop;
   HttpExchange dropped = Impossible();
