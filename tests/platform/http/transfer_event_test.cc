@@ -14,6 +14,7 @@
 #include "common_stowraapi/platform/http/background_worker.h"
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/platform/http/transport_fixture.h"
 
 namespace stowra_test {
@@ -99,51 +100,39 @@ TEST_F(TransferEventTest, StatusIsZeroUntilAResponseBegins) {
   }
 }
 
-TEST_F(TransferEventTest, FailureKeepsWhatWasReceived) {
-  const RawServer server(AlwaysThenClose("HTTP/1.1 203 OK\r\nContent-Length: 9\r\n\r\nhello"));
-  for (const Way way : kAllWays) {
-    Ask(way, server.Url(), "data");
-    const TransferEvent end = TakeEvents().back();
-    EXPECT_EQ(end.kind, Kind::kEnded);
-    EXPECT_EQ(end.reason, TransferError::kCutOff);
-    EXPECT_EQ(end.status, 203);
-    EXPECT_EQ(end.bytes_received, 5U);
-    EXPECT_EQ(end.wire_bytes_received, 5U);
-    EXPECT_EQ(end.bytes_expected, 9U);
-  }
-}
-
-TEST_F(TransferEventTest, CountsCompressedBytesToo) {
+TEST_F(TransferEventTest, EndCountsTheBytes) {
   const std::string text(500'000, 'x');
   const std::string gzip = Gzip(text);
-  const RawServer server([&gzip](const RawRequest& request, RawConnection& connection) {
-    const std::string encoding = "Content-Encoding: gzip\r\n";
-    if (request.target == "/") {
-      connection.Write(Response(200, gzip, encoding));
-    } else {
-      connection.Write("HTTP/1.1 200 OK\r\n" + encoding + "\r\n" + gzip);
-      connection.Close();
-    }
-  });
-  for (const Way way : kAllWays) {
-    for (const char* target : {"/", "/of-unknown-length"}) {
-      Ask(way, server.Url(target), "data");
+  const std::string gzip_head = "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n";
+  const std::string chunked_head = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+  const struct {
+    const char* name;
+    std::string reply;
+    TransferError reason;
+    std::size_t received;
+    std::size_t on_the_wire;
+    std::size_t expected;
+  } kReplies[] = {
+      {"gzip", Response(200, gzip, kGzipHeader), TransferError::kNone, text.size(), gzip.size(),
+       gzip.size()},
+      {"gzip without length", gzip_head + gzip, TransferError::kNone, text.size(), gzip.size(), 0},
+      {"chunks", chunked_head + "5\r\nhello\r\n0\r\n\r\n", TransferError::kNone, 5, 5, 0},
+      {"cut off", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nhello", TransferError::kCutOff, 5, 5,
+       9},
+  };
+  for (const auto& reply : kReplies) {
+    const RawServer server(AlwaysThenClose(reply.reply));
+    for (const Way way : kAllWays) {
+      SCOPED_TRACE(std::string(reply.name) + ", " + NameOf(way));
+      Ask(way, server.Url(), "data");
       const TransferEvent end = TakeEvents().back();
-      EXPECT_EQ(end.bytes_received, text.size());
-      EXPECT_EQ(end.wire_bytes_received, gzip.size());
-      EXPECT_EQ(end.bytes_expected, target == std::string("/") ? gzip.size() : 0);
+      EXPECT_EQ(end.kind, Kind::kEnded);
+      EXPECT_EQ(end.reason, reply.reason);
+      EXPECT_EQ(end.status, 200);
+      EXPECT_EQ(end.bytes_received, reply.received);
+      EXPECT_EQ(end.wire_bytes_received, reply.on_the_wire);
+      EXPECT_EQ(end.bytes_expected, reply.expected);
     }
-  }
-}
-
-TEST_F(TransferEventTest, ProgressOfAChunkedBodyCountsItsBytes) {
-  const RawServer server(
-      Always("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n0\r\n\r\n"));
-  for (const Way way : kAllWays) {
-    Ask(way, server.Url(), "data");
-    const TransferEvent end = TakeEvents().back();
-    EXPECT_EQ(end.wire_bytes_received, 5U);
-    EXPECT_EQ(end.bytes_expected, 0U);
   }
 }
 
