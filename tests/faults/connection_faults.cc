@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "tests/faults/fault.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/support/client_socket.h"
 #include "tests/support/closed_port.h"
 #include "tests/support/full_listener.h"
@@ -37,10 +38,6 @@ Fault Reset(const char* name, const char* bytes, int status) {
                  Failed(status, TransferError::kCutOff), EveryWay()};
   fault.may_lose_status = true;
   return fault;
-}
-
-Fault NotLetIn(const char* name, std::function<void(Stage&)> set) {
-  return {name, std::move(set), Failed(0, TransferError::kNotConnected), EveryWay()};
 }
 
 Fault Silent(const char* name, std::function<void(Stage&)> set, int status) {
@@ -123,10 +120,10 @@ Fault UnaskedBytes() {
       is_idle->Pass();
       connection.Write(Response(200, "unasked"));
     };
-    stage.set_before([is_idle, port = stage.AddServer(handler).port()] {
+    stage.before = [is_idle, port = stage.AddServer(handler).port()] {
       is_idle->Open();
       EXPECT_TRUE(WaitForBytes(port));
-    });
+    };
   };
   return OnUsedConnection({"UnaskedBytes", set, Received(200, kGoodBody), EveryWay(), 1});
 }
@@ -135,17 +132,14 @@ Fault UnaskedBytes() {
 // body is not read before the transfer has ended.
 void AnswerEarly(int status, const std::string& body, Stage& stage) {
   auto turnstile = std::make_shared<Turnstile>();
-  stage.set_after([turnstile] { turnstile->Open(); });
-  RawServer::Options options;
-  options.reads_body = false;
-  options.receive_buffer = 4096;
+  stage.after = [turnstile] { turnstile->Open(); };
   stage.AddServer(
       [status, body, turnstile](const RawRequest&, RawConnection& connection) {
         connection.Write(Response(status, body));
         turnstile->Pass();
         connection.Close();
       },
-      options);
+      kUnread);
 }
 
 Fault AnsweredEarly(const char* name, int status, const char* body) {
@@ -160,12 +154,12 @@ Fault AnsweredEarly(const char* name, int status, const char* body) {
 
 std::vector<Fault> ConnectionFaults() {
   const auto set_closed = [](Stage& stage) {
-    stage.set_url(stage.Keep(std::make_shared<ClosedPort>()).Url());
+    stage.url = stage.Keep(std::make_shared<ClosedPort>()).Url();
   };
   const auto set_full = [](Stage& stage) {
-    stage.set_url(stage.Keep(std::make_shared<FullListener>()).Url());
+    stage.url = stage.Keep(std::make_shared<FullListener>()).Url();
   };
-  return {NotLetIn("Refused", set_closed),
+  return {{"Refused", set_closed, Failed(0, TransferError::kNotConnected), EveryWay()},
           Silent("NotAccepted", set_full, 0),
           Silent("NoAnswer", Serve(Silence()), 0),
           Stalls("StallInsideHeaders", kPartOfHead),

@@ -19,16 +19,8 @@ bool Stage::WaitUntilQuiet(int kept) const {
 }
 
 std::string Stage::Url(const char* target) const {
-  return url_.empty() ? servers_.back()->Url(target) : url_;
+  return url.empty() ? servers_.back()->Url(target) : url;
 }
-
-Fault::Fault(const char* its_name, std::function<void(Stage& stage)> its_set, Answer its_answer,
-             std::vector<Way> its_ways, int its_kept_connections)
-    : name(its_name),
-      set(std::move(its_set)),
-      answer(std::move(its_answer)),
-      ways(std::move(its_ways)),
-      kept_connections(its_kept_connections) {}
 
 std::vector<Way> Downloads() {
   return {Way::kDownload, Way::kDownloadWithDelegate, Way::kDownloadTo};

@@ -22,6 +22,8 @@ using ovrant::internet::TransferError;
 inline constexpr char kGoodTarget[] = "/good";
 inline constexpr char kGoodBody[] = "good";
 
+inline const RawServer::Options kWithoutRecords = {nullptr, true, 0, false};
+
 // The servers of one fault, and the URL at which it occurs.
 class Stage {
  public:
@@ -41,25 +43,15 @@ class Stage {
 
   // Gives the URL that was set, else `target` of the last server.
   std::string Url(const char* target = "/") const;
-  void set_url(std::string url) { url_ = std::move(url); }
 
-  TransferDefaults& defaults() { return defaults_; }
+  std::string url;
+  TransferDefaults defaults;
 
   // Called before and after the transfer.
-  void set_before(std::function<void()> before) { before_ = std::move(before); }
-  void NoteBegin() const {
-    if (before_) before_();
-  }
-  void set_after(std::function<void()> after) { after_ = std::move(after); }
-  void NoteEnd() const {
-    if (after_) after_();
-  }
+  std::function<void()> before = [] {};
+  std::function<void()> after = [] {};
 
  private:
-  TransferDefaults defaults_;
-  std::string url_;
-  std::function<void()> before_;
-  std::function<void()> after_;
   std::vector<std::shared_ptr<void>> props_;
   std::vector<std::unique_ptr<RawServer>> servers_;
 };
@@ -77,16 +69,13 @@ std::vector<Way> EveryWay();
 std::vector<Way> Uploads();
 
 struct Fault {
-  Fault(const char* its_name, std::function<void(Stage& stage)> its_set, Answer its_answer,
-        std::vector<Way> its_ways = Downloads(), int its_kept_connections = 0);
-
   const char* name;
   std::function<void(Stage& stage)> set;
   Answer answer;
-  std::vector<Way> ways;
+  std::vector<Way> ways = Downloads();
 
   // The number of connections that the transfer leaves open.
-  int kept_connections;
+  int kept_connections = 0;
 
   End end = End::kBefore;
 

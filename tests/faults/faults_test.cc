@@ -77,12 +77,10 @@ TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
   const std::string upload(fault.upload_size, 'x');
   Stage stage;
   fault.set(stage);
-  stage.defaults().inactivity_timeout = TimeoutFor(fault.end).count();
-  InternetData::SetDefaults(stage.defaults());
+  stage.defaults.inactivity_timeout = TimeoutFor(fault.end).count();
+  InternetData::SetDefaults(stage.defaults);
 
-  RawServer::Options options;
-  options.records = false;
-  const RawServer calm(Always(Response(200, kGoodBody)), options);
+  const RawServer calm(Always(Response(200, kGoodBody)), kWithoutRecords);
 
   FaultRow row;
   row.fault = fault.name;
@@ -92,14 +90,14 @@ TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
     if (fault.on_used_connection) {
       ASSERT_EQ(AskForReason(way, stage.Url(kGoodTarget), upload), Received(200, kGoodBody));
     }
-    stage.NoteBegin();
+    stage.before();
     const auto begin = Clock::now();
     Answer answer = AskForReason(way, stage.Url(), upload);
     const auto took = Clock::now() - begin;
     if (fault.may_lose_status && answer.status == 0) answer.status = fault.answer.status;
     ASSERT_EQ(answer, fault.answer);
     ExpectTimely(fault.end, took);
-    stage.NoteEnd();
+    stage.after();
     ASSERT_TRUE(stage.WaitUntilQuiet(fault.kept_connections));
     current.answer = TextOf(answer);
     current.longest = std::max<decltype(current.longest)>(current.longest, took);

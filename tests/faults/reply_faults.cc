@@ -6,14 +6,13 @@
 
 #include "tests/faults/fault.h"
 #include "tests/platform/http/gzip_text.h"
+#include "tests/platform/http/handlers.h"
 #include "tests/support/failing_malloc.h"
 
 namespace stowra_test {
 namespace {
 
 constexpr char kChunked[] = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
-constexpr char kGzipHeader[] = "Content-Encoding: gzip\r\n";
-
 constexpr char kGzipEndedByClose[] = "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n";
 
 // The beginning of a gzip stream with a file name.
@@ -63,15 +62,11 @@ Fault LargeHead(const char* name, std::size_t line_length, std::size_t lines) {
 }
 
 // Says `begin` and then `more` again and again, until the client closes.
-Fault Endless(const char* name, int status, std::string begin, const std::string& more) {
-  const auto set = [begin = std::move(begin), more](Stage& stage) {
-    stage.defaults().body_cap = kMegabyte;
-    stage.AddServer(GoodOr([begin, more](const RawRequest&, RawConnection& connection) {
-      connection.Write(begin);
-      while (connection.Write(more)) {
-      }
-      connection.Close();
-    }));
+Fault EndlessReply(const char* name, int status, const std::string& begin,
+                   const std::string& more) {
+  const auto set = [handler = Endless(begin, more)](Stage& stage) {
+    stage.defaults.body_cap = kMegabyte;
+    stage.AddServer(GoodOr(handler));
   };
   return {name, set, Failed(status, TransferError::kTooLarge)};
 }
@@ -84,7 +79,7 @@ std::string Corrupt(std::string gzip) {
 // Small on the wire, and 64 times the cap when decoded.
 Fault GzipBomb() {
   const auto set = [](Stage& stage) {
-    stage.defaults().body_cap = kMegabyte;
+    stage.defaults.body_cap = kMegabyte;
     static const std::string bomb = Gzip(std::string(64 * kMegabyte, '\0'));
     stage.AddServer(SayThenClose(Response(200, bomb, kGzipHeader)));
   };
@@ -98,12 +93,8 @@ Fault EmptyBodies(const char* name, std::vector<Way> ways, int runs) {
   return fault;
 }
 
-std::string Redirect(const std::string& location) {
-  return Response(302, "moved", "Location: " + location + "\r\n");
-}
-
 Fault RedirectedTo(const char* name, const char* location, TransferError error) {
-  return {name, [location](Stage& stage) { stage.AddServer(Always(Redirect(location))); },
+  return {name, [location](Stage& stage) { stage.AddServer(Always(Redirect(302, location))); },
           Failed(302, error), Downloads(), 1};
 }
 
@@ -111,7 +102,7 @@ Fault RedirectedTo(const char* name, const char* location, TransferError error) 
 Fault LongLocation() {
   const std::string location = '/' + std::string(250'000, 'x');
   return {"LongLocation",
-          [location](Stage& stage) { stage.AddServer(SayThenClose(Redirect(location))); },
+          [location](Stage& stage) { stage.AddServer(SayThenClose(Redirect(302, location))); },
           Failed(302, TransferError::kTooLarge)};
 }
 
@@ -142,9 +133,9 @@ std::vector<Fault> ReplyFaults() {
                 "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nContent-Length: 3\r\n\r\nhello"),
         LargeHead("TwoMegabytesInOneHeader", 2 * kMegabyte, 1),
         LargeHead("TwoMegabytesOfHeaders", 1000, 2 * kMegabyte / 1000), GzipBomb(),
-        Endless("EndlessGzipName", 200, kGzipEndedByClose + std::string(kGzipWithName), line),
-        Endless("EndlessTrailers", 200, std::string(kChunked) + "0\r\n", line),
-        Endless("EndlessInterimReplies", 103, "", "HTTP/1.1 103 Early\r\n" + line + "\r\n"),
+        EndlessReply("EndlessGzipName", 200, kGzipEndedByClose + std::string(kGzipWithName), line),
+        EndlessReply("EndlessTrailers", 200, std::string(kChunked) + "0\r\n", line),
+        EndlessReply("EndlessInterimReplies", 103, "", "HTTP/1.1 103 Early\r\n" + line + "\r\n"),
         CutGzip("GzipTruncated", gzip, gzip.size() / 2),
         CutGzip("GzipWithoutItsTrailer", gzip, gzip.size() - 8),
         RefusedGzip("GzipWithGarbageBehind", gzip + "garbage"),

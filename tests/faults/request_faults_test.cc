@@ -41,18 +41,12 @@ void ExpectNothingIsLeftBy(const char* fault, const char* way, const char* answe
   ExpectNothingIsLeft(row, kWarmUpRuns, timed_run, [] {});
 }
 
-RawServer::Options WithoutRecords() {
-  RawServer::Options options;
-  options.records = false;
-  return options;
-}
-
 class RequestFaultTest : public TransportTest {
  protected:
   // Makes many requests to a server that answers `bytes` and closes. Expects that each fails, with
   // one notification.
   static void ExpectOneFailure(const char* fault, const char* bytes) {
-    const RawServer server(SayThenClose(bytes), WithoutRecords());
+    const RawServer server(SayThenClose(bytes), kWithoutRecords);
     const auto ask = [&server](bool in_background) {
       NotificationRecorder recorder({UpdateQuery::kUpdateQuerySucceededNotification,
                                      UpdateQuery::kUpdateQueryFailedNotification});
@@ -93,7 +87,7 @@ class DeletedTransferTest : public TransportTest {
           connection.Write("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\nx");
           goes_on(request, connection);
         }),
-        WithoutRecords());
+        kWithoutRecords);
     const auto run = [&server] {
       auto has_begun = std::make_shared<Event>();
       InternetData::SetTransferListener([has_begun](const TransferEvent& event) {

@@ -25,11 +25,9 @@ void AddServer(const Issue& issue, RawServer::Handler handler, Stage& stage) {
   const CertificateAuthority authority("trusted");
   const auto file = stage.Keep(std::make_shared<TemporaryFolder>()).path() / "authority.pem";
   authority.WriteTo(file);
-  stage.defaults().ca_file = file.c_str();
+  stage.defaults.ca_file = file.c_str();
   const Certificate certificate = issue(authority);
-  RawServer::Options options;
-  options.certificate = &certificate;
-  stage.AddServer(std::move(handler), options);
+  stage.AddServer(std::move(handler), {&certificate});
 }
 
 Fault Untrusted(const char* name, const Issue& issue) {
@@ -51,7 +49,7 @@ Fault Downgrade() {
   const auto set = [](Stage& stage) {
     const RawServer& plain = stage.AddServer(Always(Response(200, "plain")));
     const std::string location = "Location: " + plain.Url() + "\r\n";
-    stage.set_after([&plain] { EXPECT_EQ(plain.connections(), 0); });
+    stage.after = [&plain] { EXPECT_EQ(plain.connections(), 0); };
     AddServer(IssueGood, Always(Response(302, "moved", location)), stage);
   };
   return {"RedirectFromHttpsToHttp", set, Failed(302, TransferError::kForbiddenRedirect),
