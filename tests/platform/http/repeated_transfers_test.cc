@@ -25,41 +25,32 @@ class RepeatedTransfersTest : public TransportTest {
     EXPECT_EQ(Fetch(url), Received(200, "hello"));
     EXPECT_EQ(FetchInBackground(url), Received(200, "hello"));
   }
-
-  // Downloads in turn from a server that answers "/odd" with `bytes` and anything else well. The
-  // odd response is refused.
-  static void ExpectHarmless(const std::string& bytes, bool dripped = false) {
-    const RawServer server([&](const RawRequest& request, RawConnection& connection) {
-      if (request.target != "/odd") {
-        connection.Write(Response(200, "hello", "X-Long: " + kLong + "\r\n"));
-      } else if (dripped) {
-        connection.Drip(bytes, std::chrono::milliseconds(0));
-      } else {
-        connection.Write(bytes);
-      }
-    });
-    for (int i = 0; i < 3; ++i) {
-      ExpectHello(server.Url("/good"));
-      EXPECT_FALSE(Fetch(server.Url("/odd")).received);
-      EXPECT_FALSE(FetchInBackground(server.Url("/odd")).received);
-    }
-  }
 };
 
 TEST_F(RepeatedTransfersTest, SurvivesALeadingContinuation) {
-  ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd);
-  ExpectHarmless(kOk + ("\tfolded: " + kLong) + "\r\nX-Next: 1\r\n more\r\n" + kEnd);
-  ExpectHarmless("HTTP/1.1 302 Found\r\n folded: " + kLong + "\r\nLocation: /good\r\n" + kEnd);
-}
-
-TEST_F(RepeatedTransfersTest, SurvivesALeadingContinuationByteByByte) {
-  ExpectHarmless(kOk + (" folded: " + kLong) + "\r\n" + kEnd, true);
-}
-
-TEST_F(RepeatedTransfersTest, SurvivesALeadingContinuationWithInterimResponses) {
-  ExpectHarmless("HTTP/1.1 100 Continue\r\n folded: " + kLong + "\r\n\r\n" + kOk + kEnd);
-  ExpectHarmless("HTTP/1.1 100 Continue\r\n\r\n" + std::string(kOk) + " folded: " + kLong + "\r\n" +
-                 kEnd);
+  const std::string folded = " folded: " + kLong + "\r\n";
+  const std::string interim = "HTTP/1.1 100 Continue\r\n";
+  for (const std::string& odd :
+       {kOk + folded + kEnd, kOk + ("\t" + folded) + "X-Next: 1\r\n more\r\n" + kEnd,
+        "HTTP/1.1 302 Found\r\n" + folded + "Location: /good\r\n" + kEnd,
+        interim + folded + "\r\n" + kOk + kEnd, interim + "\r\n" + kOk + folded + kEnd}) {
+    const RawServer server([&](const RawRequest& request, RawConnection& connection) {
+      if (request.target == "/good") {
+        connection.Write(Response(200, "hello", "X-Long: " + kLong + "\r\n"));
+      } else if (request.target == "/odd") {
+        connection.Write(odd);
+      } else {
+        connection.Drip(odd, std::chrono::milliseconds(0));
+      }
+    });
+    for (int i = 0; i < 3; ++i) {
+      for (const char* target : {"/odd", "/odd-by-byte"}) {
+        ExpectHello(server.Url("/good"));
+        EXPECT_FALSE(Fetch(server.Url(target)).received) << odd;
+        EXPECT_FALSE(FetchInBackground(server.Url(target)).received) << odd;
+      }
+    }
+  }
 }
 
 TEST_F(RepeatedTransfersTest, AcceptsAContinuationOfAField) {

@@ -19,6 +19,16 @@ struct Unasked {
   std::string bytes;
 };
 
+// Answers with the target. Sends `bytes` too when the first reply has been read.
+RawServer::Handler SendUnasked(const std::string& bytes, Event& first_ended) {
+  return [bytes, &first_ended](const RawRequest& request, RawConnection& connection) {
+    connection.Write(Response(200, request.target));
+    if (request.target != "/first") return;
+    EXPECT_TRUE(first_ended.Wait());
+    connection.Write(bytes);
+  };
+}
+
 class UnaskedBytesTest : public TrustingTest,
                          public ::testing::WithParamInterface<std::tuple<Way, Unasked>> {
  protected:
@@ -26,14 +36,7 @@ class UnaskedBytesTest : public TrustingTest,
   void ExpectOwnReplies(const RawServer::Options& options) const {
     const auto& [way, unasked] = GetParam();
     Event first_ended;
-    const RawServer server(
-        [&, bytes = unasked.bytes](const RawRequest& request, RawConnection& connection) {
-          connection.Write(Response(200, request.target));
-          if (request.target != "/first") return;
-          EXPECT_TRUE(first_ended.Wait());
-          connection.Write(bytes);
-        },
-        options);
+    const RawServer server(SendUnasked(unasked.bytes, first_ended), options);
     EXPECT_EQ(Ask(way, server.Url("/first"), "data"), Received(200, "/first"));
     first_ended.Set();
     ASSERT_TRUE(WaitForBytes(server.port()));
@@ -60,9 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
 // Wants a rest the first time that it is asked, and the whole later.
 class SinkOfARest : public ovrant::internet::BodySink {
  public:
-  ovrant::utils::StringMap RequestHeaders() override {
-    if (asked_++ == 0) return {{"Range", "bytes=1-"}};
-    return {};
+  StringMap RequestHeaders() override {
+    return asked_++ == 0 ? StringMap{{"Range", "bytes=1-"}} : StringMap();
   }
   bool Write(const unsigned char* /*data*/, std::size_t /*size*/) override { return true; }
 
@@ -75,12 +77,7 @@ class SinkOfARest : public ovrant::internet::BodySink {
 // The bytes are found after the sink was asked.
 TEST_F(TransportTest, ASinkIsAskedAnewWhenAKeptConnectionIsUnfit) {
   Event first_ended;
-  const RawServer server([&](const RawRequest& request, RawConnection& connection) {
-    connection.Write(Response(200, request.target));
-    if (request.target != "/first") return;
-    EXPECT_TRUE(first_ended.Wait());
-    connection.Write("\r\n");
-  });
+  const RawServer server(SendUnasked("\r\n", first_ended));
   EXPECT_EQ(Ask(Way::kDownload, server.Url("/first"), ""), Received(200, "/first"));
   first_ended.Set();
   ASSERT_TRUE(WaitForBytes(server.port()));
@@ -91,20 +88,19 @@ TEST_F(TransportTest, ASinkIsAskedAnewWhenAKeptConnectionIsUnfit) {
   EXPECT_FALSE(LastRequest(server).HasHeader("Range"));
 }
 
-class ReuseTest : public TrustingTest, public ::testing::WithParamInterface<Way> {};
+using ReuseTest = TrustingTest;
 
-TEST_P(ReuseTest, UsesOneConnectionWithoutSuchBytes) {
-  for (const RawServer::Options& options : {RawServer::Options(), tls_}) {
-    const RawServer server(Always(Response(200, "hello")), options);
-    for (int i = 0; i < 3; ++i) {
-      EXPECT_EQ(Ask(GetParam(), server.Url(), "data"), Received(200, "hello"));
+TEST_F(ReuseTest, UsesOneConnectionWithoutSuchBytes) {
+  for (const Way way : kAllWays) {
+    for (const RawServer::Options& options : {RawServer::Options(), tls_}) {
+      const RawServer server(Always(Response(200, "hello")), options);
+      for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Ask(way, server.Url(), "data"), Received(200, "hello"));
+      }
+      EXPECT_EQ(server.connections(), 1) << NameOf(way);
     }
-    EXPECT_EQ(server.connections(), 1);
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Ways, ReuseTest, ::testing::ValuesIn(kAllWays),
-                         [](const auto& test) { return NameOf(test.param); });
 
 }  // namespace
 }  // namespace stowra_test
