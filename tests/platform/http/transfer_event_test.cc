@@ -6,9 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common_stowraapi/platform/http/background_worker.h"
@@ -22,21 +20,9 @@ namespace {
 
 using Kind = TransferEvent::Kind;
 
-class TransferEventTest : public TransportTest {
+class TransferEventTest : public TransportTest, protected EventRecorder {
  protected:
-  TransferEventTest() {
-    InternetData::SetTransferListener([this](const TransferEvent& event) {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      events_.push_back(event);
-    });
-  }
-  ~TransferEventTest() override { InternetData::SetTransferListener(nullptr); }
-
-  // All events so far, which are forgotten.
-  std::vector<TransferEvent> TakeEvents() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return std::exchange(events_, {});
-  }
+  TransferEventTest() { Listen(); }
 
   static void ExpectPlausible(const ovrant::internet::TransferTimes& times) {
     for (const double part :
@@ -47,10 +33,6 @@ class TransferEventTest : public TransportTest {
   }
 
   const RawServer hello_{Always(Response(200, "hello"))};
-
- private:
-  std::mutex mutex_;
-  std::vector<TransferEvent> events_;
 };
 
 TEST_F(TransferEventTest, NumbersAreDistinctAndGrow) {

@@ -6,11 +6,9 @@
 
 #include <iterator>
 #include <map>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "tests/platform/http/end_listener.h"
 #include "tests/platform/http/transport_fixture.h"
@@ -20,8 +18,6 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::internet::TransferDetail;
-using ovrant::internet::TransferSecrets;
 using Kind = TransferEvent::Kind;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -39,32 +35,12 @@ const char* NameOf(Kind kind) {
   return kNames[static_cast<int>(kind)];
 }
 
-// Collects the events of the listener.
-class TransferTraceTest : public TrustingTest {
+class TransferTraceTest : public TrustingTest, protected EventRecorder {
  protected:
-  ~TransferTraceTest() override { InternetData::SetTransferListener(nullptr); }
-
-  void Listen(TransferDetail detail, TransferSecrets secrets = TransferSecrets::kBlanked) {
-    InternetData::SetTransferListener(
-        [this](const TransferEvent& event) {
-          if (event.url == Text("none:")) return;  // of LetWorkerCatchUp
-          const std::lock_guard<std::mutex> lock(mutex_);
-          events_.push_back(event);
-          threads_.push_back(std::this_thread::get_id());
-        },
-        detail, secrets);
-  }
-
-  std::vector<TransferEvent> events() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return events_;
-  }
-
   // The kinds but kProgress, in order, and forgets the events.
   std::string TakeSteps() {
-    const std::lock_guard<std::mutex> lock(mutex_);
     std::string names;
-    for (const TransferEvent& event : std::exchange(events_, {})) {
+    for (const TransferEvent& event : TakeEvents()) {
       if (event.kind == Kind::kProgress) continue;
       names.append(names.empty() ? "" : " ").append(NameOf(event.kind));
     }
@@ -83,17 +59,10 @@ class TransferTraceTest : public TrustingTest {
   std::string HeadOf(Kind kind, int index = 0) { return EventOf(kind, index).head.utf8(); }
 
   const RawServer hello_{Always(Response(200, "hello", "X-Reply: 1\r\n"))};
-
-  std::mutex mutex_;
-  std::vector<TransferEvent> events_;
-  std::vector<std::thread::id> threads_;
 };
 
 TEST_F(TransferTraceTest, NoStepIsToldUnasked) {
-  InternetData::SetTransferListener([this](const TransferEvent& event) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    events_.push_back(event);
-  });
+  Listen();
   for (const Way way : kAllWays) Ask(way, hello_.Url("/?a=b"), "data");
   for (const TransferEvent& event : events()) {
     EXPECT_LE(event.kind, Kind::kEnded);
@@ -132,9 +101,9 @@ TEST_F(TransferTraceTest, PostNamesTheNotificationAndItsThread) {
   EXPECT_EQ(posted.status, 200);
   EXPECT_NE(posted.thread, 0U);
   EXPECT_NE(posted.thread, EventOf(Kind::kQueued).thread);
-  EXPECT_EQ(threads_.back(), background.recorder.entries().at(0).thread);
-  EXPECT_EQ(threads_.front(), std::this_thread::get_id());
-  EXPECT_NE(threads_.back(), threads_.front());
+  EXPECT_EQ(events().back().told_on, background.recorder.entries().at(0).thread);
+  EXPECT_EQ(events().front().told_on, std::this_thread::get_id());
+  EXPECT_NE(events().back().told_on, events().front().told_on);
 }
 
 TEST_F(TransferTraceTest, PostIsToldOnTheThreadOfTheCompletion) {
@@ -238,17 +207,21 @@ TEST_F(TransferTraceTest, InterimResponsesHaveHeadsOfTheirOwn) {
 }
 
 TEST_F(TransferTraceTest, EachRedirectIsAnotherRequest) {
-  const RawServer server(RedirectTo("/to"));
+  const RawServer server(RedirectTo("/to", 303));
   Listen(TransferDetail::kHeads);
-  Fetch(server.Url("/from"));
+  Ask(Way::kSendAndRead, server.Url("/from"), "data");
+  EXPECT_STREQ(EventOf(Kind::kStarted).request_method, "POST");
+  EXPECT_STREQ(EventOf(Kind::kRequest, 0).request_method, "POST");
+  EXPECT_STREQ(EventOf(Kind::kRequest, 1).request_method, "GET");
   const TransferEvent redirected = EventOf(Kind::kRedirected);
   EXPECT_EQ(redirected.request, 1U);
   EXPECT_EQ(redirected.request_url, Text(server.Url("/from")));
   EXPECT_EQ(redirected.redirect_url, Text(server.Url("/to")));
-  EXPECT_EQ(redirected.status, 302);
+  EXPECT_EQ(redirected.status, 303);
   EXPECT_EQ(redirected.wire_bytes_received, 5U);
   EXPECT_THAT(HeadOf(Kind::kRequest, 1), StartsWith("GET /to HTTP/1.1\n"));
   const TransferEvent end = EventOf(Kind::kEnded);
+  EXPECT_STREQ(end.method, "POST");
   EXPECT_EQ(end.request, 2U);
   EXPECT_EQ(end.status, 200);
   for (const TransferEvent& event : events()) EXPECT_EQ(event.url, Text(server.Url("/from")));
@@ -257,16 +230,6 @@ TEST_F(TransferTraceTest, EachRedirectIsAnotherRequest) {
   EXPECT_EQ(TakeSteps(),
             "started connected request first-byte response redirected "
             "connected request first-byte response ended");
-}
-
-TEST_F(TransferTraceTest, RequestMethodIsTheOneAfterTheRedirect) {
-  const RawServer server(Always(Redirect(303, hello_.Url())));
-  Listen(TransferDetail::kSteps);
-  Ask(Way::kSendAndRead, server.Url(), "data");
-  EXPECT_STREQ(EventOf(Kind::kStarted).request_method, "POST");
-  EXPECT_STREQ(EventOf(Kind::kRequest, 0).request_method, "POST");
-  EXPECT_STREQ(EventOf(Kind::kRequest, 1).request_method, "GET");
-  EXPECT_STREQ(EventOf(Kind::kEnded).method, "POST");
 }
 
 TEST_F(TransferTraceTest, TimesGrowFromStepToStep) {
@@ -367,7 +330,9 @@ TEST_F(TransferTraceTest, DroppedTransferEndsItsSteps) {
   }
   ASSERT_TRUE(server.WaitUntilUnused());
   LetWorkerCatchUp();
-  EXPECT_THAT(TakeSteps(), StartsWith("queued started connected request ended"));
+  EXPECT_EQ(EventOf(Kind::kEnded).reason, TransferError::kDropped);
+  EXPECT_FALSE(EventOf(Kind::kEnded).error.empty());
+  EXPECT_EQ(TakeSteps(), "queued started connected request ended");
 }
 
 // The listener deletes transport and delegate in the first step of each kind.

@@ -3,8 +3,13 @@
 
 #include <utility>
 
+#include "tests/platform/http/handlers.h"
+
 namespace stowra_test {
 namespace {
+
+// A transfer of this fails without a connection.
+constexpr char kCatchUpUrl[] = "catchup:";
 
 void ResetSettings() {
   InternetData::SetDefaults(TransferDefaults());
@@ -39,12 +44,7 @@ RawServer::Handler RedirectTo(const std::string& location, int status) {
   };
 }
 
-RawServer::Handler HelloAfter(Event& event) {
-  return [&event](const RawRequest&, RawConnection& connection) {
-    EXPECT_TRUE(event.Wait());
-    connection.Write(Response(200, "hello"));
-  };
-}
+RawServer::Handler HelloAfter(Event& event) { return AnswerAfter(event, Response(200, "hello")); }
 
 RawRequest LastRequest(const RawServer& server) {
   const auto requests = server.requests();
@@ -100,10 +100,29 @@ void LetWorkerCatchUp() {
   constexpr char kCaughtUp[] = "TransportTestCaughtUp";
   NotificationRecorder recorder({kCaughtUp});
   const auto delegate = MakeDelegate(nullptr, kCaughtUp, kCaughtUp);
-  // This fails without a connection.
-  InternetData transport(Text("none:"));
+  InternetData transport{Text(kCatchUpUrl)};
   ASSERT_TRUE(transport.DownloadWithDelegate(delegate.get(), nullptr));
   ASSERT_TRUE(recorder.WaitFor(1));
+}
+
+void EventRecorder::Listen(TransferDetail detail, TransferSecrets secrets) {
+  InternetData::SetTransferListener(
+      [this](const TransferEvent& event) {
+        if (event.url == Text(kCatchUpUrl)) return;
+        const std::lock_guard<std::mutex> lock(mutex_);
+        events_.push_back({event, std::this_thread::get_id()});
+      },
+      detail, secrets);
+}
+
+std::vector<EventRecorder::Told> EventRecorder::events() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return events_;
+}
+
+std::vector<EventRecorder::Told> EventRecorder::TakeEvents() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return std::exchange(events_, {});
 }
 
 TransportTest::TransportTest() { ResetSettings(); }

@@ -8,8 +8,11 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <vector>
 
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/platform/internet_data_delegate.h"
@@ -28,7 +31,9 @@ namespace stowra_test {
 using ovrant::internet::InternetData;
 using ovrant::internet::InternetDataDelegate;
 using ovrant::internet::TransferDefaults;
+using ovrant::internet::TransferDetail;
 using ovrant::internet::TransferEvent;
+using ovrant::internet::TransferSecrets;
 using ovrant::utils::ovrant_ustring;
 using ovrant::utils::StringMap;
 
@@ -99,6 +104,27 @@ struct Background {
 
 // Waits until the worker has handled all transfers that ended or were dropped before.
 void LetWorkerCatchUp();
+
+// Records the events of all transfers, from Listen on. At its end nothing listens any more.
+class EventRecorder {
+ public:
+  struct Told : TransferEvent {
+    std::thread::id told_on;
+  };
+
+  ~EventRecorder() { InternetData::SetTransferListener(nullptr); }
+
+  void Listen(TransferDetail detail = TransferDetail::kProgress,
+              TransferSecrets secrets = TransferSecrets::kBlanked);
+
+  // All events so far. TakeEvents forgets them.
+  std::vector<Told> events() const;
+  std::vector<Told> TakeEvents();
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<Told> events_;
+};
 
 // Resets the settings of the process before and after each test.
 class TransportTest : public ::testing::Test {
