@@ -95,11 +95,10 @@ class NginxTest : public testing::Test {
     }
   }
 
-  Certificate Issue() const { return authority_.Issue("IP:127.0.0.1"); }
-
   ContentQuery query_;
   const TemporaryFolder folder_;
   const CertificateAuthority authority_{"Ours"};
+  const Certificate certificate_ = authority_.Issue("IP:127.0.0.1");
 };
 
 TEST_F(NginxTest, ReadsPageInEveryEncoding) {
@@ -147,8 +146,7 @@ TEST_F(NginxTest, ReusesOneConnectionForAllPages) {
 
 TEST_F(NginxTest, ReadsPagesOverTls) {
   Trust();
-  const Certificate certificate = Issue();
-  NginxServer server(&certificate);
+  NginxServer server(&certificate_);
   server.AddFile("feed", FeedText("chairs", kModels));
   for (const char* path : {"/plain/feed", "/gzip/feed", "/chunked/feed", "/moved/feed"}) {
     EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path)))) << path;
@@ -160,8 +158,7 @@ TEST_F(NginxTest, ReadsPagesOverTls) {
 // On a shared connection, one transfer's progress would hide another one's inactivity.
 TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
   Trust();
-  const Certificate certificate = Issue();
-  NginxServer server(&certificate);
+  NginxServer server(&certificate_);
   constexpr std::size_t kSize = 600'000;  // several seconds long
   server.AddFile("page", std::string(kSize, 'x'));
   InternetData plain(Text(server.Url("/plain/page")));
@@ -184,8 +181,7 @@ TEST_F(NginxTest, GivesEachHttp2TransferItsOwnConnection) {
 }
 
 TEST_F(NginxTest, RefusesTestAuthorityUnlessItIsSet) {
-  const Certificate certificate = Issue();
-  NginxServer server(&certificate);
+  NginxServer server(&certificate_);
   server.AddFile("feed", FeedText("chairs", 3));
   query_.title_ = "before";
   EXPECT_FALSE(query_.QueryFeed(Text(server.Url("/plain/feed"))));
