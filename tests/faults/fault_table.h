@@ -20,14 +20,17 @@ struct Holdings {
 // Many more than the blocks that the pool of connections may keep, so that a leak shows.
 inline constexpr int kRuns = 100;
 
+// More than the TLS sessions that libcurl remembers.
+inline constexpr int kWarmUpRuns = 10;
+
 struct FaultRow {
   std::string fault;
   std::string way;
   int runs = 0;
-  std::string answer;
+  std::string answer = {};
   std::chrono::duration<double, std::milli> longest{0};
-  Holdings before;
-  Holdings after;
+  Holdings before = {};
+  Holdings after = {};
 };
 
 // Runs `run` to warm up, then row.runs times. Fills in the row's holdings, expects that they have

@@ -30,9 +30,6 @@ constexpr Seconds kShortTimeout(2);
 // The tolerance of a transfer's end.
 constexpr Seconds kEarly(0.01F);
 
-// More than the TLS sessions that libcurl remembers.
-constexpr int kWarmUpRuns = 10;
-
 struct Case {
   Fault fault;
   Way way;
@@ -82,10 +79,6 @@ TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
 
   const RawServer calm(Always(Response(200, kGoodBody)), kWithoutRecords);
 
-  FaultRow row;
-  row.fault = fault.name;
-  row.way = NameOf(way);
-  row.runs = fault.runs;
   const auto run = [&](FaultRow& current) {
     if (fault.on_used_connection) {
       ASSERT_EQ(AskForReason(way, stage.Url(kGoodTarget), upload), Received(200, kGoodBody));
@@ -105,7 +98,8 @@ TEST_P(FaultTest, EndsInItsAnswerAndLeavesNothing) {
   const auto settle = [&] {
     ASSERT_EQ(AskForReason(DownloadLike(way), calm.Url(), ""), Received(200, kGoodBody));
   };
-  ExpectNothingIsLeft(row, fault.end == End::kBefore ? kWarmUpRuns : 1, run, settle);
+  ExpectNothingIsLeft({fault.name, NameOf(way), fault.runs},
+                      fault.end == End::kBefore ? kWarmUpRuns : 1, run, settle);
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, ::testing::ValuesIn(AllCases()), [](const auto& test) {

@@ -23,22 +23,15 @@ namespace {
 
 using ovrant::webservices::UpdateQuery;
 
-constexpr int kWarmUpRuns = 10;
-
 void ExpectNothingIsLeftBy(const char* fault, const char* way, const char* answer,
                            const std::function<void()>& run) {
-  FaultRow row;
-  row.fault = fault;
-  row.way = way;
-  row.runs = kRuns;
-  row.answer = answer;
   const auto timed_run = [&run](FaultRow& current) {
     const auto begin = std::chrono::steady_clock::now();
     run();
     current.longest = std::max<decltype(current.longest)>(current.longest,
                                                           std::chrono::steady_clock::now() - begin);
   };
-  ExpectNothingIsLeft(row, kWarmUpRuns, timed_run, [] {});
+  ExpectNothingIsLeft({fault, way, kRuns, answer}, kWarmUpRuns, timed_run, [] {});
 }
 
 class RequestFaultTest : public TransportTest {
