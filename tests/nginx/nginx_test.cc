@@ -126,33 +126,26 @@ TEST_F(NginxTest, ReadsPageInEveryEncoding) {
 }
 
 TEST_F(NginxTest, ReusesOneConnectionForAllPages) {
-  NginxServer server;
+  Trust();
   const std::vector<std::string> paths = {"/plain/a", "/gzip/b", "/chunked/a", "/moved/b",
                                           "/gzip/a"};
-  server.AddFile("a", FeedText("chairs", 3));
-  server.AddFile("b", FeedText("tables", kModels));
-  for (const std::string& path : paths) {
-    EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path))));
-    path.back() == 'a' ? ExpectModels("chairs", 3) : ExpectModels("tables", kModels);
+  for (const Certificate* certificate : {static_cast<const Certificate*>(nullptr), &certificate_}) {
+    NginxServer server(certificate);
+    server.AddFile("a", FeedText("chairs", 3));
+    server.AddFile("b", FeedText("tables", kModels));
+    for (const std::string& path : paths) {
+      SCOPED_TRACE(server.Url(path));
+      EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path))));
+      path.back() == 'a' ? ExpectModels("chairs", 3) : ExpectModels("tables", kModels);
+    }
+    const std::vector<LoggedRequest> log = server.Stop();
+    ASSERT_THAT(log, SizeIs(paths.size() + 1));
+    EXPECT_EQ(log[4].path, "/plain/b");  // redirected from the one before
+    for (std::size_t i = 0; i < log.size(); ++i) {
+      EXPECT_EQ(log[i].connection, log[0].connection);
+      EXPECT_EQ(log[i].connection_requests, static_cast<int>(i + 1));
+    }
   }
-  const std::vector<LoggedRequest> log = server.Stop();
-  ASSERT_THAT(log, SizeIs(paths.size() + 1));
-  EXPECT_EQ(log[4].path, "/plain/b");  // redirected from the one before
-  for (std::size_t i = 0; i < log.size(); ++i) {
-    EXPECT_EQ(log[i].connection, log[0].connection);
-    EXPECT_EQ(log[i].connection_requests, static_cast<int>(i + 1));
-  }
-}
-
-TEST_F(NginxTest, ReadsPagesOverTls) {
-  Trust();
-  NginxServer server(&certificate_);
-  server.AddFile("feed", FeedText("chairs", kModels));
-  for (const char* path : {"/plain/feed", "/gzip/feed", "/chunked/feed", "/moved/feed"}) {
-    EXPECT_TRUE(query_.QueryFeed(Text(server.Url(path)))) << path;
-    ExpectModels("chairs", kModels);
-  }
-  EXPECT_THAT(server.Stop(), SizeIs(5));
 }
 
 // On a shared connection, one transfer's progress would hide another one's inactivity.
