@@ -106,13 +106,16 @@ void LetWorkerCatchUp() {
 }
 
 void EventRecorder::Listen(TransferDetail detail, TransferSecrets secrets) {
-  InternetData::SetTransferListener(
-      [this](const TransferEvent& event) {
-        if (event.url == Text(kCatchUpUrl)) return;
-        const std::lock_guard<std::mutex> lock(mutex_);
-        events_.push_back({event, std::this_thread::get_id()});
-      },
-      detail, secrets);
+  const auto record = [this](const TransferEvent& event) {
+    if (event.url == Text(kCatchUpUrl)) return;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    events_.push_back({event, std::this_thread::get_id()});
+  };
+  if (detail == TransferDetail::kProgress) {
+    InternetData::SetTransferListener(record);  // which hears no steps unasked
+  } else {
+    InternetData::SetTransferListener(record, detail, secrets);
+  }
 }
 
 std::vector<EventRecorder::Told> EventRecorder::events() const {
