@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Conversion against a second, plain implementation, around every size at which the fast one
-// changes its step.
+// Conversion against the fuzz targets' plain one, around every size at which the fast one changes
+// its step.
 
 #include "common_stowraapi/platform/text/utf_conversion.h"
 
@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <random>
 #include <string>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "common_stowraapi/platform/text/ascii_run.h"
+#include "fuzz/platform/text/model.h"
 
 namespace stowra_test {
 namespace {
@@ -24,74 +26,9 @@ using ovrant::utils::kAsciiBlock;
 using ovrant::utils::kAsciiStretch;
 using ovrant::utils::Utf16ToUtf8;
 using ovrant::utils::Utf8ToUtf16;
-
-constexpr char32_t kReplacement = 0xFFFD;
-
-// The range that the byte `index` of a sequence may have after the lead byte `lead`.
-bool IsAllowed(unsigned lead, std::size_t index, unsigned byte) {
-  if (index > 1) return byte >= 0x80 && byte <= 0xBF;
-  const unsigned lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-  const unsigned highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  return byte >= lowest && byte <= highest;
-}
-
-std::u32string PlainDecode(std::string_view bytes) {
-  std::u32string characters;
-  for (std::size_t i = 0; i < bytes.size();) {
-    const auto lead = static_cast<unsigned char>(bytes[i++]);
-    const std::size_t length = lead < 0x80                    ? 1
-                               : lead >= 0xC2 && lead <= 0xDF ? 2
-                               : lead >= 0xE0 && lead <= 0xEF ? 3
-                               : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                              : 0;
-    if (length < 2) {
-      characters += length == 1 ? lead : kReplacement;
-      continue;
-    }
-    char32_t character = lead & (0x7Fu >> length);
-    std::size_t read = 1;
-    for (; read < length && i < bytes.size(); ++read, ++i) {
-      const auto byte = static_cast<unsigned char>(bytes[i]);
-      if (!IsAllowed(lead, read, byte)) break;
-      character = character << 6 | (byte & 0x3F);
-    }
-    characters += read == length ? character : kReplacement;
-  }
-  return characters;
-}
-
-std::u16string PlainUtf16(std::u32string_view characters) {
-  std::u16string units;
-  for (const char32_t character : characters) {
-    const bool is_pair = character >= 0x10000;
-    if (is_pair) units += static_cast<char16_t>(0xD7C0 + (character >> 10));
-    units += static_cast<char16_t>(is_pair ? 0xDC00 + (character & 0x3FF) : character);
-  }
-  return units;
-}
-
-std::string PlainUtf8(std::u16string_view units) {
-  std::string bytes;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    char32_t character = units[i];
-    const bool has_low = i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
-    if ((character & 0xFC00) == 0xD800 && has_low) {
-      character = 0x10000 + ((character & 0x3FF) << 10) + (units[++i] & 0x3FFu);
-    } else if ((character & 0xF800) == 0xD800) {
-      character = kReplacement;
-    }
-    if (character < 0x80) {
-      bytes += static_cast<char>(character);
-      continue;
-    }
-    const int more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-    bytes += static_cast<char>((0xFF00 >> (more + 1) & 0xFF) | character >> 6 * more);
-    for (int left = more - 1; left >= 0; --left) {
-      bytes += static_cast<char>(0x80 | (character >> 6 * left & 0x3F));
-    }
-  }
-  return bytes;
-}
+using stowra_fuzz::DecodeUtf32;
+using stowra_fuzz::DecodeUtf8;
+using stowra_fuzz::EncodeUtf8;
 
 // Shows where two long texts differ, not the texts.
 template <typename Text>
@@ -107,16 +44,16 @@ void ExpectConverted(const std::string& bytes) {
   const auto exact = std::make_unique<char[]>(bytes.size());
   bytes.copy(exact.get(), bytes.size());
   const std::u16string units = Utf8ToUtf16({exact.get(), bytes.size()});
-  ASSERT_TRUE(Same(units, PlainUtf16(PlainDecode(bytes))));
-  ASSERT_TRUE(Same(Utf16ToUtf8(units), PlainUtf8(units)));
+  ASSERT_TRUE(Same(units, DecodeUtf8(bytes)));
+  ASSERT_TRUE(Same(Utf16ToUtf8(units), EncodeUtf8(units)));
 }
 
 TEST(UtfConversionTest, ConvertsEveryCharacter) {
-  std::string bytes;
-  for (char32_t character = 0; character <= 0x10FFFF; ++character) {
-    if (character >= 0xD800 && character <= 0xDFFF) continue;
-    bytes += PlainUtf8(PlainUtf16({&character, 1}));
+  std::vector<std::uint32_t> characters;
+  for (std::uint32_t character = 0; character <= 0x10FFFF; ++character) {
+    if (character < 0xD800 || character > 0xDFFF) characters.push_back(character);
   }
+  const std::string bytes = EncodeUtf8(DecodeUtf32(characters));
   ExpectConverted(bytes);
   EXPECT_TRUE(Same(Utf16ToUtf8(Utf8ToUtf16(bytes)), bytes));
 }
@@ -124,14 +61,14 @@ TEST(UtfConversionTest, ConvertsEveryCharacter) {
 TEST(UtfConversionTest, ConvertsEveryUnitAlone) {
   for (unsigned value = 0; value <= 0xFFFF; ++value) {
     const auto unit = static_cast<char16_t>(value);
-    ASSERT_EQ(Utf16ToUtf8({&unit, 1}), PlainUtf8({&unit, 1})) << value;
+    ASSERT_EQ(Utf16ToUtf8({&unit, 1}), EncodeUtf8({&unit, 1})) << value;
   }
 }
 
 TEST(UtfConversionTest, ConvertsEveryTwoBytes) {
   for (unsigned value = 0; value <= 0xFFFF; ++value) {
     const char bytes[] = {static_cast<char>(value >> 8), static_cast<char>(value)};
-    ASSERT_EQ(Utf8ToUtf16({bytes, 2}), PlainUtf16(PlainDecode({bytes, 2}))) << value;
+    ASSERT_EQ(Utf8ToUtf16({bytes, 2}), DecodeUtf8({bytes, 2})) << value;
   }
 }
 
@@ -166,8 +103,8 @@ TEST(UtfConversionTest, EncodesAcrossItsSteps) {
           std::u16string units;
           while (units.size() < before) units += filler;
           const std::u16string text = units + part + u"z" + filler + part + filler;
-          ASSERT_TRUE(Same(Utf16ToUtf8(units + part), PlainUtf8(units + part)));
-          ASSERT_TRUE(Same(Utf16ToUtf8(text), PlainUtf8(text)));
+          ASSERT_TRUE(Same(Utf16ToUtf8(units + part), EncodeUtf8(units + part)));
+          ASSERT_TRUE(Same(Utf16ToUtf8(text), EncodeUtf8(text)));
         }
       }
     }
@@ -200,7 +137,7 @@ TEST(UtfConversionTest, EncodesNoise) {
     for (char16_t& unit : units) {
       unit = static_cast<char16_t>(random() % 4 == 0 ? random() : 0xD800 | (random() & 0x7FF));
     }
-    ASSERT_TRUE(Same(Utf16ToUtf8(units), PlainUtf8(units)));
+    ASSERT_TRUE(Same(Utf16ToUtf8(units), EncodeUtf8(units)));
   }
 }
 
