@@ -62,14 +62,6 @@ TEST(XmlDeclarationTest, OtherDeclarationsAreIgnored) {
   EXPECT_TRUE(OpensWith("<!ATTLIST a>"));
 }
 
-TEST(XmlDeclarationTest, AnExternalSubsetIsIgnored) {
-  for (const char* const id : {"SYSTEM 'x.dtd'", "PUBLIC '-//X//Y' 'x.dtd'"}) {
-    const std::string prolog = std::string("<!DOCTYPE a ") + id + ">";
-    EXPECT_EQ(RootText(prolog + "<a n='1' xmlns:p='urn:p'>x</a>"), "x");
-    EXPECT_FALSE(Opens(prolog + "<a>"));
-  }
-}
-
 // The parser itself passes over them.
 TEST(XmlDeclarationTest, KnownCharactersMayBeDeclaredAgain) {
   for (const std::string& prolog : PrologsWith("<!ENTITY lt '&#38;#60;'><!ENTITY gt 'other'>")) {

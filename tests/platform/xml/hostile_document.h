@@ -14,12 +14,8 @@ namespace stowra_test {
 // Opens the document on a small stack, calls `use` if it opens, and deletes the reader. Returns
 // whether it opened. The test fails if that takes ten times as long as a harmless document of the
 // same size. It also fails if the memory is above the reader's limits, or if some memory leaks.
-// Times and sizes are recorded as properties of the test.
 bool OpenHostile(const std::string& bytes,
                  const std::function<void(ovrant::IXMLInput& reader)>& use = nullptr);
-
-// "<!DOCTYPE a [" declarations "]>" content.
-std::string WithDeclarations(const std::string& declarations, const std::string& content);
 
 }  // namespace stowra_test
 

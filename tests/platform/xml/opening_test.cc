@@ -11,7 +11,6 @@
 
 #include "tests/platform/xml/document.h"
 #include "tests/support/failing_malloc.h"
-#include "tests/support/small_stack.h"
 
 namespace stowra_test {
 namespace {
@@ -117,11 +116,6 @@ TEST(XmlOpeningTest, EndSetsTheReaderToNull) {
   EXPECT_EQ(reader, nullptr);
 }
 
-TEST(XmlOpeningTest, TheReaderMayBeDeletedAnywhereInTheDocument) {
-  OpenDocument document("<a><b n='1'>text</b></a>", "a");
-  ASSERT_TRUE(document.Find("b"));
-}
-
 TEST(XmlOpeningTest, ElementsMayHave256Levels) {
   const auto nested = [](std::size_t levels) {
     return Repeated("<a>", levels) + Repeated("</a>", levels);
@@ -152,10 +146,6 @@ TEST(XmlOpeningTest, ADocumentMayHaveOneGibibyte) {
   EXPECT_EQ(refused, nullptr);
   EXPECT_EQ(peak, 0U);
 #endif
-}
-
-TEST(XmlOpeningTest, FitsASmallStack) {
-  RunOnSmallStack([] { EXPECT_TRUE(Opens(kSample)); });
 }
 
 TEST(XmlOpeningTest, ReadersOfTheSameBytesAreIndependent) {
