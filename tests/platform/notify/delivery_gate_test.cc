@@ -99,19 +99,6 @@ TEST(DeliveryGate, CloseWaitsForAllCalls) {
   EXPECT_TRUE(HasEnded(closer, kPatience));
 }
 
-TEST(DeliveryGate, CloseInsideAnotherGateWaits) {
-  DeliveryGate outer;
-  DeliveryGate gate;
-  Visitor visitor(gate);
-  const auto closer = std::async(std::launch::async, [&] {
-    const DeliveryGate::Call call(outer);
-    EXPECT_TRUE(gate.Close());
-  });
-  EXPECT_FALSE(HasEnded(closer, kTooEarly));
-  visitor.LetGo();
-  EXPECT_TRUE(HasEnded(closer, kPatience));
-}
-
 TEST(DeliveryGate, CloseDoesNotWaitForItsOwnCall) {
   DeliveryGate gate;
   {
@@ -119,14 +106,6 @@ TEST(DeliveryGate, CloseDoesNotWaitForItsOwnCall) {
     EXPECT_FALSE(gate.Close());
   }
   EXPECT_TRUE(gate.Close());
-}
-
-TEST(DeliveryGate, CloseInANoWaitScopeDoesNotWaitForCalls) {
-  DeliveryGate gate;
-  Visitor visitor(gate);
-  const NoWaitScope scope;
-  EXPECT_FALSE(gate.Close());
-  EXPECT_FALSE(CanEnter(gate));
 }
 
 TEST(DeliveryGate, CloseInANoWaitScopeWaitsForTheFunction) {

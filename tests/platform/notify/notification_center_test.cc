@@ -22,11 +22,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::FieldsAre;
 
-TEST_F(NotificationCenterTest, DefaultIsAlwaysTheSameCenter) {
-  ASSERT_NE(CNotificationCenter::Default(), nullptr);
-  EXPECT_EQ(CNotificationCenter::Default(), CNotificationCenter::Default());
-}
-
 TEST_F(NotificationCenterTest, DeliversNameAndPayloadOnTheSendingThread) {
   int value = 0;
   std::vector<std::tuple<std::string, void*, std::thread::id>> received;
@@ -110,19 +105,6 @@ TEST_F(NotificationCenterTest, CallsAReaddedObserverLast) {
   Center().RemoveObserver(&a_);
   Register({&a_});
   EXPECT_EQ(LogAfterSend(), "ba");
-}
-
-TEST_F(NotificationCenterTest, PassesADictionaryAsThePayload) {
-  const char place = 0;
-  const void* received = nullptr;
-  std::string received_name;
-  Observer observer([&](const char* name, void* payload) {
-    received_name = name;
-    received = payload;
-  });
-  observer.OnNotification(kName, reinterpret_cast<const ovrant::Dictionary&>(place));
-  EXPECT_EQ(received, &place);
-  EXPECT_EQ(received_name, kName);
 }
 
 TEST_F(NotificationCenterTest, ObserverCanRemoveItself) {

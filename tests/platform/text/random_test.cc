@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <climits>
@@ -39,12 +38,6 @@ TEST(RandomTest, GivesOneSequencePerSeedOnEveryPlatform) {
               ElementsAre(4, 3, 9, 0, 7, 9, 4, 7, 1, 0, 3, 1, 4, 2, 8, 2));
 }
 
-TEST(RandomTest, RepeatsTheSequenceOfARepeatedSeed) {
-  const std::vector<int> first = DrawFrom(42, 100, 0, 1000000);
-  EXPECT_NE(Draw(100, 0, 1000000), first);
-  EXPECT_EQ(DrawFrom(42, 100, 0, 1000000), first);
-}
-
 TEST(RandomTest, CoversRangesOfEveryWidth) {
   EXPECT_THAT(DrawFrom(7, 4, INT_MIN, INT_MAX),
               ElementsAre(-473177628, -2075378473, 1721254016, 356182896));
@@ -53,12 +46,6 @@ TEST(RandomTest, CoversRangesOfEveryWidth) {
   EXPECT_THAT(DrawFrom(7, 8, -1073741824, 1073741824),
               ElementsAre(-1037689237, 860627008, 178091448, -68820400, -369202392, -851348531,
                           797428882, 815214208));
-}
-
-TEST(RandomTest, ReachesBothBoundsAndNothingBeyond) {
-  const std::vector<int> values = DrawFrom(3, 10000, 0, 9);
-  EXPECT_EQ(*std::min_element(values.begin(), values.end()), 0);
-  EXPECT_EQ(*std::max_element(values.begin(), values.end()), 9);
 }
 
 TEST(RandomTest, GivesTheOneValueOfARange) {
@@ -77,7 +64,8 @@ TEST(RandomTest, IsUniform) {
   for (const unsigned seed : {1u, 1700000000u}) {
     Random::SetSeed(seed);
     std::array<double, kValues> counts{};
-    for (const int value : Draw(kDraws, 0, kValues - 1)) ++counts[static_cast<std::size_t>(value)];
+    for (const int value : Draw(kDraws, 0, kValues - 1))
+      ++counts.at(static_cast<std::size_t>(value));
     double chi_squared = 0;
     for (const double count : counts) {
       const double expected = double{kDraws} / kValues;

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdint>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -171,37 +170,6 @@ TEST(UStringTest, IndexesCodeUnits) {
   EXPECT_EQ(text.utf8(), "A\xF0\x9F\x98\x80z");
 }
 
-TEST(UStringTest, FindsTheFirstOccurrenceAtOrAfterTheStart) {
-  constexpr unsigned long kAbsent = ovrant_ustring::npos;
-  static_assert(static_cast<std::uint32_t>(kAbsent) == 0xFFFFFFFFU);
-  const struct {
-    const char* whole;
-    const char* part;
-    unsigned long start;
-    unsigned long found;
-  } searches[] = {{"mid=1&mid=2", "mid=", 0, 0},
-                  {"mid=1&mid=2", "mid=", 1, 6},
-                  {"mid=1&mid=2", "mid=", 6, 6},
-                  {"mid=1&mid=2", "2", 10, 10},
-                  {"\xF0\x9F\x98\x80x", "x", 0, 2},
-                  {"abc", "x", 0, kAbsent},
-                  {"abc", "x", 3, kAbsent},
-                  {"abc", "x", 4, kAbsent},
-                  {"abc", "x", ULONG_MAX, kAbsent},
-                  {"abc", "ab", 1, kAbsent},
-                  {"abc", "abcd", 0, kAbsent},
-                  {"", "a", 0, kAbsent},
-                  // The empty text.
-                  {"abc", "", 0, 0},
-                  {"abc", "", 2, 2},
-                  {"abc", "", 3, 3},
-                  {"abc", "", 4, kAbsent},
-                  {"", "", 0, 0}};
-  for (const auto& [whole, part, start, found] : searches) {
-    EXPECT_EQ(ovrant_ustring(whole).find(part, start), found) << whole << ' ' << part << start;
-  }
-}
-
 TEST(UStringTest, FindAgreesWithASearchUnitByUnit) {
   std::mt19937 random(7);
   for (int round = 0; round < 20'000; ++round) {
@@ -214,7 +182,7 @@ TEST(UStringTest, FindAgreesWithASearchUnitByUnit) {
     };
     const std::u16string whole = make(40);
     const std::u16string part = make(5);
-    const std::size_t start = random() % 42;
+    const std::size_t start = random() % 50 == 0 ? ULONG_MAX : random() % 42;
     const std::size_t expected = whole.find(part, start);
     EXPECT_EQ(TextOf(whole).find(TextOf(part), start),
               expected == std::u16string::npos ? ovrant_ustring::npos : expected)
