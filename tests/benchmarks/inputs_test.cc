@@ -10,7 +10,6 @@
 
 #include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/json/document.h"
-#include "common_stowraapi/services/update_query.h"
 #include "tests/support/text.h"
 
 namespace stowra_test {
@@ -19,8 +18,6 @@ namespace {
 using namespace stowra_bench;  // NOLINT(google-build-using-namespace)
 using ovrant::json::Document;
 using ovrant::stowraapiclient::ContentQuery;
-using ovrant::utils::ovrant_ustring;
-using ovrant::webservices::UpdateQuery;
 
 // FNV-1a.
 std::uint64_t HashOf(const std::string& text) {
@@ -32,12 +29,6 @@ std::uint64_t HashOf(const std::string& text) {
 bool IsAscii(const std::string& text) {
   return std::all_of(text.begin(), text.end(),
                      [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
-}
-
-bool LoadFeed(const std::string& feed, ContentQuery& query) {
-  query.max_qmf_version_ = 8;
-  Bytes bytes(feed);
-  return query.Load(bytes.data(), bytes.length());
 }
 
 TEST(BenchmarkInputsTest, HaveSameBytesOnEveryMachine) {
@@ -60,30 +51,11 @@ TEST(BenchmarkInputsTest, HaveExpectedSizes) {
   EXPECT_EQ(MakeBytes(12345).size(), 12345U);
 }
 
-TEST(BenchmarkInputsTest, UpdateResponseHasMessageAndDataFiles) {
-  UpdateQuery query;
-  ASSERT_TRUE(query.ParseResponse(Text(MakeUpdateResponse())));
-  EXPECT_EQ(query.message_.id, 4711);
-  EXPECT_EQ(query.data_files_.size(), 12U);
-}
-
-TEST(BenchmarkInputsTest, ExtensionStatusHasRequestedNumberOfIds) {
-  Document status;
-  ASSERT_TRUE(status.Load(Text(MakeExtensionStatus(200))));
-  std::set<ovrant_ustring> ids;
-  for (unsigned i = 0; i < status["extensions"].Size(); ++i) {
-    const auto& extension = status["extensions"][i];
-    ids.insert(extension["id"].GetString());
-    EXPECT_TRUE(extension["version"].IsString());
-    EXPECT_TRUE(extension["file_url"].IsString());
-    EXPECT_TRUE(extension["update"].IsBool());
-  }
-  EXPECT_EQ(ids.size(), 200U);
-}
-
 TEST(BenchmarkInputsTest, FeedHasAllEntriesSomeCollectionsAndMixedScripts) {
   ContentQuery query;
-  ASSERT_TRUE(LoadFeed(MakeFeed(50), query));
+  query.max_qmf_version_ = 8;
+  Bytes feed(MakeFeed(50));
+  ASSERT_TRUE(query.Load(feed.data(), feed.length()));
   ASSERT_EQ(query.items_.size(), 50U);
   EXPECT_EQ(query.title_.utf8(), "chairs");
   EXPECT_EQ(query.total_results_, 50);
@@ -97,21 +69,10 @@ TEST(BenchmarkInputsTest, FeedHasAllEntriesSomeCollectionsAndMixedScripts) {
   EXPECT_NE(texts.find('&'), std::string::npos);
 }
 
-TEST(BenchmarkInputsTest, FeedOfLinksIsOneEntryWithAllLinks) {
-  const std::string feed = MakeFeedOfLinks(20);
-  ContentQuery query;
-  ASSERT_TRUE(LoadFeed(feed, query));
-  EXPECT_EQ(query.items_.size(), 1U);
-  const std::string link = "rel=\"related\"";
-  std::size_t links = 0;
-  for (auto at = feed.find(link); at != std::string::npos; at = feed.find(link, at + 1)) ++links;
-  EXPECT_EQ(links, 20U);
-}
-
 TEST(BenchmarkInputsTest, FlatObjectHasRequestedNumberOfTextMembers) {
   Document object;
   ASSERT_TRUE(object.Load(Text(MakeFlatObject(1000))));
-  std::set<ovrant_ustring> names;
+  std::set<ovrant::utils::ovrant_ustring> names;
   for (unsigned i = 0; i < object.MemberCount(); ++i) {
     names.insert(object.MemberNameAt(i));
     EXPECT_TRUE(object.MemberAt(i).IsString());

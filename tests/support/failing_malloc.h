@@ -63,7 +63,6 @@ class FailingMalloc {
   FailingMalloc(const FailingMalloc&) = delete;
   FailingMalloc& operator=(const FailingMalloc&) = delete;
 
-  bool has_failed() const { return failures() > 0; }
   long failures() const;
 };
 

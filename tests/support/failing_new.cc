@@ -56,18 +56,16 @@ long LiveAllocations() { return live_allocations; }
 
 long LiveArrays() { return live_arrays; }
 
-FailingNew::FailingNew(long allowed) { allowed_allocations = allowed; }
-
-FailingNew::~FailingNew() { allowed_allocations = -1; }
-
 bool RunsOutOfMemory(const std::function<void()>& work, long allowed) {
+  bool threw = false;
+  allowed_allocations = allowed;
   try {
-    const FailingNew failing(allowed);
     work();
-    return false;
   } catch (const std::bad_alloc&) {
-    return true;
+    threw = true;
   }
+  allowed_allocations = -1;
+  return threw;
 }
 
 }  // namespace stowra_test

@@ -26,18 +26,8 @@ long LiveAllocations();
 // The same for new[] and delete[] alone.
 long LiveArrays();
 
-// Lets `allowed` allocations of this thread succeed, then the next one throws std::bad_alloc. Later
-// ones succeed again. Works until destruction.
-class FailingNew {
- public:
-  explicit FailingNew(long allowed);
-  ~FailingNew();
-
-  FailingNew(const FailingNew&) = delete;
-  FailingNew& operator=(const FailingNew&) = delete;
-};
-
-// Runs `work` under FailingNew(allowed). True if it threw std::bad_alloc.
+// Runs `work` and lets `allowed` allocations of this thread succeed. Then the next one throws
+// std::bad_alloc, and later ones succeed again. True if `work` threw std::bad_alloc.
 bool RunsOutOfMemory(const std::function<void()>& work, long allowed);
 
 }  // namespace stowra_test
