@@ -43,6 +43,20 @@ struct Target {
   std::string Path() const;
 };
 
+// Identifies a start of a transfer. The delegate's context carries it.
+struct StartId {
+  std::uint64_t start = 0;  // at that place, from 1
+  std::uint64_t place = 0;  // below 256
+
+  void* Pack() const {
+    return reinterpret_cast<void*>(static_cast<std::uintptr_t>(start << 8 | place));
+  }
+  static StartId Unpack(const void* context) {
+    const std::uint64_t packed = reinterpret_cast<std::uintptr_t>(context);
+    return {packed >> 8, packed & 0xFF};
+  }
+};
+
 // Random, but mostly a manner that answers at once.
 Manner DrawManner(Random& random);
 

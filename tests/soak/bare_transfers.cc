@@ -27,18 +27,6 @@ constexpr std::uint32_t kLongestPause = 800;  // microseconds
 
 }  // namespace
 
-void* BareTransfers::Context::Pack() const {
-  const std::uint64_t packed =
-      start << 32 | (number & 0xFFFFFU) << 12 | place << 4 | static_cast<std::uint32_t>(manner);
-  return reinterpret_cast<void*>(static_cast<std::uintptr_t>(packed));
-}
-
-BareTransfers::Context BareTransfers::Context::Unpack(const void* context) {
-  const std::uint64_t packed = reinterpret_cast<std::uintptr_t>(context);
-  return {packed >> 32, static_cast<std::uint32_t>(packed >> 12 & 0xFFFFFU),
-          static_cast<std::uint32_t>(packed >> 4 & 0xFFU), static_cast<Manner>(packed & 0xFU)};
-}
-
 BareTransfers::BareTransfers(int index, const RawServer& server, const MainLoop& loop,
                              std::uint32_t seed)
     : returned_("SoakReturned" + std::to_string(index)),
@@ -101,13 +89,11 @@ void BareTransfers::Create(std::uint32_t index) {
   place.fate = fate == 0   ? Fate::kDeletedInsideItsNotification
                : fate == 1 ? Fate::kKept
                            : Fate::kDeletedAnywhen;
-  const Target target = {Document::kNumber, DrawManner(random_), ++number_ & 0xFFFFFU};
-  place.context.number = target.number;
-  place.context.place = index;
-  place.context.manner = target.manner;
-  place.transport = std::make_unique<InternetData>(server_.Url(target.Path()).c_str());
+  place.target = {Document::kNumber, DrawManner(random_), ++number_};
+  place.id.place = index;
+  place.transport = std::make_unique<InternetData>(server_.Url(place.target.Path()).c_str());
   place.seen_transport.store(place.transport.get(), std::memory_order_relaxed);
-  const std::string body = BodyOf(target);
+  const std::string body = BodyOf(place.target);
   place.transport->set_send_data(reinterpret_cast<const unsigned char*>(body.data()), body.size());
   tally.bare_created.Add();
   Start(place, false);
@@ -116,12 +102,12 @@ void BareTransfers::Create(std::uint32_t index) {
 // A restart drops the earlier transfer, which must not post once the restart has returned.
 void BareTransfers::Start(Place& place, bool again) {
   place.begin = Clock::now();
-  const std::uint64_t before = place.context.start;
-  const std::uint64_t start = ++place.context.start;
+  const std::uint64_t before = place.id.start;
+  const std::uint64_t start = ++place.id.start;
   place.StandingOf(start).start_and_phase.store(Standing::Join(start, Phase::kLive),
                                                 std::memory_order_relaxed);
-  auto delegate = std::make_unique<InternetDataDelegate>(place.context.Pack(), 1, returned_.c_str(),
-                                                         2, failed_.c_str());
+  auto delegate = std::make_unique<InternetDataDelegate>(place.id.Pack(), 1, returned_.c_str(), 2,
+                                                         failed_.c_str());
   InternetDataDelegate* const started = delegate.get();
   // The main loop may delete the delegate at once.
   const bool delegate_goes_first =
@@ -134,14 +120,13 @@ void BareTransfers::Start(Place& place, bool again) {
 }
 
 bool BareTransfers::StartTransfer(Place& place, InternetDataDelegate* delegate) {
-  Standing& standing = place.StandingOf(place.context.start);
+  Standing& standing = place.StandingOf(place.id.start);
   standing.sink.reset();
   switch (random_.Draw(4)) {
     case 0:
       return place.transport->UploadWithDelegate(delegate, nullptr);
     case 1: {
-      const Target target = {Document::kNumber, place.context.manner, place.context.number};
-      auto source = std::make_shared<MemorySource>(BodyOf(target));
+      auto source = std::make_shared<MemorySource>(BodyOf(place.target));
       return place.transport->UploadFromWithDelegate(std::move(source), delegate, nullptr);
     }
     case 2:
@@ -156,11 +141,11 @@ void BareTransfers::Delete(Place& place) {
   const auto begin = Clock::now();
   if (random_.OneIn(2)) {
     place.transport.reset();
-    NoteDropped(place, place.context.start);
+    NoteDropped(place, place.id.start);
     place.delegate.reset();
   } else {
     place.delegate.reset();
-    NoteDropped(place, place.context.start);
+    NoteDropped(place, place.id.start);
     place.transport.reset();
   }
   place.is_taken = false;
@@ -175,7 +160,7 @@ bool BareTransfers::Finish(Place& place) {
     place.is_taken = false;
     return true;
   }
-  if (place.StandingOf(place.context.start).phase() != Phase::kPosted) return false;
+  if (place.StandingOf(place.id.start).phase() != Phase::kPosted) return false;
   Delete(place);
   return true;
 }
@@ -189,34 +174,30 @@ void BareTransfers::NoteDropped(Place& place, std::uint64_t start) {
 
 void BareTransfers::OnNotification(const char* name, void* payload) {
   if (!loop_.IsThisThread()) Violate("a transfer was delivered on another thread");
-  const Context context = Context::Unpack(payload);
-  if (context.place >= kPlaces) return Violate("a transfer posted with a wrong context");
+  const auto [start, index] = StartId::Unpack(payload);
+  if (index >= kPlaces) return Violate("a transfer posted with a wrong context");
   const bool returned = returned_ == name;
   tally.transfer_posts.Add();
   if (returned) tally.returned.Add();
 
-  Place& place = places_[context.place];
-  std::uint64_t expected = Standing::Join(context.start, Phase::kLive);
-  if (!place.StandingOf(context.start)
-           .start_and_phase.compare_exchange_strong(expected,
-                                                    Standing::Join(context.start, Phase::kPosted),
-                                                    std::memory_order_relaxed)) {
-    Violate(expected == Standing::Join(context.start, Phase::kPosted)
-                ? "a transfer posted twice"
-                : "a transfer posted after it was dropped");
-    return;
+  Place& place = places_[index];
+  const std::uint64_t posted = Standing::Join(start, Phase::kPosted);
+  std::uint64_t expected = Standing::Join(start, Phase::kLive);
+  if (place.StandingOf(start).start_and_phase.compare_exchange_strong(expected, posted,
+                                                                      std::memory_order_relaxed)) {
+    return CheckPost(place, start, returned);
   }
-  CheckPost(place, context, returned);
+  Violate(expected == posted ? "a transfer posted twice"
+                             : "a transfer posted after it was dropped");
 }
 
 // The objects stay alive during this call, because their destructors wait for it.
-void BareTransfers::CheckPost(Place& place, const Context& context, bool returned) {
+void BareTransfers::CheckPost(Place& place, std::uint64_t start, bool returned) {
   const InternetData& transport = *place.seen_transport.load(std::memory_order_relaxed);
   std::string body = BytesOf(transport.received_data(), transport.received_data_length());
-  const auto& sink = place.StandingOf(context.start).sink;
+  const auto& sink = place.StandingOf(start).sink;
   if (returned && sink && sink->has_taken()) body = sink->bytes();
-  CheckReply({Document::kNumber, context.manner, context.number}, returned, transport.status_code(),
-             body);
+  CheckReply(place.target, returned, transport.status_code(), body);
   if (place.fate != Fate::kDeletedInsideItsNotification) return;
   place.delegate.reset();
   place.transport.reset();

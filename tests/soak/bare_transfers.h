@@ -81,17 +81,6 @@ class BareTransfers final : public ovrant::IObserver {
   enum class Fate { kDeletedAnywhen, kKept, kDeletedInsideItsNotification };
   enum class Phase : std::uint64_t { kDropped, kLive, kPosted };
 
-  // Identifies a start. The delegate's context carries it.
-  struct Context {
-    std::uint64_t start;   // at that place, from 1
-    std::uint32_t number;  // of the transport
-    std::uint32_t place;
-    Manner manner;
-
-    void* Pack() const;
-    static Context Unpack(const void* context);
-  };
-
   // The state of one start.
   struct Standing {
     std::atomic<std::uint64_t> start_and_phase{0};
@@ -109,7 +98,8 @@ class BareTransfers final : public ovrant::IObserver {
   struct Place {
     bool is_taken = false;
     Fate fate = Fate::kDeletedAnywhen;
-    Context context = {};
+    Target target;
+    StartId id;  // of the last start
     std::unique_ptr<ovrant::internet::InternetData> transport;
     // The last transport. During a notification it is valid, since its destructor waits.
     std::atomic<const ovrant::internet::InternetData*> seen_transport{nullptr};
@@ -131,7 +121,7 @@ class BareTransfers final : public ovrant::IObserver {
   void Delete(Place& place);
   bool Finish(Place& place);
   void NoteDropped(Place& place, std::uint64_t start);
-  void CheckPost(Place& place, const Context& context, bool returned);
+  void CheckPost(Place& place, std::uint64_t start, bool returned);
 
   const std::string returned_;
   const std::string failed_;

@@ -32,10 +32,6 @@ bool Contains(const Names& names, const char* name) {
                      [name](const char* each) { return std::strcmp(each, name) == 0; });
 }
 
-void* Pack(std::uint32_t index, std::uint32_t start) {
-  return reinterpret_cast<void*>(static_cast<std::uintptr_t>(std::uint64_t{start} << 8 | index));
-}
-
 }  // namespace
 
 std::array<const char*, 5> PublicNames() {
@@ -99,7 +95,7 @@ void Requests::StartOne(std::uint32_t index) {
   NoteDropped(place);
   place.start = number_;
   place.is_live = true;
-  place.request->Start(server_, target, Pack(index, place.start));
+  place.request->Start(server_, target, StartId{number_, index}.Pack());
 }
 
 // Uses only manners that answer at once, since it blocks the main loop.
@@ -135,11 +131,10 @@ void Requests::OnNotification(const char* name, void* payload) {
 }
 
 void Requests::OnEnd(const void* payload) {
-  const std::uint64_t packed = reinterpret_cast<std::uintptr_t>(payload);
-  const std::uint64_t index = packed & 0xFFU;
-  if (index >= kPlaces) return Violate("a request's transfer posted with a wrong context");
-  Place& place = places_[index];
-  if (!place.is_live || place.start != packed >> 8) {
+  const StartId id = StartId::Unpack(payload);
+  if (id.place >= kPlaces) return Violate("a request's transfer posted with a wrong context");
+  Place& place = places_[id.place];
+  if (!place.is_live || place.start != id.start) {
     return Violate("a request's transfer posted twice, or after it was dropped");
   }
   place.is_live = false;
