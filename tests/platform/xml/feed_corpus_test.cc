@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -61,30 +62,32 @@ void CheckTitle(const json& expected, XmlDocument* document, Counts* counts) {
   counts->titles += title ? 1 : 0;
 }
 
+// Calls `visit` at each child of that name. Returns how many there are.
+int VisitEach(const std::string& name, XmlDocument* document, const std::function<void()>& visit) {
+  int count = 0;
+  if (!document->Find(name)) return count;
+  do {
+    ++count;
+    visit();
+  } while (document->Next(name));
+  EXPECT_TRUE(document->Leave(name));
+  return count;
+}
+
 void CheckLinks(const json& expected, XmlDocument* document, Counts* counts) {
   json links = json::array();
-  if (document->Find(kAtom + "link")) {
-    do {
-      json link = json::object();
-      for (const char* const name : {"rel", "href", "type"}) {
-        if (const auto value = document->Attribute(name)) link[name] = *value;
-      }
-      links.push_back(link);
-    } while (document->Next(kAtom + "link"));
-    EXPECT_TRUE(document->Leave(kAtom + "link"));
-  }
+  counts->links += VisitEach(kAtom + "link", document, [&] {
+    json link = json::object();
+    for (const char* const name : {"rel", "href", "type"}) {
+      if (const auto value = document->Attribute(name)) link[name] = *value;
+    }
+    links.push_back(link);
+  });
   EXPECT_EQ(links, expected);
-  counts->links += static_cast<int>(links.size());
 }
 
 void CheckEntries(const json& expected, XmlDocument* document, Counts* counts) {
-  int entries = 0;
-  if (document->Find(kAtom + "entry")) {
-    do {
-      ++entries;
-    } while (document->Next(kAtom + "entry"));
-    EXPECT_TRUE(document->Leave(kAtom + "entry"));
-  }
+  const int entries = VisitEach(kAtom + "entry", document, [] {});
   EXPECT_EQ(entries, expected.get<int>());
   counts->entries += entries;
 }

@@ -58,45 +58,43 @@ const std::string kOpenInUtf16("\xFF\xFE<\0a\0>\0", 8);
 const std::string kCloseInUtf16("<\0/\0a\0>\0", 8);
 const std::string kDeepElement = Repeated("<b>", 250) + "x" + Repeated("</b>", 250);
 
-INSTANTIATE_TEST_SUITE_P(
-    Sizes, XmlHostileTest,
-    testing::Values(
-        Repetition{"Text", true, "<a>", "x", kHuge, "</a>", kHuge},
-        Repetition{"TextOfManyLines", true, "<a>", "xxx\n", kHuge / 4, "x</a>", kHuge + 1},
-        Repetition{"TextOfLineEnds", true, "<a>x", "\r\n", kHuge / 2, "x</a>", kHuge / 2 + 2},
-        Repetition{"WhiteSpace", true, "<a>", " ", kHuge, "</a>", 0},
-        Repetition{"Section", true, "<a><![CDATA[", "]", kHuge, "x]]></a>", kHuge + 1},
-        Repetition{"Comment", true, "<a><!--", " ", kHuge, "-->x</a>", 1},
-        Repetition{"CommentWithoutEnd", false, "<a><!--", " ", kHuge, ""},
-        Repetition{"Instruction", true, "<a><?p ", "?", kHuge, "?>x</a>", 1},
-        Repetition{"ElementName", true, "<", "x", kHuge, "/>"},
-        Repetition{"AttributeName", true, "<a ", "x", kHuge / 2, "=''/>"},
-        Repetition{"SpaceInStartTag", true, "<a", " ", kHuge, "></a>"},
-        Repetition{"SpaceInEndTag", true, "<a></a", " ", kHuge, ">"},
-        Repetition{"SpaceAfterTheRoot", true, "<a/>", "\n", kHuge, ""},
-        Repetition{"NumericReferences", true, "<a>", "&#x41;", kMillion, "</a>", kMillion},
-        Repetition{"NamedReferences", true, "<a>", "&amp;", kMillion, "</a>", kMillion},
-        Repetition{"NumericReferencesInAValue", true, "<a n='", "&#65;", kMillion, "'/>"},
-        Repetition{"NamedReferencesInAValue", true, "<a n='", "&lt;", kMillion, "'/>"},
-        Repetition{"ReferenceOfManyZeros", true, "<a>&#", "0", kMillion, "65;</a>", 1},
-        Repetition{"ReferenceOfManyDigits", false, "<a>&#", "6", kMillion, ";</a>"},
-        Repetition{"ReferenceOfManyHexDigits", false, "<a>&#x", "F", kMillion, ";</a>"},
-        Repetition{"TextBetweenElements", true, "<a>", "x<b/>", kMillion, "</a>", kMillion},
-        Repetition{"TextBetweenComments", true, "<a>", "x<!---->", kMillion, "</a>", kMillion},
-        Repetition{"ManySections", true, "<a>", "<![CDATA[x]]>", kMillion, "</a>", kMillion},
-        Repetition{"StartTags", false, "", "<a>", kMillion, ""},
-        Repetition{"ValuesWithoutEnd", false, "", "<a n='", kMillion, ""},
-        Repetition{"OpenBrackets", false, "", "<", 10 * kMillion, ""},
-        Repetition{"DeepAndWide", true, "<a>", kDeepElement, 2'000, "</a>", 2'000},
-        Repetition{"EmptyElements", true, "<a>", "<b/>", 10 * kMillion, "</a>", 0},
-        Repetition{"EndTags", false, "<a>", "</a>", kMillion, ""},
-        Repetition{"WrongEndTags", false, "<a>", "<b></c>", kMillion, "</a>"},
-        Repetition{"EndsOfSections", false, "<a>", "]]>", kMillion, "</a>"},
-        Repetition{"TextOfPairsInUtf16", true, kOpenInUtf16, kPair, 10 * kMillion, kCloseInUtf16,
-                   20 * kMillion},
-        Repetition{"TextThatGrowsInUtf8", true, "<?xml version='1.0' encoding='ISO-8859-1'?><a>",
-                   "\xE9", 10 * kMillion, "</a>", 10 * kMillion}),
-    RowName());
+const Repetition kSizes[] = {
+    {"Text", true, "<a>", "x", kHuge, "</a>", kHuge},
+    {"TextOfManyLines", true, "<a>", "xxx\n", kHuge / 4, "x</a>", kHuge + 1},
+    {"TextOfLineEnds", true, "<a>x", "\r\n", kHuge / 2, "x</a>", kHuge / 2 + 2},
+    {"WhiteSpace", true, "<a>", " ", kHuge, "</a>", 0},
+    {"Section", true, "<a><![CDATA[", "]", kHuge, "x]]></a>", kHuge + 1},
+    {"Comment", true, "<a><!--", " ", kHuge, "-->x</a>", 1},
+    {"CommentWithoutEnd", false, "<a><!--", " ", kHuge, ""},
+    {"Instruction", true, "<a><?p ", "?", kHuge, "?>x</a>", 1},
+    {"ElementName", true, "<", "x", kHuge, "/>"},
+    {"AttributeName", true, "<a ", "x", kHuge / 2, "=''/>"},
+    {"SpaceInStartTag", true, "<a", " ", kHuge, "></a>"},
+    {"SpaceInEndTag", true, "<a></a", " ", kHuge, ">"},
+    {"SpaceAfterTheRoot", true, "<a/>", "\n", kHuge, ""},
+    {"NumericReferences", true, "<a>", "&#x41;", kMillion, "</a>", kMillion},
+    {"NamedReferences", true, "<a>", "&amp;", kMillion, "</a>", kMillion},
+    {"NumericReferencesInAValue", true, "<a n='", "&#65;", kMillion, "'/>"},
+    {"NamedReferencesInAValue", true, "<a n='", "&lt;", kMillion, "'/>"},
+    {"ReferenceOfManyZeros", true, "<a>&#", "0", kMillion, "65;</a>", 1},
+    {"ReferenceOfManyDigits", false, "<a>&#", "6", kMillion, ";</a>"},
+    {"ReferenceOfManyHexDigits", false, "<a>&#x", "F", kMillion, ";</a>"},
+    {"TextBetweenElements", true, "<a>", "x<b/>", kMillion, "</a>", kMillion},
+    {"TextBetweenComments", true, "<a>", "x<!---->", kMillion, "</a>", kMillion},
+    {"ManySections", true, "<a>", "<![CDATA[x]]>", kMillion, "</a>", kMillion},
+    {"StartTags", false, "", "<a>", kMillion, ""},
+    {"ValuesWithoutEnd", false, "", "<a n='", kMillion, ""},
+    {"OpenBrackets", false, "", "<", 10 * kMillion, ""},
+    {"DeepAndWide", true, "<a>", kDeepElement, 2'000, "</a>", 2'000},
+    {"EmptyElements", true, "<a>", "<b/>", 10 * kMillion, "</a>", 0},
+    {"EndTags", false, "<a>", "</a>", kMillion, ""},
+    {"WrongEndTags", false, "<a>", "<b></c>", kMillion, "</a>"},
+    {"EndsOfSections", false, "<a>", "]]>", kMillion, "</a>"},
+    {"TextOfPairsInUtf16", true, kOpenInUtf16, kPair, 10 * kMillion, kCloseInUtf16, 20 * kMillion},
+    {"TextThatGrowsInUtf8", true, "<?xml version='1.0' encoding='ISO-8859-1'?><a>", "\xE9",
+     10 * kMillion, "</a>", 10 * kMillion},
+};
+INSTANTIATE_TEST_SUITE_P(Sizes, XmlHostileTest, testing::ValuesIn(kSizes), RowName());
 
 const std::string kLongText(60'000, 'x');
 const std::string kThousand(1'000, 'x');
@@ -104,42 +102,34 @@ const std::string kThousand(1'000, 'x');
 // As long as the URI of a namespace may be.
 const std::string kLongestUri(256, 'u');
 
-INSTANTIATE_TEST_SUITE_P(
-    Attributes, XmlHostileTest,
-    testing::Values(Repetition{"Prefixed", true, "<a xmlns:p='u'", " p:n@=''", kMillion, "/>"},
-                    Repetition{"OneOnEachElement", true, "<a>", "<b n=''/>", kMillion, "</a>"},
-                    Repetition{"AnotherOnEachElement", true, "<a>", "<b n@=''/>", kMillion,
-                               "</a>"}),
-    RowName());
+const Repetition kAttributes[] = {
+    {"Prefixed", true, "<a xmlns:p='u'", " p:n@=''", kMillion, "/>"},
+    {"OneOnEachElement", true, "<a>", "<b n=''/>", kMillion, "</a>"},
+    {"AnotherOnEachElement", true, "<a>", "<b n@=''/>", kMillion, "</a>"},
+};
+INSTANTIATE_TEST_SUITE_P(Attributes, XmlHostileTest, testing::ValuesIn(kAttributes), RowName());
 
 const std::string kInLongest = "<a xmlns='" + kLongestUri + "'>";
 const std::string kWithLongest = "<a xmlns:p='" + kLongestUri + "'";
 const std::string kOneLevel = Repeated("<p:b xmlns:p='u'>", 200) + Repeated("</p:b>", 200);
 
-INSTANTIATE_TEST_SUITE_P(
-    Namespaces, XmlHostileTest,
-    testing::Values(
-        Repetition{"OverlongUriOfManyElements", false, "<a xmlns='" + kLongText + "'>", "<b/>",
-                   60'000, "</a>"},
-        Repetition{"OverlongUriOfPrefixedNames", false, "<a xmlns:p='" + kLongText + "'>",
-                   "<p:b p:n=''/>", 60'000, "</a>"},
-        Repetition{"OverlongUriOnEachElement", false, "<a>", "<b xmlns='" + kLongText + "'/>",
-                   1'000, "</a>"},
-        Repetition{"LongPrefixOnManyElements", true, "<a>", "<b xmlns:" + kThousand + "='u'/>",
-                   10'000, "</a>"},
-        Repetition{"LongestUriOfElements", true, kInLongest, "<b/>", kMillion, "</a>"},
-        Repetition{"LongestUriOfDistinctNames", false, kInLongest, "<b@/>", kMillion, "</a>"},
-        Repetition{"LongestUriOfAttributes", true, kWithLongest + ">", "<b p:n=''/>", kMillion,
-                   "</a>"},
-        Repetition{"LongestUriOfDistinctAttributes", false, kWithLongest, " p:n@=''", kMillion,
-                   "/>"},
-        Repetition{"LongestUriOnEachElement", true, "<a>", "<b xmlns='" + kLongestUri + "'/>",
-                   100'000, "</a>"},
-        Repetition{"ManyDeclarationsOnOneElement", true, "<a", " xmlns:p@='u'", 10'000, "/>"},
-        Repetition{"TooManyDeclarationsOnOneElement", false, "<a", " xmlns:p@='u'", 300'000, "/>"},
-        Repetition{"ManyUris", true, "<a>", "<b xmlns='u@'/>", 300'000, "</a>"},
-        Repetition{"OnePrefixOnEveryLevel", true, "<a>", kOneLevel, 1'000, "</a>"}),
-    RowName());
+const Repetition kNamespaces[] = {
+    {"OverlongUriOfManyElements", false, "<a xmlns='" + kLongText + "'>", "<b/>", 60'000, "</a>"},
+    {"OverlongUriOfPrefixedNames", false, "<a xmlns:p='" + kLongText + "'>", "<p:b p:n=''/>",
+     60'000, "</a>"},
+    {"OverlongUriOnEachElement", false, "<a>", "<b xmlns='" + kLongText + "'/>", 1'000, "</a>"},
+    {"LongPrefixOnManyElements", true, "<a>", "<b xmlns:" + kThousand + "='u'/>", 10'000, "</a>"},
+    {"LongestUriOfElements", true, kInLongest, "<b/>", kMillion, "</a>"},
+    {"LongestUriOfDistinctNames", false, kInLongest, "<b@/>", kMillion, "</a>"},
+    {"LongestUriOfAttributes", true, kWithLongest + ">", "<b p:n=''/>", kMillion, "</a>"},
+    {"LongestUriOfDistinctAttributes", false, kWithLongest, " p:n@=''", kMillion, "/>"},
+    {"LongestUriOnEachElement", true, "<a>", "<b xmlns='" + kLongestUri + "'/>", 100'000, "</a>"},
+    {"ManyDeclarationsOnOneElement", true, "<a", " xmlns:p@='u'", 10'000, "/>"},
+    {"TooManyDeclarationsOnOneElement", false, "<a", " xmlns:p@='u'", 300'000, "/>"},
+    {"ManyUris", true, "<a>", "<b xmlns='u@'/>", 300'000, "</a>"},
+    {"OnePrefixOnEveryLevel", true, "<a>", kOneLevel, 1'000, "</a>"},
+};
+INSTANTIATE_TEST_SUITE_P(Namespaces, XmlHostileTest, testing::ValuesIn(kNamespaces), RowName());
 
 const std::string kSubset = "<!DOCTYPE a [";
 const std::string kRoot = "]><a/>";
@@ -147,38 +137,28 @@ const std::string kRoot = "]><a/>";
 // With an external subset each start tag is looked at once more.
 const std::string kExternal = "<!DOCTYPE a SYSTEM 'x'>";
 
-INSTANTIATE_TEST_SUITE_P(
-    Declarations, XmlHostileTest,
-    testing::Values(
-        Repetition{"HugeEntity", false, kSubset + "<!ENTITY e '", "x", kHuge, "'>" + kRoot},
-        Repetition{"HugeParameterEntity", false, kSubset + "<!ENTITY % p '", "x", 10 * kMillion,
-                   "'>" + kRoot},
-        Repetition{"Enumeration", false, kSubset + "<!ATTLIST a n (", "x|", kMillion,
-                   "y) #IMPLIED>]><a n='x'/>"},
-        Repetition{"EmptyAttributeLists", true, kSubset, "<!ATTLIST n@>", 300'000, kRoot},
-        Repetition{"WideContentModel", true, kSubset + "<!ELEMENT a (", "b,", kMillion,
-                   "b)>" + kRoot},
-        Repetition{"ElementDeclarations", true, kSubset, "<!ELEMENT n@ EMPTY>", 100'000, kRoot},
-        Repetition{"Notations", true, kSubset, "<!NOTATION n@ SYSTEM 'x'>", 100'000, kRoot},
-        Repetition{"HugePublicIdentifier", true, "<!DOCTYPE a PUBLIC '", "x", 10 * kMillion,
-                   "' 'y'><a/>"},
-        Repetition{"HugeSystemIdentifier", true, "<!DOCTYPE a PUBLIC 'y' '", "x", 10 * kMillion,
-                   "'><a/>"},
-        Repetition{"HugeIdentifierOfANotation", true, kSubset + "<!NOTATION n PUBLIC '", "x",
-                   10 * kMillion, "'>" + kRoot},
-        Repetition{"DeclarationsWithoutEnd", false, kSubset, "<!ELEMENT a ANY>[", 100'000, ""},
-        Repetition{"DoctypesWithoutEnd", false, "", "<!DOCTYPE a [", 100'000, ""},
-        Repetition{"SubsetsWithoutEnd", false, "<!DOCTYPE a ", "[", kMillion, ""},
-        Repetition{"SectionsWithoutEnd", false, kSubset, "<![INCLUDE[", 100'000, ""},
-        Repetition{"ExternalAndManyAttributes", true, kExternal + "<a", " n@='&lt;'", kMillion,
-                   "/>"},
-        Repetition{"ExternalAndManyReferences", true, kExternal + "<a n='", "&lt;", 5 * kMillion,
-                   "'/>"},
-        Repetition{"ExternalAndManyStartTags", true, kExternal + "<a>", "<b n='&lt;'/>", kMillion,
-                   "</a>"},
-        Repetition{"ExternalAndUnknownReference", false, kExternal + "<a n='", "&lt;", 5 * kMillion,
-                   "&e;'/>"}),
-    RowName());
+const Repetition kDeclarations[] = {
+    {"HugeEntity", false, kSubset + "<!ENTITY e '", "x", kHuge, "'>" + kRoot},
+    {"HugeParameterEntity", false, kSubset + "<!ENTITY % p '", "x", 10 * kMillion, "'>" + kRoot},
+    {"Enumeration", false, kSubset + "<!ATTLIST a n (", "x|", kMillion, "y) #IMPLIED>]><a n='x'/>"},
+    {"EmptyAttributeLists", true, kSubset, "<!ATTLIST n@>", 300'000, kRoot},
+    {"WideContentModel", true, kSubset + "<!ELEMENT a (", "b,", kMillion, "b)>" + kRoot},
+    {"ElementDeclarations", true, kSubset, "<!ELEMENT n@ EMPTY>", 100'000, kRoot},
+    {"Notations", true, kSubset, "<!NOTATION n@ SYSTEM 'x'>", 100'000, kRoot},
+    {"HugePublicIdentifier", true, "<!DOCTYPE a PUBLIC '", "x", 10 * kMillion, "' 'y'><a/>"},
+    {"HugeSystemIdentifier", true, "<!DOCTYPE a PUBLIC 'y' '", "x", 10 * kMillion, "'><a/>"},
+    {"HugeIdentifierOfANotation", true, kSubset + "<!NOTATION n PUBLIC '", "x", 10 * kMillion,
+     "'>" + kRoot},
+    {"DeclarationsWithoutEnd", false, kSubset, "<!ELEMENT a ANY>[", 100'000, ""},
+    {"DoctypesWithoutEnd", false, "", "<!DOCTYPE a [", 100'000, ""},
+    {"SubsetsWithoutEnd", false, "<!DOCTYPE a ", "[", kMillion, ""},
+    {"SectionsWithoutEnd", false, kSubset, "<![INCLUDE[", 100'000, ""},
+    {"ExternalAndManyAttributes", true, kExternal + "<a", " n@='&lt;'", kMillion, "/>"},
+    {"ExternalAndManyReferences", true, kExternal + "<a n='", "&lt;", 5 * kMillion, "'/>"},
+    {"ExternalAndManyStartTags", true, kExternal + "<a>", "<b n='&lt;'/>", kMillion, "</a>"},
+    {"ExternalAndUnknownReference", false, kExternal + "<a n='", "&lt;", 5 * kMillion, "&e;'/>"},
+};
+INSTANTIATE_TEST_SUITE_P(Declarations, XmlHostileTest, testing::ValuesIn(kDeclarations), RowName());
 
 std::string Levels(const std::string& open, const std::string& inside, const std::string& close) {
   return Repeated(open, kMillion) + inside + Repeated(close, kMillion);

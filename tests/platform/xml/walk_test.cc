@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <ostream>
 #include <string>
+#include <vector>
 
 #include "tests/platform/xml/document.h"
 
@@ -22,12 +22,10 @@ namespace {
 //   #NAME=VALUE  !#NAME   GetElementInt
 //   ?NAME=VALUE  !?NAME   GetElementBool, which gives 0 or 1
 struct Walk {
-  const char* name;  // of the test
+  const char* name;
   std::string document;
   std::string steps;
 };
-
-void PrintTo(const Walk& walk, std::ostream* out) { *out << walk.name; }
 
 // The part behind the last "=", since names may be URIs.
 std::string TakeValue(std::string& step) {
@@ -61,142 +59,135 @@ void TakeStep(XmlDocument& document, std::string step) {
   EXPECT_EQ(found, succeeds ? std::optional(value) : std::nullopt);
 }
 
-class XmlWalkTest : public testing::TestWithParam<Walk> {};
-
-TEST_P(XmlWalkTest, Finds) {
-  const Walk& walk = GetParam();
-  OpenDocument document(walk.document);
-  for (std::size_t begin = 0; begin != std::string::npos;) {
-    const std::size_t end = walk.steps.find(" | ", begin);
-    TakeStep(document, walk.steps.substr(begin, end - begin));
-    begin = end == std::string::npos ? end : end + 3;
+void TakeWalks(const std::vector<Walk>& walks) {
+  for (const Walk& walk : walks) {
+    SCOPED_TRACE(walk.name);
+    OpenDocument document(walk.document);
+    for (std::size_t begin = 0; begin != std::string::npos;) {
+      const std::size_t end = walk.steps.find(" | ", begin);
+      TakeStep(document, walk.steps.substr(begin, end - begin));
+      begin = end == std::string::npos ? end : end + 3;
+    }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Elements, XmlWalkTest,
-    testing::Values(
-        Walk{"StandsAtTheDocumentFirst", "<a b='1'><c/></a>",
-             "!@b | !.c | !>a | !-a | !- | !+c | +a | @b=1"},
-        Walk{"WalksAListInTheUsualPattern",
-             "<list><item>1</item><item>2</item><item>3</item></list>",
-             "+list | +item | >item | >item | !>item | -item | .item=1 | -list | .list=123"},
-        Walk{"ReadsWhatEachElementOfAListHolds",
-             "<list><item id='x'><name>one</name></item><item id='y'><name>two</name>"
-             "<part n='1'/><part n='2'/></item></list>",
-             "+list | +item | @id=x | .name=one | !+part | >item | @id=y | .name=two | +part | "
-             "@n=1 | >part | @n=2 | !>part | -part | @id=y | !>item | -item | -list"},
-        Walk{"StaysAtTheLastOfAListAfterItsEnd", "<r><i n='1'/><other/><i n='2'/><other/></r>",
-             "+r | +i | >i | !>i | @n=2 | !>i | @n=2 | !>i | @n=2 | -i | !@n | +other"},
-        Walk{"FindElementTakesTheFirst", "<r>text<x/><i n='1'/><i n='2'/></r>",
-             "+r | +i | @n=1 | >i | @n=2 | -i | +i | @n=1 | >i | @n=2 | -i | +i | @n=1"},
-        Walk{"FindElementLooksAtChildrenOnly",
-             "<r id='r'><x><deep id='1'/></x><deep id='2'/><x><only/></x></r>",
-             "!+x | !+deep | +r | !+r | !+only | @id=r | +deep | @id=2"},
-        Walk{"NextElementLooksAtLaterSiblingsOnly", "<r><n/><i><n/><i/></i><x><n/></x></r>",
-             "+r | +i | !>n | !>i | !>r | >x"},
-        Walk{"NextElementMayGoToAnotherName", "<r><a n='1'/><b n='2'/><a n='3'/><b n='4'/></r>",
-             "+r | +a | >b | @n=2 | >b | @n=4 | !>a | !-a | -b"},
-        Walk{"LeaveElementWantsTheNameOfTheCurrentElement", "<r><i n='1'><r/></i></r>",
-             "+r | +i | !-r | @n=1 | !-I | @n=1 | !- | @n=1 | !-i  | @n=1 | !-none | @n=1 | -i"},
-        Walk{"LeavingTheRootLeadsToTheDocument", "<r n='1'><i/></r>",
-             "+r | !>r | -r | !@n | !-r | !+i | +r | !>r | -r | !@n | !-r | !+i | +r"},
-        Walk{"ListsMayLieAmongEachOther",
-             "<r><a n='1'/><b n='2'/><a n='3'/><c/><b n='4'/><a n='5'/></r>",
-             "+r | +b | @n=2 | >b | @n=4 | !>b | -b | +a | @n=1 | >a | @n=3 | >a | @n=5 | !>a | "
-             "-a | +b | @n=2 | >b | @n=4 | !>b | -b"},
-        Walk{"AskingForTextsDoesNotMove",
-             "<r n='0'><i n='1'><v>1</v></i><i n='2'><v>x</v><v>2</v></i></r>",
-             "+r | +i | #v=1 | @n=1 | >i | !#v | !?v | .v=x | @n=2"},
-        Walk{"NamesMatchExactly", "<Name><na.me-_1\xC3\xA9/><\xC3\x89l\xE4\xB8\x80/></Name>",
-             "!+name | !+NAME | !+Nam | !+Names | !+ Name | !+Name  | !+ | !+:Name | +Name | "
-             "!+na.me-_1e | !+na.me-_1\xC3\x89 | !+na.me-_1e\xCC\x81 | !+na.me-_1 | "
-             "+na.me-_1\xC3\xA9 | >\xC3\x89l\xE4\xB8\x80"},
-        Walk{"ANameEndsOnlyWhereItEnds", "<a><b/></a>",
-             std::string("!+a\0 | !+a\0b | +a | !-a\0 | !.b\0", 31)}),
-    RowName());
+TEST(XmlWalkTest, MovesAmongElements) {
+  TakeWalks({
+      {"StandsAtTheDocumentFirst", "<a b='1'><c/></a>",
+       "!@b | !.c | !>a | !-a | !- | !+c | +a | @b=1"},
+      {"WalksAListInTheUsualPattern", "<list><item>1</item><item>2</item><item>3</item></list>",
+       "+list | +item | >item | >item | !>item | -item | .item=1 | -list | .list=123"},
+      {"ReadsWhatEachElementOfAListHolds",
+       "<list><item id='x'><name>one</name></item><item id='y'><name>two</name>"
+       "<part n='1'/><part n='2'/></item></list>",
+       "+list | +item | @id=x | .name=one | !+part | >item | @id=y | .name=two | +part | "
+       "@n=1 | >part | @n=2 | !>part | -part | @id=y | !>item | -item | -list"},
+      {"StaysAtTheLastOfAListAfterItsEnd", "<r><i n='1'/><other/><i n='2'/><other/></r>",
+       "+r | +i | >i | !>i | @n=2 | !>i | @n=2 | !>i | @n=2 | -i | !@n | +other"},
+      {"FindElementTakesTheFirst", "<r>text<x/><i n='1'/><i n='2'/></r>",
+       "+r | +i | @n=1 | >i | @n=2 | -i | +i | @n=1 | >i | @n=2 | -i | +i | @n=1"},
+      {"FindElementLooksAtChildrenOnly",
+       "<r id='r'><x><deep id='1'/></x><deep id='2'/><x><only/></x></r>",
+       "!+x | !+deep | +r | !+r | !+only | @id=r | +deep | @id=2"},
+      {"NextElementLooksAtLaterSiblingsOnly", "<r><n/><i><n/><i/></i><x><n/></x></r>",
+       "+r | +i | !>n | !>i | !>r | >x"},
+      {"NextElementMayGoToAnotherName", "<r><a n='1'/><b n='2'/><a n='3'/><b n='4'/></r>",
+       "+r | +a | >b | @n=2 | >b | @n=4 | !>a | !-a | -b"},
+      {"LeaveElementWantsTheNameOfTheCurrentElement", "<r><i n='1'><r/></i></r>",
+       "+r | +i | !-r | @n=1 | !-I | @n=1 | !- | @n=1 | !-i  | @n=1 | !-none | @n=1 | -i"},
+      {"LeavingTheRootLeadsToTheDocument", "<r n='1'><i/></r>",
+       "+r | !>r | -r | !@n | !-r | !+i | +r | !>r | -r | !@n | !-r | !+i | +r"},
+      {"ListsMayLieAmongEachOther", "<r><a n='1'/><b n='2'/><a n='3'/><c/><b n='4'/><a n='5'/></r>",
+       "+r | +b | @n=2 | >b | @n=4 | !>b | -b | +a | @n=1 | >a | @n=3 | >a | @n=5 | !>a | "
+       "-a | +b | @n=2 | >b | @n=4 | !>b | -b"},
+      {"AskingForTextsDoesNotMove",
+       "<r n='0'><i n='1'><v>1</v></i><i n='2'><v>x</v><v>2</v></i></r>",
+       "+r | +i | #v=1 | @n=1 | >i | !#v | !?v | .v=x | @n=2"},
+      {"NamesMatchExactly", "<Name><na.me-_1\xC3\xA9/><\xC3\x89l\xE4\xB8\x80/></Name>",
+       "!+name | !+NAME | !+Nam | !+Names | !+ Name | !+Name  | !+ | !+:Name | +Name | "
+       "!+na.me-_1e | !+na.me-_1\xC3\x89 | !+na.me-_1e\xCC\x81 | !+na.me-_1 | "
+       "+na.me-_1\xC3\xA9 | >\xC3\x89l\xE4\xB8\x80"},
+      {"ANameEndsOnlyWhereItEnds", "<a><b/></a>",
+       std::string("!+a\0 | !+a\0b | +a | !-a\0 | !.b\0", 31)},
+  });
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Attributes, XmlWalkTest,
-    testing::Values(
-        Walk{"EachByItsName", "<a one='1' two=\"2\" three='' four=' '><b one='5'/></a>",
-             "+a | @two=2 | @one=1 | @three= | @four=  | !@five | !@One | !@on | !@ones | !@ | "
-             "!@:one | !@a | !@b | +b | @one=5 | !@two"},
-        Walk{"OfTheCurrentElement", "<a n='a'><b/><b n='b'/><b/></a>",
-             "+a | +b | !@n | >b | @n=b | >b | !@n | -b | @n=a"},
-        Walk{"PrefixedIsAnother", "<a xmlns:p='urn:p' p:href='p' xml:lang='en'/>",
-             "+a | !@href | !@lang"},
-        Walk{"PrefixedComesFirst", "<a xmlns:p='urn:p' p:href='p' href='plain'/>",
-             "+a | @href=plain"},
-        Walk{"PrefixedComesLast", "<a xmlns:p='urn:p' href='plain' p:href='p'/>",
-             "+a | @href=plain"},
-        Walk{"WithoutAPrefixIsInNoNamespace", "<a xmlns='urn:x' n='1'/>", "+urn:x:a | @n=1"},
-        Walk{"NamespaceDeclarationsAreNone", "<a xmlns:p='urn:p' n='1'/>",
-             "+a | !@xmlns | !@p | @n=1"},
-        Walk{"ReferencesAreDecoded",
-             "<a n='&lt;&amp;&gt;&quot;&apos;\">' m='&#65;&#x42;&#x1F600;\xC3\xA9'/>",
-             "+a | @n=<&>\"'\"> | @m=AB\xF0\x9F\x98\x80\xC3\xA9"},
-        Walk{"WhiteSpaceIsKeptAsSpacesAndReferencesAsTheyAre", "<a n=' x\ty\nz\r\n.\r '/>",
-             "+a | @n= x y z .  "},
-        Walk{"ReferencesToWhiteSpaceAreKept", "<a n='&#9;&#10;&#13;&#32;'/>", "+a | @n=\t\n\r "}),
-    RowName());
+TEST(XmlWalkTest, GivesAttributesOfTheCurrentElement) {
+  TakeWalks({
+      {"EachByItsName", "<a one='1' two=\"2\" three='' four=' '><b one='5'/></a>",
+       "+a | @two=2 | @one=1 | @three= | @four=  | !@five | !@One | !@on | !@ones | !@ | "
+       "!@:one | !@a | !@b | +b | @one=5 | !@two"},
+      {"OfTheCurrentElement", "<a n='a'><b/><b n='b'/><b/></a>",
+       "+a | +b | !@n | >b | @n=b | >b | !@n | -b | @n=a"},
+      {"PrefixedIsAnother", "<a xmlns:p='urn:p' p:href='p' xml:lang='en'/>",
+       "+a | !@href | !@lang"},
+      {"PrefixedComesFirst", "<a xmlns:p='urn:p' p:href='p' href='plain'/>", "+a | @href=plain"},
+      {"PrefixedComesLast", "<a xmlns:p='urn:p' href='plain' p:href='p'/>", "+a | @href=plain"},
+      {"WithoutAPrefixIsInNoNamespace", "<a xmlns='urn:x' n='1'/>", "+urn:x:a | @n=1"},
+      {"NamespaceDeclarationsAreNone", "<a xmlns:p='urn:p' n='1'/>", "+a | !@xmlns | !@p | @n=1"},
+      {"ReferencesAreDecoded",
+       "<a n='&lt;&amp;&gt;&quot;&apos;\">' m='&#65;&#x42;&#x1F600;\xC3\xA9'/>",
+       "+a | @n=<&>\"'\"> | @m=AB\xF0\x9F\x98\x80\xC3\xA9"},
+      {"WhiteSpaceIsKeptAsSpacesAndReferencesAsTheyAre", "<a n=' x\ty\nz\r\n.\r '/>",
+       "+a | @n= x y z .  "},
+      {"ReferencesToWhiteSpaceAreKept", "<a n='&#9;&#10;&#13;&#32;'/>", "+a | @n=\t\n\r "},
+  });
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Namespaces, XmlWalkTest,
-    testing::Values(
-        Walk{"ADefaultHoldsForWhatLiesInside", "<a xmlns='http://host/x'><b>1</b></a>",
-             "!+a | !+:a | !+http://host/xa | !+http://host/x/:a | !+HTTP://host/x:a | "
-             "!+http://host/x: | !+http://host/x: a | !+http://host/x::a | +http://host/x:a | "
-             ".http://host/x:b=1 | !.b | !-a | -http://host/x:a"},
-        Walk{"WithoutOneTheNameIsTheLocalName", "<a><b>1</b></a>", "!+:a | +a | .b=1"},
-        Walk{"ThePrefixDoesNotMatter",
-             "<p:a xmlns:p='urn:x'><q:b xmlns:q='urn:x'>1</q:b><b xmlns='urn:x'>2</b><p:b>3</p:b>"
-             "<b>4</b></p:a>",
-             "!+p:a | +urn:x:a | .b=4 | !.p:b | +urn:x:b | >urn:x:b | >urn:x:b | !>urn:x:b | >b"},
-        Walk{"SameLocalNamesAreToldApart",
-             "<feed xmlns='urn:f' xmlns:m='urn:m'><m:title>media</m:title>"
-             "<title xmlns=''>none</title><title>feed</title></feed>",
-             "+urn:f:feed | .urn:f:title=feed | .urn:m:title=media | .title=none"},
-        Walk{"DeclarationsMayBeReplacedAndTakenBack",
-             "<a xmlns='urn:1' xmlns:p='urn:p'><b xmlns='urn:2' xmlns:p='urn:q'><c/><p:c/></b>"
-             "<b xmlns=''><c/></b><p:b/><b/></a>",
-             "+urn:1:a | +urn:2:b | .urn:2:c= | .urn:q:c= | !.urn:p:c | !.urn:1:c | -urn:2:b | +b "
-             "| .c= | -b | +urn:p:b | >urn:1:b"},
-        Walk{"HoldForTheElementThatDeclaresThem", "<a><p:b xmlns:p='urn:x'/><b xmlns='urn:y'/></a>",
-             "+a | .urn:x:b= | .urn:y:b= | !.b"},
-        Walk{"TheUriIsTakenAsWritten", "<a xmlns='HTTP://h/%7e a&amp;b?c:d#&#x65;/../ '/>",
-             "+HTTP://h/%7e a&b?c:d#e/../ :a"},
-        Walk{"TheUriMayHaveAnyCharacter",
-             "<a xmlns='\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80'><b/></a>",
-             "+\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80:a | .\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80:b="},
-        Walk{"TheXmlPrefixNeedsNoDeclaration", "<xml:a/>",
-             "+http://www.w3.org/XML/1998/namespace:a"},
-        Walk{"OpensAFeedOfSeveral",
-             "<feed xmlns='http://www.w3.org/2005/Atom'"
-             " xmlns:os='http://a9.com/-/spec/opensearchrss/1.0/'"
-             " xmlns:media='http://search.yahoo.com/mrss/'><os:totalResults>12</os:totalResults>"
-             "<entry><title>T</title><media:group><media:content url='u'/></media:group></entry>"
-             "</feed>",
-             "+http://www.w3.org/2005/Atom:feed | "
-             "#http://a9.com/-/spec/opensearchrss/1.0/:totalResults=12 | "
-             "+http://www.w3.org/2005/Atom:entry | .http://www.w3.org/2005/Atom:title=T | "
-             "+http://search.yahoo.com/mrss/:group | +http://search.yahoo.com/mrss/:content | "
-             "@url=u"}),
-    RowName());
+TEST(XmlWalkTest, TellsNamespacesApart) {
+  TakeWalks({
+      {"ADefaultHoldsForWhatLiesInside", "<a xmlns='http://host/x'><b>1</b></a>",
+       "!+a | !+:a | !+http://host/xa | !+http://host/x/:a | !+HTTP://host/x:a | "
+       "!+http://host/x: | !+http://host/x: a | !+http://host/x::a | +http://host/x:a | "
+       ".http://host/x:b=1 | !.b | !-a | -http://host/x:a"},
+      {"WithoutOneTheNameIsTheLocalName", "<a><b>1</b></a>", "!+:a | +a | .b=1"},
+      {"ThePrefixDoesNotMatter",
+       "<p:a xmlns:p='urn:x'><q:b xmlns:q='urn:x'>1</q:b><b xmlns='urn:x'>2</b><p:b>3</p:b>"
+       "<b>4</b></p:a>",
+       "!+p:a | +urn:x:a | .b=4 | !.p:b | +urn:x:b | >urn:x:b | >urn:x:b | !>urn:x:b | >b"},
+      {"SameLocalNamesAreToldApart",
+       "<feed xmlns='urn:f' xmlns:m='urn:m'><m:title>media</m:title>"
+       "<title xmlns=''>none</title><title>feed</title></feed>",
+       "+urn:f:feed | .urn:f:title=feed | .urn:m:title=media | .title=none"},
+      {"DeclarationsMayBeReplacedAndTakenBack",
+       "<a xmlns='urn:1' xmlns:p='urn:p'><b xmlns='urn:2' xmlns:p='urn:q'><c/><p:c/></b>"
+       "<b xmlns=''><c/></b><p:b/><b/></a>",
+       "+urn:1:a | +urn:2:b | .urn:2:c= | .urn:q:c= | !.urn:p:c | !.urn:1:c | -urn:2:b | +b "
+       "| .c= | -b | +urn:p:b | >urn:1:b"},
+      {"HoldForTheElementThatDeclaresThem", "<a><p:b xmlns:p='urn:x'/><b xmlns='urn:y'/></a>",
+       "+a | .urn:x:b= | .urn:y:b= | !.b"},
+      {"TheUriIsTakenAsWritten", "<a xmlns='HTTP://h/%7e a&amp;b?c:d#&#x65;/../ '/>",
+       "+HTTP://h/%7e a&b?c:d#e/../ :a"},
+      {"TheUriMayHaveAnyCharacter", "<a xmlns='\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80'><b/></a>",
+       "+\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80:a | .\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80:b="},
+      {"TheXmlPrefixNeedsNoDeclaration", "<xml:a/>", "+http://www.w3.org/XML/1998/namespace:a"},
+      {"OpensAFeedOfSeveral",
+       "<feed xmlns='http://www.w3.org/2005/Atom'"
+       " xmlns:os='http://a9.com/-/spec/opensearchrss/1.0/'"
+       " xmlns:media='http://search.yahoo.com/mrss/'><os:totalResults>12</os:totalResults>"
+       "<entry><title>T</title><media:group><media:content url='u'/></media:group></entry>"
+       "</feed>",
+       "+http://www.w3.org/2005/Atom:feed | "
+       "#http://a9.com/-/spec/opensearchrss/1.0/:totalResults=12 | "
+       "+http://www.w3.org/2005/Atom:entry | .http://www.w3.org/2005/Atom:title=T | "
+       "+http://search.yahoo.com/mrss/:group | +http://search.yahoo.com/mrss/:content | "
+       "@url=u"},
+  });
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, XmlWalkTest,
-    testing::Values(
-        Walk{"OfTheFirstChildOfTheName", "<r>0<x>x</x><t>1</t><t>2</t></r>", "+r | .t=1 | .x=x"},
-        Walk{"ADescendantIsNoChild", "<r><x><t>1</t></x></r>", "!.x | +r | !.t | !.r"},
-        Walk{"EndsWithItsElement", "<r>0<a>1</a>2<b>3</b>4<c/>5</r>",
-             ".r=012345 | +r | .a=1 | .b=3 | .c="},
-        Walk{"WordsOfNestedElementsInTheirPlaces",
-             "<r><t> A <i>title <b>of</b></i> <u/>words </t><t>B</t></r>",
-             "+r | .t=A title of words | +t | .i=title of | +i | .b=of"},
-        Walk{"AMissingNumberIsAbsent", "<a><b><n>1</n></b></a>", "!#n | +a | !#n | #b=1"},
-        Walk{"AMissingFlagIsAbsent", "<a><b><n>true</n></b></a>", "!?n | +a | !?n | ?b=1"}),
-    RowName());
+TEST(XmlWalkTest, GivesTextsOfChildren) {
+  TakeWalks({
+      {"OfTheFirstChildOfTheName", "<r>0<x>x</x><t>1</t><t>2</t></r>", "+r | .t=1 | .x=x"},
+      {"ADescendantIsNoChild", "<r><x><t>1</t></x></r>", "!.x | +r | !.t | !.r"},
+      {"EndsWithItsElement", "<r>0<a>1</a>2<b>3</b>4<c/>5</r>",
+       ".r=012345 | +r | .a=1 | .b=3 | .c="},
+      {"WordsOfNestedElementsInTheirPlaces",
+       "<r><t> A <i>title <b>of</b></i> <u/>words </t><t>B</t></r>",
+       "+r | .t=A title of words | +t | .i=title of | +i | .b=of"},
+      {"AMissingNumberIsAbsent", "<a><b><n>1</n></b></a>", "!#n | +a | !#n | #b=1"},
+      {"AMissingFlagIsAbsent", "<a><b><n>true</n></b></a>", "!?n | +a | !?n | ?b=1"},
+  });
+}
 
 TEST(XmlListTest, ChildrenAreFoundInAnyOrder) {
   const std::vector<std::string> names = {"one", "two", "three", "four"};
