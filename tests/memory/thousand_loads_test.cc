@@ -8,7 +8,6 @@
 #include "benchmarks/support/inputs.h"
 #include "common_stowraapi/content/content_query.h"
 #include "common_stowraapi/content/upload_config.h"
-#include "common_stowraapi/json/document.h"
 #include "common_stowraapi/platform/internet_data.h"
 #include "common_stowraapi/services/item_map.h"
 #include "common_stowraapi/services/update_query.h"
@@ -23,10 +22,8 @@
 namespace stowra_test {
 namespace {
 
-using ovrant::json::Document;
 using ovrant::stowraapiclient::ContentQuery;
 using ovrant::stowraapiclient::UploadConfig;
-using ovrant::utils::ovrant_ustring;
 using ovrant::webservices::UpdateQuery;
 using ovrant::webservices::UserInfoQuery;
 
@@ -79,24 +76,6 @@ TEST(ThousandLoadsTest, ExtensionsLeaveNoMemory) {
   ExpectThatNothingIsLeft(stowra_bench::MakeExtensionStatus(4), [](const std::string& text) {
     return !ovrant::extensionstoreapi::ReadItemMap(Text(text)).empty();
   });
-}
-
-// A document keeps the memory of its loads until it is destroyed.
-TEST(ThousandLoadsTest, DestroyedDocumentLeavesNoMemory) {
-  const ovrant_ustring good = Text(stowra_bench::MakeUpdateResponse());
-  const ovrant_ustring bad = good.Left(300);
-  { Document().Load(good); }
-  const MemoryWatch watch;
-  {
-    Document document;
-    for (int i = 0; i < 500; ++i) {
-      EXPECT_TRUE(document.Load(good));
-      EXPECT_FALSE(document["update"].IsNull());
-      EXPECT_FALSE(document.Load(bad));
-    }
-    EXPECT_GT(watch.live(), 0U);
-  }
-  EXPECT_EQ(watch.live(), 0U);
 }
 
 TEST(ThousandLoadsTest, TransfersLeaveNoMemory) {

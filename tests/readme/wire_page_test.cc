@@ -15,6 +15,7 @@
 #include "common_stowraapi/services/update_query.h"
 #include "common_stowraapi/services/user_info_query.h"
 #include "tests/support/corpora.h"
+#include "tests/support/text.h"
 
 namespace stowra_test {
 namespace {
@@ -33,8 +34,6 @@ std::string Sample(const std::string& heading, int number = 0) {
   const std::size_t begin = page.find('\n', at + 1) + 1;
   return page.substr(begin, page.find("\n```", begin) + 1 - begin);
 }
-
-unsigned char* BytesOf(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
 
 TEST(WirePageTest, UserIsRead) {
   ovrant::webservices::UserInfoQuery query;
@@ -57,19 +56,19 @@ TEST(WirePageTest, ExtensionsAreRead) {
 }
 
 TEST(WirePageTest, FeedIsRead) {
-  std::string feed = Sample("Search");
+  Bytes feed(Sample("Search"));
   ContentQuery query;
   query.max_qmf_version_ = 8;
-  ASSERT_TRUE(query.Load(BytesOf(feed), static_cast<int>(feed.size())));
+  ASSERT_TRUE(query.Load(feed.data(), feed.length()));
   ASSERT_EQ(query.items_.size(), 1U);
   EXPECT_TRUE(query.NextValid());
   EXPECT_EQ(query.items_.front()->download_format_, kQmfDownload);
 }
 
 TEST(WirePageTest, UploadIsReadAndWritten) {
-  std::string document = Sample("Upload configuration");
+  Bytes document(Sample("Upload configuration"));
   UploadConfig config;
-  ASSERT_TRUE(config.ParseResponse(BytesOf(document), document.size()));
+  ASSERT_TRUE(config.ParseResponse(document.data(), document.size()));
   ASSERT_EQ(config.files_.size(), 1U);
   UploadFile& file = config.files_.front();
   file.file_path_ = "models/chair.qmf";

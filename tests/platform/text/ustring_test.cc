@@ -46,13 +46,6 @@ TEST(UStringTest, TakesUtf8UpToItsNul) {
   EXPECT_FALSE(text.empty());
 }
 
-TEST(UStringTest, TakesBytesOfAnExplicitLengthWithoutTerminator) {
-  const std::vector<char> bytes{'a', '\0', 'b', '\xC3', '\xA9'};
-  const ovrant_ustring text(bytes.data(), bytes.size());
-  EXPECT_EQ(UnitsOf(text), std::u16string(u"a\0b\u00E9", 4));
-  EXPECT_EQ(text.utf8(), std::string("a\0b\xC3\xA9", 5));
-}
-
 TEST(UStringTest, NullPointersAndLengthZeroGiveTheEmptyString) {
   const char* const null = nullptr;
   const wchar_t* const wide_null = nullptr;
