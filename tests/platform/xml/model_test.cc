@@ -166,7 +166,7 @@ class RandomDocument {
 
   std::mt19937* const random_;
   std::vector<std::unique_ptr<XmlNode>> nodes_;  // in document order
-  std::string bytes_ = "<!DOCTYPE a SYSTEM 'nowhere' [<!ELEMENT a ANY>]>";
+  std::string bytes_ = kDeclarations;
 };
 
 // How often each operation gave something, to see that the walks get about.
