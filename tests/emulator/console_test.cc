@@ -1,33 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
 
-#include <chrono>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <string>
 #include <thread>
 
 #include "emulator/console/journal.h"
 #include "emulator/form_fields.h"
 #include "emulator/route.h"
-#include "tests/emulator/content_fixture.h"
-#include "tests/emulator/raw_client.h"
-#include "tests/support/event.h"
+#include "tests/emulator/http_client.h"
 
 namespace stowra_emulator {
 namespace {
 
 using nlohmann::json;
-using std::chrono::milliseconds;
 using std::chrono::minutes;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::Pair;
-using testing::StartsWith;
 
 const httplib::Headers kBrowser = {{"Accept", "text/html,application/xhtml+xml,*/*;q=0.8"}};
 
@@ -37,7 +23,7 @@ TEST(FormFieldsTest, DecodesFields) {
   EXPECT_THAT(ParseForm(""), ElementsAre());
 }
 
-class ConsoleTest : public ContentTest {
+class ConsoleTest : public ClientTest {
  protected:
   // A page as a browser gets it.
   httplib::Response Browse(const std::string& path, int status = 200) {
@@ -71,12 +57,12 @@ TEST_F(ConsoleTest, FrontPageShowsRoutesFaultsAndUploads) {
     std::vector<std::string> codes;
     for (const XmlElement* code : page.Descendants("code")) codes.push_back(code->text);
     for (const Route& route : Routes()) {
-      EXPECT_THAT(codes, testing::Contains(std::string(route.method) + " " + route.path));
+      EXPECT_THAT(codes, Contains(std::string(route.method) + " " + route.path));
     }
     for (const FaultDescription& fault : Faults()) {
-      EXPECT_THAT(codes, testing::Contains(fault.usage));
+      EXPECT_THAT(codes, Contains(fault.usage));
     }
-    EXPECT_THAT(codes, testing::Contains("/update=status:503@25"));
+    EXPECT_THAT(codes, Contains("/update=status:503@25"));
     EXPECT_EQ(page.Descendant("img").Attribute("alt"), "Picture of Blue <Stool>");
   }
 }
@@ -119,7 +105,7 @@ TEST_F(ConsoleTest, FaultsAreAddedSwitchedAndRemoved) {
   Get("/update", 503);
   EXPECT_EQ(PostFaults("id=1&action=remove"), json({{"faults", json::array()}}));
   Get("/update", 200);
-  EXPECT_EQ(json::parse(Get("/-/faults").body), json({{"faults", json::array()}}));
+  EXPECT_EQ(GetJson("/-/faults"), json({{"faults", json::array()}}));
 }
 
 TEST_F(ConsoleTest, BrowserReturnsToTheFrontPage) {
@@ -163,15 +149,14 @@ TEST_F(ConsoleTest, EventsShowBothSidesOfEachRequest) {
   EXPECT_THAT(events.ReadUntil("\r\n\r\n"), HasSubstr("Content-Type: text/event-stream\r\n"));
   EXPECT_EQ(NextEvent(events).at("target"), "/update");
 
-  const std::string body = R"({"extensions":[{"id":"roof-tools"}]})";
-  client_.Post("/extensions?fault=drip:0", body, "application/json");
+  client_.Post("/extensions?fault=drip:0", kExtensions, "application/json");
   const json event = NextEvent(events);
   EXPECT_EQ(event.at("method"), "POST");
   EXPECT_EQ(event.at("status"), 200);
   EXPECT_EQ(event.at("fault"), "drip:0");
   EXPECT_THAT(event.at("requestHead").get<std::string>(),
               StartsWith("POST /extensions?fault=drip:0 HTTP/1.1\r\n"));
-  EXPECT_EQ(event.at("requestBody"), body);
+  EXPECT_EQ(event.at("requestBody"), kExtensions);
   EXPECT_THAT(event.at("responseHead").get<std::string>(), StartsWith("HTTP/1.1 200 OK\r\n"));
   EXPECT_THAT(event.at("responseBody").get<std::string>(), HasSubstr("roof-tools"));
 }
@@ -203,7 +188,7 @@ TEST(ConsoleStopTest, StopsSoonWhileEventsAreRead) {
   RawClient events(emulator->port());
   events.Send(GetRequest("/-/events"));
   events.ReadUntil(":\n\n");
-  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), stowra_test::kPatience);
+  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), kPatience);
 }
 
 JournalEntry EntryFor(const std::string& target) {

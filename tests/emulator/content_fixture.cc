@@ -1,41 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "tests/emulator/content_fixture.h"
 
-#include "tests/support/event.h"
+#include <nlohmann/json.hpp>
 
 namespace stowra_emulator {
 
-httplib::Client PatientClient(const std::string& url) {
-  httplib::Client client(url);
-  client.set_read_timeout(stowra_test::kPatience);
-  client.set_write_timeout(stowra_test::kPatience);
-  return client;
-}
-
-httplib::Response ResponseOf(const httplib::Result& result, int status) {
-  EXPECT_TRUE(result) << httplib::to_string(result.error());
-  if (!result) return httplib::Response();
-  EXPECT_EQ(result->status, status) << result->body.substr(0, 500);
-  return *result;
-}
-
-httplib::MultipartFormDataItems FormOf(const std::string& name, const std::string& bytes,
-                                       const std::string& type) {
-  return {{"name", name, "", ""},
-          {"subjectId", "m42", "", ""},
-          {"subjectClass", "entity", "", ""},
-          {"binary", bytes, "chair.qmf", type}};
-}
-
-httplib::Response ContentTest::Get(const std::string& target, int status) {
-  SCOPED_TRACE(target);
+RawResponse ContentTest::Get(const std::string& target, int status, const std::string& fields) {
   const bool is_whole = target.rfind(emulator_.url(), 0) == 0;
-  return ResponseOf(client_.Get(is_whole ? target.substr(emulator_.url().size()) : target), status);
+  return GetFrom(emulator_.url(), is_whole ? target.substr(emulator_.url().size()) : target, status,
+                 fields);
 }
 
 XmlElement ContentTest::GetFeed(const std::string& target) {
-  const httplib::Response response = Get(target);
-  EXPECT_EQ(response.get_header_value("Content-Type"), "application/atom+xml");
+  const RawResponse response = Get(target);
+  EXPECT_EQ(response.Header("Content-Type"), "application/atom+xml");
   XmlElement feed = ParseXml(response.body);
   EXPECT_EQ(feed.name, Atom("feed"));
   return feed;
@@ -48,16 +26,20 @@ std::vector<std::string> ContentTest::TitlesFor(const std::string& query) {
 int ContentTest::CountOf(const std::string& query) { return Total(GetFeed("/search?q=" + query)); }
 
 XmlElement ContentTest::GetPage(const std::string& target) {
-  const httplib::Response response = Get(target);
-  EXPECT_EQ(response.get_header_value("Content-Type"), "text/html; charset=utf-8");
+  const RawResponse response = Get(target);
+  EXPECT_EQ(response.Header("Content-Type"), "text/html; charset=utf-8");
   EXPECT_EQ(response.body.rfind("<!DOCTYPE html>\n", 0), 0u);
   return ParseXml(response.body);
 }
 
 nlohmann::json ContentTest::GetJson(const std::string& target, int status) {
-  const httplib::Response response = Get(target, status);
-  EXPECT_EQ(response.get_header_value("Content-Type"), "application/json") << target;
+  const RawResponse response = Get(target, status);
+  EXPECT_EQ(response.Header("Content-Type"), "application/json") << target;
   return nlohmann::json::parse(response.body);
+}
+
+std::string ContentTest::GetError(const std::string& target, int status) {
+  return GetJson(target, status).value("error", "");
 }
 
 std::vector<const XmlElement*> Entries(const XmlElement& feed) {

@@ -4,37 +4,19 @@
 #ifndef TESTS_EMULATOR_CONTENT_FIXTURE_H_
 #define TESTS_EMULATOR_CONTENT_FIXTURE_H_
 
-#include <gtest/gtest.h>
-#include <httplib.h>
+#include <nlohmann/json_fwd.hpp>
 
-#include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
-
-#include "emulator/emulator.h"
+#include "tests/emulator/raw_client.h"
 #include "tests/emulator/xml_tree.h"
 
 namespace stowra_emulator {
 
 constexpr const char* kQmf = "application/vnd.brevix.qmf";
 
-// A client that waits for kPatience for each answer.
-httplib::Client PatientClient(const std::string& url);
-
-// The response. Fails the current test if there is none or its status is another.
-httplib::Response ResponseOf(const httplib::Result& result, int status = 200);
-
-// The form that uploads a file.
-httplib::MultipartFormDataItems FormOf(const std::string& name, const std::string& bytes,
-                                       const std::string& type = kQmf);
-
 class ContentTest : public testing::Test {
  protected:
-  // Sends addresses without encoding them.
-  ContentTest() { client_.set_url_encode(false); }
-
   // Gets a path with its query, or a whole address of this emulator.
-  httplib::Response Get(const std::string& target, int status = 200);
+  RawResponse Get(const std::string& target, int status = 200, const std::string& fields = "");
 
   XmlElement GetFeed(const std::string& target);
 
@@ -48,12 +30,9 @@ class ContentTest : public testing::Test {
   nlohmann::json GetJson(const std::string& target, int status = 200);
 
   // The text "error" of the answer, which must have this status.
-  std::string GetError(const std::string& target, int status) {
-    return GetJson(target, status).value("error", "");
-  }
+  std::string GetError(const std::string& target, int status);
 
   Emulator emulator_;
-  httplib::Client client_ = PatientClient(emulator_.url());
 };
 
 std::vector<const XmlElement*> Entries(const XmlElement& feed);

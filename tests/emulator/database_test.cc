@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/database.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
-
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <string>
 
-#include "emulator/emulator.h"
 #include "tests/emulator/content_fixture.h"
 #include "tests/support/corpora.h"
 #include "tests/support/temporary_folder.h"
@@ -19,7 +13,6 @@ namespace stowra_emulator {
 namespace {
 
 using nlohmann::json;
-using testing::HasSubstr;
 
 class DatabaseTest : public testing::Test {
  protected:
@@ -28,15 +21,14 @@ class DatabaseTest : public testing::Test {
 
   void ExpectRefusal(const std::string& reason) {
     EXPECT_THAT([this] { Database database(file_); },
-                testing::ThrowsMessage<DatabaseError>(HasSubstr(reason)));
+                ThrowsMessage<DatabaseError>(HasSubstr(reason)));
   }
 
   // What the services answer from the file.
   std::string Get(const std::string& target, int status = 200) {
     EmulatorOptions options;
     options.database_file = file_;
-    const Emulator emulator(options);
-    return ResponseOf(PatientClient(emulator.url()).Get(target), status).body;
+    return GetFrom(Emulator(options).url(), target, status).body;
   }
   json GetJson(const std::string& target, int status = 200) {
     return json::parse(Get(target, status));

@@ -1,26 +1,20 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
 
 #include <set>
-#include <string>
-#include <vector>
 
 #include "emulator/http_date.h"
 #include "emulator/range.h"
-#include "tests/emulator/content_fixture.h"
+#include "tests/emulator/http_client.h"
 
 namespace stowra_emulator {
 namespace {
 
-using testing::HasSubstr;
-using testing::MatchesRegex;
+constexpr const char* kFile = "/download?mid=m-1001&rtyp=k2";
 
-class DownloadTest : public ContentTest {
+class DownloadTest : public ClientTest {
  protected:
   std::string NameOf(const std::string& mid, const std::string& rtyp) {
-    return Get("/download?mid=" + mid + "&rtyp=" + rtyp).get_header_value("Content-Disposition");
+    return Get("/download?mid=" + mid + "&rtyp=" + rtyp).Header("Content-Disposition");
   }
 };
 
@@ -30,8 +24,8 @@ TEST_F(DownloadTest, DownloadsEveryRenditionInTheFeed) {
   std::size_t downloads = 0;
   for (const XmlElement* entry : Entries(feed)) {
     for (const XmlElement* content : Contents(*entry)) {
-      const httplib::Response response = Get(content->Attribute("url"));
-      EXPECT_EQ(response.get_header_value("Content-Type"), content->Attribute("type"));
+      const RawResponse response = Get(content->Attribute("url"));
+      EXPECT_EQ(response.Header("Content-Type"), content->Attribute("type"));
       EXPECT_GE(response.body.size(), 2048u);
       EXPECT_LE(response.body.size(), 61440u);
       EXPECT_EQ(std::set<char>(response.body.begin(), response.body.end()).size(), 256u);
@@ -44,10 +38,7 @@ TEST_F(DownloadTest, DownloadsEveryRenditionInTheFeed) {
 }
 
 TEST_F(DownloadTest, GivesTheSameFileEveryTime) {
-  const std::string file = Get("/download?mid=m-1001&rtyp=k2").body;
-  const Emulator other;
-  EXPECT_TRUE(ResponseOf(PatientClient(other.url()).Get("/download?mid=m-1001&rtyp=k2")).body ==
-              file);
+  EXPECT_TRUE(GetFrom(Emulator().url(), kFile).body == Get(kFile).body);
 }
 
 TEST_F(DownloadTest, NamesFileAfterTheModel) {
@@ -72,17 +63,6 @@ TEST_F(DownloadTest, RefusesUnknownModelRenditionAndParameter) {
   EXPECT_THAT(GetError("/download?mid=m-1001&rtyp=k2&as=x", 400), HasSubstr("'as'"));
 }
 
-TEST_F(DownloadTest, ContentRoutesTakeFaults) {
-  Get("/download?mid=m-1001&rtyp=k2&fault=status:503", 503);
-  EXPECT_FALSE(client_.Get("/download?mid=m-1001&rtyp=k2&fault=truncate"));
-  EXPECT_FALSE(client_.Get("/thumbnail?mid=m-1001&fault=reset"));
-  Get("/search?q=chair&fault=status:500", 500);
-  Get("/search.html?fault=drip:0");
-  EXPECT_THAT(GetFeed("/search?fault=drip:0").Link("next"), testing::Not(HasSubstr("fault")));
-}
-
-constexpr const char* kFile = "/download?mid=m-1001&rtyp=k2";
-
 TEST(HttpDateTest, NamesTheDay) {
   EXPECT_EQ(HttpDate("2024-01-31T09:00:00Z"), "Wed, 31 Jan 2024 09:00:00 GMT");
   EXPECT_EQ(HttpDate("2024-02-29T23:59:59Z"), "Thu, 29 Feb 2024 23:59:59 GMT");
@@ -90,14 +70,13 @@ TEST(HttpDateTest, NamesTheDay) {
   EXPECT_EQ(HttpDate(""), "");
 }
 
-class RangeTest : public ContentTest {
+class RangeTest : public ClientTest {
  protected:
-  httplib::Response GetRange(const std::string& range, int status, const std::string& if_range = "",
-                             const std::string& target = kFile) {
+  RawResponse GetRange(const std::string& range, int status, const std::string& if_range = "",
+                       const std::string& target = kFile) {
     SCOPED_TRACE(range);
-    httplib::Headers headers = {{"Range", range}};
-    if (!if_range.empty()) headers.emplace("If-Range", if_range);
-    return ResponseOf(client_.Get(target, headers), status);
+    const std::string condition = if_range.empty() ? "" : "If-Range: " + if_range + "\r\n";
+    return Get(target, status, "Range: " + range + "\r\n" + condition);
   }
 };
 
@@ -116,13 +95,13 @@ TEST_F(RangeTest, AnswersPartOfAFile) {
                          {"bytes=5-99999999", 5, end},
                          {"bytes=-99999999999999999999", 0, end},
                          {"BYTES=1-2", 1, 2}}) {
-    const httplib::Response part = GetRange(row.range, 206);
+    const RawResponse part = GetRange(row.range, 206);
     const std::size_t size = row.last - row.first + 1;
-    EXPECT_EQ(part.get_header_value("Content-Range"), "bytes " + std::to_string(row.first) + "-" +
-                                                          std::to_string(row.last) + "/" +
-                                                          std::to_string(whole.size()))
+    EXPECT_EQ(part.Header("Content-Range"), "bytes " + std::to_string(row.first) + "-" +
+                                                std::to_string(row.last) + "/" +
+                                                std::to_string(whole.size()))
         << row.range;
-    EXPECT_EQ(part.get_header_value("Content-Length"), std::to_string(size)) << row.range;
+    EXPECT_EQ(part.Header("Content-Length"), std::to_string(size)) << row.range;
     EXPECT_TRUE(part.body == whole.substr(row.first, size)) << row.range;
   }
 }
@@ -133,8 +112,8 @@ TEST_F(RangeTest, RefusesRangeBeyondTheEnd) {
                                            "bytes=99999999-999999999", "bytes=-0",
                                            "bytes=99999999999999999999-"};
   for (const std::string& range : ranges) {
-    const httplib::Response refusal = GetRange(range, 416);
-    EXPECT_EQ(refusal.get_header_value("Content-Range"), "bytes */" + size) << range;
+    const RawResponse refusal = GetRange(range, 416);
+    EXPECT_EQ(refusal.Header("Content-Range"), "bytes */" + size) << range;
     EXPECT_THAT(refusal.body, HasSubstr("has only " + size + " bytes"));
   }
 }
@@ -143,19 +122,19 @@ TEST_F(RangeTest, AnswersWholeFileToWhatItCannotRead) {
   const std::string whole = Get(kFile).body;
   for (const char* range : {"bytes=0-1,5-6", "lines=1-2", "bytes=5-1", "bytes=x-1", "bytes=1-x",
                             "bytes=", "bytes=-", "bytes", "bytes=--1", "bytes=1"}) {
-    const httplib::Response response = GetRange(range, 200);
-    EXPECT_EQ(response.get_header_value("Content-Range"), "") << range;
+    const RawResponse response = GetRange(range, 200);
+    EXPECT_EQ(response.Header("Content-Range"), "") << range;
     EXPECT_TRUE(response.body == whole) << range;
   }
 }
 
 TEST_F(RangeTest, IfRangeDecidesBetweenPartAndWhole) {
-  const httplib::Response whole = Get(kFile);
-  const std::string etag = whole.get_header_value("ETag");
+  const RawResponse whole = Get(kFile);
+  const std::string etag = whole.Header("ETag");
   EXPECT_THAT(etag, MatchesRegex("\"[^\"]+\""));
-  const std::string date = whole.get_header_value("Last-Modified");
+  const std::string date = whole.Header("Last-Modified");
   EXPECT_EQ(date, "Mon, 01 Jan 2024 09:00:00 GMT");
-  EXPECT_EQ(whole.get_header_value("Accept-Ranges"), "bytes");
+  EXPECT_EQ(whole.Header("Accept-Ranges"), "bytes");
   GetRange("bytes=0-3", 206, etag);
   GetRange("bytes=0-3", 206, date);
   GetRange("bytes=0-3", 200, "\"other\"");
@@ -164,11 +143,11 @@ TEST_F(RangeTest, IfRangeDecidesBetweenPartAndWhole) {
 }
 
 TEST_F(RangeTest, EveryFileHasItsOwnEtag) {
-  const std::string first = Get(kFile).get_header_value("ETag");
-  EXPECT_EQ(Get(kFile).get_header_value("ETag"), first);
-  EXPECT_NE(Get("/download?mid=m-1001&rtyp=z").get_header_value("ETag"), first);
-  EXPECT_NE(Get("/thumbnail?mid=m-1001&rtyp=st").get_header_value("ETag"),
-            Get("/thumbnail?mid=m-1001&rtyp=lt").get_header_value("ETag"));
+  const std::string first = Get(kFile).Header("ETag");
+  EXPECT_EQ(Get(kFile).Header("ETag"), first);
+  EXPECT_NE(Get("/download?mid=m-1001&rtyp=z").Header("ETag"), first);
+  EXPECT_NE(Get("/thumbnail?mid=m-1001&rtyp=st").Header("ETag"),
+            Get("/thumbnail?mid=m-1001&rtyp=lt").Header("ETag"));
 }
 
 TEST_F(RangeTest, PicturesAndUploadsHaveRanges) {
@@ -177,11 +156,13 @@ TEST_F(RangeTest, PicturesAndUploadsHaveRanges) {
   const char* file = "/download?mid=m-1101&rtyp=o";
   EXPECT_EQ(GetRange("bytes=3-5", 206, "", file).body, "345");
   EXPECT_EQ(GetRange("bytes=-4", 206, "", file).body, "6789");
-  EXPECT_EQ(GetRange("bytes=3-5", 206, Get(file).get_header_value("ETag"), file).body, "345");
+  EXPECT_EQ(GetRange("bytes=3-5", 206, Get(file).Header("ETag"), file).body, "345");
 }
 
 TEST_F(RangeTest, OtherRoutesIgnoreRanges) {
-  EXPECT_EQ(GetRange("bytes=0-3", 200, "", "/user-info").get_header_value("Accept-Ranges"), "none");
+  const RawResponse whole = GetRange("bytes=0-3", 200, "", "/user-info");
+  EXPECT_EQ(whole.Header("Accept-Ranges"), "none");
+  EXPECT_EQ(whole.body, Get("/user-info").body);
   const auto head = ResponseOf(client_.Head(kFile, {{"Range", "bytes=0-3"}}));
   EXPECT_EQ(head.get_header_value("Content-Length"), std::to_string(Get(kFile).body.size()));
 }

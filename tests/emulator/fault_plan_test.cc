@@ -1,22 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/fault_plan.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
-
 #include <algorithm>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "emulator/emulator.h"
-#include "tests/emulator/content_fixture.h"
+#include "tests/emulator/raw_client.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::HasSubstr;
 
 const std::vector<std::string> kRoutes = {"/update", "/search"};
 
@@ -24,7 +14,7 @@ FaultRule Rule(const std::string& text) { return ParseFaultRule(text, {}); }
 
 void ExpectRefusal(const std::string& text, const std::string& reason) {
   EXPECT_THAT([&text] { ParseFaultRule(text, kRoutes); },
-              testing::ThrowsMessage<std::invalid_argument>(HasSubstr(reason)))
+              ThrowsMessage<std::invalid_argument>(HasSubstr(reason)))
       << text;
 }
 
@@ -117,13 +107,13 @@ TEST(FaultPlanTest, SwitchesAndRemovesRules) {
 
 TEST(FaultPlanTest, EmulatorPlaysRulesForUnchangedRequests) {
   EmulatorOptions options;
-  options.faults = {Rule("/update=status:503"), Rule("/user-info=truncate"), Rule("*=status:418")};
+  options.faults = {Rule("/update=status:503"), Rule("/user-info=status:501"),
+                    Rule("*=status:418")};
   const Emulator emulator(options);
-  httplib::Client client = PatientClient(emulator.url());
-  ResponseOf(client.Get("/update"), 503);
-  EXPECT_FALSE(client.Get("/user-info"));
-  ResponseOf(client.Get("/search?q=chair"), 418);
-  ResponseOf(client.Get("/update?fault=status:502"), 502);  // the request's own fault
+  GetFrom(emulator.url(), "/update", 503);
+  GetFrom(emulator.url(), "/user-info", 501);
+  GetFrom(emulator.url(), "/search?q=chair", 418);
+  GetFrom(emulator.url(), "/update?fault=status:502", 502);  // the request's own fault
 }
 
 }  // namespace

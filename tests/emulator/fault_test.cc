@@ -1,28 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/fault.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
 #include <zlib.h>
 
 #include <array>
-#include <chrono>
 #include <cstring>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "emulator/gzip_bomb.h"
-#include "tests/emulator/content_fixture.h"
-#include "tests/emulator/raw_client.h"
+#include "tests/emulator/http_client.h"
 
 namespace stowra_emulator {
 namespace {
-
-using std::chrono::milliseconds;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(ParseFaultTest, ReadsArguments) {
   EXPECT_EQ(ParseFault("status:100")->status, 100);
@@ -48,7 +37,7 @@ TEST(ParseFaultTest, RefusesUnknownNamesAndBadArguments) {
   }
 }
 
-class FaultTest : public ContentTest {
+class FaultTest : public ClientTest {
  protected:
   RawResponse Raw(const std::string& target) { return RawGet(emulator_.port(), target); }
 };
@@ -66,9 +55,9 @@ TEST_F(FaultTest, StatusAnswersWithAnyStatus) {
 }
 
 TEST_F(FaultTest, StatusWithoutBodySendsNone) {
-  for (const char* status : {"204", "304"}) {
-    const RawResponse response = Raw(std::string("/user-info?fault=status:") + status);
-    EXPECT_THAT(response.head, StartsWith(std::string("HTTP/1.1 ") + status + " "));
+  for (const int status : {204, 304}) {
+    const RawResponse response = Raw("/user-info?fault=status:" + std::to_string(status));
+    EXPECT_EQ(response.status(), status);
     EXPECT_EQ(response.body, "");
   }
 }
@@ -77,7 +66,7 @@ TEST_F(FaultTest, InterimStatusEndsTheConnection) {
   RawClient client(emulator_.port());
   client.Send(GetRequest("/user-info?fault=status:102"));
   const RawResponse response = SplitResponse(client.ReadToEnd());
-  EXPECT_THAT(response.head, StartsWith("HTTP/1.1 102 "));
+  EXPECT_EQ(response.status(), 102);
   EXPECT_EQ(response.body, "");
 }
 
@@ -123,7 +112,7 @@ TEST_F(FaultTest, DripSendsTheBodyByteByByte) {
   RawResponse response;
   const auto time = TimeOf([&] { response = client.Get("/user-info?fault=drip:4"); });
   EXPECT_GE(time, milliseconds(4) * (ordinary.body.size() - 1));
-  EXPECT_THAT(response.head, StartsWith("HTTP/1.1 200 "));
+  EXPECT_EQ(response.status(), 200);
   EXPECT_EQ(response.Header("Content-Length"), std::to_string(ordinary.body.size()));
   EXPECT_EQ(response.body, ordinary.body);
 }
@@ -134,14 +123,14 @@ TEST_F(FaultTest, FaultsWithWholeResponseKeepTheConnection) {
     const RawResponse response = client.Get(std::string("/user-info?fault=") + fault);
     EXPECT_THAT(response.head, StartsWith("HTTP/1.1 ")) << fault;
   }
-  EXPECT_THAT(client.Get("/user-info").head, StartsWith("HTTP/1.1 200 "));
+  EXPECT_EQ(client.Get("/user-info").status(), 200);
 }
 
 TEST_F(FaultTest, BombIsSmallBeforeItInflates) {
   RawClient client(emulator_.port());
   const RawResponse response =
       client.Ask("GET /user-info?fault=bomb HTTP/1.1\r\nAccept-Encoding: gzip\r\n\r\n");
-  EXPECT_THAT(response.head, StartsWith("HTTP/1.1 200 "));
+  EXPECT_EQ(response.status(), 200);
   EXPECT_EQ(response.Header("Content-Encoding"), "gzip");
   EXPECT_EQ(response.Header("Content-Length"), std::to_string(response.body.size()));
   EXPECT_GT(response.body.size(), 100u << 10);
@@ -181,21 +170,25 @@ TEST_F(FaultTest, GarbageHasStatus200AndIsNotJson) {
 
 TEST_F(FaultTest, RedirectLoopLeadsBackToTheSameAddress) {
   const std::string target = "/user-info?user=u-1002&fault=redirect-loop";
-  EXPECT_EQ(Get(target, 302).get_header_value("Location"), target);
+  EXPECT_EQ(Get(target, 302).Header("Location"), target);
   client_.set_follow_location(true);
   const httplib::Result followed = client_.Get(target);
   ASSERT_FALSE(followed);
   EXPECT_EQ(followed.error(), httplib::Error::ExceedRedirectCount);
 }
 
-TEST_F(FaultTest, OtherRoutesTakeFaults) {
-  const std::string body = R"({"extensions":[{"id":"roof-tools"}]})";
-  Get("/?fault=status:501", 501);
-  Get("/update?fault=status:502", 502);
-  ResponseOf(client_.Post("/extensions?fault=status:503", body, "application/json"), 503);
-  EXPECT_FALSE(client_.Get("/?fault=truncate"));
-  EXPECT_FALSE(client_.Get("/update?fault=reset"));
-  EXPECT_FALSE(client_.Post("/extensions?fault=truncate", body, "application/json"));
+TEST_F(FaultTest, EveryRouteTakesFaults) {
+  for (const std::string route :
+       {"/?", "/update?", "/user-info?", "/search?q=chair&", "/search.html?", "/thumbnail?mid=c-1&",
+        "/download?mid=m-1001&rtyp=k2&"}) {
+    Get(route + "fault=status:503", 503);
+    Get(route + "fault=drip:0");
+    EXPECT_FALSE(client_.Get(route + "fault=truncate")) << route;
+    EXPECT_FALSE(client_.Get(route + "fault=reset")) << route;
+  }
+  EXPECT_THAT(GetFeed("/search?fault=drip:0").Link("next"), Not(HasSubstr("fault")));
+  ResponseOf(client_.Post("/extensions?fault=status:503", kExtensions, "application/json"), 503);
+  EXPECT_FALSE(client_.Post("/extensions?fault=truncate", kExtensions, "application/json"));
 }
 
 }  // namespace

@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/replay/har.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-
 #include "emulator/replay/base64.h"
+#include "tests/emulator/emulator_test.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::ElementsAre;
-using testing::Pair;
 
 // An archive of one entry, with these members of a response besides its status.
 std::string ArchiveWith(const std::string& response, const std::string& method = "GET") {

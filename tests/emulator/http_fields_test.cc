@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/http_fields.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "emulator/replay/credentials.h"
+#include "tests/emulator/emulator_test.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::ElementsAre;
-using testing::Pair;
 
 TEST(HttpFieldsTest, ReadsFieldsInOrder) {
   EXPECT_THAT(

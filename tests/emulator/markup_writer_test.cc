@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "emulator/markup_writer.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "emulator/web_address.h"
+#include "tests/emulator/emulator_test.h"
 #include "tests/emulator/xml_tree.h"
 
 namespace stowra_emulator {

@@ -1,31 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
 #include <signal.h>
 
-#include <chrono>
 #include <filesystem>
-#include <string>
-#include <vector>
 
-#include "emulator/emulator.h"
 #include "tests/emulator/child_program.h"
-#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
-#include "tests/support/event.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
 namespace {
 
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::StartsWith;
-
 int GetStatus(const std::string& url, const std::string& target) {
-  const httplib::Result result = PatientClient(url).Get(target);
-  return result ? result->status : -1;
+  return RawGet(PortOf(url), target).status();
 }
 
 TEST(ProgramTest, PrintsAddressAndServesUntilInterrupted) {
@@ -45,7 +31,7 @@ TEST(ProgramTest, EndsSoonDuringASlowResponse) {
   RawClient client(PortOf(program.ReadLine()));
   client.Send(GetRequest("/user-info?fault=drip:60000"));
   client.ReadUntil("\r\n\r\n");
-  EXPECT_LT(TimeOf([&program] { EXPECT_EQ(program.EndBy(SIGTERM), 0); }), stowra_test::kPatience);
+  EXPECT_LT(TimeOf([&program] { EXPECT_EQ(program.EndBy(SIGTERM), 0); }), kPatience);
 }
 
 TEST(ProgramTest, QuietLogsNothing) {
@@ -72,15 +58,10 @@ TEST(ProgramTest, CreatesAndReusesDatabaseFile) {
 }
 
 TEST(ProgramTest, ReportsWrongUsageAndOtherFailures) {
-  struct Row {
-    std::vector<std::string> arguments;
-    int status;
-    const char* errors;
-  };
   const Emulator other;
   const std::string taken = std::to_string(other.port());
   const char* const any = "(.|\n)+";
-  const Row rows[] = {
+  const std::tuple<std::vector<std::string>, int, const char*> rows[] = {
       {{"--nope"}, 2, any},
       {{"extra"}, 2, any},
       {{"--port"}, 2, any},
@@ -102,12 +83,12 @@ TEST(ProgramTest, ReportsWrongUsageAndOtherFailures) {
        1,
        "stowra-emulator: cannot open the database [^\n]+\n"},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::PrintToString(row.arguments));
-    ChildProgram program(row.arguments);
-    EXPECT_EQ(program.Wait(), row.status);
+  for (const auto& [arguments, status, errors] : rows) {
+    SCOPED_TRACE(testing::PrintToString(arguments));
+    ChildProgram program(arguments);
+    EXPECT_EQ(program.Wait(), status);
     EXPECT_EQ(program.ReadOutput(), "");
-    EXPECT_THAT(program.ReadErrors(), MatchesRegex(row.errors));
+    EXPECT_THAT(program.ReadErrors(), MatchesRegex(errors));
   }
 }
 
@@ -124,18 +105,6 @@ TEST(ProgramTest, PlaysFaultsThatTheSeedRepeats) {
   EXPECT_EQ(runs[0], runs[1]);
   EXPECT_NE(runs[0], runs[2]);
   EXPECT_THAT(runs[0], testing::IsSupersetOf({200, 503}));
-}
-
-TEST(ProgramTest, TlsPrintsAddressThenCaFile) {
-  ChildProgram program({"--tls", "--quiet"});
-  const std::string url = program.ReadLine();
-  EXPECT_THAT(url, StartsWith("https://127.0.0.1:"));
-  const std::string ca_file = program.ReadLine();
-  httplib::Client client = PatientClient(url);
-  client.set_ca_cert_path(ca_file);
-  ResponseOf(client.Get("/user-info"));
-  EXPECT_EQ(program.EndBy(SIGTERM), 0);
-  EXPECT_FALSE(std::filesystem::exists(ca_file));
 }
 
 TEST(ProgramTest, PrintsVersion) {

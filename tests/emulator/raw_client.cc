@@ -83,6 +83,10 @@ std::string RawResponse::Header(const std::string& name) const {
   return head.substr(value, head.find("\r\n", value) - value);
 }
 
+int RawResponse::status() const {
+  return head.rfind("HTTP/1.1 ", 0) == 0 ? std::stoi(head.substr(9, 3)) : -1;
+}
+
 RawResponse SplitResponse(const std::string& bytes) {
   const std::size_t head_end = bytes.find("\r\n\r\n");
   EXPECT_NE(head_end, std::string::npos) << "no head in: " << bytes;
@@ -92,8 +96,20 @@ RawResponse SplitResponse(const std::string& bytes) {
 
 RawResponse RawGet(std::uint16_t port, const std::string& target) {
   RawClient client(port);
-  client.Send("GET " + target + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n");
+  client.Send("GET " + target + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
+              "\r\nConnection: close\r\n\r\n");
   return SplitResponse(client.ReadToEnd());
+}
+
+RawResponse GetFrom(const std::string& url, const std::string& target, int status,
+                    const std::string& fields) {
+  SCOPED_TRACE(target);
+  const std::string host = url.substr(url.rfind('/') + 1);
+  RawResponse response =
+      RawClient(PortOf(url))
+          .Ask("GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\n" + fields + "\r\n");
+  EXPECT_EQ(response.status(), status) << response.body.substr(0, 500);
+  return response;
 }
 
 std::string GetRequest(const std::string& target) {
@@ -104,7 +120,9 @@ RawResponse ReadResponse(RawClient& client) {
   RawResponse response = {client.ReadUntil("\r\n\r\n"), std::string()};
   const std::string length = response.Header("Content-Length");
   EXPECT_NE(length, "") << response.head;
-  if (!length.empty()) response.body = client.Read(std::stoul(length));
+  if (length.empty()) return response;
+  response.body = client.Read(std::stoul(length));
+  EXPECT_EQ(std::to_string(response.body.size()), length);
   return response;
 }
 

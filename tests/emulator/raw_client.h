@@ -4,17 +4,13 @@
 #ifndef TESTS_EMULATOR_RAW_CLIENT_H_
 #define TESTS_EMULATOR_RAW_CLIENT_H_
 
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <sstream>
-#include <string>
 #include <string_view>
 
-#include "emulator/emulator.h"
 #include "emulator/file_descriptor.h"
+#include "tests/emulator/emulator_test.h"
 
 namespace stowra_emulator {
 
@@ -22,10 +18,11 @@ struct RawResponse {
   std::string head;
   std::string body;
 
+  int status() const;                                 // -1 without a head
   std::string Header(const std::string& name) const;  // Empty if it is absent.
 };
 
-// Fails the current test if it cannot connect or waits 30 seconds for a byte.
+// Fails the current test if it cannot connect or waits for a byte for 30 seconds.
 class RawClient {
  public:
   explicit RawClient(std::uint16_t port);
@@ -65,6 +62,11 @@ RawResponse SplitResponse(const std::string& bytes);
 
 // Sends one request without a body on a new connection and reads to its end.
 RawResponse RawGet(std::uint16_t port, const std::string& target);
+
+// The whole response of the emulator with this address. Fails the current test if its status is
+// another.
+RawResponse GetFrom(const std::string& url, const std::string& target, int status = 200,
+                    const std::string& fields = "");
 
 // A request without a body that keeps the connection open.
 std::string GetRequest(const std::string& target);

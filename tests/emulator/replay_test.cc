@@ -1,40 +1,25 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
 #include <signal.h>
 #include <stdlib.h>
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
-#include "emulator/emulator.h"
 #include "emulator/replay/player.h"
 #include "emulator/replay/recorder.h"
 #include "tests/emulator/child_program.h"
-#include "tests/emulator/content_fixture.h"
 #include "tests/emulator/raw_client.h"
 #include "tests/support/closed_port.h"
 #include "tests/support/corpora.h"
-#include "tests/support/event.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
 namespace {
 
 using nlohmann::json;
-using std::chrono::milliseconds;
 using stowra_test::ReadFile;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
 
 std::string Post(const std::string& target, const std::string& type, const std::string& body,
                  const std::string& fields = "") {
@@ -51,7 +36,7 @@ std::vector<std::string> Session() {
       std::string("\xFF\0", 2) + "\r\n--b--\r\n";
   return {GetRequest("/user-info"),
           GetRequest("/update"),
-          Post("/extensions", "application/json", R"({"extensions":[{"id":"roof-tools"}]})"),
+          Post("/extensions", "application/json", kExtensions),
           "GET /update HTTP/1.1\r\nHost: localhost\r\nAccept-Encoding: gzip\r\n\r\n",
           GetRequest("/search?q=chair"),
           GetRequest("/thumbnail?mid=m-1001"),
@@ -112,19 +97,25 @@ class ReplayTest : public testing::Test {
 };
 
 std::string BodyAt(const Emulator& emulator, const std::string& target) {
-  const httplib::Result result = PatientClient(emulator.url()).Get(target);
-  return result ? result->body : "none";
+  return RawGet(emulator.port(), target).body;
 }
 
 TEST_F(ReplayTest, RecordedSessionComesBackByteForByte) {
-  const Emulator service;
-  const std::vector<std::string> answers = Record(service.url(), Session());
-  EXPECT_THAT(answers[0], AllOf(StartsWith("HTTP/1.1 200 OK\r\n"), HasSubstr("u-1001")));
-  EXPECT_THAT(answers[3], HasSubstr("Content-Encoding: gzip"));
-  EXPECT_THAT(answers[6], StartsWith("HTTP/1.1 404 "));
-  EXPECT_THAT(answers[7], StartsWith("HTTP/1.1 201 "));
-  const Emulator replay(Replaying());
-  EXPECT_EQ(AnswersTo(replay.port(), Session()), answers);
+  for (const bool use_tls : {false, true}) {
+    SCOPED_TRACE(use_tls);
+    EmulatorOptions options;
+    options.use_tls = use_tls;
+    const Emulator service(options);
+    if (use_tls) ::setenv("SSL_CERT_FILE", service.ca_file().c_str(), 1);
+    const std::vector<std::string> answers = Record(service.url(), Session());
+    ::unsetenv("SSL_CERT_FILE");
+    EXPECT_THAT(answers[0], AllOf(StartsWith("HTTP/1.1 200 OK\r\n"), HasSubstr("u-1001")));
+    EXPECT_THAT(answers[3], HasSubstr("Content-Encoding: gzip"));
+    EXPECT_THAT(answers[6], StartsWith("HTTP/1.1 404 "));
+    EXPECT_THAT(answers[7], StartsWith("HTTP/1.1 201 "));
+    const Emulator replay(Replaying());
+    EXPECT_EQ(AnswersTo(replay.port(), Session()), answers);
+  }
 }
 
 TEST_F(ReplayTest, MatchedOrderGoesByMethodAndTarget) {
@@ -146,18 +137,6 @@ TEST_F(ReplayTest, ServiceLinksToTheRecorder) {
   const std::string body = BodyAt(recording, "/search?q=chair&count=3");
   EXPECT_THAT(body, HasSubstr(recording.url() + "/search?q=chair&amp;start=4&amp;count=3"));
   EXPECT_THAT(body, Not(HasSubstr(service.url())));
-}
-
-TEST_F(ReplayTest, RecordedTlsServiceComesBack) {
-  EmulatorOptions options;
-  options.use_tls = true;
-  const Emulator service(options);
-  ::setenv("SSL_CERT_FILE", service.ca_file().c_str(), 1);
-  const std::vector<std::string> answers = Record(service.url(), Session());
-  ::unsetenv("SSL_CERT_FILE");
-  EXPECT_THAT(answers[0], StartsWith("HTTP/1.1 200 OK\r\n"));
-  const Emulator replay(Replaying());
-  EXPECT_EQ(AnswersTo(replay.port(), Session()), answers);
 }
 
 TEST_F(ReplayTest, RecordingHasNoCredentials) {
@@ -236,8 +215,7 @@ TEST_F(ReplayTest, RecordedOrderIgnoresTheTargetAndEnds) {
   const Emulator replay(Replaying());
   EXPECT_EQ(BodyAt(replay, "/b"), "one");
   EXPECT_EQ(BodyAt(replay, "/x?fault=bogus"), "two");
-  EXPECT_THAT(ResponseOf(PatientClient(replay.url()).Get("/a"), 410).body,
-              HasSubstr("the recording has ended"));
+  EXPECT_THAT(GetFrom(replay.url(), "/a", 410).body, HasSubstr("the recording has ended"));
 }
 
 TEST_F(ReplayTest, SpeedDecidesHowLongAResponseTakes) {
@@ -249,7 +227,7 @@ TEST_F(ReplayTest, SpeedDecidesHowLongAResponseTakes) {
   EXPECT_GE(time(1), milliseconds(600));
   EXPECT_GE(time(2), milliseconds(300));
   Write({{"https://h/a", "x"}}, 60'000);
-  EXPECT_LT(time(0), stowra_test::kPatience);
+  EXPECT_LT(time(0), kPatience);
 }
 
 TEST_F(ReplayTest, FaultsPlayOnTopOfARecording) {
@@ -266,11 +244,11 @@ TEST_F(ReplayTest, FaultsPlayOnTopOfARecording) {
 TEST_F(ReplayTest, ProgramRecordsAndReplays) {
   const Emulator service;
   ChildProgram recorder({"--record", file_, "--upstream", service.url(), "--quiet"});
-  const std::string recorded = ResponseOf(PatientClient(recorder.ReadLine()).Get("/update")).body;
+  const std::string recorded = GetFrom(recorder.ReadLine(), "/update").body;
   EXPECT_EQ(recorder.EndBy(SIGTERM), 0);
   ChildProgram player({"--replay", file_, "--replay-order", "matched", "--replay-speed", "0.5",
                        "--fault", "/update=drip:0", "--quiet"});
-  EXPECT_EQ(ResponseOf(PatientClient(player.ReadLine()).Get("/update")).body, recorded);
+  EXPECT_EQ(GetFrom(player.ReadLine(), "/update").body, recorded);
 }
 
 TEST_F(ReplayTest, ProgramRefusesOptionsThatDoNotFit) {

@@ -1,25 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "tests/emulator/content_fixture.h"
-#include "tests/emulator/raw_client.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::AnyOf;
-using testing::Contains;
-using testing::IsEmpty;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
 
 constexpr const char* kUserQuery = "http://schemas.stowra.example/stowra/2008#user.query";
 
@@ -107,7 +95,7 @@ TEST_F(SearchFeedTest, EveryEntryHasASmallPicture) {
       if (RtypOf(address) == "st") small.push_back(address);
     }
     ASSERT_EQ(small.size(), 1u) << entry.Child(Atom("id")).text;
-    EXPECT_EQ(Get(small[0]).get_header_value("Content-Type"), "image/png");
+    EXPECT_EQ(Get(small[0]).Header("Content-Type"), "image/png");
   }
 }
 
@@ -202,9 +190,8 @@ TEST_F(SearchFeedTest, DropsCharactersThatXmlForbids) {
 }
 
 std::string SelfLink(Emulator& emulator, const std::string& headers) {
-  RawClient client(emulator.port());
-  client.Send("GET /search?q=nothing-like-it HTTP/1.1\r\n" + headers + "Connection: close\r\n\r\n");
-  return ParseXml(SplitResponse(client.ReadToEnd()).body).Link("self");
+  const std::string request = "GET /search?q=nothing-like-it HTTP/1.1\r\n" + headers + "\r\n";
+  return ParseXml(RawClient(emulator.port()).Ask(request).body).Link("self");
 }
 
 TEST_F(SearchFeedTest, AddressesBeginWithTheHostOfTheRequest) {

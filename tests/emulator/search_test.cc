@@ -1,23 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "tests/emulator/content_fixture.h"
 #include "tests/support/text.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
 
 class SearchTest : public ContentTest {
  protected:

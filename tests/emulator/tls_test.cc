@@ -1,26 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <httplib.h>
 #include <netinet/in.h>
+#include <signal.h>
 #include <sys/socket.h>
 
-#include <chrono>
 #include <filesystem>
 #include <memory>
-#include <string>
 
-#include "emulator/emulator.h"
 #include "emulator/file_descriptor.h"
-#include "tests/emulator/content_fixture.h"
-#include "tests/emulator/raw_client.h"
-#include "tests/support/event.h"
+#include "tests/emulator/child_program.h"
+#include "tests/emulator/http_client.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::HasSubstr;
-using testing::StartsWith;
 
 EmulatorOptions WithTls() {
   EmulatorOptions options;
@@ -73,7 +64,7 @@ TEST_F(TlsTest, TakesFaults) {
 TEST_F(TlsTest, PlainClientIsTurnedAway) {
   RawClient plain(emulator_.port());
   plain.Send("GET /user-info HTTP/1.1\r\n\r\n");
-  EXPECT_THAT(plain.ReadToEnd(), testing::Not(HasSubstr("HTTP/1.1 200")));
+  EXPECT_THAT(plain.ReadToEnd(), Not(HasSubstr("HTTP/1.1 200")));
   ResponseOf(client_.Get("/user-info"));
 }
 
@@ -84,7 +75,19 @@ TEST(TlsStopTest, StopsDuringHandshakeAndStall) {
   RawClient silent(emulator->port());
   RawClient half(emulator->port());
   half.Send("\x16\x03\x01");
-  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), stowra_test::kPatience);
+  EXPECT_LT(TimeOf([&emulator] { emulator.reset(); }), kPatience);
+  EXPECT_FALSE(std::filesystem::exists(ca_file));
+}
+
+TEST(TlsProgramTest, PrintsAddressThenCaFile) {
+  ChildProgram program({"--tls", "--quiet"});
+  const std::string url = program.ReadLine();
+  EXPECT_THAT(url, StartsWith("https://127.0.0.1:"));
+  const std::string ca_file = program.ReadLine();
+  httplib::Client client = PatientClient(url);
+  client.set_ca_cert_path(ca_file);
+  ResponseOf(client.Get("/user-info"));
+  EXPECT_EQ(program.EndBy(SIGTERM), 0);
   EXPECT_FALSE(std::filesystem::exists(ca_file));
 }
 

@@ -1,8 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
 
 #include "tests/emulator/content_fixture.h"
 #include "tests/support/text.h"
@@ -10,14 +6,11 @@
 namespace stowra_emulator {
 namespace {
 
-using testing::HasSubstr;
-using testing::SizeIs;
-
 class UploadConfigTest : public ContentTest {
  protected:
   XmlElement GetConfig(const std::string& query = "") {
-    const httplib::Response response = Get("/upload-config" + query);
-    EXPECT_EQ(response.get_header_value("Content-Type"), "application/xml");
+    const RawResponse response = Get("/upload-config" + query);
+    EXPECT_EQ(response.Header("Content-Type"), "application/xml");
     XmlElement config = ParseXml(response.body);
     EXPECT_EQ(config.name, "upload");
     return config;

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "emulator/database.h"
 #include "emulator/random_stream.h"
-#include "tests/emulator/content_fixture.h"
+#include "tests/emulator/http_client.h"
 #include "tests/support/temporary_folder.h"
 
 namespace stowra_emulator {
@@ -17,8 +13,6 @@ namespace {
 
 using httplib::MultipartFormDataItems;
 using nlohmann::json;
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 std::string RandomBytes(std::size_t size) {
   RandomStream random("upload");
@@ -40,7 +34,7 @@ MultipartFormDataItems With(MultipartFormDataItems form, const std::string& part
   return form;
 }
 
-class UploadTest : public ContentTest {
+class UploadTest : public ClientTest {
  protected:
   httplib::Response PostForm(const MultipartFormDataItems& form, int status) {
     httplib::Response response = ResponseOf(client_.Post("/upload?name=ignored", form), status);
@@ -55,7 +49,7 @@ class UploadTest : public ContentTest {
     return json::parse(PostForm(form, 400).body).value("error", "");
   }
 
-  httplib::Response DownloadOf(const json& answer) {
+  RawResponse DownloadOf(const json& answer) {
     return Get(answer.at("download_url").get<std::string>());
   }
 };
@@ -77,11 +71,10 @@ TEST_F(UploadTest, FindsAndDownloadsTheUploadedModel) {
   EXPECT_EQ(Contents(entry)[0]->Attribute("type"), kQmf);
   EXPECT_EQ(Contents(entry)[0]->Attribute("url"), answer.at("download_url"));
 
-  const httplib::Response file = DownloadOf(answer);
+  const RawResponse file = DownloadOf(answer);
   EXPECT_TRUE(file.body == bytes);
-  EXPECT_EQ(file.get_header_value("Content-Type"), kQmf);
-  EXPECT_EQ(file.get_header_value("Content-Disposition"),
-            "attachment; filename=\"Gläserner Pavillon.qmf\"");
+  EXPECT_EQ(file.Header("Content-Type"), kQmf);
+  EXPECT_EQ(file.Header("Content-Disposition"), "attachment; filename=\"Gläserner Pavillon.qmf\"");
   GetPage(answer.at("url").get<std::string>());
   Get("/thumbnail?mid=m-1101");
 }
@@ -89,14 +82,12 @@ TEST_F(UploadTest, FindsAndDownloadsTheUploadedModel) {
 TEST_F(UploadTest, ReturnsZippedFileUnchanged) {
   const std::string bytes = RandomBytes(5000);
   const json answer = Upload(With(FormOf("Packed", bytes), "isZipped", "true"));
-  const httplib::Response file = DownloadOf(answer);
+  const RawResponse file = DownloadOf(answer);
   EXPECT_TRUE(file.body == bytes);
-  EXPECT_EQ(file.get_header_value("Content-Disposition"),
-            "attachment; filename=\"Packed.qmf.zip\"");
+  EXPECT_EQ(file.Header("Content-Disposition"), "attachment; filename=\"Packed.qmf.zip\"");
   EXPECT_THAT(TitlesFor("packed"), ElementsAre("Packed"));
   const json zip = Upload(With(FormOf("Packed", bytes, "application/zip"), "isZipped", "true"));
-  EXPECT_EQ(DownloadOf(zip).get_header_value("Content-Disposition"),
-            "attachment; filename=\"Packed.zip\"");
+  EXPECT_EQ(DownloadOf(zip).Header("Content-Disposition"), "attachment; filename=\"Packed.zip\"");
 }
 
 TEST_F(UploadTest, ReturnsLargeFileUnchanged) {
@@ -123,7 +114,7 @@ TEST_F(UploadTest, TypeDecidesTheRendition) {
         {"", "o", "application/octet-stream"}}) {
     const std::string url = Upload(FormOf("Typed", "x", type)).at("download_url");
     EXPECT_THAT(url, testing::EndsWith(std::string("&rtyp=") + rtyp)) << type;
-    EXPECT_EQ(Get(url).get_header_value("Content-Type"), served) << type;
+    EXPECT_EQ(Get(url).Header("Content-Type"), served) << type;
   }
 }
 
@@ -136,7 +127,7 @@ TEST_F(UploadTest, AcceptsAnyTitle) {
   const std::string title = "\"Quoted\" <b>&amp;</b>/..\\ \xF0\x9F\x8C\xB5 кактус";
   const json answer = Upload(FormOf(title, "x"));
   EXPECT_THAT(TitlesFor("%F0%9F%8C%B5"), ElementsAre(title));
-  EXPECT_EQ(DownloadOf(answer).get_header_value("Content-Disposition"),
+  EXPECT_EQ(DownloadOf(answer).Header("Content-Disposition"),
             "attachment; filename=\"Quoted <b>&amp;<b>.. 🌵 кактус.qmf\"");
   Upload(FormOf("Line%0D%0AX-Injected:%20yes%00 end", "x"));
   EXPECT_THAT(TitlesFor("injected"), ElementsAre("Line\r\nX-Injected: yes end"));
@@ -236,8 +227,7 @@ TEST(UploadDatabaseTest, KeepsEveryPart) {
     EXPECT_FALSE(row.Step());
   }
   const Emulator again(options);
-  const auto file = ResponseOf(PatientClient(again.url()).Get("/download?mid=m-1101&rtyp=s"));
-  EXPECT_EQ(file.body, std::string("a\0b", 3));
+  EXPECT_EQ(GetFrom(again.url(), "/download?mid=m-1101&rtyp=s").body, std::string("a\0b", 3));
 }
 
 }  // namespace

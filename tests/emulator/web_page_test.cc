@@ -1,19 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/emulator/content_fixture.h"
 
 namespace stowra_emulator {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::SizeIs;
-using testing::StartsWith;
 
 std::vector<std::string> TextsOf(const XmlElement& page, const std::string& name) {
   std::vector<std::string> texts;

@@ -48,14 +48,9 @@ std::vector<const XmlElement*> XmlElement::Children(const std::string& child) co
 
 std::vector<const XmlElement*> XmlElement::Descendants(const std::string& descendant) const {
   std::vector<const XmlElement*> found;
-  std::vector<const XmlElement*> waiting = {this};
-  while (!waiting.empty()) {
-    const XmlElement* element = waiting.back();
-    waiting.pop_back();
-    if (element != this && element->name == descendant) found.push_back(element);
-    for (auto child = element->children.rbegin(); child != element->children.rend(); ++child) {
-      waiting.push_back(&*child);
-    }
+  for (const XmlElement& child : children) {
+    if (child.name == descendant) found.push_back(&child);
+    for (const XmlElement* deeper : child.Descendants(descendant)) found.push_back(deeper);
   }
   return found;
 }

@@ -2,8 +2,6 @@
 #include "tests/host/child.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -68,20 +66,6 @@ Outcome RunOnTerminal(const std::string& program, const Start& start) {
   terminal.Close();
   const std::string out = master.ReadAll();  // ends when no process has the terminal open
   return {process.Wait(), out, ""};
-}
-
-EmulatorProcess::EmulatorProcess()
-    : process_(WithDescriptors(STOWRA_EMULATOR_PROGRAM, {{"--quiet"}, "", {}}, MakeFile(""),
-                               output_.write_end.number(), STDERR_FILENO)) {
-  output_.write_end.Close();
-  char c = 0;
-  while (::read(output_.read_end.number(), &c, 1) == 1 && c != '\n') url_ += c;
-  EXPECT_NE(url_, "");
-}
-
-EmulatorProcess::~EmulatorProcess() {
-  process_.Signal(SIGTERM);
-  EXPECT_EQ(process_.Wait(), 0);
 }
 
 }  // namespace stowra_test

@@ -4,10 +4,12 @@
 #ifndef TESTS_HOST_CHILD_H_
 #define TESTS_HOST_CHILD_H_
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
-#include "tests/support/child_process.h"
+#include "tests/emulator/child_program.h"
 
 namespace stowra_test {
 
@@ -51,18 +53,14 @@ Outcome RunOnTerminal(const std::string& program, const Start& start);
 // A stowra-emulator that runs while the object lives.
 class EmulatorProcess {
  public:
-  EmulatorProcess();
-  ~EmulatorProcess();
-  EmulatorProcess(const EmulatorProcess&) = delete;
-  EmulatorProcess& operator=(const EmulatorProcess&) = delete;
+  ~EmulatorProcess() { EXPECT_EQ(program_.EndBy(SIGTERM), 0); }
 
   // Without a trailing slash.
   const std::string& url() const { return url_; }
 
  private:
-  OwnedPipe output_;
-  ChildProcess process_;
-  std::string url_;
+  stowra_emulator::ChildProgram program_{{"--quiet"}};
+  const std::string url_ = program_.ReadLine();
 };
 
 }  // namespace stowra_test

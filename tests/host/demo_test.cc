@@ -59,7 +59,10 @@ Outcome RunDemo(const std::string& url) { return RunStowra({"demo", url}); }
 
 Outcome RunDemoBehind(Proxy::Change change) { return RunDemo(Proxy(std::move(change)).Url()); }
 
-std::string Fault(const std::string& text) { return Message("demo", text); }
+// The demo must notice the change and say so.
+void ExpectFault(Proxy::Change change, const std::string& text) {
+  EXPECT_THAT(RunDemoBehind(std::move(change)), Ends(5, _, Message("demo", text)));
+}
 
 class DemoFilesTest : public FolderTest {
  protected:
@@ -121,8 +124,7 @@ TEST(DemoTest, NoticesChangedDownload) {
       char& byte = body[body.size() / 2];
       if (Holds(target, uploaded)) byte = static_cast<char>(~byte);
     };
-    EXPECT_THAT(RunDemoBehind(change),
-                Ends(5, _, Fault("the downloaded file differs from the uploaded one")));
+    ExpectFault(change, "the downloaded file differs from the uploaded one");
   }
 }
 
@@ -130,8 +132,7 @@ TEST(DemoTest, NoticesMissingPreviousLink) {
   const auto change = [](const std::string&, std::string& body) {
     ReplaceFirst("rel=\"previous\"", "rel=\"other\"", body);
   };
-  EXPECT_THAT(RunDemoBehind(change),
-              Ends(5, _, Fault("a page after the first has no link to the previous page")));
+  ExpectFault(change, "a page after the first has no link to the previous page");
 }
 
 TEST(DemoTest, NoticesPageThatDiffersOnTheWayBack) {
@@ -140,16 +141,14 @@ TEST(DemoTest, NoticesPageThatDiffersOnTheWayBack) {
     if (!Holds(target, "start=13")) return;
     if (++times_asked == 2) ReplaceFirst("2024:", "2025:", body);
   };
-  EXPECT_THAT(RunDemoBehind(change), Ends(5, _, Fault("a page differs on the way back")))
-      << times_asked;
+  ExpectFault(change, "a page differs on the way back");
 }
 
 TEST(DemoTest, NoticesEndlessPages) {
   const auto change = [](const std::string& target, std::string& body) {
     if (target == "/search") ReplaceFirst("start=13", "start=1", body);
   };
-  EXPECT_THAT(RunDemoBehind(change),
-              Ends(5, _, Fault("the pages hold more results than the feed announces")));
+  ExpectFault(change, "the pages hold more results than the feed announces");
 }
 
 TEST(DemoTest, NoticesUploadMissingFromSearch) {

@@ -99,13 +99,5 @@ TEST_F(DownloadContinueTest, InterruptLeavesNothingUseless) {
   }
 }
 
-TEST_F(DownloadContinueTest, PrintsTheServersMessage) {
-  const RawServer server(
-      Always(Response(403, "not yours\nask again", "Content-Type: text/plain\r\n")));
-  EXPECT_THAT(Run({server.Url(), "-o", "x"}),
-              Fails(4, Message(server.Url(), "HTTP status 403: not yours")));
-  EXPECT_THAT(Files(), IsEmpty());
-}
-
 }  // namespace
 }  // namespace stowra_test

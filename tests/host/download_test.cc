@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <sys/stat.h>
-
 #include <atomic>
 
 #include "tests/host/host_test.h"
@@ -57,51 +55,13 @@ TEST_F(DownloadTest, KeepsExistingFile) {
 
 TEST_F(DownloadTest, ReplacesExistingFileGivenAsOutput) {
   Make("mine.qmf", "old");
-  EXPECT_THAT(Run({server_.Url(), "-o", "mine.qmf"}), Prints("file   mine.qmf\nbytes  3\n"));
+  EXPECT_THAT(Run({server_.Url(), "--output", "mine.qmf"}), Prints("file   mine.qmf\nbytes  3\n"));
   EXPECT_THAT(Files(), ElementsAre(Pair("mine.qmf", "new")));
 }
 
-TEST_F(DownloadTest, WritesToAnotherFolder) {
-  create_directory(Path("sub"));
-  EXPECT_EQ(Run({server_.Url(), "--output", Path("sub/x")}).status, 0);
-  EXPECT_EQ(ReadFile(Path("sub/x")), "new");
-  EXPECT_THAT(Names(), ElementsAre("sub"));
-}
-
-// Uses no system device, since a broken program would replace it.
-TEST_F(DownloadTest, RefusesOutputThatIsNotARegularFile) {
-  ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
-  create_symlink("fifo", Path("link"));
-  for (const std::string name : {"fifo", "link"}) {
-    EXPECT_THAT(Run({server_.Url(), "-o", name}), Fails(1, Message(name, "not a regular file")));
-  }
-  EXPECT_TRUE(std::filesystem::is_fifo(Path("fifo")));
-  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
-}
-
-TEST_F(DownloadTest, ReplacesLinkTargetAndKeepsLink) {
-  create_directory(Path("sub"));
-  const std::string target = Make("sub/x", "old");
-  std::filesystem::permissions(target, std::filesystem::perms{0600});
-  create_symlink("sub/x", Path("link"));
-  EXPECT_THAT(Run({server_.Url(), "-o", "link"}), Prints("file   link\nbytes  3\n"));
-  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
-  EXPECT_EQ(ReadFile(target), "new");
-  EXPECT_EQ(std::filesystem::status(target).permissions(), std::filesystem::perms{0600});
-}
-
 TEST_F(DownloadTest, SendsNoRequestWithoutWritableDestination) {
-  Make("file", "old");
   create_directory(Path("sub"));
-  const std::pair<std::string, const char*> rows[] = {
-      {"sub", "not a regular file"},
-      {"none/x", "No such file or directory"},
-      {"file/x", "Not a directory"},
-      {std::string(300, 'a'), "File name too long"},
-  };
-  for (const auto& [file, why] : rows) {
-    EXPECT_THAT(Run({server_.Url(), "-o", file}), Fails(1, Message(file, why)));
-  }
+  EXPECT_THAT(Run({server_.Url(), "-o", "sub"}), Fails(1, Message("sub", "not a regular file")));
   const std::string removed = "'" + Path("sub") + "'";
   EXPECT_THAT(RunProgram("/bin/sh", AfterCommand("cd " + removed + "; rmdir " + removed,
                                                  {"download", server_.Url()})),
@@ -134,18 +94,11 @@ TEST_F(DownloadTest, AcceptsFileBeyondTheLibrarysDefaultLimit) {
 TEST_F(DownloadTest, WritesNoFileForOtherStatus) {
   for (const int status : {201, 204, 404, 500}) {
     const RawServer server(Always(Response(status, "", kNamed)));
-    EXPECT_THAT(Run({server.Url()}),
-                Fails(4, Message(server.Url(), "HTTP status " + std::to_string(status))));
+    const std::string message = Message(server.Url(), "HTTP status " + std::to_string(status));
+    EXPECT_THAT(Run({server.Url()}), Fails(4, message));
+    EXPECT_THAT(Run({server.Url(), "-o", "x"}), Fails(4, message));
     EXPECT_THAT(Names(), IsEmpty());
   }
-}
-
-TEST_F(DownloadTest, KeepsOldFileWhenReplyBreaksOff) {
-  Make("mine.qmf", "old");
-  const RawServer server(AlwaysThenClose("HTTP/1.1 200 Text\r\nContent-Length: 10\r\n\r\n12345"));
-  EXPECT_THAT(Run({server.Url(), "-o", "mine.qmf"}),
-              Fails(3, StartsWith("stowra: " + server.Url() + ": ")));
-  EXPECT_THAT(Files(), ElementsAre(Pair("mine.qmf", "old")));
 }
 
 TEST_F(DownloadTest, KeepsOldFileWhenWritingFails) {

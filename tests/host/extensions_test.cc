@@ -6,11 +6,6 @@ namespace {
 
 class ExtensionsTest : public InBothModes {
  protected:
-  // What the program reports of the transfer.
-  static std::string Posted(const char* outcome) {
-    return IsAsync() ? "notification ExtensionStoreAsyncStatus" + std::string(outcome) + "\n" : "";
-  }
-
   const RawServer server_{Replies(R"({"extensions":[
     {"id":"roof-tools","version_uuid":"u-1","version":"2.5","file_url":"http://e.example/r",
      "update":true,"remote_kill":false,"enabled":1},
@@ -56,45 +51,6 @@ TEST_P(ExtensionsTest, SendsFileUnchanged) {
   EXPECT_EQ(RunInMode({"extensions", server_.Url(), "--body", file.string()}).status, 0);
   ASSERT_EQ(server_.requests().size(), 1U);
   EXPECT_EQ(server_.requests()[0].body, body);
-}
-
-TEST_P(ExtensionsTest, ReadsStatusFromTheEmulator) {
-  const EmulatorProcess emulator;
-  EXPECT_THAT(RunInMode({"extensions", emulator.url() + "/extensions", "--body", "-",
-                         "--notifications", "--json"},
-                        R"({"extensions":[{"id":"roof-tools","version":"1.0"}]})"),
-              Ends(0,
-                   AllOf(StartsWith(R"({"extensions":[{"id":"roof-tools",)"),
-                         HasSubstr(R"("update":true)")),
-                   Posted("Succeeded")));
-}
-
-TEST_P(ExtensionsTest, ReportsFailure) {
-  const EmulatorProcess emulator;
-  const std::string url = emulator.url() + "/extensions?fault=status:500";
-  EXPECT_THAT(RunInMode({"extensions", url, "--body", "-", "--notifications"}, "{}"),
-              Fails(4, Posted("Failed") +
-                           Message(url, "HTTP status 500: this status is a fault on purpose")));
-}
-
-TEST_P(ExtensionsTest, RefusesResponseWithoutStatus) {
-  for (const char* body : {"", "{\"extensions\":", "[]", "{}", R"({"extensions":[]})",
-                           R"({"extensions":[1,"x"]})", R"({"extensions":{"id":"x"}})"}) {
-    const RawServer server(Replies(body));
-    EXPECT_THAT(RunInMode({"extensions", server.Url(), "--body", "-"}, "{}"),
-                Fails(5, Message(server.Url(),
-                                 "the response is not usable: it contains no "
-                                 "extension's status")))
-        << body;
-  }
-}
-
-TEST(ExtensionsBodyTest, RefusesUnreadableBodyFile) {
-  for (const auto& [file, reason] : {std::pair("/nowhere/body.json", "No such file or directory"),
-                                     std::pair("/", "Is a directory")}) {
-    EXPECT_THAT(RunStowra({"extensions", kNowhere, "--body", file}),
-                Fails(2, Message(std::string("--body ") + file, reason)));
-  }
 }
 
 TEST(ExtensionsBodyTest, RefusesBodyThatIsNotUtf8) {

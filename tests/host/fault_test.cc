@@ -9,10 +9,6 @@
 namespace stowra_test {
 namespace {
 
-using testing::Combine;
-using testing::Values;
-using testing::ValuesIn;
-
 struct FaultCase {
   const char* fault;
   int status;
@@ -35,23 +31,20 @@ constexpr FaultCase kFaults[] = {
 
 const std::vector<std::string> kCommands[] = {
     {"user-info", "/user-info?"},
+    {"user-info", "/user-info?", "--async"},
     {"update", "/update?"},
+    {"update", "/update?", "--async"},
     {"extensions", "/extensions?", "--body", "-"},
-};
-
-// These have no --async.
-const std::vector<std::string> kWaitingCommands[] = {
+    {"extensions", "/extensions?", "--body", "-", "--async"},
     {"search", "/search?q=nothing&"},
     {"upload-config", "/upload-config?"},
 };
 
-class FaultTest
-    : public testing::TestWithParam<std::tuple<FaultCase, std::vector<std::string>, const char*>> {
-};
+class FaultTest : public testing::TestWithParam<std::tuple<FaultCase, std::vector<std::string>>> {};
 
 std::string Name(const testing::TestParamInfo<FaultTest::ParamType>& info) {
-  const auto& [fault, command, mode] = info.param;
-  std::string name = command[0] + "_" + fault.fault + (*mode == '\0' ? "" : "_async");
+  const auto& [fault, command] = info.param;
+  std::string name = command[0] + "_" + fault.fault + (command.back() == "--async" ? "_async" : "");
   for (char& c : name) {
     if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
   }
@@ -59,12 +52,11 @@ std::string Name(const testing::TestParamInfo<FaultTest::ParamType>& info) {
 }
 
 TEST_P(FaultTest, ReportsFaultInOneLineAndStatus) {
-  const auto& [fault, command, mode] = GetParam();
+  const auto& [fault, command] = GetParam();
   const EmulatorProcess emulator;
   const std::string url = emulator.url() + command[1] + "fault=" + fault.fault;
   std::vector<std::string> arguments = command;
   arguments[1] = url;
-  if (*mode != '\0') arguments.emplace_back(mode);
   if (fault.fault == std::string("stall:60")) arguments = Joined(arguments, {"--timeout", "0.3"});
   const Outcome outcome =
       RunStowra(arguments, R"({"extensions":[{"id":"roof-tools","version":"1.0"}]})");
@@ -78,10 +70,8 @@ TEST_P(FaultTest, ReportsFaultInOneLineAndStatus) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, FaultTest,
-                         Combine(ValuesIn(kFaults), ValuesIn(kCommands), Values("", "--async")),
+                         testing::Combine(testing::ValuesIn(kFaults), testing::ValuesIn(kCommands)),
                          Name);
-INSTANTIATE_TEST_SUITE_P(Waiting, FaultTest,
-                         Combine(ValuesIn(kFaults), ValuesIn(kWaitingCommands), Values("")), Name);
 
 class NoServerTest : public InBothModes {};
 IN_BOTH_MODES(NoServerTest);
@@ -97,16 +87,6 @@ TEST_P(NoServerTest, ReportsRefusedConnectionInOneLine) {
 TEST_P(NoServerTest, ReportsUrlThatCannotBeReadAsWrongUsage) {
   EXPECT_THAT(RunInMode({"user-info", "http://h:99999999/"}),
               Fails(2, StartsWith("stowra: http://h:99999999/: ")));
-}
-
-TEST_P(NoServerTest, EscapesControlCharactersInUrl) {
-  EXPECT_THAT(
-      RunInMode({"user-info", "x\ny\x1B[31m"}),
-      Fails(
-          2,
-          Message(
-              "URL",
-              "'x\\u000Ay\\u001B[31m' is not an http or https URL (see stowra user-info --help)")));
 }
 
 }  // namespace

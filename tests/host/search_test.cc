@@ -100,13 +100,6 @@ TEST(SearchTest, ShowsRepeatedEntryOfOnePage) {
   EXPECT_EQ(CountOf("http://f/m1.kmz", RunStowra({"search", server.Url()}).out), 2);
 }
 
-TEST(SearchTest, EscapesControlCharactersInTitle) {
-  const RawServer server(Serves({{ModelEntry("m1", "A&#x9B;31mB&#x85;C\nD")}}));
-  const Outcome outcome = RunStowra({"search", server.Url()});
-  EXPECT_THAT(outcome, Prints(AllOf(Not(HasSubstr("\xC2\x9B")), Not(HasSubstr("\xC2\x85")))));
-  EXPECT_EQ(CountOf("\n", outcome.out), 5) << outcome.out;
-}
-
 TEST(SearchTest, FetchesOnePageByDefault) {
   const RawServer server(Pages(3, ""));
   EXPECT_THAT(RunStowra({"search", server.Url("/1")}), Prints(HasSubstr("results 1 to 1 of 3\n")));
@@ -178,29 +171,6 @@ TEST(SearchAllTest, LinksToFailedPageInJson) {
                    AllOf(HasSubstr("\"next_url\":\"" + server.Url("/2") + "\""),
                          HasSubstr("\"id\":\"m1\"")),
                    _));
-}
-
-TEST(SearchTest, ReportsUnusableFeed) {
-  std::string no_count = Feed({});
-  no_count.replace(no_count.find("<o:startIndex>1</o:startIndex>"), 30, "");
-  for (const std::string& body : {std::string("<html/>"), std::string("{}"), no_count}) {
-    const RawServer server(Always(Response(200, body)));
-    EXPECT_THAT(RunStowra({"search", server.Url()}),
-                Fails(5, Message(server.Url(),
-                                 "the response is not usable: it is not an Atom feed with title, "
-                                 "totalResults, startIndex and itemsPerPage")));
-  }
-}
-
-TEST(SearchTest, PrintsTransfersWhenVerbose) {
-  const std::string body = Feed({});
-  const RawServer server(Always(Response(200, body)));
-  EXPECT_THAT(
-      RunStowra({"search", server.Url(), "--verbose"}).err,
-      EndsWith(": HTTP status 200, bytes sent 0, received " + std::to_string(body.size()) + "\n"));
-  EXPECT_THAT(RunStowra({"search", "http://h:99999999", "-v"}).err,
-              MatchesRegex("\\* transfer 1, [0-9.]+ ms: GET http://h:99999999: [^\n]*\n"
-                           "stowra: [^\n]*\n"));
 }
 
 TEST(SearchTest, FindsModelsOfTheEmulator) {

@@ -31,7 +31,8 @@ class TraceTest : public FolderTest {
 };
 
 TEST_F(TraceTest, VerbosePrintsHeadsAndEnd) {
-  const Outcome outcome = RunStowra({"user-info", secret_url_, "-v", "--header", "X-Mine: SECRET"});
+  const Outcome outcome =
+      RunStowra({"user-info", secret_url_, "--verbose", "--header", "X-Mine: SECRET"});
   EXPECT_EQ(outcome.status, 0);
   const std::string host = "127.0.0.1:" + std::to_string(server_.port());
   EXPECT_THAT(outcome.err,
@@ -43,9 +44,16 @@ TEST_F(TraceTest, VerbosePrintsHeadsAndEnd) {
                            "> GET /to\\?code=\\*\\*\\* HTTP/1.1\n(> [^\n]*\n)*"
                            "< HTTP/1.1 200 Text\n< Content-Length: [0-9]*\n< X-Reply: a[^\x1B\n]*\n"
                            "\\* transfer 1, [0-9.]+ ms: GET http://" +
-                           host +
-                           "/to\\?code=\\*\\*\\*: HTTP status 200, bytes sent 0, received [0-9]+\n"
+                           host + "/to\\?code=\\*\\*\\*: HTTP status 200, bytes sent 0, received " +
+                           std::to_string(sizeof(kUser) - 1) +
+                           "\n"
                            "notification UserInfoUpdated\n"));
+}
+
+TEST_F(TraceTest, VerbosePrintsWhyATransferFailed) {
+  EXPECT_THAT(RunStowra({"search", "http://h:99999999", "-v"}).err,
+              MatchesRegex("\\* transfer 1, [0-9.]+ ms: GET http://h:99999999: [^\n]*\n"
+                           "stowra: [^\n]*\n"));
 }
 
 TEST_F(TraceTest, VeryVerbosePrintsStepsToo) {
@@ -58,10 +66,6 @@ TEST_F(TraceTest, VeryVerbosePrintsStepsToo) {
     EXPECT_THAT(outcome.err, ContainsRegex(std::string("\\* transfer 1, [0-9.]+ ms: ") + step))
         << outcome.err;
   }
-}
-
-TEST_F(TraceTest, NothingIsPrintedUnasked) {
-  EXPECT_EQ(RunStowra({"user-info", server_.Url("/from")}).err, "");
 }
 
 TEST_F(TraceTest, SecretsAreShownOnRequest) {

@@ -50,39 +50,5 @@ TEST_P(UpdateTest, PrintsOnlyVersionsWithoutOtherOffers) {
                      "\"data_files\":[]}\n"));
 }
 
-TEST_P(UpdateTest, ReadsOfferFromTheEmulator) {
-  const EmulatorProcess emulator;
-  EXPECT_THAT(RunInMode({"update", emulator.url() + "/update", "--notifications"}),
-              Ends(0, AllOf(StartsWith("current version  "), HasSubstr("\ndata file")),
-                   "notification UpdateQueryAsyncSucceeded\n"));
-}
-
-TEST_P(UpdateTest, PostsAndReportsFailure) {
-  const EmulatorProcess emulator;
-  const std::string url = emulator.url() + "/update?fault=status:404";
-  EXPECT_THAT(RunInMode({"update", url, "--notifications"}),
-              Fails(4, "notification UpdateQueryAsyncFailed\n" +
-                           Message(url, "HTTP status 404: this status is a fault on purpose")));
-}
-
-TEST_P(UpdateTest, ReportsWhatIsWrongWithTheResponse) {
-  const std::pair<const char*, std::string> rows[] = {
-      {"", "it is empty"},
-      {"update", "it cannot be read as JSON"},
-      {R"({"datafiles":[{"version":1}]})", "it lacks update"},
-      {R"({"update":{}})", "it lacks update.current_version, update.expire_version"},
-      {R"({"update":{"current_version":"1"}})", "it lacks update.expire_version"},
-      {R"({"update":{"expire_version":"1"}})", "it lacks update.current_version"},
-      {R"({"update":{"current_version":2,"expire_version":""}})",
-       "it lacks update.current_version, update.expire_version"},
-  };
-  for (const auto& [body, fault] : rows) {
-    const RawServer server(Replies(body));
-    EXPECT_THAT(RunInMode({"update", server.Url()}),
-                Fails(5, Message(server.Url(), "the response is not usable: " + fault)))
-        << body;
-  }
-}
-
 }  // namespace
 }  // namespace stowra_test

@@ -32,17 +32,6 @@ TEST(UploadConfigTest, AcceptsConfigurationWithoutFiles) {
               Prints("success url  http://r/yes\nfailure url  http://r/no\n"));
 }
 
-TEST(UploadConfigTest, ReportsIncompleteConfiguration) {
-  for (const char* body : {"<upload/>", "x", ""}) {
-    const RawServer server(Always(Response(200, body)));
-    EXPECT_THAT(RunStowra({"upload-config", server.Url()}),
-                Fails(5, Message(server.Url(),
-                                 "the response is not usable: it is not a complete upload "
-                                 "configuration")))
-        << body;
-  }
-}
-
 TEST(UploadConfigTest, ReadsConfigurationOfTheEmulator) {
   const EmulatorProcess emulator;
   EXPECT_THAT(

@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/text.h"
-
 namespace stowra {
 namespace {
 
@@ -18,29 +16,20 @@ constexpr char kNotZipped[] = "the configuration asks for a zip file, but this i
 constexpr char kSameBoundary[] =
     "the boundary is the same as for the previous file, because both were made within one second";
 
-struct Row {
-  const char* name;
-  UploadForm form;
-  const char* problem;
-};
-
-class UploadProblemsTest : public testing::TestWithParam<Row> {};
-
-TEST_P(UploadProblemsTest, FindsTheProblem) {
-  EXPECT_THAT(FindUploadProblems(GetParam().form), testing::ElementsAre(GetParam().problem));
+TEST(UploadFormTest, HasOneProblem) {
+  const std::pair<UploadForm, const char*> rows[] = {
+      {{"a", "19\" rack.qmf", false, false, kNew, kOld}, kQuotationMark},
+      {{"a", "a\nb", false, false, kNew, kOld}, kLineBreak},
+      {{"a", "a\rb", false, false, kNew, kOld}, kLineBreak},
+      {{"a", "\r\n", false, false, kNew, kOld}, kLineBreak},
+      {{"a/St\xFChle.qmf", "St\uFFFDhle.qmf", false, false, kNew, kOld}, kNotUtf8},
+      {{"a", "a", false, true, kNew, kOld}, kNotZipped},
+      {{"a", "a", false, false, kNew, kNew}, kSameBoundary},
+  };
+  for (const auto& [form, problem] : rows) {
+    EXPECT_THAT(FindUploadProblems(form), testing::ElementsAre(problem)) << form.file_name;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    , UploadProblemsTest,
-    testing::Values(
-        Row{"QuotationMark", {"a", "19\" rack.qmf", false, false, kNew, kOld}, kQuotationMark},
-        Row{"LineFeed", {"a", "a\nb", false, false, kNew, kOld}, kLineBreak},
-        Row{"CarriageReturn", {"a", "a\rb", false, false, kNew, kOld}, kLineBreak},
-        Row{"BothLineEnds", {"a", "\r\n", false, false, kNew, kOld}, kLineBreak},
-        Row{"NotUtf8", {"a/St\xFChle.qmf", "St\uFFFDhle.qmf", false, false, kNew, kOld}, kNotUtf8},
-        Row{"NotZipped", {"a", "a", false, true, kNew, kOld}, kNotZipped},
-        Row{"SameBoundary", {"a", "a", false, false, kNew, kNew}, kSameBoundary}),
-    stowra_test::RowName());
 
 TEST(UploadFormTest, HasNoProblem) {
   const UploadForm forms[] = {

@@ -84,12 +84,12 @@ TEST_F(UploadTest, SendsEachFileToItsOwnUrl) {
   EXPECT_EQ(outcome.status, 0);
   const std::vector<RawRequest> requests = server.requests();
   ASSERT_EQ(requests.size(), 4U);
-  EXPECT_EQ(requests[1].target, std::string("/0") + kQuery);
   EXPECT_EQ(requests[1].body, ExpectedBody(requests[1], "a.qmf", "1"));
-  EXPECT_EQ(requests[2].target, std::string("/1") + kQuery);
   EXPECT_EQ(requests[2].body, ExpectedBody(requests[2], "b.qmf.zip", "22", true));
-  EXPECT_EQ(requests[3].target, std::string("/2") + kQuery);
   EXPECT_EQ(requests[3].body, ExpectedBody(requests[3], "c.png", ""));
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(requests[i + 1].target, "/" + std::to_string(i) + kQuery);
+  }
 }
 
 TEST_F(UploadTest, PrintsResultAsJson) {
@@ -110,21 +110,15 @@ TEST_F(UploadTest, SendsLargeFileWhole) {
 }
 
 TEST_F(UploadTest, StopsAtRefusedFile) {
-  const RawServer server(Service(3, Response(400, "no", "Location: http://no\r\n")));
+  const RawServer server(
+      Service(3, Response(400, "the model\x1B[31m is broken\nor not",
+                          "Location: http://no\r\nContent-Type: text/plain\r\n")));
   const std::string file = SmallFile();
-  EXPECT_THAT(Upload(server, {file, file, file}),
-              Ends(4, HasSubstr("  1      400          \n\nresult url  http://r/no\n"),
-                   Message(server.Url("/0") + kQuery, "HTTP status 400")));
-  EXPECT_EQ(server.requests().size(), 2U);
-}
-
-TEST_F(UploadTest, PrintsTheServersMessage) {
-  const RawServer server(Service(
-      1, Response(400, "the model\x1B[31m is broken\nor not", "Content-Type: text/plain\r\n")));
   EXPECT_THAT(
-      Upload(server, {SmallFile()}),
-      Ends(4, _,
+      Upload(server, {file, file, file}),
+      Ends(4, HasSubstr("  1      400          \n\nresult url  http://r/no\n"),
            Message(server.Url("/0") + kQuery, "HTTP status 400: the model\\u001B[31m is broken")));
+  EXPECT_EQ(server.requests().size(), 2U);
 }
 
 TEST_F(UploadTest, AcceptsOnlyStatus2xx) {
@@ -161,30 +155,11 @@ TEST_F(UploadTest, SendsNothingForWrongNumberOfFiles) {
   }
 }
 
-TEST_F(UploadTest, SendsNoRequestForMissingFile) {
-  const RawServer server(Service(2));
-  const std::string missing = SmallFile() + ".not";
-  EXPECT_THAT(Upload(server, {SmallFile(), missing}), Fails(2, HasSubstr(missing)));
-  EXPECT_TRUE(server.requests().empty());
-}
-
-TEST_F(UploadTest, StopsWhenConfigurationFails) {
-  const RawServer refusing(Always(Response(503, "")));
-  EXPECT_EQ(Upload(refusing, {SmallFile()}).status, 4);
-  const RawServer useless(Always(Response(200, "<upload/>")));
-  EXPECT_EQ(Upload(useless, {SmallFile()}).status, 5);
-}
-
 TEST_F(UploadTest, WarnsOfFileNameThatMayBeCut) {
-  const std::string quoted = SmallFile("a\"b.qmf");
-  EXPECT_THAT(
-      Upload(server_, {quoted}),
-      Ends(0, _,
-           Message("warning: " + quoted, "a server may cut the file name at its quotation mark")));
   EXPECT_THAT(
       Upload(server_, {SmallFile("a\nb.qmf")}),
       Ends(0, _, EndsWith("/a\\u000Ab.qmf: a server may cut the file name at its line break\n")));
-  EXPECT_EQ(server_.requests().size(), 4U) << "both are sent all the same";
+  EXPECT_EQ(server_.requests().size(), 2U) << "it is sent all the same";
 }
 
 TEST_F(UploadTest, WarnsOfFileNameThatIsNotUtf8) {
@@ -234,16 +209,6 @@ TEST_F(UploadTest, WarnsOfRepeatedBoundary) {
                 "one second");
   }
   EXPECT_THAT(outcome, Ends(0, _, expected));
-}
-
-TEST_F(UploadTest, UploadsToTheEmulator) {
-  const EmulatorProcess emulator;
-  const std::string file = Make("chair.qmf", std::string("\0\r\n\xFF", 4));
-  const Outcome outcome = RunStowra(
-      {"upload", emulator.url() + "/upload-config?name=Stool", file, "--subject-id", "m42"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, HasSubstr(emulator.url() + "/model?mid=m-1101\n"));
-  EXPECT_THAT(outcome.out, HasSubstr("result url  " + emulator.url() + "/upload-succeeded\n"));
 }
 
 TEST_F(UploadTest, SendsAllOfAPipe) {

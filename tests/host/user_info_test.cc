@@ -30,35 +30,6 @@ TEST_P(UserInfoTest, AcceptsMissingDisplayName) {
               Prints("{\"uid\":\"u\",\"displayname\":\"\",\"email\":\"e\",\"vkr_id\":\"\"}\n"));
 }
 
-TEST_P(UserInfoTest, PrintsNotificationOnRequest) {
-  const EmulatorProcess emulator;
-  EXPECT_THAT(RunInMode({"user-info", emulator.url() + "/user-info", "--notifications"}),
-              Ends(0, _, "notification UserInfoUpdated\n"));
-}
-
-TEST_P(UserInfoTest, ReportsFailureThatIsNotPosted) {
-  const EmulatorProcess emulator;
-  const std::string url = emulator.url() + "/user-info?fault=status:503";
-  EXPECT_THAT(RunInMode({"user-info", url, "--notifications"}),
-              Fails(4, Message(url, "HTTP status 503: this status is a fault on purpose")));
-}
-
-TEST_P(UserInfoTest, ReportsWhatIsWrongWithTheResponse) {
-  const std::pair<const char*, std::string> rows[] = {
-      {"", "it is empty"},
-      {"{\"uid\":", "it cannot be read as JSON"},
-      {"[]", "it lacks uid, email, vkr_id"},
-      {R"({"uid":"u","email":"e"})", "it lacks vkr_id"},
-      {R"({"email":"e","vkr_id":"v"})", "it lacks uid"},
-  };
-  for (const auto& [body, fault] : rows) {
-    const RawServer server(Replies(body));
-    EXPECT_THAT(RunInMode({"user-info", server.Url(), "--notifications"}),
-                Fails(5, Message(server.Url(), "the response is not usable: " + fault)))
-        << body;
-  }
-}
-
 // A terminal would obey them.
 TEST_P(UserInfoTest, EscapesControlCharactersFromTheServer) {
   const RawServer server(

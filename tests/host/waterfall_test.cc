@@ -161,10 +161,6 @@ TEST(WaterfallTextTest, TextFromAServerCannotSteerATerminal) {
   EXPECT_THAT(ToSvg(rows), HasSubstr("/%1B[31m%0A%C3%BC"));
 }
 
-TEST(WaterfallTextTest, SaysThatThereAreNoTransfers) {
-  EXPECT_EQ(ToText({}, 80, false), "no transfers\n");
-}
-
 TEST(WaterfallSvgTest, HasARowForEachRequestAndEscapesTexts) {
   const std::string svg = ToSvg(OneRequest({Record(8, Kind::kStarted, 2, "http://a/<&\">")}));
   EXPECT_THAT(svg, AllOf(HasSubstr("1 GET http://a/b<"), HasSubstr("/&lt;&amp;&quot;&gt;<"),
