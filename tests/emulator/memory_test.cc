@@ -51,18 +51,24 @@ void Flood(const std::string& url, const std::string& start) {
   client.ReadUntil("\r\n");
 }
 
-const std::string kPostUpload =
-    "POST /upload HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=b\r\nContent-Length: ";
-
-TEST(MemoryTest, EndlessHeaderLinesTakeLittleMemory) {
+TEST(MemoryTest, EndlessHeaderLineTakesLittleMemory) {
   const std::size_t usual = PeakMemory(GetOnce);
   const std::size_t peak = PeakMemory([](const std::string& url) {
     for (int i = 0; i < 4; ++i) {
       Flood(url, "GET / HTTP/1.1\r\nX: ");
       Flood(url, "GET /");
-      Flood(url, kPostUpload + "8000000000\r\n\r\n--b\r\nX: ");
     }
   });
+  EXPECT_LT(peak, usual + 8 * kMegabyte);
+}
+
+const std::string kPostUpload =
+    "POST /upload HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=b\r\nContent-Length: ";
+
+TEST(MemoryTest, EndlessPartHeaderTakesLittleMemory) {
+  const std::size_t usual = PeakMemory(GetOnce);
+  const std::size_t peak = PeakMemory(
+      [](const std::string& url) { Flood(url, kPostUpload + "8000000000\r\n\r\n--b\r\nX: "); });
   EXPECT_LT(peak, usual + 8 * kMegabyte);
 }
 
