@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -145,6 +146,8 @@ TEST(UStringTest, IndexesCodeUnits) {
   EXPECT_EQ(text[0], u'A');
   EXPECT_EQ(text.utf8(), "A\xF0\x9F\x98\x80z");
 }
+
+static_assert(static_cast<std::uint32_t>(ovrant_ustring::npos) == 0xFFFFFFFFU);
 
 TEST(UStringTest, FindAgreesWithASearchUnitByUnit) {
   std::mt19937 random(7);
