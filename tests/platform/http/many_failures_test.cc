@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <time.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -73,13 +74,19 @@ double TimeFor(std::size_t count) {
   return ProcessorTime() - begin;
 }
 
+// The fastest of five: other programs only make it slower.
+double LeastTimeFor(std::size_t count) {
+  double least = TimeFor(count);
+  for (int i = 1; i < 5; ++i) least = std::min(least, TimeFor(count));
+  return least;
+}
+
 TEST_F(TransportTest, TimeForManyFailuresIsLinear) {
-  constexpr std::size_t kFew = 2000;
-  constexpr std::size_t kMany = 4 * kFew;
-  TimeFor(kFew);  // fills the caches
-  const double few = TimeFor(kFew);
-  const double many = TimeFor(kMany);
-  EXPECT_LT(many, 8 * few) << few << " s for " << kFew << ", " << many << " s for " << kMany;
+  constexpr std::size_t kFew = 1000;
+  constexpr std::size_t kMany = 16 * kFew;
+  const double few = LeastTimeFor(kFew);
+  const double many = LeastTimeFor(kMany);
+  EXPECT_LT(many, 64 * few) << few << " s for " << kFew << ", " << many << " s for " << kMany;
 }
 
 }  // namespace
