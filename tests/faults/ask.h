@@ -54,7 +54,8 @@ void PrintTo(const Answer& answer, std::ostream* out);
 // that a failure leaves neither body nor headers, and that a background transfer posts once.
 Answer Ask(Way way, const std::string& url, const std::string& upload);
 
-// The same, with the reason of a failure. Takes the place of the transfer listener.
+// The same, with the reason of a failure. Expects that the event, LastError and the answer agree.
+// Takes the place of the transfer listener.
 Answer AskForReason(Way way, const std::string& url, const std::string& upload);
 
 }  // namespace stowra_test
