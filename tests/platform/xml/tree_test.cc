@@ -78,10 +78,24 @@ std::string Names(std::size_t count, const std::string& padding) {
   return bytes + "</a>";
 }
 
+std::string CommentOf(std::size_t letters) { return "<!--" + std::string(letters, 'x') + "-->"; }
+
+TEST(XmlTreeTest, MayTake16TimesTheDocumentAndOneMebibyte) {
+  constexpr std::size_t kCount = 100'000;
+  const std::size_t alone = BytesOf([](Tree&) {});
+  const std::size_t each = BytesOf([](Tree& tree) { tree.BeginElement("aaa"); }) - alone;
+  const std::size_t bytes = alone + kCount * each;
+  const std::size_t enough = (bytes - (std::size_t{1} << 20) + 15) / 16;
+  const std::size_t shortest = Names(kCount, CommentOf(0)).size();
+  ASSERT_LT(shortest, enough);
+  EXPECT_TRUE(Opens(Names(kCount, CommentOf(enough - shortest))));
+  EXPECT_FALSE(Opens(Names(kCount, CommentOf(enough - shortest - 1))));
+}
+
 // Both documents have the same size. The comment costs the tree nothing.
 TEST(XmlTreeTest, TextOfADocumentCountsAgainstItsLimit) {
   const std::string text(20'000, 'x');
-  const std::string comment = "<!--" + text.substr(7) + "-->";
+  const std::string comment = CommentOf(text.size() - CommentOf(0).size());
   const std::size_t refused = FirstFor(
       [&](std::size_t count) { return count > 52 * 52 * 52 || !Opens(Names(count, comment)); });
   ASSERT_LE(refused, 52U * 52 * 52);
