@@ -13,6 +13,8 @@ test('shows each request when it is answered', async () => {
     assert.equal(await page.locator('#requests li').count(), 0);
 
     await page.request.get('/update?fault=status:503');
+    // The next request may come on a connection of its own, and be noted first.
+    await page.locator('#requests li').waitFor();
     await page.request.post('/extensions', {data: {extensions: [{id: 'roof-tools'}]}});
     await page.locator('#requests li').nth(1).waitFor();
     const summaries = await page.locator('#requests summary').allInnerTexts();
